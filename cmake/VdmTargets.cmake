@@ -1,0 +1,133 @@
+# Functions that declare the targets of this tree: folders, libraries, executables, tests.
+#
+# Every header of a target stands in its HEADERS (installed) or PRIVATE_HEADERS list; the
+# architecture tests read these lists back through the global properties
+#   VDM_TARGETS             all targets declared here
+#   VDM_HEADERS_<target>    headers of one target, relative to the repository root
+
+# vdm_add_folders(<folder>...): adds each folder that has a build file, in the given order.
+function(vdm_add_folders)
+  foreach(folder IN LISTS ARGN)
+    if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt")
+      add_subdirectory("${folder}")
+    endif()
+  endforeach()
+endfunction()
+
+# What all targets share: warnings, instrumentation, repository root as include folder.
+function(_vdm_configure_target target)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  target_compile_options(${target} PRIVATE ${vdm_warnings} ${vdm_instrumentation})
+  target_link_options(${target} PRIVATE ${vdm_link_options} ${vdm_instrumentation})
+  if(VDM_TIDY)
+    set_target_properties(${target} PROPERTIES CXX_CLANG_TIDY "${VDM_CLANG_TIDY}")
+  endif()
+endfunction()
+
+# Remembers the headers of a target, relative to the repository root.
+function(_vdm_record_headers target)
+  set(headers)
+  foreach(header IN LISTS ARGN)
+    cmake_path(ABSOLUTE_PATH header BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}" NORMALIZE)
+    cmake_path(RELATIVE_PATH header BASE_DIRECTORY "${PROJECT_SOURCE_DIR}")
+    list(APPEND headers "${header}")
+  endforeach()
+  set_property(GLOBAL APPEND PROPERTY VDM_TARGETS ${target})
+  set_property(GLOBAL PROPERTY VDM_HEADERS_${target} "${headers}")
+endfunction()
+
+function(_vdm_refuse_unknown_arguments name unparsed)
+  if(unparsed)
+    message(FATAL_ERROR "${name}: unknown arguments: ${unparsed}")
+  endif()
+endfunction()
+
+# vdm_add_library(<target> ALIAS <namespace::name>
+#                 [OUTPUT_NAME <file>]       whole file name, for a module with its own extension
+#                 [HIDDEN_VISIBILITY]        export only what the code marks
+#                 SOURCES <file>... [HEADERS <file>...] [PRIVATE_HEADERS <file>...]
+#                 [PUBLIC_LINKS <target>...] [PRIVATE_LINKS <target>...])
+# One shared library of one folder, installed and exported under its alias.
+function(vdm_add_library target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "HIDDEN_VISIBILITY" "ALIAS;OUTPUT_NAME"
+                        "SOURCES;HEADERS;PRIVATE_HEADERS;PUBLIC_LINKS;PRIVATE_LINKS")
+  _vdm_refuse_unknown_arguments("vdm_add_library(${target})" "${arg_UNPARSED_ARGUMENTS}")
+  if(NOT arg_ALIAS OR NOT arg_SOURCES)
+    message(FATAL_ERROR "vdm_add_library(${target}): ALIAS and SOURCES are required")
+  endif()
+
+  add_library(${target} SHARED ${arg_SOURCES} ${arg_PRIVATE_HEADERS})
+  add_library(${arg_ALIAS} ALIAS ${target})
+  target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}"
+                                  FILES ${arg_HEADERS})
+  target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>")
+  target_link_libraries(${target} PUBLIC ${arg_PUBLIC_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
+  _vdm_configure_target(${target})
+  _vdm_record_headers(${target} ${arg_HEADERS} ${arg_PRIVATE_HEADERS})
+
+  # Calls inside one library need no detour through the dynamic linker's tables.
+  target_compile_options(${target} PRIVATE -fno-semantic-interposition -fno-plt)
+  set_target_properties(${target} PROPERTIES EXPORT_NAME "${arg_ALIAS}" INSTALL_RPATH "$ORIGIN")
+  if(arg_HIDDEN_VISIBILITY)
+    set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden
+                                               VISIBILITY_INLINES_HIDDEN ON)
+  endif()
+  if(arg_OUTPUT_NAME)
+    set_target_properties(${target} PROPERTIES OUTPUT_NAME "${arg_OUTPUT_NAME}" PREFIX "" SUFFIX "")
+  endif()
+
+  install(TARGETS ${target} EXPORT vdm_dbTargets
+          LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+          FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/vdm_db")
+endfunction()
+
+# vdm_add_executable(<target> [OUTPUT_NAME <name>] [INSTALL] SOURCES <file>... [HEADERS <file>...]
+#                    [LINKS <target>...])
+# A program in the bin folder; with INSTALL it finds its libraries relative to itself.
+function(vdm_add_executable target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "INSTALL" "OUTPUT_NAME" "SOURCES;HEADERS;LINKS")
+  _vdm_refuse_unknown_arguments("vdm_add_executable(${target})" "${arg_UNPARSED_ARGUMENTS}")
+  if(NOT arg_SOURCES)
+    message(FATAL_ERROR "vdm_add_executable(${target}): SOURCES are required")
+  endif()
+
+  add_executable(${target} ${arg_SOURCES} ${arg_HEADERS})
+  target_include_directories(${target} PRIVATE "${PROJECT_SOURCE_DIR}")
+  target_link_libraries(${target} PRIVATE ${arg_LINKS})
+  _vdm_configure_target(${target})
+  _vdm_record_headers(${target} ${arg_HEADERS})
+  if(arg_OUTPUT_NAME)
+    set_target_properties(${target} PROPERTIES OUTPUT_NAME "${arg_OUTPUT_NAME}")
+  endif()
+  if(arg_INSTALL)
+    file(RELATIVE_PATH bin_to_lib "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+    install(TARGETS ${target} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+  endif()
+endfunction()
+
+set(vdm_test_environment
+    "UBSAN_OPTIONS=print_stacktrace=1"
+    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0")
+
+# vdm_add_test(<name> SOURCES <file>... [HEADERS <file>...] [LINKS <target>...]
+#              [LABELS <label>...] [TIMEOUT <seconds>])
+# One GoogleTest executable and one CTest entry of the same name. Label "long" keeps the test out
+# of the everyday run. Tests run in a folder of their own below the build folder.
+function(vdm_add_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "SOURCES;HEADERS;LINKS;LABELS")
+  _vdm_refuse_unknown_arguments("vdm_add_test(${name})" "${arg_UNPARSED_ARGUMENTS}")
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 300)
+  endif()
+
+  vdm_add_executable(${name} SOURCES ${arg_SOURCES} HEADERS ${arg_HEADERS}
+                     LINKS ${arg_LINKS} GTest::gmock GTest::gtest GTest::gtest_main)
+  set_target_properties(${name} PROPERTIES
+                        RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests/bin")
+  set(work_dir "${PROJECT_BINARY_DIR}/tests/run/${name}")
+  file(MAKE_DIRECTORY "${work_dir}")
+  add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY "${work_dir}")
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}"
+                       ENVIRONMENT "${vdm_test_environment}")
+endfunction()

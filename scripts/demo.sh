@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# Shows what the command `vdm` does: sets up, builds it and plays the story of demo_story.sh in a
+# folder of its own. Extra arguments go to the story.
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+# say TEXT...: a line of the narrator.
+say() {
+  printf '\n== %s\n' "$*"
+}
+
+# run COMMAND...: shows a command, then runs it.
+run() {
+  printf '$ %s\n' "$*"
+  "$@"
+}
+
+cd "$root"
+scripts/setup.sh
+cmake --preset release >/dev/null
+cmake --build --preset release --parallel 2 --target vdm
+
+export PATH="$root/build/release/bin:$PATH"
+stage=$(mktemp -d "${TMPDIR:-/tmp}/vdm-demo.XXXXXX")
+trap 'rm -rf "$stage"' EXIT
+
+# shellcheck source=scripts/demo_story.sh
+source "$root/scripts/demo_story.sh"
+cd "$stage"
+demo_story "$@"

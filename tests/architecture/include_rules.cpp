@@ -1,0 +1,293 @@
+// Reads the includes of a source tree and compares them with the table of allowed arrows.
+#include "tests/architecture/include_rules.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <optional>
+
+namespace architecture {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::array<std::string_view, 4> kCheckedFolders{"platform", "vdm_utils", "vdm_db",
+                                                          "host"};
+
+/// Headers that gather a library for its users; nothing below the hosts includes them.
+constexpr std::array<std::string_view, 2> kUmbrellas{"platform/platform.h", "vdm_db/vdm_db.h"};
+
+constexpr std::string_view kBase = "platform/base";
+constexpr std::string_view kRx = "platform/rx";
+constexpr std::string_view kGe = "platform/ge";
+constexpr std::string_view kFiler = "platform/filer";
+constexpr std::string_view kDb = "platform/db";
+constexpr std::string_view kStorage = "platform/storage";
+constexpr std::string_view kAssoc = "platform/assoc";
+constexpr std::string_view kGi = "platform/gi";
+constexpr std::string_view kModeler = "platform/modeler";
+constexpr std::string_view kModelerOcct = "platform/modeler_occt";
+
+bool isBelow(std::string_view path, std::string_view folder) {
+  return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
+}
+
+bool isUmbrella(std::string_view path) {
+  return std::ranges::find(kUmbrellas, path) != kUmbrellas.end();
+}
+
+const FolderRule* ruleOf(std::string_view path) {
+  const FolderRule* best = nullptr;
+  for (const FolderRule& rule : folderRules()) {
+    if (isBelow(path, rule.folder) && (!best || rule.folder.size() > best->folder.size())) {
+      best = &rule;
+    }
+  }
+  return best;
+}
+
+/// One `#include` line.
+struct Include {
+  std::string name;
+  bool quoted = false;
+  std::size_t line = 0;
+};
+
+struct SourceFile {
+  std::string path;  ///< from the root of the tree
+  std::vector<Include> includes;
+  bool hasPragmaOnce = false;
+};
+
+std::string_view trimLeft(std::string_view text) {
+  const std::size_t start = text.find_first_not_of(" \t");
+  return start == std::string_view::npos ? std::string_view{} : text.substr(start);
+}
+
+/// The text behind `#<directive>`, or nothing where the line is another one.
+std::optional<std::string_view> directive(std::string_view line, std::string_view name) {
+  line = trimLeft(line);
+  if (!line.starts_with('#')) {
+    return std::nullopt;
+  }
+  line = trimLeft(line.substr(1));
+  if (!line.starts_with(name)) {
+    return std::nullopt;
+  }
+  return trimLeft(line.substr(name.size()));
+}
+
+std::optional<Include> parseInclude(std::string_view line, std::size_t number) {
+  const std::optional<std::string_view> rest = directive(line, "include");
+  if (!rest || rest->empty() || (rest->front() != '"' && rest->front() != '<')) {
+    return std::nullopt;
+  }
+  const bool quoted = rest->front() == '"';
+  const std::size_t end = rest->find(quoted ? '"' : '>', 1);
+  if (end == std::string_view::npos) {
+    return std::nullopt;
+  }
+  return Include{std::string(rest->substr(1, end - 1)), quoted, number};
+}
+
+SourceFile readSource(const fs::path& root, const std::string& path) {
+  SourceFile file{path, {}, false};
+  std::ifstream in(root / path);
+  std::string line;
+  for (std::size_t number = 1; std::getline(in, line); ++number) {
+    if (std::optional<Include> include = parseInclude(line, number)) {
+      file.includes.push_back(std::move(*include));
+    }
+    file.hasPragmaOnce |= directive(line, "pragma").value_or("").starts_with("once");
+  }
+  return file;
+}
+
+std::vector<std::string> filesOnDisk(const fs::path& root,
+                                     std::initializer_list<std::string_view> extensions) {
+  std::vector<std::string> paths;
+  for (const std::string_view folder : kCheckedFolders) {
+    if (!fs::exists(root / folder)) {
+      continue;
+    }
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root / folder)) {
+      const std::string extension = entry.path().extension().string();
+      if (entry.is_regular_file() && std::ranges::find(extensions, extension) != extensions.end()) {
+        paths.push_back(entry.path().lexically_relative(root).generic_string());
+      }
+    }
+  }
+  std::ranges::sort(paths);
+  return paths;
+}
+
+/// Collects the violations of one file.
+class FileChecker {
+ public:
+  FileChecker(const fs::path& root, const SourceFile& file, std::vector<std::string>& violations)
+      : m_root(root), m_file(file), m_violations(violations) {}
+
+  void run() {
+    checkShape();
+    const FolderRule* rule = ruleOf(m_file.path);
+    if (!rule && !isUmbrella(m_file.path)) {
+      report(1, "its folder has no row in the table of allowed arrows");
+      return;
+    }
+    for (const Include& include : m_file.includes) {
+      if (include.quoted) {
+        checkQuoted(include, rule);
+      } else {
+        checkForeign(include);
+      }
+    }
+  }
+
+ private:
+  void report(std::size_t line, const std::string& what) {
+    m_violations.push_back(m_file.path + ":" + std::to_string(line) + ": " + what);
+  }
+
+  void checkShape() {
+    const fs::path path(m_file.path);
+    if (path.extension() == ".h") {
+      if (!m_file.hasPragmaOnce) {
+        report(1, "has no #pragma once");
+      }
+      return;
+    }
+    const std::string ownHeader = fs::path(path).replace_extension(".h").generic_string();
+    if (path.extension() != ".cpp" || !fs::exists(m_root / ownHeader)) {
+      return;
+    }
+    if (m_file.includes.empty() || m_file.includes.front().name != ownHeader) {
+      report(1, "does not include its own header " + ownHeader + " first");
+    }
+  }
+
+  void checkQuoted(const Include& include, const FolderRule* rule) {
+    if (!fs::exists(m_root / include.name)) {
+      report(include.line, "includes " + include.name + ", no file of that path from the root");
+      return;
+    }
+    if (isUmbrella(m_file.path)) {
+      return;
+    }
+    if (isUmbrella(include.name)) {
+      if (!isBelow(m_file.path, "host")) {
+        report(include.line, "includes the umbrella header " + include.name + ", only hosts may");
+      }
+      return;
+    }
+    const FolderRule* target = ruleOf(include.name);
+    const bool allowed =
+        target && (target == rule ||
+                   std::ranges::find(rule->mayInclude, target->folder) != rule->mayInclude.end());
+    if (!allowed) {
+      report(include.line, std::string(rule->folder) + " may not include " + include.name);
+    }
+  }
+
+  void checkForeign(const Include& include) {
+    if (include.name.find_first_of("./") == std::string::npos) {
+      return;  // standard library
+    }
+    for (const ForeignRule& rule : foreignRules()) {
+      const auto starts = [&](std::string_view prefix) { return include.name.starts_with(prefix); };
+      const auto ends = [&](std::string_view suffix) { return include.name.ends_with(suffix); };
+      if (std::ranges::none_of(rule.prefixes, starts) &&
+          std::ranges::none_of(rule.suffixes, ends)) {
+        continue;
+      }
+      const auto holdsFile = [&](std::string_view folder) { return isBelow(m_file.path, folder); };
+      if (std::ranges::none_of(rule.allowedFolders, holdsFile)) {
+        report(include.line,
+               "may not include <" + include.name + "> of " + std::string(rule.library));
+      }
+      return;
+    }
+    report(include.line, "includes <" + include.name + ">, a library that no row allows");
+  }
+
+  const fs::path& m_root;
+  const SourceFile& m_file;
+  std::vector<std::string>& m_violations;
+};
+
+}  // namespace
+
+std::span<const FolderRule> folderRules() {
+  static const std::vector<FolderRule> rules = [] {
+    const std::vector<std::string_view> below{kBase, kRx, kGe, kFiler, kDb};
+    const std::vector<std::string_view> hostRooms{"host/modeling", "host/solving",
+                                                  "host/drafting", "host/sheet_metal",
+                                                  "host/naming",   "host/units"};
+    const auto join = [](std::vector<std::string_view> list,
+                         const std::vector<std::string_view>& more) {
+      list.insert(list.end(), more.begin(), more.end());
+      return list;
+    };
+    std::vector<FolderRule> table{
+        {kBase, {}},
+        {kRx, {kBase}},
+        {kGe, {kBase}},
+        {kFiler, {kBase, kRx, kGe}},
+        {kDb, {kBase, kRx, kGe, kFiler}},
+        {kStorage, below},
+        {kAssoc, below},
+        {kGi, below},
+        {kModeler, below},
+        {kModelerOcct, join(below, {kModeler})},
+        {"vdm_utils", below},
+        {"vdm_db", join(below, {kAssoc, kGi, kModeler, "vdm_utils"})},
+    };
+    std::vector<std::string_view> everything = hostRooms;
+    for (const FolderRule& rule : table) {
+      everything.push_back(rule.folder);
+    }
+    for (const std::string_view room : hostRooms) {
+      table.push_back({room, everything});
+    }
+    table.push_back({"host/cli", everything});
+    return table;
+  }();
+  return rules;
+}
+
+std::span<const ForeignRule> foreignRules() {
+  static const std::vector<ForeignRule> rules{
+      {"the operating system",
+       {"dlfcn.h", "link.h", "unistd.h", "fcntl.h", "pthread.h", "locale.h", "signal.h", "sys/",
+        "cxxabi.h"},
+       {},
+       {"platform", "vdm_utils", "host"}},
+      {"ICU", {"unicode/"}, {}, {kBase}},
+      {"SQLite", {"sqlite3"}, {}, {kStorage}},
+      {"xxHash", {"xxh"}, {}, {kStorage}},
+      {"muParser", {"muParser"}, {}, {kAssoc}},
+      {"Open CASCADE",
+       {},
+       {".hxx", ".lxx", ".gxx"},
+       {kModelerOcct, "host/modeling", "host/naming", "host/drafting"}},
+      {"CLI11", {"CLI/"}, {}, {"host/cli"}},
+      {"nlohmann-json", {"nlohmann/"}, {}, {"host/cli"}},
+  };
+  return rules;
+}
+
+std::vector<std::string> checkTree(const fs::path& root) {
+  std::vector<std::string> violations;
+  for (const std::string& path : filesOnDisk(root, {".h", ".cpp", ".inc"})) {
+    const SourceFile file = readSource(root, path);
+    FileChecker(root, file, violations).run();
+  }
+  return violations;
+}
+
+std::set<std::string> headersOnDisk(const fs::path& root) {
+  const std::vector<std::string> paths = filesOnDisk(root, {".h"});
+  return {paths.begin(), paths.end()};
+}
+
+}  // namespace architecture
