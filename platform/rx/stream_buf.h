@@ -1,0 +1,61 @@
+// Byte streams: the interface, and streams over memory.
+#pragma once
+
+#include "platform/base/export.h"
+#include "platform/base/string.h"
+#include "platform/rx/rx_macros.h"
+
+namespace OdDb {
+// What an offset counts from.
+enum FilerSeekType { kSeekFromStart = 0, kSeekFromCurrent = 1, kSeekFromEnd = 2 };
+}  // namespace OdDb
+
+// A sequence of bytes with one position for reading and writing. One thread at a time.
+class OD_API OdStreamBuf : public OdRxObject {
+  OD_RX_DECLARE_MEMBERS(OdStreamBuf)
+
+  virtual OdString fileName() const;
+  virtual bool isEof() const = 0;
+  // The position, and the number of bytes in all.
+  virtual OdUInt64 tell() const = 0;
+  virtual OdUInt64 length() const = 0;
+  // Moves the position and returns it. Raises OdError(eInvalidInput), and stays, for a position
+  // before the start; OdError(eEndOfStream) for one behind the end.
+  virtual OdUInt64 seek(OdInt64 offset, OdDb::FilerSeekType whence) = 0;
+  void rewind() { seek(0, OdDb::kSeekFromStart); }
+
+  // Reading what is not there raises OdError(eEndOfStream), and the position stays.
+  virtual OdUInt8 getByte() = 0;
+  virtual void getBytes(void* buffer, OdUInt64 count) = 0;
+  virtual void putByte(OdUInt8 value) = 0;
+  // A stream that cannot take all the bytes takes none and raises: a flat stream eEndOfStream, a
+  // growing one eOutOfMemory.
+  virtual void putBytes(const void* buffer, OdUInt64 count) = 0;
+  // Cuts the stream at the position.
+  virtual void truncate() = 0;
+  // Appends `count` bytes from the position of this stream to another.
+  void copyDataTo(OdStreamBuf* target, OdUInt64 count);
+};
+using OdStreamBufPtr = OdSmartPtr<OdStreamBuf>;
+
+// A stream that grows in memory as it is written.
+class OD_API OdMemoryStream : public OdStreamBuf {
+  OD_RX_DECLARE_MEMBERS(OdMemoryStream)
+
+  // Grows in multiples of `pageSize` bytes at least; raises OdError(eInvalidInput) for 0.
+  static OdSmartPtr<OdMemoryStream> createNew(OdUInt32 pageSize = 0x800);
+
+  // The bytes in one piece; null when there are none. Valid until the next write.
+  virtual const OdUInt8* data() const = 0;
+  virtual void reserve(OdUInt64 size) = 0;
+};
+using OdMemoryStreamPtr = OdSmartPtr<OdMemoryStream>;
+
+// A stream over memory of somebody else, which must outlive it. Its length is fixed; truncate()
+// raises OdError(eNotImplementedForClass).
+class OD_API OdFlatMemStream : public OdStreamBuf {
+  OD_RX_DECLARE_MEMBERS(OdFlatMemStream)
+
+  static OdSmartPtr<OdFlatMemStream> createNew(void* memory, OdUInt64 size);
+};
+using OdFlatMemStreamPtr = OdSmartPtr<OdFlatMemStream>;

@@ -1,0 +1,224 @@
+// Tests of OdString: representations, sharing, UTF-8, edits, format.
+#include "platform/base/string.h"
+
+#include <gtest/gtest.h>
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <clocale>
+#include <cstring>
+#include <string>
+#include <thread>
+#include <unordered_set>
+#include <vector>
+
+#include "platform/base/error.h"
+#include "platform/base/utf8.h"
+
+namespace {
+
+const std::vector<std::wstring>& samples() {
+  static const std::vector<std::wstring> texts = {L"",
+                                                  L"a",
+                                                  L"A",
+                                                  L"ab",
+                                                  L"abc",
+                                                  L"Zebra",
+                                                  L"\x7F",
+                                                  L"\x80",
+                                                  L"é",
+                                                  L"aé",
+                                                  L"abé",
+                                                  L"中文",
+                                                  L"zz\x10FFFF",
+                                                  L"\xFFFD",
+                                                  L"\xE000",
+                                                  L"\x1F600",
+                                                  std::wstring(L"a\0b", 3)};
+  return texts;
+}
+
+}  // namespace
+
+TEST(OdString, HasOneRepresentationHoweverItWasMade) {
+  OdString cut(L"abcé");
+  cut.deleteChars(3);
+  OdString changed(L"abé");
+  changed.setAt(2, L'c');
+  OdString replaced(L"éabc");
+  replaced.replace(L"é", L"");
+  const OdString joined = OdString(L"a") + "b" + L'c';
+  for (const OdString& text : {cut, changed, replaced, joined, OdString(L"xabcé").mid(1, 3)}) {
+    EXPECT_EQ(text, OdString("abc"));
+    EXPECT_TRUE(text.isNarrow());
+    EXPECT_EQ(text.hash(), OdString("abc").hash());
+  }
+  OdString emptied(L"é");
+  emptied.remove(L'é');
+  EXPECT_TRUE(emptied.isEmpty());
+  EXPECT_TRUE(emptied.sharesBuffer(OdString::kEmpty));
+}
+
+TEST(OdString, OrdersByCodePointInBothRepresentations) {
+  for (const auto& a : samples()) {
+    for (const auto& b : samples()) {
+      EXPECT_EQ(OdString(a) < OdString(b), a < b) << OdString(a) << " < " << OdString(b);
+      EXPECT_EQ(OdString(a) == OdString(b), a == b);
+      EXPECT_EQ(OdString(a).compare(OdString(b)) == 0, a == b);
+    }
+  }
+}
+
+TEST(OdString, KeepsItsTextThroughBothForms) {
+  for (const auto& text : samples()) {
+    const OdString original(text);
+    EXPECT_EQ(std::wstring(original.c_str(), text.size()), text);
+    EXPECT_EQ(OdString::fromUtf8(original.utf8()), original);
+    EXPECT_EQ(static_cast<const char*>(original)[original.utf8().size()], '\0');
+  }
+  EXPECT_EQ(OdString(L"é中\x1F600").utf8(), "\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80");
+}
+
+TEST(OdString, KeepsBytesThatDoNotDecode) {
+  const std::vector<std::string> malformed = {"\x80",
+                                              "a\xFFz",
+                                              "\xC3",
+                                              "\xE4\xB8",
+                                              "\xC0\xAF",
+                                              "\xED\xA0\x80",
+                                              "\xF4\x90\x80\x80",
+                                              "\xF0\x80\x80\x80",
+                                              "\xF8\x88\x80\x80\x80",
+                                              "\xC3\xA9\xC3"};
+  for (const std::string& bytes : malformed)
+    EXPECT_EQ(OdString(bytes).utf8(), bytes) << testing::PrintToString(bytes);
+  EXPECT_EQ(OdString("a\xFFz").getAt(1), 0xDCFF);
+  EXPECT_EQ(odWideToValidUtf8(OdString("a\xFFz").toWide()), "a\xEF\xBF\xBDz");
+  for (const wchar_t invalid : {wchar_t{0xD800}, wchar_t{0xDC7F}, wchar_t{0x110000}, wchar_t{-1}}) {
+    EXPECT_EQ(OdString(invalid, 1), OdString(L'\xFFFD', 1));
+    EXPECT_EQ(OdString(std::wstring(L"é") + invalid).getAt(1), 0xFFFD);
+  }
+}
+
+TEST(OdString, EditsOneCopyOnly) {
+  OdString original(L"shared text");
+  const wchar_t* before = original.c_str();
+  OdString copy(original);
+  EXPECT_TRUE(copy.sharesBuffer(original));
+  copy.setAt(0, L'S');
+  copy += L"!";
+  copy.makeUpper();
+  EXPECT_EQ(original, L"shared text");
+  EXPECT_EQ(copy, L"SHARED TEXT!");
+  EXPECT_EQ(original.c_str(), before);
+}
+
+TEST(OdString, ShowsEditsInBothFormsAfterBothWereMade) {
+  OdString narrow("abc");
+  EXPECT_EQ(std::wstring(narrow.c_str()), L"abc");
+  narrow += "d";
+  narrow.setAt(0, L'x');
+  EXPECT_EQ(std::wstring(narrow.c_str()), L"xbcd");
+  OdString wide(L"äb");
+  EXPECT_EQ(wide.utf8(),
+            "\xC3\xA4"
+            "b");
+  wide += L"ö";
+  EXPECT_EQ(wide.utf8(),
+            "\xC3\xA4"
+            "b\xC3\xB6");
+}
+
+TEST(OdString, AppendsToItselfAndToLongTexts) {
+  OdString text(L"ab");
+  for (int i = 0; i < 4; ++i) text += text;
+  EXPECT_EQ(text.getLength(), 32);
+  std::wstring model = text.toWide();
+  for (int i = 0; i < 3000; ++i) {
+    const wchar_t ch = i == 2000 ? L'é' : static_cast<wchar_t>(L'a' + i % 26);
+    text += ch;
+    model += ch;
+  }
+  EXPECT_EQ(text, model.c_str());
+  text.insert(5, text);
+  EXPECT_EQ(text, (model.substr(0, 5) + model + model.substr(5)).c_str());
+}
+
+TEST(OdString, NeedsOneSmallBlockForAKey) {
+  const OdString key("twenty characters 20");
+  ASSERT_EQ(key.getLength(), 20);
+  EXPECT_EQ(sizeof(OdString), sizeof(void*));
+  void* buffer = nullptr;
+  std::memcpy(&buffer, static_cast<const void*>(&key), sizeof(buffer));
+  EXPECT_LE(::malloc_usable_size(buffer), 40U);
+}
+
+TEST(OdString, FindsAndCutsAtTheEnds) {
+  for (const OdString& text :
+       {OdString(L"abcabc"), OdString(L"abcabcé").left(6), OdString(L"éabcabc").mid(1)}) {
+    EXPECT_EQ(text.find(L'c'), 2);
+    EXPECT_EQ(text.find(L'c', 3), 5);
+    EXPECT_EQ(text.find(OdString("ca")), 2);
+    EXPECT_EQ(text.find(OdString("")), 0);
+    EXPECT_EQ(text.find(OdString(L"é")), -1);
+    EXPECT_EQ(text.reverseFind(L'a'), 3);
+    EXPECT_EQ(text.left(99), text);
+    EXPECT_EQ(text.mid(-1, 2), L"ab");
+    EXPECT_EQ(text.right(2), L"bc");
+    EXPECT_EQ(text.mid(6), L"");
+    EXPECT_EQ(text.spanExcluding(L"c"), L"ab");
+    EXPECT_EQ(text.spanIncluding(L"ba"), L"ab");
+  }
+  EXPECT_EQ(OdString(L"éabc").find(OdString("bc")), 2);
+  OdString padded(L" \t\x2003 ab\xA0\n");
+  EXPECT_EQ(padded.trimLeft().trimRight(), L"ab");
+  EXPECT_EQ(OdString(L"xxabxx").trimLeft(L"x").trimRight(L"xb"), L"a");
+  OdString replaced(L"a.b.c");
+  EXPECT_EQ(replaced.replace(L".", L"..é"), 2);
+  EXPECT_EQ(replaced, L"a..éb..éc");
+  EXPECT_EQ(replaced.replace(OdString(), L"x"), 0);
+}
+
+TEST(OdString, RefusesIndicesOutOfRange) {
+  OdString text(L"ab");
+  EXPECT_EQ(text[2], L'\0');
+  EXPECT_THROW(text.getAt(3), OdError_InvalidIndex);
+  EXPECT_THROW(text.getAt(-1), OdError_InvalidIndex);
+  EXPECT_THROW(text.setAt(2, L'x'), OdError_InvalidIndex);
+  EXPECT_EQ(text, L"ab");
+  EXPECT_THROW(OdString(L'x', std::size_t{1} << 30), OdError);
+}
+
+TEST(OdString, FormatsWhateverTheLocale) {
+  OdString text;
+  EXPECT_EQ(text.format(L"%ls_%d", L"Zylinderø", 7), L"Zylinderø_7");
+  EXPECT_EQ(text.format(L"%ls%lc%u|%c", text.c_str(), L'é', 5U, L'ß'), L"Zylinderø_7é5|ß");
+  EXPECT_EQ(text.format(L"%s|%5s|%-5ls|%.2ls", "\xC3\xA9", "ab", L"cd", L"xyz"),
+            L"é|   ab|cd   |xy");
+  EXPECT_EQ(text.format(L"%05d|%-4x|%+lld|%hhd|%%", -42, 255U, 5000000000LL, 257),
+            L"-0042|ff  |+5000000000|1|%");
+  EXPECT_EQ(text.format(L"%.3f|%g|%*d|%.*f", 1.5, 1e-9, 4, 3, 1, 2.25), L"1.500|1e-09|   3|2.2");
+  if (std::setlocale(LC_ALL, "de_DE.UTF-8")) {
+    EXPECT_EQ(text.format(L"%.1f", 1.5), L"1.5");
+    std::setlocale(LC_ALL, "C");
+  }
+  EXPECT_THROW(text.format(L"%n", nullptr), OdError);
+  EXPECT_THROW(text.format(L"ends in %"), OdError);
+  EXPECT_THROW(text.format(L"%99999999d", 1), OdError);
+}
+
+TEST(OdString, MakesItsOtherFormOnceForAllThreads) {
+  for (int round = 0; round < 200; ++round) {
+    const OdString text(round % 2 ? L"ascii text" : L"wide téxt");
+    std::vector<const void*> seen(4);
+    std::vector<std::thread> threads;
+    for (auto& slot : seen)
+      threads.emplace_back([&slot, text, round] {
+        slot = round % 2 ? static_cast<const void*>(text.c_str())
+                         : static_cast<const void*>(static_cast<const char*>(text));
+      });
+    for (auto& thread : threads) thread.join();
+    EXPECT_EQ(std::unordered_set<const void*>(seen.begin(), seen.end()).size(), 1U);
+  }
+}

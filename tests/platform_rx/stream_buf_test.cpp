@@ -1,0 +1,72 @@
+// Tests of memory streams.
+#include "platform/rx/stream_buf.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/platform_rx/rx_test_classes.h"
+
+TEST(OdMemoryStream, GrowsAndReadsBack) {
+  const auto stream = OdMemoryStream::createNew(16);
+  std::string written;
+  for (int i = 0; i < 1000; ++i) {
+    const std::string part = std::to_string(i);
+    stream->putBytes(part.data(), part.size());
+    written += part;
+  }
+  EXPECT_EQ(stream->length(), written.size());
+  EXPECT_TRUE(stream->isEof());
+  stream->rewind();
+  std::string read(written.size(), '\0');
+  stream->getBytes(read.data(), read.size());
+  EXPECT_EQ(read, written);
+  stream->seek(3, OdDb::kSeekFromStart);
+  stream->putByte('x');
+  EXPECT_EQ(stream->length(), written.size());
+  stream->truncate();
+  EXPECT_EQ(stream->length(), 4U);
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(stream->data()), 4), "012x");
+}
+
+TEST(OdStreamBuf, RefusesWhatLiesBeyondItsEnds) {
+  OdUInt8 memory[4] = {1, 2, 3, 4};
+  const auto growing = OdMemoryStream::createNew();
+  growing->putBytes(memory, 4);
+  const auto flat = OdFlatMemStream::createNew(memory, 4);
+  for (OdStreamBuf* stream :
+       {static_cast<OdStreamBuf*>(growing), static_cast<OdStreamBuf*>(flat)}) {
+    OdUInt8 buffer[8] = {};
+    EXPECT_EQ(stream->seek(-2, OdDb::kSeekFromEnd), 2U);
+    EXPECT_EQ(raisedBy([&] { stream->getBytes(buffer, 3); }), eEndOfStream);
+    EXPECT_EQ(raisedBy([&] { stream->getBytes(buffer, ~OdUInt64{0}); }), eEndOfStream);
+    EXPECT_EQ(raisedBy([&] { stream->seek(3, OdDb::kSeekFromCurrent); }), eEndOfStream);
+    EXPECT_EQ(raisedBy([&] { stream->seek(-3, OdDb::kSeekFromCurrent); }), eInvalidInput);
+    EXPECT_EQ(raisedBy([&] { stream->seek(INT64_MIN, OdDb::kSeekFromEnd); }), eInvalidInput);
+    EXPECT_EQ(stream->tell(), 2U);
+    EXPECT_EQ(stream->getByte(), 3);
+    stream->seek(0, OdDb::kSeekFromEnd);
+    EXPECT_TRUE(stream->isEof());
+    EXPECT_EQ(raisedBy([&] { stream->getByte(); }), eEndOfStream);
+    EXPECT_EQ(buffer[0], 0);
+  }
+  EXPECT_EQ(raisedBy([&] { flat->putByte(9); }), eEndOfStream);
+  flat->seek(2, OdDb::kSeekFromStart);
+  EXPECT_EQ(raisedBy([&] { flat->putBytes("abc", 3); }), eEndOfStream);
+  EXPECT_EQ(memory[2], 3);
+  EXPECT_EQ(raisedBy([&] { flat->truncate(); }), eNotImplementedForClass);
+  EXPECT_EQ(raisedBy([] { OdMemoryStream::createNew(0); }), eInvalidInput);
+  EXPECT_EQ(raisedBy([] { OdFlatMemStream::createNew(nullptr, 1); }), eInvalidInput);
+}
+
+TEST(OdStreamBuf, CopiesToAnother) {
+  std::vector<OdUInt8> bytes(10000);
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<OdUInt8>(i * 7);
+  const auto source = OdFlatMemStream::createNew(bytes.data(), bytes.size());
+  const auto target = OdMemoryStream::createNew();
+  source->seek(100, OdDb::kSeekFromStart);
+  source->copyDataTo(target, bytes.size() - 100);
+  EXPECT_EQ(std::vector<OdUInt8>(target->data(), target->data() + target->length()),
+            std::vector<OdUInt8>(bytes.begin() + 100, bytes.end()));
+}
