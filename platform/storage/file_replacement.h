@@ -1,0 +1,61 @@
+// A fresh file beside a drawing that takes the drawing's place once it is complete.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/db/record_store.h"
+#include "platform/storage/file_ops.h"
+#include "platform/storage/sqlite_connection.h"
+
+namespace odstorage {
+
+/// What stores need from outside; shared by the stores of one factory.
+struct StoreEnvironment {
+  ConnectionOptions connection;
+  std::shared_ptr<OdStoreFileOps> fileOps;
+};
+
+/// Who holds the write lock of the file that is replaced.
+enum class TargetLock {
+  kTake,  ///< nobody: it is taken for the moment of replacement
+  kHeld,  ///< the caller
+};
+
+/// A temporary file in the folder of its target. Until replaceTarget returns, the target is as it
+/// was; the destructor removes a temporary file that did not take its place.
+class FileReplacement {
+ public:
+  /// `target` is an absolute path without symbolic links.
+  FileReplacement(std::shared_ptr<const StoreEnvironment> environment, std::string target);
+  ~FileReplacement();
+  FileReplacement(const FileReplacement&) = delete;
+  FileReplacement& operator=(const FileReplacement&) = delete;
+
+  [[nodiscard]] const std::string& target() const { return m_target; }
+  [[nodiscard]] const std::string& temporary() const { return m_temporary; }
+
+  /// Creates the empty temporary file ".<name>.<16 random hex digits>.tmp" with the permissions of
+  /// the file it will replace. Refuses a target that could not be replaced, before any work was
+  /// done for it. A process that is killed leaves the temporary file behind; nothing ever reads it.
+  OdDbStoreStatus create(TargetLock lock);
+  /// Puts the complete, closed temporary file durably in the target's place. Permissions of a
+  /// replaced file are kept. eFileLocked when somebody has the target open for writing.
+  OdDbStoreStatus replaceTarget(TargetLock lock);
+  /// Removes the temporary file.
+  void discard();
+
+ private:
+  OdDbStoreStatus inspectTarget(OdStoreFileInfo& info);
+  OdDbStoreStatus takeAttributes(const OdStoreFileInfo& info);
+  OdDbStoreStatus lockTarget(Connection& connection);
+  OdDbStoreStatus removeSideFiles();
+  [[nodiscard]] OdStoreFileOps& fileOps() const { return *m_environment->fileOps; }
+
+  std::shared_ptr<const StoreEnvironment> m_environment;
+  std::string m_target;
+  std::string m_folder;
+  std::string m_temporary;
+};
+
+}  // namespace odstorage

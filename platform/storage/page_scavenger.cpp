@@ -1,0 +1,247 @@
+// Finds the intact rows of a damaged drawing file.
+#include "platform/storage/page_scavenger.h"
+
+#include <algorithm>
+#include <limits>
+#include <tuple>
+#include <utility>
+
+#include "platform/storage/bytes.h"
+#include "platform/storage/file_header.h"
+#include "platform/storage/status.h"
+
+namespace odstorage {
+
+namespace {
+
+/// Tables are made in fixed order in an empty file: `header`, `classes` and `objects` have these
+/// root pages in every drawing.
+constexpr std::uint32_t kRootPages[] = {2, 3, 4};
+/// Deeper than any tree of 2^32 pages.
+constexpr std::size_t kMaxDepth = 20;
+
+constexpr std::size_t kFreeTrunkOffset = 32;
+constexpr std::size_t kFreeCountOffset = 36;
+constexpr std::size_t kMaxTrunkLeaves = kPageSize / 4 - 2;
+
+constexpr std::int64_t kFirstKey = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t kLastKey = std::numeric_limits<std::int64_t>::max();
+
+std::uint32_t countPages(const Connection& file) {
+  const std::int64_t pages = file.fileSize() / static_cast<std::int64_t>(kPageSize);
+  return static_cast<std::uint32_t>(
+      std::clamp<std::int64_t>(pages, 0, std::numeric_limits<std::uint32_t>::max() - 1));
+}
+
+std::string rowName(const StoredRow& row) {
+  const auto key = static_cast<OdUInt64>(row.key);
+  switch (row.table) {
+    case StoredRow::Table::kVariables:
+      return "header row " + std::to_string(key);
+    case StoredRow::Table::kClasses:
+      return "class " + std::to_string(key);
+    case StoredRow::Table::kObjects:
+      break;
+  }
+  return "record " + handleText(key);
+}
+
+}  // namespace
+
+PageScavenger::PageScavenger(const Connection& file, Report report)
+    : m_file(file),
+      m_report(std::move(report)),
+      m_pageCount(countPages(file)),
+      m_overflowBudget(std::uint64_t{m_pageCount} * 8),
+      m_visited(std::size_t{m_pageCount} + 1) {}
+
+bool PageScavenger::readPage(std::uint32_t number, Page& page) const {
+  const auto offset = static_cast<std::int64_t>(number - 1) * static_cast<std::int64_t>(kPageSize);
+  return isPage(number) && m_file.readFile(page.data(), page.size(), offset) == SQLITE_OK;
+}
+
+void PageScavenger::damage(const std::string& line) {
+  m_isDamaged = true;
+  m_report(line);
+}
+
+void PageScavenger::lostSpan(std::uint32_t number, const char* why, KeySpan keys) {
+  std::string line = "page " + std::to_string(number) + " " + why;
+  if (keys.first != kFirstKey || keys.last != kLastKey) {
+    line += ", it held the rows from " + handleText(static_cast<OdUInt64>(keys.first)) + " to " +
+            handleText(static_cast<OdUInt64>(keys.last));
+  }
+  damage(line);
+}
+
+// --- Phase 1: trees ------------------------------------------------------------------------------
+
+void PageScavenger::walkTrees() {
+  for (const std::uint32_t root : kRootPages) walkPage(root, 0, {kFirstKey, kLastKey});
+}
+
+void PageScavenger::walkPage(std::uint32_t number, std::size_t depth, KeySpan keys) {
+  if (!isPage(number)) return lostSpan(number, "is not in the file", keys);
+  if (m_visited[number] || depth > kMaxDepth) {
+    return lostSpan(number, "is claimed twice", keys);
+  }
+  Page bytes;
+  if (!readPage(number, bytes)) return lostSpan(number, "cannot be read", keys);
+  const TreePage page(bytes.data(), number);
+  if (page.kind() == PageKind::kOther) return lostSpan(number, "is damaged", keys);
+  m_visited[number] = true;
+  if (page.kind() == PageKind::kLeaf) {
+    collectLeaf(page, number, /*fromTree=*/true);
+  } else {
+    walkInterior(page, number, depth, keys);
+  }
+}
+
+void PageScavenger::walkInterior(const TreePage& page, std::uint32_t number, std::size_t depth,
+                                 KeySpan keys) {
+  std::int64_t first = keys.first;
+  for (std::size_t i = 0; i < page.cellCount(); ++i) {
+    TreePage::InteriorCell cell;
+    if (!page.interiorCell(i, cell)) {
+      damage("page " + std::to_string(number) + " is damaged: entry " + std::to_string(i) +
+             " lies outside of it");
+      continue;
+    }
+    walkPage(cell.child, depth + 1, {first, cell.key});
+    first = cell.key == kLastKey ? kLastKey : cell.key + 1;
+  }
+  walkPage(page.rightChild(), depth + 1, {first, keys.last});
+}
+
+void PageScavenger::collectLeaf(const TreePage& page, std::uint32_t number, bool fromTree) {
+  for (std::size_t i = 0; i < page.cellCount(); ++i) {
+    if (collectCell(page, number, i, fromTree) || !fromTree) continue;
+    StoredRow row;
+    TreePage::LeafCell cell;
+    const bool isNamed =
+        page.leafCell(i, cell) && readPayload(cell) && decodeRow(cell.key, m_payload, row);
+    damage((isNamed ? rowName(row) : "row " + std::to_string(i)) + " on page " +
+           std::to_string(number) + " is damaged");
+  }
+}
+
+/// Notes the row of a cell when it is intact; only then its overflow pages count as visited.
+bool PageScavenger::collectCell(const TreePage& page, std::uint32_t number, std::size_t index,
+                                bool fromTree) {
+  TreePage::LeafCell cell;
+  StoredRow row;
+  if (!page.leafCell(index, cell) || !readPayload(cell) || !decodeRow(cell.key, m_payload, row) ||
+      !row.isIntact()) {
+    return false;
+  }
+  for (const std::uint32_t overflow : m_chain) m_visited[overflow] = true;
+  m_rows.push_back({row.table, static_cast<std::uint64_t>(row.key), row.sum, number,
+                    static_cast<std::uint16_t>(index), fromTree});
+  return true;
+}
+
+/// Leaves the whole payload in m_payload and its overflow pages in m_chain.
+bool PageScavenger::readPayload(const TreePage::LeafCell& cell) {
+  m_chain.clear();
+  m_payload = cell.local;
+  if (cell.overflow == 0) return cell.local.size() == cell.payloadSize;
+  const std::uint64_t rest = cell.payloadSize - cell.local.size();
+  const std::uint64_t pages = (rest + kOverflowBytes - 1) / kOverflowBytes;
+  if (cell.payloadSize > kMaxRowBytes || pages > m_pageCount) return false;
+
+  m_overflowed.assign(cell.local.begin(), cell.local.end());
+  std::uint32_t next = cell.overflow;
+  Page bytes;
+  for (std::uint64_t left = rest; left > 0;) {
+    if (m_overflowBudget == 0 || !readPage(next, bytes)) return false;
+    --m_overflowBudget;
+    m_chain.push_back(next);
+    const std::uint64_t part = std::min<std::uint64_t>(left, kOverflowBytes);
+    m_overflowed.insert(m_overflowed.end(), bytes.begin() + 4,
+                        bytes.begin() + 4 + static_cast<std::ptrdiff_t>(part));
+    next = static_cast<std::uint32_t>(bigEndian(bytes.data(), 4));
+    left -= part;
+  }
+  m_payload = {m_overflowed.data(), m_overflowed.size()};
+  return true;
+}
+
+// --- Phase 2: pages without a tree ---------------------------------------------------------------
+
+void PageScavenger::searchLostPages() {
+  markFreePages();
+  m_overflowBudget = std::uint64_t{m_pageCount} * 8;
+  Page bytes;
+  for (std::uint32_t number = 2; number <= m_pageCount; ++number) {
+    if (m_visited[number] || !readPage(number, bytes)) continue;
+    const TreePage page(bytes.data(), number);
+    if (page.kind() == PageKind::kLeaf) collectLeaf(page, number, /*fromTree=*/false);
+  }
+}
+
+/// Free pages hold rows that were erased long ago. They are left out when the list of them is
+/// sound; otherwise it could hide pages that are needed.
+void PageScavenger::markFreePages() {
+  Page bytes;
+  if (!readPage(1, bytes)) return;
+  std::uint64_t expected = bigEndian(&bytes[kFreeCountOffset], 4);
+  auto trunk = static_cast<std::uint32_t>(bigEndian(&bytes[kFreeTrunkOffset], 4));
+  std::vector<std::uint32_t> free;
+  while (trunk != 0 && free.size() < m_pageCount) {
+    if (!isPage(trunk) || m_visited[trunk] || !readPage(trunk, bytes)) return;
+    free.push_back(trunk);
+    const std::uint64_t leaves = bigEndian(&bytes[4], 4);
+    if (leaves > kMaxTrunkLeaves) return;
+    for (std::size_t i = 0; i < leaves; ++i) {
+      const auto leaf = static_cast<std::uint32_t>(bigEndian(&bytes[8 + i * 4], 4));
+      if (!isPage(leaf) || m_visited[leaf]) return;
+      free.push_back(leaf);
+    }
+    trunk = static_cast<std::uint32_t>(bigEndian(bytes.data(), 4));
+  }
+  if (free.size() != expected) return;
+  for (const std::uint32_t number : free) m_visited[number] = true;
+}
+
+// --- Phase 3: what was found ---------------------------------------------------------------------
+
+/// One row per key: from the tree before from elsewhere, else from the earliest page.
+void PageScavenger::sortRows() {
+  std::stable_sort(m_rows.begin(), m_rows.end(), [](const Place& a, const Place& b) {
+    return std::tuple(a.table, a.key, !a.fromTree) < std::tuple(b.table, b.key, !b.fromTree);
+  });
+  std::size_t kept = 0;
+  for (const Place& place : m_rows) {
+    const Place* previous = kept > 0 ? &m_rows[kept - 1] : nullptr;
+    if (previous == nullptr || previous->table != place.table || previous->key != place.key) {
+      m_rows[kept++] = place;
+      continue;
+    }
+    if (previous->sum == place.sum || (previous->fromTree && !place.fromTree)) continue;
+    damage("two versions of row " + handleText(place.key) + " on pages " +
+           std::to_string(previous->page) + " and " + std::to_string(place.page) +
+           ", the first one was taken");
+  }
+  m_rows.resize(kept);
+}
+
+void PageScavenger::emit(const std::function<void(const StoredRow&)>& visit) {
+  sortRows();
+  // Every row is read a second time: holding all their bytes would need the file's size in memory.
+  m_overflowBudget = std::numeric_limits<std::uint64_t>::max();
+  Page bytes;
+  std::uint32_t inMemory = 0;
+  for (const Place& place : m_rows) {
+    if (place.page != inMemory && !readPage(place.page, bytes)) continue;
+    inMemory = place.page;
+    const TreePage page(bytes.data(), place.page);
+    TreePage::LeafCell cell;
+    StoredRow row;
+    if (page.leafCell(place.cell, cell) && readPayload(cell) &&
+        decodeRow(cell.key, m_payload, row) && row.isIntact()) {
+      visit(row);
+    }
+  }
+}
+
+}  // namespace odstorage

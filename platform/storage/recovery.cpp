@@ -1,0 +1,139 @@
+// Bringing back what is intact of a damaged drawing file.
+#include "platform/storage/recovery.h"
+
+#include "platform/storage/page_scavenger.h"
+#include "platform/storage/sqlite_store.h"
+#include "platform/storage/status.h"
+
+namespace odstorage {
+
+namespace {
+
+OdDbRecordView recordOf(const StoredRow& row) {
+  OdDbRecordView record;
+  record.handle = static_cast<OdUInt64>(row.key);
+  record.classId = static_cast<OdUInt32>(row.classId);
+  record.owner = row.owner;
+  record.data = reinterpret_cast<const OdUInt8*>(row.content.data());
+  record.size = row.content.size();
+  return record;
+}
+
+/// Failures that say nothing about the file's content.
+bool isOutside(const OdDbStoreStatus& status) {
+  switch (status.code) {
+    case eFileNotFound:
+    case eFileAccess:
+    case eFileLocked:
+    case eFileChanged:
+    case eOutOfMemory:
+      return true;
+    default:
+      return false;
+  }
+}
+
+/// Hands out everything of a file that is whole. Nothing is handed out before all of it was read
+/// once, so that a failure leaves the sink untouched.
+OdDbStoreStatus takeWholeFile(SqliteStore& store, OdDbRecoverySink& sink) {
+  OdDbStoreStatus status = store.openExisting(OdDbStoreOpenMode::kReadOnly);
+  if (status.ok()) status = store.readAll([](const OdDbRecordView&) { return true; });
+  if (!status.ok()) return status;
+  for (const OdDbStoredVariable& item : store.variables()) sink.variableFound(item);
+  for (const OdDbStoredClass& item : store.classes()) sink.classFound(item);
+  return store.readAll([&](const OdDbRecordView& record) {
+    sink.recordFound(record);
+    return true;
+  });
+}
+
+/// Sums up what was handed out and compares it with the state row.
+class Harvest {
+ public:
+  explicit Harvest(OdDbRecoverySink& sink) : m_sink(sink) {}
+
+  void take(const StoredRow& row) {
+    switch (row.table) {
+      case StoredRow::Table::kVariables:
+        return takeVariable(row);
+      case StoredRow::Table::kClasses:
+        m_names.add(row.sum);
+        return m_sink.classFound({static_cast<OdUInt32>(row.key), std::string(row.content)});
+      case StoredRow::Table::kObjects:
+        break;
+    }
+    m_objects.add(row.sum);
+    m_sink.recordFound(recordOf(row));
+  }
+
+  void reportLosses() const {
+    if (!m_hasState) {
+      return m_sink.lost("the state row is lost: whether records are missing cannot be told");
+    }
+    report("records", m_objects, m_state.objects);
+    report("classes and variables", m_names, m_state.names);
+  }
+
+  [[nodiscard]] std::uint64_t count() const { return m_objects.count + m_names.count; }
+
+ private:
+  void takeVariable(const StoredRow& row) {
+    if (row.key == kStateRowId) {
+      m_hasState = m_state.decode(row.content);
+      return;
+    }
+    m_names.add(row.sum);
+    m_sink.variableFound({std::string(row.name), std::string(row.content)});
+  }
+
+  void report(const std::string& what, const RowSetDigest& found, const RowSetDigest& saved) const {
+    if (found == saved) return;
+    m_sink.lost((what + ": " + std::to_string(saved.count) + " were saved, " +
+                 std::to_string(found.count) + " were brought back" +
+                 (found.count >= saved.count ? ", some of them in an older state" : ""))
+                    .c_str());
+  }
+
+  OdDbRecoverySink& m_sink;
+  StoreState m_state;
+  bool m_hasState = false;
+  RowSetDigest m_objects;
+  RowSetDigest m_names;
+};
+
+OdDbStoreStatus takeIntactRows(const StoreEnvironment& environment, const std::string& path,
+                               const OdDbStoreStatus& failed, OdDbRecoverySink& sink) {
+  Connection file;
+  OdDbStoreStatus status = file.open(path, ConnectionMode::kReadOnly, environment.connection);
+  if (!status.ok()) return status;
+
+  std::vector<std::string> lines;
+  PageScavenger scavenger(file, [&](const std::string& line) { lines.push_back(line); });
+  scavenger.walkTrees();
+  scavenger.searchLostPages();
+  if (scavenger.rowCount() == 0) {
+    const bool isForeign = failed.code == eNotADrawing || failed.code == eNewerFormat;
+    return isForeign ? failed : failure(eRecoveryFailed, path, "nothing in the file is intact");
+  }
+  sink.lost(failed.text);
+  Harvest harvest(sink);
+  scavenger.emit([&](const StoredRow& row) { harvest.take(row); });
+  for (const std::string& line : lines) sink.lost(line.c_str());
+  harvest.reportLosses();
+  return {};
+}
+
+}  // namespace
+
+OdDbStoreStatus recoverDrawing(const std::shared_ptr<const StoreEnvironment>& environment,
+                               const std::string& path, OdDbRecoverySink& sink) {
+  OdDbStoreStatus status;
+  {
+    SqliteStore store(environment, OdString(path.c_str()), path);
+    status = takeWholeFile(store, sink);
+  }
+  if (status.ok() || isOutside(status)) return status;
+  return takeIntactRows(*environment, path, status, sink);
+}
+
+}  // namespace odstorage

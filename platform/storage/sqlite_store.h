@@ -1,0 +1,151 @@
+// The record store on SQLite: private part of the drawing file.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/db/record_store.h"
+#include "platform/storage/file_replacement.h"
+#include "platform/storage/record_checksum.h"
+#include "platform/storage/schema.h"
+#include "platform/storage/sqlite_connection.h"
+
+namespace odstorage {
+
+/// An open drawing file. Three forms:
+///
+///  - read-only: every call reads the file under a lock of its own and holds none between calls;
+///  - for writing: one transaction with the write lock is always open, so that a second writer is
+///    refused from the start, reads need no lock calls, and a save is the commit of it;
+///  - fresh (from create() until commitSave()): a temporary file that nobody else knows.
+class SqliteStore final : public OdDbRecordStore {
+ public:
+  explicit SqliteStore(std::shared_ptr<const StoreEnvironment> environment, OdString givenPath,
+                       std::string path);
+  ~SqliteStore() override;
+  SqliteStore(const SqliteStore&) = delete;
+  SqliteStore& operator=(const SqliteStore&) = delete;
+
+  /// Opens the existing file. Called once, on a new store.
+  OdDbStoreStatus openExisting(OdDbStoreOpenMode mode);
+  /// Starts the fresh file that will replace the path. `lock` says who holds the lock of what
+  /// stands there. Called once, on a new store.
+  OdDbStoreStatus startFresh(TargetLock lock);
+
+  [[nodiscard]] OdString path() const override { return m_givenPath; }
+  [[nodiscard]] bool isReadOnly() const override { return m_mode == OdDbStoreOpenMode::kReadOnly; }
+  [[nodiscard]] int formatVersion() const override { return m_version; }
+  /// Found out when the file is opened. Records that this store removed still count.
+  [[nodiscard]] OdUInt64 maxHandle() override { return m_maxHandle; }
+  [[nodiscard]] const std::vector<OdDbStoredClass>& classes() const override { return m_classes; }
+  [[nodiscard]] const std::vector<OdDbStoredVariable>& variables() const override {
+    return m_variables;
+  }
+
+  OdDbStoreStatus readRecord(OdUInt64 handle, OdDbRecordView& record) override;
+  OdDbStoreStatus readRecordHeader(OdUInt64 handle, OdUInt32& classId, OdUInt64& owner) override;
+  OdDbStoreStatus readAll(const std::function<bool(const OdDbRecordView&)>& visit) override;
+  OdDbStoreStatus listRecords(
+      const std::function<bool(OdUInt64 handle, OdUInt32 classId, OdUInt64 owner,
+                               std::size_t size)>& visit) override;
+
+  OdDbStoreStatus beginSave() override;
+  OdDbStoreStatus putRecord(const OdDbRecordView& record) override;
+  OdDbStoreStatus removeRecord(OdUInt64 handle) override;
+  OdDbStoreStatus putClass(const OdDbStoredClass& item) override;
+  OdDbStoreStatus putVariable(const OdDbStoredVariable& item) override;
+  OdDbStoreStatus commitSave() override;
+  void rollbackSave() override;
+  OdDbStoreStatus createReplacement(std::unique_ptr<OdDbRecordStore>& store) override;
+  OdDbStoreStatus compact() override;
+
+ private:
+  /// Row of a class or variable beside what the interface shows of it.
+  struct NameRow {
+    std::int64_t id = 0;
+    std::uint64_t sum = 0;
+  };
+
+  // Opening (sqlite_store_open.cpp), in this order.
+  OdDbStoreStatus connect();
+  OdDbStoreStatus identifyFile();
+  OdDbStoreStatus configureConnection();
+  OdDbStoreStatus undoInterruptedSave();
+  OdDbStoreStatus beginSession();
+  OdDbStoreStatus checkFile();
+  OdDbStoreStatus loadNames();
+  OdDbStoreStatus loadVariables(RowSetDigest& digest);
+  OdDbStoreStatus loadClasses(RowSetDigest& digest);
+  OdDbStoreStatus loadStateRow(std::int64_t id, std::string_view value);
+  OdDbStoreStatus findMaxHandle();
+  OdDbStoreStatus findLastKey(std::int64_t limit, bool& exists, std::int64_t& key);
+  OdDbStoreStatus endReading();
+  void closeConnection();
+
+  // Reading.
+  OdDbStoreStatus checkUsable();
+  OdDbStoreStatus checkUnchanged();
+  OdDbStoreStatus checkNeighbours(std::int64_t key);
+  OdDbStoreStatus checkRow(const Statement& row, OdDbRecordView& record);
+  template <typename Visit>
+  OdDbStoreStatus scan(Sql sql, bool& stopped, const Visit& visit);
+  OdDbStoreStatus checkDigest(const RowSetDigest& digest);
+  void releaseHeldRecord();
+
+  // Saving.
+  OdDbStoreStatus checkSaving();
+  OdDbStoreStatus findSum(OdUInt64 handle, bool& exists, std::uint64_t& sum);
+  OdDbStoreStatus writeClass(Sql sql, const OdDbStoredClass& item, std::uint64_t sum);
+  OdDbStoreStatus writeVariable(Sql sql, std::int64_t id, std::string_view key,
+                                std::string_view value, std::uint64_t sum);
+  OdDbStoreStatus writeStateRow(Sql sql);
+  OdDbStoreStatus commitFresh();
+  OdDbStoreStatus commitExisting();
+  void abandonSave();
+  OdDbStoreStatus takeWriteLock();
+  OdDbStoreStatus copyAllTo(SqliteStore& target);
+
+  OdDbStoreStatus statement(Sql sql, Statement*& prepared);
+  OdDbStoreStatus fail(OdResult code, const std::string& what) const;
+  /// Keeps the first failure of a save, so that a save with a failed step is never committed.
+  OdDbStoreStatus noteSaveFailure(OdDbStoreStatus status);
+
+  std::shared_ptr<const StoreEnvironment> m_environment;
+  OdString m_givenPath;
+  std::string m_path;
+  OdDbStoreOpenMode m_mode = OdDbStoreOpenMode::kReadWrite;
+  int m_version = 0;
+
+  // As stored.
+  StoreState m_state;
+  std::vector<OdDbStoredClass> m_classes;  ///< rising ids
+  std::vector<NameRow> m_classRows;        ///< parallel to m_classes
+  std::vector<OdDbStoredVariable> m_variables;
+  std::vector<NameRow> m_variableRows;  ///< parallel to m_variables
+  std::unordered_map<std::string, std::size_t> m_variableIndex;
+
+  // Transient. Statements die before their connection.
+  std::unique_ptr<FileReplacement> m_fresh;
+  TargetLock m_freshLock = TargetLock::kTake;
+  Connection m_connection;
+  std::array<Statement, static_cast<std::size_t>(Sql::kCount)> m_statements;
+  Statement* m_heldStatement = nullptr;  ///< owns the bytes of the last record handed out
+  std::vector<std::uint8_t> m_recordCopy;
+  OdUInt64 m_maxHandle = 0;
+  unsigned m_dataVersion = 0;
+  bool m_hasWriteLock = false;
+  OdDbStoreStatus m_unusable;  ///< why the store can no longer be used
+
+  // The running save.
+  bool m_isSaving = false;
+  bool m_isChanged = false;
+  bool m_namesChanged = false;
+  OdDbStoreStatus m_saveFailure;
+  StoreState m_savedState;
+};
+
+}  // namespace odstorage

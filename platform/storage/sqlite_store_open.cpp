@@ -1,0 +1,246 @@
+// Opening of a drawing file: from the path to a store that has read nothing but the names.
+#include <limits>
+#include <utility>
+
+#include "platform/storage/file_header.h"
+#include "platform/storage/sqlite_store.h"
+#include "platform/storage/status.h"
+
+namespace odstorage {
+
+namespace {
+
+constexpr std::string_view kReadingNames = "reading classes and variables";
+
+/// Sizes are compared before the content is looked at.
+OdDbStoreStatus checkNameSize(std::string_view path, std::string_view what, std::size_t size,
+                              std::size_t limit) {
+  if (size <= limit) return {};
+  return failure(eLimitExceeded, path,
+                 std::string(what) + " has " + std::to_string(size) + " bytes, at most " +
+                     std::to_string(limit) + " are allowed");
+}
+
+OdDbStoreStatus nameDamaged(std::string_view path, const std::string& what) {
+  return failure(eChecksumMismatch, path, what + " is damaged: its checksum does not match");
+}
+
+}  // namespace
+
+OdDbStoreStatus SqliteStore::openExisting(OdDbStoreOpenMode mode) {
+  m_mode = mode;
+  m_unusable = {};
+  OdDbStoreStatus status = connect();
+  if (status.ok()) status = identifyFile();
+  if (status.ok()) status = configureConnection();
+  if (status.ok()) status = beginSession();
+  if (status.ok()) status = checkFile();
+  if (status.ok()) status = loadNames();
+  if (status.ok()) status = findMaxHandle();
+  if (status.ok()) status = endReading();
+  if (!status.ok()) {
+    m_unusable = status;
+    closeConnection();
+  }
+  return status;
+}
+
+OdDbStoreStatus SqliteStore::connect() {
+  OdStoreFileInfo info;
+  if (const int error = m_environment->fileOps->inspect(m_path, info); error != 0) {
+    return systemFailure(error, m_path, "opening");
+  }
+  if (!info.exists) return fail(eFileNotFound, "the file was not found");
+  if (!info.isRegular) return fail(eFileAccess, "it is not a regular file");
+  return m_connection.open(m_path,
+                           isReadOnly() ? ConnectionMode::kReadOnly : ConnectionMode::kReadWrite,
+                           m_environment->connection);
+}
+
+/// Needs no lock: the fields that are looked at never change in the life of a file.
+OdDbStoreStatus SqliteStore::identifyFile() {
+  FileHeader header = {};
+  const int code = m_connection.readFile(header.data(), header.size(), 0);
+  if (code == SQLITE_IOERR_SHORT_READ) {
+    return fail(eNotADrawing, "file is not a drawing: it is shorter than the header of one");
+  }
+  if (code != SQLITE_OK) return m_connection.translate(code, "reading the file header");
+  OdDbStoreStatus status = identify(header, m_path, m_version);
+  // Whether a newer format may be read is known once its state row is.
+  if (status.code == eNewerFormat && isReadOnly()) status = {};
+  if (status.ok()) status = checkFixedFields(header, m_path);
+  return status;
+}
+
+OdDbStoreStatus SqliteStore::configureConnection() {
+  OdDbStoreStatus status = m_connection.configure();
+  if (status.ok() || m_connection.extendedError() != SQLITE_READONLY_ROLLBACK) return status;
+  status = undoInterruptedSave();
+  if (status.ok()) status = m_connection.configure();
+  return status;
+}
+
+/// A reader may not write, so a second connection undoes the save that was interrupted.
+OdDbStoreStatus SqliteStore::undoInterruptedSave() {
+  Connection writer;
+  OdDbStoreStatus status =
+      writer.open(m_path, ConnectionMode::kReadWrite, m_environment->connection);
+  if (status.ok()) status = writer.configure();
+  return status;
+}
+
+OdDbStoreStatus SqliteStore::beginSession() {
+  if (isReadOnly()) return m_connection.execute("BEGIN", "opening");
+  return takeWriteLock();
+}
+
+OdDbStoreStatus SqliteStore::checkFile() {
+  OdDbStoreStatus status;
+  if (!isReadOnly()) status = upgradeSchema(m_connection, m_version);
+  if (status.ok()) status = checkSchema(m_connection, m_version > kFormatVersion);
+  return status;
+}
+
+OdDbStoreStatus SqliteStore::loadNames() {
+  RowSetDigest digest;
+  OdDbStoreStatus status = loadVariables(digest);
+  if (status.ok()) status = loadClasses(digest);
+  if (!status.ok()) return status;
+  if (digest != m_state.names) {
+    return fail(eChecksumMismatch,
+                "classes and variables are incomplete: " + std::to_string(digest.count) +
+                    " rows were found, " + std::to_string(m_state.names.count) + " were saved");
+  }
+  return {};
+}
+
+OdDbStoreStatus SqliteStore::loadVariables(RowSetDigest& digest) {
+  m_variables.clear();
+  m_variableRows.clear();
+  m_variableIndex.clear();
+  Statement* rows = nullptr;
+  OdDbStoreStatus status = statement(Sql::kReadVariables, rows);
+  if (!status.ok()) return status;
+  const StatementScope scope(*rows);
+  bool hasState = false;
+  int code = rows->step();
+  for (; code == SQLITE_ROW; code = rows->step()) {
+    const std::int64_t id = rows->integer(0);
+    const std::string what = "header row " + std::to_string(id);
+    if (!rows->hasType(1, SQLITE_TEXT) || !rows->hasType(2, SQLITE_INTEGER) ||
+        !rows->hasType(3, SQLITE_BLOB)) {
+      return fail(eCorruptData, what + " is damaged: its columns have other types");
+    }
+    status = checkNameSize(m_path, "key of " + what, rows->size(1), kMaxVariableKeyBytes);
+    if (status.ok()) status = checkNameSize(m_path, what, rows->size(3), kMaxVariableBytes);
+    if (status.ok() && m_variables.size() >= kMaxVariables) {
+      status = fail(eLimitExceeded, "the file has more than " + std::to_string(kMaxVariables) +
+                                        " drawing variables");
+    }
+    if (!status.ok()) return status;
+
+    const std::string_view key = rows->bytes(1);
+    const std::string_view value = rows->bytes(3);
+    const auto sum = static_cast<std::uint64_t>(rows->integer(2));
+    if (sum != variableChecksum(id, key, value)) return nameDamaged(m_path, what);
+    if (id == kStateRowId) {
+      status = loadStateRow(id, value);
+      if (!status.ok()) return status;
+      hasState = true;
+      continue;
+    }
+    digest.add(sum);
+    if (!m_variableIndex.emplace(key, m_variables.size()).second) {
+      return fail(eCorruptData, "variable \"" + std::string(key) + "\" exists twice");
+    }
+    m_variables.push_back({std::string(key), std::string(value)});
+    m_variableRows.push_back({id, sum});
+  }
+  if (code != SQLITE_DONE) return m_connection.translate(code, kReadingNames);
+  return hasState ? OdDbStoreStatus{} : fail(eCorruptData, "the state row is missing");
+}
+
+OdDbStoreStatus SqliteStore::loadStateRow(std::int64_t id, std::string_view value) {
+  if (!m_state.decode(value)) {
+    return fail(eCorruptData, "the state row " + std::to_string(id) + " has " +
+                                  std::to_string(value.size()) + " bytes, expected " +
+                                  std::to_string(kStateRowBytes));
+  }
+  if (m_state.minReaderVersion <= static_cast<std::uint32_t>(kFormatVersion)) return {};
+  return newerFormat(m_path, m_version);
+}
+
+OdDbStoreStatus SqliteStore::loadClasses(RowSetDigest& digest) {
+  m_classes.clear();
+  m_classRows.clear();
+  Statement* rows = nullptr;
+  OdDbStoreStatus status = statement(Sql::kReadClasses, rows);
+  if (!status.ok()) return status;
+  const StatementScope scope(*rows);
+  int code = rows->step();
+  for (; code == SQLITE_ROW; code = rows->step()) {
+    const std::int64_t id = rows->integer(0);
+    const std::string what = "class " + std::to_string(id);
+    if (id < 1 || id > INT64_C(0xFFFFFFFF) || !rows->hasType(1, SQLITE_INTEGER) ||
+        !rows->hasType(2, SQLITE_BLOB)) {
+      return fail(eCorruptData, what + " is damaged: its columns have other types");
+    }
+    status = checkNameSize(m_path, what, rows->size(2), kMaxClassBytes);
+    if (status.ok() && m_classes.size() >= kMaxClasses) {
+      status = fail(eLimitExceeded,
+                    "the file has more than " + std::to_string(kMaxClasses) + " classes");
+    }
+    if (!status.ok()) return status;
+
+    const auto classId = static_cast<std::uint32_t>(id);
+    const std::string_view record = rows->bytes(2);
+    const auto sum = static_cast<std::uint64_t>(rows->integer(1));
+    if (sum != classChecksum(classId, record)) return nameDamaged(m_path, what);
+    digest.add(sum);
+    m_classes.push_back({classId, std::string(record)});
+    m_classRows.push_back({id, sum});
+  }
+  return code == SQLITE_DONE ? OdDbStoreStatus{} : m_connection.translate(code, kReadingNames);
+}
+
+/// The greatest handle is the last of the negative keys, or else the last of all.
+OdDbStoreStatus SqliteStore::findMaxHandle() {
+  m_maxHandle = 0;
+  for (const std::int64_t limit : {std::int64_t{-1}, std::numeric_limits<std::int64_t>::max()}) {
+    bool exists = false;
+    std::int64_t key = 0;
+    OdDbStoreStatus status = findLastKey(limit, exists, key);
+    if (status.ok() && exists) m_maxHandle = static_cast<OdUInt64>(key);
+    if (!status.ok() || exists) return status;
+  }
+  return {};
+}
+
+OdDbStoreStatus SqliteStore::findLastKey(std::int64_t limit, bool& exists, std::int64_t& key) {
+  Statement* row = nullptr;
+  OdDbStoreStatus status = statement(Sql::kLastHandle, row);
+  if (!status.ok()) return status;
+  const StatementScope scope(*row);
+  row->bind(1, limit);
+  const int code = row->step();
+  exists = code == SQLITE_ROW;
+  key = exists ? row->integer(0) : 0;
+  return exists || code == SQLITE_DONE
+             ? OdDbStoreStatus{}
+             : m_connection.translate(code, "looking for the last record");
+}
+
+OdDbStoreStatus SqliteStore::endReading() {
+  m_dataVersion = m_connection.dataVersion();
+  return isReadOnly() ? m_connection.execute("COMMIT", "opening") : OdDbStoreStatus{};
+}
+
+void SqliteStore::closeConnection() {
+  m_heldStatement = nullptr;
+  for (Statement& prepared : m_statements) prepared = {};
+  m_connection.close();
+  m_hasWriteLock = false;
+  m_dataVersion = 0;
+}
+
+}  // namespace odstorage

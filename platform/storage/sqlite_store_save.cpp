@@ -1,0 +1,397 @@
+// The record store on SQLite: saving and compaction.
+#include <algorithm>
+#include <utility>
+
+#include "platform/storage/sqlite_store.h"
+#include "platform/storage/status.h"
+
+namespace odstorage {
+
+namespace {
+
+constexpr std::string_view kSaving = "saving";
+
+}  // namespace
+
+// --- Fresh files ---------------------------------------------------------------------------------
+
+OdDbStoreStatus SqliteStore::startFresh(TargetLock lock) {
+  m_mode = OdDbStoreOpenMode::kReadWrite;
+  m_version = kFormatVersion;
+  m_freshLock = lock;
+  m_fresh = std::make_unique<FileReplacement>(m_environment, m_path);
+  OdDbStoreStatus status = m_fresh->create(lock);
+  if (status.ok()) {
+    status = m_connection.open(m_fresh->temporary(), ConnectionMode::kFreshFile,
+                               m_environment->connection);
+  }
+  m_connection.setPathInMessages(m_path);
+  if (status.ok()) status = m_connection.configure();
+  if (status.ok()) status = m_connection.execute("BEGIN", kSaving);
+  if (status.ok()) status = createSchema(m_connection);
+  if (status.ok()) status = writeStateRow(Sql::kInsertVariable);
+  m_isSaving = status.ok();
+  if (!status.ok()) {
+    m_unusable = status;
+    abandonSave();
+  }
+  return status;
+}
+
+OdDbStoreStatus SqliteStore::commitFresh() {
+  OdDbStoreStatus status = writeStateRow(Sql::kUpdateVariable);
+  if (status.ok()) status = m_connection.execute("COMMIT", kSaving);
+  closeConnection();
+  if (status.ok()) status = m_fresh->replaceTarget(m_freshLock);
+  m_isSaving = false;
+  if (!status.ok()) {
+    m_unusable = status;
+    abandonSave();
+    return status;
+  }
+  m_fresh.reset();
+  return openExisting(OdDbStoreOpenMode::kReadWrite);
+}
+
+// --- Save ----------------------------------------------------------------------------------------
+
+/// Takes the write lock, unless it is held already, and makes sure that nobody saved since this
+/// store last had it.
+OdDbStoreStatus SqliteStore::takeWriteLock() {
+  if (m_hasWriteLock) return {};
+  OdDbStoreStatus status = m_connection.execute("BEGIN IMMEDIATE", "opening for writing");
+  if (!status.ok()) return status;
+  if (m_dataVersion != 0 && m_connection.dataVersion() != m_dataVersion) {
+    m_connection.execute("ROLLBACK", "opening for writing");
+    return fail(eFileChanged, "another program saved the file since it was last saved here");
+  }
+  m_hasWriteLock = true;
+  return {};
+}
+
+OdDbStoreStatus SqliteStore::beginSave() {
+  OdDbStoreStatus status = checkUsable();
+  if (!status.ok()) return status;
+  if (isReadOnly()) return fail(eReadOnlyDatabase, "saving failed: the file is open for reading");
+  if (m_isSaving) return fail(eInvalidOpenState, "a save of this file is running already");
+  status = takeWriteLock();
+  if (!status.ok()) return status;
+  m_savedState = m_state;
+  m_saveFailure = {};
+  m_isChanged = false;
+  m_namesChanged = false;
+  m_isSaving = true;
+  return {};
+}
+
+OdDbStoreStatus SqliteStore::checkSaving() {
+  OdDbStoreStatus status = checkUsable();
+  if (status.ok()) status = m_saveFailure;
+  if (status.ok() && !m_isSaving)
+    status = fail(eInvalidOpenState, "no save of this file is running");
+  return status;
+}
+
+OdDbStoreStatus SqliteStore::noteSaveFailure(OdDbStoreStatus status) {
+  if (!status.ok() && m_isSaving) m_saveFailure = status;
+  return status;
+}
+
+/// Records above the greatest handle are new for sure and need no search.
+OdDbStoreStatus SqliteStore::findSum(OdUInt64 handle, bool& exists, std::uint64_t& sum) {
+  exists = false;
+  if (handle > m_maxHandle) return {};
+  const auto key = static_cast<std::int64_t>(handle);
+  Statement* row = nullptr;
+  OdDbStoreStatus status = statement(Sql::kReadSum, row);
+  if (!status.ok()) return status;
+  const StatementScope scope(*row);
+  row->bind(1, key);
+  const int code = row->step();
+  if (code == SQLITE_DONE) return checkNeighbours(key);
+  if (code != SQLITE_ROW) return m_connection.translate(code, kSaving);
+  exists = true;
+  sum = static_cast<std::uint64_t>(row->integer(0));
+  return {};
+}
+
+OdDbStoreStatus SqliteStore::putRecord(const OdDbRecordView& record) {
+  OdDbStoreStatus status = checkSaving();
+  if (status.ok() && record.handle == 0) {
+    status = fail(eInvalidInput, "a record with handle 0 cannot be saved");
+  }
+  if (status.ok() && record.size > kMaxRecordBytes) {
+    status = fail(eLimitExceeded, "record " + handleText(record.handle) + " has " +
+                                      std::to_string(record.size) + " bytes, at most " +
+                                      std::to_string(kMaxRecordBytes) + " can be saved");
+  }
+  bool exists = false;
+  std::uint64_t oldSum = 0;
+  if (status.ok()) status = findSum(record.handle, exists, oldSum);
+  Statement* row = nullptr;
+  if (status.ok()) status = statement(exists ? Sql::kUpdateRecord : Sql::kInsertRecord, row);
+  if (!status.ok()) return noteSaveFailure(status);
+
+  const std::uint64_t sum = recordChecksum(record);
+  row->bind(1, static_cast<std::int64_t>(record.handle));
+  row->bind(2, record.classId);
+  row->bind(3, static_cast<std::int64_t>(record.owner));
+  row->bind(4, static_cast<std::int64_t>(sum));
+  row->bindBlob(5, record.data, record.size);
+  if (const int code = row->run(); code != SQLITE_OK) {
+    return noteSaveFailure(m_connection.translate(code, kSaving));
+  }
+  if (exists) m_state.objects.remove(oldSum);
+  m_state.objects.add(sum);
+  m_maxHandle = std::max(m_maxHandle, record.handle);
+  m_isChanged = true;
+  return {};
+}
+
+OdDbStoreStatus SqliteStore::removeRecord(OdUInt64 handle) {
+  OdDbStoreStatus status = checkSaving();
+  bool exists = false;
+  std::uint64_t sum = 0;
+  if (status.ok()) status = findSum(handle, exists, sum);
+  if (!status.ok()) return noteSaveFailure(status);
+  if (!exists) return {};
+  Statement* row = nullptr;
+  status = statement(Sql::kDeleteRecord, row);
+  if (status.ok()) {
+    row->bind(1, static_cast<std::int64_t>(handle));
+    status = m_connection.translate(row->run(), kSaving);
+  }
+  if (!status.ok()) return noteSaveFailure(status);
+  m_state.objects.remove(sum);
+  m_isChanged = true;
+  return {};
+}
+
+// --- Classes and variables -----------------------------------------------------------------------
+
+OdDbStoreStatus SqliteStore::putClass(const OdDbStoredClass& item) {
+  OdDbStoreStatus status = checkSaving();
+  if (!status.ok()) return status;
+  const auto found =
+      std::lower_bound(m_classes.begin(), m_classes.end(), item.id,
+                       [](const OdDbStoredClass& stored, OdUInt32 id) { return stored.id < id; });
+  const auto index = found - m_classes.begin();
+  const bool exists = found != m_classes.end() && found->id == item.id;
+  if (exists && found->value == item.value) return {};
+
+  if (item.id == 0) return fail(eInvalidInput, "a class with number 0 cannot be saved");
+  if (item.value.size() > kMaxClassBytes) {
+    return fail(eLimitExceeded, "class " + std::to_string(item.id) + " has " +
+                                    std::to_string(item.value.size()) + " bytes, at most " +
+                                    std::to_string(kMaxClassBytes) + " can be saved");
+  }
+  if (!exists && m_classes.size() >= kMaxClasses) {
+    return fail(eLimitExceeded, "class " + std::to_string(item.id) +
+                                    " cannot be saved: there are " + std::to_string(kMaxClasses) +
+                                    " classes already");
+  }
+  const std::uint64_t sum = classChecksum(item.id, item.value);
+  status = writeClass(exists ? Sql::kUpdateClass : Sql::kInsertClass, item, sum);
+  if (!status.ok()) return noteSaveFailure(status);
+  if (exists) {
+    m_state.names.remove(m_classRows[static_cast<std::size_t>(index)].sum);
+    m_classRows[static_cast<std::size_t>(index)].sum = sum;
+    found->value = item.value;
+  } else {
+    m_classRows.insert(m_classRows.begin() + index, {item.id, sum});
+    m_classes.insert(found, item);
+  }
+  m_state.names.add(sum);
+  m_isChanged = m_namesChanged = true;
+  return {};
+}
+
+OdDbStoreStatus SqliteStore::writeClass(Sql sql, const OdDbStoredClass& item, std::uint64_t sum) {
+  Statement* row = nullptr;
+  OdDbStoreStatus status = statement(sql, row);
+  if (!status.ok()) return status;
+  row->bind(1, item.id);
+  row->bind(2, static_cast<std::int64_t>(sum));
+  row->bindBlob(3, item.value.data(), item.value.size());
+  return m_connection.translate(row->run(), kSaving);
+}
+
+OdDbStoreStatus SqliteStore::putVariable(const OdDbStoredVariable& item) {
+  OdDbStoreStatus status = checkSaving();
+  if (!status.ok()) return status;
+  const auto found = m_variableIndex.find(item.key);
+  const bool exists = found != m_variableIndex.end();
+  if (exists && m_variables[found->second].value == item.value) return {};
+
+  const std::string what = "variable \"" + item.key + "\"";
+  if (item.key.empty() || item.key.size() > kMaxVariableKeyBytes) {
+    return fail(eInvalidInput, what + " cannot be saved: its name has " +
+                                   std::to_string(item.key.size()) + " bytes, 1 to " +
+                                   std::to_string(kMaxVariableKeyBytes) + " are allowed");
+  }
+  if (item.value.size() > kMaxVariableBytes) {
+    return fail(eLimitExceeded, what + " has " + std::to_string(item.value.size()) +
+                                    " bytes, at most " + std::to_string(kMaxVariableBytes) +
+                                    " can be saved");
+  }
+  if (!exists && m_variables.size() >= kMaxVariables) {
+    return fail(eLimitExceeded, what + " cannot be saved: there are " +
+                                    std::to_string(kMaxVariables) + " variables already");
+  }
+  const std::size_t index = exists ? found->second : m_variables.size();
+  const std::int64_t lastId = m_variableRows.empty() ? kStateRowId : m_variableRows.back().id;
+  const std::int64_t id = exists ? m_variableRows[index].id : lastId + 1;
+  const std::uint64_t sum = variableChecksum(id, item.key, item.value);
+  status = writeVariable(exists ? Sql::kUpdateVariable : Sql::kInsertVariable, id, item.key,
+                         item.value, sum);
+  if (!status.ok()) return noteSaveFailure(status);
+  if (exists) {
+    m_state.names.remove(m_variableRows[index].sum);
+    m_variableRows[index].sum = sum;
+    m_variables[index].value = item.value;
+  } else {
+    m_variableRows.push_back({id, sum});
+    m_variables.push_back(item);
+    m_variableIndex.emplace(item.key, index);
+  }
+  m_state.names.add(sum);
+  m_isChanged = m_namesChanged = true;
+  return {};
+}
+
+OdDbStoreStatus SqliteStore::writeVariable(Sql sql, std::int64_t id, std::string_view key,
+                                           std::string_view value, std::uint64_t sum) {
+  Statement* row = nullptr;
+  OdDbStoreStatus status = statement(sql, row);
+  if (!status.ok()) return status;
+  row->bind(1, id);
+  if (sql == Sql::kInsertVariable) row->bindText(2, key);
+  row->bind(3, static_cast<std::int64_t>(sum));
+  row->bindBlob(4, value.data(), value.size());
+  return m_connection.translate(row->run(), kSaving);
+}
+
+OdDbStoreStatus SqliteStore::writeStateRow(Sql sql) {
+  const auto bytes = m_state.encode();
+  const std::string_view value(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+  return writeVariable(sql, kStateRowId, kStateRowKey, value,
+                       variableChecksum(kStateRowId, kStateRowKey, value));
+}
+
+// --- End of a save -------------------------------------------------------------------------------
+
+OdDbStoreStatus SqliteStore::commitSave() {
+  OdDbStoreStatus status = checkSaving();
+  if (status.ok()) return m_fresh != nullptr ? commitFresh() : commitExisting();
+  if (m_isSaving) abandonSave();
+  return status;
+}
+
+OdDbStoreStatus SqliteStore::commitExisting() {
+  OdDbStoreStatus status;
+  if (m_isChanged) {
+    status = writeStateRow(Sql::kUpdateVariable);
+    if (status.ok()) status = m_connection.execute("COMMIT", kSaving);
+    if (!status.ok()) {
+      abandonSave();
+      return status;
+    }
+    // The next save begins at once, so that nobody else's can come between. When somebody was
+    // quicker this save still stands, and the next one finds out.
+    m_hasWriteLock = false;
+    m_dataVersion = m_connection.dataVersion();
+    takeWriteLock();
+  }
+  m_isSaving = false;
+  return {};
+}
+
+void SqliteStore::rollbackSave() {
+  if (!m_isSaving) return;
+  releaseHeldRecord();
+  abandonSave();
+}
+
+/// Takes everything back that was done since beginSave(). A store whose fresh file is gone, or
+/// that cannot return to the saved state, is not usable any more.
+void SqliteStore::abandonSave() {
+  m_isSaving = false;
+  if (m_fresh != nullptr) {
+    closeConnection();
+    m_fresh->discard();
+    if (m_unusable.ok()) m_unusable = fail(eInvalidOpenState, "the save was given up");
+    return;
+  }
+  // After some failures SQLite has rolled back by itself.
+  if (sqlite3_get_autocommit(m_connection.get()) == 0) m_connection.execute("ROLLBACK", kSaving);
+  m_hasWriteLock = false;
+  m_dataVersion = m_connection.dataVersion();
+  m_state = m_savedState;
+  OdDbStoreStatus status = takeWriteLock();
+  if (status.ok() && m_namesChanged) status = loadNames();
+  if (!status.ok()) m_unusable = status;
+}
+
+OdDbStoreStatus SqliteStore::createReplacement(std::unique_ptr<OdDbRecordStore>& store) {
+  store.reset();
+  OdDbStoreStatus status = checkUsable();
+  if (!status.ok()) return status;
+  if (isReadOnly())
+    return fail(eReadOnlyDatabase, "replacing failed: the file is open for reading");
+  if (m_isSaving) return fail(eInvalidOpenState, "replacing failed: a save is running");
+  status = takeWriteLock();
+  if (!status.ok()) return status;
+  if (m_connection.hasMoved()) {
+    return fail(eFileChanged,
+                "replacing failed: the file was moved or replaced since it was opened");
+  }
+  auto fresh = std::make_unique<SqliteStore>(m_environment, m_givenPath, m_path);
+  status = fresh->startFresh(TargetLock::kHeld);
+  if (status.ok()) store = std::move(fresh);
+  return status;
+}
+
+// --- Compaction ----------------------------------------------------------------------------------
+
+OdDbStoreStatus SqliteStore::compact() {
+  OdDbStoreStatus status = checkUsable();
+  if (!status.ok()) return status;
+  if (isReadOnly())
+    return fail(eReadOnlyDatabase, "compacting failed: the file is open for reading");
+  if (m_isSaving) return fail(eInvalidOpenState, "compacting failed: a save is running");
+  status = takeWriteLock();
+  if (!status.ok()) return status;
+  if (m_connection.hasMoved()) {
+    return fail(eFileChanged,
+                "compacting failed: the file was moved or replaced since it was opened");
+  }
+  {
+    SqliteStore fresh(m_environment, m_givenPath, m_path);
+    status = fresh.startFresh(TargetLock::kHeld);
+    if (status.ok()) status = copyAllTo(fresh);
+    if (status.ok()) status = fresh.commitSave();
+    // Replaced or not, is seen from the path: a failure before the renaming leaves this store as
+    // it was.
+    if (!status.ok() && !m_connection.hasMoved()) return status;
+  }
+  closeConnection();
+  OdDbStoreStatus reopened = openExisting(OdDbStoreOpenMode::kReadWrite);
+  return status.ok() ? reopened : status;
+}
+
+OdDbStoreStatus SqliteStore::copyAllTo(SqliteStore& target) {
+  for (const OdDbStoredVariable& item : m_variables) {
+    if (OdDbStoreStatus status = target.putVariable(item); !status.ok()) return status;
+  }
+  for (const OdDbStoredClass& item : m_classes) {
+    if (OdDbStoreStatus status = target.putClass(item); !status.ok()) return status;
+  }
+  OdDbStoreStatus copied;
+  OdDbStoreStatus read = readAll([&](const OdDbRecordView& record) {
+    copied = target.putRecord(record);
+    return copied.ok();
+  });
+  return copied.ok() ? read : copied;
+}
+
+}  // namespace odstorage

@@ -1,0 +1,258 @@
+// At whatever operation a save ends, the drawing opens as before or as after, with nothing lost.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+
+#include "tests/crash/fault_vfs.h"
+#include "tests/crash/power_loss.h"
+#include "tests/storage/store_testing.h"
+
+namespace {
+
+using crashtest::FaultMode;
+using crashtest::faultState;
+using crashtest::PowerLoss;
+using crashtest::Survival;
+using storetest::Content;
+using storetest::makeContent;
+
+using Action = OdDbStoreStatus (*)(OdDbRecordStoreFactory& factory, const std::string& path,
+                                   const Content& before, const Content& after);
+
+OdDbStoreStatus saveAs(OdDbRecordStoreFactory& factory, const std::string& path, const Content&,
+                       const Content& after) {
+  return writeFile(factory, path, after);
+}
+
+OdDbStoreStatus save(OdDbRecordStoreFactory& factory, const std::string& path,
+                     const Content& before, const Content& after) {
+  std::unique_ptr<OdDbRecordStore> store;
+  OdDbStoreStatus status = factory.open(path, OdDbStoreOpenMode::kReadWrite, store);
+  return status.ok() ? saveChanges(*store, before, after) : status;
+}
+
+OdDbStoreStatus compact(OdDbRecordStoreFactory& factory, const std::string& path, const Content&,
+                        const Content&) {
+  std::unique_ptr<OdDbRecordStore> store;
+  OdDbStoreStatus status = factory.open(path, OdDbStoreOpenMode::kReadWrite, store);
+  return status.ok() ? store->compact() : status;
+}
+
+Content changed(Content content) {
+  for (auto& [handle, record] : content.records) {
+    if (handle % 3 == 0) record.data = storetest::noise(350, static_cast<std::uint32_t>(handle));
+  }
+  content.records[100000] = {1, 3, storetest::noise(9000, 5)};
+  content.variables["seed"] = "100001";
+  content.classes[3] = "third class";
+  return content;
+}
+
+Content thinned(Content content) {
+  std::erase_if(content.records, [](const auto& item) { return item.first % 4 != 0; });
+  return content;
+}
+
+Content withLargeBlob(Content content) {
+  content.records[100000] = {2, 1, storetest::noise(std::size_t{5} << 20U, 6)};
+  content.records[7].data = "changed";
+  return content;
+}
+
+struct Scenario {
+  const char* name;
+  bool hasFile;  ///< the drawing exists before
+  Content before;
+  Content after;
+  Action action;
+};
+
+std::vector<Scenario> scenarios() {
+  const Content small = makeContent(60, 300);
+  return {
+      {"first save", false, {}, small, saveAs},
+      {"changed objects", true, small, changed(small), save},
+      {"erased objects", true, small, thinned(small), save},
+      {"large blob", true, small, withLargeBlob(small), save},
+      {"save-as over an old file", true, small, makeContent(40, 200, /*seed=*/3), saveAs},
+      {"compaction", true, small, small, compact},
+  };
+}
+
+class Crash : public storetest::FolderTest {
+ protected:
+  /// A small page cache, so that large saves reach the file before their commit.
+  Crash() {
+    OdSqliteStoreOptions options;
+    options.vfsName = crashtest::faultVfsName();
+    options.fileOps = std::make_shared<crashtest::FaultFileOps>();
+    options.cacheKiB = 256;
+    m_faulty = createSqliteStoreFactory(options);
+  }
+  ~Crash() override { faultState().start(FaultMode::kNone); }
+
+  /// Brings the folder into the state before the action.
+  void prepare(const Scenario& scenario) {
+    faultState().start(FaultMode::kNone);
+    putFiles({});
+    if (!scenario.hasFile) return;
+    // Room to gain for the compaction, and free pages for the others.
+    Content larger = scenario.before;
+    for (std::uint64_t handle = 500; handle < 560; ++handle) {
+      larger.records[handle] = {1, 1, storetest::noise(300, 1)};
+    }
+    ASSERT_TRUE(writeFile(*m_sound, m_path, larger).ok());
+    ASSERT_TRUE(save(*m_sound, m_path, larger, scenario.before).ok());
+  }
+  [[nodiscard]] PowerLoss::Files files() const {
+    PowerLoss::Files found;
+    for (const auto& entry : std::filesystem::directory_iterator(folder())) {
+      found[entry.path().string()] = storetest::readBytes(entry.path().string());
+    }
+    return found;
+  }
+  /// Makes the folder's files these, writing only what is different.
+  void putFiles(const PowerLoss::Files& wanted) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder())) {
+      if (!wanted.contains(entry.path().string())) std::filesystem::remove(entry.path());
+    }
+    for (const auto& [path, bytes] : wanted) storetest::writeBytes(path, bytes);
+  }
+  /// True when the drawing is as after, false as before; anything else is a failure.
+  bool isAfter(const Scenario& scenario) {
+    if (!scenario.hasFile && !std::filesystem::exists(m_path)) return false;
+    OdDbStoreStatus status;
+    const auto found = storetest::readFile(*m_sound, m_path, status);
+    if (!found.has_value()) {
+      ADD_FAILURE() << storetest::textOf(status);
+      return false;
+    }
+    const bool isBefore = scenario.hasFile && *found == scenario.before;
+    const bool matchesAfter = *found == scenario.after;
+    EXPECT_TRUE(isBefore || matchesAfter) << found->records.size() << " records";
+    return matchesAfter;
+  }
+  OdDbStoreStatus act(const Scenario& scenario) {
+    return scenario.action(*m_faulty, m_path, scenario.before, scenario.after);
+  }
+  /// Acts in a child process that ends at operation `at`; true when it came to its end.
+  bool actInChild(const Scenario& scenario, std::size_t at) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      faultState().start(FaultMode::kKill, at);
+      ::_exit(act(scenario).ok() ? 0 : 1);
+    }
+    int status = 0;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    const int code = WEXITSTATUS(status);
+    EXPECT_TRUE(code == 0 || code == crashtest::kKilledExitCode) << code;
+    return code != crashtest::kKilledExitCode;
+  }
+
+  std::string m_path = file("drawing.vdm");
+  std::unique_ptr<OdDbRecordStoreFactory> m_sound = createSqliteStoreFactory();
+  std::unique_ptr<OdDbRecordStoreFactory> m_faulty;
+};
+
+TEST_F(Crash, KilledAtAnyOperationTheFileIsAsBeforeOrAsAfter) {
+  for (const Scenario& scenario : scenarios()) {
+    SCOPED_TRACE(scenario.name);
+    prepare(scenario);
+    const PowerLoss::Files before = files();
+    bool finished = false;
+    for (std::size_t at = 0; !finished && !HasFailure(); ++at) {
+      SCOPED_TRACE(at);
+      putFiles(before);
+      finished = actInChild(scenario, at);
+      const bool isSaved = isAfter(scenario);
+      EXPECT_TRUE(isSaved || !finished);
+    }
+  }
+}
+
+TEST_F(Crash, PowerLostAtAnyOperationTheFileIsAsBeforeOrAsAfter) {
+  for (const Scenario& scenario : scenarios()) {
+    SCOPED_TRACE(scenario.name);
+    prepare(scenario);
+    PowerLoss disk(files());
+    faultState().start(FaultMode::kRecord);
+    ASSERT_TRUE(act(scenario).ok());
+    const std::vector<crashtest::FileEvent> events = std::move(faultState().events);
+    faultState().start(FaultMode::kNone);
+    ASSERT_GT(events.size(), 5U);
+
+    // Long runs of page writes take turns with the ways to survive; all others try every way.
+    constexpr auto kWays = static_cast<std::size_t>(Survival::kCount);
+    for (std::size_t at = 0; at < events.size() && !HasFailure(); ++at) {
+      SCOPED_TRACE(at);
+      const bool takesTurns = events.size() > 500 && at > 100 && at + 100 < events.size();
+      for (std::size_t way = 0; way < kWays; ++way) {
+        if (takesTurns && at % kWays != way) continue;
+        SCOPED_TRACE(way);
+        putFiles(disk.survivors(static_cast<Survival>(way)));
+        isAfter(scenario);
+      }
+      disk.apply(events[at]);
+    }
+    // What was reported as saved is saved, whatever the disk had not yet written.
+    putFiles(disk.survivors(Survival::kNothing));
+    EXPECT_TRUE(isAfter(scenario));
+  }
+}
+
+TEST_F(Crash, DiskFullAtAnyOperationIsReportedAndLosesNothing) {
+  for (const Scenario& scenario : scenarios()) {
+    SCOPED_TRACE(scenario.name);
+    prepare(scenario);
+    const PowerLoss::Files before = files();
+    bool finished = false;
+    std::size_t diskFull = 0;
+    for (std::size_t at = 0; !finished && !HasFailure(); ++at) {
+      SCOPED_TRACE(at);
+      putFiles(before);
+      faultState().start(FaultMode::kFail, at);
+      const OdDbStoreStatus status = act(scenario);
+      finished = faultState().count <= at;
+      faultState().start(FaultMode::kNone);
+      if (status.code == eDiskFull) ++diskFull;
+      const std::string text = storetest::textOf(status);
+      EXPECT_TRUE(status.ok() || !finished) << text;
+      EXPECT_TRUE(status.ok() || text.find(m_path + ":") != std::string::npos) << text;
+      const bool isSaved = isAfter(scenario);
+      EXPECT_TRUE(isSaved || !status.ok());
+      EXPECT_EQ(listing().find(".tmp"), std::string::npos) << listing();
+    }
+    EXPECT_GT(diskFull, 0U);
+  }
+}
+
+/// The journal of a save that was interrupted must not be played back into the new file.
+TEST_F(Crash, SaveAsOverAnInterruptedSaveKeepsOneOfTheStates) {
+  const Scenario interrupted = scenarios()[1];
+  const Scenario over = scenarios()[4];
+  prepare(interrupted);
+  const PowerLoss::Files sound = files();
+  std::size_t at = 0;
+  PowerLoss::Files hot;
+  for (bool finished = false; !finished; ++at) {
+    putFiles(sound);
+    finished = actInChild(interrupted, at);
+    if (!finished && files().size() == 2) hot = files();  // the last state with a journal
+  }
+  ASSERT_EQ(hot.size(), 2U);
+  bool finished = false;
+  for (at = 0; !finished && !HasFailure(); ++at) {
+    SCOPED_TRACE(at);
+    putFiles(hot);
+    finished = actInChild(over, at);
+    const bool isSaved = isAfter(over);
+    EXPECT_TRUE(isSaved || !finished);
+  }
+  EXPECT_GT(at, 10U);
+}
+
+}  // namespace

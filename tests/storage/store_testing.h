@@ -1,0 +1,93 @@
+// Helpers for tests of the drawing file: content as plain values, files in a folder of their own.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/storage/sqlite_record_store.h"
+
+namespace storetest {
+
+struct Record {
+  std::uint32_t classId = 0;
+  std::uint64_t owner = 0;
+  std::string data;
+  friend bool operator==(const Record&, const Record&) = default;
+};
+
+/// Everything that a drawing file holds, as a plain model.
+struct Content {
+  std::map<std::uint64_t, Record> records;
+  std::map<std::uint32_t, std::string> classes;
+  std::map<std::string, std::string> variables;
+  friend bool operator==(const Content&, const Content&) = default;
+};
+
+/// `count` records of about `size` bytes with handles from 1 on, two classes, two variables.
+/// The same `seed` gives the same content.
+Content makeContent(std::size_t count, std::size_t size, std::uint32_t seed = 1);
+
+/// Text of `size` bytes that no compression or zero filling would produce.
+std::string noise(std::size_t size, std::uint32_t seed);
+
+/// Puts all of `content` into the running save of `store`.
+OdDbStoreStatus putAll(OdDbRecordStore& store, const Content& content);
+/// Puts and removes what leads from `before` to `after` in a save of its own.
+OdDbStoreStatus saveChanges(OdDbRecordStore& store, const Content& before, const Content& after);
+/// Creates the file with `content`; the store is gone afterwards.
+OdDbStoreStatus writeFile(OdDbRecordStoreFactory& factory, const std::string& path,
+                          const Content& content);
+/// Reads everything, digest included. Empty when anything fails; `status` tells why.
+std::optional<Content> readAll(OdDbRecordStore& store, OdDbStoreStatus& status);
+std::optional<Content> readFile(OdDbRecordStoreFactory& factory, const std::string& path,
+                                OdDbStoreStatus& status);
+
+/// What a recovery found.
+class CollectingSink : public OdDbRecoverySink {
+ public:
+  void classFound(const OdDbStoredClass& item) override { content.classes[item.id] = item.value; }
+  void variableFound(const OdDbStoredVariable& item) override {
+    content.variables[item.key] = item.value;
+  }
+  void recordFound(const OdDbRecordView& record) override;
+  void lost(const OdString& line) override;
+
+  Content content;
+  std::string lines;
+  bool isRising = true;
+
+ private:
+  std::uint64_t m_last = 0;
+};
+
+std::string textOf(const OdDbStoreStatus& status);
+
+std::string readBytes(const std::string& path);
+void writeBytes(const std::string& path, const std::string& bytes);
+
+/// A folder of its own for each test, gone with it.
+class FolderTest : public testing::Test {
+ protected:
+  FolderTest();
+  ~FolderTest() override;
+  [[nodiscard]] std::string file(const std::string& name) const { return m_folder + "/" + name; }
+  [[nodiscard]] const std::string& folder() const { return m_folder; }
+  /// Names of the files in the folder, in order.
+  [[nodiscard]] std::string listing() const;
+
+ private:
+  std::string m_folder;
+};
+
+}  // namespace storetest
+
+#define EXPECT_STORE_OK(expression)                                \
+  do {                                                             \
+    const OdDbStoreStatus expectedOk = (expression);               \
+    EXPECT_TRUE(expectedOk.ok()) << storetest::textOf(expectedOk); \
+  } while (false)
