@@ -1,0 +1,358 @@
+// OdDbBlockReference: placement, the block it shows, filing.
+#include "platform/db/block_reference.h"
+
+#include <cmath>
+#include <string>
+
+#include "platform/base/error.h"
+#include "platform/db/block_table_record.h"
+#include "platform/db/database.h"
+
+OD_RX_DEFINE_DB(OdDbBlockReference, OdDbEntity, L"OdDbBlockReference", 0, 0, 0, L"INSERT",
+                OdString())
+OD_RX_DEFINE_DB(OdDbViewRepBlockReference, OdDbBlockReference, L"OdDbViewRepBlockReference", 0, 0,
+                0, L"VIEWREP_INSERT", OdString())
+
+namespace {
+
+constexpr OdUInt8 kVersion = 1;
+
+bool isFinite(const OdGeMatrix3d& matrix) {
+  for (int i = 0; i < 16; ++i) {
+    if (!std::isfinite(matrix.getElements()[i])) return false;
+  }
+  return true;
+}
+
+bool isAffine(const OdGeMatrix3d& matrix) {
+  return matrix(3, 0) == 0.0 && matrix(3, 1) == 0.0 && matrix(3, 2) == 0.0 && matrix(3, 3) == 1.0;
+}
+
+bool isFinite(const OdGePoint3d& point) {
+  return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+}
+
+bool isScale(const OdGeScale3d& scale) {
+  return std::isfinite(scale.sx) && std::isfinite(scale.sy) && std::isfinite(scale.sz) &&
+         scale.isInvertible();
+}
+
+// The frame of a normal: X by the arbitrary axis rule.
+void frameOf(const OdGeVector3d& normal, OdGeVector3d& xAxis, OdGeVector3d& yAxis) {
+  xAxis = normal == OdGeVector3d::kZAxis ? OdGeVector3d::kXAxis : normal.perpVector().normal();
+  yAxis = normal.crossProduct(xAxis);
+}
+
+// A clone's block is known only once its ids are translated; then the lists have to follow.
+bool isTranslating(const OdDbDwgFiler* filer) {
+  switch (filer->filerType()) {
+    case OdDbDwgFiler::kCopyFiler:
+    case OdDbDwgFiler::kIdXlateFiler:
+    case OdDbDwgFiler::kDeepCloneFiler:
+    case OdDbDwgFiler::kWblockCloneFiler:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+OdDbBlockReference::OdDbBlockReference() = default;
+OdDbBlockReference::~OdDbBlockReference() = default;
+
+// ---- The block
+
+OdDbObjectId OdDbBlockReference::blockTableRecord() const {
+  assertReadEnabled();
+  return m_block;
+}
+
+void OdDbBlockReference::setBlockTableRecord(const OdDbObjectId& block) {
+  if (block.isNull()) throw OdError(eNullObjectId, OdString("block of a reference"));
+  const OdRxClass* blockClass = block.objectClass();
+  if (blockClass == nullptr || !blockClass->isDerivedFrom(OdDbBlockTableRecord::desc())) {
+    throw OdError(eWrongObjectType,
+                  OdString("object ") + block.getHandle().ascii() + " as block of a reference");
+  }
+  if (block == m_block) return;
+  if (database() == nullptr) {
+    m_block = block;
+    return;
+  }
+  if (block.database() != database()) {
+    throw OdError(eWrongDatabase, OdString("block ") + block.getHandle().ascii() +
+                                      " of reference " + getDbHandle().ascii());
+  }
+  checkNesting(block, ownerId());
+  assertWriteEnabled();
+  noteInBlock(m_block, /*shows=*/false);
+  m_block = block;
+  noteInBlock(m_block, /*shows=*/true);
+  noteGraphicsModified();
+}
+
+// The record may stand open elsewhere: nested write opens are legal.
+void OdDbBlockReference::noteInBlock(const OdDbObjectId& block, bool shows) const {
+  if (block.isNull() || database() == nullptr || block.database() != database()) return;
+  const OdDbBlockTableRecordPtr record =
+      OdDbBlockTableRecord::cast(block.openObject(OdDb::kForWrite, /*openErased=*/true));
+  if (!record.isNull()) record->noteBlockReference(objectId(), shows);
+}
+
+void OdDbBlockReference::checkNesting(const OdDbObjectId& block, const OdDbObjectId& owner) const {
+  if (block.isNull()) return;
+  const OdDbBlockTableRecordPtr container = OdDbBlockTableRecord::cast(owner.openObject());
+  if (container.isNull() || !container->wouldContainItselfWith(block)) return;
+  const OdDbBlockTableRecordPtr shown = OdDbBlockTableRecord::cast(block.openObject());
+  throw OdError(eCircularReference, OdString("block '") + container->getName() +
+                                        "' is part of block '" +
+                                        (shown.isNull() ? OdString() : shown->getName()) + "'");
+}
+
+void OdDbBlockReference::subCheckAppend(const OdDbObjectId& block) const {
+  OdDbEntity::subCheckAppend(block);
+  if (m_block.isNull()) return;
+  if (m_block.database() == block.database()) return checkNesting(m_block, block);
+  if (database() == nullptr) {
+    throw OdError(eWrongDatabase, OdString("block ") + m_block.getHandle().ascii() +
+                                      " of a reference for block " + block.getHandle().ascii());
+  }
+}
+
+void OdDbBlockReference::subAppended() {
+  OdDbEntity::subAppended();
+  noteInBlock(m_block, /*shows=*/true);
+}
+
+// ---- Placement
+
+OdGePoint3d OdDbBlockReference::position() const {
+  assertReadEnabled();
+  return m_position;
+}
+
+void OdDbBlockReference::setPosition(const OdGePoint3d& position) {
+  if (!isFinite(position)) {
+    throw OdError(eInvalidInput,
+                  OdString("position of reference ") + getDbHandle().ascii() + " is not finite");
+  }
+  if (position == m_position) return;
+  assertWriteEnabled();
+  m_position = position;
+  if (m_exact) m_exact->setTranslation(position.asVector());
+  noteGraphicsModified();
+}
+
+OdGeScale3d OdDbBlockReference::scaleFactors() const {
+  assertReadEnabled();
+  return m_scale;
+}
+
+void OdDbBlockReference::setScaleFactors(const OdGeScale3d& scale) {
+  if (!isScale(scale)) {
+    throw OdError(eInvalidInput,
+                  OdString("scale " + std::to_string(scale.sx) + ", " + std::to_string(scale.sy) +
+                           ", " + std::to_string(scale.sz) + " of reference ") +
+                      getDbHandle().ascii());
+  }
+  if (scale == m_scale) return;
+  assertWriteEnabled();
+  m_scale = scale;
+  m_exact.reset();
+  noteGraphicsModified();
+}
+
+double OdDbBlockReference::rotation() const {
+  assertReadEnabled();
+  return m_rotation;
+}
+
+void OdDbBlockReference::setRotation(double angle) {
+  if (!std::isfinite(angle)) {
+    throw OdError(eInvalidInput, OdString("rotation " + std::to_string(angle) + " of reference ") +
+                                     getDbHandle().ascii());
+  }
+  if (angle == m_rotation) return;
+  assertWriteEnabled();
+  m_rotation = angle;
+  m_exact.reset();
+  noteGraphicsModified();
+}
+
+OdGeVector3d OdDbBlockReference::normal() const {
+  assertReadEnabled();
+  return m_normal;
+}
+
+void OdDbBlockReference::setNormal(const OdGeVector3d& normal) {
+  const OdGeVector3d unit = normal.normal();
+  if (unit == m_normal) return;
+  assertWriteEnabled();
+  m_normal = unit;
+  m_exact.reset();
+  noteGraphicsModified();
+}
+
+OdGePoint3d OdDbBlockReference::blockOrigin() const {
+  const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(m_block.openObject());
+  return block.isNull() ? OdGePoint3d::kOrigin : block->origin();
+}
+
+// The placement that the parameters give: frame of the normal, turned, scaled, moved.
+OdGeMatrix3d OdDbBlockReference::composed() const {
+  OdGeVector3d frameX;
+  OdGeVector3d frameY;
+  frameOf(m_normal, frameX, frameY);
+  const double cosine = m_rotation == 0.0 ? 1.0 : std::cos(m_rotation);
+  const double sine = m_rotation == 0.0 ? 0.0 : std::sin(m_rotation);
+  const OdGeVector3d xAxis = frameX * cosine + frameY * sine;
+  const OdGeVector3d yAxis = frameY * cosine - frameX * sine;
+  return OdGeMatrix3d::coordSystem(m_position, xAxis * m_scale.sx, yAxis * m_scale.sy,
+                                   m_normal * m_scale.sz);
+}
+
+OdGeMatrix3d OdDbBlockReference::placement() const { return m_exact ? *m_exact : composed(); }
+
+// Parameters nearest to a placement. A reflection becomes a negative Z factor.
+void OdDbBlockReference::decompose(const OdGeMatrix3d& placement) {
+  OdGePoint3d origin;
+  OdGeVector3d xAxis;
+  OdGeVector3d yAxis;
+  OdGeVector3d zAxis;
+  placement.getCoordSystem(origin, xAxis, yAxis, zAxis);
+  const double xLength = xAxis.length();
+  const double yLength = yAxis.length();
+  const OdGeVector3d xUnit = xAxis / xLength;
+  const OdGeVector3d cross = xUnit.crossProduct(yAxis / yLength);
+  m_position = origin;
+  m_normal = cross / cross.length();
+  m_scale.set(xLength, yLength, std::copysign(zAxis.length(), zAxis.dotProduct(m_normal)));
+  OdGeVector3d frameX;
+  OdGeVector3d frameY;
+  frameOf(m_normal, frameX, frameY);
+  m_rotation = std::atan2(xUnit.dotProduct(frameY), xUnit.dotProduct(frameX));
+}
+
+void OdDbBlockReference::setPlacement(const OdGeMatrix3d& placement) {
+  decompose(placement);
+  if (composed() == placement) {
+    m_exact.reset();
+  } else {
+    m_exact = std::make_unique<OdGeMatrix3d>(placement);
+  }
+}
+
+OdGeMatrix3d OdDbBlockReference::blockTransform() const {
+  assertReadEnabled();
+  const OdGePoint3d origin = blockOrigin();
+  if (origin == OdGePoint3d::kOrigin) return placement();
+  return placement() * OdGeMatrix3d::translation(-origin.asVector());
+}
+
+OdResult OdDbBlockReference::setBlockTransform(const OdGeMatrix3d& transform) {
+  if (!isFinite(transform) || !isAffine(transform)) return eInvalidInput;
+  if (transform.isSingular()) return eDegenerateGeometry;
+  assertWriteEnabled();
+  const OdGePoint3d origin = blockOrigin();
+  setPlacement(origin == OdGePoint3d::kOrigin
+                   ? transform
+                   : transform * OdGeMatrix3d::translation(origin.asVector()));
+  noteGraphicsModified();
+  return eOk;
+}
+
+OdResult OdDbBlockReference::subTransformBy(const OdGeMatrix3d& transform) {
+  if (!isAffine(transform)) return eInvalidInput;
+  const OdGeMatrix3d moved = transform * placement();
+  if (!isFinite(moved)) return eInvalidInput;
+  if (moved.isSingular()) return eDegenerateGeometry;
+  setPlacement(moved);
+  return eOk;
+}
+
+OdResult OdDbBlockReference::getGeomExtents(OdGeExtents3d& extents) const {
+  assertReadEnabled();
+  const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(m_block.openObject());
+  if (block.isNull()) return eNotApplicable;
+  OdGeExtents3d box;
+  const OdResult result = block->getGeomExtents(box);
+  if (result != eOk) return result;
+  extents = box.transformBy(blockTransform());
+  return eOk;
+}
+
+OdResult OdDbBlockReference::explode(OdRxObjectPtrArray& parts) const {
+  assertReadEnabled();
+  const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(m_block.openObject());
+  if (block.isNull()) return eNotApplicable;
+  const OdGeMatrix3d transform = blockTransform();
+  OdRxObjectPtrArray copies;
+  for (OdDbObjectIteratorPtr at = block->newIterator(); !at->done(); at->step()) {
+    const OdDbEntityPtr entity = at->entity();
+    if (entity.isNull()) continue;
+    OdDbEntityPtr copy;
+    const OdResult result = entity->getTransformedCopy(transform, copy);
+    if (result != eOk) return result;
+    copies.append(copy);
+  }
+  parts.append(copies);
+  return eOk;
+}
+
+// ---- Filing
+//
+//   version        uint8
+//   block          hard pointer
+//   position       point          drawing units, coordinates of the owner
+//   scale          scale          factors, none is 0
+//   rotation       double         radians
+//   normal         vector         unit length
+//   exact          bool           a matrix follows that the parameters do not give back exactly:
+//     matrix       12 doubles     rows 1 to 3, row by row; without the block's origin
+
+void OdDbBlockReference::dwgOutFields(OdDbDwgFiler* filer) const {
+  OdDbEntity::dwgOutFields(filer);
+  filer->wrUInt8(kVersion);
+  filer->wrHardPointerId(m_block);
+  filer->wrPoint3d(m_position);
+  filer->wrScale3d(m_scale);
+  filer->wrDouble(m_rotation);
+  filer->wrVector3d(m_normal);
+  filer->wrBool(m_exact != nullptr);
+  if (!m_exact) return;
+  for (int i = 0; i < 12; ++i) filer->wrDouble(m_exact->getElements()[i]);
+}
+
+OdResult OdDbBlockReference::dwgInFields(OdDbDwgFiler* filer) {
+  const OdResult result = OdDbEntity::dwgInFields(filer);
+  if (result != eOk) return result;
+  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
+  const OdDbObjectId oldBlock = m_block;
+  m_block = filer->rdHardPointerId();
+  m_position = filer->rdPoint3d();
+  m_scale = filer->rdScale3d();
+  m_rotation = filer->rdDouble();
+  m_normal = filer->rdVector3d();
+  m_exact.reset();
+  if (filer->rdBool()) {
+    m_exact = std::make_unique<OdGeMatrix3d>();
+    for (int i = 0; i < 12; ++i) m_exact->getElements()[i] = filer->rdDouble();
+    if (!isFinite(*m_exact)) return eCorruptData;
+  }
+  const bool isSound = isFinite(m_position) && isScale(m_scale) && std::isfinite(m_rotation) &&
+                       m_normal.isUnitLength(OdGeTol(1e-6));
+  if (!isSound) return eCorruptData;
+  if (isTranslating(filer)) followBlock(oldBlock);
+  return eOk;
+}
+
+void OdDbBlockReference::followBlock(const OdDbObjectId& oldBlock) {
+  if (database() == nullptr) return;
+  if (oldBlock != m_block) noteInBlock(oldBlock, /*shows=*/false);
+  noteInBlock(m_block, /*shows=*/true);
+}
+
+std::size_t OdDbBlockReference::approximateSize() const {
+  return OdDbEntity::approximateSize() + (m_exact ? sizeof(OdGeMatrix3d) : 0);
+}

@@ -1,0 +1,457 @@
+// OdDbBlockTableRecord: entities, properties, undo steps and filing. What ties a block to others is
+// in block_links.cpp.
+#include "platform/db/block_table_record.h"
+
+#include <cmath>
+#include <string>
+
+#include "platform/base/error.h"
+#include "platform/db/database.h"
+#include "platform/db/list_filing.h"
+#include "platform/db/units.h"
+
+OD_RX_DEFINE_DB(OdDbBlockTableRecord, OdDbSymbolTableRecord, L"OdDbBlockTableRecord", 0, 0, 0,
+                L"BLOCK_RECORD", OdString())
+OD_RX_DEFINE_ABSTRACT(OdDbObjectIterator, OdRxObject, L"OdDbObjectIterator")
+
+namespace {
+
+constexpr OdUInt8 kVersion = 1;
+// Below this a scan of the entities is as fast as a set.
+constexpr OdUInt32 kScanLimit = 32;
+
+// Partial undo steps; each is the inverse of an edit, and applying it files its own inverse.
+enum Step : OdUInt8 {
+  kCutStep = 1,        ///< int32: number of entities that stay
+  kAppendStep = 2,     ///< list of entities that come to the end
+  kReplaceStep = 3,    ///< list that takes the place of all entities
+  kReferenceStep = 4,  ///< soft pointer: a reference; bool: it shows this block
+};
+
+// Who refers to a clone is told by the references that are cloned with it, not by its source.
+bool filesReferences(const OdDbDwgFiler* filer) {
+  switch (filer->filerType()) {
+    case OdDbDwgFiler::kFileFiler:
+    case OdDbDwgFiler::kUndoFiler:
+    case OdDbDwgFiler::kPageFiler:
+    case OdDbDwgFiler::kBagFiler:
+      return true;
+    default:
+      return false;
+  }
+}
+
+void writeIds(OdDbDwgFiler* filer, const OdDbObjectIdArray& ids) {
+  filer->wrInt32(static_cast<OdInt32>(ids.size()));
+  for (const OdDbObjectId& id : ids) filer->wrSoftPointerId(id);
+}
+
+OdDbObjectIdArray readIds(OdDbDwgFiler* filer) {
+  OdDbObjectIdArray ids;
+  const OdUInt32 count = filer->rdCount();
+  ids.reserve(count);
+  for (OdUInt32 i = 0; i < count; ++i) ids.append(filer->rdSoftPointerId());
+  return ids;
+}
+
+bool isFinite(const OdGePoint3d& point) {
+  return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+}
+
+OdString blockText(const OdDbBlockTableRecord* block) {
+  return OdString("block '") + block->getName() + "'";
+}
+
+}  // namespace
+
+// ---- Iterator
+
+class OdDbBlockTableRecord::Iterator : public OdDbObjectIterator {
+ public:
+  Iterator(OdDbObjectIdArray entities, bool atBeginning, bool skipErased)
+      : m_entities(std::move(entities)) {
+    begin(atBeginning, skipErased);
+  }
+
+  void start(bool atBeginning, bool skipErased) override { begin(atBeginning, skipErased); }
+  [[nodiscard]] bool done() const override {
+    return m_at < 0 || m_at >= static_cast<OdInt64>(m_entities.size());
+  }
+  void step(bool forward, bool skipErased) override {
+    do {
+      m_at += forward ? 1 : -1;
+    } while (!done() && skipErased && objectId().isErased());
+  }
+  bool seek(const OdDbObjectId& id) override {
+    OdUInt32 found = 0;
+    if (!m_entities.find(id, found)) return false;
+    m_at = found;
+    return true;
+  }
+  [[nodiscard]] OdDbObjectId objectId() const override {
+    return done() ? OdDbObjectId::kNull : m_entities[static_cast<OdUInt32>(m_at)];
+  }
+
+ private:
+  void begin(bool atBeginning, bool skipErased) {
+    m_at = atBeginning ? 0 : static_cast<OdInt64>(m_entities.size()) - 1;
+    if (!done() && skipErased && objectId().isErased()) step(atBeginning, skipErased);
+  }
+
+  const OdDbObjectIdArray m_entities;  // as they were; shares the block's memory
+  OdInt64 m_at = 0;
+};
+
+OdDbEntityPtr OdDbObjectIterator::entity(OdDb::OpenMode mode, bool openErased) const {
+  return OdDbEntity::cast(objectId().openObject(mode, openErased));
+}
+
+OdDbObjectIteratorPtr OdDbBlockTableRecord::newIterator(bool atBeginning, bool skipErased) const {
+  assertReadEnabled();
+  return OdRxObjectImpl<Iterator>::createObject(m_entities, atBeginning, skipErased);
+}
+
+// ---- Entities
+
+OdDbBlockTableRecord::OdDbBlockTableRecord() = default;
+OdDbBlockTableRecord::~OdDbBlockTableRecord() = default;
+
+OdDbObjectIdArray OdDbBlockTableRecord::entityIds() const {
+  assertReadEnabled();
+  return m_entities;
+}
+
+bool OdDbBlockTableRecord::isEmpty() const {
+  assertReadEnabled();
+  for (const OdDbObjectId& id : m_entities) {
+    if (!id.isErased()) return false;
+  }
+  return true;
+}
+
+bool OdDbBlockTableRecord::lists(const OdDbObjectId& entity) const {
+  if (m_entities.size() <= kScanLimit) return m_entities.contains(entity);
+  if (!m_entitySet) {
+    m_entitySet =
+        std::make_unique<std::unordered_set<OdDbObjectId>>(m_entities.begin(), m_entities.end());
+  }
+  return m_entitySet->contains(entity);
+}
+
+OdDbObjectId OdDbBlockTableRecord::appendOdDbEntity(OdDbEntity* entity) {
+  if (entity == nullptr) throw OdError(eNullPointer, OdString("entity for ") + blockText(this));
+  if (database() == nullptr) throw OdError(eNoDatabase, blockText(this));
+  const bool isResident = entity->database() != nullptr;
+  if (isResident && (entity->ownerId() != objectId() || lists(entity->objectId()))) {
+    throw OdError(eAlreadyInDatabase,
+                  OdString("entity ") + entity->getDbHandle().ascii() + " for " + blockText(this));
+  }
+  entity->subCheckAppend(objectId());
+  assertWriteEnabled(/*autoUndo=*/false);
+  if (!isResident) database()->addOdDbObject(entity, objectId());
+  listEntities({entity->objectId()});
+  entity->subAppended();
+  noteGraphicsModified();
+  return entity->objectId();
+}
+
+OdDbDwgFiler* OdDbBlockTableRecord::beginStep(OdUInt8 step) {
+  OdDbDwgFiler* filer = beginPartialUndo(desc());
+  if (filer != nullptr) filer->wrUInt8(step);
+  return filer;
+}
+
+void OdDbBlockTableRecord::listEntities(const OdDbObjectIdArray& entities) {
+  if (OdDbDwgFiler* filer = beginStep(kCutStep)) {
+    filer->wrInt32(static_cast<OdInt32>(m_entities.size()));
+  }
+  for (const OdDbObjectId& id : entities) {
+    m_entities.append(id);
+    if (m_entitySet) m_entitySet->insert(id);
+  }
+}
+
+void OdDbBlockTableRecord::unlistFrom(OdUInt32 count) {
+  if (count > m_entities.size()) {
+    throw OdError(eCorruptData, OdString(std::to_string(count) + " of " +
+                                         std::to_string(m_entities.size()) + " entities of ") +
+                                    blockText(this));
+  }
+  const OdDbObjectIdArray& present = m_entities;
+  OdDbObjectIdArray removed;
+  for (OdUInt32 i = count; i < present.size(); ++i) removed.append(present[i]);
+  if (OdDbDwgFiler* filer = beginStep(kAppendStep)) writeIds(filer, removed);
+  m_entities.resize(count);
+  m_entitySet.reset();
+}
+
+void OdDbBlockTableRecord::replaceEntities(const OdDbObjectIdArray& entities) {
+  if (OdDbDwgFiler* filer = beginStep(kReplaceStep)) writeIds(filer, m_entities);
+  m_entities = entities;
+  m_entitySet.reset();
+}
+
+void OdDbBlockTableRecord::removeEntities(const std::unordered_set<OdDbObjectId>& removed) {
+  assertWriteEnabled(/*autoUndo=*/false);
+  const OdDbObjectIdArray& present = m_entities;
+  OdDbObjectIdArray kept;
+  for (const OdDbObjectId& id : present) {
+    if (!removed.contains(id)) kept.append(id);
+  }
+  replaceEntities(kept);
+  noteGraphicsModified();
+}
+
+OdResult OdDbBlockTableRecord::checkMovable(const OdDbObjectIdArray& ids) const {
+  std::unordered_set<OdDbObjectId> seen;
+  for (const OdDbObjectId& id : ids) {
+    if (id.database() != database()) return eWrongDatabase;
+    const OdRxClass* ownerClass = id.ownerId().objectClass();
+    const bool isInBlock = ownerClass != nullptr && ownerClass->isDerivedFrom(desc());
+    const OdRxClass* entityClass = id.objectClass();
+    const bool isEntity = entityClass != nullptr && entityClass->isDerivedFrom(OdDbEntity::desc());
+    if (!isInBlock || !isEntity) return eWrongObjectType;
+    if (id.isErased()) return eWasErased;
+    if (!seen.insert(id).second) return eDuplicateKey;
+    try {
+      OdDbEntity::cast(id.safeOpenObject())->subCheckAppend(objectId());
+    } catch (const OdError& error) {
+      return error.code();
+    }
+  }
+  return eOk;
+}
+
+// Each block that loses entities is rewritten once, in the order in which it first loses one.
+void OdDbBlockTableRecord::unlistFromOwners(const OdDbObjectIdArray& ids) {
+  OdDbObjectIdArray owners;
+  std::unordered_set<OdDbObjectId> seen;
+  for (const OdDbObjectId& id : ids) {
+    if (seen.insert(id.ownerId()).second) owners.append(id.ownerId());
+  }
+  const std::unordered_set<OdDbObjectId> moved(ids.cbegin(), ids.cend());
+  for (const OdDbObjectId& owner : std::as_const(owners)) {
+    const OdDbBlockTableRecordPtr block =
+        OdDbBlockTableRecord::cast(owner.safeOpenObject(OdDb::kForWrite));
+    block->removeEntities(moved);
+  }
+}
+
+OdResult OdDbBlockTableRecord::assumeOwnershipOf(const OdDbObjectIdArray& ids) {
+  const OdResult result = checkMovable(ids);
+  if (result != eOk || ids.isEmpty()) return result;
+  assertWriteEnabled(/*autoUndo=*/false);
+  unlistFromOwners(ids);
+  for (const OdDbObjectId& id : ids) {
+    id.safeOpenObject(OdDb::kForWrite)->setOwnerId(objectId());
+  }
+  listEntities(ids);
+  noteGraphicsModified();
+  return eOk;
+}
+
+OdResult OdDbBlockTableRecord::takeEntities(OdDbBlockTableRecord* source) {
+  if (source == nullptr || source == this) return eInvalidInput;
+  const OdDbObjectIdArray present = source->entityIds();
+  OdDbObjectIdArray ids;
+  for (const OdDbObjectId& id : present) {
+    if (!id.isErased()) ids.append(id);
+  }
+  return assumeOwnershipOf(ids);
+}
+
+OdResult OdDbBlockTableRecord::getGeomExtents(OdGeExtents3d& extents) const {
+  assertReadEnabled();
+  if (m_measuring) return eCircularReference;
+  m_measuring = true;
+  OdGeExtents3d sum;
+  OdResult result = eOk;
+  const OdDbObjectIdArray entities = m_entities;
+  try {
+    for (const OdDbObjectId& id : entities) {
+      const OdDbEntityPtr entity = OdDbEntity::cast(id.openObject());
+      OdGeExtents3d box;
+      if (entity.isNull()) continue;
+      const OdResult measured = entity->getGeomExtents(box);
+      if (measured == eOk) sum.addExt(box);
+      if (measured == eCircularReference) result = measured;
+    }
+  } catch (...) {
+    m_measuring = false;
+    throw;
+  }
+  m_measuring = false;
+  if (result != eOk) return result;
+  if (!sum.isValidExtents()) return eNotApplicable;
+  extents = sum;
+  return eOk;
+}
+
+// ---- Properties
+
+OdGePoint3d OdDbBlockTableRecord::origin() const {
+  assertReadEnabled();
+  return m_origin;
+}
+
+void OdDbBlockTableRecord::setOrigin(const OdGePoint3d& origin) {
+  if (!isFinite(origin)) {
+    throw OdError(eInvalidInput, OdString("origin of ") + blockText(this) + " is not finite");
+  }
+  if (origin == m_origin) return;
+  assertWriteEnabled();
+  m_origin = origin;
+}
+
+OdString OdDbBlockTableRecord::comments() const {
+  assertReadEnabled();
+  return m_comments;
+}
+
+void OdDbBlockTableRecord::setComments(const OdString& comments) {
+  if (comments == m_comments) return;
+  assertWriteEnabled();
+  m_comments = comments;
+}
+
+OdDb::UnitsValue OdDbBlockTableRecord::blockInsertUnits() const {
+  assertReadEnabled();
+  return m_units;
+}
+
+void OdDbBlockTableRecord::setBlockInsertUnits(OdDb::UnitsValue units) {
+  if (!oddbIsUnit(units)) {
+    throw OdError(eInvalidInput, OdString("unit " + std::to_string(units) + " of ") +
+                                     blockText(this) + ", the greatest is " +
+                                     OdString(std::to_string(OdDb::kUnitsMax)));
+  }
+  if (units == m_units) return;
+  assertWriteEnabled();
+  m_units = units;
+}
+
+// ---- Undo steps
+
+void OdDbBlockTableRecord::applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) {
+  if (cls != desc()) return OdDbSymbolTableRecord::applyPartialUndo(filer, cls);
+  assertWriteEnabled(/*autoUndo=*/false);
+  const OdUInt8 step = filer->rdUInt8();
+  switch (step) {
+    case kCutStep:
+      return unlistFrom(filer->rdCount(0));
+    case kAppendStep:
+      return listEntities(readIds(filer));
+    case kReplaceStep:
+      return replaceEntities(readIds(filer));
+    case kReferenceStep: {
+      const OdDbObjectId reference = filer->rdSoftPointerId();
+      return noteBlockReference(reference, filer->rdBool());
+    }
+    default:
+      throw OdError(eCorruptData,
+                    OdString("undo step " + std::to_string(step) + " of ") + blockText(this));
+  }
+}
+
+void OdDbBlockTableRecord::noteBlockReference(const OdDbObjectId& reference, bool shows) {
+  if (reference.isNull() || (m_references.find(reference) != nullptr) == shows) return;
+  assertWriteEnabled(/*autoUndo=*/false, /*recordModified=*/false);
+  if (OdDbDwgFiler* filer = beginStep(kReferenceStep)) {
+    filer->wrSoftPointerId(reference);
+    filer->wrBool(!shows);
+  }
+  if (shows) {
+    m_references.insert(reference);
+  } else {
+    m_references.erase(reference);
+  }
+}
+
+// ---- Filing
+//
+//   version        uint8
+//   origin         point       drawing units
+//   units          int32       OdDb::UnitsValue
+//   comments       string
+//   path           string      of the external drawing; empty for an ordinary block
+//   overlay        bool
+//   xref status    uint8       OdDb::XrefStatus
+//   entities       int32 count, then hard ownership, in order of appending
+//   references     int32 count, then soft pointers, in rising handle order; not in copies and
+//   clones
+//
+// For erased objects see oddbIsFiled().
+
+void OdDbBlockTableRecord::writeLists(OdDbDwgFiler* filer) const {
+  const auto isFiled = [filer](const OdDbObjectId& id) { return oddbIsFiled(filer, id); };
+  OdInt32 count = 0;
+  for (const OdDbObjectId& id : m_entities) count += isFiled(id) ? 1 : 0;
+  filer->wrInt32(count);
+  for (const OdDbObjectId& id : m_entities) {
+    if (isFiled(id)) filer->wrHardOwnershipId(id);
+  }
+  if (!filesReferences(filer)) return;
+  count = 0;
+  m_references.forEach([&](const OdDbObjectId& id) { count += isFiled(id) ? 1 : 0; });
+  filer->wrInt32(count);
+  m_references.forEach([&](const OdDbObjectId& id) {
+    if (isFiled(id)) filer->wrSoftPointerId(id);
+  });
+}
+
+void OdDbBlockTableRecord::readLists(OdDbDwgFiler* filer) {
+  OdDbObjectIdArray entities;
+  OdUInt32 count = filer->rdCount();
+  entities.reserve(count);
+  for (; count > 0; --count) {
+    const OdDbObjectId id = filer->rdHardOwnershipId();
+    if (!id.isNull()) entities.append(id);
+  }
+  m_entities = entities;
+  m_entitySet.reset();
+  if (!filesReferences(filer)) return;
+  m_references.clear();
+  for (count = filer->rdCount(); count > 0; --count) {
+    const OdDbObjectId id = filer->rdSoftPointerId();
+    if (!id.isNull()) m_references.insert(id);
+  }
+}
+
+void OdDbBlockTableRecord::dwgOutFields(OdDbDwgFiler* filer) const {
+  OdDbSymbolTableRecord::dwgOutFields(filer);
+  filer->wrUInt8(kVersion);
+  filer->wrPoint3d(m_origin);
+  filer->wrInt32(m_units);
+  filer->wrString(m_comments);
+  filer->wrString(m_path);
+  filer->wrBool(m_overlay);
+  filer->wrUInt8(static_cast<OdUInt8>(m_xrefStatus));
+  writeLists(filer);
+}
+
+OdResult OdDbBlockTableRecord::dwgInFields(OdDbDwgFiler* filer) {
+  const OdResult result = OdDbSymbolTableRecord::dwgInFields(filer);
+  if (result != eOk) return result;
+  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
+  m_origin = filer->rdPoint3d();
+  const OdInt32 units = filer->rdInt32();
+  m_comments = filer->rdString();
+  m_path = filer->rdString();
+  m_overlay = filer->rdBool();
+  const OdUInt8 status = filer->rdUInt8();
+  if (!isFinite(m_origin) || !oddbIsUnit(units) || status > OdDb::kXrfUnresolved) {
+    return eCorruptData;
+  }
+  m_units = static_cast<OdDb::UnitsValue>(units);
+  // What is loaded does not change with undo.
+  if (filer->filerType() != OdDbDwgFiler::kUndoFiler) {
+    m_xrefStatus = static_cast<OdDb::XrefStatus>(status);
+  }
+  readLists(filer);
+  return eOk;
+}
+
+std::size_t OdDbBlockTableRecord::approximateSize() const {
+  return OdDbSymbolTableRecord::approximateSize() + m_entities.capacity() * sizeof(OdDbObjectId) +
+         m_references.memoryUsed();
+}

@@ -1,0 +1,123 @@
+// The last phase of cloning: the ids that clones hold become those of the destination.
+#include "platform/base/error.h"
+#include "platform/db/clone_state.h"
+#include "platform/db/database.h"
+#include "platform/db/database_impl.h"
+#include "platform/db/deep_clone.h"
+#include "platform/db/entity.h"
+#include "platform/db/object_extra.h"
+#include "platform/db/proxy_object.h"
+
+namespace {
+
+bool isOwnership(OdDb::ReferenceType type) {
+  return type == OdDb::kSoftOwnershipRef || type == OdDb::kHardOwnershipRef;
+}
+
+}  // namespace
+
+/// While it lives the runtime itself fills the object: nothing is recorded and nobody is told.
+class OdDbCloner::InternalWrite {
+ public:
+  explicit InternalWrite(OdDbObject* object) : m_object(object) {
+    m_object->m_bits |= OdDbObject::kBitInternalWrite;
+  }
+  ~InternalWrite() { m_object->m_bits &= static_cast<OdUInt16>(~OdDbObject::kBitInternalWrite); }
+  InternalWrite(const InternalWrite&) = delete;
+  InternalWrite& operator=(const InternalWrite&) = delete;
+
+ private:
+  OdDbObject* m_object;
+};
+
+void OdDbCloner::translateAll() {
+  for (const OdDbObjectId id : m_state.untranslated) {
+    const OdDbObjectPtr clone = id.openObject(OdDb::kForWrite);
+    if (!clone.isNull()) translate(clone);
+    id.stub()->clear(OdDbStub::kInFlux);
+  }
+  // An entity may tell others about itself, now that it knows the right ones.
+  for (const OdDbObjectId id : m_state.untranslated) {
+    if (!id.objectClass()->isDerivedFrom(OdDbEntity::desc())) continue;
+    const OdDbEntityPtr entity = OdDbEntity::cast(id.openObject(OdDb::kForWrite));
+    if (!entity.isNull()) entity->subAppended();
+  }
+  m_state.untranslated.clear();
+}
+
+// The clone is filed and, when one of its ids becomes another, read back through the translation.
+void OdDbCloner::translate(OdDbObject* clone) {
+  m_translating = clone->objectId();
+  m_state.buffer.clear();
+  m_state.ids.clear();
+  OdDbMemoryFiler filer(m_type, m_state.buffer, m_mapping.destDb());
+  filer.collectIds(&m_state.ids);
+  clone->dwgOutFields(&filer);
+  bool changes = false;
+  for (const OdDbFiledId& filed : m_state.ids) {
+    changes = changes || translated(filed.id, filed.type) != filed.id;
+  }
+  if (changes) {
+    clone->assertWriteEnabled(/*autoUndo=*/true, /*recordModified=*/false);
+    filer.setIdTranslator(&OdDbCloner::translateId, this);
+    filer.startReading(0, 0);
+    const InternalWrite internalWrite(clone);
+    const OdResult result = clone->dwgInFields(&filer);
+    if (result != eOk) {
+      throw OdError(result,
+                    L"ids of " + clone->isA()->name() + L"(" + clone->getDbHandle().ascii() + L")");
+    }
+  }
+  if (clone->hasXData()) translateXData(clone);
+}
+
+OdDbObjectId OdDbCloner::translateId(void* self, OdDbObjectId id, OdDb::ReferenceType type) {
+  return static_cast<const OdDbCloner*>(self)->translated(id, type);
+}
+
+OdDbObjectId OdDbCloner::translated(OdDbObjectId id, OdDb::ReferenceType type) const {
+  if (id.isNull()) return id;
+  OdDbIdPair pair(id);
+  if (m_mapping.compute(pair)) return pair.value();
+  if (isOwnership(type)) return id.ownerId() == m_translating ? id : OdDbObjectId::kNull;
+  if (!toOtherDatabase() || id.originalDatabase() == m_mapping.destDb()) return id;
+  return counterpart(id);
+}
+
+// Handles in extended data name objects of the source; applications are registered where the clone
+// is.
+void OdDbCloner::translateXData(OdDbObject* clone) {
+  const OdResBufPtr& chain = clone->m_extra->xdata;
+  bool changed = false;
+  for (OdResBufPtr item = chain; !item.isNull(); item = item->next()) {
+    if (item->restype() == OdResBuf::kDxfRegAppName) {
+      if (toOtherDatabase()) m_mapping.destDb()->newRegApp(item->getString());
+      continue;
+    }
+    if (item->restype() != OdResBuf::kDxfXdHandle) continue;
+    const OdDbHandle handle = item->getHandle();
+    const OdDbObjectId id = m_mapping.origDb()->getOdDbObjectId(handle);
+    OdDbHandle replacement = handle;
+    if (!id.isNull()) {
+      replacement = translated(id, OdDb::kSoftPointerRef).getHandle();
+    } else if (toOtherDatabase()) {
+      replacement = OdDbHandle();
+    }
+    if (replacement == handle) continue;
+    if (!changed) clone->assertWriteEnabled(/*autoUndo=*/true, /*recordModified=*/false);
+    changed = true;
+    item->setHandle(replacement);
+  }
+}
+
+// A clone of an object of an unknown class stands in for one, too. The number of the class is that
+// of its drawing: the clone gets the one that its own drawing has for the class.
+void OdDbCloner::adaptProxy(const OdDbObject* source, OdDbObject* clone) const {
+  if ((source->m_bits & OdDbObject::kBitProxy) == 0) return;
+  clone->m_bits |= OdDbObject::kBitProxy;
+  const auto* proxy = static_cast<const OdDbProxyObject*>(source);
+  const OdDbClassEntry* entry = source->database()->impl().classes.find(proxy->classId());
+  if (entry == nullptr || !toOtherDatabase()) return;
+  static_cast<OdDbProxyObject*>(clone)->setClassId(
+      m_mapping.destDb()->impl().classes.adopt(*entry).id);
+}

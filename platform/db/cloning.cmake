@@ -1,0 +1,22 @@
+# Files of cloning, external references and auditing, included by this folder's CMakeLists.txt.
+set(VDM_DB_CLONING_HEADERS
+  audit_info.h
+  deep_clone.h
+  id_mapping.h
+  xref_man.h
+  xref_registry.h)
+set(VDM_DB_CLONING_PRIVATE_HEADERS
+  clone_names.h
+  clone_state.h)
+set(VDM_DB_CLONING_SOURCES
+  audit.cpp
+  audit_info.cpp
+  clone_follow.cpp
+  clone_names.cpp
+  clone_translation.cpp
+  database_clone.cpp
+  db_object_clone.cpp
+  deep_clone.cpp
+  id_mapping.cpp
+  xref_man.cpp
+  xref_registry.cpp)

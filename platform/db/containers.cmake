@@ -1,0 +1,49 @@
+# Dictionaries, symbol tables, blocks, entities and what every drawing holds.
+set(VDM_DB_CONTAINER_SOURCES
+  block_reference.cpp
+  block_table.cpp
+  block_links.cpp
+  block_table_record.cpp
+  class_map.cpp
+  color.cpp
+  db_init.cpp
+  db_variables.cpp
+  default_content.cpp
+  dictionary.cpp
+  entity.cpp
+  layer_table.cpp
+  line.cpp
+  linetype_table.cpp
+  named_ids.cpp
+  regapp_table.cpp
+  symbol_table.cpp
+  symbol_table_record.cpp
+  units.cpp
+  viewport.cpp
+  xrecord.cpp
+)
+set(VDM_DB_CONTAINER_HEADERS
+  block_reference.h
+  block_table.h
+  block_table_record.h
+  chunked_order.h
+  class_map.h
+  color.h
+  db_init.h
+  db_variables.h
+  default_content.h
+  dictionary.h
+  entity.h
+  layer_table.h
+  line.h
+  linetype_table.h
+  list_filing.h
+  named_ids.h
+  regapp_table.h
+  selection_filter.h
+  symbol_table.h
+  symbol_table_record.h
+  units.h
+  viewport.h
+  xrecord.h
+)

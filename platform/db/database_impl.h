@@ -1,0 +1,143 @@
+// OdDbDatabaseImpl: the inside of a drawing database, for the runtime's own rooms.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <vector>
+
+#include "platform/base/array.h"
+#include "platform/base/string.h"
+#include "platform/db/class_table.h"
+#include "platform/db/database.h"
+#include "platform/db/db_variables.h"
+#include "platform/db/id_table.h"
+#include "platform/db/record_store.h"
+#include "platform/db/undo_log.h"
+#include "platform/db/xref_registry.h"
+#include "platform/filer/file_filer.h"
+
+class OdDbHostAppServices;
+
+/// Everything that one drawing holds. Only rooms of the runtime use it; its members are in the order
+/// in which they may lean on each other.
+class OdDbDatabaseImpl {
+ public:
+  OdDbDatabaseImpl(OdDbDatabase* owner, OdDbHostAppServices* host);
+  ~OdDbDatabaseImpl();
+  OdDbDatabaseImpl(const OdDbDatabaseImpl&) = delete;
+  OdDbDatabaseImpl& operator=(const OdDbDatabaseImpl&) = delete;
+
+  static OdDbDatabaseImpl& of(const OdDbStub* stub) { return stub->database->impl(); }
+
+  // Ids and residency (object_load.cpp).
+  /// Id of a handle met in a record; made when it is new. Null for handle 0.
+  OdDbObjectId idOf(OdUInt64 handle) {
+    return OdDbObjectId(handle == 0 ? nullptr : ids.findOrCreate(handle));
+  }
+  static OdDbObjectId resolveHandle(void* self, OdUInt64 handle) {
+    return static_cast<OdDbDatabaseImpl*>(self)->idOf(handle);
+  }
+  /// Fetches class and owner of an id that was only referred to so far, from the file.
+  void ensureHeader(OdDbStub* stub) {
+    if (!stub->has(OdDbStub::kHeaderKnown | OdDbStub::kAbsent)) fetchHeader(stub);
+  }
+  /// The object in memory, read from the file when need be; null when absent or damaged.
+  OdDbObject* resident(OdDbStub* stub);
+  /// Reads a record into its object. Damage is noted in loadErrors and gives null.
+  OdDbObject* load(OdDbStub* stub, const OdDbRecordView& record);
+  OdDbStoreStatus loadAll();
+  /// Makes ids for all records of the file.
+  void listAll();
+  OdUInt64 pageOut(OdUInt64 budgetBytes);
+  /// Ties a new object to its record in memory and counts it as created.
+  OdDbObjectId append(OdDbObject* object, OdDbStub* ownerStub, OdUInt64 handle);
+  /// Nobody can reach an object whose creation was undone and cannot be redone: it goes.
+  static void forgetUncreated(OdDbStub* stub);
+
+  // Changes.
+  void markDirty(OdDbStub* stub) {
+    ++changes;
+    if (!stub->has(OdDbStub::kDirty)) {
+      stub->set(OdDbStub::kDirty);
+      dirty.push_back(stub);
+    }
+  }
+  void setErased(OdDbStub* stub, bool erased);
+
+  // Saving (database_save.cpp).
+  OdDbStoreStatus openStore(std::unique_ptr<OdDbRecordStore> opened);
+  /// Takes over a stored variable; false when it is damaged, with `reason`. Unknown ones pass.
+  bool adoptVariable(const OdDbStoredVariable& item, OdString* reason = nullptr);
+  OdDbStoreStatus save();
+  OdDbStoreStatus saveAs(const OdString& path);
+  OdDbStoreStatus compact();
+  [[nodiscard]] bool isEffectivelyErased(OdDbStub* stub);
+
+  // Notification (reactor_calls.cpp). A reactor that throws is reported and the others are told.
+  template <class Call>
+  void tellDatabaseReactors(Call&& call);
+
+  void noteVariableChanged(const OdDbVariableRow* row);
+  void report(const OdString& line);
+  /// The database is going away: reactors are told, objects leave memory.
+  void closeObjects();
+
+  OdDbDatabase* const self;
+  OdDbHostAppServices* const services;
+  std::unique_ptr<OdDbRecordStore> store;
+  OdString filename;
+  OdDbIdTable ids;
+  OdDbClassTable classes;
+  OdDbVariables variables;
+  std::vector<const OdDbVariableRow*> changedVariables;  ///< since the last save
+  OdDbUndoLog undo;
+  std::vector<OdDbStub*> dirty;          ///< all with the flag kDirty, in order of first change
+  std::vector<OdDbDatabaseReactor*> reactors;
+  OdDbXrefRegistry xrefs;
+  OdDbObjectId xrefBlock;
+  OdStringArray loadErrors;
+  OdUInt64 seed = OdDbRootHandles::kFirstFree;
+  OdUInt64 savedSeed = 0;
+  OdUInt64 changes = 0;                  ///< rises with every change
+  OdUInt64 savedChanges = 0;
+  bool anyErased = false;
+  bool allListed = true;                 ///< every record of the file has its id in memory
+  bool readOnly = false;
+  bool closing = false;
+
+ private:
+  void fetchHeader(OdDbStub* stub);
+  OdDbObject* loadFromStore(OdDbStub* stub);
+  OdDbObject* instantiate(OdDbStub* stub, const OdDbRecordView& record);
+  OdDbObject* reviveProxy(OdDbStub* stub);
+  void noteDamage(OdDbStub* stub, const OdString& text);
+  bool isAlive(OdDbStub* stub);
+
+  struct SavePlan;
+  void planSave(SavePlan& plan);
+  void loadErasedSubtrees();
+  void collectErasedSubtree(OdDbStub* stub, std::vector<OdDbStub*>& removed);
+  OdDbStoreStatus writeObject(OdDbRecordStore& target, OdDbStub* stub, OdDbFileWriter& writer,
+                              std::vector<OdUInt8>& record);
+  OdDbStoreStatus writeChanges(SavePlan& plan);
+  OdDbStoreStatus writeEverything(OdDbRecordStore& target, std::vector<OdDbStub*>& written);
+  OdDbStoreStatus writeClasses(OdDbRecordStore& target, bool all);
+  OdDbStoreStatus writeVariables(OdDbRecordStore& target, bool all);
+  void savedTo(const OdString& path);
+};
+
+template <class Call>
+void OdDbDatabaseImpl::tellDatabaseReactors(Call&& call) {
+  if (reactors.empty()) return;
+  const std::vector<OdDbDatabaseReactor*> told = reactors;
+  for (OdDbDatabaseReactor* reactor : told) {
+    bool attached = false;
+    for (const OdDbDatabaseReactor* present : reactors) attached = attached || present == reactor;
+    if (!attached) continue;
+    try {
+      call(reactor);
+    } catch (const std::exception& error) {
+      report(OdString("database reactor failed: ") + OdString(error.what()));
+    }
+  }
+}

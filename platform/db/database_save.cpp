@@ -1,0 +1,350 @@
+// Writing a drawing to its file: changed records only, or everything into a fresh file.
+#include <algorithm>
+#include <filesystem>
+#include <string>
+
+#include "platform/base/error.h"
+#include "platform/db/database_impl.h"
+#include "platform/db/db_object.h"
+#include "platform/db/host_app_services.h"
+#include "platform/db/proxy_object.h"
+
+namespace {
+
+constexpr const char* kSeedKey = "HANDSEED";
+constexpr const char* kVariablePrefix = "VAR.";
+const std::vector<OdDbStoredVariable> kNoVariables;
+
+std::string encodeSeed(OdUInt64 seed) {
+  std::string text(8, '\0');
+  for (char& byte : text) {
+    byte = static_cast<char>(seed & 0xff);
+    seed >>= 8;
+  }
+  return text;
+}
+
+bool decodeSeed(const std::string& text, OdUInt64& seed) {
+  if (text.size() != 8) return false;
+  seed = 0;
+  for (std::size_t i = 8; i-- > 0;) seed = seed << 8 | static_cast<OdUInt8>(text[i]);
+  return true;
+}
+
+bool isOwnFile(const OdString& path, const OdString& filename) {
+  std::error_code failure;
+  return std::filesystem::equivalent(std::string(path.utf8()), std::string(filename.utf8()),
+                                     failure);
+}
+
+// The variable behind a key of the file, null for other keys and unknown variables.
+const OdDbVariableRow* variableOfKey(const std::string& key) {
+  const std::string prefix(kVariablePrefix);
+  return key.starts_with(prefix) ? OdDbVariables::find(OdString(key.substr(prefix.size())))
+                                 : nullptr;
+}
+
+}  // namespace
+
+/// What a save is going to do, known before the file is touched.
+struct OdDbDatabaseImpl::SavePlan {
+  std::vector<OdDbStub*> written;
+  std::vector<OdDbStub*> removed;
+};
+
+// Opening.
+
+// A variable of a newer program is left alone: it stays in the file as it is.
+bool OdDbDatabaseImpl::adoptVariable(const OdDbStoredVariable& item, OdString* reason) {
+  if (item.key == kSeedKey) {
+    if (reason != nullptr) *reason = OdString("it is no handle");
+    return decodeSeed(item.value, seed);
+  }
+  const OdDbVariableRow* row = variableOfKey(item.key);
+  return row == nullptr || variables.deserialise(row, item.value, reason) == eOk;
+}
+
+OdDbStoreStatus OdDbDatabaseImpl::openStore(std::unique_ptr<OdDbRecordStore> opened) {
+  for (const OdDbStoredClass& item : opened->classes()) {
+    if (!classes.read(item)) {
+      return {eCorruptData, OdString("class " + std::to_string(item.id) + " of ") +
+                                opened->path() + " is damaged"};
+    }
+  }
+  for (const OdDbStoredVariable& item : opened->variables()) {
+    OdString reason;
+    if (!adoptVariable(item, &reason)) {
+      return {eCorruptData, OdString("the variable " + item.key + " of ") + opened->path() +
+                                " is damaged: " + reason};
+    }
+  }
+  savedSeed = seed;
+  seed = std::max({OdUInt64{OdDbRootHandles::kFirstFree}, seed, opened->maxHandle() + 1});
+  filename = opened->path();
+  readOnly = opened->isReadOnly();
+  allListed = false;
+  store = std::move(opened);
+  return {};
+}
+
+// Planning.
+
+bool OdDbDatabaseImpl::isAlive(OdDbStub* stub) {
+  return !stub->has(OdDbStub::kErased) && (!anyErased || !isEffectivelyErased(stub));
+}
+
+bool OdDbDatabaseImpl::isEffectivelyErased(OdDbStub* stub) {
+  return OdDbObjectId(stub).isEffectivelyErased();
+}
+
+// What an erased object owns leaves the file with it. It has to be in memory then: should the
+// erasing be undone, the next save writes it again.
+void OdDbDatabaseImpl::collectErasedSubtree(OdDbStub* root, std::vector<OdDbStub*>& removed) {
+  std::vector<OdDbStub*> open = {root};
+  std::vector<OdDbFiledId> filed;
+  OdDbFilerBuffer buffer;
+  while (!open.empty()) {
+    OdDbStub* stub = open.back();
+    open.pop_back();
+    removed.push_back(stub);
+    OdDbObject* object = resident(stub);
+    if (object == nullptr) continue;
+    filed.clear();
+    buffer.clear();
+    OdDbMemoryFiler filer(OdDbDwgFiler::kIdFiler, buffer, self);
+    filer.collectIds(&filed);
+    ++object->m_refs;
+    object->dwgOutFields(&filer);
+    --object->m_refs;
+    for (const OdDbFiledId& item : filed) {
+      OdDbStub* child = item.id.stub();
+      const bool owned =
+          item.type == OdDb::kSoftOwnershipRef || item.type == OdDb::kHardOwnershipRef;
+      if (!owned || child->database != self) continue;
+      ensureHeader(child);
+      if (child->has(OdDbStub::kInFile) && child->owner == stub) {
+        child->clear(OdDbStub::kInFile);
+        open.push_back(child);
+      }
+    }
+  }
+}
+
+// What erased objects own is not in a fresh file: it has to be in memory to come back.
+void OdDbDatabaseImpl::loadErasedSubtrees() {
+  std::vector<OdDbStub*> roots;
+  if (anyErased) {
+    ids.forEach([&roots](OdDbStub* stub) {
+      if (stub->has(OdDbStub::kErased) && stub->has(OdDbStub::kInFile)) roots.push_back(stub);
+      return true;
+    });
+  }
+  std::vector<OdDbStub*> loaded;
+  for (OdDbStub* stub : roots) collectErasedSubtree(stub, loaded);
+  for (OdDbStub* stub : loaded) stub->set(OdDbStub::kInFile);
+}
+
+void OdDbDatabaseImpl::planSave(SavePlan& plan) {
+  std::vector<OdDbStub*> changed = dirty;
+  std::sort(changed.begin(), changed.end(),
+            [](const OdDbStub* a, const OdDbStub* b) { return a->handle < b->handle; });
+  for (OdDbStub* stub : changed) {
+    if (isAlive(stub)) {
+      plan.written.push_back(stub);
+    } else if (stub->has(OdDbStub::kInFile)) {
+      collectErasedSubtree(stub, plan.removed);
+    }
+  }
+}
+
+// Writing.
+
+OdDbStoreStatus OdDbDatabaseImpl::writeObject(OdDbRecordStore& target, OdDbStub* stub,
+                                              OdDbFileWriter& writer,
+                                              std::vector<OdUInt8>& record) {
+  OdDbObject* object = resident(stub);
+  if (object == nullptr) {
+    return {eCorruptData, OdString("object ") + OdDbHandle(stub->handle).ascii() +
+                              " cannot be read for saving"};
+  }
+  writer.clear();
+  record.clear();
+  OdUInt32 classId = 0;
+  ++object->m_refs;  // readable while it is filed
+  try {
+    if ((object->m_bits & OdDbObject::kBitProxy) != 0) {
+      auto* proxy = static_cast<OdDbProxyObject*>(object);
+      classId = proxy->classId();
+      proxy->writeRecord(record);
+    } else {
+      classId = classes.entryOf(object->isA()).id;
+      object->dwgOutFields(&writer);
+      writer.assemble(record);
+    }
+  } catch (const std::exception& error) {
+    --object->m_refs;
+    return {eGeneralFailure, OdString("object ") + OdDbHandle(stub->handle).ascii() +
+                                 " of class " + object->isA()->name() + " cannot be saved: " +
+                                 OdString(error.what())};
+  }
+  --object->m_refs;
+  return target.putRecord({stub->handle, classId, stub->owner == nullptr ? 0 : stub->owner->handle,
+                           record.data(), record.size()});
+}
+
+OdDbStoreStatus OdDbDatabaseImpl::writeClasses(OdDbRecordStore& target, bool all) {
+  for (const OdDbClassEntry& entry : classes.entries()) {
+    if (entry.inFile && !all) continue;
+    const OdDbStoreStatus status = target.putClass({entry.id, OdDbClassTable::encode(entry)});
+    if (!status.ok()) return status;
+  }
+  return {};
+}
+
+OdDbStoreStatus OdDbDatabaseImpl::writeVariables(OdDbRecordStore& target, bool all) {
+  if (all || seed != savedSeed) {
+    const OdDbStoreStatus status = target.putVariable({kSeedKey, encodeSeed(seed)});
+    if (!status.ok()) return status;
+  }
+  for (const OdDbVariableRow* row : all ? variables.changed() : changedVariables) {
+    const OdDbStoreStatus status =
+        target.putVariable({std::string(kVariablePrefix) + row->name, variables.serialise(row)});
+    if (!status.ok()) return status;
+  }
+  // What this program does not know is carried over.
+  for (const OdDbStoredVariable& item : all && store ? store->variables() : kNoVariables) {
+    const bool ours = item.key == kSeedKey || variableOfKey(item.key) != nullptr;
+    if (ours) continue;
+    if (const OdDbStoreStatus status = target.putVariable(item); !status.ok()) return status;
+  }
+  return {};
+}
+
+OdDbStoreStatus OdDbDatabaseImpl::writeChanges(SavePlan& plan) {
+  OdDbFileWriter writer(self);
+  std::vector<OdUInt8> record;
+  for (OdDbStub* stub : plan.written) {
+    const OdDbStoreStatus status = writeObject(*store, stub, writer, record);
+    if (!status.ok()) return status;
+  }
+  for (const OdDbStub* stub : plan.removed) {
+    const OdDbStoreStatus status = store->removeRecord(stub->handle);
+    if (!status.ok()) return status;
+  }
+  if (const OdDbStoreStatus status = writeClasses(*store, /*all=*/false); !status.ok()) {
+    return status;
+  }
+  return writeVariables(*store, /*all=*/false);
+}
+
+OdDbStoreStatus OdDbDatabaseImpl::save() {
+  if (!store) return {eFileAccess, OdString("the drawing has no file")};
+  if (readOnly) return {eReadOnlyDatabase, filename};
+  tellDatabaseReactors([this](OdDbDatabaseReactor* reactor) { reactor->databaseToBeSaved(self); });
+  SavePlan plan;
+  planSave(plan);
+  const auto failed = [&plan](OdDbStoreStatus status) {
+    for (OdDbStub* stub : plan.removed) stub->set(OdDbStub::kInFile);
+    return status;
+  };
+  if (OdDbStoreStatus status = store->beginSave(); !status.ok()) return failed(status);
+  if (OdDbStoreStatus status = writeChanges(plan); !status.ok()) {
+    store->rollbackSave();
+    return failed(status);
+  }
+  if (OdDbStoreStatus status = store->commitSave(); !status.ok()) return failed(status);
+  for (OdDbStub* stub : plan.written) stub->set(OdDbStub::kInFile);
+  for (OdDbStub* stub : dirty) stub->clear(OdDbStub::kDirty);
+  dirty.clear();
+  for (OdDbStub* stub : plan.removed) {
+    stub->clear(OdDbStub::kInFile);
+    // In memory alone from now on; should it come back, it is written as if it were new.
+    if (!stub->has(OdDbStub::kErased)) {
+      stub->set(OdDbStub::kDirty);
+      dirty.push_back(stub);
+    }
+  }
+  savedTo(filename);
+  return {};
+}
+
+void OdDbDatabaseImpl::savedTo(const OdString& path) {
+  filename = path;
+  savedSeed = seed;
+  savedChanges = changes;
+  for (OdDbClassEntry& entry : classes.entries()) entry.inFile = true;
+  changedVariables.clear();
+  tellDatabaseReactors([this](OdDbDatabaseReactor* reactor) { reactor->databaseSaved(self); });
+}
+
+OdDbStoreStatus OdDbDatabaseImpl::writeEverything(OdDbRecordStore& target,
+                                                  std::vector<OdDbStub*>& written) {
+  OdDbFileWriter writer(self);
+  std::vector<OdUInt8> record;
+  OdDbStoreStatus status;
+  ids.forEach([&](OdDbStub* stub) {
+    if (!stub->has(OdDbStub::kHeaderKnown) || !isAlive(stub)) return true;
+    if (stub->object == nullptr && store && stub->has(OdDbStub::kInFile)) {
+      OdDbRecordView stored;
+      status = store->readRecord(stub->handle, stored);
+      if (status.ok()) status = target.putRecord(stored);
+    } else {
+      status = writeObject(target, stub, writer, record);
+    }
+    written.push_back(stub);
+    return status.ok();
+  });
+  if (status.ok()) status = writeClasses(target, /*all=*/true);
+  if (status.ok()) status = writeVariables(target, /*all=*/true);
+  return status;
+}
+
+OdDbStoreStatus OdDbDatabaseImpl::saveAs(const OdString& path) {
+  OdDbRecordStoreFactory* factory = services->recordStoreFactory();
+  if (factory == nullptr) return {eFileAccess, OdString("the host has no drawing files")};
+  tellDatabaseReactors([this](OdDbDatabaseReactor* reactor) { reactor->databaseToBeSaved(self); });
+  listAll();
+  loadErasedSubtrees();
+  std::unique_ptr<OdDbRecordStore> target;
+  OdDbStoreStatus status = store && !readOnly && isOwnFile(path, filename)
+                               ? store->createReplacement(target)
+                               : factory->create(path, target);
+  if (!status.ok()) return status;
+  std::vector<OdDbStub*> written;
+  status = writeEverything(*target, written);
+  if (!status.ok()) {
+    target->rollbackSave();
+    return status;
+  }
+  status = target->commitSave();
+  if (!status.ok()) return status;
+  store = std::move(target);
+  for (OdDbStub* stub : dirty) stub->clear(OdDbStub::kDirty);
+  dirty.clear();
+  ids.forEach([](OdDbStub* stub) {
+    stub->clear(OdDbStub::kInFile);
+    return true;
+  });
+  for (OdDbStub* stub : written) stub->set(OdDbStub::kInFile);
+  ids.forEach([this](OdDbStub* stub) {
+    const bool leftOut = stub->object != nullptr &&
+                         !stub->has(OdDbStub::kInFile | OdDbStub::kErased);
+    if (leftOut) {
+      stub->set(OdDbStub::kDirty);
+      dirty.push_back(stub);
+    }
+    return true;
+  });
+  readOnly = false;
+  allListed = true;
+  savedTo(path);
+  return {};
+}
+
+OdDbStoreStatus OdDbDatabaseImpl::compact() {
+  if (changes != savedChanges || !dirty.empty()) {
+    if (OdDbStoreStatus status = save(); !status.ok()) return status;
+  }
+  return store ? store->compact() : OdDbStoreStatus{eFileAccess,
+                                                    OdString("the drawing has no file")};
+}

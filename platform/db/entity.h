@@ -1,0 +1,115 @@
+// OdDbEntity: base of everything that stands in a block and can be seen.
+#pragma once
+
+#include "platform/db/color.h"
+#include "platform/db/db_object.h"
+#include "platform/db/subent.h"
+#include "platform/ge/extents3d.h"
+#include "platform/ge/matrix3d.h"
+#include "platform/ge/point3d.h"
+
+class OdDbEntity;
+using OdDbEntityPtr = OdSmartPtr<OdDbEntity>;
+using OdRxObjectPtrArray = OdArray<OdRxObjectPtr>;
+
+namespace OdDb {
+
+/// Whether an entity is shown. Numbers are stored.
+enum Visibility : OdUInt8 { kVisible = 0, kInvisible = 1 };
+
+/// Pen widths in hundredths of a millimetre, 0 to 211, or one of these. Numbers are stored.
+enum LineWeight : OdInt16 {
+  kLnWtByLwDefault = -3,
+  kLnWtByBlock = -2,
+  kLnWtByLayer = -1,
+  kLnWt000 = 0,
+  kLnWt025 = 25,
+  kLnWt211 = 211,
+};
+
+}  // namespace OdDb
+
+/// A drawn object. Belongs to a block record; geometry is in the coordinates of that block, lengths
+/// in drawing units. A new entity is on no layer; it comes on layer "0" when it is appended to a
+/// block.
+class OdDbEntity : public OdDbObject {
+ public:
+  OD_RX_DECLARE_MEMBERS(OdDbEntity)
+
+  // Properties.
+  /// Block record that owns the entity.
+  [[nodiscard]] OdDbObjectId blockId() const { return ownerId(); }
+  [[nodiscard]] OdDbObjectId layerId() const;
+  /// Name of the layer; "0" while there is none.
+  [[nodiscard]] OdString layer() const;
+  /// By name raises eNoDatabase outside a database and eKeyNotFound for an unknown layer; by id
+  /// eNullObjectId, eWrongObjectType, eWrongDatabase.
+  void setLayer(const OdString& name);
+  void setLayer(const OdDbObjectId& id);
+  [[nodiscard]] OdCmColor color() const;
+  void setColor(const OdCmColor& color);
+  [[nodiscard]] OdUInt16 colorIndex() const { return color().colorIndex(); }
+  void setColorIndex(OdUInt16 index) { setColor(OdCmColor::fromIndex(index)); }
+  /// Null is "ByLayer".
+  [[nodiscard]] OdDbObjectId linetypeId() const;
+  void setLinetype(const OdDbObjectId& id);
+  [[nodiscard]] OdDb::LineWeight lineWeight() const;
+  /// Raises eInvalidInput for a number outside -3 to 211.
+  void setLineWeight(OdDb::LineWeight weight);
+  [[nodiscard]] OdDb::Visibility visibility() const;
+  void setVisibility(OdDb::Visibility visibility);
+  /// Null is by layer.
+  [[nodiscard]] OdDbObjectId materialId() const;
+  void setMaterial(const OdDbObjectId& id);
+  /// Layer "0" and by-layer properties for an entity that has none yet.
+  void setDatabaseDefaults(OdDbDatabase* database);
+  /// Takes over layer, colour, line type, weight, visibility and material.
+  void setPropertiesFrom(const OdDbEntity* source);
+
+  // Geometry.
+  /// eInvalidInput for a matrix that is not finite, eDegenerateGeometry for a singular one, else
+  /// what the class says. Nothing changes on failure.
+  OdResult transformBy(const OdGeMatrix3d& transform);
+  /// A transformed copy that is in no database; null with the result on failure.
+  OdResult getTransformedCopy(const OdGeMatrix3d& transform, OdDbEntityPtr& copy) const;
+  /// Box around the entity. eNotApplicable when it has no extents.
+  virtual OdResult getGeomExtents(OdGeExtents3d& extents) const;
+  /// Parts of the entity as entities of their own, appended to `parts`; eNotApplicable when it has
+  /// none.
+  virtual OdResult explode(OdRxObjectPtrArray& parts) const;
+
+  // Subentities. The base has none.
+  /// The subentity as an entity that is in no database; null when it does not exist.
+  [[nodiscard]] virtual OdDbEntityPtr subentPtr(const OdDbFullSubentPath& path) const;
+  virtual OdResult getGsMarkersAtSubentPath(const OdDbFullSubentPath& path,
+                                            OdArray<OdGsMarker>& markers) const;
+  /// `insertStack` holds the block references from the entity outwards, null for none.
+  virtual OdResult getSubentPathsAtGsMarker(OdDb::SubentType type, OdGsMarker marker,
+                                            OdDbFullSubentPathArray& paths,
+                                            const OdDbObjectIdArray* insertStack = nullptr) const;
+
+  /// Marks that the picture changed: reactors hear modifiedGraphics when the entity is closed.
+  void recordGraphicsModified(bool modified = true);
+
+  OdResult dwgInFields(OdDbDwgFiler* filer) override;
+  void dwgOutFields(OdDbDwgFiler* filer) const override;
+
+  // Hooks of the block record that takes the entity in.
+  /// Raises when the entity may not stand in that block; nothing has changed yet.
+  virtual void subCheckAppend(const OdDbObjectId& block) const;
+  /// The entity is in the database and in the block's list.
+  virtual void subAppended();
+
+ protected:
+  /// Applies a finite, regular matrix; eNotApplicable by default. The entity is open for write and
+  /// its undo state is recorded.
+  virtual OdResult subTransformBy(const OdGeMatrix3d& transform);
+
+ private:
+  OdDbObjectId m_layerId;
+  OdDbObjectId m_linetypeId;
+  OdDbObjectId m_materialId;
+  OdCmColor m_color;
+  OdDb::LineWeight m_lineWeight = OdDb::kLnWtByLayer;
+  OdDb::Visibility m_visibility = OdDb::kVisible;
+};

@@ -1,0 +1,55 @@
+// OdDbHostAppServices: what the host lends to its drawings, and where drawings come from.
+#pragma once
+
+#include <memory>
+
+#include "platform/base/string.h"
+#include "platform/db/database.h"
+#include "platform/db/record_store.h"
+#include "platform/rx/rx_object.h"
+
+/// How a drawing file is opened.
+struct OdDbReadOptions {
+  OdDbStoreOpenMode mode = OdDbStoreOpenMode::kReadWrite;
+  bool withUndo = true;  ///< record undo from the start
+};
+
+/// One instance serves all drawings of a host and outlives them. A host derives from it to find
+/// files its own way and to show messages.
+class OdDbHostAppServices {
+ public:
+  /// `storeFactory` may be null: drawings then live in memory only.
+  explicit OdDbHostAppServices(std::shared_ptr<OdDbRecordStoreFactory> storeFactory = nullptr);
+  virtual ~OdDbHostAppServices();
+  OdDbHostAppServices(const OdDbHostAppServices&) = delete;
+  OdDbHostAppServices& operator=(const OdDbHostAppServices&) = delete;
+
+  /// A new drawing with its tables, dictionaries, model and paper space; undo is on and empty.
+  OdDbDatabasePtr createDatabase();
+  /// Opens a drawing file without reading objects. On failure the result is null and `status` says
+  /// why.
+  OdDbDatabasePtr readFile(const OdString& path, OdDbStoreStatus& status,
+                           const OdDbReadOptions& options = OdDbReadOptions());
+  /// Builds a drawing in memory from everything that is intact in a damaged file; `report` gets a
+  /// line for each thing lost. Null when nothing is intact.
+  OdDbDatabasePtr recoverFile(const OdString& path, OdStringArray& report,
+                              OdDbStoreStatus& status);
+
+  /// Full path of a file named in a drawing: an absolute path as it is, otherwise beside
+  /// `database`'s own file. Empty when there is none.
+  virtual OdString findFile(const OdString& name, const OdDbDatabase* database);
+  /// One line for the user or the log; standard error by default.
+  virtual void message(const OdString& line);
+
+  /// How parameters are copied when blocks are cloned: 0 to 4, 1 at start.
+  [[nodiscard]] int parameterCopyMode() const { return m_parameterCopyMode; }
+  void setParameterCopyMode(int mode) { m_parameterCopyMode = mode; }
+
+  [[nodiscard]] OdDbRecordStoreFactory* recordStoreFactory() const { return m_factory.get(); }
+
+ private:
+  OdDbDatabasePtr makeEmpty();
+
+  std::shared_ptr<OdDbRecordStoreFactory> m_factory;
+  int m_parameterCopyMode = 1;
+};

@@ -1,0 +1,25 @@
+// Notification of object reactors.
+#include "platform/db/reactor_calls.h"
+
+#include <algorithm>
+
+bool OdDbReactorCalls::isAttached(const OdDbObject* object,
+                                  const OdDbObject::Extra::Reactor& reactor) {
+  if (!object->m_extra) return false;
+  const auto& present = object->m_extra->reactors;
+  return std::any_of(present.begin(), present.end(), [&reactor](const auto& entry) {
+    return entry.persistent == reactor.persistent && entry.transient == reactor.transient;
+  });
+}
+
+void OdDbReactorCalls::reportFailure(const OdDbObject* object,
+                                     const OdDbObject::Extra::Reactor& reactor,
+                                     const std::exception& error) {
+  OdDbDatabase* database = object->database();
+  if (database == nullptr) return;
+  OdString who = reactor.persistent == nullptr
+                     ? OdString("transient reactor")
+                     : OdString("reactor ") + OdDbObjectId(reactor.persistent).getHandle().ascii();
+  database->impl().report(who + " of object " + object->getDbHandle().ascii() + " failed: " +
+                          OdString(error.what()));
+}

@@ -1,0 +1,135 @@
+// OdDbSymbolTableRecord: names, their rules, and the table that has to agree.
+#include "platform/db/symbol_table_record.h"
+
+#include <string_view>
+
+#include "platform/base/error.h"
+#include "platform/db/database.h"
+#include "platform/db/symbol_table.h"
+
+OD_RX_DEFINE_ABSTRACT(OdDbSymbolTableRecord, OdDbObject, L"OdDbSymbolTableRecord")
+
+namespace {
+
+constexpr OdUInt8 kVersion = 1;
+constexpr std::wstring_view kForbidden = L"|*\\:;<>?\",=";
+
+bool isPlainName(std::wstring_view name) {
+  if (name.empty()) return false;
+  for (const wchar_t character : name) {
+    const bool isControl = character < 0x20 || (character >= 0x7F && character < 0xA0);
+    if (isControl || kForbidden.find(character) != std::wstring_view::npos) return false;
+  }
+  return true;
+}
+
+bool isLetter(wchar_t character) {
+  return (character >= L'A' && character <= L'Z') || (character >= L'a' && character <= L'z');
+}
+
+}  // namespace
+
+bool odDbIsValidRecordName(const OdString& name) {
+  std::wstring_view rest(name.c_str());
+  const std::size_t bar = rest.find(L'|');
+  if (bar != std::wstring_view::npos) {
+    if (!isPlainName(rest.substr(0, bar))) return false;
+    rest.remove_prefix(bar + 1);
+  }
+  if (!rest.empty() && rest.front() == L'*') {
+    rest.remove_prefix(1);
+    return !rest.empty() && isLetter(rest.front()) && isPlainName(rest);
+  }
+  return isPlainName(rest);
+}
+
+// ---- Names
+
+OdString OdDbSymbolTableRecord::getName() const {
+  assertReadEnabled();
+  return m_name;
+}
+
+void OdDbSymbolTableRecord::setName(const OdString& name) {
+  if (name == m_name) return;
+  const OdSmartPtr<OdDbSymbolTable> table =
+      database() == nullptr ? OdSmartPtr<OdDbSymbolTable>()
+                            : OdDbSymbolTable::cast(ownerId().openObject(OdDb::kForWrite));
+  if (table.isNull() || !table->has(objectId())) return storeName(name);
+  if (isFixed()) {
+    throw OdError(eInvalidInput,
+                  OdString("fixed record '") + m_name + "', new name '" + name + "'");
+  }
+  if (!odDbIsValidRecordName(name)) {
+    throw OdError(eInvalidKey, OdString("record name '") + name + "' for '" + m_name + "'");
+  }
+  table->checkFree(name, objectId());
+  const OdString oldName = m_name;
+  storeName(name);
+  table->rename(oldName, name, objectId());
+}
+
+void OdDbSymbolTableRecord::storeName(const OdString& name) {
+  assertWriteEnabled();
+  m_name = name;
+}
+
+bool OdDbSymbolTableRecord::isFixed() const {
+  const OdUInt64 handle = getDbHandle();
+  return handle != 0 && handle < OdDbRootHandles::kFirstFree;
+}
+
+bool OdDbSymbolTableRecord::isDependent() const {
+  assertReadEnabled();
+  return m_name.find(L'|') > 0;
+}
+
+bool OdDbSymbolTableRecord::isResolved() const {
+  assertReadEnabled();
+  return m_resolved;
+}
+
+void OdDbSymbolTableRecord::setResolved(bool resolved) {
+  if (resolved == m_resolved) return;
+  assertWriteEnabled();
+  m_resolved = resolved;
+}
+
+OdResult OdDbSymbolTableRecord::subErase(bool erasing) {
+  if (erasing && isFixed()) return eInvalidInput;
+  const OdResult result = OdDbObject::subErase(erasing);
+  if (result != eOk || erasing || isUndoing()) return result;
+  const OdSmartPtr<OdDbSymbolTable> table =
+      OdDbSymbolTable::cast(ownerId().openObject(OdDb::kForWrite));
+  if (table.isNull()) return eOk;
+  const OdDbObjectId present = table->getAt(m_name);
+  if (!present.isNull() && present != objectId()) return eDuplicateRecordName;
+  table->relist(m_name, objectId());
+  return eOk;
+}
+
+// ---- Filing
+//
+//   version     uint8     1
+//   name        string
+//   resolved    bool      of a record that depends on an external reference
+
+void OdDbSymbolTableRecord::dwgOutFields(OdDbDwgFiler* filer) const {
+  OdDbObject::dwgOutFields(filer);
+  filer->wrUInt8(kVersion);
+  filer->wrString(m_name);
+  filer->wrBool(m_resolved);
+}
+
+OdResult OdDbSymbolTableRecord::dwgInFields(OdDbDwgFiler* filer) {
+  const OdResult result = OdDbObject::dwgInFields(filer);
+  if (result != eOk) return result;
+  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
+  m_name = filer->rdString();
+  m_resolved = filer->rdBool();
+  return eOk;
+}
+
+std::size_t OdDbSymbolTableRecord::approximateSize() const {
+  return OdDbObject::approximateSize() + m_name.utf8().size();
+}

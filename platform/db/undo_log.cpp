@@ -1,0 +1,323 @@
+// Undo, redo and transactions.
+#include "platform/db/undo_log.h"
+
+#include "platform/base/error.h"
+#include "platform/db/database_impl.h"
+#include "platform/db/object_extra.h"
+#include "platform/db/reactor_calls.h"
+
+// Recording.
+
+void OdDbUndoLog::chooseTarget() {
+  m_target = m_enabled || !m_transactions.empty() ? &m_undo : nullptr;
+}
+
+void OdDbUndoLog::nextSpan() {
+  ++m_span;
+  m_partialStub = nullptr;
+}
+
+void OdDbUndoLog::push(Kind kind, OdDbStub* stub, OdRxClass* cls) {
+  if (!m_applying && !m_redo.records.empty()) clearRedo();
+  m_partialStub = nullptr;
+  m_target->records.push_back(
+      {kind, stub, cls, m_target->buffer.bytes.size(), m_target->buffer.strings.size()});
+}
+
+void OdDbUndoLog::recordState(OdDbObject* object) {
+  if (m_target == nullptr) return;
+  push(Kind::kState, object->m_stub);
+  object->m_stub->undoStep = m_span;
+  OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, m_target->buffer, object->database());
+  object->dwgOutFields(&filer);
+}
+
+void OdDbUndoLog::recordCreated(OdDbStub* stub) {
+  if (m_target == nullptr) return;
+  push(Kind::kCreated, stub);
+  stub->undoStep = m_span;
+}
+
+void OdDbUndoLog::recordErased(OdDbStub* stub, bool erasing) {
+  if (m_target != nullptr) push(erasing ? Kind::kErased : Kind::kUnerased, stub);
+}
+
+void OdDbUndoLog::recordVariable(const OdString& name) {
+  if (m_target == nullptr) return;
+  push(Kind::kVariable, nullptr);
+  OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, m_target->buffer, m_database.self);
+  filer.wrString(name);
+  OdResBuf::dwgOutChain(&filer, m_database.self->getSysVar(name).get());
+}
+
+OdDbDwgFiler* OdDbUndoLog::beginPartial(OdDbObject* object, OdRxClass* cls) {
+  if (m_target == nullptr || (!m_applying && isCovered(object->m_stub))) return nullptr;
+  push(Kind::kPartial, object->m_stub, cls);
+  m_partialFiler = std::make_unique<OdDbMemoryFiler>(OdDbDwgFiler::kUndoFiler, m_target->buffer,
+                                                     object->database());
+  m_partialStub = object->m_stub;
+  return m_partialFiler.get();
+}
+
+OdDbDwgFiler* OdDbUndoLog::partialFiler(const OdDbObject* object) {
+  return m_partialStub != nullptr && m_partialStub == object->m_stub ? m_partialFiler.get()
+                                                                     : nullptr;
+}
+
+// Steps and marks.
+
+bool OdDbUndoLog::hasChanges(const Stack& stack) {
+  for (auto record = stack.records.rbegin(); record != stack.records.rend(); ++record) {
+    if (!isBoundary(*record)) return true;
+  }
+  return false;
+}
+
+void OdDbUndoLog::startStep() {
+  nextSpan();
+  if (m_target == nullptr || m_applying) return;
+  if (m_undo.records.empty() || !isBoundary(m_undo.records.back())) push(Kind::kStep, nullptr);
+}
+
+void OdDbUndoLog::setMark() {
+  nextSpan();
+  if (m_target != nullptr && !m_applying) push(Kind::kMark, nullptr);
+}
+
+bool OdDbUndoLog::hasMark() const {
+  for (const Record& record : m_undo.records) {
+    if (record.kind == Kind::kMark) return true;
+  }
+  return false;
+}
+
+OdUInt32 OdDbUndoLog::numSteps() const {
+  OdUInt32 steps = 0;
+  bool inStep = false;
+  for (const Record& record : m_undo.records) {
+    if (isBoundary(record)) {
+      inStep = false;
+    } else if (!inStep) {
+      inStep = true;
+      ++steps;
+    }
+  }
+  return steps;
+}
+
+/// While records are applied: objects say that they are undoing, and inverses go to `to`.
+class OdDbUndoLog::Applying {
+ public:
+  Applying(OdDbUndoLog& log, Stack* to) : m_log(log) {
+    m_log.nextSpan();
+    m_log.m_applying = true;
+    m_log.m_target = to;
+  }
+  ~Applying() {
+    m_log.m_applying = false;
+    m_log.chooseTarget();
+    m_log.nextSpan();
+  }
+  Applying(const Applying&) = delete;
+  Applying& operator=(const Applying&) = delete;
+
+ private:
+  OdDbUndoLog& m_log;
+};
+
+OdResult OdDbUndoLog::undo() {
+  if (m_applying) return eInvalidOpenState;
+  const OdResult result = moveStep(m_undo, m_redo);
+  if (!m_enabled) clearRedo();
+  return result;
+}
+
+OdResult OdDbUndoLog::redo() {
+  return m_applying ? eInvalidOpenState : moveStep(m_redo, m_undo);
+}
+
+OdResult OdDbUndoLog::moveStep(Stack& from, Stack& to) {
+  if (!hasChanges(from)) return eNothingToUndo;
+  std::size_t first = from.records.size();
+  while (isBoundary(from.records[first - 1])) --first;
+  while (first > 0 && !isBoundary(from.records[first - 1])) --first;
+  if (&from == &m_undo && !m_transactions.empty() && first < m_transactions.back()) {
+    return eTransactionMismatch;
+  }
+  const Applying applying(*this, &to);
+  while (isBoundary(from.records.back())) applyLast(from);
+  push(Kind::kStep, nullptr);
+  while (from.records.size() > first) applyLast(from);
+  // The boundary goes with its step; a mark stays to be found by undoBack().
+  if (first > 0 && from.records.back().kind == Kind::kStep) truncate(from, first - 1);
+  return eOk;
+}
+
+OdResult OdDbUndoLog::undoBack() {
+  if (!hasMark()) return eNothingToUndo;
+  while (true) {
+    while (!m_undo.records.empty() && m_undo.records.back().kind == Kind::kStep) {
+      truncate(m_undo, m_undo.records.size() - 1);
+    }
+    if (m_undo.records.back().kind == Kind::kMark) {
+      truncate(m_undo, m_undo.records.size() - 1);
+      return eOk;
+    }
+    const OdResult result = undo();
+    if (result != eOk) return result;
+  }
+}
+
+void OdDbUndoLog::clear() {
+  if (!m_transactions.empty()) return;
+  clearRedo();
+  truncate(m_undo, 0);
+  nextSpan();
+}
+
+void OdDbUndoLog::setEnabled(bool enabled) {
+  m_enabled = enabled;
+  chooseTarget();
+  nextSpan();
+}
+
+// Transactions.
+
+void OdDbUndoLog::startTransaction() {
+  m_transactions.push_back(m_undo.records.size());
+  chooseTarget();
+  nextSpan();
+}
+
+OdResult OdDbUndoLog::endTransaction() {
+  if (m_transactions.empty()) return eTransactionMismatch;
+  const std::size_t start = m_transactions.back();
+  m_transactions.pop_back();
+  chooseTarget();
+  nextSpan();
+  // Without undo recording the records served this transaction alone.
+  if (m_target == nullptr) truncate(m_undo, start);
+  return eOk;
+}
+
+OdResult OdDbUndoLog::abortTransaction() {
+  if (m_transactions.empty()) return eTransactionMismatch;
+  const std::size_t start = m_transactions.back();
+  {
+    const Applying applying(*this, nullptr);
+    while (m_undo.records.size() > start) applyLast(m_undo);
+  }
+  clearRedo();
+  m_transactions.pop_back();
+  chooseTarget();
+  nextSpan();
+  return eOk;
+}
+
+// Applying.
+
+void OdDbUndoLog::truncate(Stack& stack, std::size_t records) {
+  if (records >= stack.records.size()) return;
+  stack.buffer.bytes.resize(stack.records[records].bytes);
+  stack.buffer.strings.resize(stack.records[records].strings);
+  stack.records.resize(records);
+}
+
+void OdDbUndoLog::applyLast(Stack& from) {
+  const Record record = from.records.back();
+  apply(from, record);
+  truncate(from, from.records.size() - 1);
+}
+
+void OdDbUndoLog::apply(Stack& from, const Record& record) {
+  switch (record.kind) {
+    case Kind::kStep: return;
+    case Kind::kMark:
+      if (m_target != nullptr) push(Kind::kMark, nullptr);
+      return;
+    case Kind::kState: return applyState(from, record);
+    case Kind::kPartial: return applyPartial(from, record);
+    case Kind::kCreated:
+      if (m_target != nullptr) push(Kind::kUncreated, record.stub);
+      applyPresence(record.stub, /*present=*/false);
+      if (m_target == nullptr) OdDbDatabaseImpl::forgetUncreated(record.stub);
+      return;
+    case Kind::kUncreated:
+      if (m_target != nullptr) push(Kind::kCreated, record.stub);
+      return applyPresence(record.stub, /*present=*/true);
+    case Kind::kErased:
+    case Kind::kUnerased: {
+      const bool erasing = record.kind == Kind::kUnerased;
+      if (m_target != nullptr) push(erasing ? Kind::kErased : Kind::kUnerased, record.stub);
+      return m_database.setErased(record.stub, erasing);
+    }
+    case Kind::kVariable: return applyVariable(from, record);
+  }
+}
+
+void OdDbUndoLog::applyState(Stack& from, const Record& record) {
+  OdDbObject* object = m_database.resident(record.stub);
+  if (object == nullptr) throw OdError(eUnknownHandle, OdDbHandle(record.stub->handle).ascii());
+  const OdUInt16 bits = object->m_bits;
+  object->m_bits |= OdDbObject::kBitInternalWrite;
+  recordState(object);
+  OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
+  filer.startReading(record.bytes, record.strings);
+  const OdResult result = object->dwgInFields(&filer);
+  object->m_bits = bits;
+  m_database.markDirty(record.stub);
+  if (result != eOk) throw OdError(result, OdDbHandle(record.stub->handle).ascii());
+  OdDbReactorCalls::tell<const OdDbObject*>(object, &OdDbObject::modifyUndone,
+                                            &OdDbObjectReactor::modifyUndone, object);
+}
+
+void OdDbUndoLog::applyPartial(Stack& from, const Record& record) {
+  OdDbObject* object = m_database.resident(record.stub);
+  if (object == nullptr) throw OdError(eUnknownHandle, OdDbHandle(record.stub->handle).ascii());
+  const OdUInt16 bits = object->m_bits;
+  object->m_bits |= OdDbObject::kBitInternalWrite;
+  OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
+  filer.startReading(record.bytes, record.strings);
+  object->applyPartialUndo(&filer, record.cls);
+  object->m_bits = bits;
+  m_database.markDirty(record.stub);
+  OdDbReactorCalls::tell<const OdDbObject*>(object, &OdDbObject::modifyUndone,
+                                            &OdDbObjectReactor::modifyUndone, object);
+}
+
+void OdDbUndoLog::applyPresence(OdDbStub* stub, bool present) {
+  constexpr OdUInt32 kGone = OdDbStub::kErased | OdDbStub::kUnappended;
+  if (present) {
+    stub->clear(kGone);
+  } else {
+    stub->set(kGone);
+  }
+  m_database.markDirty(stub);
+  const OdDbObject* object = stub->object;
+  if (object == nullptr) return;
+  if (present) {
+    OdDbReactorCalls::tell<const OdDbObject*>(object, &OdDbObject::reappended,
+                                              &OdDbObjectReactor::reappended, object);
+  } else {
+    OdDbReactorCalls::tell<const OdDbObject*>(object, &OdDbObject::unappended,
+                                              &OdDbObjectReactor::unappended, object);
+  }
+  m_database.tellDatabaseReactors([this, object, present](OdDbDatabaseReactor* reactor) {
+    present ? reactor->objectReAppended(m_database.self, object)
+            : reactor->objectUnAppended(m_database.self, object);
+  });
+}
+
+void OdDbUndoLog::applyVariable(Stack& from, const Record& record) {
+  OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
+  filer.startReading(record.bytes, record.strings);
+  const OdString name = filer.rdString();
+  m_database.self->setSysVar(name, OdResBuf::dwgInChain(&filer).get());
+}
+
+void OdDbUndoLog::clearRedo() {
+  for (const Record& record : m_redo.records) {
+    if (record.kind == Kind::kUncreated) OdDbDatabaseImpl::forgetUncreated(record.stub);
+  }
+  truncate(m_redo, 0);
+}

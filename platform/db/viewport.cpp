@@ -1,0 +1,172 @@
+// OdDbViewport: rectangle, view, filing.
+#include "platform/db/viewport.h"
+
+#include <cmath>
+#include <string>
+
+#include "platform/base/error.h"
+
+OD_RX_DEFINE_DB(OdDbViewport, OdDbEntity, L"OdDbViewport", 0, 0, 0, L"VIEWPORT", OdString())
+
+namespace {
+
+constexpr OdUInt8 kVersion = 1;
+
+bool isFinite(const OdGePoint3d& point) {
+  return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+}
+bool isFinite(const OdGePoint2d& point) { return std::isfinite(point.x) && std::isfinite(point.y); }
+
+bool isSize(double value) { return std::isfinite(value) && value > 0.0; }
+// The direction is kept as given; it has only to be one.
+bool isDirection(const OdGeVector3d& vector) {
+  return std::isfinite(vector.length()) && !vector.isZeroLength();
+}
+
+[[noreturn]] void raiseValue(const OdDbViewport* viewport, const char* what, double value) {
+  throw OdError(eInvalidInput,
+                OdString(std::string(what) + " " + std::to_string(value) + " of viewport ") +
+                    viewport->getDbHandle().ascii());
+}
+
+double checkedSize(const OdDbViewport* viewport, const char* what, double value) {
+  if (!isSize(value)) raiseValue(viewport, what, value);
+  return value;
+}
+
+template <class Point>
+const Point& checkedPoint(const OdDbViewport* viewport, const char* what, const Point& point) {
+  if (!isFinite(point)) raiseValue(viewport, what, std::isfinite(point.x) ? point.y : point.x);
+  return point;
+}
+
+}  // namespace
+
+template <class T>
+void OdDbViewport::change(T& field, const T& value) {
+  if (field == value) return;
+  assertWriteEnabled();
+  field = value;
+  noteGraphicsModified();
+}
+
+template <class T>
+const T& OdDbViewport::read(const T& field) const {
+  assertReadEnabled();
+  return field;
+}
+
+OdGePoint3d OdDbViewport::centerPoint() const { return read(m_center); }
+void OdDbViewport::setCenterPoint(const OdGePoint3d& center) {
+  change(m_center, checkedPoint(this, "centre", center));
+}
+double OdDbViewport::width() const { return read(m_width); }
+void OdDbViewport::setWidth(double width) { change(m_width, checkedSize(this, "width", width)); }
+double OdDbViewport::height() const { return read(m_height); }
+void OdDbViewport::setHeight(double height) {
+  change(m_height, checkedSize(this, "height", height));
+}
+OdGePoint2d OdDbViewport::viewCenter() const { return read(m_viewCenter); }
+void OdDbViewport::setViewCenter(const OdGePoint2d& center) {
+  change(m_viewCenter, checkedPoint(this, "view centre", center));
+}
+OdGePoint3d OdDbViewport::viewTarget() const { return read(m_viewTarget); }
+void OdDbViewport::setViewTarget(const OdGePoint3d& target) {
+  change(m_viewTarget, checkedPoint(this, "view target", target));
+}
+OdGeVector3d OdDbViewport::viewDirection() const { return read(m_viewDirection); }
+void OdDbViewport::setViewDirection(const OdGeVector3d& direction) {
+  if (!isDirection(direction)) {
+    throw OdError(eDegenerateGeometry,
+                  OdString("view direction of viewport ") + getDbHandle().ascii());
+  }
+  change(m_viewDirection, direction);
+}
+double OdDbViewport::viewHeight() const { return read(m_viewHeight); }
+void OdDbViewport::setViewHeight(double height) {
+  change(m_viewHeight, checkedSize(this, "view height", height));
+}
+double OdDbViewport::twistAngle() const { return read(m_twist); }
+void OdDbViewport::setTwistAngle(double angle) {
+  if (!std::isfinite(angle)) raiseValue(this, "twist angle", angle);
+  change(m_twist, angle);
+}
+double OdDbViewport::customScale() const { return read(m_height) / m_viewHeight; }
+void OdDbViewport::setCustomScale(double scale) {
+  setViewHeight(m_height / checkedSize(this, "scale", scale));
+}
+OdInt16 OdDbViewport::number() const { return read(m_number); }
+void OdDbViewport::setNumber(OdInt16 number) {
+  if (number < 0) raiseValue(this, "number", number);
+  change(m_number, number);
+}
+bool OdDbViewport::isOn() const { return read(m_on); }
+void OdDbViewport::setOn(bool on) { change(m_on, on); }
+
+OdResult OdDbViewport::getGeomExtents(OdGeExtents3d& extents) const {
+  const OdGeVector3d half(m_width / 2, m_height / 2, 0.0);
+  extents = OdGeExtents3d(centerPoint() - half, centerPoint() + half);
+  return eOk;
+}
+
+// The rectangle stays parallel to the paper's axes: only its middle and size follow.
+OdResult OdDbViewport::subTransformBy(const OdGeMatrix3d& transform) {
+  const double factor = transform.scale();
+  const OdGePoint3d center = transform * m_center;
+  if (!isFinite(center) || !isSize(m_width * factor) || !isSize(m_height * factor)) {
+    return eInvalidInput;
+  }
+  m_center = center;
+  m_width *= factor;
+  m_height *= factor;
+  return eOk;
+}
+
+// Fields:
+//
+//   version          uint8
+//   centre           point     paper units
+//   width, height    2 double  paper units, positive
+//   view target      point     world
+//   view direction   vector    world, from target to eye, not zero
+//   view centre      2d point  display plane
+//   view height      double    drawing units, positive
+//   twist            double    radians
+//   number           int16     0 inactive
+//   on               bool
+
+void OdDbViewport::dwgOutFields(OdDbDwgFiler* filer) const {
+  OdDbEntity::dwgOutFields(filer);
+  filer->wrUInt8(kVersion);
+  filer->wrPoint3d(m_center);
+  filer->wrDouble(m_width);
+  filer->wrDouble(m_height);
+  filer->wrPoint3d(m_viewTarget);
+  filer->wrVector3d(m_viewDirection);
+  filer->wrPoint2d(m_viewCenter);
+  filer->wrDouble(m_viewHeight);
+  filer->wrDouble(m_twist);
+  filer->wrInt16(m_number);
+  filer->wrBool(m_on);
+}
+
+OdResult OdDbViewport::dwgInFields(OdDbDwgFiler* filer) {
+  const OdResult result = OdDbEntity::dwgInFields(filer);
+  if (result != eOk) return result;
+  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
+  m_center = filer->rdPoint3d();
+  m_width = filer->rdDouble();
+  m_height = filer->rdDouble();
+  m_viewTarget = filer->rdPoint3d();
+  m_viewDirection = filer->rdVector3d();
+  m_viewCenter = filer->rdPoint2d();
+  m_viewHeight = filer->rdDouble();
+  m_twist = filer->rdDouble();
+  m_number = filer->rdInt16();
+  m_on = filer->rdBool();
+  const bool isSound = isFinite(m_center) && isSize(m_width) && isSize(m_height) &&
+                       isFinite(m_viewTarget) && isDirection(m_viewDirection) &&
+                       isFinite(m_viewCenter) && isSize(m_viewHeight) && std::isfinite(m_twist) &&
+                       m_number >= 0;
+  return isSound ? eOk : eCorruptData;
+}

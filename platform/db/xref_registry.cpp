@@ -1,0 +1,13 @@
+// The external drawings that a host drawing has loaded.
+#include "platform/db/xref_registry.h"
+
+void OdDbXrefRegistry::add(const OdDbObjectId& block, const OdDbDatabasePtr& database) {
+  m_databases[block.getHandle()] = database;
+}
+
+OdDbDatabasePtr OdDbXrefRegistry::find(const OdDbObjectId& block) const {
+  const auto found = m_databases.find(block.getHandle());
+  return found == m_databases.end() ? OdDbDatabasePtr() : found->second;
+}
+
+void OdDbXrefRegistry::remove(const OdDbObjectId& block) { m_databases.erase(block.getHandle()); }

@@ -1,0 +1,73 @@
+// Filing of live objects in memory.
+#include "platform/filer/memory_filer.h"
+
+#include <string>
+
+#include "platform/base/error.h"
+
+void OdDbMemoryFiler::startReading(std::size_t byteBegin, std::size_t stringBegin) {
+  startReading(byteBegin, stringBegin, m_buffer->bytes.size());
+}
+
+void OdDbMemoryFiler::startReading(std::size_t byteBegin, std::size_t stringBegin,
+                                   std::size_t byteEnd) {
+  m_reading = true;
+  m_begin = byteBegin;
+  m_read = byteBegin;
+  m_end = byteEnd;
+  m_stringBegin = stringBegin;
+}
+
+void OdDbMemoryFiler::seek(OdInt64 offset, OdDb::FilerSeekType from) {
+  const OdInt64 length = static_cast<OdInt64>(m_end - m_begin);
+  OdInt64 target = offset;
+  if (from == OdDb::kSeekFromCurrent) target += static_cast<OdInt64>(m_read - m_begin);
+  if (from == OdDb::kSeekFromEnd) target += length;
+  if (target < 0 || target > length) {
+    throw OdError(eEndOfStream, OdString("seek to " + std::to_string(target) + " in " +
+                                         std::to_string(length) + " bytes"));
+  }
+  m_read = m_begin + static_cast<std::size_t>(target);
+}
+
+void OdDbMemoryFiler::raiseEnd(std::size_t wanted) const {
+  throw OdError(eEndOfStream, OdString("wanted " + std::to_string(wanted) + " bytes, " +
+                                       std::to_string(m_end - m_read) + " are left"));
+}
+
+// A string is its number in the buffer's list, counted from where the record began.
+void OdDbMemoryFiler::wrString(const OdString& value) {
+  put(static_cast<OdUInt32>(m_buffer->strings.size() - m_stringBegin));
+  m_buffer->strings.push_back(value);
+}
+
+OdString OdDbMemoryFiler::rdString() {
+  const std::size_t index = m_stringBegin + take<OdUInt32>();
+  if (index >= m_buffer->strings.size()) {
+    throw OdError(eCorruptData, OdString("string " + std::to_string(index) + " of " +
+                                         std::to_string(m_buffer->strings.size())));
+  }
+  return m_buffer->strings[index];
+}
+
+void OdDbMemoryFiler::wrBytes(const void* buffer, OdUInt32 size) {
+  const auto* first = static_cast<const OdUInt8*>(buffer);
+  m_buffer->bytes.insert(m_buffer->bytes.end(), first, first + size);
+}
+
+void OdDbMemoryFiler::rdBytes(void* buffer, OdUInt32 size) {
+  if (m_end - m_read < size) raiseEnd(size);
+  if (size == 0) return;
+  std::memcpy(buffer, m_buffer->bytes.data() + m_read, size);
+  m_read += size;
+}
+
+OdDbObjectId OdDbMemoryFiler::takeId(OdDb::ReferenceType type) {
+  const OdDbObjectId id = take<OdDbObjectId>();
+  return m_translator == nullptr ? id : m_translator(m_context, id, type);
+}
+
+void OdDbMemoryFiler::putId(const OdDbObjectId& id, OdDb::ReferenceType type) {
+  put(id);
+  if (m_collected != nullptr && !id.isNull()) m_collected->push_back({id, type});
+}
