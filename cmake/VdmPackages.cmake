@@ -63,5 +63,6 @@ _vdm_group_toolkits(occt::modeling TOOLKITS
                     TKGeomAlgo TKBRep TKGeomBase TKG3d TKG2d TKMath TKernel)
 _vdm_group_toolkits(occt::drafting LINKS occt::modeling TOOLKITS TKHLR)
 _vdm_group_toolkits(occt::ocaf LINKS occt::modeling TOOLKITS TKCAF TKLCAF TKCDF)
+_vdm_group_toolkits(occt::ocaf_binary LINKS occt::ocaf TOOLKITS TKBin TKBinL)
 _vdm_group_toolkits(occt::step LINKS occt::ocaf TOOLKITS
                     TKXDESTEP TKXCAF TKSTEP TKSTEP209 TKSTEPAttr TKSTEPBase TKXSBase)

@@ -34,10 +34,9 @@ OdGeMatrix3d OdGeMatrix3d::rotation(double angle, const OdGeVector3d& axis,
   const auto turned = [&](const OdGeVector3d& v) {
     return v * c + k.crossProduct(v) * s + k * (k.dotProduct(v) * (1.0 - c));
   };
-  return about(
-      coordSystem(OdGePoint3d::kOrigin, turned(OdGeVector3d::kXAxis), turned(OdGeVector3d::kYAxis),
-                  turned(OdGeVector3d::kZAxis)),
-      center);
+  return about(coordSystem(OdGePoint3d::kOrigin, turned(OdGeVector3d::kXAxis),
+                           turned(OdGeVector3d::kYAxis), turned(OdGeVector3d::kZAxis)),
+               center);
 }
 
 OdGeMatrix3d OdGeMatrix3d::scaling(double factor, const OdGePoint3d& center) {

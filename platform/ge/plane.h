@@ -27,7 +27,9 @@ class OdGePlane {
   const OdGeVector3d& vAxis() const { return m_vAxis; }
 
   /// Distance along the normal, positive on its side, in drawing units.
-  double signedDistanceTo(const OdGePoint3d& p) const { return (p - m_origin).dotProduct(m_normal); }
+  double signedDistanceTo(const OdGePoint3d& p) const {
+    return (p - m_origin).dotProduct(m_normal);
+  }
   double distanceTo(const OdGePoint3d& p) const { return std::abs(signedDistanceTo(p)); }
   bool isOn(const OdGePoint3d& p, const OdGeTol& tol = OdGeTol::kDefault) const {
     return distanceTo(p) <= tol.equalPoint();

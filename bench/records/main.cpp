@@ -1,0 +1,148 @@
+// Measures records in drawings against records in labels. Each measurement runs in a fresh process;
+// the two subjects take turns, and the table shows the median of each and their ratio.
+//
+//   vdm_bench_records [--count N] [--rounds R] [--folder DIR] [--only TASK]
+//   vdm_bench_records run SUBJECT TASK COUNT PATH LOADED    (one measurement, for the above)
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "bench/records/tasks.h"
+
+namespace {
+
+struct Options {
+  std::size_t count = 100000;
+  int rounds = 3;
+  std::string folder = ".";
+  std::string only;
+};
+
+struct SubjectRow {
+  const char* name;
+  const char* extension;
+  std::unique_ptr<RecordSubject> (*make)();
+};
+constexpr std::array<SubjectRow, 2> kSubjects = {
+    {{"drawing", ".vdm", makeDrawingSubject}, {"labels", ".cbf", makeLabelSubject}}};
+
+int runOne(char** arguments) {
+  const std::string subjectName = arguments[0];
+  const std::string taskName = arguments[1];
+  const std::size_t count = std::stoul(arguments[2]);
+  for (const SubjectRow& row : kSubjects) {
+    if (subjectName != row.name) continue;
+    const std::unique_ptr<RecordSubject> subject = row.make();
+    TaskContext context{*subject, count, arguments[3], arguments[4]};
+    if (taskName == "prepare") {
+      subject->create(count);
+      subject->saveAs(context.loadedPath);
+      std::printf("0\n");
+      return 0;
+    }
+    for (const TaskRow& task : taskRows()) {
+      if (taskName != task.name) continue;
+      std::printf("%.9g\n", task.run(context));
+      std::fflush(stdout);
+      std::_Exit(0);  // taking the document apart is not measured
+    }
+  }
+  throw std::runtime_error("unknown subject or task: " + subjectName + " " + taskName);
+}
+
+/// One measurement in a process of its own.
+double measure(const Options& options, const SubjectRow& row, const char* task) {
+  const char* subject = row.name;
+  const std::string base = options.folder + "/bench_" + subject;
+  const std::string path = base + "_run" + row.extension;
+  const std::string loaded = base + "_" + std::to_string(options.count) + row.extension;
+  std::filesystem::remove(path);
+  std::array<int, 2> channel{};
+  if (pipe(channel.data()) != 0) throw std::runtime_error("no pipe");
+  const std::string count = std::to_string(options.count);
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(channel[1], STDOUT_FILENO);
+    close(channel[0]);
+    execl("/proc/self/exe", "vdm_bench_records", "run", subject, task, count.c_str(), path.c_str(),
+          loaded.c_str(), nullptr);
+    _exit(127);
+  }
+  close(channel[1]);
+  std::string output;
+  std::array<char, 256> chunk{};
+  for (ssize_t size = 0; (size = read(channel[0], chunk.data(), chunk.size())) > 0;) {
+    output.append(chunk.data(), static_cast<std::size_t>(size));
+  }
+  close(channel[0]);
+  int status = 0;
+  waitpid(child, &status, 0);
+  std::filesystem::remove(path);
+  if (status != 0 || output.empty()) {
+    throw std::runtime_error(std::string(subject) + " failed at " + task);
+  }
+  return std::stod(output);
+}
+
+double medianOf(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+void measureRow(const Options& options, const TaskRow& task) {
+  std::map<std::string, std::vector<double>> found;
+  for (int round = 0; round < options.rounds; ++round) {
+    for (const SubjectRow& subject : kSubjects) {
+      found[subject.name].push_back(measure(options, subject, task.name));
+    }
+  }
+  const double ours = medianOf(found["drawing"]);
+  const double peer = medianOf(found["labels"]);
+  std::printf("%-15s %12.4g %12.4g   %-13s %8.2f\n", task.name, ours, peer, task.unit, peer / ours);
+  std::fflush(stdout);
+}
+
+void measureAll(const Options& options) {
+  std::printf("%zu records, medians of %d rounds\n", options.count, options.rounds);
+  std::printf("%-15s %12s %12s   %-13s %8s\n", "task", "drawing", "labels", "unit", "ratio");
+  for (const SubjectRow& subject : kSubjects) measure(options, subject, "prepare");
+  for (const TaskRow& task : taskRows()) {
+    if (options.only.empty() || options.only == task.name) measureRow(options, task);
+  }
+}
+
+Options parse(int argc, char** argv) {
+  Options options;
+  for (int i = 1; i + 1 < argc; i += 2) {
+    const std::string name = argv[i];
+    if (name == "--count") options.count = std::stoul(argv[i + 1]);
+    if (name == "--rounds") options.rounds = std::stoi(argv[i + 1]);
+    if (name == "--folder") options.folder = argv[i + 1];
+    if (name == "--only") options.only = argv[i + 1];
+  }
+  return options;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    if (argc == 7 && std::strcmp(argv[1], "run") == 0) return runOne(argv + 2);
+    measureAll(parse(argc, argv));
+    return 0;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "vdm_bench_records: %s\n", error.what());
+    return 1;
+  }
+}
