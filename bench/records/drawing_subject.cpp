@@ -36,7 +36,9 @@ class DrawingSubject : public RecordSubject {
   void create(std::size_t count) override {
     m_database->startUndoRecord();
     OdDbTransaction transaction(m_database.get());
-    const OdDbObjectId owner = m_database->getNamedObjectsDictionaryId();
+    const OdSmartPtr<VdmDbExtensionData> parent = VdmDbExtensionData::createObject();
+    const OdDbObjectId owner =
+        m_database->addOdDbObject(parent.get(), m_database->getNamedObjectsDictionaryId());
     m_first = static_cast<OdUInt64>(m_database->handseed());
     for (std::size_t i = 0; i < count; ++i) {
       const OdSmartPtr<VdmDbExtensionData> record = VdmDbExtensionData::createObject();
@@ -59,8 +61,7 @@ class DrawingSubject : public RecordSubject {
     OdDbTransaction transaction(m_database.get());
     {
       const OdDbObjectPtr object = recordId(record).openObject(OdDb::kForWrite);
-      static_cast<VdmDbExtensionData*>(object.get())->propertiesForWrite().setProperty(keys()[3],
-                                                                                       value);
+      static_cast<VdmDbExtensionData*>(object.get())->setProperty(keys()[3], value);
     }
     require(transaction.commit());
   }
@@ -85,8 +86,7 @@ class DrawingSubject : public RecordSubject {
     for (std::size_t i = 0; i < m_count; ++i) ids.append(recordId(i));
     const OdSmartPtr<OdDbIdMapping> mapping = OdDbIdMapping::createObject(OdDb::kDcObjects);
     m_database->startUndoRecord();
-    require(m_database->deepCloneObjects(ids, m_database->getNamedObjectsDictionaryId(),
-                                         *mapping));
+    require(m_database->deepCloneObjects(ids, recordId(0).ownerId(), *mapping));
   }
 
  private:
@@ -122,7 +122,7 @@ class DrawingSubject : public RecordSubject {
     bag.setProperty(key[11], values.width);
   }
 
-  static constexpr OdUInt64 kFirstRecordHandle = OdDbRootHandles::kFirstFree;
+  static constexpr OdUInt64 kFirstRecordHandle = OdDbRootHandles::kFirstFree + 1;
 
   OdDbHostAppServices m_services;
   OdDbDatabasePtr m_database;

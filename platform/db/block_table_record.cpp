@@ -443,12 +443,19 @@ OdResult OdDbBlockTableRecord::dwgInFields(OdDbDwgFiler* filer) {
     return eCorruptData;
   }
   m_units = static_cast<OdDb::UnitsValue>(units);
-  // What is loaded does not change with undo.
-  if (filer->filerType() != OdDbDwgFiler::kUndoFiler) {
-    m_xrefStatus = static_cast<OdDb::XrefStatus>(status);
-  }
+  adoptStatus(static_cast<OdDb::XrefStatus>(status),
+              /*undoing=*/filer->filerType() == OdDbDwgFiler::kUndoFiler);
   readLists(filer);
   return eOk;
+}
+
+// Undo changes what a block stands for, and not whether an external drawing is loaded.
+void OdDbBlockTableRecord::adoptStatus(OdDb::XrefStatus status, bool undoing) {
+  if (m_path.isEmpty()) {
+    m_xrefStatus = OdDb::kXrfNotAnXref;
+  } else if (!undoing || m_xrefStatus == OdDb::kXrfNotAnXref) {
+    m_xrefStatus = status;
+  }
 }
 
 std::size_t OdDbBlockTableRecord::approximateSize() const {

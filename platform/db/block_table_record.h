@@ -133,6 +133,7 @@ class OdDbBlockTableRecord : public OdDbSymbolTableRecord {
   OdResult checkMovable(const OdDbObjectIdArray& ids) const;
   void unlistFromOwners(const OdDbObjectIdArray& ids);
   void collectReferences(OdDbObjectIdArray& ids, bool forceValidity) const;
+  void adoptStatus(OdDb::XrefStatus status, bool undoing);
   void writeLists(OdDbDwgFiler* filer) const;
   void readLists(OdDbDwgFiler* filer);
 

@@ -16,14 +16,6 @@ OdDbObject::~OdDbObject() = default;
 
 // Opens.
 
-void OdDbObject::addRef() { ++m_refs; }
-
-void OdDbObject::release() {
-  if (--m_refs == 0) lastReferenceGone();
-}
-
-OdInt32 OdDbObject::numRefs() const { return m_refs; }
-
 void OdDbObject::addRefTagged(unsigned tag) {
   ++m_refs;
   if (tag == kOdRxWrite) ++m_writeRefs;
@@ -112,10 +104,6 @@ bool OdDbObject::isUndoing() const {
 
 // Open state.
 
-bool OdDbObject::isReadEnabled() const {
-  return m_stub == nullptr || m_refs > 0 || (m_bits & kBitInternalWrite) != 0;
-}
-
 bool OdDbObject::isWritable() const {
   if (m_stub == nullptr || m_upgrades > 0 || (m_bits & kBitInternalWrite) != 0) return true;
   return m_writeRefs > 0 && m_notifyRefs == 0 && (m_bits & kBitDowngraded) == 0;
@@ -125,10 +113,8 @@ bool OdDbObject::isWriteEnabled() const { return isWritable(); }
 
 bool OdDbObject::isNotifyEnabled() const { return m_notifyRefs > 0; }
 
-void OdDbObject::assertReadEnabled() const {
-  if (!isReadEnabled()) {
-    throw OdError(eNotOpenForRead, OdString("object ") + getDbHandle().ascii());
-  }
+void OdDbObject::raiseNotOpenForRead() const {
+  throw OdError(eNotOpenForRead, OdString("object ") + getDbHandle().ascii());
 }
 
 void OdDbObject::assertWriteEnabled(bool autoUndo, bool recordModified) {

@@ -41,11 +41,13 @@ class OdDbObject : public OdRxObject {
   OdDbObject& operator=(const OdDbObject&) = delete;
 
   // Opens, counted by smart pointers.
-  void addRef() override;
-  void release() override;
-  [[nodiscard]] OdInt32 numRefs() const override;
-  void addRefTagged(unsigned tag) override;
-  void releaseTagged(unsigned tag) override;
+  void addRef() final { ++m_refs; }
+  void release() final {
+    if (--m_refs == 0 && (m_stub == nullptr || m_upgrades > 0)) lastReferenceGone();
+  }
+  [[nodiscard]] OdInt32 numRefs() const final { return m_refs; }
+  void addRefTagged(unsigned tag) final;
+  void releaseTagged(unsigned tag) final;
 
   // Identity. Null or zero outside a database.
   [[nodiscard]] OdDbObjectId objectId() const { return OdDbObjectId(m_stub); }
@@ -58,7 +60,9 @@ class OdDbObject : public OdRxObject {
 
   // Open state.
   [[nodiscard]] bool isDBRO() const { return m_stub != nullptr; }
-  [[nodiscard]] bool isReadEnabled() const;
+  [[nodiscard]] bool isReadEnabled() const {
+    return m_stub == nullptr || m_refs > 0 || (m_bits & kBitInternalWrite) != 0;
+  }
   [[nodiscard]] bool isWriteEnabled() const;
   [[nodiscard]] bool isNotifyEnabled() const;
   [[nodiscard]] bool isModified() const { return (m_bits & kBitModified) != 0; }
@@ -68,7 +72,9 @@ class OdDbObject : public OdRxObject {
   /// An undo, redo or transaction abort of the database is running.
   [[nodiscard]] bool isUndoing() const;
   /// Raises eNotOpenForRead (61).
-  void assertReadEnabled() const;
+  void assertReadEnabled() const {
+    if (!isReadEnabled()) [[unlikely]] raiseNotOpenForRead();
+  }
   /// Raises eNotOpenForWrite, eWasOpenForNotify, eReadOnlyDatabase. With `autoUndo` the first call
   /// within a recording span saves the whole state; without it the caller files a partial step
   /// through undoFiler(). With `recordModified` reactors hear of the change at close.
@@ -192,6 +198,7 @@ class OdDbObject : public OdRxObject {
   void writeOpensChanged();
   void tellOpenedForModify();
   void lastReferenceGone();
+  [[noreturn]] void raiseNotOpenForRead() const;
   OdResult readExtra(OdDbDwgFiler* filer);
   void writeExtra(OdDbDwgFiler* filer) const;
 

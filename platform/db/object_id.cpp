@@ -40,6 +40,7 @@ OdResult open(OdDbStub* stub, OdDb::OpenMode mode, bool openErased, OdDbObject*&
 OdDbObjectPtr OdDbObjectId::openObject(OdDb::OpenMode mode, bool openErased) const {
   OdDbObject* object = nullptr;
   if (open(m_stub, mode, openErased, object) != eOk) return OdDbObjectPtr();
+  if (mode == OdDb::kForRead) return OdDbObjectPtr(object);
   object->addRefTagged(static_cast<unsigned>(mode));
   if (mode == OdDb::kForWrite) object->writeOpened();
   return OdDbObjectPtr::attachTagged(object, static_cast<unsigned>(mode));

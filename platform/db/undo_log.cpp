@@ -53,15 +53,12 @@ void OdDbUndoLog::recordVariable(const OdString& name) {
 OdDbDwgFiler* OdDbUndoLog::beginPartial(OdDbObject* object, OdRxClass* cls) {
   if (m_target == nullptr || (!m_applying && isCovered(object->m_stub))) return nullptr;
   push(Kind::kPartial, object->m_stub, cls);
-  m_partialFiler = std::make_unique<OdDbMemoryFiler>(OdDbDwgFiler::kUndoFiler, m_target->buffer,
-                                                     object->database());
   m_partialStub = object->m_stub;
-  return m_partialFiler.get();
+  return &m_partialFiler.emplace(OdDbDwgFiler::kUndoFiler, m_target->buffer, object->database());
 }
 
 OdDbDwgFiler* OdDbUndoLog::partialFiler(const OdDbObject* object) {
-  return m_partialStub != nullptr && m_partialStub == object->m_stub ? m_partialFiler.get()
-                                                                     : nullptr;
+  return m_partialStub != nullptr && m_partialStub == object->m_stub ? &*m_partialFiler : nullptr;
 }
 
 // Steps and marks.

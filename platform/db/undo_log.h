@@ -1,6 +1,7 @@
 // OdDbUndoLog: what has to be done to take changes of a database back, and again.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "platform/base/types.h"
@@ -106,7 +107,7 @@ class OdDbUndoLog {
   Stack m_redo;
   Stack* m_target = nullptr;  ///< where changes are recorded now
   std::vector<std::size_t> m_transactions;  ///< sizes of the undo stack at their starts
-  std::unique_ptr<OdDbMemoryFiler> m_partialFiler;
+  std::optional<OdDbMemoryFiler> m_partialFiler;
   const OdDbStub* m_partialStub = nullptr;
   OdUInt32 m_span = 1;
   bool m_enabled = false;

@@ -109,6 +109,10 @@ class OdSmartPtr {
   static OdRxObject* asRxObject(const T* object) noexcept {
     return const_cast<std::remove_const_t<T>*>(object);
   }
+  // As T, so that a class that seals its counting is called without a detour.
+  static std::remove_const_t<T>* mutableObject(std::uintptr_t bits) noexcept {
+    return const_cast<std::remove_const_t<T>*>(reinterpret_cast<T*>(bits & ~kTagMask));
+  }
   static std::uintptr_t pack(const T* object, unsigned tag) noexcept {
     return object ? reinterpret_cast<std::uintptr_t>(object) | tag : 0;
   }
@@ -119,14 +123,14 @@ class OdSmartPtr {
   void addReference() {
     if (m_bits == 0) return;
     if (tag() == kOdRxRead)
-      asRxObject(get())->addRef();
+      mutableObject(m_bits)->addRef();
     else
-      asRxObject(get())->addRefTagged(tag());
+      mutableObject(m_bits)->addRefTagged(tag());
   }
   void dropReference() {
     if (m_bits == 0) return;
     const std::uintptr_t bits = std::exchange(m_bits, 0);
-    OdRxObject* object = asRxObject(reinterpret_cast<T*>(bits & ~kTagMask));
+    auto* object = mutableObject(bits);
     if ((bits & kTagMask) == kOdRxRead)
       object->release();
     else

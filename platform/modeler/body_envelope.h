@@ -1,0 +1,28 @@
+// The stored form of a body: what surrounds the bytes of the modeller.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "platform/base/array.h"
+#include "platform/base/types.h"
+#include "platform/modeler/body_attributes.h"
+#include "platform/modeler/modeler_status.h"
+
+/// Modellers that wrote geometry bytes. Numbers are stored and never reused.
+enum class OdModelerEngine : OdUInt16 { kOpenCascade = 1 };
+
+/// A stored body taken apart. `geometry` is borrowed from the bytes that were read.
+struct OdModelerEnvelope {
+  OdModelerEngine engine = OdModelerEngine::kOpenCascade;
+  OdModelerBodyAttributes attributes;
+  std::string_view geometry;
+};
+
+/// Appends nothing, replaces `bytes`.
+void odWriteEnvelope(const OdModelerEnvelope& envelope, OdBinaryData& bytes);
+
+/// eCorruptData when the bytes are no body, cut short, or not those that were written;
+/// eUnsupportedVersion for a newer form. Every count is held against the bytes that are there
+/// before anything is allocated.
+OdModelerStatus odReadEnvelope(std::span<const OdUInt8> bytes, OdModelerEnvelope& envelope);

@@ -1,0 +1,333 @@
+// OdDb3dSolid: a body in a drawing.
+#include "platform/modeler/db_3d_solid.h"
+
+#include <utility>
+
+#include "platform/base/error.h"
+#include "platform/db/audit_info.h"
+
+OD_RX_DEFINE_DB(OdDb3dSolid, OdDbEntity, L"OdDb3dSolid", 0, 0, 0, L"3DSOLID", OdString())
+
+namespace {
+
+constexpr OdUInt8 kVersion = 1;
+
+OdModelerStatus emptySolid(const char* operation) {
+  return {eInvalidInput, OdString(operation) + L": the solid is empty"};
+}
+
+OdModelerSubent toSubent(const OdDbSubentId& id) {
+  if (id.index() < 1 || id.index() > OdGsMarker{0xFFFFFFFF}) return {};
+  return {static_cast<OdModelerSubentType>(id.type()), static_cast<OdUInt32>(id.index())};
+}
+
+OdUInt32 checkedFace(const OdModelerBody& body, OdGsMarker face) {
+  if (face < 1 || face > OdGsMarker{body.numFaces()}) {
+    throw OdError_InvalidIndex(face, body.numFaces());
+  }
+  return static_cast<OdUInt32>(face);
+}
+
+int& initCount() {
+  static int count = 0;
+  return count;
+}
+
+}  // namespace
+
+void odModelerInitialize() {
+  if (initCount()++ == 0) OdDb3dSolid::rxInit();
+}
+
+void odModelerUninitialize() {
+  if (initCount() > 0 && --initCount() == 0) OdDb3dSolid::rxUninit();
+}
+
+OdDb3dSolid::OdDb3dSolid() = default;
+OdDb3dSolid::~OdDb3dSolid() = default;
+
+bool OdDb3dSolid::isNull() const {
+  assertReadEnabled();
+  return !m_body && m_bytes.isEmpty();
+}
+
+OdModelerBodyPtr OdDb3dSolid::body() const {
+  OdModelerBodyPtr result;
+  const OdModelerStatus status = getBody(result);
+  if (!status.ok()) throw OdError(status.code, status.text);
+  return result;
+}
+
+OdModelerStatus OdDb3dSolid::getBody(OdModelerBodyPtr& body) const {
+  if (!isNull() && !m_body) {
+    OdModelerStatus status = odModeler().deserialise(m_bytes, m_body);
+    if (!status.ok()) {
+      status.text = OdString(L"solid ") + getDbHandle().ascii() + L": " + status.text;
+      return status;
+    }
+  }
+  body = m_body;
+  return {};
+}
+
+void OdDb3dSolid::setBody(OdModelerBodyPtr body) {
+  assertReadEnabled();
+  if (body == m_body && (body || m_bytes.isEmpty())) return;
+  assertWriteEnabled();
+  replaceBody(std::move(body));
+  noteGraphicsModified();
+}
+
+void OdDb3dSolid::replaceBody(OdModelerBodyPtr body) {
+  m_body = std::move(body);
+  m_bytes.clear();
+}
+
+OdModelerStatus OdDb3dSolid::adopt(OdModelerStatus status, OdModelerBodyPtr body) {
+  if (status.ok()) setBody(std::move(body));
+  return status;
+}
+
+OdModelerStatus OdDb3dSolid::createBox(double dx, double dy, double dz) {
+  OdModelerBodyPtr made;
+  OdModelerStatus status = odModeler().box(dx, dy, dz, made);
+  return adopt(std::move(status), std::move(made));
+}
+
+OdModelerStatus OdDb3dSolid::createCylinder(double radius, double height) {
+  OdModelerBodyPtr made;
+  OdModelerStatus status = odModeler().cylinder(radius, height, made);
+  return adopt(std::move(status), std::move(made));
+}
+
+OdModelerStatus OdDb3dSolid::createCone(double bottomRadius, double topRadius, double height) {
+  OdModelerBodyPtr made;
+  OdModelerStatus status = odModeler().cone(bottomRadius, topRadius, height, made);
+  return adopt(std::move(status), std::move(made));
+}
+
+OdModelerStatus OdDb3dSolid::createSphere(double radius) {
+  OdModelerBodyPtr made;
+  OdModelerStatus status = odModeler().sphere(radius, made);
+  return adopt(std::move(status), std::move(made));
+}
+
+OdModelerStatus OdDb3dSolid::createTorus(double majorRadius, double minorRadius) {
+  OdModelerBodyPtr made;
+  OdModelerStatus status = odModeler().torus(majorRadius, minorRadius, made);
+  return adopt(std::move(status), std::move(made));
+}
+
+OdModelerStatus OdDb3dSolid::createWedge(double dx, double dy, double dz, double topDx) {
+  OdModelerBodyPtr made;
+  OdModelerStatus status = odModeler().wedge(dx, dy, dz, topDx, made);
+  return adopt(std::move(status), std::move(made));
+}
+
+OdModelerStatus OdDb3dSolid::extrude(const OdModelerProfile& profile,
+                                     const OdGeVector3d& direction) {
+  OdModelerBodyPtr made;
+  OdModelerStatus status = odModeler().extrude(profile, direction, made);
+  return adopt(std::move(status), std::move(made));
+}
+
+OdModelerStatus OdDb3dSolid::revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
+                                     const OdGeVector3d& axis, double angle) {
+  OdModelerBodyPtr made;
+  OdModelerStatus status = odModeler().revolve(profile, axisPoint, axis, angle, made);
+  return adopt(std::move(status), std::move(made));
+}
+
+OdModelerStatus OdDb3dSolid::requireBody(const char* operation, OdModelerBodyPtr& body) const {
+  OdModelerStatus status = getBody(body);
+  return status.ok() && !body ? emptySolid(operation) : status;
+}
+
+OdModelerStatus OdDb3dSolid::booleanOper(OdModelerBooleanKind kind, const OdDb3dSolid& tool,
+                                         OdModelerHistory* history) {
+  OdModelerBodyPtr body;
+  OdModelerStatus status = tool.requireBody("boolean", body);
+  return status.ok() ? booleanOper(kind, {&body, 1}, history) : status;
+}
+
+OdModelerStatus OdDb3dSolid::booleanOper(OdModelerBooleanKind kind,
+                                         std::span<const OdModelerBodyPtr> tools,
+                                         OdModelerHistory* history) {
+  OdModelerBodyPtr old;
+  OdModelerBodyPtr made;
+  OdModelerStatus status = requireBody("boolean", old);
+  if (status.ok()) status = odModeler().boolean(kind, old, tools, made, history);
+  return adopt(std::move(status), std::move(made));
+}
+
+OdModelerStatus OdDb3dSolid::filletEdges(std::span<const OdUInt32> edges, double radius,
+                                         OdModelerHistory* history) {
+  OdModelerBodyPtr old;
+  OdModelerBodyPtr made;
+  OdModelerStatus status = requireBody("fillet", old);
+  if (status.ok()) status = odModeler().fillet(old, edges, radius, made, history);
+  return adopt(std::move(status), std::move(made));
+}
+
+OdModelerStatus OdDb3dSolid::chamferEdges(std::span<const OdUInt32> edges, double distance,
+                                          OdModelerHistory* history) {
+  OdModelerBodyPtr old;
+  OdModelerBodyPtr made;
+  OdModelerStatus status = requireBody("chamfer", old);
+  if (status.ok()) status = odModeler().chamfer(old, edges, distance, made, history);
+  return adopt(std::move(status), std::move(made));
+}
+
+OdUInt32 OdDb3dSolid::numSubents(OdDb::SubentType type) const {
+  const OdModelerBodyPtr held = body();
+  return held ? held->numSubents(static_cast<OdModelerSubentType>(type)) : 0;
+}
+
+OdCmColor OdDb3dSolid::getFaceColor(OdGsMarker face) const {
+  const OdModelerBodyPtr held = body();
+  if (!held) throw OdError_InvalidIndex(face, 0);
+  const OdModelerBodyAttributes& attributes = held->attributes();
+  const auto own = attributes.faceColors.find(checkedFace(*held, face));
+  if (own == attributes.faceColors.end()) return OdCmColor();
+  return OdCmColor::fromRGB(own->second.red, own->second.green, own->second.blue);
+}
+
+void OdDb3dSolid::setFaceColor(OdGsMarker face, const OdCmColor& color) {
+  const OdModelerBodyPtr held = body();
+  if (!held) throw OdError_InvalidIndex(face, 0);
+  const OdUInt32 index = checkedFace(*held, face);
+  if (!color.isByColor() && !color.isByLayer()) {
+    throw OdError(eInvalidInput, OdString(L"the colour of a face is by value or by layer"));
+  }
+  if (getFaceColor(face) == color) return;
+  OdModelerBodyAttributes attributes = held->attributes();
+  attributes.faceColors.erase(index);
+  if (color.isByColor()) {
+    attributes.faceColors.emplace(index, OdModelerColor{color.red(), color.green(), color.blue()});
+  }
+  setBody(held->withAttributes(std::move(attributes)));
+}
+
+OdDbEntityPtr OdDb3dSolid::subentPtr(const OdDbFullSubentPath& path) const {
+  const OdModelerBodyPtr held = body();
+  OdModelerBodyPtr part;
+  if (!held || !held->subentBody(toSubent(path.subentId()), part).ok()) return {};
+  OdDb3dSolidPtr copy = OdDb3dSolid::createObject();
+  copy->setPropertiesFrom(this);
+  copy->setBody(std::move(part));
+  return copy;
+}
+
+OdResult OdDb3dSolid::getGsMarkersAtSubentPath(const OdDbFullSubentPath& path,
+                                               OdArray<OdGsMarker>& markers) const {
+  const OdModelerBodyPtr held = body();
+  if (path.subentId() == OdDbSubentId()) {
+    const OdUInt32 faces = held ? held->numFaces() : 0;
+    for (OdUInt32 i = 1; i <= faces; ++i) {
+      markers.append(odSubentToMarker({OdModelerSubentType::kFace, i}));
+    }
+    return eOk;
+  }
+  const OdModelerSubent subent = toSubent(path.subentId());
+  if (!held || !held->hasSubent(subent)) return eInvalidInput;
+  markers.append(odSubentToMarker(subent));
+  return eOk;
+}
+
+OdResult OdDb3dSolid::getSubentPathsAtGsMarker(OdDb::SubentType type, OdGsMarker marker,
+                                               OdDbFullSubentPathArray& paths,
+                                               const OdDbObjectIdArray* insertStack) const {
+  const OdModelerBodyPtr held = body();
+  const OdModelerSubent subent = odSubentFromMarker(marker);
+  const auto own = static_cast<OdDb::SubentType>(subent.type);
+  if (!held || !held->hasSubent(subent)) return eInvalidInput;
+  if (type != OdDb::kNullSubentType && type != own) return eInvalidInput;
+  OdDbObjectIdArray ids;
+  for (OdUInt32 i = insertStack == nullptr ? 0 : insertStack->size(); i > 0; --i) {
+    ids.append((*insertStack)[i - 1]);
+  }
+  ids.append(objectId());
+  paths.append(OdDbFullSubentPath(ids, OdDbSubentId(own, subent.index)));
+  return eOk;
+}
+
+OdResult OdDb3dSolid::getGeomExtents(OdGeExtents3d& extents) const {
+  const OdModelerBodyPtr held = body();
+  if (!held) return eNotApplicable;
+  const OdGeExtents3d box = held->extents();
+  if (!box.isValidExtents()) return eNotApplicable;
+  extents = box;
+  return eOk;
+}
+
+OdResult OdDb3dSolid::getMassProp(OdModelerMassProperties& properties) const {
+  const OdModelerBodyPtr held = body();
+  if (!held) return eNotApplicable;
+  properties = held->massProperties();
+  return eOk;
+}
+
+OdResult OdDb3dSolid::subTransformBy(const OdGeMatrix3d& transform) {
+  OdModelerBodyPtr held;
+  OdModelerBodyPtr moved;
+  if (const OdModelerStatus status = getBody(held); !status.ok()) return status.code;
+  if (!held) return eOk;
+  const OdModelerStatus status = held->transformed(transform, moved);
+  if (!status.ok()) return status.code;
+  replaceBody(std::move(moved));
+  return eOk;
+}
+
+const OdBinaryData& OdDb3dSolid::storedBytes() const {
+  if (m_bytes.isEmpty() && m_body) {
+    const OdModelerStatus status = m_body->serialise(m_bytes);
+    if (!status.ok()) throw OdError(status.code, status.text);
+  }
+  return m_bytes;
+}
+
+// Fields:
+//
+//   version   uint8
+//   count     int32    bytes that follow; 0 for an empty solid
+//   body      bytes    platform/modeler/body_envelope.h
+
+void OdDb3dSolid::dwgOutFields(OdDbDwgFiler* filer) const {
+  OdDbEntity::dwgOutFields(filer);
+  filer->wrUInt8(kVersion);
+  const OdDbDwgFiler::FilerType type = filer->filerType();
+  // Those who only collect ids need no bytes, which may be dear to make.
+  if (type == OdDbDwgFiler::kIdFiler || type == OdDbDwgFiler::kPurgeFiler) return;
+  const OdBinaryData& bytes = storedBytes();
+  filer->wrInt32(static_cast<OdInt32>(bytes.size()));
+  if (!bytes.isEmpty()) filer->wrBytes(bytes.asArrayPtr(), bytes.size());
+}
+
+OdResult OdDb3dSolid::dwgInFields(OdDbDwgFiler* filer) {
+  const OdResult result = OdDbEntity::dwgInFields(filer);
+  if (result != eOk) return result;
+  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
+  OdBinaryData bytes;
+  bytes.resize(filer->rdCount());
+  if (!bytes.isEmpty()) filer->rdBytes(bytes.asArrayPtr(), bytes.size());
+  // Undo brings back what the body was read from: then it need not be read again.
+  if (m_body && !bytes.isEmpty() && bytes == m_bytes) return eOk;
+  m_body.reset();
+  m_bytes = std::move(bytes);
+  return eOk;
+}
+
+void OdDb3dSolid::audit(OdDbAuditInfo* info) {
+  OdDbEntity::audit(info);
+  OdModelerBodyPtr held;
+  OdModelerStatus status = getBody(held);
+  if (status.ok() && held) status = held->check();
+  if (status.ok()) return;
+  // The bytes are kept: a body that this modeller cannot read may be read by a later one.
+  info->printError(this, status.text, OdString(L"a sound body"), OdString(L"the present body"));
+}
+
+std::size_t OdDb3dSolid::approximateSize() const {
+  return OdDbEntity::approximateSize() + sizeof(*this) - sizeof(OdDbEntity) + m_bytes.size() +
+         (m_body ? m_body->approximateSize() : 0);
+}

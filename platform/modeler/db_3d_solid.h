@@ -1,0 +1,109 @@
+// OdDb3dSolid: a body in a drawing.
+#pragma once
+
+#include <span>
+
+#include "platform/base/array.h"
+#include "platform/db/entity.h"
+#include "platform/modeler/modeler.h"
+
+class OdDb3dSolid;
+using OdDb3dSolidPtr = OdSmartPtr<OdDb3dSolid>;
+
+/// Start and end of this folder's run-time classes, after oddbInitialize() and before
+/// oddbUninitialize(). Calls nest as those do.
+void odModelerInitialize();
+void odModelerUninitialize();
+
+/// An entity that holds a body of the modeller, in the coordinates of its block and in drawing
+/// units. It may be empty. Bodies are immutable and shared: copies of a solid share theirs.
+///
+/// The body is filed as bytes, and read from them when it is first asked for. Bytes that cannot be
+/// read are kept as they are.
+///
+/// Faces, edges and vertices are numbered from 1 (OdDbSubentId) as the body numbers them; face i
+/// has the selection marker 4 i + 1, edge i 4 i + 2, vertex i 4 i + 3.
+///
+/// Operations report through a status; one that fails leaves the solid as it was, without an undo
+/// record. They need the modeller of the process (odSetModeler), and raise eNoModeler without it.
+class OdDb3dSolid : public OdDbEntity {
+ public:
+  OD_RX_DECLARE_MEMBERS(OdDb3dSolid)
+
+  OdDb3dSolid();
+  ~OdDb3dSolid() override;
+
+  // The body.
+  /// Whether there is no body; reads nothing.
+  [[nodiscard]] bool isNull() const;
+  /// Null when the solid is empty. Raises the code of the failure when the bytes cannot be read.
+  [[nodiscard]] OdModelerBodyPtr body() const;
+  /// The same without raising; `body` stays as it is on failure.
+  OdModelerStatus getBody(OdModelerBodyPtr& body) const;
+  /// Null empties the solid.
+  void setBody(OdModelerBodyPtr body);
+
+  // Elementary bodies in place of the present one; positions and limits as in OdModeler.
+  OdModelerStatus createBox(double dx, double dy, double dz);
+  OdModelerStatus createCylinder(double radius, double height);
+  OdModelerStatus createCone(double bottomRadius, double topRadius, double height);
+  OdModelerStatus createSphere(double radius);
+  OdModelerStatus createTorus(double majorRadius, double minorRadius);
+  OdModelerStatus createWedge(double dx, double dy, double dz, double topDx);
+  OdModelerStatus extrude(const OdModelerProfile& profile, const OdGeVector3d& direction);
+  OdModelerStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
+                          const OdGeVector3d& axis, double angle);
+
+  // Operations. `history` may be null; its first input is this solid, the others are the tools.
+  /// `tool` stays as it is.
+  OdModelerStatus booleanOper(OdModelerBooleanKind kind, const OdDb3dSolid& tool,
+                              OdModelerHistory* history = nullptr);
+  OdModelerStatus booleanOper(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> tools,
+                              OdModelerHistory* history = nullptr);
+  OdModelerStatus filletEdges(std::span<const OdUInt32> edges, double radius,
+                              OdModelerHistory* history = nullptr);
+  OdModelerStatus chamferEdges(std::span<const OdUInt32> edges, double distance,
+                               OdModelerHistory* history = nullptr);
+
+  // Subentities.
+  [[nodiscard]] OdUInt32 numSubents(OdDb::SubentType type) const;
+  /// Colour of a face of its own; by layer when it has none. Raises eInvalidIndex for a face that
+  /// is not there.
+  [[nodiscard]] OdCmColor getFaceColor(OdGsMarker face) const;
+  /// A colour by value, or by layer to take the face's own colour away; others raise eInvalidInput.
+  void setFaceColor(OdGsMarker face, const OdCmColor& color);
+  /// A solid in no database that holds the subentity alone, with this one's properties.
+  [[nodiscard]] OdDbEntityPtr subentPtr(const OdDbFullSubentPath& path) const override;
+  /// The markers of a subentity; those of all faces for the null subentity. eInvalidInput for one
+  /// that is not there.
+  OdResult getGsMarkersAtSubentPath(const OdDbFullSubentPath& path,
+                                    OdArray<OdGsMarker>& markers) const override;
+  /// The path of a marker, preceded by the block references of `insertStack` from the outermost
+  /// inwards. `type` is the marker's own or null. eInvalidInput for a marker of nothing.
+  OdResult getSubentPathsAtGsMarker(OdDb::SubentType type, OdGsMarker marker,
+                                    OdDbFullSubentPathArray& paths,
+                                    const OdDbObjectIdArray* insertStack = nullptr) const override;
+
+  // Measures.
+  OdResult getGeomExtents(OdGeExtents3d& extents) const override;
+  /// eNotApplicable for an empty solid.
+  OdResult getMassProp(OdModelerMassProperties& properties) const;
+
+  OdResult dwgInFields(OdDbDwgFiler* filer) override;
+  void dwgOutFields(OdDbDwgFiler* filer) const override;
+  void audit(OdDbAuditInfo* info) override;
+  [[nodiscard]] std::size_t approximateSize() const override;
+
+ protected:
+  OdResult subTransformBy(const OdGeMatrix3d& transform) override;
+
+ private:
+  void replaceBody(OdModelerBodyPtr body);
+  OdModelerStatus adopt(OdModelerStatus status, OdModelerBodyPtr body);
+  OdModelerStatus requireBody(const char* operation, OdModelerBodyPtr& body) const;
+  [[nodiscard]] const OdBinaryData& storedBytes() const;
+
+  // At least one of the two is there unless the solid is empty; where both are, they agree.
+  mutable OdModelerBodyPtr m_body;
+  mutable OdBinaryData m_bytes;
+};

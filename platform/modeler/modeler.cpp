@@ -1,0 +1,24 @@
+// The solid modeller that the drawing runtime speaks to.
+#include "platform/modeler/modeler.h"
+
+#include <utility>
+
+#include "platform/base/error.h"
+
+namespace {
+
+std::shared_ptr<OdModeler>& installed() {
+  static std::shared_ptr<OdModeler> modeler;
+  return modeler;
+}
+
+}  // namespace
+
+void odSetModeler(std::shared_ptr<OdModeler> modeler) { installed() = std::move(modeler); }
+
+OdModeler& odModeler() {
+  if (!installed()) throw OdError(eNoModeler);
+  return *installed();
+}
+
+bool odHasModeler() { return installed() != nullptr; }

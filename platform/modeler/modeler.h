@@ -1,0 +1,91 @@
+// The solid modeller that the drawing runtime speaks to.
+#pragma once
+
+#include <memory>
+#include <span>
+
+#include "platform/base/array.h"
+#include "platform/base/string.h"
+#include "platform/modeler/assembly.h"
+#include "platform/modeler/body.h"
+#include "platform/modeler/history.h"
+#include "platform/modeler/profile.h"
+
+/// Numbers are stored and part of the interface of solids.
+enum class OdModelerBooleanKind : OdInt32 { kUnite = 0, kIntersect = 1, kSubtract = 2 };
+
+/// A modeller makes bodies. One is installed per process with odSetModeler(). Operations report
+/// through their status, never through exceptions; on failure `result` and `history` stay as they
+/// were. All lengths are drawing units and all angles radians; primitives stand at the origin with
+/// their axis along z and are moved with OdModelerBody::transformed().
+///
+/// Codes: eInvalidInput for sizes, indices and outlines that make no body, eDegenerateGeometry when
+/// nothing is left of a boolean, eModelerInvalidBody when the outcome is not a sound body,
+/// eModelerError when the modeller gave up.
+class OdModeler {
+ public:
+  virtual ~OdModeler() = default;
+
+  /// Name and version, for reports.
+  [[nodiscard]] virtual OdString name() const = 0;
+
+  // Primitives.
+  /// From the origin to the point (dx, dy, dz).
+  virtual OdModelerStatus box(double dx, double dy, double dz, OdModelerBodyPtr& result) = 0;
+  virtual OdModelerStatus cylinder(double radius, double height, OdModelerBodyPtr& result) = 0;
+  /// Either radius, but not both, may be 0; equal radii give a cylinder.
+  virtual OdModelerStatus cone(double bottomRadius, double topRadius, double height,
+                               OdModelerBodyPtr& result) = 0;
+  virtual OdModelerStatus sphere(double radius, OdModelerBodyPtr& result) = 0;
+  /// The minor radius is less than the major one.
+  virtual OdModelerStatus torus(double majorRadius, double minorRadius,
+                                OdModelerBodyPtr& result) = 0;
+  /// A box whose top (at dz) is only `topDx` long; 0 gives a ridge.
+  virtual OdModelerStatus wedge(double dx, double dy, double dz, double topDx,
+                                OdModelerBodyPtr& result) = 0;
+  virtual OdModelerStatus extrude(const OdModelerProfile& profile, const OdGeVector3d& direction,
+                                  OdModelerBodyPtr& result) = 0;
+  /// Turns the profile by `angle` (0 to 2 pi, not 0) about an axis in its plane that does not cross
+  /// it.
+  virtual OdModelerStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
+                                  const OdGeVector3d& axis, double angle,
+                                  OdModelerBodyPtr& result) = 0;
+
+  // Operations. `history` may be null.
+  /// One body out of a base and any number of tools. Faces of one surface that meet after the
+  /// operation become one face. The attributes are the base's; faces keep their colours and names.
+  virtual OdModelerStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
+                                  std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& result,
+                                  OdModelerHistory* history) = 0;
+  virtual OdModelerStatus fillet(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges,
+                                 double radius, OdModelerBodyPtr& result,
+                                 OdModelerHistory* history) = 0;
+  /// Both sides of each edge are cut back by `distance`.
+  virtual OdModelerStatus chamfer(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges,
+                                  double distance, OdModelerBodyPtr& result,
+                                  OdModelerHistory* history) = 0;
+
+  /// Several bodies as one, side by side, untouched; faces keep their colours.
+  virtual OdModelerStatus compound(std::span<const OdModelerBodyPtr> bodies,
+                                   OdModelerBodyPtr& result) = 0;
+
+  // Stored form and exchange.
+  /// eCorruptData for bytes that are damaged or not a body, eUnsupportedVersion for a newer form.
+  virtual OdModelerStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result) = 0;
+  /// Reads a STEP file. eFileNotFound, eFileAccess, or eModelerError for a file that is not STEP or
+  /// has no geometry. A product is read once, however many times it occurs.
+  virtual OdModelerStatus importStep(const OdString& path, OdModelerAssembly& result) = 0;
+  /// Writes a STEP file in millimetres beside the target and renames it, so that an old file stays
+  /// whole on failure. The same assembly gives the same file.
+  virtual OdModelerStatus exportStep(const OdString& path, const OdModelerAssembly& assembly) = 0;
+};
+
+/// Installs the modeller of the process; null removes it. Not to be called while another thread
+/// uses the modeller.
+void odSetModeler(std::shared_ptr<OdModeler> modeler);
+
+/// The installed modeller. Raises OdError eNoModeler when there is none.
+OdModeler& odModeler();
+
+/// True when a modeller is installed.
+[[nodiscard]] bool odHasModeler();

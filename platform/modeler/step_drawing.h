@@ -1,0 +1,46 @@
+// STEP files in and out of drawings.
+#pragma once
+
+#include "platform/base/array.h"
+#include "platform/base/string.h"
+#include "platform/db/database.h"
+#include "platform/modeler/modeler_status.h"
+
+struct OdStepImportOptions {
+  bool sheets = true;   ///< shells and loose faces, as solids without volume
+  bool curves = false;  ///< wireframe and annotation curves
+};
+
+/// What an import or export did. `lines` tell what was left out or renamed, one line each.
+struct OdStepReport {
+  OdUInt32 products = 0;
+  OdUInt32 solids = 0;
+  OdUInt32 sheets = 0;
+  OdUInt32 curves = 0;       ///< bodies of curves, whether taken over or left out
+  OdUInt32 occurrences = 0;  ///< block references made, or occurrences written
+  OdString sourceUnit;       ///< length unit of the file that was read
+  OdStringArray lines;
+};
+
+/// Brings a STEP file into model space. A product becomes a block, once, however many times it
+/// occurs; an occurrence a block reference with its placement; the file's roots stand in model
+/// space. A file of a single part without placement puts its bodies there directly. The colour of a
+/// body becomes the colour of its entity, colours of faces and names stay with the body; the name
+/// of a product as the file has it is the comment of its block, the name of an occurrence extended
+/// data of its reference under kOdStepRegApp.
+///
+/// An empty drawing is set to millimetres; one with content keeps its unit, and what comes in is
+/// scaled to it. All happens in one transaction: on failure the drawing is as it was. Codes are
+/// those of OdModeler::importStep. `report` may be null.
+OdModelerStatus importStepIntoDatabase(OdDbDatabase* database, const OdString& path,
+                                       OdStepReport* report = nullptr,
+                                       const OdStepImportOptions& options = {});
+
+/// Writes model space as a STEP file in millimetres: blocks become products, references become
+/// occurrences. Blocks of external drawings and entities that are neither solids nor references are
+/// left out and reported. eInvalidInput when there is nothing to write.
+OdModelerStatus exportStepFromDatabase(OdDbDatabase* database, const OdString& path,
+                                       OdStepReport* report = nullptr);
+
+/// Application under which a reference keeps the name of its occurrence: a text (1000).
+inline constexpr const wchar_t* kOdStepRegApp = L"OD_STEP";

@@ -1,0 +1,175 @@
+// Drawings into STEP files.
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "platform/base/error.h"
+#include "platform/db/block_reference.h"
+#include "platform/db/block_table_record.h"
+#include "platform/db/units.h"
+#include "platform/modeler/db_3d_solid.h"
+#include "platform/modeler/step_drawing.h"
+
+namespace {
+
+class Exporter {
+ public:
+  Exporter(OdDbDatabase* database, OdStepReport& report) : m_database(database), m_report(report) {}
+
+  OdModelerAssembly run() {
+    const double scale = oddbGetUnitsConversion(m_database->getINSUNITS(), OdDb::kUnitsMillimeters);
+    const OdUInt32 space = productOf(m_database->getModelSpaceId());
+    OdModelerOccurrence root{space, OdGeMatrix3d::scaling(scale), OdString(), std::nullopt};
+    const OdModelerProduct& whole = m_assembly.products[space];
+    // Model space that holds one reference and nothing else is no product of its own.
+    if (whole.bodies.empty() && whole.occurrences.size() == 1 &&
+        whole.occurrences[0].placement.isIdentity()) {
+      root.product = whole.occurrences[0].product;
+      --m_report.products;
+      --m_report.occurrences;
+    }
+    m_assembly.roots.push_back(root);
+    return std::move(m_assembly);
+  }
+
+  [[nodiscard]] bool foundBodies() const { return m_report.solids + m_report.sheets > 0; }
+
+ private:
+  // Products are numbered from the outside inwards, in the order of the entities.
+  OdUInt32 productOf(const OdDbObjectId& block) {
+    const auto known = m_products.find(block);
+    if (known != m_products.end()) return known->second;
+    const auto index = static_cast<OdUInt32>(m_assembly.products.size());
+    m_products.emplace(block, index);
+    m_assembly.products.emplace_back();
+    ++m_report.products;
+    OdDbBlockTableRecordPtr record =
+        OdDbBlockTableRecord::cast(block.safeOpenObject(OdDb::kForRead));
+    const bool isSpace = block == m_database->getModelSpaceId();
+    const OdString comment = record->comments();
+    m_assembly.products[index].uniqueId = isSpace ? OdString(L"drawing") : record->getName();
+    m_assembly.products[index].name =
+        isSpace || comment.isEmpty() ? m_assembly.products[index].uniqueId : comment;
+    for (OdDbObjectIteratorPtr it = record->newIterator(); !it->done(); it->step()) {
+      addEntity(index, it->entity(), record->origin());
+    }
+    if (isSpace) nameAfterBody(m_assembly.products[index]);
+    return index;
+  }
+
+  // Model space with a single part is that part.
+  static void nameAfterBody(OdModelerProduct& product) {
+    if (product.bodies.size() != 1 || !product.occurrences.empty()) return;
+    const OdString name = product.bodies[0]->attributes().name;
+    if (name.isEmpty()) return;
+    product.name = name;
+    product.uniqueId = name;
+  }
+
+  void addEntity(OdUInt32 product, const OdDbEntityPtr& entity, const OdGePoint3d& origin) {
+    if (entity.isNull()) return;
+    if (const OdDb3dSolidPtr solid = OdDb3dSolid::cast(entity); !solid.isNull()) {
+      addSolid(product, *solid, origin);
+    } else if (const OdDbBlockReferencePtr reference = OdDbBlockReference::cast(entity);
+               !reference.isNull()) {
+      addReference(product, *reference, origin);
+    } else {
+      skip(*entity, L"is neither solid nor block reference");
+    }
+  }
+
+  void skip(const OdDbEntity& entity, const wchar_t* why) {
+    m_report.lines.append(entity.isA()->name() + L" " + entity.getDbHandle().ascii() + L" " + why +
+                          L", left out");
+  }
+
+  // Products have their origin at zero: the block's is taken off here, as its references do.
+  static OdModelerBodyPtr moved(const OdModelerBodyPtr& body, const OdGePoint3d& origin) {
+    OdModelerBodyPtr result;
+    const OdModelerStatus status =
+        body->transformed(OdGeMatrix3d::translation(OdGePoint3d::kOrigin - origin), result);
+    if (!status.ok()) throw OdError(status.code, status.text);
+    return result;
+  }
+
+  void addSolid(OdUInt32 product, const OdDb3dSolid& solid, const OdGePoint3d& origin) {
+    OdModelerBodyPtr body = solid.body();
+    if (!body) return skip(solid, L"is empty");
+    if (origin != OdGePoint3d::kOrigin) body = moved(body, origin);
+    if (const OdCmColor color = solid.color(); color.isByColor()) {
+      OdModelerBodyAttributes attributes = body->attributes();
+      attributes.color = OdModelerColor{color.red(), color.green(), color.blue()};
+      body = body->withAttributes(std::move(attributes));
+    }
+    ++(body->kind() == OdModelerBodyKind::kSolid ? m_report.solids : m_report.sheets);
+    m_assembly.products[product].bodies.push_back(std::move(body));
+  }
+
+  void addReference(OdUInt32 product, const OdDbBlockReference& reference,
+                    const OdGePoint3d& origin) {
+    const OdDbObjectId shown = reference.blockTableRecord();
+    if (shown.isNull() || shown.isErased()) return skip(reference, L"shows no block");
+    OdDbBlockTableRecordPtr block =
+        OdDbBlockTableRecord::cast(shown.safeOpenObject(OdDb::kForRead));
+    if (block->isFromExternalReference()) return skip(reference, L"shows an external drawing");
+    // The placement is the one of the block without its origin, which its product has lost.
+    const OdGeMatrix3d placement =
+        OdGeMatrix3d::translation(OdGePoint3d::kOrigin - origin) * reference.blockTransform() *
+        OdGeMatrix3d::translation(block->origin() - OdGePoint3d::kOrigin);
+    OdModelerOccurrence occurrence{productOf(shown), placement, nameOf(reference), std::nullopt};
+    if (const OdCmColor color = reference.color(); color.isByColor()) {
+      occurrence.color = OdModelerColor{color.red(), color.green(), color.blue()};
+    }
+    m_assembly.products[product].occurrences.push_back(std::move(occurrence));
+    ++m_report.occurrences;
+  }
+
+  static OdString nameOf(const OdDbBlockReference& reference) {
+    for (OdResBufPtr data = reference.xData(kOdStepRegApp); !data.isNull(); data = data->next()) {
+      if (data->restype() == OdResBuf::kDxfXdAsciiString) return data->getString();
+    }
+    return {};
+  }
+
+  OdDbDatabase* m_database;
+  OdStepReport& m_report;
+  OdModelerAssembly m_assembly;
+  std::map<OdDbObjectId, OdUInt32> m_products;
+};
+
+// Products without any body below them say nothing and are refused by some readers.
+void dropEmptyOccurrences(OdModelerAssembly& assembly) {
+  std::vector<char> state(assembly.products.size(), 0);  // 0 unknown, 1 empty, 2 not
+  const auto hasBody = [&](auto&& self, OdUInt32 index) -> bool {
+    if (state[index] != 0) return state[index] == 2;
+    OdModelerProduct& product = assembly.products[index];
+    state[index] = 1;
+    std::erase_if(product.occurrences,
+                  [&](const OdModelerOccurrence& o) { return !self(self, o.product); });
+    if (!product.bodies.empty() || !product.occurrences.empty()) state[index] = 2;
+    return state[index] == 2;
+  };
+  for (const OdModelerOccurrence& root : assembly.roots) hasBody(hasBody, root.product);
+}
+
+}  // namespace
+
+OdModelerStatus exportStepFromDatabase(OdDbDatabase* database, const OdString& path,
+                                       OdStepReport* report) {
+  OdStepReport done;
+  OdModelerAssembly assembly;
+  try {
+    Exporter exporter(database, done);
+    assembly = exporter.run();
+    if (!exporter.foundBodies()) {
+      return {eInvalidInput,
+              OdString(L"step file '") + path + L"': there is no solid in model space"};
+    }
+  } catch (const OdError& error) {
+    return {error.code(), OdString(L"step file '") + path + L"': " + error.description()};
+  }
+  dropEmptyOccurrences(assembly);
+  OdModelerStatus status = odModeler().exportStep(path, assembly);
+  if (status.ok() && report != nullptr) *report = std::move(done);
+  return status;
+}

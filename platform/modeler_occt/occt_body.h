@@ -1,0 +1,95 @@
+// A body of the runtime that holds an Open CASCADE shape.
+#pragma once
+
+#include <TopTools_IndexedDataMapOfShapeListOfShape.hxx>
+#include <TopTools_IndexedMapOfShape.hxx>
+#include <TopoDS_Shape.hxx>
+#include <atomic>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "platform/modeler/body.h"
+
+class GProp_GProps;
+
+namespace od_occt {
+
+/// The numbered subentities of a shape and which bounds which.
+struct Topology {
+  TopTools_IndexedMapOfShape faces;
+  TopTools_IndexedMapOfShape edges;
+  TopTools_IndexedMapOfShape vertices;
+  std::vector<std::vector<OdUInt32>> facesOfEdge;    ///< by edge index - 1
+  std::vector<std::vector<OdUInt32>> edgesOfFace;    ///< by face index - 1, degenerate edges too
+  std::vector<std::vector<OdUInt32>> edgesOfVertex;  ///< by vertex index - 1
+
+  explicit Topology(const TopoDS_Shape& shape);
+  [[nodiscard]] const TopTools_IndexedMapOfShape& map(OdModelerSubentType type) const;
+};
+
+/// Holds the shape; numbers and descriptions are made on demand and kept.
+class Body final : public OdModelerBody {
+ public:
+  /// The shape is not null and its flags are normal; use odBodyFromOcct elsewhere.
+  Body(const TopoDS_Shape& shape, OdModelerBodyAttributes attributes);
+
+  const TopoDS_Shape& shape() const { return m_shape; }
+  const Topology& topology() const;
+  /// Remembers the bytes that the body was read from. Only before others know the body.
+  void keepBytes(const OdBinaryData& bytes) { m_bytes = bytes; }
+
+  OdModelerBodyKind kind() const override;
+  OdUInt32 numSolids() const override;
+  OdUInt32 numFaces() const override;
+  OdUInt32 numEdges() const override;
+  OdUInt32 numVertices() const override;
+  const OdModelerFace& face(OdUInt32 index) const override;
+  const OdModelerEdge& edge(OdUInt32 index) const override;
+  const OdModelerVertex& vertex(OdUInt32 index) const override;
+  OdGeExtents3d extents() const override;
+  OdModelerMassProperties massProperties() const override;
+  OdModelerStatus check() const override;
+  OdModelerStatus tessellate(const OdModelerMeshOptions& options,
+                             OdModelerMesh& mesh) const override;
+  OdModelerStatus transformed(const OdGeMatrix3d& matrix, OdModelerBodyPtr& result) const override;
+  OdModelerStatus subentBody(OdModelerSubent subent, OdModelerBodyPtr& result) const override;
+  std::vector<OdModelerBodyPtr> solids() const override;
+  const OdModelerBodyAttributes& attributes() const override { return m_attributes; }
+  OdModelerBodyPtr withAttributes(OdModelerBodyAttributes attributes) const override;
+  OdModelerStatus serialise(OdBinaryData& bytes) const override;
+  std::size_t approximateSize() const override;
+
+ private:
+  TopoDS_Shape m_shape;
+  OdModelerBodyAttributes m_attributes;
+
+  // Made on demand, under the mutex; what is there is never changed again.
+  mutable std::mutex m_mutex;
+  mutable std::unique_ptr<Topology> m_topology;
+  mutable std::atomic<const Topology*> m_topologyReady{nullptr};
+  mutable std::vector<std::unique_ptr<OdModelerFace>> m_faces;
+  mutable std::vector<std::unique_ptr<OdModelerEdge>> m_edges;
+  mutable std::vector<std::unique_ptr<OdModelerVertex>> m_vertices;
+  mutable std::optional<OdGeExtents3d> m_extents;
+  mutable std::optional<OdModelerMassProperties> m_mass;
+  mutable OdBinaryData m_bytes;
+};
+
+/// The body behind the interface; raises OdError eNotThatKindOfClass for another modeller's.
+const Body& asOcct(const OdModelerBody& body);
+
+// Descriptions, one source each.
+OdModelerFace describeFace(const Topology& topology, OdUInt32 index);
+OdModelerEdge describeEdge(const Topology& topology, OdUInt32 index);
+OdGeExtents3d measureExtents(const TopoDS_Shape& shape);
+OdModelerMassProperties measureMass(const TopoDS_Shape& shape);
+/// The area of all faces with its centroid.
+void measureArea(const TopoDS_Shape& shape, GProp_GProps& result);
+/// eModelerInvalidBody with the first fault, or ok.
+OdModelerStatus checkShape(const TopoDS_Shape& shape);
+
+/// Resets the flags of all parts of a shape that depend on how it was made and not on what it is.
+void normaliseFlags(const TopoDS_Shape& shape);
+
+}  // namespace od_occt

@@ -1,0 +1,101 @@
+// Histories of operations, and the attributes that follow them.
+#include "platform/modeler_occt/occt_history.h"
+
+#include <BRepBuilderAPI_MakeShape.hxx>
+#include <TopTools_ListOfShape.hxx>
+#include <algorithm>
+
+namespace od_occt {
+namespace {
+
+constexpr OdModelerSubentType kTypes[] = {OdModelerSubentType::kFace, OdModelerSubentType::kEdge,
+                                          OdModelerSubentType::kVertex};
+
+template <class Item>
+void sortUnique(std::vector<Item>& items) {
+  std::ranges::sort(items);
+  items.erase(std::unique(items.begin(), items.end()), items.end());
+}
+
+OdModelerSubent findSubent(const Topology& topology, const TopoDS_Shape& shape) {
+  for (const OdModelerSubentType type : kTypes) {
+    const int index = topology.map(type).FindIndex(shape);
+    if (index != 0) return {type, static_cast<OdUInt32>(index)};
+  }
+  return {};
+}
+
+// The operation is asked in this order because it tells nothing of what it did not touch: such a
+// part is in the result as it was.
+OdModelerFate fateOf(BRepBuilderAPI_MakeShape& operation, const TopoDS_Shape& old,
+                     OdModelerSubentType type, const Topology& result) {
+  OdModelerFate fate;
+  const TopTools_IndexedMapOfShape& parts = result.map(type);
+  const auto add = [&](const TopoDS_Shape& shape) {
+    const OdModelerSubent found = findSubent(result, shape);
+    if (found.index == 0) return;
+    if (found.type == type) fate.images.push_back(found.index);
+  };
+  for (const TopoDS_Shape& shape : operation.Modified(old)) add(shape);
+  fate.changed = !fate.images.empty();
+  if (fate.images.empty() && !operation.IsDeleted(old) && parts.Contains(old)) add(old);
+  for (const TopoDS_Shape& shape : operation.Generated(old)) {
+    const OdModelerSubent found = findSubent(result, shape);
+    if (found.index != 0) fate.generated.push_back(found);
+  }
+  sortUnique(fate.images);
+  sortUnique(fate.generated);
+  return fate;
+}
+
+std::vector<OdModelerFate> fatesOf(BRepBuilderAPI_MakeShape& operation, const Topology& input,
+                                   OdModelerSubentType type, const Topology& result) {
+  const TopTools_IndexedMapOfShape& parts = input.map(type);
+  std::vector<OdModelerFate> fates;
+  fates.reserve(static_cast<std::size_t>(parts.Extent()));
+  for (int i = 1; i <= parts.Extent(); ++i) {
+    fates.push_back(fateOf(operation, parts(i), type, result));
+  }
+  return fates;
+}
+
+}  // namespace
+
+OdModelerHistory collectHistory(BRepBuilderAPI_MakeShape& operation,
+                                std::span<const OdModelerBodyPtr> inputs, const Body& result) {
+  OdModelerHistory history;
+  const Topology& now = result.topology();
+  for (const OdModelerBodyPtr& input : inputs) {
+    const Topology& then = asOcct(*input).topology();
+    history.inputs.push_back({fatesOf(operation, then, OdModelerSubentType::kFace, now),
+                              fatesOf(operation, then, OdModelerSubentType::kEdge, now),
+                              fatesOf(operation, then, OdModelerSubentType::kVertex, now)});
+  }
+  return history;
+}
+
+OdModelerBodyAttributes inheritAttributes(std::span<const OdModelerBodyPtr> inputs,
+                                          const OdModelerHistory& history) {
+  const OdModelerBodyAttributes& base = inputs.front()->attributes();
+  OdModelerBodyAttributes result{base.name, base.color, {}, {}};
+  for (std::size_t input = 0; input < inputs.size(); ++input) {
+    const OdModelerBodyAttributes& own = inputs[input]->attributes();
+    const std::vector<OdModelerFate>& faces = history.inputs[input].faces;
+    const bool recolor = own.color && own.color != base.color;
+    for (OdUInt32 old = 1; old <= faces.size(); ++old) {
+      const auto color = own.faceColors.find(old);
+      const auto name = own.faceNames.find(old);
+      for (const OdUInt32 image : faces[old - 1].images) {
+        if (color != own.faceColors.end()) {
+          result.faceColors.emplace(image, color->second);
+        } else if (recolor) {
+          result.faceColors.emplace(image, *own.color);
+        }
+        if (name != own.faceNames.end()) result.faceNames.emplace(image, name->second);
+      }
+    }
+  }
+  return result;
+}
+
+}  // namespace od_occt

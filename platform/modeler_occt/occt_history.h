@@ -1,0 +1,23 @@
+// Histories of operations, and the attributes that follow them.
+#pragma once
+
+#include <span>
+
+#include "platform/modeler/history.h"
+#include "platform/modeler_occt/occt_body.h"
+
+class BRepBuilderAPI_MakeShape;
+
+namespace od_occt {
+
+/// What became of each subentity of the inputs in `result`, asked of the operation that made it.
+OdModelerHistory collectHistory(BRepBuilderAPI_MakeShape& operation,
+                                std::span<const OdModelerBodyPtr> inputs, const Body& result);
+
+/// Attributes of a result: name and colour of the first input; a face keeps the colour and name of
+/// the face it comes from, the lowest input and index first. A face of a tool whose body has a
+/// colour of its own takes that.
+OdModelerBodyAttributes inheritAttributes(std::span<const OdModelerBodyPtr> inputs,
+                                          const OdModelerHistory& history);
+
+}  // namespace od_occt

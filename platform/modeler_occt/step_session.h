@@ -1,0 +1,39 @@
+// What STEP import and export share: the lock, the settings and a document without application.
+#pragma once
+
+#include <TDocStd_Document.hxx>
+#include <XCAFDoc_ColorTool.hxx>
+#include <XCAFDoc_ShapeTool.hxx>
+#include <mutex>
+
+#include "platform/base/string.h"
+#include "platform/modeler/modeler_status.h"
+
+namespace od_occt {
+
+/// The translators keep their settings in tables of the process: one session at a time, each of
+/// which sets all that it relies on.
+class StepSession {
+ public:
+  StepSession();
+
+  Handle(TDocStd_Document) & document() { return m_document; }
+  const Handle(XCAFDoc_ShapeTool) & shapes() const { return m_shapes; }
+  const Handle(XCAFDoc_ColorTool) & colors() const { return m_colors; }
+
+ private:
+  std::unique_lock<std::mutex> m_lock;
+  Handle(TDocStd_Document) m_document;
+  Handle(XCAFDoc_ShapeTool) m_shapes;
+  Handle(XCAFDoc_ColorTool) m_colors;
+};
+
+/// The name attribute of a label; empty when there is none.
+OdString labelName(const TDF_Label& label);
+/// An empty name sets nothing.
+void setLabelName(const TDF_Label& label, const OdString& name);
+
+/// A status that names the file.
+OdModelerStatus fileFailure(OdResult code, const OdString& path, const char* reason);
+
+}  // namespace od_occt

@@ -1,0 +1,13 @@
+// VdmDataExtension: base of data that other modules keep beside the module's objects.
+#pragma once
+
+#include "vdm_db/vdm_db_export.h"
+
+// Has no state; whoever derives from it owns its objects.
+class VDM_DB_EXPORT VdmDataExtension {
+ public:
+  VdmDataExtension();
+  VdmDataExtension(const VdmDataExtension& other);
+  VdmDataExtension& operator=(const VdmDataExtension& other);
+  virtual ~VdmDataExtension();
+};

@@ -1,0 +1,112 @@
+// VdmFlatFiler: filer over plain memory, for bags and objects that travel as bytes.
+#pragma once
+
+#include <vector>
+
+#include "platform/filer/dwg_filer.h"
+#include "platform/filer/res_buf.h"
+#include "platform/rx/stream_buf.h"
+#include "vdm_db/vdm_db_export.h"
+
+// The bytes of the primitives, little-endian but for handles:
+//
+//   bool, int8, uint8   1       int16 2, int32 4, int64 8
+//   double              8       IEEE 754
+//   point, vector       16, 24  two or three doubles; a scale has three
+//   string              2 + n   length n as int16, then n bytes of UTF-8
+//   bytes               n       without their length
+//   handle              8       the most significant byte first
+//   ids                 0       not kept: they read as null, so a handle is what keeps a reference
+//
+// Reading takes a double that is zero, subnormal, infinite or not a number as 0.0, each coordinate
+// by itself. A string of 32768 bytes or more cannot be read back: OdError(eCorruptData); of 65536
+// bytes or more it is not written: OdError(eLimitExceeded). Reading past the end raises
+// OdError(eEndOfStream).
+//
+// A local object of the call that uses it. It has no stream at first: clear(), setBinaryData(),
+// setBinaryChunk() or setStream() give it one. A class derived from it that overrides wrInt16 and
+// wrBytes sees strings go through them.
+class VDM_DB_EXPORT VdmFlatFiler : public OdStaticRxObject<OdDbDwgFiler> {
+ public:
+  // From this size on bytes do not travel in extended data.
+  static constexpr OdUInt32 kMaxChunkSize = 16000;
+
+  VdmFlatFiler();
+  ~VdmFlatFiler() override;
+
+  // Reads a copy of the bytes.
+  void setBinaryData(const char* data, unsigned int size);
+  // Reads the bytes of the records of code 1004 from `rb` on, up to the first of another code.
+  // False, nothing being changed, when they hold none.
+  bool setBinaryChunk(const OdResBuf* rb);
+  // Begins an empty stream for writing; gives this filer.
+  OdDbDwgFiler* clear();
+  void setStream(OdStreamBuf* stream) { m_stream = stream; }
+
+  // All bytes of the stream; the position is at the end afterwards.
+  std::vector<char> getBinaryData();
+  unsigned int getBinaryDataSize() const;
+  // Hangs the bytes behind the last record of the chain, as one record of code 1004. Nothing
+  // happens when `rb` is null or there are kMaxChunkSize bytes or more.
+  void appendToResBuf(OdResBuf* rb);
+  OdStreamBuf& io() const { return *m_stream; }
+  // A string that cannot be read back was written.
+  bool hasUnreadableString() const { return m_hasUnreadableString; }
+
+  FilerType filerType() const override { return kCopyFiler; }
+  OdDbFilerController* controller() const override { return nullptr; }
+  void seek(OdInt64 offset, OdDb::FilerSeekType from) override;
+  // Cut to 32 bits.
+  OdUInt64 tell() const override;
+  OdUInt64 bytesLeft() const override;
+
+  bool rdBool() override;
+  OdString rdString() override;
+  void rdBytes(void* buffer, OdUInt32 size) override;
+  OdInt8 rdInt8() override;
+  OdUInt8 rdUInt8() override;
+  OdInt16 rdInt16() override;
+  OdInt32 rdInt32() override;
+  OdInt64 rdInt64() override;
+  double rdDouble() override;
+  OdDbHandle rdDbHandle() override;
+  OdDbObjectId rdSoftOwnershipId() override { return OdDbObjectId(); }
+  OdDbObjectId rdHardOwnershipId() override { return OdDbObjectId(); }
+  OdDbObjectId rdSoftPointerId() override { return OdDbObjectId(); }
+  OdDbObjectId rdHardPointerId() override { return OdDbObjectId(); }
+  OdGePoint2d rdPoint2d() override;
+  OdGePoint3d rdPoint3d() override;
+  OdGeVector2d rdVector2d() override;
+  OdGeVector3d rdVector3d() override;
+  OdGeScale3d rdScale3d() override;
+
+  void wrBool(bool value) override;
+  void wrString(const OdString& value) override;
+  void wrBytes(const void* buffer, OdUInt32 size) override;
+  void wrInt8(OdInt8 value) override;
+  void wrUInt8(OdUInt8 value) override;
+  void wrInt16(OdInt16 value) override;
+  void wrInt32(OdInt32 value) override;
+  void wrInt64(OdInt64 value) override;
+  void wrDouble(double value) override;
+  void wrDbHandle(const OdDbHandle& value) override;
+  void wrSoftOwnershipId(const OdDbObjectId&) override {}
+  void wrHardOwnershipId(const OdDbObjectId&) override {}
+  void wrSoftPointerId(const OdDbObjectId&) override {}
+  void wrHardPointerId(const OdDbObjectId&) override {}
+  void wrPoint2d(const OdGePoint2d& value) override;
+  void wrPoint3d(const OdGePoint3d& value) override;
+  void wrVector2d(const OdGeVector2d& value) override;
+  void wrVector3d(const OdGeVector3d& value) override;
+  void wrScale3d(const OdGeScale3d& value) override;
+
+ private:
+  template <class T>
+  T take();
+  template <class T>
+  void put(const T& value);
+
+  OdStreamBufPtr m_stream;
+  std::vector<char> m_buffer;  // what is being read
+  bool m_hasUnreadableString = false;
+};

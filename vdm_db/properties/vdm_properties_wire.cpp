@@ -1,0 +1,297 @@
+// The stored form of a property bag in a stream and in DXF.
+//
+//   field            primitive   meaning
+//   count            wrInt32     entries that follow, the version entry included
+//   version entry, when the bag's version is above 0:
+//     key            wrString    "_ver"
+//     type           wrInt8      6
+//     version        wrInt8      the bag's version byte
+//   each property, in key order:
+//     key            wrString
+//     type           wrInt8      VdmPropertyType
+//     value          by type     see vdm_property_encoding.h
+//
+// In sparse filing (VdmProperties::kSparse) properties that are not out of date are neither counted
+// nor written. A null pointer under a key is not filed.
+//
+// A bag of version 3 with the OdLong 7 under "a" and the text "hi" under "b", through a
+// VdmFlatFiler:
+//
+//   03 00 00 00                            count
+//   04 00 5F 76 65 72   06   03            "_ver", 6, 3
+//   01 00 61            03   07 00 00 00   "a", 3, 7
+//   01 00 62            02   02 00 68 69   "b", 2, "hi"
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "vdm_db/module/vdm_constants.h"
+#include "vdm_db/properties/vdm_properties.h"
+#include "vdm_db/properties/vdm_property_encoding.h"
+#include "vdm_db/properties/vdm_property_shape.h"
+#include "vdm_db/properties/vdm_trans_dwg_filer.h"
+#include "vdm_utils/vdmc_assert.h"
+
+namespace {
+
+constexpr OdInt8 kVersionType = static_cast<OdInt8>(VdmPropertyType::kInt8);
+// A bag of version 0 takes files of one version ahead.
+constexpr int kVersionAccepted = 1;
+
+// The group that leads a bag in DXF. The reader takes another value than the writer puts, so that
+// bags do not come in through DXF.
+constexpr int kDxfMarkGroup = 280;
+constexpr OdUInt8 kDxfMarkWritten = 255;
+constexpr OdUInt8 kDxfMarkRead = 1;
+
+}  // namespace
+
+// ---- Writing
+
+class VdmPropertiesWriter {
+ public:
+  VdmPropertiesWriter(const VdmProperties& bag, OdDbDwgFiler* filer)
+      : m_bag(bag), m_filer(filer), m_config(bag.config()) {}
+
+  void write() {
+    selectSlots();
+    const bool hasVersion = m_bag.version() > 0;
+    m_filer->wrInt32(static_cast<OdInt32>(m_count + (hasVersion ? 1 : 0)));
+    if (hasVersion) writeVersion();
+    for (OdUInt32 i = 0; i < m_count; ++i) writeProperty(m_selected[i]);
+  }
+
+ private:
+  // Asks each value once whether it is to be filed.
+  void selectSlots() {
+    if (m_bag.size() > m_few.size()) {
+      m_many.resize(m_bag.size());
+      m_selected = m_many.data();
+    }
+    for (OdUInt32 position = 0; position < m_bag.size(); ++position) {
+      const OdUInt32 slot = m_bag.slotAt(position);
+      if (isFiled(slot)) m_selected[m_count++] = slot;
+    }
+  }
+  bool isFiled(OdUInt32 slot) const {
+    if (m_bag.m_slots.isNull(slot)) return false;
+    return (m_config & VdmProperties::kSparse) == 0 || !m_bag.m_slots.isBoxed(slot) ||
+           m_bag.m_slots.boxed(slot)->isOutOfDate();
+  }
+  void writeVersion() {
+    m_filer->wrString(kVdmVersion);
+    m_filer->wrInt8(kVersionType);
+    m_filer->wrInt8(static_cast<OdInt8>(m_bag.version()));
+  }
+  void writeProperty(OdUInt32 slot) {
+    m_filer->wrString(m_bag.keyOfSlot(slot));
+    writeValue(slot);
+  }
+
+ public:
+  // Type byte and value of a slot that is not null.
+  void writeValue(OdUInt32 slot) {
+    if (m_bag.m_slots.isBoxed(slot)) {
+      m_bag.m_slots.boxed(slot)->writeToDwg(m_filer, m_config);
+      return;
+    }
+    const VdmPropertyType type = m_bag.m_slots.plainType(slot);
+    m_filer->wrInt8(static_cast<OdInt8>(type));
+    vdmVisitPlainType(type, [&]<class T>() {
+      VdmElementEncoding<T>::write(m_filer, m_bag.m_slots.get<T>(slot), m_config);
+    });
+  }
+
+ private:
+  const VdmProperties& m_bag;
+  OdDbDwgFiler* m_filer;
+  int m_config;
+  // The slots that are filed, in key order: here, or for a large bag in a vector.
+  std::array<OdUInt32, 64> m_few;
+  std::vector<OdUInt32> m_many;
+  OdUInt32* m_selected = m_few.data();
+  OdUInt32 m_count = 0;
+};
+
+void VdmProperties::dwgOutFields(OdDbDwgFiler* filer) const {
+  VdmPropertiesWriter(*this, filer).write();
+}
+
+// ---- Reading
+
+// Values may be behind setters, which may change the bag: a slot is looked up for each entry, and
+// a value is held while it is read.
+class VdmPropertiesReader {
+ public:
+  VdmPropertiesReader(VdmProperties& bag, OdDbDwgFiler* filer)
+      : m_bag(bag),
+        m_filer(filer),
+        m_config(bag.config()),
+        m_isSparse((m_config & VdmProperties::kSparse) != 0) {}
+
+  OdResult read() {
+    dropUnmapped();
+    const OdInt32 count = m_filer->rdInt32();
+    if (count > 0) {
+      const OdResult result = readEntries(static_cast<OdUInt32>(count));
+      if (result != eOk) return result;
+    }
+    return m_isSparse ? resetMissing() : eOk;
+  }
+
+  // Puts a value in place of the key's; a mapped one is filled.
+  bool replace(const OdString& key) {
+    const OdUInt32 slot = m_bag.findSlot(key);
+    if (slot == VdmPropertyShape::kNoSlot) return readNew(key);
+    if (m_bag.isMappedSlot(slot)) return readInPlace(slot);
+    m_bag.removeSlot(slot);
+    return readNew(key);
+  }
+
+ private:
+  // A key and a type byte.
+  static constexpr OdUInt32 kMinEntryBytes = 2;
+  // A count that the filer cannot check reserves no more than this.
+  static constexpr OdUInt32 kMaxReserve = 1024;
+
+  void dropUnmapped() {
+    OdUInt32 mapped = 0;
+    for (OdUInt32 slot = 0; slot < m_bag.size(); ++slot)
+      if (m_bag.isMappedSlot(slot)) ++mapped;
+    if (mapped == m_bag.size()) return;
+    if (mapped == 0) return m_bag.clear();
+    for (OdUInt32 slot = m_bag.size(); slot-- > 0;)
+      if (!m_bag.isMappedSlot(slot)) m_bag.removeSlot(slot);
+  }
+
+  OdResult readEntries(OdUInt32 count) {
+    if (count > m_filer->bytesLeft() / kMinEntryBytes) return eCorruptData;
+    m_bag.m_slots.reserve(std::max(m_bag.size(), std::min(count, kMaxReserve)));
+    for (; count > 0; --count) {
+      const OdResult result = readEntry();
+      if (result != eOk) return result;
+    }
+    return eOk;
+  }
+
+  OdResult readEntry() {
+    const OdString key = m_filer->rdKey();
+    if (key.isEmpty()) return skipValue();
+    if (key == kVdmVersion) return checkVersion();
+    const OdUInt32 slot = findSlot(key);
+    const bool read = slot == VdmPropertyShape::kNoSlot ? readNew(key) : readInPlace(slot);
+    if (!read) return eCorruptData;
+    if (m_isSparse) m_keysRead.push_back(key);
+    return eOk;
+  }
+
+  OdResult skipValue() {
+    return VdmPropertyData::createFromDwg(m_filer, m_config).isNull() ? eCorruptData : eOk;
+  }
+
+  // The version of the file is tested and not kept.
+  OdResult checkVersion() {
+    if (m_filer->rdInt8() != kVersionType) return eNotApplicable;
+    const int fileVersion = m_filer->rdInt8();
+    const int bagVersion = m_bag.version();
+    const bool isAbove = bagVersion == 0 ? fileVersion > kVersionAccepted
+                                         : bagVersion > 0 && fileVersion > bagVersion;
+    return isAbove ? eNotApplicable : eOk;
+  }
+
+  OdUInt32 findSlot(const OdString& key) const {
+    const VdmPropertyShape* shape = m_bag.m_shape;
+    if (shape == nullptr || shape->isSurelyMissing(key)) return VdmPropertyShape::kNoSlot;
+    return shape->find(key);
+  }
+
+  bool readNew(const OdString& key) {
+    const OdInt8 number = m_filer->rdInt8();
+    const auto type = static_cast<VdmPropertyType>(number);
+    if (type >= VdmPropertyType::kString && type <= VdmPropertyType::kTypedId) {
+      vdmVisitPlainType(type, [&]<class T>() {
+        const T value = VdmElementEncoding<T>::read(m_filer, m_config);
+        m_bag.m_slots.put(m_bag.addSlot(key), value);
+      });
+      return true;
+    }
+    const VdmPropertyDataPtr value = VdmPropertyData::createFromDwg(m_filer, m_config, number);
+    if (value.isNull()) return false;
+    m_bag.m_slots.putBoxed(m_bag.addSlot(key), value);
+    return true;
+  }
+
+  bool readInPlace(OdUInt32 slot) {
+    if (!vdmAssert(!m_bag.m_slots.isNull(slot), "!val.isNull()", OdString(),
+                   "vdm_db/vdm_properties", 798))
+      return false;
+    if (m_bag.m_slots.isBoxed(slot)) {
+      const VdmPropertyDataPtr value = m_bag.m_slots.boxed(slot);
+      return value->readFromDwg(m_filer, m_config);
+    }
+    const VdmPropertyType type = m_bag.m_slots.plainType(slot);
+    if (m_filer->rdInt8() != static_cast<OdInt8>(type)) {
+      vdmReportWrongType("type == this->type()", 1450);
+      return false;
+    }
+    vdmVisitPlainType(type, [&]<class T>() {
+      m_bag.m_slots.set(slot, VdmElementEncoding<T>::read(m_filer, m_config));
+    });
+    return true;
+  }
+
+  // What a sparse stream does not hold has its default.
+  OdResult resetMissing() {
+    if (!std::is_sorted(m_keysRead.begin(), m_keysRead.end()))
+      std::sort(m_keysRead.begin(), m_keysRead.end());
+    for (OdUInt32 position = 0; position < m_bag.size(); ++position) {
+      const OdUInt32 slot = m_bag.slotAt(position);
+      if (std::binary_search(m_keysRead.begin(), m_keysRead.end(), m_bag.keyOfSlot(slot))) continue;
+      if (!m_bag.m_slots.isBoxed(slot)) return eCorruptData;
+      const VdmPropertyDataPtr value = m_bag.m_slots.boxed(slot);
+      if (!value->reset()) return eCorruptData;
+    }
+    return eOk;
+  }
+
+  VdmProperties& m_bag;
+  OdDbDwgFiler* m_filer;
+  int m_config;
+  bool m_isSparse;
+  std::vector<OdString> m_keysRead;
+};
+
+OdResult VdmProperties::dwgInFields(OdDbDwgFiler* filer) {
+  return VdmPropertiesReader(*this, filer).read();
+}
+
+// ---- One property: whether it is there (wrBool), then its type byte and value
+
+void VdmProperties::dwgOutProperty(OdDbDwgFiler* filer, const OdString& key) const {
+  const OdUInt32 slot = findSlot(key);
+  const bool isThere = slot != VdmPropertyShape::kNoSlot && !m_slots.isNull(slot);
+  filer->wrBool(isThere);
+  if (isThere) VdmPropertiesWriter(*this, filer).writeValue(slot);
+}
+
+OdResult VdmProperties::dwgInProperty(OdDbDwgFiler* filer, const OdString& key) {
+  if (!filer->rdBool()) {
+    removeProperty(key);
+    return eOk;
+  }
+  return VdmPropertiesReader(*this, filer).replace(key) ? eOk : eCorruptData;
+}
+
+// ---- DXF
+
+void VdmProperties::dxfOutFields(OdDbDxfFiler* filer) const {
+  filer->wrUInt8(kDxfMarkGroup, kDxfMarkWritten);
+  TransDwgFiler translator(filer);
+  dwgOutFields(&translator);
+}
+
+OdResult VdmProperties::dxfInFields(OdDbDxfFiler* filer) {
+  if (filer->nextItem() != kDxfMarkGroup || filer->rdUInt8() != kDxfMarkRead) return eNotApplicable;
+  TransDwgFiler translator(filer);
+  return dwgInFields(&translator);
+}

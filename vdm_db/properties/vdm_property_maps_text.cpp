@@ -1,0 +1,6 @@
+// Map values with text and identity keys.
+#include "vdm_db/properties/vdm_property_encoding.h"
+
+VDM_INSTANTIATE_MAPS(OdString)
+VDM_INSTANTIATE_MAPS(OdDbHandle)
+VDM_INSTANTIATE_MAPS(OdDbTypedId)

@@ -1,0 +1,22 @@
+// Everything that the module offers to hosts and other modules.
+#pragma once
+
+#include "vdm_db/cloning/vdm_database_utils.h"
+#include "vdm_db/module/vdm_constants.h"
+#include "vdm_db/properties/vdm_data_extension.h"
+#include "vdm_db/properties/vdm_db_extension_data.h"
+#include "vdm_db/properties/vdm_db_properties_base.h"
+#include "vdm_db/properties/vdm_dwg_utils.h"
+#include "vdm_db/properties/vdm_flat_filer.h"
+#include "vdm_db/properties/vdm_properties.h"
+#include "vdm_db/properties/vdm_properties_pe.h"
+#include "vdm_db/properties/vdm_property_data.h"
+#include "vdm_db/properties/vdm_property_mapping.h"
+#include "vdm_db/properties/vdm_serialized_object.h"
+#include "vdm_db/properties/vdm_trans_dwg_filer.h"
+#include "vdm_db/references/vdm_compound_object_id.h"
+#include "vdm_db/references/vdm_database_handles.h"
+#include "vdm_db/references/vdm_extended_path.h"
+#include "vdm_db/references/vdm_index_map.h"
+#include "vdm_db/references/vdm_object_id_hash.h"
+#include "vdm_db/references/vdm_path_utils.h"
