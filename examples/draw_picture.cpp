@@ -42,7 +42,9 @@ struct Triangle {
   Color color;
 };
 
-double dot(const OdGeVector3d& a, const OdGePoint3d& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+double dot(const OdGeVector3d& a, const OdGePoint3d& b) {
+  return a.x * b.x + a.y * b.y + a.z * b.z;
+}
 
 class Picture {
  public:
@@ -60,7 +62,8 @@ class Picture {
               [](const Triangle& a, const Triangle& b) { return a.depth < b.depth; });
     const double scale = (kPictureWidth - 2 * kMargin) / std::max(m_high[0] - m_low[0], 1e-9);
     const double height = (m_high[1] - m_low[1]) * scale + 2 * kMargin;
-    std::fprintf(file, "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%.0f\" height=\"%.0f\">\n",
+    std::fprintf(file,
+                 "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%.0f\" height=\"%.0f\">\n",
                  kPictureWidth, height);
     for (const Triangle& triangle : m_triangles) {
       const auto shade = [&triangle](double part) {
@@ -75,7 +78,8 @@ class Picture {
                      (triangle.corners[i][0] - m_low[0]) * scale + kMargin,
                      height - kMargin - (triangle.corners[i][1] - m_low[1]) * scale);
       }
-      std::fprintf(file, "Z\" fill=\"#%02x%02x%02x\" stroke=\"#%02x%02x%02x\" stroke-width=\".6\"/>\n",
+      std::fprintf(file,
+                   "Z\" fill=\"#%02x%02x%02x\" stroke=\"#%02x%02x%02x\" stroke-width=\".6\"/>\n",
                    red, green, blue, red, green, blue);
     }
     std::fprintf(file, "</svg>\n");

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Shows what the command `vdm` does: sets up, builds it and plays the story of demo_story.sh in a
-# folder of its own. Extra arguments go to the story.
+# Shows what the command `vdm` does: sets up, builds it and plays the story of demo_story.sh in the
+# folder out/, which it makes anew and leaves behind. Extra arguments go to the story.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
@@ -18,11 +18,12 @@ run() {
 cd "$root"
 scripts/setup.sh
 cmake --preset release >/dev/null
-cmake --build --preset release --parallel 2 --target vdm
+cmake --build --preset release --parallel 2 --target vdm make_samples undo_story
 
 export PATH="$root/build/release/bin:$PATH"
-stage=$(mktemp -d "${TMPDIR:-/tmp}/vdm-demo.XXXXXX")
-trap 'rm -rf "$stage"' EXIT
+stage=$root/out
+rm -rf "$stage"
+mkdir "$stage"
 
 # shellcheck source=scripts/demo_story.sh
 source "$root/scripts/demo_story.sh"

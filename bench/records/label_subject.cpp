@@ -1,4 +1,7 @@
-// The peer: the application framework of Open CASCADE, attributes by id, 100 records a parent label.
+// The peer: the application framework of Open CASCADE, attributes by id, 100 records a parent
+// label.
+#include <fcntl.h>
+#include <unistd.h>
 #include <BinDrivers.hxx>
 #include <Message.hxx>
 #include <Message_Messenger.hxx>
@@ -13,8 +16,6 @@
 #include <TDataStd_RealArray.hxx>
 #include <TDocStd_Application.hxx>
 #include <TDocStd_Document.hxx>
-#include <fcntl.h>
-#include <unistd.h>
 
 #include <stdexcept>
 #include <vector>
@@ -72,8 +73,7 @@ class LabelSubject : public RecordSubject {
   void redo() override { m_document->Redo(); }
 
   void saveAs(const std::string& path) override {
-    if (m_application->SaveAs(m_document, TCollection_ExtendedString(path.c_str())) !=
-        PCDM_SS_OK) {
+    if (m_application->SaveAs(m_document, TCollection_ExtendedString(path.c_str())) != PCDM_SS_OK) {
       throw std::runtime_error("cannot save " + path);
     }
     m_path = path;
@@ -88,8 +88,7 @@ class LabelSubject : public RecordSubject {
   }
 
   void load(const std::string& path) override {
-    if (m_application->Open(TCollection_ExtendedString(path.c_str()), m_document) !=
-        PCDM_RS_OK) {
+    if (m_application->Open(TCollection_ExtendedString(path.c_str()), m_document) != PCDM_RS_OK) {
       throw std::runtime_error("cannot open " + path);
     }
     m_document->SetUndoLimit(1000000000);
@@ -133,8 +132,8 @@ class LabelSubject : public RecordSubject {
     TDataStd_AsciiString::Set(label, m_ids[4], values.material.c_str());
     TDataStd_AsciiString::Set(label, m_ids[5], values.name.c_str());
     TDataStd_AsciiString::Set(label, m_ids[6], values.partNumber.c_str());
-    const Handle(TDataStd_RealArray) profile = TDataStd_RealArray::Set(
-        label, m_ids[7], 0, static_cast<int>(values.profile.size()) - 1);
+    const Handle(TDataStd_RealArray) profile =
+        TDataStd_RealArray::Set(label, m_ids[7], 0, static_cast<int>(values.profile.size()) - 1);
     for (std::size_t i = 0; i < values.profile.size(); ++i) {
       profile->SetValue(static_cast<int>(i), values.profile[i]);
     }

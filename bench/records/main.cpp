@@ -2,6 +2,7 @@
 // the two subjects take turns, and the table shows the median of each and their ratio.
 //
 //   vdm_bench_records [--count N] [--rounds R] [--folder DIR] [--only TASK]
+//   vdm_bench_records --flat [--rounds R] [--folder DIR]    (drawings alone, 1,000 to 1,000,000)
 //   vdm_bench_records run SUBJECT TASK COUNT PATH LOADED    (one measurement, for the above)
 #include <sys/wait.h>
 #include <unistd.h>
@@ -122,6 +123,35 @@ void measureAll(const Options& options) {
   }
 }
 
+/// Cost per record of drawings alone, by size: what should stay flat.
+void measureFlat(Options options) {
+  constexpr std::array<const char*, 10> kShown = {"create",     "look-up", "write",    "undo",
+                                                  "redo",       "clone",   "save-all", "load-all",
+                                                  "open-first", "save-100"};
+  constexpr std::array<std::size_t, 4> kCounts = {1000, 10000, 100000, 1000000};
+  std::printf("%-12s", "task");
+  for (const std::size_t count : kCounts) std::printf(" %12zu", count);
+  std::printf("   unit\n");
+  for (const TaskRow& task : taskRows()) {
+    if (std::find(kShown.begin(), kShown.end(), std::string(task.name)) == kShown.end()) continue;
+    const bool perRecord =
+        std::string(task.name) == "save-all" || std::string(task.name) == "load-all";
+    std::printf("%-12s", task.name);
+    for (const std::size_t count : kCounts) {
+      options.count = count;
+      if (task.needsFile) measure(options, kSubjects[0], "prepare");
+      std::vector<double> found;
+      for (int round = 0; round < options.rounds; ++round) {
+        found.push_back(measure(options, kSubjects[0], task.name));
+      }
+      const double value = medianOf(found);
+      std::printf(" %12.4g", perRecord ? value * 1e6 / static_cast<double>(count) : value);
+      std::fflush(stdout);
+    }
+    std::printf("   %s\n", perRecord ? "ns/record" : task.unit);
+  }
+}
+
 Options parse(int argc, char** argv) {
   Options options;
   for (int i = 1; i + 1 < argc; i += 2) {
@@ -139,7 +169,11 @@ Options parse(int argc, char** argv) {
 int main(int argc, char** argv) {
   try {
     if (argc == 7 && std::strcmp(argv[1], "run") == 0) return runOne(argv + 2);
-    measureAll(parse(argc, argv));
+    if (argc > 1 && std::strcmp(argv[1], "--flat") == 0) {
+      measureFlat(parse(argc - 1, argv + 1));
+    } else {
+      measureAll(parse(argc, argv));
+    }
     return 0;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "vdm_bench_records: %s\n", error.what());

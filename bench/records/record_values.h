@@ -17,7 +17,7 @@ struct RecordValues {
 
   static constexpr std::size_t kPayloadBytes = 223;
   static constexpr std::array<const char*, 12> kKeys = {
-      "description", "height", "length",   "mass",     "material", "name",
+      "description", "height",  "length",   "mass",     "material", "name",
       "part_number", "profile", "quantity", "revision", "visible",  "width"};
 
   std::string description;

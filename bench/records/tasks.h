@@ -17,8 +17,8 @@ struct TaskContext {
 
 struct TaskRow {
   const char* name;
-  const char* unit;        ///< "ns/record", "ms", "bytes/record"
-  bool needsFile;          ///< `loadedPath` must exist
+  const char* unit;  ///< "ns/record", "ms", "bytes/record"
+  bool needsFile;    ///< `loadedPath` must exist
   double (*run)(TaskContext& context);
 };
 

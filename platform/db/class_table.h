@@ -21,7 +21,7 @@ struct OdDbClassEntry {
   OdInt32 maintVersion = 0;
   OdInt32 proxyFlags = 0;
   bool inFile = false;
-  OdRxClass* rxClass = nullptr;     ///< null while no such class is registered
+  OdRxClass* rxClass = nullptr;        ///< null while no such class is registered
   OdUInt64 generation = ~OdUInt64{0};  ///< class generation at which rxClass was looked up
 };
 

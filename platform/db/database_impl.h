@@ -18,8 +18,8 @@
 
 class OdDbHostAppServices;
 
-/// Everything that one drawing holds. Only rooms of the runtime use it; its members are in the order
-/// in which they may lean on each other.
+/// Everything that one drawing holds. Only rooms of the runtime use it; its members are in the
+/// order in which they may lean on each other.
 class OdDbDatabaseImpl {
  public:
   OdDbDatabaseImpl(OdDbDatabase* owner, OdDbHostAppServices* host);
@@ -91,17 +91,17 @@ class OdDbDatabaseImpl {
   OdDbVariables variables;
   std::vector<const OdDbVariableRow*> changedVariables;  ///< since the last save
   OdDbUndoLog undo;
-  std::vector<OdDbStub*> dirty;          ///< all with the flag kDirty, in order of first change
+  std::vector<OdDbStub*> dirty;  ///< all with the flag kDirty, in order of first change
   std::vector<OdDbDatabaseReactor*> reactors;
   OdDbXrefRegistry xrefs;
   OdDbObjectId xrefBlock;
   OdStringArray loadErrors;
   OdUInt64 seed = OdDbRootHandles::kFirstFree;
   OdUInt64 savedSeed = 0;
-  OdUInt64 changes = 0;                  ///< rises with every change
+  OdUInt64 changes = 0;  ///< rises with every change
   OdUInt64 savedChanges = 0;
   bool anyErased = false;
-  bool allListed = true;                 ///< every record of the file has its id in memory
+  bool allListed = true;  ///< every record of the file has its id in memory
   bool readOnly = false;
   bool closing = false;
 

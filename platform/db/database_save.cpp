@@ -67,8 +67,8 @@ bool OdDbDatabaseImpl::adoptVariable(const OdDbStoredVariable& item, OdString* r
 OdDbStoreStatus OdDbDatabaseImpl::openStore(std::unique_ptr<OdDbRecordStore> opened) {
   for (const OdDbStoredClass& item : opened->classes()) {
     if (!classes.read(item)) {
-      return {eCorruptData, OdString("class " + std::to_string(item.id) + " of ") +
-                                opened->path() + " is damaged"};
+      return {eCorruptData, OdString("class " + std::to_string(item.id) + " of ") + opened->path() +
+                                " is damaged"};
     }
   }
   for (const OdDbStoredVariable& item : opened->variables()) {
@@ -164,8 +164,8 @@ OdDbStoreStatus OdDbDatabaseImpl::writeObject(OdDbRecordStore& target, OdDbStub*
                                               std::vector<OdUInt8>& record) {
   OdDbObject* object = resident(stub);
   if (object == nullptr) {
-    return {eCorruptData, OdString("object ") + OdDbHandle(stub->handle).ascii() +
-                              " cannot be read for saving"};
+    return {eCorruptData,
+            OdString("object ") + OdDbHandle(stub->handle).ascii() + " cannot be read for saving"};
   }
   writer.clear();
   record.clear();
@@ -183,9 +183,9 @@ OdDbStoreStatus OdDbDatabaseImpl::writeObject(OdDbRecordStore& target, OdDbStub*
     }
   } catch (const std::exception& error) {
     --object->m_refs;
-    return {eGeneralFailure, OdString("object ") + OdDbHandle(stub->handle).ascii() +
-                                 " of class " + object->isA()->name() + " cannot be saved: " +
-                                 OdString(error.what())};
+    return {eGeneralFailure, OdString("object ") + OdDbHandle(stub->handle).ascii() + " of class " +
+                                 object->isA()->name() +
+                                 " cannot be saved: " + OdString(error.what())};
   }
   --object->m_refs;
   return target.putRecord({stub->handle, classId, stub->owner == nullptr ? 0 : stub->owner->handle,
@@ -212,7 +212,7 @@ OdDbStoreStatus OdDbDatabaseImpl::writeVariables(OdDbRecordStore& target, bool a
     if (!status.ok()) return status;
   }
   // What this program does not know is carried over.
-  for (const OdDbStoredVariable& item : all && store ? store->variables() : kNoVariables) {
+  for (const OdDbStoredVariable& item : all&& store ? store->variables() : kNoVariables) {
     const bool ours = item.key == kSeedKey || variableOfKey(item.key) != nullptr;
     if (ours) continue;
     if (const OdDbStoreStatus status = target.putVariable(item); !status.ok()) return status;
@@ -327,8 +327,8 @@ OdDbStoreStatus OdDbDatabaseImpl::saveAs(const OdString& path) {
   });
   for (OdDbStub* stub : written) stub->set(OdDbStub::kInFile);
   ids.forEach([this](OdDbStub* stub) {
-    const bool leftOut = stub->object != nullptr &&
-                         !stub->has(OdDbStub::kInFile | OdDbStub::kErased);
+    const bool leftOut =
+        stub->object != nullptr && !stub->has(OdDbStub::kInFile | OdDbStub::kErased);
     if (leftOut) {
       stub->set(OdDbStub::kDirty);
       dirty.push_back(stub);
@@ -345,6 +345,6 @@ OdDbStoreStatus OdDbDatabaseImpl::compact() {
   if (changes != savedChanges || !dirty.empty()) {
     if (OdDbStoreStatus status = save(); !status.ok()) return status;
   }
-  return store ? store->compact() : OdDbStoreStatus{eFileAccess,
-                                                    OdString("the drawing has no file")};
+  return store ? store->compact()
+               : OdDbStoreStatus{eFileAccess, OdString("the drawing has no file")};
 }

@@ -124,7 +124,8 @@ void OdDbObject::assertWriteEnabled(bool autoUndo, bool recordModified) {
                   OdString("object ") + getDbHandle().ascii());
   }
   OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(m_stub);
-  if (impl.readOnly) [[unlikely]] throw OdError(eReadOnlyDatabase, impl.filename);
+  if (impl.readOnly) [[unlikely]]
+    throw OdError(eReadOnlyDatabase, impl.filename);
   if (recordModified && (m_bits & kBitOpenedForModifySent) == 0) tellOpenedForModify();
   if (autoUndo && (m_bits & kBitUndoDisabled) == 0 && impl.undo.isRecording() &&
       !impl.undo.isCovered(m_stub)) {

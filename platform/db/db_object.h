@@ -73,7 +73,8 @@ class OdDbObject : public OdRxObject {
   [[nodiscard]] bool isUndoing() const;
   /// Raises eNotOpenForRead (61).
   void assertReadEnabled() const {
-    if (!isReadEnabled()) [[unlikely]] raiseNotOpenForRead();
+    if (!isReadEnabled()) [[unlikely]]
+      raiseNotOpenForRead();
   }
   /// Raises eNotOpenForWrite, eWasOpenForNotify, eReadOnlyDatabase. With `autoUndo` the first call
   /// within a recording span saves the whole state; without it the caller files a partial step
@@ -179,14 +180,14 @@ class OdDbObject : public OdRxObject {
   friend class OdDbCloner;
 
   enum Bits : OdUInt16 {
-    kBitModified = 1u << 0,          ///< something was changed since the write open began
+    kBitModified = 1u << 0,  ///< something was changed since the write open began
     kBitGraphicsModified = 1u << 1,
     kBitXDataModified = 1u << 2,
-    kBitDowngraded = 1u << 3,        ///< its write opens were ended by downgradeOpen
+    kBitDowngraded = 1u << 3,  ///< its write opens were ended by downgradeOpen
     kBitUndoDisabled = 1u << 4,
     kBitOpenedForModifySent = 1u << 5,
     kBitClosing = 1u << 6,
-    kBitInternalWrite = 1u << 7,     ///< the runtime itself fills the object
+    kBitInternalWrite = 1u << 7,  ///< the runtime itself fills the object
     kBitProxy = 1u << 8,
   };
   struct Extra;  // what few objects have: reactors, extension dictionary, extended data

@@ -26,9 +26,7 @@ bool filesOwner(const OdDbDwgFiler* filer) {
          filer->filerType() == OdDbDwgFiler::kPageFiler;
 }
 
-bool isAppHeader(const OdResBuf* element) {
-  return element->restype() == OdResBuf::kDxfRegAppName;
-}
+bool isAppHeader(const OdResBuf* element) { return element->restype() == OdResBuf::kDxfRegAppName; }
 
 // Chain without the part that belongs to `appName`; elements are shared with the chain given.
 OdResBufPtr withoutApp(const OdResBufPtr& chain, const OdString& appName) {
@@ -157,10 +155,10 @@ void OdDbObject::copyFrom(const OdRxObject* source) {
 }
 
 void OdDbObject::applyPartialUndo(OdDbDwgFiler*, OdRxClass* cls) {
-  throw OdError(eNotThatKindOfClass,
-                OdString("partial undo of class ") +
-                    (cls == nullptr ? OdString("null") : cls->name()) + " on object " +
-                    getDbHandle().ascii() + " of class " + isA()->name());
+  throw OdError(eNotThatKindOfClass, OdString("partial undo of class ") +
+                                         (cls == nullptr ? OdString("null") : cls->name()) +
+                                         " on object " + getDbHandle().ascii() + " of class " +
+                                         isA()->name());
 }
 
 std::size_t OdDbObject::approximateSize() const {

@@ -102,8 +102,8 @@ OdDbDatabasePtr OdDbHostAppServices::recoverFile(const OdString& path, OdStringA
   for (const auto& [handle, item] : items.records) {
     impl.seed = std::max(impl.seed, handle + 1);
     OdDbStub* stub = impl.ids.findOrCreate(handle);
-    if (impl.load(stub, {handle, item.classId, item.owner, item.data.data(),
-                         item.data.size()}) == nullptr) {
+    if (impl.load(stub, {handle, item.classId, item.owner, item.data.data(), item.data.size()}) ==
+        nullptr) {
       report.append(impl.loadErrors.last());
       continue;
     }

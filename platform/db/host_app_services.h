@@ -32,8 +32,7 @@ class OdDbHostAppServices {
                            const OdDbReadOptions& options = OdDbReadOptions());
   /// Builds a drawing in memory from everything that is intact in a damaged file; `report` gets a
   /// line for each thing lost. Null when nothing is intact.
-  OdDbDatabasePtr recoverFile(const OdString& path, OdStringArray& report,
-                              OdDbStoreStatus& status);
+  OdDbDatabasePtr recoverFile(const OdString& path, OdStringArray& report, OdDbStoreStatus& status);
 
   /// Full path of a file named in a drawing: an absolute path as it is, otherwise beside
   /// `database`'s own file. Empty when there is none.

@@ -8,11 +8,12 @@
 
 namespace {
 
-constexpr int kMaxRedirections = 16;     // a chain longer than this is a cycle
-constexpr int kMaxOwnerDepth = 100000;   // likewise for owners in a damaged drawing
+constexpr int kMaxRedirections = 16;    // a chain longer than this is a cycle
+constexpr int kMaxOwnerDepth = 100000;  // likewise for owners in a damaged drawing
 
 OdDbStub* redirected(OdDbStub* stub) {
-  for (int i = 0; i < kMaxRedirections && stub != nullptr && stub->has(OdDbStub::kRedirected); ++i) {
+  for (int i = 0; i < kMaxRedirections && stub != nullptr && stub->has(OdDbStub::kRedirected);
+       ++i) {
     stub = stub->owner;
   }
   return stub;

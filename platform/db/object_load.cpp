@@ -26,9 +26,8 @@ void OdDbDatabaseImpl::noteDamage(OdDbStub* stub, const OdString& text) {
 void OdDbDatabaseImpl::fetchHeader(OdDbStub* stub) {
   OdUInt32 classId = 0;
   OdUInt64 owner = 0;
-  const OdDbStoreStatus status =
-      store ? store->readRecordHeader(stub->handle, classId, owner)
-            : OdDbStoreStatus{eUnknownHandle, OdString()};
+  const OdDbStoreStatus status = store ? store->readRecordHeader(stub->handle, classId, owner)
+                                       : OdDbStoreStatus{eUnknownHandle, OdString()};
   if (!status.ok()) {
     if (status.code != eUnknownHandle) noteDamage(stub, status.text);
     stub->set(OdDbStub::kAbsent);
@@ -88,9 +87,9 @@ OdDbObject* OdDbDatabaseImpl::load(OdDbStub* stub, const OdDbRecordView& record)
 OdDbObject* OdDbDatabaseImpl::instantiate(OdDbStub* stub, const OdDbRecordView& record) {
   OdDbClassEntry* entry = classes.find(record.classId);
   if (entry == nullptr) {
-    throw OdError(eCorruptData, OdString("class number " + std::to_string(record.classId) +
-                                         ", the drawing has " +
-                                         std::to_string(classes.entries().size()) + " classes"));
+    throw OdError(eCorruptData,
+                  OdString("class number " + std::to_string(record.classId) + ", the drawing has " +
+                           std::to_string(classes.entries().size()) + " classes"));
   }
   OdRxClass* rxClass = classes.resolve(*entry);
   const bool known = rxClass != nullptr && !rxClass->isAbstract() &&
@@ -173,8 +172,8 @@ OdDbStoreStatus OdDbDatabaseImpl::loadAll() {
 
 void OdDbDatabaseImpl::listAll() {
   if (allListed || !store) return;
-  const OdDbStoreStatus status = store->listRecords(
-      [this](OdUInt64 handle, OdUInt32 classId, OdUInt64 owner, std::size_t) {
+  const OdDbStoreStatus status =
+      store->listRecords([this](OdUInt64 handle, OdUInt32 classId, OdUInt64 owner, std::size_t) {
         OdDbStub* stub = ids.findOrCreate(handle);
         if (stub->has(OdDbStub::kHeaderKnown)) return true;
         OdDbClassEntry* entry = classes.find(classId);

@@ -60,8 +60,7 @@ void OdDbProxyObject::writeRecord(std::vector<OdUInt8>& record) const {
     if (writer.references().size() != m_baseReferences) return false;
     for (OdUInt32 i = 0; i < m_baseReferences; ++i) {
       if (writer.references()[i].type != m_references[i].type ||
-          writer.references()[i].handle !=
-              static_cast<OdUInt64>(m_references[i].id.getHandle())) {
+          writer.references()[i].handle != static_cast<OdUInt64>(m_references[i].id.getHandle())) {
         return false;
       }
     }

@@ -43,7 +43,7 @@ class OdDbProxyObject : public OdDbObject {
   [[nodiscard]] const OdDbClassEntry* classEntry() const;
 
   OdUInt32 m_classId = 0;
-  std::vector<OdDbFiledId> m_references;   ///< all of the record, base fields included
-  OdUInt32 m_baseReferences = 0;           ///< how many of them the base fields use
-  std::vector<OdUInt8> m_fields;           ///< what follows the base fields
+  std::vector<OdDbFiledId> m_references;  ///< all of the record, base fields included
+  OdUInt32 m_baseReferences = 0;          ///< how many of them the base fields use
+  std::vector<OdUInt8> m_fields;          ///< what follows the base fields
 };

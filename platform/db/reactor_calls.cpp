@@ -20,6 +20,6 @@ void OdDbReactorCalls::reportFailure(const OdDbObject* object,
   OdString who = reactor.persistent == nullptr
                      ? OdString("transient reactor")
                      : OdString("reactor ") + OdDbObjectId(reactor.persistent).getHandle().ascii();
-  database->impl().report(who + " of object " + object->getDbHandle().ascii() + " failed: " +
-                          OdString(error.what()));
+  database->impl().report(who + " of object " + object->getDbHandle().ascii() +
+                          " failed: " + OdString(error.what()));
 }

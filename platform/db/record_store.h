@@ -23,11 +23,11 @@ struct OdDbStoreStatus {
 
 /// One object as the file keeps it. `data` is borrowed: it belongs to whoever made the view.
 struct OdDbRecordView {
-  OdUInt64 handle = 0;        ///< never 0 in a stored record
-  OdUInt32 classId = 0;       ///< number of the class in the store's class list
-  OdUInt64 owner = 0;         ///< handle of the owner, 0 for roots
+  OdUInt64 handle = 0;   ///< never 0 in a stored record
+  OdUInt32 classId = 0;  ///< number of the class in the store's class list
+  OdUInt64 owner = 0;    ///< handle of the owner, 0 for roots
   const OdUInt8* data = nullptr;
-  std::size_t size = 0;       ///< bytes
+  std::size_t size = 0;  ///< bytes
 };
 
 /// A named class record or drawing variable; `value` is opaque to the store.
@@ -73,8 +73,7 @@ class OdDbRecordStore {
   /// on the store.
   virtual OdDbStoreStatus readRecord(OdUInt64 handle, OdDbRecordView& record) = 0;
   /// The same without handing out data (class and owner only, still checked).
-  virtual OdDbStoreStatus readRecordHeader(OdUInt64 handle, OdUInt32& classId,
-                                           OdUInt64& owner) = 0;
+  virtual OdDbStoreStatus readRecordHeader(OdUInt64 handle, OdUInt32& classId, OdUInt64& owner) = 0;
   /// All records in rising handle order, each checked, then the file's digest over all of them.
   /// `visit` returns false to stop early (the digest is not checked then).
   virtual OdDbStoreStatus readAll(const std::function<bool(const OdDbRecordView&)>& visit) = 0;
@@ -96,9 +95,9 @@ class OdDbRecordStore {
   virtual OdDbStoreStatus commitSave() = 0;
   virtual void rollbackSave() = 0;
 
-  /// Starts a fresh file that is to replace this store's own file, as OdDbRecordStoreFactory::create
-  /// does. This store keeps the write lock and goes on serving reads until it is destroyed, which
-  /// is due right after the fresh store's commitSave().
+  /// Starts a fresh file that is to replace this store's own file, as
+  /// OdDbRecordStoreFactory::create does. This store keeps the write lock and goes on serving reads
+  /// until it is destroyed, which is due right after the fresh store's commitSave().
   virtual OdDbStoreStatus createReplacement(std::unique_ptr<OdDbRecordStore>& store) = 0;
 
   /// Rewrites the file without its free space, through a fresh file that is renamed over it.
@@ -125,8 +124,7 @@ class OdDbRecordStoreFactory {
   /// `path`, replacing what stood there, and the store then is the open file `path`. Destroying
   /// the store before commit, or rollbackSave(), removes the temporary file.
   /// Records must be put in rising handle order for the best speed; any order is legal.
-  virtual OdDbStoreStatus create(const OdString& path,
-                                 std::unique_ptr<OdDbRecordStore>& store) = 0;
+  virtual OdDbStoreStatus create(const OdString& path, std::unique_ptr<OdDbRecordStore>& store) = 0;
   /// Hands every intact item of a damaged file to `sink`; eNotADrawing or eFileNotFound when there
   /// is nothing to work on, eRecoveryFailed when no record is intact.
   virtual OdDbStoreStatus recover(const OdString& path, OdDbRecoverySink& sink) = 0;

@@ -129,9 +129,7 @@ OdResult OdDbUndoLog::undo() {
   return result;
 }
 
-OdResult OdDbUndoLog::redo() {
-  return m_applying ? eInvalidOpenState : moveStep(m_redo, m_undo);
-}
+OdResult OdDbUndoLog::redo() { return m_applying ? eInvalidOpenState : moveStep(m_redo, m_undo); }
 
 OdResult OdDbUndoLog::moveStep(Stack& from, Stack& to) {
   if (!hasChanges(from)) return eNothingToUndo;
@@ -228,12 +226,15 @@ void OdDbUndoLog::applyLast(Stack& from) {
 
 void OdDbUndoLog::apply(Stack& from, const Record& record) {
   switch (record.kind) {
-    case Kind::kStep: return;
+    case Kind::kStep:
+      return;
     case Kind::kMark:
       if (m_target != nullptr) push(Kind::kMark, nullptr);
       return;
-    case Kind::kState: return applyState(from, record);
-    case Kind::kPartial: return applyPartial(from, record);
+    case Kind::kState:
+      return applyState(from, record);
+    case Kind::kPartial:
+      return applyPartial(from, record);
     case Kind::kCreated:
       if (m_target != nullptr) push(Kind::kUncreated, record.stub);
       applyPresence(record.stub, /*present=*/false);
@@ -248,7 +249,8 @@ void OdDbUndoLog::apply(Stack& from, const Record& record) {
       if (m_target != nullptr) push(erasing ? Kind::kErased : Kind::kUnerased, record.stub);
       return m_database.setErased(record.stub, erasing);
     }
-    case Kind::kVariable: return applyVariable(from, record);
+    case Kind::kVariable:
+      return applyVariable(from, record);
   }
 }
 

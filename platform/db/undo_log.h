@@ -70,7 +70,15 @@ class OdDbUndoLog {
 
  private:
   enum class Kind : OdUInt8 {
-    kStep, kMark, kState, kPartial, kCreated, kUncreated, kErased, kUnerased, kVariable
+    kStep,
+    kMark,
+    kState,
+    kPartial,
+    kCreated,
+    kUncreated,
+    kErased,
+    kUnerased,
+    kVariable
   };
   struct Record {
     Kind kind;
@@ -105,7 +113,7 @@ class OdDbUndoLog {
   OdDbDatabaseImpl& m_database;
   Stack m_undo;
   Stack m_redo;
-  Stack* m_target = nullptr;  ///< where changes are recorded now
+  Stack* m_target = nullptr;                ///< where changes are recorded now
   std::vector<std::size_t> m_transactions;  ///< sizes of the undo stack at their starts
   std::optional<OdDbMemoryFiler> m_partialFiler;
   const OdDbStub* m_partialStub = nullptr;

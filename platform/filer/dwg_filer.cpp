@@ -23,20 +23,28 @@ OdUInt32 OdDbDwgFiler::rdCount(OdUInt32 minBytes) {
 
 void OdDbDwgFiler::wrId(OdDb::ReferenceType type, const OdDbObjectId& value) {
   switch (type) {
-    case OdDb::kSoftPointerRef: return wrSoftPointerId(value);
-    case OdDb::kHardPointerRef: return wrHardPointerId(value);
-    case OdDb::kSoftOwnershipRef: return wrSoftOwnershipId(value);
-    case OdDb::kHardOwnershipRef: return wrHardOwnershipId(value);
+    case OdDb::kSoftPointerRef:
+      return wrSoftPointerId(value);
+    case OdDb::kHardPointerRef:
+      return wrHardPointerId(value);
+    case OdDb::kSoftOwnershipRef:
+      return wrSoftOwnershipId(value);
+    case OdDb::kHardOwnershipRef:
+      return wrHardOwnershipId(value);
   }
   throw OdError(eInvalidInput, OdString("reference type " + std::to_string(type)));
 }
 
 OdDbObjectId OdDbDwgFiler::rdId(OdDb::ReferenceType type) {
   switch (type) {
-    case OdDb::kSoftPointerRef: return rdSoftPointerId();
-    case OdDb::kHardPointerRef: return rdHardPointerId();
-    case OdDb::kSoftOwnershipRef: return rdSoftOwnershipId();
-    case OdDb::kHardOwnershipRef: return rdHardOwnershipId();
+    case OdDb::kSoftPointerRef:
+      return rdSoftPointerId();
+    case OdDb::kHardPointerRef:
+      return rdHardPointerId();
+    case OdDb::kSoftOwnershipRef:
+      return rdSoftOwnershipId();
+    case OdDb::kHardOwnershipRef:
+      return rdHardOwnershipId();
   }
   throw OdError(eInvalidInput, OdString("reference type " + std::to_string(type)));
 }

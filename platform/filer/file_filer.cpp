@@ -110,8 +110,12 @@ void OdDbFileWriter::putId(const OdDbObjectId& id, OdDb::ReferenceType type) {
 
 OdDbFileReader::OdDbFileReader(const OdUInt8* data, std::size_t size, OdDbDatabase* database,
                                HandleResolver resolver, void* context)
-    : m_data(data), m_end(data + size), m_fieldsBegin(data), m_database(database),
-      m_resolver(resolver), m_context(context) {
+    : m_data(data),
+      m_end(data + size),
+      m_fieldsBegin(data),
+      m_database(database),
+      m_resolver(resolver),
+      m_context(context) {
   const OdUInt64 count = takeVarint();
   if (count > fieldSize()) {
     throw OdError(eCorruptData, OdString("record with " + std::to_string(count) +
@@ -120,8 +124,8 @@ OdDbFileReader::OdDbFileReader(const OdUInt8* data, std::size_t size, OdDbDataba
   m_references.reserve(static_cast<std::size_t>(count));
   for (OdUInt64 i = 0; i < count; ++i) {
     const OdUInt64 packed = takeVarint();
-    m_references.push_back({static_cast<OdDb::ReferenceType>(packed & ((1u << kTypeBits) - 1)),
-                            packed >> kTypeBits});
+    m_references.push_back(
+        {static_cast<OdDb::ReferenceType>(packed & ((1u << kTypeBits) - 1)), packed >> kTypeBits});
   }
   m_fieldsBegin = m_data;
 }

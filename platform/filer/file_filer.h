@@ -24,12 +24,11 @@ struct OdDbFileReference {
 /// vector, scale their doubles; an id is the varint number of its reference, counted from 1, and 0
 /// for a null id. So whoever does not know the class still knows every reference.
 ///
-/// varint: seven bits a byte, low bits first, the top bit set in all but the last; at most 10 bytes.
-/// Handles above 2^61 do not fit a reference and are refused on writing.
+/// varint: seven bits a byte, low bits first, the top bit set in all but the last; at most 10
+/// bytes. Handles above 2^61 do not fit a reference and are refused on writing.
 class OdDbFileWriter : public OdStaticRxObject<OdDbWriteOnlyFiler> {
  public:
-  explicit OdDbFileWriter(OdDbDatabase* database,
-                          OdInt32 dwgVersion = OdDb::kDwgVersionCurrent)
+  explicit OdDbFileWriter(OdDbDatabase* database, OdInt32 dwgVersion = OdDb::kDwgVersionCurrent)
       : m_database(database), m_version(dwgVersion) {}
 
   /// Begins the next record; the buffers keep their memory.
@@ -86,7 +85,8 @@ class OdDbFileWriter : public OdStaticRxObject<OdDbWriteOnlyFiler> {
 };
 
 /// Reads one record; the bytes are borrowed and must outlive the filer. Every read is bounds
-/// checked and raises eEndOfStream or eCorruptData; nothing is allocated by a count that cannot fit.
+/// checked and raises eEndOfStream or eCorruptData; nothing is allocated by a count that cannot
+/// fit.
 class OdDbFileReader : public OdStaticRxObject<OdDbReadOnlyFiler> {
  public:
   /// Turns a handle of the record into an id; null results are legal.
@@ -119,7 +119,8 @@ class OdDbFileReader : public OdStaticRxObject<OdDbReadOnlyFiler> {
   void rdBytes(void* buffer, OdUInt32 size) override;
   OdInt8 rdInt8() override { return static_cast<OdInt8>(rdUInt8()); }
   OdUInt8 rdUInt8() override {
-    if (m_data == m_end) [[unlikely]] raiseEnd(1);
+    if (m_data == m_end) [[unlikely]]
+      raiseEnd(1);
     return *m_data++;
   }
   OdInt16 rdInt16() override;

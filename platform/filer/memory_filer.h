@@ -35,7 +35,10 @@ class OdDbMemoryFiler : public OdStaticRxObject<OdDbDwgFiler> {
   using IdTranslator = OdDbObjectId (*)(void* context, OdDbObjectId id, OdDb::ReferenceType type);
 
   OdDbMemoryFiler(FilerType type, OdDbFilerBuffer& buffer, OdDbDatabase* database = nullptr)
-      : m_type(type), m_buffer(&buffer), m_database(database), m_begin(buffer.bytes.size()),
+      : m_type(type),
+        m_buffer(&buffer),
+        m_database(database),
+        m_begin(buffer.bytes.size()),
         m_stringBegin(buffer.strings.size()) {}
 
   /// Reads from a position that was the end of the buffer when the record was begun, up to an end
@@ -105,7 +108,8 @@ class OdDbMemoryFiler : public OdStaticRxObject<OdDbDwgFiler> {
  private:
   template <class T>
   T take() {
-    if (m_end - m_read < sizeof(T)) [[unlikely]] raiseEnd(sizeof(T));
+    if (m_end - m_read < sizeof(T)) [[unlikely]]
+      raiseEnd(sizeof(T));
     T value;
     std::memcpy(&value, m_buffer->bytes.data() + m_read, sizeof(T));
     m_read += sizeof(T);

@@ -6,33 +6,6 @@ OD_RX_DEFINE_DB(TestCell, OdDbObject, L"TestCell", 33, 55, 0, L"TESTCELL", L"cor
 std::vector<std::string> TestCell::heard;
 bool TestCell::throwOnErase = false;
 
-std::string dumpDrawing(OdDbDatabase* database) {
-  std::string dump;
-  database->forEachId([&dump, database](OdDbObjectId id) {
-    const OdDbObjectPtr object = id.openObject();
-    dump += id.getHandle().ascii().utf8();
-    dump += ' ';
-    dump += object.isNull() ? std::string_view("unreadable") : object->isA()->name().utf8();
-    dump += ' ';
-    dump += id.ownerId().getHandle().ascii().utf8();
-    dump += ' ';
-    if (!object.isNull()) {
-      OdDbFileWriter writer(database);
-      object->dwgOutFields(&writer);
-      std::vector<OdUInt8> record;
-      writer.assemble(record);
-      static constexpr char kDigits[] = "0123456789abcdef";
-      for (const OdUInt8 byte : record) {
-        dump += kDigits[byte >> 4];
-        dump += kDigits[byte & 15];
-      }
-    }
-    dump += '\n';
-    return true;
-  });
-  return dump;
-}
-
 void CoreTest::SetUpTestSuite() {
   odrxInitialize();
   oddbInitialize();

@@ -11,8 +11,8 @@
 #include "platform/db/db_init.h"
 #include "platform/db/db_object.h"
 #include "platform/db/host_app_services.h"
-#include "platform/filer/file_filer.h"
 #include "platform/rx/rx_init.h"
+#include "tests/support/dump_drawing.h"
 
 /// A number with partial undo, a text with whole-state undo, and references. As a reactor it notes
 /// what it hears.
@@ -87,9 +87,6 @@ class TestCell : public OdDbObject {
   OdDbObjectIdArray m_owned;
 };
 using TestCellPtr = OdSmartPtr<TestCell>;
-
-/// The bytes of every object, by handle, with class and owner: equal dumps are equal drawings.
-std::string dumpDrawing(OdDbDatabase* database);
 
 class CoreTest : public testing::Test {
  protected:

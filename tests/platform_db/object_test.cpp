@@ -110,8 +110,8 @@ TEST_F(OdDbObjectReactors, HearOnceAtTheLastWriteCloseInOrderOfAttachment) {
     outer->setText(L"outer");
     EXPECT_EQ(TestCell::heard, (Strings{"22 opened 20", "21 opened 20"}));
   }
-  EXPECT_EQ(TestCell::heard, (Strings{"22 opened 20", "21 opened 20", "22 modified 20",
-                                      "21 modified 20"}));
+  EXPECT_EQ(TestCell::heard,
+            (Strings{"22 opened 20", "21 opened 20", "22 modified 20", "21 modified 20"}));
   EXPECT_EQ(open(watched)->getPersistentReactors().size(), 2u);
 }
 

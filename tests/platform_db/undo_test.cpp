@@ -16,11 +16,22 @@ TEST_F(OdDbUndoLogTest, StepsGoBackAndForthByteForByte) {
   std::vector<std::string> states = {dump()};
   const std::vector<std::function<void()>> steps = {
       [&] { a = addCell(L"a"); },
-      [&] { setNumber(a, 1); setNumber(a, 2); setText(a, L"changed"); setNumber(a, 3); },
-      [&] { b = addCell(L"b"); open(a, OdDb::kForWrite)->addPersistentReactor(b); },
+      [&] {
+        setNumber(a, 1);
+        setNumber(a, 2);
+        setText(a, L"changed");
+        setNumber(a, 3);
+      },
+      [&] {
+        b = addCell(L"b");
+        open(a, OdDb::kForWrite)->addPersistentReactor(b);
+      },
       [&] { open(b, OdDb::kForWrite)->erase(); },
       [&] { open(a, OdDb::kForWrite)->setOwnerId(database->getModelSpaceId()); },
-      [&] { database->setINSUNITS(OdDb::kUnitsInches); open(a, OdDb::kForWrite)->erase(); },
+      [&] {
+        database->setINSUNITS(OdDb::kUnitsInches);
+        open(a, OdDb::kForWrite)->erase();
+      },
   };
   for (const auto& work : steps) {
     step(work);
