@@ -24,7 +24,8 @@ namespace {
 
 constexpr double kPictureWidth = 800;  // pixels
 constexpr double kMargin = 20;
-constexpr int kMaxNesting = 32;  // blocks within blocks
+constexpr int kMaxNesting = 32;    // blocks within blocks
+constexpr double kMaxEdge = 0.03;  // longest edge drawn in one piece, as a part of the width
 
 const OdGeVector3d kRight = OdGeVector3d(1, 1, 0).normal();
 const OdGeVector3d kUp = OdGeVector3d(-1, 1, 2).normal();
@@ -36,9 +37,8 @@ struct Color {
 };
 
 struct Triangle {
-  std::array<std::array<double, 2>, 3> corners;
-  double depth;  // towards the eye
-  double light;  // 0 to 1
+  std::array<std::array<double, 3>, 3> corners;  // right, up, towards the eye
+  double light;                                  // 0 to 1
   Color color;
 };
 
@@ -58,8 +58,9 @@ class Picture {
   }
 
   void write(std::FILE* file) {
+    divideLargeTriangles();
     std::sort(m_triangles.begin(), m_triangles.end(),
-              [](const Triangle& a, const Triangle& b) { return a.depth < b.depth; });
+              [](const Triangle& a, const Triangle& b) { return depth(a) < depth(b); });
     const double scale = (kPictureWidth - 2 * kMargin) / std::max(m_high[0] - m_low[0], 1e-9);
     const double height = (m_high[1] - m_low[1]) * scale + 2 * kMargin;
     std::fprintf(file,
@@ -86,6 +87,42 @@ class Picture {
   }
 
  private:
+  static double depth(const Triangle& triangle) {
+    return triangle.corners[0][2] + triangle.corners[1][2] + triangle.corners[2][2];
+  }
+
+  // Drawing from back to front needs pieces that are small beside the distances between faces: the
+  // longest edge is halved until all are short.
+  void divideLargeTriangles() {
+    const double longest = (m_high[0] - m_low[0]) * kMaxEdge;
+    for (std::size_t i = 0; i < m_triangles.size();) {
+      std::size_t widest = 0;
+      double length = 0;
+      for (std::size_t edge = 0; edge < 3; ++edge) {
+        const auto& from = m_triangles[i].corners[edge];
+        const auto& to = m_triangles[i].corners[(edge + 1) % 3];
+        const double size = std::hypot(to[0] - from[0], to[1] - from[1], to[2] - from[2]);
+        if (size > length) {
+          length = size;
+          widest = edge;
+        }
+      }
+      if (length <= longest) {
+        ++i;
+        continue;
+      }
+      Triangle other = m_triangles[i];
+      const std::size_t next = (widest + 1) % 3;
+      std::array<double, 3> middle{};
+      for (std::size_t axis = 0; axis < 3; ++axis) {
+        middle[axis] = (other.corners[widest][axis] + other.corners[next][axis]) / 2;
+      }
+      m_triangles[i].corners[next] = middle;
+      other.corners[widest] = middle;
+      m_triangles.push_back(other);
+    }
+  }
+
   void addTriangle(const OdModelerFaceMesh& face, const std::array<OdUInt32, 3>& indices,
                    const OdGeMatrix3d& placement, const Color& color) {
     std::array<OdGePoint3d, 3> points;
@@ -97,8 +134,7 @@ class Picture {
     triangle.color = color;
     triangle.light = std::max(0.0, normal.dotProduct(kLight));
     for (std::size_t i = 0; i < 3; ++i) {
-      triangle.corners[i] = {dot(kRight, points[i]), dot(kUp, points[i])};
-      triangle.depth += dot(kToEye, points[i]) / 3;
+      triangle.corners[i] = {dot(kRight, points[i]), dot(kUp, points[i]), dot(kToEye, points[i])};
       for (std::size_t axis = 0; axis < 2; ++axis) {
         m_low[axis] = std::min(m_low[axis], triangle.corners[i][axis]);
         m_high[axis] = std::max(m_high[axis], triangle.corners[i][axis]);

@@ -38,7 +38,7 @@ void show(const OdDbObjectId& id, const char* moment) {
   properties.getProperty(L"revision", revision);
   OdModelerMassProperties mass;
   solid->getMassProp(mass);
-  std::printf("%-34s material %-10s revision %d, %3u faces, %9.1f mm3\n", moment,
+  std::printf("%-34s material %-10s revision %2d, %3u faces, %9.1f mm3\n", moment,
               static_cast<const char*>(material), revision, solid->body()->numFaces(), mass.volume);
 }
 
@@ -72,7 +72,7 @@ void drill(OdDbDatabase* drawing, const OdDbObjectId& id, double radius) {
 
 void tellStory(OdDbDatabase* drawing, const OdDbObjectId& id) {
   show(id, "as it was");
-  setProperties(drawing, id, L"S235JR", 1);
+  setProperties(drawing, id, L"S355J2", 1);
   show(id, "step 1: properties set");
   drill(drawing, id, 12.0);
   show(id, "step 2: a hole drilled");

@@ -1,0 +1,291 @@
+// The command line of `vdm`: what it takes, and what runs for it.
+#include "host/cli/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <cctype>
+#include <functional>
+#include <memory>
+#include <new>
+#include <sstream>
+
+#include "host/cli/audit_command.h"
+#include "host/cli/cli_error.h"
+#include "host/cli/clone_command.h"
+#include "host/cli/compact_command.h"
+#include "host/cli/dump_command.h"
+#include "host/cli/export_command.h"
+#include "host/cli/import_command.h"
+#include "host/cli/info_command.h"
+#include "host/cli/new_command.h"
+#include "host/cli/property_text.h"
+#include "host/cli/props_command.h"
+#include "host/cli/recover_command.h"
+#include "host/cli/text_output.h"
+#include "host/cli/tree_command.h"
+#include "platform/base/error.h"
+
+namespace cli {
+
+namespace {
+
+/// All options of all commands, and the one command that was named.
+struct CommandLine {
+  SessionOptions session;
+  NewOptions newDrawing;
+  ImportOptions importStep;
+  InfoOptions info;
+  TreeOptions tree;
+  PropsOptions props;
+  std::string propsValue;
+  std::string propsJsonValue;
+  ExportOptions exportStep;
+  AuditOptions audit;
+  RecoverOptions recover;
+  DumpOptions dump;
+  CloneOptions clone;
+  OutputFile cloneOutput;
+  CompactOptions compact;
+  std::function<int()> run;
+};
+
+/// Help texts that fit the width of all human output.
+class HelpFormatter : public CLI::Formatter {
+ public:
+  HelpFormatter() { column_width(kColumn); }
+
+  std::string make_option_desc(const CLI::Option* option) const override {
+    return lines(CLI::Formatter::make_option_desc(option));
+  }
+  std::string make_subcommand(const CLI::App* command) const override {
+    std::ostringstream out;
+    CLI::detail::format_help(out, command->get_name(), lines(command->get_description()), kColumn);
+    return out.str();
+  }
+
+ private:
+  static constexpr std::size_t kColumn = 22;
+
+  static std::string lines(const std::string& text) {
+    std::string out = wrapped(text, "", kTextWidth - kColumn);
+    if (!out.empty()) out.pop_back();
+    return out;
+  }
+};
+
+/// A command with the options that every command has. `example` stands below its help text.
+CLI::App* addCommand(CLI::App& parent, CommandLine& line, const char* name, const char* purpose,
+                     const std::string& example) {
+  CLI::App* command = parent.add_subcommand(name, purpose);
+  command->footer("Example:\n  " + example);
+  command->add_flag("--json", line.session.json, "print JSON");
+  command->add_flag("--no-modules", line.session.noModules,
+                    "do not load the module; its objects stay proxies");
+  command
+      ->add_option("--module", line.session.modulePath,
+                   "file or folder of the module, instead of the one beside the program")
+      ->envname("VDM_MODULE_PATH")
+      ->type_name("PATH");
+  return command;
+}
+
+void addInput(CLI::App* command, std::string& path, const char* name = "FILE",
+              const char* purpose = "drawing") {
+  command->add_option(name, path, purpose)->required()->type_name("");
+}
+
+void addForce(CLI::App* command, OutputFile& output) {
+  command->add_flag("--force", output.force, "replace an existing output");
+}
+
+CLI::Option* addOutput(CLI::App* command, OutputFile& output, const char* purpose) {
+  addForce(command, output);
+  return command->add_option("-o,--output", output.path, purpose)->type_name("OUT");
+}
+
+void addNew(CLI::App& app, CommandLine& line) {
+  CLI::App* command =
+      addCommand(app, line, "new", "Create an empty drawing", "vdm new bracket.vdm --units mm");
+  addInput(command, line.newDrawing.output.path, "OUT", "drawing to create");
+  command->add_option("--units", line.newDrawing.units, "length unit: mm, cm, m, in, ft, ...")
+      ->capture_default_str()
+      ->type_name("UNITS");
+  addForce(command, line.newDrawing.output);
+  command->callback([&line] { line.run = [&] { return runNew(line.session, line.newDrawing); }; });
+}
+
+void addImport(CLI::App& app, CommandLine& line) {
+  CLI::App* command = addCommand(app, line, "import", "Turn a STEP file into a drawing",
+                                 "vdm import bracket.step -o bracket.vdm");
+  addInput(command, line.importStep.input, "IN", "STEP file");
+  addOutput(command, line.importStep.output, "drawing to create")->required();
+  command->add_flag("--curves", line.importStep.curves, "take over wireframe and curves, too");
+  command->callback(
+      [&line] { line.run = [&] { return runImport(line.session, line.importStep); }; });
+}
+
+void addReaders(CLI::App& app, CommandLine& line) {
+  CLI::App* info =
+      addCommand(app, line, "info", "Show what a drawing holds", "vdm info bracket.vdm --json");
+  addInput(info, line.info.input);
+  info->callback([&line] { line.run = [&] { return runInfo(line.session, line.info); }; });
+
+  CLI::App* tree =
+      addCommand(app, line, "tree", "Show the product structure of a drawing", "vdm tree pump.vdm");
+  addInput(tree, line.tree.input);
+  tree->callback([&line] { line.run = [&] { return runTree(line.session, line.tree); }; });
+
+  CLI::App* dump = addCommand(app, line, "dump", "Print every object as text that can be compared",
+                              "vdm dump before.vdm > before.txt");
+  addInput(dump, line.dump.input);
+  dump->callback([&line] { line.run = [&] { return runDump(line.session, line.dump); }; });
+}
+
+using PropsAction = int (*)(const SessionOptions&, const PropsOptions&);
+
+CLI::App* addPropsAction(CLI::App& props, CommandLine& line, const char* name, const char* purpose,
+                         const char* example, PropsAction action, bool withKey) {
+  CLI::App* command = addCommand(props, line, name, purpose, example);
+  addInput(command, line.props.input);
+  addInput(command, line.props.handle, "HANDLE", "object, in hexadecimal");
+  if (withKey) addInput(command, line.props.key, "KEY", "name of the property");
+  command->callback(
+      [&line, action] { line.run = [&line, action] { return action(line.session, line.props); }; });
+  return command;
+}
+
+void addProps(CLI::App& app, CommandLine& line) {
+  CLI::App* props = app.add_subcommand("props", "List, get, set or remove properties of an object");
+  props->require_subcommand(1);
+  props->footer("Example:\n  vdm props set bracket.vdm 21 material S235JR");
+  addPropsAction(*props, line, "list", "List the properties of an object",
+                 "vdm props list bracket.vdm 21", runPropsList, /*withKey=*/false);
+  addPropsAction(*props, line, "get", "Print the value of a property",
+                 "vdm props get bracket.vdm 21 material", runPropsGet, /*withKey=*/true);
+  CLI::App* set = addPropsAction(
+      *props, line, "set", "Set a property; a present one keeps its type",
+      "vdm props set bracket.vdm 21 holes '[4.5, 6]' --type array:double\n"
+      "  vdm props set bracket.vdm 21 stock --json-value '{\"type\": \"long\", \"value\": 12}'\n"
+      "  vdm props set bracket.vdm 21 label -- -odd-text-",
+      runPropsSet, /*withKey=*/true);
+  set->add_option("VALUE", line.propsValue,
+                  "value: text, or JSON for arrays and maps; behind -- when it begins with a dash")
+      ->type_name("");
+  set->add_option("--type", line.props.type, std::string("type of a new property: ") + kTypeHelp)
+      ->type_name("TYPE");
+  set->add_option("--json-value", line.propsJsonValue,
+                  "typed value: {\"type\": .., \"of\": .., \"key\": .., \"value\": ..}")
+      ->type_name("JSON");
+  set->callback([&line, set] {
+    if (set->count("VALUE") != 0) line.props.value = line.propsValue;
+    if (set->count("--json-value") != 0) line.props.jsonValue = line.propsJsonValue;
+    line.run = [&line] { return runPropsSet(line.session, line.props); };
+  });
+  addPropsAction(*props, line, "remove", "Remove a property",
+                 "vdm props remove bracket.vdm 21 material", runPropsRemove, /*withKey=*/true);
+}
+
+void addExport(CLI::App& app, CommandLine& line) {
+  CLI::App* command = addCommand(app, line, "export", "Write model space as a STEP file",
+                                 "vdm export bracket.vdm -o bracket.step");
+  addInput(command, line.exportStep.input);
+  addOutput(command, line.exportStep.output, "STEP file to write")->required();
+  command->callback(
+      [&line] { line.run = [&] { return runExport(line.session, line.exportStep); }; });
+}
+
+void addKeepers(CLI::App& app, CommandLine& line) {
+  CLI::App* audit =
+      addCommand(app, line, "audit", "Check a drawing; exit code 3 when findings remain",
+                 "vdm audit bracket.vdm --fix");
+  addInput(audit, line.audit.input);
+  audit->add_flag("--fix", line.audit.fix, "mend what can be mended and save");
+  audit->callback([&line] { line.run = [&] { return runAudit(line.session, line.audit); }; });
+
+  CLI::App* recover = addCommand(app, line, "recover",
+                                 "Save what is intact in a damaged drawing; exit code 3 when "
+                                 "something is lost",
+                                 "vdm recover damaged.vdm -o rescued.vdm");
+  addInput(recover, line.recover.input, "FILE", "damaged drawing");
+  addOutput(recover, line.recover.output, "drawing to create")->required();
+  recover->callback([&line] { line.run = [&] { return runRecover(line.session, line.recover); }; });
+
+  CLI::App* compact = addCommand(app, line, "compact", "Free unused space of a drawing file",
+                                 "vdm compact bracket.vdm");
+  addInput(compact, line.compact.input);
+  compact->callback([&line] { line.run = [&] { return runCompact(line.session, line.compact); }; });
+}
+
+void addClone(CLI::App& app, CommandLine& line) {
+  CLI::App* command = addCommand(app, line, "clone",
+                                 "Copy a block or an entity, in its drawing or into another one",
+                                 "vdm clone pump.vdm 2A --into library.vdm --name impeller");
+  addInput(command, line.clone.input);
+  addInput(command, line.clone.handle, "HANDLE", "block or entity, in hexadecimal");
+  command->add_option("--into", line.clone.into, "drawing that receives the copy")
+      ->type_name("OTHER");
+  command->add_option("--name", line.clone.name, "name of the copied block")->type_name("NEW");
+  const CLI::Option* output =
+      addOutput(command, line.cloneOutput, "save the result here instead of in place");
+  command->callback([&line, output] {
+    if (output->count() != 0) line.clone.output = line.cloneOutput;
+    line.run = [&line] { return runClone(line.session, line.clone); };
+  });
+}
+
+/// One line out of the parser's message.
+std::string usageLine(const CLI::ParseError& error) {
+  std::string text = error.what();
+  while (!text.empty() && (text.back() == '\n' || text.back() == '.')) text.pop_back();
+  if (text.size() > 1 && std::isupper(static_cast<unsigned char>(text[1])) == 0) {
+    text[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])));
+  }
+  return text + ", see --help";
+}
+
+int parseAndRun(CLI::App& app, CommandLine& line, int argc, char** argv) {
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success&) {
+    throw;
+  } catch (const CLI::ParseError& error) {
+    throw CliError(usageLine(error), kWrongUsage);
+  }
+  return line.run();
+}
+
+}  // namespace
+
+int runCommandLine(int argc, char** argv) {
+  CommandLine line;
+  CLI::App app("Drawings with solid parts that remember: properties, structure, history.", "vdm");
+  app.footer(
+      "Exit code: 0 done, 1 could not, 2 wrong usage, 3 done but something is not sound.\n"
+      "Example:\n  vdm import bracket.step -o bracket.vdm");
+  app.formatter(std::make_shared<HelpFormatter>());
+  app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("vdm ") + VDM_VERSION);
+  addNew(app, line);
+  addImport(app, line);
+  addReaders(app, line);
+  addProps(app, line);
+  addExport(app, line);
+  addKeepers(app, line);
+  addClone(app, line);
+  try {
+    return parseAndRun(app, line, argc, argv);
+  } catch (const CLI::Success& asked) {
+    return app.exit(asked);
+  } catch (const CliError& error) {
+    printError(error.what());
+    return error.code();
+  } catch (const OdError& error) {
+    printError(error.description().utf8());
+  } catch (const std::bad_alloc&) {
+    printError("out of memory");
+  } catch (const std::exception& error) {
+    printError(error.what());
+  }
+  return kCouldNot;
+}
+
+}  // namespace cli

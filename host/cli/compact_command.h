@@ -1,0 +1,16 @@
+// `vdm compact`: a drawing file without its free space.
+#pragma once
+
+#include <string>
+
+#include "host/cli/drawing_session.h"
+
+namespace cli {
+
+struct CompactOptions {
+  std::string input;
+};
+
+int runCompact(const SessionOptions& session, const CompactOptions& options);
+
+}  // namespace cli

@@ -1,0 +1,144 @@
+// The runtime as the command uses it.
+#include "host/cli/drawing_session.h"
+
+#include <filesystem>
+#include <vector>
+
+#include "host/cli/cli_error.h"
+#include "host/cli/text_output.h"
+#include "platform/base/error.h"
+#include "platform/db/db_init.h"
+#include "platform/modeler/db_3d_solid.h"
+#include "platform/modeler/modeler.h"
+#include "platform/modeler_occt/occt_modeler.h"
+#include "platform/rx/dynamic_linker.h"
+#include "platform/storage/sqlite_record_store.h"
+#include "vdm_db/properties/vdm_db_extension_data.h"
+
+namespace cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kModuleFile = "vdm_db.tx";
+
+fs::path programFolder() {
+  std::error_code failure;
+  const fs::path program = fs::read_symlink("/proc/self/exe", failure);
+  return program.parent_path();
+}
+
+/// Where the module may stand when nobody says so: beside the program's folder as built, and as
+/// installed.
+std::vector<fs::path> usualModulePaths() {
+  const fs::path folder = programFolder();
+  return {(folder / "../lib" / kModuleFile).lexically_normal(),
+          (folder / VDM_BIN_TO_LIB / kModuleFile).lexically_normal()};
+}
+
+fs::path findModule(const std::string& given) {
+  std::error_code failure;
+  if (!given.empty()) {
+    fs::path path = fs::absolute(given, failure);
+    if (fs::is_directory(path, failure)) path /= kModuleFile;
+    if (!fs::is_regular_file(path, failure)) {
+      throw CliError("module " + quote(path.string()) + " was not found");
+    }
+    return path;
+  }
+  const std::vector<fs::path> candidates = usualModulePaths();
+  for (const fs::path& path : candidates) {
+    if (fs::is_regular_file(path, failure)) return path;
+  }
+  throw CliError("module " + quote(candidates.front().string()) +
+                 " was not found, name it with --module or use --no-modules");
+}
+
+void require(const OdDbStoreStatus& status, const std::string& path) {
+  if (status.ok()) return;
+  throw CliError(status.text.isEmpty() ? quote(path) + ": " + odResultText(status.code)
+                                       : str(status.text));
+}
+
+}  // namespace
+
+DrawingSession::DrawingSession(const SessionOptions& options) : m_options(options) {
+  oddbInitialize();
+  odModelerInitialize();
+  odInstallOcctModeler();
+  try {
+    m_services = std::make_unique<OdDbHostAppServices>(createSqliteStoreFactory());
+    if (!m_options.noModules) loadModule();
+  } catch (...) {
+    stop();
+    throw;
+  }
+}
+
+DrawingSession::~DrawingSession() {
+  try {
+    stop();
+  } catch (const std::exception& error) {
+    printError(std::string("the runtime did not stop: ") + error.what());
+  }
+}
+
+void DrawingSession::stop() {
+  m_services.reset();
+  if (!m_module.isEmpty()) odrxDynamicLinker()->unloadModule(m_module);
+  m_module.empty();
+  odSetModeler(nullptr);
+  odModelerUninitialize();
+  oddbUninitialize();
+}
+
+void DrawingSession::loadModule() {
+  const OdString path(findModule(m_options.modulePath).string());
+  odrxDynamicLinker()->loadModule(path);
+  m_module = path;
+  // The program is linked with the module's classes: another copy would register its own ones.
+  if (VdmDbExtensionData::desc() == nullptr) {
+    throw CliError("module " + quote(path.utf8()) + " does not belong to this program");
+  }
+}
+
+OdDbDatabasePtr DrawingSession::create() { return m_services->createDatabase(); }
+
+OdDbDatabasePtr DrawingSession::open(const std::string& path, Access access) {
+  OdDbReadOptions options;
+  options.mode =
+      access == Access::kRead ? OdDbStoreOpenMode::kReadOnly : OdDbStoreOpenMode::kReadWrite;
+  options.withUndo = false;
+  OdDbStoreStatus status;
+  OdDbDatabasePtr drawing = m_services->readFile(OdString(path), status, options);
+  require(status, path);
+  return drawing;
+}
+
+OdDbDatabasePtr DrawingSession::recover(const std::string& path, OdStringArray& report) {
+  OdDbStoreStatus status;
+  OdDbDatabasePtr drawing = m_services->recoverFile(OdString(path), report, status);
+  require(status, path);
+  return drawing;
+}
+
+int DrawingSession::formatVersion(const std::string& path) {
+  std::unique_ptr<OdDbRecordStore> store;
+  require(
+      m_services->recordStoreFactory()->open(OdString(path), OdDbStoreOpenMode::kReadOnly, store),
+      path);
+  return store->formatVersion();
+}
+
+void saveDrawing(OdDbDatabase& drawing) { require(drawing.save(), str(drawing.getFilename())); }
+
+void compactDrawing(OdDbDatabase& drawing) {
+  require(drawing.compact(), str(drawing.getFilename()));
+}
+
+void saveDrawingAs(OdDbDatabase& drawing, const std::string& path) {
+  require(drawing.saveAs(OdString(path)), path);
+}
+
+}  // namespace cli

@@ -1,0 +1,55 @@
+// The runtime as the command uses it: started, with modeller and module, and with drawings.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/db/database.h"
+#include "platform/db/host_app_services.h"
+
+namespace cli {
+
+/// Options that all commands share.
+struct SessionOptions {
+  bool json = false;       ///< output for machines
+  bool noModules = false;  ///< do not load the module: its objects are proxies then
+  std::string modulePath;  ///< file or folder of the module; empty: beside the program
+};
+
+/// Starts the runtime and stops it again. One at a time in a process; all drawings that it gave
+/// are gone before it goes. Failures raise CliError with one line.
+class DrawingSession {
+ public:
+  enum class Access { kRead, kWrite };
+
+  explicit DrawingSession(const SessionOptions& options);
+  ~DrawingSession();
+  DrawingSession(const DrawingSession&) = delete;
+  DrawingSession& operator=(const DrawingSession&) = delete;
+
+  /// A new drawing in memory.
+  OdDbDatabasePtr create();
+  OdDbDatabasePtr open(const std::string& path, Access access);
+  /// What is intact in a damaged file, as a drawing in memory; `report` gets a line for each thing
+  /// that is lost.
+  OdDbDatabasePtr recover(const std::string& path, OdStringArray& report);
+  /// Format version of a drawing file.
+  int formatVersion(const std::string& path);
+
+ private:
+  void loadModule();
+  void stop();
+
+  const SessionOptions& m_options;
+  std::unique_ptr<OdDbHostAppServices> m_services;
+  OdString m_module;
+};
+
+/// Writes the drawing to its own file.
+void saveDrawing(OdDbDatabase& drawing);
+/// Rewrites the drawing's file without its free space.
+void compactDrawing(OdDbDatabase& drawing);
+/// Writes the drawing to another file, whole or not at all.
+void saveDrawingAs(OdDbDatabase& drawing, const std::string& path);
+
+}  // namespace cli

@@ -1,0 +1,18 @@
+// `vdm export`: model space as a STEP file.
+#pragma once
+
+#include <string>
+
+#include "host/cli/drawing_session.h"
+#include "host/cli/paths.h"
+
+namespace cli {
+
+struct ExportOptions {
+  std::string input;
+  OutputFile output;
+};
+
+int runExport(const SessionOptions& session, const ExportOptions& options);
+
+}  // namespace cli

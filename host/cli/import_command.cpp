@@ -1,0 +1,45 @@
+// `vdm import`: a STEP file as a drawing.
+#include "host/cli/import_command.h"
+
+#include "host/cli/cli_error.h"
+#include "host/cli/drawing_facts.h"
+#include "host/cli/progress.h"
+#include "host/cli/report.h"
+#include "host/cli/text_lines.h"
+#include "host/cli/text_output.h"
+#include "platform/modeler/step_drawing.h"
+
+namespace cli {
+
+int runImport(const SessionOptions& session, const ImportOptions& options) {
+  checkInput(options.input);
+  checkOutput(options.output, options.input);
+  DrawingSession runtime(session);
+  const OdDbDatabasePtr drawing = runtime.create();
+  OdStepReport step;
+  OdStepImportOptions stepOptions;
+  stepOptions.curves = options.curves;
+  {
+    const Progress progress("reading " + options.input);
+    requireModelled(
+        importStepIntoDatabase(drawing.get(), OdString(options.input), &step, stepOptions));
+  }
+  {
+    const Progress progress("writing " + options.output.path);
+    saveDrawingAs(*drawing, options.output.path);
+  }
+  const DrawingCounts counts = countDrawing(*drawing);
+  Report("imported " + options.input + " into " + options.output.path)
+      .add("file", options.output.path)
+      .add("solids", std::uint64_t{step.solids})
+      .add("sheets", std::uint64_t{step.sheets})
+      .add("blocks", counts.blocks)
+      .add("inserts", counts.inserts)
+      .add("units", unitsName(*drawing))
+      .add("source_units", str(step.sourceUnit))
+      .addLines("notes", linesOf(step.lines))
+      .print(session.json);
+  return kDone;
+}
+
+}  // namespace cli

@@ -1,0 +1,19 @@
+// `vdm import`: a STEP file as a drawing.
+#pragma once
+
+#include <string>
+
+#include "host/cli/drawing_session.h"
+#include "host/cli/paths.h"
+
+namespace cli {
+
+struct ImportOptions {
+  std::string input;
+  OutputFile output;
+  bool curves = false;  ///< take over wireframe, too
+};
+
+int runImport(const SessionOptions& session, const ImportOptions& options);
+
+}  // namespace cli

@@ -1,0 +1,17 @@
+// `vdm info`: what a drawing holds.
+#pragma once
+
+#include <string>
+
+#include "host/cli/drawing_session.h"
+
+namespace cli {
+
+struct InfoOptions {
+  std::string input;
+};
+
+/// kNotSound when objects cannot be read.
+int runInfo(const SessionOptions& session, const InfoOptions& options);
+
+}  // namespace cli

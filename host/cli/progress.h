@@ -1,0 +1,22 @@
+// A sign of life on standard error while something takes long.
+#pragma once
+
+#include <string>
+#include <thread>
+
+namespace cli {
+
+/// Shows "<what> ... <seconds> s" on one line, from the first second on and only on a terminal;
+/// the line is wiped when the object goes. Runs a thread of its own, which touches nothing else.
+class Progress {
+ public:
+  explicit Progress(std::string what);
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+ private:
+  std::jthread m_thread;
+};
+
+}  // namespace cli

@@ -1,0 +1,17 @@
+// `vdm tree`: the product structure of a drawing.
+#pragma once
+
+#include <string>
+
+#include "host/cli/drawing_session.h"
+
+namespace cli {
+
+struct TreeOptions {
+  std::string input;
+};
+
+/// kNotSound when something cannot be read.
+int runTree(const SessionOptions& session, const TreeOptions& options);
+
+}  // namespace cli
