@@ -22,7 +22,7 @@ constexpr OdUInt32 kScanLimit = 32;
 
 // Partial undo steps; each is the inverse of an edit, and applying it files its own inverse.
 enum Step : OdUInt8 {
-  kCutStep = 1,        ///< int32: number of entities that stay
+  kCutStep = 1,        ///< soft pointer: the first entity that goes, with all behind it
   kAppendStep = 2,     ///< list of entities that come to the end
   kReplaceStep = 3,    ///< list that takes the place of all entities
   kReferenceStep = 4,  ///< soft pointer: a reference; bool: it shows this block
@@ -161,23 +161,25 @@ OdDbDwgFiler* OdDbBlockTableRecord::beginStep(OdUInt8 step) {
   return filer;
 }
 
+// The step names an entity and not a place: the list may be shorter when the step is taken back,
+// since a file keeps no ids of objects that are gone for good.
 void OdDbBlockTableRecord::listEntities(const OdDbObjectIdArray& entities) {
-  if (OdDbDwgFiler* filer = beginStep(kCutStep)) {
-    filer->wrInt32(static_cast<OdInt32>(m_entities.size()));
-  }
+  if (entities.isEmpty()) return;
+  if (OdDbDwgFiler* filer = beginStep(kCutStep)) filer->wrSoftPointerId(entities.first());
   for (const OdDbObjectId& id : entities) {
     m_entities.append(id);
     if (m_entitySet) m_entitySet->insert(id);
   }
 }
 
-void OdDbBlockTableRecord::unlistFrom(OdUInt32 count) {
-  if (count > m_entities.size()) {
-    throw OdError(eCorruptData, OdString(std::to_string(count) + " of " +
-                                         std::to_string(m_entities.size()) + " entities of ") +
-                                    blockText(this));
-  }
+void OdDbBlockTableRecord::unlistFrom(const OdDbObjectId& first) {
   const OdDbObjectIdArray& present = m_entities;
+  OdUInt32 count = present.size();
+  while (count > 0 && present[count - 1] != first) --count;
+  if (count-- == 0) {
+    throw OdError(eCorruptData, OdString("entity ") + first.getHandle().ascii() +
+                                    " is not in the list of " + blockText(this));
+  }
   OdDbObjectIdArray removed;
   for (OdUInt32 i = count; i < present.size(); ++i) removed.append(present[i]);
   if (OdDbDwgFiler* filer = beginStep(kAppendStep)) writeIds(filer, removed);
@@ -338,7 +340,7 @@ void OdDbBlockTableRecord::applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls)
   const OdUInt8 step = filer->rdUInt8();
   switch (step) {
     case kCutStep:
-      return unlistFrom(filer->rdCount(0));
+      return unlistFrom(filer->rdSoftPointerId());
     case kAppendStep:
       return listEntities(readIds(filer));
     case kReplaceStep:

@@ -127,7 +127,7 @@ class OdDbBlockTableRecord : public OdDbSymbolTableRecord {
   [[nodiscard]] bool lists(const OdDbObjectId& entity) const;
   OdDbDwgFiler* beginStep(OdUInt8 step);
   void listEntities(const OdDbObjectIdArray& entities);
-  void unlistFrom(OdUInt32 count);
+  void unlistFrom(const OdDbObjectId& first);
   void removeEntities(const std::unordered_set<OdDbObjectId>& removed);
   void replaceEntities(const OdDbObjectIdArray& entities);
   OdResult checkMovable(const OdDbObjectIdArray& ids) const;
