@@ -2,11 +2,12 @@
 //
 //   draw_picture DRAWING OUT.svg
 //
-// Seen from the front right above, without perspective; faces nearer to the eye cover those behind.
+// Seen from the front right above, without perspective; what is nearer to the eye covers the rest.
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -16,16 +17,16 @@
 #include "platform/db/database.h"
 #include "platform/db/db_init.h"
 #include "platform/db/host_app_services.h"
+#include "platform/ge/extents3d.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "platform/modeler_occt/occt_modeler.h"
 #include "platform/storage/sqlite_record_store.h"
 
 namespace {
 
-constexpr double kPictureWidth = 800;  // pixels
-constexpr double kMargin = 20;
-constexpr int kMaxNesting = 32;    // blocks within blocks
-constexpr double kMaxEdge = 0.03;  // longest edge drawn in one piece, as a part of the width
+constexpr int kWidth = 800;  // pixels
+constexpr int kMargin = 20;
+constexpr int kMaxNesting = 32;  // blocks within blocks
 
 const OdGeVector3d kRight = OdGeVector3d(1, 1, 0).normal();
 const OdGeVector3d kUp = OdGeVector3d(-1, 1, 2).normal();
@@ -34,12 +35,6 @@ const OdGeVector3d kLight = OdGeVector3d(0.3, -0.7, 1).normal();
 
 struct Color {
   double red = 0.62, green = 0.68, blue = 0.75;
-};
-
-struct Triangle {
-  std::array<std::array<double, 3>, 3> corners;  // right, up, towards the eye
-  double light;                                  // 0 to 1
-  Color color;
 };
 
 double dot(const OdGeVector3d& a, const OdGePoint3d& b) {
@@ -57,70 +52,49 @@ class Picture {
     }
   }
 
+  /// One path for each colour, made of the horizontal runs of pixels that have it.
   void write(std::FILE* file) {
-    divideLargeTriangles();
-    std::sort(m_triangles.begin(), m_triangles.end(),
-              [](const Triangle& a, const Triangle& b) { return depth(a) < depth(b); });
-    const double scale = (kPictureWidth - 2 * kMargin) / std::max(m_high[0] - m_low[0], 1e-9);
-    const double height = (m_high[1] - m_low[1]) * scale + 2 * kMargin;
-    std::fprintf(file,
-                 "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%.0f\" height=\"%.0f\">\n",
-                 kPictureWidth, height);
-    for (const Triangle& triangle : m_triangles) {
-      const auto shade = [&triangle](double part) {
-        return static_cast<int>(255 * std::min(1.0, part * (0.35 + 0.65 * triangle.light)));
-      };
-      const int red = shade(triangle.color.red);
-      const int green = shade(triangle.color.green);
-      const int blue = shade(triangle.color.blue);
-      std::fprintf(file, "<path d=\"");
-      for (std::size_t i = 0; i < 3; ++i) {
-        std::fprintf(file, "%c%.1f %.1f", i == 0 ? 'M' : 'L',
-                     (triangle.corners[i][0] - m_low[0]) * scale + kMargin,
-                     height - kMargin - (triangle.corners[i][1] - m_low[1]) * scale);
+    if (m_triangles.empty()) throw OdError(eNotApplicable, OdString("there is nothing to draw"));
+    rasterise();
+    std::map<unsigned, std::string> paths;
+    for (int y = 0; y < m_height; ++y) {
+      for (int x = 0; x < kWidth;) {
+        const unsigned color = pixel(x, y).color;
+        const int first = x;
+        while (x < kWidth && pixel(x, y).color == color) ++x;
+        if (color == kBackground) continue;
+        paths[color] +=
+            "M" + std::to_string(first) + " " + std::to_string(y) + "h" + std::to_string(x - first);
       }
-      std::fprintf(file,
-                   "Z\" fill=\"#%02x%02x%02x\" stroke=\"#%02x%02x%02x\" stroke-width=\".6\"/>\n",
-                   red, green, blue, red, green, blue);
+    }
+    std::fprintf(file,
+                 "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 -.5 %d %d\" "
+                 "width=\"%d\" height=\"%d\" shape-rendering=\"crispEdges\">\n",
+                 kWidth, m_height, kWidth, m_height);
+    for (const auto& [color, path] : paths) {
+      std::fprintf(file, "<path stroke=\"#%06x\" d=\"%s\"/>\n", color, path.c_str());
     }
     std::fprintf(file, "</svg>\n");
   }
 
  private:
-  static double depth(const Triangle& triangle) {
-    return triangle.corners[0][2] + triangle.corners[1][2] + triangle.corners[2][2];
-  }
+  static constexpr unsigned kBackground = ~0u;
+  struct Pixel {
+    double depth = -1e300;
+    unsigned color = kBackground;
+  };
+  struct Triangle {
+    std::array<OdGePoint3d, 3> corners;  // right, up, towards the eye
+    unsigned color;
+  };
 
-  // Drawing from back to front needs pieces that are small beside the distances between faces: the
-  // longest edge is halved until all are short.
-  void divideLargeTriangles() {
-    const double longest = (m_high[0] - m_low[0]) * kMaxEdge;
-    for (std::size_t i = 0; i < m_triangles.size();) {
-      std::size_t widest = 0;
-      double length = 0;
-      for (std::size_t edge = 0; edge < 3; ++edge) {
-        const auto& from = m_triangles[i].corners[edge];
-        const auto& to = m_triangles[i].corners[(edge + 1) % 3];
-        const double size = std::hypot(to[0] - from[0], to[1] - from[1], to[2] - from[2]);
-        if (size > length) {
-          length = size;
-          widest = edge;
-        }
-      }
-      if (length <= longest) {
-        ++i;
-        continue;
-      }
-      Triangle other = m_triangles[i];
-      const std::size_t next = (widest + 1) % 3;
-      std::array<double, 3> middle{};
-      for (std::size_t axis = 0; axis < 3; ++axis) {
-        middle[axis] = (other.corners[widest][axis] + other.corners[next][axis]) / 2;
-      }
-      m_triangles[i].corners[next] = middle;
-      other.corners[widest] = middle;
-      m_triangles.push_back(other);
-    }
+  Pixel& pixel(int x, int y) { return m_pixels[static_cast<std::size_t>(y * kWidth + x)]; }
+
+  static unsigned shade(const Color& color, double light) {
+    const auto part = [light](double value) {
+      return static_cast<unsigned>(255 * std::min(1.0, value * (0.35 + 0.65 * light)));
+    };
+    return part(color.red) << 16 | part(color.green) << 8 | part(color.blue);
   }
 
   void addTriangle(const OdModelerFaceMesh& face, const std::array<OdUInt32, 3>& indices,
@@ -129,23 +103,56 @@ class Picture {
     for (std::size_t i = 0; i < 3; ++i) points[i] = placement * face.points[indices[i]];
     OdGeVector3d normal = (points[1] - points[0]).crossProduct(points[2] - points[0]);
     if (normal.length() == 0 || normal.dotProduct(kToEye) <= 0) return;  // faces away
-    normal = normal.normal();
     Triangle triangle{};
-    triangle.color = color;
-    triangle.light = std::max(0.0, normal.dotProduct(kLight));
+    triangle.color = shade(color, std::max(0.0, normal.normal().dotProduct(kLight)));
     for (std::size_t i = 0; i < 3; ++i) {
       triangle.corners[i] = {dot(kRight, points[i]), dot(kUp, points[i]), dot(kToEye, points[i])};
-      for (std::size_t axis = 0; axis < 2; ++axis) {
-        m_low[axis] = std::min(m_low[axis], triangle.corners[i][axis]);
-        m_high[axis] = std::max(m_high[axis], triangle.corners[i][axis]);
-      }
+      m_extents.addPoint(triangle.corners[i]);
     }
     m_triangles.push_back(triangle);
   }
 
+  void rasterise() {
+    const OdGePoint3d low = m_extents.minPoint();
+    const OdGePoint3d high = m_extents.maxPoint();
+    const double scale = (kWidth - 2 * kMargin) / std::max(high.x - low.x, 1e-9);
+    m_height = static_cast<int>((high.y - low.y) * scale) + 2 * kMargin;
+    m_pixels.assign(static_cast<std::size_t>(kWidth * m_height), Pixel());
+    for (Triangle triangle : m_triangles) {
+      for (OdGePoint3d& corner : triangle.corners) {
+        corner.x = (corner.x - low.x) * scale + kMargin;
+        corner.y = m_height - kMargin - (corner.y - low.y) * scale;
+      }
+      fill(triangle);
+    }
+  }
+
+  // Each pixel whose middle lies in the triangle, by its barycentric coordinates.
+  void fill(const Triangle& triangle) {
+    const auto& [a, b, c] = triangle.corners;
+    const double area = (b.x - a.x) * (c.y - a.y) - (c.x - a.x) * (b.y - a.y);
+    if (area == 0) return;
+    const int top = static_cast<int>(std::floor(std::min({a.y, b.y, c.y})));
+    const int bottom = static_cast<int>(std::ceil(std::max({a.y, b.y, c.y})));
+    const int left = static_cast<int>(std::floor(std::min({a.x, b.x, c.x})));
+    const int right = static_cast<int>(std::ceil(std::max({a.x, b.x, c.x})));
+    for (int y = std::max(0, top); y < std::min(m_height, bottom); ++y) {
+      for (int x = std::max(0, left); x < std::min(kWidth, right); ++x) {
+        const double px = x + 0.5;
+        const double py = y + 0.5;
+        const double toB = ((px - a.x) * (c.y - a.y) - (c.x - a.x) * (py - a.y)) / area;
+        const double toC = ((b.x - a.x) * (py - a.y) - (px - a.x) * (b.y - a.y)) / area;
+        if (toB < 0 || toC < 0 || toB + toC > 1) continue;
+        const double depth = a.z + toB * (b.z - a.z) + toC * (c.z - a.z);
+        if (depth > pixel(x, y).depth) pixel(x, y) = {depth, triangle.color};
+      }
+    }
+  }
+
   std::vector<Triangle> m_triangles;
-  std::array<double, 2> m_low = {1e300, 1e300};
-  std::array<double, 2> m_high = {-1e300, -1e300};
+  OdGeExtents3d m_extents;
+  std::vector<Pixel> m_pixels;
+  int m_height = 0;
 };
 
 Color colorOf(const OdDbEntity* entity) {
