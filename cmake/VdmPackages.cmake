@@ -5,11 +5,9 @@
 #   SQLite::SQLite3  vdm::xxhash            drawing file
 #   occt::modeling occt::step occt::ocaf occt::drafting
 #                                           solids, STEP exchange, naming, hidden lines
-#   vdm::muparser                           expressions
 #   CLI11::CLI11  nlohmann_json::nlohmann_json
 #                                           command line and machine output
 #   GTest::gtest_main GTest::gmock          tests
-#   benchmark::benchmark                    benchmarks
 
 find_package(ICU REQUIRED COMPONENTS uc i18n)
 find_package(SQLite3 REQUIRED)
@@ -17,9 +15,6 @@ find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 if(VDM_BUILD_TESTS)
   find_package(GTest REQUIRED)
-endif()
-if(VDM_BUILD_BENCH)
-  find_package(benchmark REQUIRED)
 endif()
 
 # _vdm_plain_library(<target> <header> <library>): a library taken by its file alone, so that the
@@ -36,7 +31,6 @@ function(_vdm_plain_library target header library)
   endif()
 endfunction()
 _vdm_plain_library(vdm::xxhash xxhash.h xxhash)
-_vdm_plain_library(vdm::muparser muParser.h muparser)
 
 # The modeller's own package description asks for development files of libraries that only its
 # sources need (threading, visualisation), so its toolkits are looked up one by one.

@@ -9,9 +9,17 @@ say() {
   printf '\n== %s\n' "$*"
 }
 
-# run COMMAND...: shows a command, then runs it.
+# run COMMAND...: shows a command as a shell takes it, then runs it.
 run() {
-  printf '$ %s\n' "$*"
+  local word
+  printf '$'
+  for word in "$@"; do
+    case $word in
+      *[!A-Za-z0-9_./:=-]*) printf " '%s'" "$word" ;;
+      *) printf ' %s' "$word" ;;
+    esac
+  done
+  printf '\n'
   "$@"
 }
 

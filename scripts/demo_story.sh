@@ -1,4 +1,5 @@
 # The story that demo.sh plays: sourced by it, with `say`, `run`, $root and the command `vdm` at hand.
+# shellcheck shell=bash
 
 # handle_of FILE PATTERN: handle of the first line of the product tree that matches.
 handle_of() {
@@ -9,7 +10,7 @@ handle_of() {
 expect_code() {
   local wanted=$1 code=0
   shift
-  run "$@" || code=$?
+  run "$@" 2>&1 || code=$?
   printf '(exit code %d)\n' "$code"
   [ "$code" -eq "$wanted" ]
 }
@@ -79,5 +80,5 @@ demo_story() {
   story_clone
   story_check
   say "What is left in $PWD"
-  ls -l | awk 'NR > 1 { printf "  %9d  %s\n", $5, $9 }'
+  stat --format '%9s  %n' -- *
 }

@@ -18,7 +18,8 @@ void OdDbUndoLog::nextSpan() {
 }
 
 void OdDbUndoLog::push(Kind kind, OdDbStub* stub, OdRxClass* cls) {
-  if (!m_applying && !m_redo.records.empty()) clearRedo();
+  const bool isChange = kind != Kind::kStep && kind != Kind::kMark;
+  if (isChange && !m_applying && !m_redo.records.empty()) clearRedo();
   m_partialStub = nullptr;
   m_target->records.push_back(
       {kind, stub, cls, m_target->buffer.bytes.size(), m_target->buffer.strings.size()});

@@ -3,11 +3,13 @@
 
 #include <sys/wait.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <stdexcept>
+#include <string_view>
 
 namespace cli_testing {
 
@@ -27,40 +29,45 @@ std::string contentOf(const fs::path& path) {
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-std::string escaped(const std::string& text) {
-  static const std::regex special(R"([.^$|()\[\]{}*+?\\])");
-  return std::regex_replace(text, special, R"(\$&)");
+bool isWordCharacter(char c) {
+  return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '.' || c == '-';
 }
 
-/// A pattern as a regular expression; `names` gets the words that it captures.
-std::regex expressionOf(const std::string& pattern, const Words& words,
-                        std::vector<std::string>& names) {
-  static const std::regex part(R"(\*|@([a-z]+)@)");
-  std::string expression;
-  auto from = pattern.cbegin();
-  for (std::sregex_iterator it(pattern.begin(), pattern.end(), part), end; it != end; ++it) {
-    expression += escaped(std::string(from, (*it)[0].first));
-    from = (*it)[0].second;
-    const std::string name = (*it)[1].str();
-    if (name.empty()) {
-      expression += ".*";
-    } else if (const auto known = words.find(name); known != words.end()) {
-      expression += escaped(known->second);
-    } else {
-      names.push_back(name);
-      expression += "([0-9A-Za-z_.-]+)";
+/// The name in @name@ at the start of a pattern; empty when something else stands there.
+std::string_view nameAt(std::string_view pattern) {
+  const std::size_t end = pattern.find('@', 1);
+  if (pattern.empty() || pattern[0] != '@' || end == std::string_view::npos) return {};
+  const std::string_view name = pattern.substr(1, end - 1);
+  return std::all_of(name.begin(), name.end(), isWordCharacter) ? name : std::string_view();
+}
+
+/// Tries the ways in which `*` and new words can take text; words are kept only with a match.
+bool matches(std::string_view pattern, std::string_view line, Words& words) {
+  if (pattern.empty()) return line.empty();
+  if (pattern[0] == '*') {
+    for (std::size_t taken = 0; taken <= line.size(); ++taken) {
+      if (matches(pattern.substr(1), line.substr(taken), words)) return true;
     }
+    return false;
   }
-  return std::regex(expression + escaped(std::string(from, pattern.cend())));
-}
-
-bool matches(const std::string& pattern, const std::string& line, Words& words) {
-  std::vector<std::string> names;
-  const std::regex expression = expressionOf(pattern, words, names);
-  std::smatch found;
-  if (!std::regex_match(line, found, expression)) return false;
-  for (std::size_t i = 0; i < names.size(); ++i) words[names[i]] = found[i + 1].str();
-  return true;
+  const std::string name(nameAt(pattern));
+  if (name.empty()) {
+    return !line.empty() && line[0] == pattern[0] &&
+           matches(pattern.substr(1), line.substr(1), words);
+  }
+  const std::string_view rest = pattern.substr(name.size() + 2);
+  if (const auto known = words.find(name); known != words.end()) {
+    return line.starts_with(known->second) &&
+           matches(rest, line.substr(known->second.size()), words);
+  }
+  std::size_t taken = 0;
+  while (taken < line.size() && isWordCharacter(line[taken])) ++taken;
+  for (; taken > 0; --taken) {
+    words[name] = line.substr(0, taken);
+    if (matches(rest, line.substr(taken), words)) return true;
+  }
+  words.erase(name);
+  return false;
 }
 
 std::string shownLines(const std::vector<std::string>& lines) {
@@ -123,7 +130,10 @@ std::map<std::string, std::string> Shell::files() const {
 std::string withWords(const std::string& command, const Words& words) {
   std::string text = command;
   for (const auto& [name, value] : words) {
-    text = std::regex_replace(text, std::regex("@" + name + "@"), value);
+    const std::string mark = "@" + name + "@";
+    for (std::size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, at)) {
+      text.replace(at, mark.size(), value);
+    }
   }
   return text;
 }
