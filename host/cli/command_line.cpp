@@ -243,6 +243,9 @@ std::string usageLine(const CLI::ParseError& error) {
 }
 
 int parseAndRun(CLI::App& app, CommandLine& line, int argc, char** argv) {
+  if (argc > 1 && argv[1][0] != '-' && app.get_subcommand_no_throw(argv[1]) == nullptr) {
+    throw CliError("'" + std::string(argv[1]) + "' is no command of vdm, see --help", kWrongUsage);
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success&) {
