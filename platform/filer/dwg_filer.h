@@ -1,6 +1,8 @@
 // OdDbDwgFiler: the primitives through which every object writes and reads its state.
 #pragma once
 
+#include <string_view>
+
 #include "platform/base/array.h"
 #include "platform/base/handle.h"
 #include "platform/base/result.h"
@@ -68,6 +70,12 @@ class OdDbDwgFiler : public OdRxObject {
   /// The same for strings that repeat from record to record, such as the keys of property bags:
   /// equal keys read by one thread share one buffer where the filer would otherwise copy.
   virtual OdString rdKey() { return rdString(); }
+  /// The same where the reader knows which string probably comes next: if it is that one, the
+  /// result shares its buffer.
+  virtual OdString rdKeyLike(const OdString& /*expected*/) { return rdKey(); }
+  /// The UTF-8 bytes of a string, for readers that make the string later; valid until the next
+  /// read. False, nothing being read, where the filer does not hold them.
+  virtual bool rdStringBytes(std::string_view& /*utf8*/) { return false; }
   virtual void rdBytes(void* buffer, OdUInt32 size) = 0;
   virtual OdInt8 rdInt8() = 0;
   virtual OdUInt8 rdUInt8() = 0;

@@ -147,7 +147,7 @@ void OdDbFileReader::seek(OdInt64 offset, OdDb::FilerSeekType from) {
   m_data = m_fieldsBegin + target;
 }
 
-OdUInt64 OdDbFileReader::takeVarint() {
+OdUInt64 OdDbFileReader::takeLongVarint() {
   OdUInt64 value = 0;
   for (unsigned shift = 0; shift < 64; shift += 7) {
     const OdUInt64 byte = rdUInt8();
@@ -178,6 +178,11 @@ std::string_view OdDbFileReader::rdStringView() {
 OdString OdDbFileReader::rdString() { return OdString::fromUtf8(rdStringView()); }
 
 OdString OdDbFileReader::rdKey() { return internKey(rdStringView()); }
+
+OdString OdDbFileReader::rdKeyLike(const OdString& expected) {
+  const std::string_view bytes = rdStringView();
+  return bytes == expected.utf8() ? expected : internKey(bytes);
+}
 
 void OdDbFileReader::rdBytes(void* buffer, OdUInt32 size) {
   if (fieldSize() < size) raiseEnd(size);

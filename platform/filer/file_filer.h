@@ -116,6 +116,11 @@ class OdDbFileReader : public OdStaticRxObject<OdDbReadOnlyFiler> {
   bool rdBool() override { return rdUInt8() != 0; }
   OdString rdString() override;
   OdString rdKey() override;
+  OdString rdKeyLike(const OdString& expected) override;
+  bool rdStringBytes(std::string_view& utf8) override {
+    utf8 = rdStringView();
+    return true;
+  }
   void rdBytes(void* buffer, OdUInt32 size) override;
   OdInt8 rdInt8() override { return static_cast<OdInt8>(rdUInt8()); }
   OdUInt8 rdUInt8() override {
@@ -147,7 +152,12 @@ class OdDbFileReader : public OdStaticRxObject<OdDbReadOnlyFiler> {
     rdBytes(&value, sizeof value);
     return value;
   }
-  OdUInt64 takeVarint();
+  OdUInt64 takeVarint() {
+    if (m_data != m_end && *m_data < 0x80) [[likely]]
+      return *m_data++;
+    return takeLongVarint();
+  }
+  OdUInt64 takeLongVarint();
   OdInt64 takeSigned();
   OdDbObjectId takeId(OdDb::ReferenceType type);
   [[noreturn]] void raiseEnd(std::size_t wanted) const;

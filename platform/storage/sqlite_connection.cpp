@@ -156,6 +156,11 @@ OdDbStoreStatus Connection::configure() {
   return execute(pragmas.c_str(), "opening");
 }
 
+OdDbStoreStatus Connection::setCacheSize(int kibibytes) {
+  if (kibibytes == kUsualCache) kibibytes = m_cacheKiB;
+  return execute(("PRAGMA cache_size=-" + std::to_string(kibibytes) + ";").c_str(), "reading");
+}
+
 OdDbStoreStatus Connection::execute(const char* sql, std::string_view doing) {
   return translate(sqlite3_exec(get(), sql, nullptr, nullptr, nullptr), doing);
 }

@@ -105,6 +105,9 @@ class Connection {
 
   /// Changes whenever the file's content as seen by this connection changed.
   [[nodiscard]] unsigned dataVersion() const;
+  /// Changes the size of the page cache; kUsualCache is that of the options.
+  static constexpr int kUsualCache = 0;
+  OdDbStoreStatus setCacheSize(int kibibytes);
   /// Reads bytes of the file itself, below SQLite's cache. Short reads give zeros.
   /// SQLITE_OK, SQLITE_IOERR_SHORT_READ or another failure.
   int readFile(void* target, std::size_t size, std::int64_t offset) const;

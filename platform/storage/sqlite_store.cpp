@@ -199,14 +199,20 @@ OdDbStoreStatus SqliteStore::checkDigest(const RowSetDigest& digest) {
 OdDbStoreStatus SqliteStore::readAll(const std::function<bool(const OdDbRecordView&)>& visit) {
   RowSetDigest digest;
   bool stopped = false;
-  OdDbStoreStatus status =
-      scan(Sql::kReadRecords, stopped, [&](Statement& row, OdDbStoreStatus& failed) {
-        OdDbRecordView record;
-        failed = checkRow(row, record);
-        if (!failed.ok()) return true;
-        digest.add(static_cast<std::uint64_t>(row.integer(3)));
-        return visit(record);
-      });
+  // A walk comes to each page once: a large cache would only lie scattered among what is loaded.
+  constexpr int kWalkCacheKiB = 256;
+  OdDbStoreStatus status = checkUsable();
+  if (status.ok()) status = m_connection.setCacheSize(kWalkCacheKiB);
+  if (!status.ok()) return status;
+  status = scan(Sql::kReadRecords, stopped, [&](Statement& row, OdDbStoreStatus& failed) {
+    OdDbRecordView record;
+    failed = checkRow(row, record);
+    if (!failed.ok()) return true;
+    digest.add(static_cast<std::uint64_t>(row.integer(3)));
+    return visit(record);
+  });
+  const OdDbStoreStatus restored = m_connection.setCacheSize(Connection::kUsualCache);
+  if (status.ok()) status = restored;
   return status.ok() && !stopped ? checkDigest(digest) : status;
 }
 

@@ -16,6 +16,8 @@ using namespace property_testing;
 
 namespace {
 
+OdDbObjectId nullResolver(void*, OdUInt64) { return OdDbObjectId(); }
+
 TEST(VdmPropertiesWire, WritesTheBytesOfEachForm) {
   const OdString key("k");
   struct Row {
@@ -66,6 +68,65 @@ TEST(VdmPropertiesWire, CountsTheVersionEntry) {
   ASSERT_EQ(readFlat(read, bytes), eOk);
   EXPECT_EQ(read.size(), 2u);
   EXPECT_FALSE(read.hasProperty(L"_ver"));
+}
+
+// What a bag reads from a drawing file may stay packed until it is asked for.
+TEST(VdmPropertiesWire, UsesWhatAFileHeldLikeAnyValue) {
+  const OdString shortText(L"\u00E9t\u00E9");
+  const OdString longText(std::string(600, 'x'));
+  VdmDoubleArray manyDoubles;
+  manyDoubles.resize(100, 0.5);
+  const auto fillFromFile = [&](VdmProperties& bag) {
+    VdmProperties source;
+    source.setProperty(L"doubles", VdmDoubleArray{1.5, -2.5});
+    source.setProperty(L"empty", OdString());
+    source.setProperty(L"id", OdDbTypedId(OdDbObjectId(), OdDb::kHardPointerRef));
+    source.setProperty(L"long text", longText);
+    source.setProperty(L"longs", VdmLongArray{7, -8});
+    source.setProperty(L"many", manyDoubles);
+    source.setProperty(L"none", VdmLongArray());
+    source.setProperty(L"text", shortText);
+    OdDbFileWriter writer(nullptr);
+    source.dwgOutFields(&writer);
+    std::vector<OdUInt8> record;
+    writer.assemble(record);
+    OdDbFileReader reader(record.data(), record.size(), nullptr, &nullResolver, nullptr);
+    EXPECT_EQ(bag.dwgInFields(&reader), eOk);
+    return flatOf(source);
+  };
+  OdString text;
+  VdmLongArray longs;
+  VdmDoubleArray doubles;
+
+  VdmProperties bag;
+  const std::vector<char> flat = fillFromFile(bag);
+  EXPECT_EQ(flatOf(bag), flat);
+  EXPECT_FALSE(bag.getProperty(L"text", longs));
+  EXPECT_TRUE(bag.getProperty(L"text", text) && text == shortText);
+  EXPECT_TRUE(bag.getProperty(L"longs", longs) && longs == VdmLongArray({7, -8}));
+  EXPECT_TRUE(bag.getProperty(L"none", longs) && longs.isEmpty());
+  EXPECT_TRUE(bag.getProperty(L"many", doubles) && doubles == manyDoubles);
+  EXPECT_TRUE(bag.getProperty(L"empty", text) && text.isEmpty());
+  EXPECT_EQ(flatOf(bag), flat);
+
+  // Replaced, removed and outgrown while packed; what stays is what it was.
+  fillFromFile(bag);
+  EXPECT_TRUE(bag.setProperty(L"text", longText));
+  EXPECT_TRUE(bag.removeProperty(L"empty"));
+  for (OdLong i = 0; i < 100; ++i) bag.setProperty(OdString("z") + OdString(std::to_string(i)), i);
+  EXPECT_TRUE(bag.getProperty(L"doubles", doubles) && doubles == VdmDoubleArray({1.5, -2.5}));
+  EXPECT_TRUE(bag.getProperty(L"text", text) && text == longText);
+
+  // Copies share the value objects that packed values become.
+  fillFromFile(bag);
+  VdmProperties copy(bag);
+  EXPECT_TRUE(copy.setProperty(L"text", OdString("shared")));
+  EXPECT_TRUE(bag.getProperty(L"text", text) && text == OdString("shared"));
+
+  // Read over what the bag held, by another filer.
+  fillFromFile(bag);
+  ASSERT_EQ(readFlat(bag, flat), eOk);
+  EXPECT_EQ(flatOf(bag), flat);
 }
 
 TEST(VdmPropertiesWire, AcceptsVersionsByTheBagsOwn) {
@@ -248,8 +309,6 @@ TEST(VdmPropertiesWire, LeavesOutDefaultsWhenSparse) {
 }
 
 // ---- Every filer
-
-OdDbObjectId nullResolver(void*, OdUInt64) { return OdDbObjectId(); }
 
 TEST(VdmPropertiesWire, PassesThroughEveryFiler) {
   const VdmProperties bag = fullBag();

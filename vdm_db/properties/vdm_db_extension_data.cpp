@@ -1,6 +1,9 @@
 // Extension data objects and how they hang on their hosts.
 #include "vdm_db/properties/vdm_db_extension_data.h"
 
+#include <memory>
+#include <new>
+
 #include "platform/base/error.h"
 #include "platform/db/dictionary.h"
 #include "vdm_db/module/vdm_class_registration.h"
@@ -9,8 +12,10 @@
 VDM_DEFINE_DB_CLASS(VdmDbExtensionData, OdDbObject, L"VdmDbExtensionData", L"VDMDBEXTENSIONDATA",
                     L"extension data")
 
-VdmDbExtensionData::VdmDbExtensionData() : m_impl(std::make_unique<VdmDbExtensionDataImpl>()) {}
-VdmDbExtensionData::~VdmDbExtensionData() = default;
+VdmDbExtensionData::VdmDbExtensionData() {
+  m_impl = ::new (static_cast<void*>(m_storage)) VdmDbExtensionDataImpl;
+}
+VdmDbExtensionData::~VdmDbExtensionData() { std::destroy_at(m_impl); }
 
 const VdmProperties& VdmDbExtensionData::properties() const {
   assertReadEnabled();

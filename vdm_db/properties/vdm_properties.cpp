@@ -59,10 +59,21 @@ OdUInt32 VdmProperties::findSlot(const OdString& key) const {
   return m_shape == nullptr ? VdmPropertyShape::kNoSlot : m_shape->find(key);
 }
 
-OdUInt32 VdmProperties::addSlot(const OdString& key) {
-  // Grows by half, from four slots on, or at once to the size of the last bag that went this way.
+// Grows by half, from four slots on, or at once to the size of the last bag that went this way.
+void VdmProperties::makeRoom() {
   if (const OdUInt32 count = m_slots.size(); count == m_slots.capacity())
     m_slots.reserve(std::max({4u, count + count / 2, VdmPropertyShape::expectedSize(m_shape)}));
+}
+
+OdUInt32 VdmProperties::takeStep(const VdmPropertyShapeStep& step) {
+  makeRoom();
+  m_shape = step.to;
+  m_slots.insert(step.slot);
+  return step.slot;
+}
+
+OdUInt32 VdmProperties::addSlot(const OdString& key) {
+  makeRoom();
   OdUInt32 slot = 0;
   m_shape = VdmPropertyShape::add(m_shape, key, slot);
   m_slots.insert(slot);
@@ -89,7 +100,7 @@ OdUInt32 VdmProperties::slotAt(OdUInt32 position) const { return m_shape->slotAt
 
 bool VdmProperties::isMappedSlot(OdUInt32 slot) const {
   if (m_slots.isNull(slot)) return false;
-  return m_slots.isBoxed(slot) ? m_slots.boxed(slot)->isMapped() : m_slots.isMappedPlain(slot);
+  return m_slots.isBoxed(slot) ? m_slots.boxed(slot)->isMapped() : m_slots.isMappedVariable(slot);
 }
 
 // ---- Values as objects

@@ -18,14 +18,15 @@
 
 class OdDbDatabase;
 class OdDbObject;
-class VdmPropertyShape;
 class VdmPropertiesIterator;
+class VdmPropertyShape;
+struct VdmPropertyShapeStep;
 
 // Properties in key order (case-sensitive, by characters), with a configuration word and a format
 // version. Values are objects that can be shared by pointer (VdmPropertyData); the bag makes the
-// object of a plain value only when somebody asks for its pointer. A bag that holds mappings is a
-// member of the object it maps. A bag follows the open state of its owner and belongs to one thread
-// at a time. It must not outlive the module.
+// object of a plain value or an array only when somebody asks for its pointer. A bag that holds
+// mappings is a member of the object it maps. A bag follows the open state of its owner and belongs
+// to one thread at a time. It must not outlive the module.
 //
 // 1. Operations answer an absent key, or a value of another type, with false and change nothing.
 // 2. A copy of a bag shares the value objects, mappings included: what is set through one is seen
@@ -146,8 +147,10 @@ class VDM_DB_EXPORT VdmProperties {
   friend class VdmPropertiesWriter;
 
   OdUInt32 findSlot(const OdString& key) const;
-  // The slot of a new key, null as yet.
+  void makeRoom();
+  // The slot of a new key, null as yet; the key is that of the step, which leads on from m_shape.
   OdUInt32 addSlot(const OdString& key);
+  OdUInt32 takeStep(const VdmPropertyShapeStep& step);
   OdUInt32 findOrAddSlot(const OdString& key);
   void removeSlot(OdUInt32 slot);
   const OdString& keyOfSlot(OdUInt32 slot) const;

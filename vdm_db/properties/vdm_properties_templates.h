@@ -10,7 +10,7 @@
 // Into a null slot, which `slotOf` gives once the value is made.
 template <class T, class SlotOf>
 void VdmProperties::putValue(const T& value, SlotOf slotOf) {
-  if constexpr (VdmPlainType<T>) {
+  if constexpr (VdmSlotValue<T>) {
     m_slots.put(slotOf(), value);
   } else {
     const VdmPropertyDataPtr made = VdmPropertyData::create(value);
@@ -35,7 +35,7 @@ bool VdmProperties::setProperty(const OdString& key, const T& value) {
     putValue(value, [&] { return slot; });
     return true;
   }
-  if constexpr (VdmPlainType<T>) {
+  if constexpr (VdmSlotValue<T>) {
     if (!m_slots.holds<T>(slot)) return false;
     m_slots.set(slot, value);
     return true;
@@ -48,7 +48,7 @@ template <VdmPropertyValue T>
 bool VdmProperties::getProperty(const OdString& key, T& value) const {
   const OdUInt32 slot = findSlot(key);
   if (slot == VdmPropertyShape::kNoSlot) return false;
-  if constexpr (VdmPlainType<T>) {
+  if constexpr (VdmSlotValue<T>) {
     if (m_slots.holds<T>(slot)) {
       value = m_slots.get<T>(slot);
       return true;
@@ -67,7 +67,7 @@ bool VdmProperties::getProperty(const OdString& key, T& value) const {
 template <VdmPropertyValue T>
 bool VdmProperties::mapProperty(const OdString& key, T* variable) {
   getProperty(key, *variable);
-  if constexpr (VdmPlainType<T>) {
+  if constexpr (VdmSlotValue<T>) {
     removeProperty(key);
     m_slots.putMapped(addSlot(key), variable);
   } else {

@@ -95,14 +95,23 @@ class VdmPropertiesWriter {
       m_bag.m_slots.boxed(slot)->writeToDwg(m_filer, m_config);
       return;
     }
-    const VdmPropertyType type = m_bag.m_slots.plainType(slot);
-    m_filer->wrInt8(static_cast<OdInt8>(type));
-    vdmVisitPlainType(type, [&]<class T>() {
-      VdmElementEncoding<T>::write(m_filer, m_bag.m_slots.get<T>(slot), m_config);
+    m_bag.m_slots.visitType(slot, [&]<class T>() {
+      m_filer->wrInt8(static_cast<OdInt8>(VdmPropertyTypeInfo<T>::Id));
+      writeSlot<T>(slot);
     });
   }
 
  private:
+  // A bag that is filed keeps what it holds as bytes.
+  template <class T>
+  void writeSlot(OdUInt32 slot) {
+    if constexpr (VdmPackedValue<T>) {
+      if (m_bag.m_slots.isPacked(slot))
+        return VdmPropertyEncoding<T>::write(m_filer, m_bag.m_slots.unpacked<T>(slot), m_config);
+    }
+    VdmPropertyEncoding<T>::write(m_filer, m_bag.m_slots.get<T>(slot), m_config);
+  }
+
   const VdmProperties& m_bag;
   OdDbDwgFiler* m_filer;
   int m_config;
@@ -131,6 +140,7 @@ class VdmPropertiesReader {
 
   OdResult read() {
     dropUnmapped();
+    m_packs = m_bag.isEmpty() && m_filer->filerType() == OdDbDwgFiler::kFileFiler;
     const OdInt32 count = m_filer->rdInt32();
     if (count > 0) {
       const OdResult result = readEntries(static_cast<OdUInt32>(count));
@@ -149,10 +159,14 @@ class VdmPropertiesReader {
   }
 
  private:
+  using Step = VdmPropertyShape::Step;
   // A key and a type byte.
   static constexpr OdUInt32 kMinEntryBytes = 2;
   // A count that the filer cannot check reserves no more than this.
   static constexpr OdUInt32 kMaxReserve = 1024;
+  // Of a longer value the bytes that stay behind once it is asked for would weigh more than what an
+  // object of its own costs.
+  static constexpr OdUInt32 kMaxPackedBytes = 512;
 
   void dropUnmapped() {
     OdUInt32 mapped = 0;
@@ -174,15 +188,22 @@ class VdmPropertiesReader {
     return eOk;
   }
 
+  // Bags of one kind hold the same keys one after the other, so that the next one is mostly known.
   OdResult readEntry() {
-    const OdString key = m_filer->rdKey();
+    const Step* likely = VdmPropertyShape::likelyStep(m_bag.m_shape);
+    const OdString key = likely == nullptr ? m_filer->rdKey() : m_filer->rdKeyLike(likely->key);
     if (key.isEmpty()) return skipValue();
     if (key == kVdmVersion) return checkVersion();
-    const OdUInt32 slot = findSlot(key);
-    const bool read = slot == VdmPropertyShape::kNoSlot ? readNew(key) : readInPlace(slot);
-    if (!read) return eCorruptData;
+    if (!readValue(key, likely)) return eCorruptData;
     if (m_isSparse) m_keysRead.push_back(key);
     return eOk;
+  }
+
+  bool readValue(const OdString& key, const Step* likely) {
+    if (likely != nullptr && likely->key == key)
+      return readNew([&] { return m_bag.takeStep(*likely); });
+    const OdUInt32 slot = findSlot(key);
+    return slot == VdmPropertyShape::kNoSlot ? readNew(key) : readInPlace(slot);
   }
 
   OdResult skipValue() {
@@ -201,24 +222,88 @@ class VdmPropertiesReader {
 
   OdUInt32 findSlot(const OdString& key) const {
     const VdmPropertyShape* shape = m_bag.m_shape;
-    if (shape == nullptr || shape->isSurelyMissing(key)) return VdmPropertyShape::kNoSlot;
+    if (shape == nullptr || shape->isBehindAll(key)) return VdmPropertyShape::kNoSlot;
     return shape->find(key);
   }
 
   bool readNew(const OdString& key) {
+    return readNew([&] { return m_bag.addSlot(key); });
+  }
+
+  // Into the slot that `makeSlot` gives once the value is read.
+  template <class MakeSlot>
+  bool readNew(MakeSlot makeSlot) {
     const OdInt8 number = m_filer->rdInt8();
-    const auto type = static_cast<VdmPropertyType>(number);
-    if (type >= VdmPropertyType::kString && type <= VdmPropertyType::kTypedId) {
-      vdmVisitPlainType(type, [&]<class T>() {
-        const T value = VdmElementEncoding<T>::read(m_filer, m_config);
-        m_bag.m_slots.put(m_bag.addSlot(key), value);
-      });
-      return true;
+    const auto put = [&]<class T>() {
+      if constexpr (VdmPackedValue<T>)
+        if (readPacked<T>(makeSlot)) return;
+      T value{};
+      VdmPropertyEncoding<T>::read(m_filer, value, m_config);
+      m_bag.m_slots.put<T>(makeSlot(), std::move(value));
+    };
+    switch (const auto type = static_cast<VdmPropertyType>(number)) {
+      case VdmPropertyType::kString:
+      case VdmPropertyType::kLong:
+      case VdmPropertyType::kDouble:
+      case VdmPropertyType::kBool:
+      case VdmPropertyType::kInt8:
+      case VdmPropertyType::kHandle:
+      case VdmPropertyType::kTypedId:
+        vdmVisitPlainType(type, put);
+        return true;
+      case VdmPropertyType::kArray: {
+        const auto elementType = static_cast<VdmPropertyType>(m_filer->rdInt8());
+        if (!vdmIsElementType(elementType)) return false;
+        vdmVisitElementType(elementType,
+                            [&]<class E>() { put.template operator()<VdmArray<E>>(); });
+        return true;
+      }
+      default:
+        break;
     }
     const VdmPropertyDataPtr value = VdmPropertyData::createFromDwg(m_filer, m_config, number);
     if (value.isNull()) return false;
-    m_bag.m_slots.putBoxed(m_bag.addSlot(key), value);
+    m_bag.m_slots.putBoxed(makeSlot(), value);
     return true;
+  }
+
+  // False, nothing being read, where the value cannot be kept as bytes.
+  template <VdmPackedValue T, class MakeSlot>
+  bool readPacked(MakeSlot makeSlot) {
+    if (!m_packs || m_bag.size() >= VdmPropertyShape::kMaxSharedKeys) return false;
+    if constexpr (std::is_same_v<T, OdString>) {
+      std::string_view text;
+      if (!m_filer->rdStringBytes(text)) return false;
+      if (text.size() <= kMaxPackedBytes)
+        pack<T>(makeSlot(), text);
+      else
+        m_bag.m_slots.put(makeSlot(), OdString::fromUtf8(text));
+    } else {
+      readPackedArray<typename T::value_type>(makeSlot);
+    }
+    return true;
+  }
+
+  template <class E, class MakeSlot>
+  void readPackedArray(MakeSlot makeSlot) {
+    constexpr OdUInt32 kMaxPackedElements = kMaxPackedBytes / sizeof(E);
+    const OdUInt32 count = m_filer->rdCount(VdmElementEncoding<E>::kMinBytes);
+    if (count > kMaxPackedElements) {
+      VdmArray<E> array;
+      VdmValueEncoding<VdmArray<E>>::readElements(m_filer, array, count, m_config);
+      return m_bag.m_slots.put(makeSlot(), std::move(array));
+    }
+    std::array<E, kMaxPackedElements> elements;
+    for (OdUInt32 i = 0; i < count; ++i)
+      elements[i] = VdmElementEncoding<E>::read(m_filer, m_config);
+    pack<VdmArray<E>>(makeSlot(),
+                      {reinterpret_cast<const char*>(elements.data()), count * sizeof(E)});
+  }
+
+  template <VdmPackedValue T>
+  void pack(OdUInt32 slot, std::string_view bytes) {
+    m_bag.m_slots.putPacked<T>(slot, bytes, m_packedBytes);
+    m_packedBytes += static_cast<OdUInt32>(bytes.size());
   }
 
   bool readInPlace(OdUInt32 slot) {
@@ -229,15 +314,21 @@ class VdmPropertiesReader {
       const VdmPropertyDataPtr value = m_bag.m_slots.boxed(slot);
       return value->readFromDwg(m_filer, m_config);
     }
-    const VdmPropertyType type = m_bag.m_slots.plainType(slot);
-    if (m_filer->rdInt8() != static_cast<OdInt8>(type)) {
-      vdmReportWrongType("type == this->type()", 1450);
-      return false;
-    }
-    vdmVisitPlainType(type, [&]<class T>() {
-      m_bag.m_slots.set(slot, VdmElementEncoding<T>::read(m_filer, m_config));
+    return m_bag.m_slots.visitType(slot, [&]<class T>() {
+      if (!readTypes<T>()) return false;
+      T value{};
+      VdmPropertyEncoding<T>::read(m_filer, value, m_config);
+      m_bag.m_slots.set<T>(slot, std::move(value));
+      return true;
     });
-    return true;
+  }
+
+  template <class T>
+  bool readTypes() {
+    const bool isRight = VdmPropertyEncoding<T>::readTypes(m_filer);
+    // Of an array it is reported there.
+    if (VdmPlainType<T> && !isRight) vdmReportWrongType("type == this->type()", 1450);
+    return isRight;
   }
 
   // What a sparse stream does not hold has its default.
@@ -258,6 +349,9 @@ class VdmPropertiesReader {
   OdDbDwgFiler* m_filer;
   int m_config;
   bool m_isSparse;
+  // Texts and arrays of a bag that comes from a drawing file, and held nothing, stay bytes.
+  bool m_packs = false;
+  OdUInt32 m_packedBytes = 0;
   std::vector<OdString> m_keysRead;
 };
 

@@ -100,7 +100,10 @@ struct VdmValueEncoding<OdArray<E, A>> {
       if (!isLeftOut(filer, element, config)) VdmElementEncoding<E>::write(filer, element, config);
   }
   static void read(OdDbDwgFiler* filer, Array& value, int config) {
-    const OdUInt32 count = filer->rdCount(VdmElementEncoding<E>::kMinBytes);
+    readElements(filer, value, filer->rdCount(VdmElementEncoding<E>::kMinBytes), config);
+  }
+  // The elements behind a count that was checked.
+  static void readElements(OdDbDwgFiler* filer, Array& value, OdUInt32 count, int config) {
     Array fresh;
     fresh.reserve(std::min(count, kMaxReserve));
     for (OdUInt32 i = 0; i < count; ++i) fresh.append(VdmElementEncoding<E>::read(filer, config));

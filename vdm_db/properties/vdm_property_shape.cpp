@@ -92,6 +92,10 @@ const VdmPropertyShape* VdmPropertyShape::remove(const VdmPropertyShape* shape, 
   return new VdmPropertyShape(PrivateTag(), std::move(keys));
 }
 
+const VdmPropertyShape::Step* VdmPropertyShape::likelyStep(const VdmPropertyShape* shape) noexcept {
+  return VdmPropertyShapeRegistry::instance().likelyStep(shape);
+}
+
 OdUInt32 VdmPropertyShape::expectedSize(const VdmPropertyShape* shape) noexcept {
   if (shape != nullptr && !shape->isShared()) return shape->size();
   return VdmPropertyShapeRegistry::instance().expectedSize(shape);

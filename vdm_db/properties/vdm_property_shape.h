@@ -9,6 +9,17 @@
 #include "platform/base/string.h"
 #include "platform/base/types.h"
 
+class VdmPropertyShape;
+
+// What leads from one shape to another: a key that is added or taken away.
+struct VdmPropertyShapeStep {
+  const VdmPropertyShape* from;
+  OdString key;
+  bool isRemoval;
+  const VdmPropertyShape* to;
+  OdUInt32 slot;  // of the key, in the shape that has it
+};
+
 // Which keys a bag has, and in which of its slots the value of each lies.
 //
 // 1. A shared shape is immutable, lives as long as the module, and holds at most kMaxSharedKeys
@@ -26,14 +37,7 @@ class VdmPropertyShape {
   static constexpr OdUInt32 kMaxSharedKeys = 64;
   static constexpr OdUInt32 kMaxShapes = 4096;
 
-  // What leads from one shape to another: a key that is added or taken away.
-  struct Step {
-    const VdmPropertyShape* from;
-    OdString key;
-    bool isRemoval;
-    const VdmPropertyShape* to;
-    OdUInt32 slot;  // of the key, in the shape that has it
-  };
+  using Step = VdmPropertyShapeStep;
 
   explicit VdmPropertyShape(std::vector<OdString> sortedKeys);
   VdmPropertyShape(const VdmPropertyShape&) = delete;
@@ -48,12 +52,9 @@ class VdmPropertyShape {
   }
   // kNoSlot when the key is not there.
   OdUInt32 find(const OdString& key) const;
-  // True for keys that are seen to be missing at little cost, as a reader of sorted keys mostly
-  // meets them: the one that bags of this kind got last, and those behind all others.
-  bool isSurelyMissing(const OdString& key) const {
-    const Step* usual = m_lastStep.load(std::memory_order_acquire);
-    return (usual != nullptr && usual->key == key) || (isShared() && m_keys.back() < key);
-  }
+  // True for keys behind all others, as a reader of sorted keys mostly meets them: they are seen to
+  // be missing at little cost.
+  bool isBehindAll(const OdString& key) const { return isShared() && m_keys.back() < key; }
 
   // The shape with one more key, which it did not have, and the slot for its value: from a shared
   // shape the slots behind it move up by one. A private shape is changed in place.
@@ -62,6 +63,9 @@ class VdmPropertyShape {
   // The shape without the key of a slot: in a shared shape the slots behind it move down by one,
   // in a private one the last slot takes its place.
   static const VdmPropertyShape* remove(const VdmPropertyShape* shape, OdUInt32 slot);
+  // The step by which bags that were like this one got their next key, which this shape has not;
+  // null when there is none. Whoever takes it goes on with the shape it leads to.
+  static const Step* likelyStep(const VdmPropertyShape* shape) noexcept;
   // Number of keys at the end of the steps last taken from here on: what a bag on the same way will
   // probably hold, at most kMaxSharedKeys.
   static OdUInt32 expectedSize(const VdmPropertyShape* shape) noexcept;

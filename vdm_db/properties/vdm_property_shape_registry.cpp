@@ -71,10 +71,9 @@ const VdmPropertyShape::Step* VdmPropertyShapeRegistry::stepByAdding(const VdmPr
 
 OdUInt32 VdmPropertyShapeRegistry::expectedSize(const VdmPropertyShape* from) const noexcept {
   OdUInt32 size = from == nullptr ? 0 : from->size();
-  const Step* step = (from == nullptr ? m_firstStep : from->m_lastStep).load(std::memory_order_acquire);
-  for (; step != nullptr && size < VdmPropertyShape::kMaxSharedKeys; ++size) {
-    step = step->to->m_lastStep.load(std::memory_order_acquire);
-  }
+  const Step* step = likelyStep(from);
+  for (; step != nullptr && size < VdmPropertyShape::kMaxSharedKeys; ++size)
+    step = likelyStep(step->to);
   return size;
 }
 

@@ -35,7 +35,10 @@ class VdmPropertyShapeRegistry {
 
   // Known steps, made when they are new; null beyond the limits.
   const Step* stepByAdding(const VdmPropertyShape* from, const OdString& key);
-  // See VdmPropertyShape::expectedSize.
+  // See VdmPropertyShape.
+  const Step* likelyStep(const VdmPropertyShape* from) const noexcept {
+    return (from == nullptr ? m_firstStep : from->m_lastStep).load(std::memory_order_acquire);
+  }
   OdUInt32 expectedSize(const VdmPropertyShape* from) const noexcept;
   const Step* stepByRemoving(const VdmPropertyShape* from, OdUInt32 slot);
 

@@ -9,7 +9,7 @@
 #include "platform/base/raise.h"
 #include "vdm_db/properties/vdm_property_mapping.h"
 
-static_assert(sizeof(OdString) == sizeof(OdUInt64) && sizeof(OdDbObjectId) == sizeof(OdUInt64));
+static_assert(sizeof(OdDbObjectId) == sizeof(OdUInt64));
 
 // ---- Memory
 
@@ -28,8 +28,9 @@ void VdmPropertySlots::reserve(OdUInt32 capacity) {
   if (capacity <= m_capacity) return;
   constexpr OdUInt32 kMaxCapacity = std::numeric_limits<OdUInt32>::max() / 2;
   if (capacity > kMaxCapacity) odRaise(eLimitExceeded, "too many properties in one bag");
-  auto* block =
-      static_cast<OdUInt8*>(std::malloc(tagBytes(capacity) + capacity * sizeof(OdUInt64)));
+  for (OdUInt32 slot = 0; slot < m_size; ++slot)
+    if (isPacked(slot)) unpack(slot);
+  auto* block = static_cast<OdUInt8*>(std::malloc(slotBytes(capacity)));
   if (block == nullptr) odRaise(eOutOfMemory);
   if (m_size > 0) {
     std::memcpy(block, m_tags, m_size);
@@ -70,49 +71,86 @@ void VdmPropertySlots::clear() noexcept {
 
 void VdmPropertySlots::dropValue(OdUInt32 slot) noexcept {
   const OdUInt8 dropped = std::exchange(tag(slot), kNull);
-  if (dropped == kBoxed)
+  if (dropped == kBoxed) {
     delete reinterpret_cast<VdmPropertyDataPtr*>(word(slot));
-  else if (dropped == static_cast<OdUInt8>(VdmPropertyType::kString))
-    text(slot).~OdString();
+  } else if (dropped == kTagOf<OdString>) {
+    object<OdString>(slot).~OdString();
+  } else if ((dropped & (kArray | kMapped | kPacked)) == kArray) {
+    vdmVisitElementType(static_cast<VdmPropertyType>(dropped & kTypeMask), [&]<class E>() {
+      // Elements that go may reach back to the bag, too: the array leaves the slot first.
+      const VdmArray<E> array(std::move(object<VdmArray<E>>(slot)));
+    });
+  }
 }
 
 // ---- Values
 
-template <VdmPlainType T>
-void VdmPropertySlots::set(OdUInt32 slot, const T& value) {
-  if (isMappedPlain(slot))
-    *reinterpret_cast<T*>(word(slot)) = value;
+template <VdmSlotValue T>
+void VdmPropertySlots::set(OdUInt32 slot, T value) {
+  if (isMappedVariable(slot))
+    *reinterpret_cast<T*>(word(slot)) = std::move(value);
   else
-    put(slot, value);
+    put(slot, std::move(value));
 }
 
-template <VdmPlainType T>
-void VdmPropertySlots::put(OdUInt32 slot, const T& value) {
-  constexpr auto kTag = static_cast<OdUInt8>(vdmElementType<T>());
-  if constexpr (std::is_same_v<T, OdString>) {
-    const OdString copy(value);  // may be the text that goes
-    dropValue(slot);
-    ::new (static_cast<void*>(&word(slot))) OdString(copy);
-    tag(slot) = kTag;
-  } else if constexpr (std::is_same_v<T, OdDbTypedId>) {
-    const OdDbTypedId copy(value);
-    dropValue(slot);
-    word(slot) = reinterpret_cast<OdUInt64>(copy.id.stub());
-    tag(slot) = static_cast<OdUInt8>(kTag | (copy.type & 3) << kReferenceShift);
+template <VdmSlotValue T>
+void VdmPropertySlots::put(OdUInt32 slot, T value) {
+  dropValue(slot);
+  word(slot) = 0;
+  if constexpr (std::is_same_v<T, OdDbTypedId>) {
+    word(slot) = reinterpret_cast<OdUInt64>(value.id.stub());
+    tag(slot) = static_cast<OdUInt8>(kTagOf<T> | (value.type & 3) << kReferenceShift);
+    return;
+  } else if constexpr (std::is_reference_v<Value<T>>) {
+    ::new (static_cast<void*>(&word(slot))) T(std::move(value));
   } else {
-    const T copy(value);
-    dropValue(slot);
-    word(slot) = 0;
-    std::memcpy(&word(slot), &copy, sizeof copy);
-    tag(slot) = kTag;
+    std::memcpy(&word(slot), &value, sizeof value);
   }
+  tag(slot) = kTagOf<T>;
 }
 
-template <VdmPlainType T>
+template <VdmSlotValue T>
 void VdmPropertySlots::putMapped(OdUInt32 slot, T* variable) {
   dropValue(slot);
   word(slot) = reinterpret_cast<OdUInt64>(variable);
-  tag(slot) = static_cast<OdUInt8>(vdmElementType<T>()) | kMapped;
+  tag(slot) = kTagOf<T> | kMapped;
+}
+
+template <VdmPackedValue T>
+void VdmPropertySlots::putPacked(OdUInt32 slot, std::string_view bytes, OdUInt32 used) {
+  void* block = std::realloc(m_tags, slotBytes(m_capacity) + used + bytes.size());
+  if (block == nullptr) odRaise(eOutOfMemory);
+  m_tags = static_cast<OdUInt8*>(block);
+  std::copy(bytes.begin(), bytes.end(), packedBytes() + used);
+  word(slot) = used | static_cast<OdUInt64>(bytes.size()) << 32;
+  tag(slot) = kTagOf<T> | kPacked;
+}
+
+template <VdmPackedValue T>
+T VdmPropertySlots::unpacked(OdUInt32 slot) const {
+  const char* bytes = packedBytes() + static_cast<OdUInt32>(word(slot));
+  const auto size = static_cast<std::size_t>(word(slot) >> 32);
+  if constexpr (std::is_same_v<T, OdString>) {
+    return OdString::fromUtf8({bytes, size});
+  } else {
+    T array;
+    array.resize(static_cast<OdUInt32>(size / sizeof(typename T::value_type)));
+    if (size > 0) std::memcpy(array.asArrayPtr(), bytes, size);
+    return array;
+  }
+}
+
+void VdmPropertySlots::unpack(OdUInt32 slot) const {
+  const auto put = [&]<class T>(T value) {
+    ::new (static_cast<void*>(&word(slot))) T(std::move(value));
+    tag(slot) = kTagOf<T>;
+  };
+  if (holds<OdString>(slot))
+    put(unpacked<OdString>(slot));
+  else if (holds<VdmArray<double>>(slot))
+    put(unpacked<VdmArray<double>>(slot));
+  else
+    put(unpacked<VdmArray<OdLong>>(slot));
 }
 
 void VdmPropertySlots::putBoxed(OdUInt32 slot, const VdmPropertyDataPtr& value) {
@@ -122,9 +160,9 @@ void VdmPropertySlots::putBoxed(OdUInt32 slot, const VdmPropertyDataPtr& value) 
   tag(slot) = kBoxed;
 }
 
-template <VdmPlainType T>
+template <VdmSlotValue T>
 VdmPropertyDataPtr VdmPropertySlots::makeObject(OdUInt32 slot) const {
-  if (isMappedPlain(slot))
+  if (isMappedVariable(slot))
     return VdmPropertyDataPtr(new VdmPropertyDataMapping<T>(reinterpret_cast<T*>(word(slot))));
   return VdmPropertyDataPtr(new VdmPropertyDataContainer<T>(get<T>(slot)));
 }
@@ -133,20 +171,30 @@ const VdmPropertyDataPtr& VdmPropertySlots::box(OdUInt32 slot) {
   static const VdmPropertyDataPtr kNullPointer;
   if (isNull(slot)) return kNullPointer;
   if (!isBoxed(slot))
-    putBoxed(slot,
-             vdmVisitPlainType(plainType(slot), [&]<class T>() { return makeObject<T>(slot); }));
+    putBoxed(slot, visitType(slot, [&]<class T>() { return makeObject<T>(slot); }));
   return boxed(slot);
 }
 
-#define VDM_INSTANTIATE_SLOT(T)                               \
-  template void VdmPropertySlots::set<T>(OdUInt32, const T&); \
-  template void VdmPropertySlots::put<T>(OdUInt32, const T&); \
+#define VDM_INSTANTIATE_SLOT(T)                              \
+  template void VdmPropertySlots::set<T>(OdUInt32, T value); \
+  template void VdmPropertySlots::put<T>(OdUInt32, T value); \
   template void VdmPropertySlots::putMapped<T>(OdUInt32, T*);
-VDM_INSTANTIATE_SLOT(OdString)
-VDM_INSTANTIATE_SLOT(OdLong)
-VDM_INSTANTIATE_SLOT(double)
-VDM_INSTANTIATE_SLOT(bool)
-VDM_INSTANTIATE_SLOT(signed char)
-VDM_INSTANTIATE_SLOT(OdDbHandle)
-VDM_INSTANTIATE_SLOT(OdDbTypedId)
+#define VDM_INSTANTIATE_SLOTS(T) VDM_INSTANTIATE_SLOT(T) VDM_INSTANTIATE_SLOT(VdmArray<T>)
+VDM_INSTANTIATE_SLOT(VdmArray<VdmPropertyDataPtr>)
+VDM_INSTANTIATE_SLOTS(OdString)
+VDM_INSTANTIATE_SLOTS(OdLong)
+VDM_INSTANTIATE_SLOTS(double)
+VDM_INSTANTIATE_SLOTS(bool)
+VDM_INSTANTIATE_SLOTS(signed char)
+VDM_INSTANTIATE_SLOTS(OdDbHandle)
+VDM_INSTANTIATE_SLOTS(OdDbTypedId)
+VDM_INSTANTIATE_SLOT(VdmArray<VdmBlob>)
+#undef VDM_INSTANTIATE_SLOTS
+#define VDM_INSTANTIATE_PACKED(T)                                                     \
+  template void VdmPropertySlots::putPacked<T>(OdUInt32, std::string_view, OdUInt32); \
+  template T VdmPropertySlots::unpacked<T>(OdUInt32) const;
+VDM_INSTANTIATE_PACKED(OdString)
+VDM_INSTANTIATE_PACKED(VdmArray<double>)
+VDM_INSTANTIATE_PACKED(VdmArray<OdLong>)
+#undef VDM_INSTANTIATE_PACKED
 #undef VDM_INSTANTIATE_SLOT

@@ -3,22 +3,30 @@
 
 #include <cstddef>
 #include <new>
+#include <string_view>
 
 #include "platform/base/types.h"
 #include "vdm_db/properties/vdm_property_data.h"
 #include "vdm_db/properties/vdm_property_types.h"
 #include "vdm_db/vdm_db_export.h"
 
-// A growing row of slots in one block of memory: the tags, then the slots, so that both parts of
-// one of the first slots lie in one cache line. A slot is
+// Values that a slot can hold as bytes.
+template <class T>
+concept VdmPackedValue = std::is_same_v<T, OdString> || std::is_same_v<T, VdmArray<double>> ||
+    std::is_same_v<T, VdmArray<OdLong>>;
+
+// A growing row of slots in one block of memory: the tags, the slots, packed bytes, so that both
+// parts of one of the first slots lie in one cache line. A slot is
 //
 //   null     nothing
 //   boxed    a pointer to a VdmPropertyDataPtr: any value, and every value that somebody outside
 //            the bag holds a pointer to
-//   plain    the value itself, of a plain type
-//   mapped   a pointer to a variable of a plain type, which is the value
+//   direct   the value itself: of a plain type, or an array, which is one pointer wide
+//   mapped   a pointer to a variable of such a type, which is the value
+//   packed   a text or an array of numbers as bytes behind the slots, which becomes direct when it
+//            is asked for: most of what a drawing holds is never looked at
 //
-// box() turns a plain or mapped slot into a boxed one with a value object that behaves the same.
+// box() turns a direct or mapped slot into a boxed one with a value object that behaves the same.
 // An index is below size(); the typed operations need a slot of that type.
 class VDM_DB_EXPORT VdmPropertySlots {
  public:
@@ -46,30 +54,42 @@ class VDM_DB_EXPORT VdmPropertySlots {
   bool isNull(OdUInt32 slot) const noexcept { return tag(slot) == kNull; }
   bool isBoxed(OdUInt32 slot) const noexcept { return tag(slot) == kBoxed; }
   // Of a slot that is neither null nor boxed.
-  bool isMappedPlain(OdUInt32 slot) const noexcept { return (tag(slot) & kMapped) != 0; }
-  VdmPropertyType plainType(OdUInt32 slot) const noexcept {
-    return static_cast<VdmPropertyType>(tag(slot) & kTypeMask);
-  }
-  template <VdmPlainType T>
+  bool isMappedVariable(OdUInt32 slot) const noexcept { return (tag(slot) & kMapped) != 0; }
+  // Calls visit.operator()<T>() for the value's type, likewise.
+  template <class Visit>
+  auto visitType(OdUInt32 slot, Visit visit) const;
+  template <VdmSlotValue T>
   bool holds(OdUInt32 slot) const noexcept {
-    return (tag(slot) & kTypeMask) == static_cast<OdUInt8>(vdmElementType<T>());
+    return (tag(slot) & (kArray | kTypeMask)) == kTagOf<T>;
   }
-  template <VdmPlainType T>
-  T get(OdUInt32 slot) const;
+  // Texts and arrays by reference, valid until the slots or the variable change.
+  template <VdmSlotValue T>
+  using Value = std::conditional_t<std::is_same_v<T, OdString> || !VdmPlainType<T>, const T&, T>;
+  template <VdmSlotValue T>
+  Value<T> get(OdUInt32 slot) const;
+  // A slot of bytes, and the value of its bytes, which stay.
+  bool isPacked(OdUInt32 slot) const noexcept {
+    return (tag(slot) & kPacked) != 0 && !holds<OdDbTypedId>(slot);
+  }
+  template <VdmPackedValue T>
+  T unpacked(OdUInt32 slot) const;
   const VdmPropertyDataPtr& boxed(OdUInt32 slot) const noexcept {
     return *reinterpret_cast<const VdmPropertyDataPtr*>(word(slot));
   }
 
   // ---- Changing a slot
 
-  // Into the value that is there: the slot keeps being plain or mapped.
-  template <VdmPlainType T>
-  void set(OdUInt32 slot, const T& value);
+  // Into the value that is there: the slot keeps being direct or mapped.
+  template <VdmSlotValue T>
+  void set(OdUInt32 slot, T value);
   // In place of whatever was there.
-  template <VdmPlainType T>
-  void put(OdUInt32 slot, const T& value);
-  template <VdmPlainType T>
+  template <VdmSlotValue T>
+  void put(OdUInt32 slot, T value);
+  template <VdmSlotValue T>
   void putMapped(OdUInt32 slot, T* variable);
+  // Into a null slot, behind `used` bytes that were packed since the slots were empty.
+  template <VdmPackedValue T>
+  void putPacked(OdUInt32 slot, std::string_view bytes, OdUInt32 used);
   void putBoxed(OdUInt32 slot, const VdmPropertyDataPtr& value);
   // The slot's value as an object of its own, shared with the slot; null for a null slot.
   const VdmPropertyDataPtr& box(OdUInt32 slot);
@@ -77,9 +97,15 @@ class VDM_DB_EXPORT VdmPropertySlots {
  private:
   static constexpr OdUInt8 kNull = 0;
   static constexpr OdUInt8 kBoxed = 1;
-  static constexpr OdUInt8 kTypeMask = 0x0F;  // else VdmPropertyType of a plain type
+  static constexpr OdUInt8 kTypeMask = 0x0F;  // else VdmPropertyType of the value or the elements
   static constexpr int kReferenceShift = 4;   // reference type of a plain typed id
+  static constexpr OdUInt8 kPacked = 0x10;    // of a text or an array
   static constexpr OdUInt8 kMapped = 0x40;
+  static constexpr OdUInt8 kArray = 0x80;
+  template <VdmSlotValue T>
+  static constexpr OdUInt8 kTagOf = static_cast<OdUInt8>(
+      VdmPlainType<T> ? static_cast<OdUInt8>(VdmPropertyTypeInfo<T>::Id)
+                      : kArray | static_cast<OdUInt8>(VdmPropertyTypeInfo<T>::kSubType));
 
   // Bytes of the tags, filled up to whole words.
   static constexpr std::size_t tagBytes(OdUInt32 capacity) noexcept {
@@ -90,12 +116,21 @@ class VDM_DB_EXPORT VdmPropertySlots {
     return reinterpret_cast<OdUInt64*>(m_tags + tagBytes(m_capacity));
   }
   OdUInt64& word(OdUInt32 slot) const noexcept { return words()[slot]; }
-  // An OdString is one pointer, and its words may be moved as memory.
-  OdString& text(OdUInt32 slot) const noexcept {
-    return *std::launder(reinterpret_cast<OdString*>(&word(slot)));
+  // Texts and arrays are one pointer, and their words may be moved as memory.
+  template <class T>
+  T& object(OdUInt32 slot) const noexcept {
+    static_assert(sizeof(T) == sizeof(OdUInt64));
+    return *std::launder(reinterpret_cast<T*>(&word(slot)));
   }
   void dropValue(OdUInt32 slot) noexcept;
-  template <VdmPlainType T>
+  // Bytes of the tags and the slots.
+  static std::size_t slotBytes(OdUInt32 capacity) noexcept {
+    return tagBytes(capacity) + capacity * sizeof(OdUInt64);
+  }
+  char* packedBytes() const noexcept { return reinterpret_cast<char*>(words() + m_capacity); }
+  // The word of a packed slot: where its bytes begin in the lower half, their number in the upper.
+  void unpack(OdUInt32 slot) const;
+  template <VdmSlotValue T>
   VdmPropertyDataPtr makeObject(OdUInt32 slot) const;
 
   OdUInt8* m_tags = nullptr;  // the block
@@ -124,14 +159,36 @@ auto vdmVisitPlainType(VdmPropertyType type, Visit visit) {
   }
 }
 
-template <VdmPlainType T>
-T VdmPropertySlots::get(OdUInt32 slot) const {
-  if (isMappedPlain(slot)) return *reinterpret_cast<const T*>(word(slot));
-  if constexpr (std::is_same_v<T, OdString>) {
-    return text(slot);
-  } else if constexpr (std::is_same_v<T, OdDbTypedId>) {
+// The same for the type of an array's elements.
+constexpr bool vdmIsElementType(VdmPropertyType type) {
+  return (type >= VdmPropertyType::kProperty && type <= VdmPropertyType::kTypedId) ||
+         type == VdmPropertyType::kBlob;
+}
+template <class Visit>
+auto vdmVisitElementType(VdmPropertyType type, Visit visit) {
+  if (type == VdmPropertyType::kProperty) return visit.template operator()<VdmPropertyDataPtr>();
+  if (type == VdmPropertyType::kBlob) return visit.template operator()<VdmBlob>();
+  return vdmVisitPlainType(type, visit);
+}
+
+template <class Visit>
+auto VdmPropertySlots::visitType(OdUInt32 slot, Visit visit) const {
+  const auto type = static_cast<VdmPropertyType>(tag(slot) & kTypeMask);
+  if ((tag(slot) & kArray) == 0) return vdmVisitPlainType(type, visit);
+  return vdmVisitElementType(type,
+                             [&]<class E>() { return visit.template operator()<VdmArray<E>>(); });
+}
+
+template <VdmSlotValue T>
+VdmPropertySlots::Value<T> VdmPropertySlots::get(OdUInt32 slot) const {
+  if (isMappedVariable(slot)) return *reinterpret_cast<const T*>(word(slot));
+  if constexpr (std::is_same_v<T, OdDbTypedId>) {
     return OdDbTypedId(OdDbObjectId(reinterpret_cast<OdDbStub*>(word(slot))),
                        static_cast<OdDb::ReferenceType>(tag(slot) >> kReferenceShift));
+  } else if constexpr (std::is_reference_v<Value<T>>) {
+    if ((tag(slot) & kPacked) != 0) [[unlikely]]
+      unpack(slot);
+    return object<T>(slot);
   } else {
     T value;
     std::memcpy(static_cast<void*>(&value), &word(slot), sizeof value);

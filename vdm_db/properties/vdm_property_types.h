@@ -57,7 +57,7 @@ constexpr VdmPropertyType vdmElementType() {
 template <class T>
 concept VdmElementType = vdmElementType<T>()
 != VdmPropertyType::kMap;
-// Values that a bag can keep without an object of their own.
+// Single values of at most eight bytes.
 template <class T>
 concept VdmPlainType = VdmElementType<T> && vdmElementType<T>()
 >= VdmPropertyType::kString&& vdmElementType<T>() <= VdmPropertyType::kTypedId;
@@ -101,6 +101,10 @@ struct VdmPropertyTypeInfo<OdArray<E, A>>
 template <VdmPlainType K, VdmElementType V>
 struct VdmPropertyTypeInfo<std::map<K, V>>
     : VdmPropertyTypeNumbers<VdmPropertyType::kMap, vdmElementType<K>(), vdmElementType<V>()> {};
+
+// Values that a bag can keep without an object of their own.
+template <class T>
+concept VdmSlotValue = VdmPlainType<T> || VdmPropertyTypeInfo<T>::Id == VdmPropertyType::kArray;
 
 // What a property may hold by itself: all of the above but a nested value.
 template <class T>
