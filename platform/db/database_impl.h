@@ -115,6 +115,7 @@ class OdDbDatabaseImpl {
 
   struct SavePlan;
   void planSave(SavePlan& plan);
+  void keepDirty(const std::vector<OdDbStub*>& stubs);
   void loadErasedSubtrees();
   void collectErasedSubtree(OdDbStub* stub, std::vector<OdDbStub*>& removed);
   OdDbStoreStatus writeObject(OdDbRecordStore& target, OdDbStub* stub, OdDbFileWriter& writer,

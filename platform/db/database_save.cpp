@@ -50,6 +50,7 @@ const OdDbVariableRow* variableOfKey(const std::string& key) {
 struct OdDbDatabaseImpl::SavePlan {
   std::vector<OdDbStub*> written;
   std::vector<OdDbStub*> removed;
+  std::vector<OdDbStub*> waiting;  ///< below erased owners and not in the file
 };
 
 // Opening.
@@ -153,6 +154,8 @@ void OdDbDatabaseImpl::planSave(SavePlan& plan) {
       plan.written.push_back(stub);
     } else if (stub->has(OdDbStub::kInFile)) {
       collectErasedSubtree(stub, plan.removed);
+    } else {
+      plan.waiting.push_back(stub);
     }
   }
 }
@@ -237,6 +240,15 @@ OdDbStoreStatus OdDbDatabaseImpl::writeChanges(SavePlan& plan) {
   return writeVariables(*store, /*all=*/false);
 }
 
+// What is erased itself becomes dirty with its return; what is only below an erased owner does not.
+void OdDbDatabaseImpl::keepDirty(const std::vector<OdDbStub*>& stubs) {
+  for (OdDbStub* stub : stubs) {
+    if (stub->has(OdDbStub::kErased | OdDbStub::kDirty)) continue;
+    stub->set(OdDbStub::kDirty);
+    dirty.push_back(stub);
+  }
+}
+
 OdDbStoreStatus OdDbDatabaseImpl::save() {
   if (!store) return {eFileAccess, OdString("the drawing has no file")};
   if (readOnly) return {eReadOnlyDatabase, filename};
@@ -256,14 +268,10 @@ OdDbStoreStatus OdDbDatabaseImpl::save() {
   for (OdDbStub* stub : plan.written) stub->set(OdDbStub::kInFile);
   for (OdDbStub* stub : dirty) stub->clear(OdDbStub::kDirty);
   dirty.clear();
-  for (OdDbStub* stub : plan.removed) {
-    stub->clear(OdDbStub::kInFile);
-    // In memory alone from now on; should it come back, it is written as if it were new.
-    if (!stub->has(OdDbStub::kErased)) {
-      stub->set(OdDbStub::kDirty);
-      dirty.push_back(stub);
-    }
-  }
+  for (OdDbStub* stub : plan.removed) stub->clear(OdDbStub::kInFile);
+  // In memory alone from now on; should they come back, they are written as if they were new.
+  keepDirty(plan.removed);
+  keepDirty(plan.waiting);
   savedTo(filename);
   return {};
 }

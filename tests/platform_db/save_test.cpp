@@ -211,3 +211,21 @@ TEST_F(OdDbDatabaseFile, RecoveryBringsBackWhatIsIntact) {
   reopen();
   EXPECT_TRUE(database->loadAll().ok());
 }
+
+TEST_F(OdDbDatabaseFile, WhatAnErasedOwnerOwnsComesBackAfterSeveralSaves) {
+  const OdDbObjectId owner = addCell(L"owner");
+  saveAs();
+  const OdDbObjectId child = addCell(L"child");  // is in no file yet
+  open(child, OdDb::kForWrite)->setOwnerId(owner);
+  open(owner, OdDb::kForWrite)->own(child);
+  const std::string whole = dumpDrawing(database.get());
+  database->startUndoRecord();
+  open(owner, OdDb::kForWrite)->erase();
+  save();
+  addCell(L"another change");
+  save();
+  ASSERT_EQ(database->undo(), eOk);
+  save();
+  reopen();
+  EXPECT_EQ(dumpDrawing(database.get()), whole);
+}
