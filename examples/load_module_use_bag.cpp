@@ -28,8 +28,8 @@ void check(const OdDbStoreStatus& status) {
 OdDbObjectId addLine(OdDbDatabase* drawing) {
   const OdDbLinePtr line = OdDbLine::createObject();
   line->setEndPoint(OdGePoint3d(100, 0, 0));
-  const OdDbBlockTableRecordPtr modelSpace = OdDbBlockTableRecord::cast(
-      drawing->getModelSpaceId().safeOpenObject(OdDb::kForWrite));
+  const OdDbBlockTableRecordPtr modelSpace =
+      OdDbBlockTableRecord::cast(drawing->getModelSpaceId().safeOpenObject(OdDb::kForWrite));
   return modelSpace->appendOdDbEntity(line);
 }
 

@@ -1,0 +1,80 @@
+// Fuzz target: records of a drawing file, read by every registered class.
+//
+// Input: one byte that chooses the class, then a record.
+#include <algorithm>
+
+#include "fuzz/fuzz_support.h"
+#include "fuzz/fuzz_target.h"
+#include "platform/base/error.h"
+#include "platform/db/db_object.h"
+#include "platform/rx/rx_class.h"
+
+namespace {
+
+// The filed classes of which objects can be made.
+const std::vector<OdRxClass*>& filedClasses() {
+  static const std::vector<OdRxClass*> classes = [] {
+    fuzzStart();
+    std::vector<OdRxClass*> filed;
+    for (OdRxClass* rxClass : odrxClassDictionary()->classes()) {
+      if (rxClass->isDerivedFrom(OdDbObject::desc()) && !rxClass->isAbstract()) {
+        filed.push_back(rxClass);
+      }
+    }
+    return filed;
+  }();
+  return classes;
+}
+
+OdDbDatabase* drawing() {
+  static const OdDbDatabasePtr drawing = fuzzDrawing(7, 40);
+  return drawing.get();
+}
+
+FuzzInput write(const OdDbObjectPtr& object) {
+  OdDbFileWriter writer(drawing());
+  object->dwgOutFields(&writer);
+  FuzzInput record;
+  writer.assemble(record);
+  return record;
+}
+
+// A new object of the class from a record; null for one that is refused.
+OdDbObjectPtr read(const OdRxClass* rxClass, const std::uint8_t* data, std::size_t size) {
+  OdDbObjectPtr object = OdDbObject::cast(rxClass->create());
+  try {
+    OdDbFileReader reader(data, size, drawing(), &fuzzResolve, drawing());
+    return object->dwgInFields(&reader) == eOk ? object : OdDbObjectPtr();
+  } catch (const OdError&) {
+    return OdDbObjectPtr();
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size == 0) return 0;
+  const OdRxClass* rxClass = filedClasses()[data[0] % filedClasses().size()];
+  const OdDbObjectPtr object = read(rxClass, data + 1, size - 1);
+  if (object.isNull()) return 0;
+  // What is accepted is written in a form that is read back to the same.
+  const FuzzInput first = write(object);
+  const OdDbObjectPtr again = read(rxClass, first.data(), first.size());
+  fuzzRequire(!again.isNull(), "a record that was written is refused");
+  fuzzRequire(write(again) == first, "a record is not stable");
+  return 0;
+}
+
+std::vector<FuzzInput> fuzzCorpus() {
+  std::vector<FuzzInput> corpus;
+  drawing()->forEachId([&corpus](OdDbObjectId id) {
+    const auto& classes = filedClasses();
+    const auto place = std::find(classes.begin(), classes.end(), id.objectClass());
+    FuzzInput input{static_cast<std::uint8_t>(place - classes.begin())};
+    const FuzzInput record = write(id.safeOpenObject());
+    input.insert(input.end(), record.begin(), record.end());
+    corpus.push_back(input);
+    return true;
+  });
+  return corpus;
+}

@@ -1,0 +1,124 @@
+// Objects of the module's classes pass through programs that do not know the module.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+
+#include "platform/db/database.h"
+#include "platform/db/dictionary.h"
+#include "platform/db/host_app_services.h"
+#include "platform/db/id_mapping.h"
+#include "platform/db/proxy_object.h"
+#include "platform/storage/sqlite_record_store.h"
+#include "tests/random/edit_script.h"
+#include "tests/random/module_session.h"
+#include "tests/support/dump_drawing.h"
+#include "vdm_db/properties/vdm_db_extension_data.h"
+
+namespace {
+
+using Records = std::map<OdUInt64, std::vector<OdUInt8>>;
+
+class UnknownClasses : public testing::Test {
+ protected:
+  UnknownClasses() : m_services(createSqliteStoreFactory()) {}
+  ~UnknownClasses() override {
+    for (const char* file : {"made.vdm", "known.vdm", "unknown.vdm"}) std::filesystem::remove(file);
+  }
+
+  OdDbDatabasePtr open(const char* path) {
+    OdDbStoreStatus status;
+    OdDbDatabasePtr database = m_services.readFile(OdString(path), status);
+    EXPECT_TRUE(status.ok()) << status.text.utf8();
+    return database;
+  }
+  static void saveAs(const OdDbDatabasePtr& database, const char* path) {
+    const OdDbStoreStatus status = database->saveAs(OdString(path));
+    ASSERT_TRUE(status.ok()) << status.text.utf8();
+  }
+  // A drawing that has been edited at random; every dictionary in it is whole.
+  void make(std::uint64_t seed) {
+    const OdDbDatabasePtr database = m_services.createDatabase();
+    EditScript script(seed);
+    for (int edits = 0; edits < 40; ++edits) script.edit(database.get());
+    saveAs(database, "made.vdm");
+  }
+  // Every element of the root dictionary, with all that it owns.
+  static OdResult cloneEverything(OdDbDatabase* database) {
+    const OdDbObjectId root = database->getNamedObjectsDictionaryId();
+    OdDbObjectIdArray ids;
+    {
+      const OdDbDictionaryPtr dictionary = OdDbDictionary::cast(root.safeOpenObject());
+      const OdDbDictionaryIteratorPtr entry = dictionary->newIterator();
+      for (; !entry->done(); entry->next()) ids.append(entry->objectId());
+    }
+    return ids.isEmpty() ? eOk
+                         : database->deepCloneObjects(ids, root, *OdDbIdMapping::createObject());
+  }
+  static void cloneAndSave(const OdDbDatabasePtr& database, const char* path) {
+    ASSERT_EQ(cloneEverything(database.get()), eOk);
+    saveAs(database, path);
+  }
+  // The stored bytes of all objects of a class.
+  Records recordsOf(const char* path, std::string_view className) {
+    std::unique_ptr<OdDbRecordStore> store;
+    const OdDbStoreStatus status =
+        m_services.recordStoreFactory()->open(OdString(path), OdDbStoreOpenMode::kReadOnly, store);
+    EXPECT_TRUE(status.ok()) << status.text.utf8();
+    OdUInt32 wanted = 0;
+    for (const OdDbStoredClass& item : store->classes()) {
+      if (item.value.find(className) != std::string::npos) wanted = item.id;
+    }
+    Records records;
+    store->readAll([&records, wanted](const OdDbRecordView& record) {
+      if (record.classId == wanted) {
+        records[record.handle].assign(record.data, record.data + record.size);
+      }
+      return true;
+    });
+    return records;
+  }
+  static std::size_t countProxies(OdDbDatabase* database) {
+    std::size_t count = 0;
+    database->forEachId([&count](OdDbObjectId id) {
+      if (id.objectClass() == OdDbProxyObject::desc()) ++count;
+      return true;
+    });
+    return count;
+  }
+
+  const ModuleSession m_session;
+  OdDbHostAppServices m_services;
+};
+
+TEST_F(UnknownClasses, KeepEveryByteThroughLoadCloneAndSave) {
+  std::size_t proxies = 0;
+  for (std::uint64_t seed = 500; seed < 530; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    make(seed);
+    cloneAndSave(open("made.vdm"), "known.vdm");
+
+    ModuleSession::unload();
+    {
+      const OdDbDatabasePtr database = open("made.vdm");
+      proxies += countProxies(database.get());
+      cloneAndSave(database, "unknown.vdm");
+    }
+    ModuleSession::load();
+
+    const Records before = recordsOf("made.vdm", "VdmDbExtensionData");
+    const Records after = recordsOf("unknown.vdm", "VdmDbExtensionData");
+    for (const auto& [handle, bytes] : before) {
+      const auto kept = after.find(handle);
+      ASSERT_TRUE(kept != after.end()) << handle;
+      EXPECT_EQ(kept->second, bytes) << handle;
+    }
+    // Cloned without the module as with it: same handles, same values, same references.
+    const std::string known = dumpDrawing(open("known.vdm").get(), DumpScope::kInFile);
+    const std::string unknown = dumpDrawing(open("unknown.vdm").get(), DumpScope::kInFile);
+    ASSERT_EQ(firstDifference(known, unknown), "");
+  }
+  EXPECT_GT(proxies, 30u);
+}
+
+}  // namespace
