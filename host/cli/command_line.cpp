@@ -242,8 +242,13 @@ std::string usageLine(const CLI::ParseError& error) {
   return text + ", see --help";
 }
 
+bool isCommand(const CLI::App& app, const std::string& name) {
+  const auto isNamed = [&name](const CLI::App* command) { return command->get_name() == name; };
+  return !app.get_subcommands(isNamed).empty();
+}
+
 int parseAndRun(CLI::App& app, CommandLine& line, int argc, char** argv) {
-  if (argc > 1 && argv[1][0] != '-' && app.get_subcommand_no_throw(argv[1]) == nullptr) {
+  if (argc > 1 && argv[1][0] != '-' && !isCommand(app, argv[1])) {
     throw CliError("'" + std::string(argv[1]) + "' is no command of vdm, see --help", kWrongUsage);
   }
   try {

@@ -34,7 +34,7 @@ void OdDbCloner::translateAll() {
   for (const OdDbObjectId id : m_state.untranslated) {
     const OdDbObjectPtr clone = id.openObject(OdDb::kForWrite);
     if (!clone.isNull()) translate(clone);
-    id.stub()->clear(OdDbStub::kInFlux);
+    id.idRecord()->clear(OdDbIdRecord::kInFlux);
   }
   // An entity may tell others about itself, now that it knows the right ones.
   for (const OdDbObjectId id : m_state.untranslated) {

@@ -25,19 +25,19 @@ void OdDbDatabaseImpl::closeObjects() {
   tellDatabaseReactors([this](OdDbDatabaseReactor* reactor) { reactor->goodbye(self); });
   reactors.clear();
   xrefs.clear();
-  ids.forEach([](const OdDbStub* stub) {
-    if (stub->object != nullptr) {
-      OdDbReactorCalls::tell<const OdDbObject*>(stub->object, &OdDbObject::goodbye,
-                                                &OdDbObjectReactor::goodbye, stub->object);
+  ids.forEach([](const OdDbIdRecord* idRecord) {
+    if (idRecord->object != nullptr) {
+      OdDbReactorCalls::tell<const OdDbObject*>(idRecord->object, &OdDbObject::goodbye,
+                                                &OdDbObjectReactor::goodbye, idRecord->object);
     }
     return true;
   });
   // An object that somebody still holds stays theirs, outside any database.
-  ids.forEach([](OdDbStub* stub) {
-    OdDbObject* object = stub->object;
-    stub->object = nullptr;
+  ids.forEach([](OdDbIdRecord* idRecord) {
+    OdDbObject* object = idRecord->object;
+    idRecord->object = nullptr;
     if (object == nullptr) return true;
-    object->m_stub = nullptr;
+    object->m_idRecord = nullptr;
     if (object->m_refs == 0) delete object;
     return true;
   });
@@ -82,24 +82,24 @@ OdDbObjectId OdDbDatabase::getLayerZeroId() const {
 
 OdDbObjectId OdDbDatabase::addOdDbObject(OdDbObject* object, const OdDbObjectId& owner,
                                          const OdDbHandle& handle) {
-  return m_impl->append(object, owner.stub(), static_cast<OdUInt64>(handle));
+  return m_impl->append(object, owner.idRecord(), static_cast<OdUInt64>(handle));
 }
 
 OdDbObjectId OdDbDatabase::getOdDbObjectId(const OdDbHandle& handle, bool createIfNotFound,
                                            OdUInt32) const {
   const auto number = static_cast<OdUInt64>(handle);
   if (number == 0) return OdDbObjectId::kNull;
-  OdDbStub* stub = m_impl->ids.find(number);
-  if (stub == nullptr) {
+  OdDbIdRecord* idRecord = m_impl->ids.find(number);
+  if (idRecord == nullptr) {
     if (!createIfNotFound && m_impl->allListed) return OdDbObjectId::kNull;
-    stub = m_impl->ids.findOrCreate(number);
+    idRecord = m_impl->ids.findOrCreate(number);
   }
   if (createIfNotFound) {
     m_impl->seed = std::max(m_impl->seed, number + 1);
-    return OdDbObjectId(stub);
+    return OdDbObjectId(idRecord);
   }
-  m_impl->ensureHeader(stub);
-  return stub->has(OdDbStub::kHeaderKnown) ? OdDbObjectId(stub) : OdDbObjectId::kNull;
+  m_impl->ensureHeader(idRecord);
+  return idRecord->has(OdDbIdRecord::kHeaderKnown) ? OdDbObjectId(idRecord) : OdDbObjectId::kNull;
 }
 
 OdDbHandle OdDbDatabase::handseed() const { return OdDbHandle(m_impl->seed); }
@@ -107,10 +107,10 @@ OdDbHandle OdDbDatabase::handseed() const { return OdDbHandle(m_impl->seed); }
 void OdDbDatabase::forEachId(const std::function<bool(OdDbObjectId)>& visit,
                              bool withErased) const {
   m_impl->listAll();
-  m_impl->ids.forEach([&visit, withErased](OdDbStub* stub) {
-    if (!stub->has(OdDbStub::kHeaderKnown)) return true;
-    if (!withErased && stub->has(OdDbStub::kErased)) return true;
-    return visit(OdDbObjectId(stub));
+  m_impl->ids.forEach([&visit, withErased](OdDbIdRecord* idRecord) {
+    if (!idRecord->has(OdDbIdRecord::kHeaderKnown)) return true;
+    if (!withErased && idRecord->has(OdDbIdRecord::kErased)) return true;
+    return visit(OdDbObjectId(idRecord));
   });
 }
 

@@ -27,7 +27,7 @@ class OdDbDatabaseImpl {
   OdDbDatabaseImpl(const OdDbDatabaseImpl&) = delete;
   OdDbDatabaseImpl& operator=(const OdDbDatabaseImpl&) = delete;
 
-  static OdDbDatabaseImpl& of(const OdDbStub* stub) { return stub->database->impl(); }
+  static OdDbDatabaseImpl& of(const OdDbIdRecord* idRecord) { return idRecord->database->impl(); }
 
   // Ids and residency (object_load.cpp).
   /// Id of a handle met in a record; made when it is new. Null for handle 0.
@@ -38,31 +38,31 @@ class OdDbDatabaseImpl {
     return static_cast<OdDbDatabaseImpl*>(self)->idOf(handle);
   }
   /// Fetches class and owner of an id that was only referred to so far, from the file.
-  void ensureHeader(OdDbStub* stub) {
-    if (!stub->has(OdDbStub::kHeaderKnown | OdDbStub::kAbsent)) fetchHeader(stub);
+  void ensureHeader(OdDbIdRecord* idRecord) {
+    if (!idRecord->has(OdDbIdRecord::kHeaderKnown | OdDbIdRecord::kAbsent)) fetchHeader(idRecord);
   }
   /// The object in memory, read from the file when need be; null when absent or damaged.
-  OdDbObject* resident(OdDbStub* stub);
+  OdDbObject* resident(OdDbIdRecord* idRecord);
   /// Reads a record into its object. Damage is noted in loadErrors and gives null.
-  OdDbObject* load(OdDbStub* stub, const OdDbRecordView& record);
+  OdDbObject* load(OdDbIdRecord* idRecord, const OdDbRecordView& record);
   OdDbStoreStatus loadAll();
   /// Makes ids for all records of the file.
   void listAll();
   OdUInt64 pageOut(OdUInt64 budgetBytes);
   /// Ties a new object to its record in memory and counts it as created.
-  OdDbObjectId append(OdDbObject* object, OdDbStub* ownerStub, OdUInt64 handle);
+  OdDbObjectId append(OdDbObject* object, OdDbIdRecord* ownerRecord, OdUInt64 handle);
   /// Nobody can reach an object whose creation was undone and cannot be redone: it goes.
-  static void forgetUncreated(OdDbStub* stub);
+  static void forgetUncreated(OdDbIdRecord* idRecord);
 
   // Changes.
-  void markDirty(OdDbStub* stub) {
+  void markDirty(OdDbIdRecord* idRecord) {
     ++changes;
-    if (!stub->has(OdDbStub::kDirty)) {
-      stub->set(OdDbStub::kDirty);
-      dirty.push_back(stub);
+    if (!idRecord->has(OdDbIdRecord::kDirty)) {
+      idRecord->set(OdDbIdRecord::kDirty);
+      dirty.push_back(idRecord);
     }
   }
-  void setErased(OdDbStub* stub, bool erased);
+  void setErased(OdDbIdRecord* idRecord, bool erased);
 
   // Saving (database_save.cpp).
   OdDbStoreStatus openStore(std::unique_ptr<OdDbRecordStore> opened);
@@ -71,7 +71,7 @@ class OdDbDatabaseImpl {
   OdDbStoreStatus save();
   OdDbStoreStatus saveAs(const OdString& path);
   OdDbStoreStatus compact();
-  [[nodiscard]] bool isEffectivelyErased(OdDbStub* stub);
+  [[nodiscard]] bool isEffectivelyErased(OdDbIdRecord* idRecord);
 
   // Notification (reactor_calls.cpp). A reactor that throws is reported and the others are told.
   template <class Call>
@@ -91,7 +91,7 @@ class OdDbDatabaseImpl {
   OdDbVariables variables;
   std::vector<const OdDbVariableRow*> changedVariables;  ///< since the last save
   OdDbUndoLog undo;
-  std::vector<OdDbStub*> dirty;  ///< all with the flag kDirty, in order of first change
+  std::vector<OdDbIdRecord*> dirty;  ///< all with the flag kDirty, in order of first change
   std::vector<OdDbDatabaseReactor*> reactors;
   OdDbXrefRegistry xrefs;
   OdDbObjectId xrefBlock;
@@ -106,22 +106,22 @@ class OdDbDatabaseImpl {
   bool closing = false;
 
  private:
-  void fetchHeader(OdDbStub* stub);
-  OdDbObject* loadFromStore(OdDbStub* stub);
-  OdDbObject* instantiate(OdDbStub* stub, const OdDbRecordView& record);
-  OdDbObject* reviveProxy(OdDbStub* stub);
-  void noteDamage(OdDbStub* stub, const OdString& text);
-  bool isAlive(OdDbStub* stub);
+  void fetchHeader(OdDbIdRecord* idRecord);
+  OdDbObject* loadFromStore(OdDbIdRecord* idRecord);
+  OdDbObject* instantiate(OdDbIdRecord* idRecord, const OdDbRecordView& record);
+  OdDbObject* reviveProxy(OdDbIdRecord* idRecord);
+  void noteDamage(OdDbIdRecord* idRecord, const OdString& text);
+  bool isAlive(OdDbIdRecord* idRecord);
 
   struct SavePlan;
   void planSave(SavePlan& plan);
-  void keepDirty(const std::vector<OdDbStub*>& stubs);
+  void keepDirty(const std::vector<OdDbIdRecord*>& idRecords);
   void loadErasedSubtrees();
-  void collectErasedSubtree(OdDbStub* stub, std::vector<OdDbStub*>& removed);
-  OdDbStoreStatus writeObject(OdDbRecordStore& target, OdDbStub* stub, OdDbFileWriter& writer,
-                              std::vector<OdUInt8>& record);
+  void collectErasedSubtree(OdDbIdRecord* idRecord, std::vector<OdDbIdRecord*>& removed);
+  OdDbStoreStatus writeObject(OdDbRecordStore& target, OdDbIdRecord* idRecord,
+                              OdDbFileWriter& writer, std::vector<OdUInt8>& record);
   OdDbStoreStatus writeChanges(SavePlan& plan);
-  OdDbStoreStatus writeEverything(OdDbRecordStore& target, std::vector<OdDbStub*>& written);
+  OdDbStoreStatus writeEverything(OdDbRecordStore& target, std::vector<OdDbIdRecord*>& written);
   OdDbStoreStatus writeClasses(OdDbRecordStore& target, bool all);
   OdDbStoreStatus writeVariables(OdDbRecordStore& target, bool all);
   void savedTo(const OdString& path);

@@ -48,9 +48,9 @@ const OdDbVariableRow* variableOfKey(const std::string& key) {
 
 /// What a save is going to do, known before the file is touched.
 struct OdDbDatabaseImpl::SavePlan {
-  std::vector<OdDbStub*> written;
-  std::vector<OdDbStub*> removed;
-  std::vector<OdDbStub*> waiting;  ///< below erased owners and not in the file
+  std::vector<OdDbIdRecord*> written;
+  std::vector<OdDbIdRecord*> removed;
+  std::vector<OdDbIdRecord*> waiting;  ///< below erased owners and not in the file
 };
 
 // Opening.
@@ -90,25 +90,26 @@ OdDbStoreStatus OdDbDatabaseImpl::openStore(std::unique_ptr<OdDbRecordStore> ope
 
 // Planning.
 
-bool OdDbDatabaseImpl::isAlive(OdDbStub* stub) {
-  return !stub->has(OdDbStub::kErased) && (!anyErased || !isEffectivelyErased(stub));
+bool OdDbDatabaseImpl::isAlive(OdDbIdRecord* idRecord) {
+  return !idRecord->has(OdDbIdRecord::kErased) && (!anyErased || !isEffectivelyErased(idRecord));
 }
 
-bool OdDbDatabaseImpl::isEffectivelyErased(OdDbStub* stub) {
-  return OdDbObjectId(stub).isEffectivelyErased();
+bool OdDbDatabaseImpl::isEffectivelyErased(OdDbIdRecord* idRecord) {
+  return OdDbObjectId(idRecord).isEffectivelyErased();
 }
 
 // What an erased object owns leaves the file with it. It has to be in memory then: should the
 // erasing be undone, the next save writes it again.
-void OdDbDatabaseImpl::collectErasedSubtree(OdDbStub* root, std::vector<OdDbStub*>& removed) {
-  std::vector<OdDbStub*> open = {root};
+void OdDbDatabaseImpl::collectErasedSubtree(OdDbIdRecord* root,
+                                            std::vector<OdDbIdRecord*>& removed) {
+  std::vector<OdDbIdRecord*> open = {root};
   std::vector<OdDbFiledId> filed;
   OdDbFilerBuffer buffer;
   while (!open.empty()) {
-    OdDbStub* stub = open.back();
+    OdDbIdRecord* idRecord = open.back();
     open.pop_back();
-    removed.push_back(stub);
-    OdDbObject* object = resident(stub);
+    removed.push_back(idRecord);
+    OdDbObject* object = resident(idRecord);
     if (object == nullptr) continue;
     filed.clear();
     buffer.clear();
@@ -118,13 +119,13 @@ void OdDbDatabaseImpl::collectErasedSubtree(OdDbStub* root, std::vector<OdDbStub
     object->dwgOutFields(&filer);
     --object->m_refs;
     for (const OdDbFiledId& item : filed) {
-      OdDbStub* child = item.id.stub();
+      OdDbIdRecord* child = item.id.idRecord();
       const bool owned =
           item.type == OdDb::kSoftOwnershipRef || item.type == OdDb::kHardOwnershipRef;
       if (!owned || child->database != self) continue;
       ensureHeader(child);
-      if (child->has(OdDbStub::kInFile) && child->owner == stub) {
-        child->clear(OdDbStub::kInFile);
+      if (child->has(OdDbIdRecord::kInFile) && child->owner == idRecord) {
+        child->clear(OdDbIdRecord::kInFile);
         open.push_back(child);
       }
     }
@@ -133,42 +134,43 @@ void OdDbDatabaseImpl::collectErasedSubtree(OdDbStub* root, std::vector<OdDbStub
 
 // What erased objects own is not in a fresh file: it has to be in memory to come back.
 void OdDbDatabaseImpl::loadErasedSubtrees() {
-  std::vector<OdDbStub*> roots;
+  std::vector<OdDbIdRecord*> roots;
   if (anyErased) {
-    ids.forEach([&roots](OdDbStub* stub) {
-      if (stub->has(OdDbStub::kErased) && stub->has(OdDbStub::kInFile)) roots.push_back(stub);
+    ids.forEach([&roots](OdDbIdRecord* idRecord) {
+      if (idRecord->has(OdDbIdRecord::kErased) && idRecord->has(OdDbIdRecord::kInFile))
+        roots.push_back(idRecord);
       return true;
     });
   }
-  std::vector<OdDbStub*> loaded;
-  for (OdDbStub* stub : roots) collectErasedSubtree(stub, loaded);
-  for (OdDbStub* stub : loaded) stub->set(OdDbStub::kInFile);
+  std::vector<OdDbIdRecord*> loaded;
+  for (OdDbIdRecord* idRecord : roots) collectErasedSubtree(idRecord, loaded);
+  for (OdDbIdRecord* idRecord : loaded) idRecord->set(OdDbIdRecord::kInFile);
 }
 
 void OdDbDatabaseImpl::planSave(SavePlan& plan) {
-  std::vector<OdDbStub*> changed = dirty;
+  std::vector<OdDbIdRecord*> changed = dirty;
   std::sort(changed.begin(), changed.end(),
-            [](const OdDbStub* a, const OdDbStub* b) { return a->handle < b->handle; });
-  for (OdDbStub* stub : changed) {
-    if (isAlive(stub)) {
-      plan.written.push_back(stub);
-    } else if (stub->has(OdDbStub::kInFile)) {
-      collectErasedSubtree(stub, plan.removed);
+            [](const OdDbIdRecord* a, const OdDbIdRecord* b) { return a->handle < b->handle; });
+  for (OdDbIdRecord* idRecord : changed) {
+    if (isAlive(idRecord)) {
+      plan.written.push_back(idRecord);
+    } else if (idRecord->has(OdDbIdRecord::kInFile)) {
+      collectErasedSubtree(idRecord, plan.removed);
     } else {
-      plan.waiting.push_back(stub);
+      plan.waiting.push_back(idRecord);
     }
   }
 }
 
 // Writing.
 
-OdDbStoreStatus OdDbDatabaseImpl::writeObject(OdDbRecordStore& target, OdDbStub* stub,
+OdDbStoreStatus OdDbDatabaseImpl::writeObject(OdDbRecordStore& target, OdDbIdRecord* idRecord,
                                               OdDbFileWriter& writer,
                                               std::vector<OdUInt8>& record) {
-  OdDbObject* object = resident(stub);
+  OdDbObject* object = resident(idRecord);
   if (object == nullptr) {
-    return {eCorruptData,
-            OdString("object ") + OdDbHandle(stub->handle).ascii() + " cannot be read for saving"};
+    return {eCorruptData, OdString("object ") + OdDbHandle(idRecord->handle).ascii() +
+                              " cannot be read for saving"};
   }
   writer.clear();
   record.clear();
@@ -186,13 +188,14 @@ OdDbStoreStatus OdDbDatabaseImpl::writeObject(OdDbRecordStore& target, OdDbStub*
     }
   } catch (const std::exception& error) {
     --object->m_refs;
-    return {eGeneralFailure, OdString("object ") + OdDbHandle(stub->handle).ascii() + " of class " +
-                                 object->isA()->name() +
+    return {eGeneralFailure, OdString("object ") + OdDbHandle(idRecord->handle).ascii() +
+                                 " of class " + object->isA()->name() +
                                  " cannot be saved: " + OdString(error.what())};
   }
   --object->m_refs;
-  return target.putRecord({stub->handle, classId, stub->owner == nullptr ? 0 : stub->owner->handle,
-                           record.data(), record.size()});
+  return target.putRecord({idRecord->handle, classId,
+                           idRecord->owner == nullptr ? 0 : idRecord->owner->handle, record.data(),
+                           record.size()});
 }
 
 OdDbStoreStatus OdDbDatabaseImpl::writeClasses(OdDbRecordStore& target, bool all) {
@@ -226,12 +229,12 @@ OdDbStoreStatus OdDbDatabaseImpl::writeVariables(OdDbRecordStore& target, bool a
 OdDbStoreStatus OdDbDatabaseImpl::writeChanges(SavePlan& plan) {
   OdDbFileWriter writer(self);
   std::vector<OdUInt8> record;
-  for (OdDbStub* stub : plan.written) {
-    const OdDbStoreStatus status = writeObject(*store, stub, writer, record);
+  for (OdDbIdRecord* idRecord : plan.written) {
+    const OdDbStoreStatus status = writeObject(*store, idRecord, writer, record);
     if (!status.ok()) return status;
   }
-  for (const OdDbStub* stub : plan.removed) {
-    const OdDbStoreStatus status = store->removeRecord(stub->handle);
+  for (const OdDbIdRecord* idRecord : plan.removed) {
+    const OdDbStoreStatus status = store->removeRecord(idRecord->handle);
     if (!status.ok()) return status;
   }
   if (const OdDbStoreStatus status = writeClasses(*store, /*all=*/false); !status.ok()) {
@@ -241,11 +244,11 @@ OdDbStoreStatus OdDbDatabaseImpl::writeChanges(SavePlan& plan) {
 }
 
 // What is erased itself becomes dirty with its return; what is only below an erased owner does not.
-void OdDbDatabaseImpl::keepDirty(const std::vector<OdDbStub*>& stubs) {
-  for (OdDbStub* stub : stubs) {
-    if (stub->has(OdDbStub::kErased | OdDbStub::kDirty)) continue;
-    stub->set(OdDbStub::kDirty);
-    dirty.push_back(stub);
+void OdDbDatabaseImpl::keepDirty(const std::vector<OdDbIdRecord*>& idRecords) {
+  for (OdDbIdRecord* idRecord : idRecords) {
+    if (idRecord->has(OdDbIdRecord::kErased | OdDbIdRecord::kDirty)) continue;
+    idRecord->set(OdDbIdRecord::kDirty);
+    dirty.push_back(idRecord);
   }
 }
 
@@ -256,7 +259,7 @@ OdDbStoreStatus OdDbDatabaseImpl::save() {
   SavePlan plan;
   planSave(plan);
   const auto failed = [&plan](OdDbStoreStatus status) {
-    for (OdDbStub* stub : plan.removed) stub->set(OdDbStub::kInFile);
+    for (OdDbIdRecord* idRecord : plan.removed) idRecord->set(OdDbIdRecord::kInFile);
     return status;
   };
   if (OdDbStoreStatus status = store->beginSave(); !status.ok()) return failed(status);
@@ -265,10 +268,10 @@ OdDbStoreStatus OdDbDatabaseImpl::save() {
     return failed(status);
   }
   if (OdDbStoreStatus status = store->commitSave(); !status.ok()) return failed(status);
-  for (OdDbStub* stub : plan.written) stub->set(OdDbStub::kInFile);
-  for (OdDbStub* stub : dirty) stub->clear(OdDbStub::kDirty);
+  for (OdDbIdRecord* idRecord : plan.written) idRecord->set(OdDbIdRecord::kInFile);
+  for (OdDbIdRecord* idRecord : dirty) idRecord->clear(OdDbIdRecord::kDirty);
   dirty.clear();
-  for (OdDbStub* stub : plan.removed) stub->clear(OdDbStub::kInFile);
+  for (OdDbIdRecord* idRecord : plan.removed) idRecord->clear(OdDbIdRecord::kInFile);
   // In memory alone from now on; should they come back, they are written as if they were new.
   keepDirty(plan.removed);
   keepDirty(plan.waiting);
@@ -286,20 +289,20 @@ void OdDbDatabaseImpl::savedTo(const OdString& path) {
 }
 
 OdDbStoreStatus OdDbDatabaseImpl::writeEverything(OdDbRecordStore& target,
-                                                  std::vector<OdDbStub*>& written) {
+                                                  std::vector<OdDbIdRecord*>& written) {
   OdDbFileWriter writer(self);
   std::vector<OdUInt8> record;
   OdDbStoreStatus status;
-  ids.forEach([&](OdDbStub* stub) {
-    if (!stub->has(OdDbStub::kHeaderKnown) || !isAlive(stub)) return true;
-    if (stub->object == nullptr && store && stub->has(OdDbStub::kInFile)) {
+  ids.forEach([&](OdDbIdRecord* idRecord) {
+    if (!idRecord->has(OdDbIdRecord::kHeaderKnown) || !isAlive(idRecord)) return true;
+    if (idRecord->object == nullptr && store && idRecord->has(OdDbIdRecord::kInFile)) {
       OdDbRecordView stored;
-      status = store->readRecord(stub->handle, stored);
+      status = store->readRecord(idRecord->handle, stored);
       if (status.ok()) status = target.putRecord(stored);
     } else {
-      status = writeObject(target, stub, writer, record);
+      status = writeObject(target, idRecord, writer, record);
     }
-    written.push_back(stub);
+    written.push_back(idRecord);
     return status.ok();
   });
   if (status.ok()) status = writeClasses(target, /*all=*/true);
@@ -318,7 +321,7 @@ OdDbStoreStatus OdDbDatabaseImpl::saveAs(const OdString& path) {
                                ? store->createReplacement(target)
                                : factory->create(path, target);
   if (!status.ok()) return status;
-  std::vector<OdDbStub*> written;
+  std::vector<OdDbIdRecord*> written;
   status = writeEverything(*target, written);
   if (!status.ok()) {
     target->rollbackSave();
@@ -327,19 +330,19 @@ OdDbStoreStatus OdDbDatabaseImpl::saveAs(const OdString& path) {
   status = target->commitSave();
   if (!status.ok()) return status;
   store = std::move(target);
-  for (OdDbStub* stub : dirty) stub->clear(OdDbStub::kDirty);
+  for (OdDbIdRecord* idRecord : dirty) idRecord->clear(OdDbIdRecord::kDirty);
   dirty.clear();
-  ids.forEach([](OdDbStub* stub) {
-    stub->clear(OdDbStub::kInFile);
+  ids.forEach([](OdDbIdRecord* idRecord) {
+    idRecord->clear(OdDbIdRecord::kInFile);
     return true;
   });
-  for (OdDbStub* stub : written) stub->set(OdDbStub::kInFile);
-  ids.forEach([this](OdDbStub* stub) {
-    const bool leftOut =
-        stub->object != nullptr && !stub->has(OdDbStub::kInFile | OdDbStub::kErased);
+  for (OdDbIdRecord* idRecord : written) idRecord->set(OdDbIdRecord::kInFile);
+  ids.forEach([this](OdDbIdRecord* idRecord) {
+    const bool leftOut = idRecord->object != nullptr &&
+                         !idRecord->has(OdDbIdRecord::kInFile | OdDbIdRecord::kErased);
     if (leftOut) {
-      stub->set(OdDbStub::kDirty);
-      dirty.push_back(stub);
+      idRecord->set(OdDbIdRecord::kDirty);
+      dirty.push_back(idRecord);
     }
     return true;
   });

@@ -37,7 +37,7 @@ void OdDbObject::writeOpensChanged() {
 }
 
 void OdDbObject::lastReferenceGone() {
-  if (m_stub == nullptr) {
+  if (m_idRecord == nullptr) {
     delete this;
     return;
   }
@@ -49,7 +49,7 @@ void OdDbObject::lastReferenceGone() {
 }
 
 void OdDbObject::writeClosed() {
-  if (m_stub == nullptr || (m_bits & (kBitModified | kBitOpenedForModifySent)) == 0) return;
+  if (m_idRecord == nullptr || (m_bits & (kBitModified | kBitOpenedForModifySent)) == 0) return;
   const unsigned bits = m_bits;
   m_bits &= static_cast<OdUInt16>(
       ~(kBitModified | kBitGraphicsModified | kBitXDataModified | kBitOpenedForModifySent));
@@ -65,8 +65,8 @@ void OdDbObject::writeClosed() {
   }
   OdDbReactorCalls::tell<const OdDbObject*>(this, &OdDbObject::modified,
                                             &OdDbObjectReactor::modified, this);
-  if (m_stub == nullptr) return;
-  OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(m_stub);
+  if (m_idRecord == nullptr) return;
+  OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(m_idRecord);
   impl.tellDatabaseReactors(
       [this, &impl](OdDbDatabaseReactor* reactor) { reactor->objectModified(impl.self, this); });
 }
@@ -74,38 +74,40 @@ void OdDbObject::writeClosed() {
 // Identity.
 
 OdDbDatabase* OdDbObject::database() const {
-  return m_stub == nullptr ? nullptr : m_stub->database;
+  return m_idRecord == nullptr ? nullptr : m_idRecord->database;
 }
 
 OdDbObjectId OdDbObject::ownerId() const {
-  if (m_stub != nullptr) return OdDbObjectId(m_stub->owner);
+  if (m_idRecord != nullptr) return OdDbObjectId(m_idRecord->owner);
   return OdDbObjectId(m_extra ? m_extra->pendingOwner : nullptr);
 }
 
 void OdDbObject::setOwnerId(const OdDbObjectId& owner) {
   if (ownerId() == owner) return;
-  if (m_stub == nullptr) {
-    extra().pendingOwner = owner.stub();
+  if (m_idRecord == nullptr) {
+    extra().pendingOwner = owner.idRecord();
     return;
   }
   assertWriteEnabled();
-  m_stub->owner = owner.stub();
+  m_idRecord->owner = owner.idRecord();
 }
 
-bool OdDbObject::isErased() const { return m_stub != nullptr && m_stub->has(OdDbStub::kErased); }
+bool OdDbObject::isErased() const {
+  return m_idRecord != nullptr && m_idRecord->has(OdDbIdRecord::kErased);
+}
 
 bool OdDbObject::isNewObject() const {
-  return m_stub != nullptr && !m_stub->has(OdDbStub::kInFile);
+  return m_idRecord != nullptr && !m_idRecord->has(OdDbIdRecord::kInFile);
 }
 
 bool OdDbObject::isUndoing() const {
-  return m_stub != nullptr && OdDbDatabaseImpl::of(m_stub).undo.isApplying();
+  return m_idRecord != nullptr && OdDbDatabaseImpl::of(m_idRecord).undo.isApplying();
 }
 
 // Open state.
 
 bool OdDbObject::isWritable() const {
-  if (m_stub == nullptr || m_upgrades > 0 || (m_bits & kBitInternalWrite) != 0) return true;
+  if (m_idRecord == nullptr || m_upgrades > 0 || (m_bits & kBitInternalWrite) != 0) return true;
   return m_writeRefs > 0 && m_notifyRefs == 0 && (m_bits & kBitDowngraded) == 0;
 }
 
@@ -118,44 +120,44 @@ void OdDbObject::raiseNotOpenForRead() const {
 }
 
 void OdDbObject::assertWriteEnabled(bool autoUndo, bool recordModified) {
-  if (m_stub == nullptr || (m_bits & kBitInternalWrite) != 0) return;
+  if (m_idRecord == nullptr || (m_bits & kBitInternalWrite) != 0) return;
   if (!isWritable()) [[unlikely]] {
     throw OdError(m_notifyRefs > 0 ? eWasOpenForNotify : eNotOpenForWrite,
                   OdString("object ") + getDbHandle().ascii());
   }
-  OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(m_stub);
+  OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(m_idRecord);
   if (impl.readOnly) [[unlikely]]
     throw OdError(eReadOnlyDatabase, impl.filename);
   if (recordModified && (m_bits & kBitOpenedForModifySent) == 0) tellOpenedForModify();
   if (autoUndo && (m_bits & kBitUndoDisabled) == 0 && impl.undo.isRecording() &&
-      !impl.undo.isCovered(m_stub)) {
+      !impl.undo.isCovered(m_idRecord)) {
     impl.undo.recordState(this);
   }
   if (recordModified) m_bits |= kBitModified;
-  impl.markDirty(m_stub);
+  impl.markDirty(m_idRecord);
 }
 
 void OdDbObject::tellOpenedForModify() {
   m_bits |= kBitOpenedForModifySent;
   OdDbReactorCalls::tell<const OdDbObject*>(this, &OdDbObject::openedForModify,
                                             &OdDbObjectReactor::openedForModify, this);
-  OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(m_stub);
+  OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(m_idRecord);
   impl.tellDatabaseReactors([this, &impl](OdDbDatabaseReactor* reactor) {
     reactor->objectOpenedForModify(impl.self, this);
   });
 }
 
 void OdDbObject::upgradeOpen() {
-  if (m_stub == nullptr) return;
-  if (OdDbDatabaseImpl::of(m_stub).readOnly) {
-    throw OdError(eReadOnlyDatabase, OdDbDatabaseImpl::of(m_stub).filename);
+  if (m_idRecord == nullptr) return;
+  if (OdDbDatabaseImpl::of(m_idRecord).readOnly) {
+    throw OdError(eReadOnlyDatabase, OdDbDatabaseImpl::of(m_idRecord).filename);
   }
   assertReadEnabled();
   ++m_upgrades;
 }
 
 void OdDbObject::downgradeOpen() {
-  if (m_stub == nullptr) return;
+  if (m_idRecord == nullptr) return;
   if (m_upgrades > 0) {
     --m_upgrades;
   } else if (m_writeRefs > 0) {
@@ -165,12 +167,12 @@ void OdDbObject::downgradeOpen() {
 }
 
 OdDbDwgFiler* OdDbObject::undoFiler() {
-  return m_stub == nullptr ? nullptr : OdDbDatabaseImpl::of(m_stub).undo.partialFiler(this);
+  return m_idRecord == nullptr ? nullptr : OdDbDatabaseImpl::of(m_idRecord).undo.partialFiler(this);
 }
 
 OdDbDwgFiler* OdDbObject::beginPartialUndo(OdRxClass* cls) {
-  if (m_stub == nullptr || (m_bits & kBitUndoDisabled) != 0) return nullptr;
-  return OdDbDatabaseImpl::of(m_stub).undo.beginPartial(this, cls);
+  if (m_idRecord == nullptr || (m_bits & kBitUndoDisabled) != 0) return nullptr;
+  return OdDbDatabaseImpl::of(m_idRecord).undo.beginPartial(this, cls);
 }
 
 void OdDbObject::disableUndoRecording(bool disable) {
@@ -179,20 +181,20 @@ void OdDbObject::disableUndoRecording(bool disable) {
 }
 
 void OdDbObject::noteGraphicsModified() {
-  if (m_stub != nullptr) m_bits |= kBitGraphicsModified | kBitModified;
+  if (m_idRecord != nullptr) m_bits |= kBitGraphicsModified | kBitModified;
 }
 
 // Erasing.
 
 OdResult OdDbObject::erase(bool erasing) {
-  if (m_stub == nullptr) return eObjectNotInDatabase;
+  if (m_idRecord == nullptr) return eObjectNotInDatabase;
   if (isErased() == erasing) return erasing ? eWasErased : eOk;
   assertWriteEnabled(/*autoUndo=*/false, /*recordModified=*/false);
   const OdResult result = subErase(erasing);
   if (result != eOk) return result;
-  OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(m_stub);
-  impl.undo.recordErased(m_stub, erasing);
-  impl.setErased(m_stub, erasing);
+  OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(m_idRecord);
+  impl.undo.recordErased(m_idRecord, erasing);
+  impl.setErased(m_idRecord, erasing);
   return eOk;
 }
 
@@ -211,21 +213,22 @@ void OdDbObject::addPersistentReactor(const OdDbObjectId& reactor) {
   if (reactor.isNull()) throw OdError(eNullObjectId, OdString("persistent reactor"));
   if (hasPersistentReactor(reactor)) return;
   assertWriteEnabled();
-  extra().reactors.push_back({reactor.stub(), nullptr});
+  extra().reactors.push_back({reactor.idRecord(), nullptr});
 }
 
 void OdDbObject::removePersistentReactor(const OdDbObjectId& reactor) {
   if (!hasPersistentReactor(reactor)) return;
   assertWriteEnabled();
   std::erase_if(m_extra->reactors,
-                [&reactor](const auto& entry) { return entry.persistent == reactor.stub(); });
+                [&reactor](const auto& entry) { return entry.persistent == reactor.idRecord(); });
 }
 
 bool OdDbObject::hasPersistentReactor(const OdDbObjectId& reactor) const {
   assertReadEnabled();
   if (!m_extra || reactor.isNull()) return false;
-  return std::any_of(m_extra->reactors.begin(), m_extra->reactors.end(),
-                     [&reactor](const auto& entry) { return entry.persistent == reactor.stub(); });
+  return std::any_of(
+      m_extra->reactors.begin(), m_extra->reactors.end(),
+      [&reactor](const auto& entry) { return entry.persistent == reactor.idRecord(); });
 }
 
 OdDbObjectIdArray OdDbObject::getPersistentReactors() const {

@@ -43,14 +43,14 @@ class OdDbObject : public OdRxObject {
   // Opens, counted by smart pointers.
   void addRef() final { ++m_refs; }
   void release() final {
-    if (--m_refs == 0 && (m_stub == nullptr || m_upgrades > 0)) lastReferenceGone();
+    if (--m_refs == 0 && (m_idRecord == nullptr || m_upgrades > 0)) lastReferenceGone();
   }
   [[nodiscard]] OdInt32 numRefs() const final { return m_refs; }
   void addRefTagged(unsigned tag) final;
   void releaseTagged(unsigned tag) final;
 
   // Identity. Null or zero outside a database.
-  [[nodiscard]] OdDbObjectId objectId() const { return OdDbObjectId(m_stub); }
+  [[nodiscard]] OdDbObjectId objectId() const { return OdDbObjectId(m_idRecord); }
   [[nodiscard]] OdDbObjectId id() const { return objectId(); }
   [[nodiscard]] OdDbHandle getDbHandle() const { return objectId().getHandle(); }
   [[nodiscard]] OdDbObjectId ownerId() const;
@@ -59,9 +59,9 @@ class OdDbObject : public OdRxObject {
   [[nodiscard]] OdDbDatabase* database() const;
 
   // Open state.
-  [[nodiscard]] bool isDBRO() const { return m_stub != nullptr; }
+  [[nodiscard]] bool isDBRO() const { return m_idRecord != nullptr; }
   [[nodiscard]] bool isReadEnabled() const {
-    return m_stub == nullptr || m_refs > 0 || (m_bits & kBitInternalWrite) != 0;
+    return m_idRecord == nullptr || m_refs > 0 || (m_bits & kBitInternalWrite) != 0;
   }
   [[nodiscard]] bool isWriteEnabled() const;
   [[nodiscard]] bool isNotifyEnabled() const;
@@ -203,7 +203,7 @@ class OdDbObject : public OdRxObject {
   OdResult readExtra(OdDbDwgFiler* filer);
   void writeExtra(OdDbDwgFiler* filer) const;
 
-  OdDbStub* m_stub = nullptr;
+  OdDbIdRecord* m_idRecord = nullptr;
   std::unique_ptr<Extra> m_extra;
   OdInt32 m_refs = 0;
   OdUInt16 m_writeRefs = 0;

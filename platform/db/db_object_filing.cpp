@@ -77,7 +77,7 @@ OdResult OdDbObject::dwgInFields(OdDbDwgFiler* filer) {
   assertWriteEnabled();
   if (filesOwner(filer)) {
     const OdDbObjectId owner = filer->rdSoftPointerId();
-    if (m_stub != nullptr) m_stub->owner = owner.stub();
+    if (m_idRecord != nullptr) m_idRecord->owner = owner.idRecord();
   }
   return readExtra(filer);
 }
@@ -121,12 +121,12 @@ OdResult OdDbObject::readExtra(OdDbDwgFiler* filer) {
     const OdUInt32 count = filer->rdCount();
     for (OdUInt32 i = 0; i < count; ++i) {
       const OdDbObjectId reactor = filer->rdSoftPointerId();
-      if (!reactor.isNull()) extra().reactors.push_back({reactor.stub(), nullptr});
+      if (!reactor.isNull()) extra().reactors.push_back({reactor.idRecord(), nullptr});
     }
   }
   if ((parts & kExtensionDictionary) != 0) {
     const OdDbObjectId dictionary = filer->rdHardOwnershipId();
-    if (!dictionary.isNull()) extra().extensionDictionary = dictionary.stub();
+    if (!dictionary.isNull()) extra().extensionDictionary = dictionary.idRecord();
   }
   if ((parts & kExtendedData) != 0) extra().xdata = OdResBuf::dwgInChain(filer);
   return eOk;
@@ -212,7 +212,7 @@ void OdDbObject::setXData(const OdResBuf* chain) {
     }
   }
   m_extra->xdata = kept;
-  if (m_stub != nullptr) m_bits |= kBitXDataModified;
+  if (m_idRecord != nullptr) m_bits |= kBitXDataModified;
 }
 
 // Extension dictionary.
@@ -226,12 +226,12 @@ OdDbObjectId OdDbObject::extensionDictionary() const {
 OdDbObjectId OdDbObject::createExtensionDictionary() {
   const OdDbObjectId present = extensionDictionary();
   if (!present.isNull()) return present;
-  if (m_stub == nullptr) throw OdError(eNoDatabase, OdString("extension dictionary"));
+  if (m_idRecord == nullptr) throw OdError(eNoDatabase, OdString("extension dictionary"));
   assertWriteEnabled();
   const OdSmartPtr<OdDbDictionary> dictionary = OdDbDictionary::createObject();
   dictionary->setTreatElementsAsHard(true);
   const OdDbObjectId id = database()->addOdDbObject(dictionary.get(), objectId());
-  extra().extensionDictionary = id.stub();
+  extra().extensionDictionary = id.idRecord();
   return id;
 }
 

@@ -261,7 +261,7 @@ OdDbObjectPtr OdDbCloner::makeClone(const OdDbObject* source, OdDbObject* owner,
   OdDbIdPair pair(source->objectId(), id, /*cloned=*/true, isPrimary);
   enterPair(pair);
   if (!m_state.ids.empty() || source->hasXData()) {
-    id.stub()->set(OdDbStub::kInFlux);
+    id.idRecord()->set(OdDbIdRecord::kInFlux);
     m_state.untranslated.push_back(id);
   }
   if (isPrimary && owner != nullptr && replaced.isNull()) {

@@ -101,13 +101,13 @@ OdDbDatabasePtr OdDbHostAppServices::recoverFile(const OdString& path, OdStringA
   for (const OdDbStoredVariable& item : items.variables) impl.adoptVariable(item);
   for (const auto& [handle, item] : items.records) {
     impl.seed = std::max(impl.seed, handle + 1);
-    OdDbStub* stub = impl.ids.findOrCreate(handle);
-    if (impl.load(stub, {handle, item.classId, item.owner, item.data.data(), item.data.size()}) ==
-        nullptr) {
+    OdDbIdRecord* idRecord = impl.ids.findOrCreate(handle);
+    if (impl.load(idRecord, {handle, item.classId, item.owner, item.data.data(),
+                             item.data.size()}) == nullptr) {
       report.append(impl.loadErrors.last());
       continue;
     }
-    impl.markDirty(stub);
+    impl.markDirty(idRecord);
   }
   for (OdDbClassEntry& entry : impl.classes.entries()) entry.inFile = false;
   oddbMakeDefaultContent(database.get());

@@ -58,7 +58,7 @@ class HashIdMapping : public OdDbIdMapping {
 
   // The multiplier is 2^64 divided by the golden ratio: it spreads addresses of equal stride.
   [[nodiscard]] std::size_t home(OdDbObjectId key) const {
-    const auto address = reinterpret_cast<std::uintptr_t>(key.stub());
+    const auto address = reinterpret_cast<std::uintptr_t>(key.idRecord());
     return static_cast<std::size_t>((address * 0x9E3779B97F4A7C15u) >> m_shift);
   }
 

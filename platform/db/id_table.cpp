@@ -23,13 +23,13 @@ OdDbIdTable::Page& OdDbIdTable::makePage(OdUInt64 number) {
   return *m_direct[index];
 }
 
-OdDbStub* OdDbIdTable::findOrCreate(OdUInt64 handle) {
+OdDbIdRecord* OdDbIdTable::findOrCreate(OdUInt64 handle) {
   const Page* existing = findPage(handle / kPageSize);
   Page& page = existing != nullptr ? const_cast<Page&>(*existing) : makePage(handle / kPageSize);
-  OdDbStub& stub = page[handle % kPageSize];
-  if (stub.handle == 0) {
-    stub.handle = handle;
-    stub.database = m_database;
+  OdDbIdRecord& idRecord = page[handle % kPageSize];
+  if (idRecord.handle == 0) {
+    idRecord.handle = handle;
+    idRecord.database = m_database;
   }
-  return &stub;
+  return &idRecord;
 }

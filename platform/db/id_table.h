@@ -17,14 +17,14 @@ class OdDbIdTable {
   explicit OdDbIdTable(OdDbDatabase* database) : m_database(database) {}
 
   /// Null when the handle was never seen.
-  [[nodiscard]] OdDbStub* find(OdUInt64 handle) const {
+  [[nodiscard]] OdDbIdRecord* find(OdUInt64 handle) const {
     const Page* page = findPage(handle / kPageSize);
     if (page == nullptr) return nullptr;
-    const OdDbStub& stub = (*page)[handle % kPageSize];
-    return stub.handle == 0 ? nullptr : const_cast<OdDbStub*>(&stub);
+    const OdDbIdRecord& idRecord = (*page)[handle % kPageSize];
+    return idRecord.handle == 0 ? nullptr : const_cast<OdDbIdRecord*>(&idRecord);
   }
   /// `handle` is not 0.
-  OdDbStub* findOrCreate(OdUInt64 handle);
+  OdDbIdRecord* findOrCreate(OdUInt64 handle);
   /// All records in rising handle order until `visit` returns false. Records made meanwhile may or
   /// may not be visited.
   template <class Visitor>
@@ -33,7 +33,7 @@ class OdDbIdTable {
  private:
   static constexpr OdUInt64 kPageSize = 64;
   static constexpr OdUInt64 kDirectPages = OdUInt64{1} << 21;  // handles below 2^27
-  using Page = std::array<OdDbStub, kPageSize>;
+  using Page = std::array<OdDbIdRecord, kPageSize>;
 
   [[nodiscard]] const Page* findPage(OdUInt64 number) const {
     if (number < m_direct.size()) return m_direct[number].get();
@@ -50,8 +50,8 @@ class OdDbIdTable {
 template <class Visitor>
 void OdDbIdTable::forEach(Visitor&& visit) const {
   const auto visitPage = [&visit](Page& page) {
-    for (OdDbStub& stub : page) {
-      if (stub.handle != 0 && !visit(&stub)) return false;
+    for (OdDbIdRecord& idRecord : page) {
+      if (idRecord.handle != 0 && !visit(&idRecord)) return false;
     }
     return true;
   };

@@ -13,14 +13,14 @@
 ///    list. Nothing is looked up in the file to find this out.
 /// 3. Copies, clones and walks over references get the ids of objects that are not erased.
 inline bool oddbIsFiled(const OdDbDwgFiler* filer, const OdDbObjectId& id) {
-  constexpr OdUInt32 kGone = OdDbStub::kErased | OdDbStub::kAbsent;
+  constexpr OdUInt32 kGone = OdDbIdRecord::kErased | OdDbIdRecord::kAbsent;
   switch (filer->filerType()) {
     case OdDbDwgFiler::kUndoFiler:
     case OdDbDwgFiler::kPageFiler:
       return true;
     case OdDbDwgFiler::kFileFiler:
-      return !id.isNull() && !id.stub()->has(OdDbStub::kUnappended) &&
-             (id.isResident() || !id.stub()->has(kGone));
+      return !id.isNull() && !id.idRecord()->has(OdDbIdRecord::kUnappended) &&
+             (id.isResident() || !id.idRecord()->has(kGone));
     default:
       return !id.isErased();
   }

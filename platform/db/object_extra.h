@@ -11,12 +11,12 @@
 struct OdDbObject::Extra {
   /// One of the two is set. The order is that of attachment.
   struct Reactor {
-    OdDbStub* persistent = nullptr;
+    OdDbIdRecord* persistent = nullptr;
     OdDbObjectReactor* transient = nullptr;
   };
 
   std::vector<Reactor> reactors;
-  OdDbStub* extensionDictionary = nullptr;
-  OdResBufPtr xdata;                 ///< chains of all applications, each led by its 1001 record
-  OdDbStub* pendingOwner = nullptr;  ///< owner chosen before the object is in a database
+  OdDbIdRecord* extensionDictionary = nullptr;
+  OdResBufPtr xdata;  ///< chains of all applications, each led by its 1001 record
+  OdDbIdRecord* pendingOwner = nullptr;  ///< owner chosen before the object is in a database
 };

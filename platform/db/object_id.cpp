@@ -11,23 +11,25 @@ namespace {
 constexpr int kMaxRedirections = 16;    // a chain longer than this is a cycle
 constexpr int kMaxOwnerDepth = 100000;  // likewise for owners in a damaged drawing
 
-OdDbStub* redirected(OdDbStub* stub) {
-  for (int i = 0; i < kMaxRedirections && stub != nullptr && stub->has(OdDbStub::kRedirected);
+OdDbIdRecord* redirected(OdDbIdRecord* idRecord) {
+  for (int i = 0;
+       i < kMaxRedirections && idRecord != nullptr && idRecord->has(OdDbIdRecord::kRedirected);
        ++i) {
-    stub = stub->owner;
+    idRecord = idRecord->owner;
   }
-  return stub;
+  return idRecord;
 }
 
 /// Why an object could not be opened; eOk when it was.
-OdResult open(OdDbStub* stub, OdDb::OpenMode mode, bool openErased, OdDbObject*& object) {
-  stub = redirected(stub);
-  if (stub == nullptr) return eNullObjectId;
-  OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(stub);
-  object = impl.resident(stub);
-  if (object == nullptr) return stub->has(OdDbStub::kUnloadable) ? eCorruptData : eUnknownHandle;
-  if (stub->has(OdDbStub::kErased)) {
-    if (stub->has(OdDbStub::kUnappended) || !openErased) return eWasErased;
+OdResult open(OdDbIdRecord* idRecord, OdDb::OpenMode mode, bool openErased, OdDbObject*& object) {
+  idRecord = redirected(idRecord);
+  if (idRecord == nullptr) return eNullObjectId;
+  OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(idRecord);
+  object = impl.resident(idRecord);
+  if (object == nullptr)
+    return idRecord->has(OdDbIdRecord::kUnloadable) ? eCorruptData : eUnknownHandle;
+  if (idRecord->has(OdDbIdRecord::kErased)) {
+    if (idRecord->has(OdDbIdRecord::kUnappended) || !openErased) return eWasErased;
   }
   if (mode == OdDb::kForWrite) {
     if (impl.readOnly) return eReadOnlyDatabase;
@@ -40,7 +42,7 @@ OdResult open(OdDbStub* stub, OdDb::OpenMode mode, bool openErased, OdDbObject*&
 
 OdDbObjectPtr OdDbObjectId::openObject(OdDb::OpenMode mode, bool openErased) const {
   OdDbObject* object = nullptr;
-  if (open(m_stub, mode, openErased, object) != eOk) return OdDbObjectPtr();
+  if (open(m_idRecord, mode, openErased, object) != eOk) return OdDbObjectPtr();
   if (mode == OdDb::kForRead) return OdDbObjectPtr(object);
   object->addRefTagged(static_cast<unsigned>(mode));
   if (mode == OdDb::kForWrite) object->writeOpened();
@@ -49,21 +51,21 @@ OdDbObjectPtr OdDbObjectId::openObject(OdDb::OpenMode mode, bool openErased) con
 
 OdDbObjectPtr OdDbObjectId::safeOpenObject(OdDb::OpenMode mode, bool openErased) const {
   OdDbObject* object = nullptr;
-  const OdResult result = open(m_stub, mode, openErased, object);
+  const OdResult result = open(m_idRecord, mode, openErased, object);
   if (result != eOk) throw OdError(result, OdString("object ") + getHandle().ascii());
   return openObject(mode, openErased);
 }
 
 bool OdDbObjectId::isValid() const {
-  OdDbStub* stub = redirected(m_stub);
-  if (stub == nullptr) return false;
-  OdDbDatabaseImpl::of(stub).ensureHeader(stub);
-  return stub->has(OdDbStub::kHeaderKnown);
+  OdDbIdRecord* idRecord = redirected(m_idRecord);
+  if (idRecord == nullptr) return false;
+  OdDbDatabaseImpl::of(idRecord).ensureHeader(idRecord);
+  return idRecord->has(OdDbIdRecord::kHeaderKnown);
 }
 
 bool OdDbObjectId::isErased() const {
-  OdDbStub* stub = redirected(m_stub);
-  return stub == nullptr || stub->has(OdDbStub::kErased) || !isValid();
+  OdDbIdRecord* idRecord = redirected(m_idRecord);
+  return idRecord == nullptr || idRecord->has(OdDbIdRecord::kErased) || !isValid();
 }
 
 bool OdDbObjectId::isEffectivelyErased() const {
@@ -78,32 +80,32 @@ bool OdDbObjectId::isEffectivelyErased() const {
 }
 
 OdDbDatabase* OdDbObjectId::database() const {
-  const OdDbStub* stub = redirected(m_stub);
-  return stub == nullptr ? nullptr : stub->database;
+  const OdDbIdRecord* idRecord = redirected(m_idRecord);
+  return idRecord == nullptr ? nullptr : idRecord->database;
 }
 
 OdRxClass* OdDbObjectId::objectClass() const {
-  OdDbStub* stub = redirected(m_stub);
-  if (stub == nullptr) return nullptr;
-  OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(stub);
-  if (stub->object == nullptr && stub->objectClass == OdDbProxyObject::desc() &&
-      stub->objectClass != nullptr) {
-    stub->clear(OdDbStub::kHeaderKnown);  // the class may have been registered since
+  OdDbIdRecord* idRecord = redirected(m_idRecord);
+  if (idRecord == nullptr) return nullptr;
+  OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(idRecord);
+  if (idRecord->object == nullptr && idRecord->objectClass == OdDbProxyObject::desc() &&
+      idRecord->objectClass != nullptr) {
+    idRecord->clear(OdDbIdRecord::kHeaderKnown);  // the class may have been registered since
   }
-  impl.ensureHeader(stub);
-  return stub->objectClass;
+  impl.ensureHeader(idRecord);
+  return idRecord->objectClass;
 }
 
 OdDbObjectId OdDbObjectId::ownerId() const {
-  OdDbStub* stub = redirected(m_stub);
-  if (stub == nullptr) return kNull;
-  OdDbDatabaseImpl::of(stub).ensureHeader(stub);
-  return OdDbObjectId(stub->owner);
+  OdDbIdRecord* idRecord = redirected(m_idRecord);
+  if (idRecord == nullptr) return kNull;
+  OdDbDatabaseImpl::of(idRecord).ensureHeader(idRecord);
+  return OdDbObjectId(idRecord->owner);
 }
 
 bool OdDbObjectId::convertToRedirectedId() {
-  OdDbStub* stub = redirected(m_stub);
-  if (stub == m_stub) return false;
-  m_stub = stub;
+  OdDbIdRecord* idRecord = redirected(m_idRecord);
+  if (idRecord == m_idRecord) return false;
+  m_idRecord = idRecord;
   return true;
 }

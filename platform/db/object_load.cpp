@@ -10,81 +10,81 @@
 
 namespace {
 
-OdString describe(const OdDbStub* stub, const OdString& className) {
-  OdString text = OdString("object ") + OdDbHandle(stub->handle).ascii();
+OdString describe(const OdDbIdRecord* idRecord, const OdString& className) {
+  OdString text = OdString("object ") + OdDbHandle(idRecord->handle).ascii();
   if (!className.isEmpty()) text += OdString(" of class ") + className;
   return text;
 }
 
 }  // namespace
 
-void OdDbDatabaseImpl::noteDamage(OdDbStub* stub, const OdString& text) {
-  if (!stub->has(OdDbStub::kUnloadable)) loadErrors.append(text);
-  stub->set(OdDbStub::kUnloadable);
+void OdDbDatabaseImpl::noteDamage(OdDbIdRecord* idRecord, const OdString& text) {
+  if (!idRecord->has(OdDbIdRecord::kUnloadable)) loadErrors.append(text);
+  idRecord->set(OdDbIdRecord::kUnloadable);
 }
 
-void OdDbDatabaseImpl::fetchHeader(OdDbStub* stub) {
+void OdDbDatabaseImpl::fetchHeader(OdDbIdRecord* idRecord) {
   OdUInt32 classId = 0;
   OdUInt64 owner = 0;
-  const OdDbStoreStatus status = store ? store->readRecordHeader(stub->handle, classId, owner)
+  const OdDbStoreStatus status = store ? store->readRecordHeader(idRecord->handle, classId, owner)
                                        : OdDbStoreStatus{eUnknownHandle, OdString()};
   if (!status.ok()) {
-    if (status.code != eUnknownHandle) noteDamage(stub, status.text);
-    stub->set(OdDbStub::kAbsent);
+    if (status.code != eUnknownHandle) noteDamage(idRecord, status.text);
+    idRecord->set(OdDbIdRecord::kAbsent);
     return;
   }
   OdDbClassEntry* entry = classes.find(classId);
   OdRxClass* rxClass = entry == nullptr ? nullptr : classes.resolve(*entry);
-  stub->objectClass = rxClass == nullptr ? OdDbProxyObject::desc() : rxClass;
-  stub->owner = idOf(owner).stub();
-  stub->set(OdDbStub::kHeaderKnown | OdDbStub::kInFile);
+  idRecord->objectClass = rxClass == nullptr ? OdDbProxyObject::desc() : rxClass;
+  idRecord->owner = idOf(owner).idRecord();
+  idRecord->set(OdDbIdRecord::kHeaderKnown | OdDbIdRecord::kInFile);
 }
 
-OdDbObject* OdDbDatabaseImpl::resident(OdDbStub* stub) {
-  OdDbObject* object = stub->object;
-  if (object == nullptr) return loadFromStore(stub);
+OdDbObject* OdDbDatabaseImpl::resident(OdDbIdRecord* idRecord) {
+  OdDbObject* object = idRecord->object;
+  if (object == nullptr) return loadFromStore(idRecord);
   if ((object->m_bits & OdDbObject::kBitProxy) != 0 && object->m_refs == 0) {
-    return reviveProxy(stub);
+    return reviveProxy(idRecord);
   }
   return object;
 }
 
-OdDbObject* OdDbDatabaseImpl::loadFromStore(OdDbStub* stub) {
-  if (!store || stub->has(OdDbStub::kLoading | OdDbStub::kUnloadable | OdDbStub::kAbsent |
-                          OdDbStub::kErased)) {
+OdDbObject* OdDbDatabaseImpl::loadFromStore(OdDbIdRecord* idRecord) {
+  if (!store || idRecord->has(OdDbIdRecord::kLoading | OdDbIdRecord::kUnloadable |
+                              OdDbIdRecord::kAbsent | OdDbIdRecord::kErased)) {
     return nullptr;
   }
   OdDbRecordView record;
-  const OdDbStoreStatus status = store->readRecord(stub->handle, record);
+  const OdDbStoreStatus status = store->readRecord(idRecord->handle, record);
   if (!status.ok()) {
     if (status.code == eUnknownHandle) {
-      stub->set(OdDbStub::kAbsent);
+      idRecord->set(OdDbIdRecord::kAbsent);
     } else {
-      noteDamage(stub, status.text);
+      noteDamage(idRecord, status.text);
     }
     return nullptr;
   }
   // Reading the object may read others through the store, which would end the view.
   const std::vector<OdUInt8> bytes(record.data, record.data + record.size);
   record.data = bytes.data();
-  return load(stub, record);
+  return load(idRecord, record);
 }
 
-OdDbObject* OdDbDatabaseImpl::load(OdDbStub* stub, const OdDbRecordView& record) {
-  stub->set(OdDbStub::kLoading);
+OdDbObject* OdDbDatabaseImpl::load(OdDbIdRecord* idRecord, const OdDbRecordView& record) {
+  idRecord->set(OdDbIdRecord::kLoading);
   OdDbObject* object = nullptr;
   try {
-    object = instantiate(stub, record);
+    object = instantiate(idRecord, record);
   } catch (const std::exception& error) {
     const OdDbClassEntry* entry = classes.find(record.classId);
-    noteDamage(stub, describe(stub, entry == nullptr ? OdString() : entry->name) +
-                         " cannot be read: " + OdString(error.what()));
+    noteDamage(idRecord, describe(idRecord, entry == nullptr ? OdString() : entry->name) +
+                             " cannot be read: " + OdString(error.what()));
   }
-  stub->clear(OdDbStub::kLoading);
+  idRecord->clear(OdDbIdRecord::kLoading);
   return object;
 }
 
-OdDbObject* OdDbDatabaseImpl::instantiate(OdDbStub* stub, const OdDbRecordView& record) {
+OdDbObject* OdDbDatabaseImpl::instantiate(OdDbIdRecord* idRecord, const OdDbRecordView& record) {
   OdDbClassEntry* entry = classes.find(record.classId);
   if (entry == nullptr) {
     throw OdError(eCorruptData,
@@ -97,11 +97,11 @@ OdDbObject* OdDbDatabaseImpl::instantiate(OdDbStub* stub, const OdDbRecordView& 
                      rxClass != OdDbProxyObject::desc();
   OdRxObjectPtr made = known ? rxClass->create() : OdRxObjectPtr(OdDbProxyObject::createObject());
   auto* object = static_cast<OdDbObject*>(made.get());
-  object->m_stub = stub;
+  object->m_idRecord = idRecord;
   object->m_bits = OdDbObject::kBitInternalWrite;
-  stub->objectClass = object->isA();
-  stub->owner = idOf(record.owner).stub();
-  stub->object = object;
+  idRecord->objectClass = object->isA();
+  idRecord->owner = idOf(record.owner).idRecord();
+  idRecord->object = object;
   try {
     OdDbFileReader reader(record.data, record.size, self, &resolveHandle, this);
     if (known) {
@@ -111,37 +111,38 @@ OdDbObject* OdDbDatabaseImpl::instantiate(OdDbStub* stub, const OdDbRecordView& 
       static_cast<OdDbProxyObject*>(object)->readRecord(record.classId, reader);
     }
   } catch (...) {
-    stub->object = nullptr;
-    object->m_stub = nullptr;
+    idRecord->object = nullptr;
+    object->m_idRecord = nullptr;
     throw;
   }
   object->m_bits = known ? 0 : OdDbObject::kBitProxy;
-  stub->set(OdDbStub::kHeaderKnown);
-  if (store) stub->set(OdDbStub::kInFile);
+  idRecord->set(OdDbIdRecord::kHeaderKnown);
+  if (store) idRecord->set(OdDbIdRecord::kInFile);
   made.detach()->release();  // resident: the database owns it, and nobody has it open
   return object;
 }
 
 // A proxy whose class has come is read again from its own record.
-OdDbObject* OdDbDatabaseImpl::reviveProxy(OdDbStub* stub) {
-  auto* proxy = static_cast<OdDbProxyObject*>(stub->object);
+OdDbObject* OdDbDatabaseImpl::reviveProxy(OdDbIdRecord* idRecord) {
+  auto* proxy = static_cast<OdDbProxyObject*>(idRecord->object);
   OdDbClassEntry* entry = classes.find(proxy->classId());
-  if (entry == nullptr || stub->has(OdDbStub::kLoading) || classes.resolve(*entry) == nullptr) {
+  if (entry == nullptr || idRecord->has(OdDbIdRecord::kLoading) ||
+      classes.resolve(*entry) == nullptr) {
     return proxy;
   }
   std::vector<OdUInt8> bytes;
   ++proxy->m_refs;
   proxy->writeRecord(bytes);
   --proxy->m_refs;
-  const OdDbRecordView record{stub->handle, proxy->classId(),
-                              stub->owner == nullptr ? 0 : stub->owner->handle, bytes.data(),
-                              bytes.size()};
-  const bool inFile = stub->has(OdDbStub::kInFile);
-  OdDbObject* object = load(stub, record);
-  if (!inFile) stub->clear(OdDbStub::kInFile);
+  const OdDbRecordView record{idRecord->handle, proxy->classId(),
+                              idRecord->owner == nullptr ? 0 : idRecord->owner->handle,
+                              bytes.data(), bytes.size()};
+  const bool inFile = idRecord->has(OdDbIdRecord::kInFile);
+  OdDbObject* object = load(idRecord, record);
+  if (!inFile) idRecord->clear(OdDbIdRecord::kInFile);
   if (object == nullptr) {
-    stub->object = proxy;
-    stub->objectClass = OdDbProxyObject::desc();
+    idRecord->object = proxy;
+    idRecord->objectClass = OdDbProxyObject::desc();
     return proxy;
   }
   if (proxy->m_extra) {
@@ -157,9 +158,10 @@ OdDbStoreStatus OdDbDatabaseImpl::loadAll() {
   if (!store) return {};
   const OdUInt32 errorsBefore = loadErrors.size();
   OdDbStoreStatus status = store->readAll([this](const OdDbRecordView& record) {
-    OdDbStub* stub = ids.findOrCreate(record.handle);
-    if (stub->object == nullptr && !stub->has(OdDbStub::kErased | OdDbStub::kDirty)) {
-      load(stub, record);
+    OdDbIdRecord* idRecord = ids.findOrCreate(record.handle);
+    if (idRecord->object == nullptr &&
+        !idRecord->has(OdDbIdRecord::kErased | OdDbIdRecord::kDirty)) {
+      load(idRecord, record);
     }
     return true;
   });
@@ -174,13 +176,13 @@ void OdDbDatabaseImpl::listAll() {
   if (allListed || !store) return;
   const OdDbStoreStatus status =
       store->listRecords([this](OdUInt64 handle, OdUInt32 classId, OdUInt64 owner, std::size_t) {
-        OdDbStub* stub = ids.findOrCreate(handle);
-        if (stub->has(OdDbStub::kHeaderKnown)) return true;
+        OdDbIdRecord* idRecord = ids.findOrCreate(handle);
+        if (idRecord->has(OdDbIdRecord::kHeaderKnown)) return true;
         OdDbClassEntry* entry = classes.find(classId);
         OdRxClass* rxClass = entry == nullptr ? nullptr : classes.resolve(*entry);
-        stub->objectClass = rxClass == nullptr ? OdDbProxyObject::desc() : rxClass;
-        stub->owner = idOf(owner).stub();
-        stub->set(OdDbStub::kHeaderKnown | OdDbStub::kInFile);
+        idRecord->objectClass = rxClass == nullptr ? OdDbProxyObject::desc() : rxClass;
+        idRecord->owner = idOf(owner).idRecord();
+        idRecord->set(OdDbIdRecord::kHeaderKnown | OdDbIdRecord::kInFile);
         return true;
       });
   if (!status.ok()) {
@@ -190,50 +192,51 @@ void OdDbDatabaseImpl::listAll() {
   allListed = true;
 }
 
-OdDbObjectId OdDbDatabaseImpl::append(OdDbObject* object, OdDbStub* ownerStub, OdUInt64 handle) {
+OdDbObjectId OdDbDatabaseImpl::append(OdDbObject* object, OdDbIdRecord* ownerRecord,
+                                      OdUInt64 handle) {
   if (object == nullptr) throw OdError(eInvalidInput, OdString("null object"));
-  if (object->m_stub != nullptr) {
+  if (object->m_idRecord != nullptr) {
     throw OdError(eAlreadyInDatabase, OdString("object ") + object->getDbHandle().ascii());
   }
   if (readOnly) throw OdError(eReadOnlyDatabase, filename);
   if (object->isA() == nullptr) throw OdError(eClassNotRegistered, OdString("object to be added"));
   if (handle == 0) handle = seed;
-  OdDbStub* stub = ids.findOrCreate(handle);
-  if (handle != seed) ensureHeader(stub);
-  if (stub->has(OdDbStub::kHeaderKnown)) {
+  OdDbIdRecord* idRecord = ids.findOrCreate(handle);
+  if (handle != seed) ensureHeader(idRecord);
+  if (idRecord->has(OdDbIdRecord::kHeaderKnown)) {
     throw OdError(eHandleInUse, OdDbHandle(handle).ascii());
   }
   if (handle >= seed) seed = handle + 1;
-  if (ownerStub == nullptr && object->m_extra) ownerStub = object->m_extra->pendingOwner;
-  stub->owner = ownerStub;
-  stub->objectClass = object->isA();
-  stub->object = object;
-  stub->flags = OdDbStub::kHeaderKnown;
-  object->m_stub = stub;
+  if (ownerRecord == nullptr && object->m_extra) ownerRecord = object->m_extra->pendingOwner;
+  idRecord->owner = ownerRecord;
+  idRecord->objectClass = object->isA();
+  idRecord->object = object;
+  idRecord->flags = OdDbIdRecord::kHeaderKnown;
+  object->m_idRecord = idRecord;
   ++object->m_upgrades;  // whoever made it goes on filling it until its last pointer goes
-  undo.recordCreated(stub);
-  markDirty(stub);
+  undo.recordCreated(idRecord);
+  markDirty(idRecord);
   tellDatabaseReactors(
       [this, object](OdDbDatabaseReactor* reactor) { reactor->objectAppended(self, object); });
-  return OdDbObjectId(stub);
+  return OdDbObjectId(idRecord);
 }
 
-void OdDbDatabaseImpl::forgetUncreated(OdDbStub* stub) {
-  OdDbObject* object = stub->object;
-  if (object == nullptr || !stub->has(OdDbStub::kUnappended) || object->m_refs > 0) return;
-  stub->object = nullptr;
+void OdDbDatabaseImpl::forgetUncreated(OdDbIdRecord* idRecord) {
+  OdDbObject* object = idRecord->object;
+  if (object == nullptr || !idRecord->has(OdDbIdRecord::kUnappended) || object->m_refs > 0) return;
+  idRecord->object = nullptr;
   delete object;
 }
 
-void OdDbDatabaseImpl::setErased(OdDbStub* stub, bool erased) {
+void OdDbDatabaseImpl::setErased(OdDbIdRecord* idRecord, bool erased) {
   if (erased) {
-    stub->set(OdDbStub::kErased);
+    idRecord->set(OdDbIdRecord::kErased);
     anyErased = true;
   } else {
-    stub->clear(OdDbStub::kErased);
+    idRecord->clear(OdDbIdRecord::kErased);
   }
-  markDirty(stub);
-  const OdDbObject* object = stub->object;
+  markDirty(idRecord);
+  const OdDbObject* object = idRecord->object;
   if (object == nullptr) return;
   OdDbReactorCalls::tell<const OdDbObject*, bool>(object, &OdDbObject::erased,
                                                   &OdDbObjectReactor::erased, object, erased);
@@ -245,27 +248,29 @@ void OdDbDatabaseImpl::setErased(OdDbStub* stub, bool erased) {
 OdUInt64 OdDbDatabaseImpl::pageOut(OdUInt64 budgetBytes) {
   if (!store) return 0;
   OdUInt64 total = 0;
-  const auto droppable = [](const OdDbStub* stub) {
-    const OdDbObject* object = stub->object;
-    if (object == nullptr || object->m_refs > 0 || !stub->has(OdDbStub::kInFile)) return false;
-    if (stub->has(OdDbStub::kDirty | OdDbStub::kErased | OdDbStub::kLoading)) return false;
+  const auto droppable = [](const OdDbIdRecord* idRecord) {
+    const OdDbObject* object = idRecord->object;
+    if (object == nullptr || object->m_refs > 0 || !idRecord->has(OdDbIdRecord::kInFile))
+      return false;
+    if (idRecord->has(OdDbIdRecord::kDirty | OdDbIdRecord::kErased | OdDbIdRecord::kLoading))
+      return false;
     if (!object->m_extra) return true;
     for (const auto& reactor : object->m_extra->reactors) {
       if (reactor.transient != nullptr) return false;
     }
     return true;
   };
-  ids.forEach([&total](const OdDbStub* stub) {
-    if (stub->object != nullptr) total += stub->object->approximateSize();
+  ids.forEach([&total](const OdDbIdRecord* idRecord) {
+    if (idRecord->object != nullptr) total += idRecord->object->approximateSize();
     return true;
   });
   OdUInt64 dropped = 0;
-  ids.forEach([&](OdDbStub* stub) {
+  ids.forEach([&](OdDbIdRecord* idRecord) {
     if (total <= budgetBytes) return false;
-    if (!droppable(stub)) return true;
-    total -= stub->object->approximateSize();
-    delete stub->object;
-    stub->object = nullptr;
+    if (!droppable(idRecord)) return true;
+    total -= idRecord->object->approximateSize();
+    delete idRecord->object;
+    idRecord->object = nullptr;
     ++dropped;
     return true;
   });

@@ -14,33 +14,33 @@ void OdDbUndoLog::chooseTarget() {
 
 void OdDbUndoLog::nextSpan() {
   ++m_span;
-  m_partialStub = nullptr;
+  m_partialRecord = nullptr;
 }
 
-void OdDbUndoLog::push(Kind kind, OdDbStub* stub, OdRxClass* cls) {
+void OdDbUndoLog::push(Kind kind, OdDbIdRecord* idRecord, OdRxClass* cls) {
   const bool isChange = kind != Kind::kStep && kind != Kind::kMark;
   if (isChange && !m_applying && !m_redo.records.empty()) clearRedo();
-  m_partialStub = nullptr;
+  m_partialRecord = nullptr;
   m_target->records.push_back(
-      {kind, stub, cls, m_target->buffer.bytes.size(), m_target->buffer.strings.size()});
+      {kind, idRecord, cls, m_target->buffer.bytes.size(), m_target->buffer.strings.size()});
 }
 
 void OdDbUndoLog::recordState(OdDbObject* object) {
   if (m_target == nullptr) return;
-  push(Kind::kState, object->m_stub);
-  object->m_stub->undoStep = m_span;
+  push(Kind::kState, object->m_idRecord);
+  object->m_idRecord->undoStep = m_span;
   OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, m_target->buffer, object->database());
   object->dwgOutFields(&filer);
 }
 
-void OdDbUndoLog::recordCreated(OdDbStub* stub) {
+void OdDbUndoLog::recordCreated(OdDbIdRecord* idRecord) {
   if (m_target == nullptr) return;
-  push(Kind::kCreated, stub);
-  stub->undoStep = m_span;
+  push(Kind::kCreated, idRecord);
+  idRecord->undoStep = m_span;
 }
 
-void OdDbUndoLog::recordErased(OdDbStub* stub, bool erasing) {
-  if (m_target != nullptr) push(erasing ? Kind::kErased : Kind::kUnerased, stub);
+void OdDbUndoLog::recordErased(OdDbIdRecord* idRecord, bool erasing) {
+  if (m_target != nullptr) push(erasing ? Kind::kErased : Kind::kUnerased, idRecord);
 }
 
 void OdDbUndoLog::recordVariable(const OdString& name) {
@@ -52,14 +52,15 @@ void OdDbUndoLog::recordVariable(const OdString& name) {
 }
 
 OdDbDwgFiler* OdDbUndoLog::beginPartial(OdDbObject* object, OdRxClass* cls) {
-  if (m_target == nullptr || (!m_applying && isCovered(object->m_stub))) return nullptr;
-  push(Kind::kPartial, object->m_stub, cls);
-  m_partialStub = object->m_stub;
+  if (m_target == nullptr || (!m_applying && isCovered(object->m_idRecord))) return nullptr;
+  push(Kind::kPartial, object->m_idRecord, cls);
+  m_partialRecord = object->m_idRecord;
   return &m_partialFiler.emplace(OdDbDwgFiler::kUndoFiler, m_target->buffer, object->database());
 }
 
 OdDbDwgFiler* OdDbUndoLog::partialFiler(const OdDbObject* object) {
-  return m_partialStub != nullptr && m_partialStub == object->m_stub ? &*m_partialFiler : nullptr;
+  return m_partialRecord != nullptr && m_partialRecord == object->m_idRecord ? &*m_partialFiler
+                                                                             : nullptr;
 }
 
 // Steps and marks.
@@ -237,18 +238,18 @@ void OdDbUndoLog::apply(Stack& from, const Record& record) {
     case Kind::kPartial:
       return applyPartial(from, record);
     case Kind::kCreated:
-      if (m_target != nullptr) push(Kind::kUncreated, record.stub);
-      applyPresence(record.stub, /*present=*/false);
-      if (m_target == nullptr) OdDbDatabaseImpl::forgetUncreated(record.stub);
+      if (m_target != nullptr) push(Kind::kUncreated, record.idRecord);
+      applyPresence(record.idRecord, /*present=*/false);
+      if (m_target == nullptr) OdDbDatabaseImpl::forgetUncreated(record.idRecord);
       return;
     case Kind::kUncreated:
-      if (m_target != nullptr) push(Kind::kCreated, record.stub);
-      return applyPresence(record.stub, /*present=*/true);
+      if (m_target != nullptr) push(Kind::kCreated, record.idRecord);
+      return applyPresence(record.idRecord, /*present=*/true);
     case Kind::kErased:
     case Kind::kUnerased: {
       const bool erasing = record.kind == Kind::kUnerased;
-      if (m_target != nullptr) push(erasing ? Kind::kErased : Kind::kUnerased, record.stub);
-      return m_database.setErased(record.stub, erasing);
+      if (m_target != nullptr) push(erasing ? Kind::kErased : Kind::kUnerased, record.idRecord);
+      return m_database.setErased(record.idRecord, erasing);
     }
     case Kind::kVariable:
       return applyVariable(from, record);
@@ -256,8 +257,8 @@ void OdDbUndoLog::apply(Stack& from, const Record& record) {
 }
 
 void OdDbUndoLog::applyState(Stack& from, const Record& record) {
-  OdDbObject* object = m_database.resident(record.stub);
-  if (object == nullptr) throw OdError(eUnknownHandle, OdDbHandle(record.stub->handle).ascii());
+  OdDbObject* object = m_database.resident(record.idRecord);
+  if (object == nullptr) throw OdError(eUnknownHandle, OdDbHandle(record.idRecord->handle).ascii());
   const OdUInt16 bits = object->m_bits;
   object->m_bits |= OdDbObject::kBitInternalWrite;
   recordState(object);
@@ -265,35 +266,35 @@ void OdDbUndoLog::applyState(Stack& from, const Record& record) {
   filer.startReading(record.bytes, record.strings);
   const OdResult result = object->dwgInFields(&filer);
   object->m_bits = bits;
-  m_database.markDirty(record.stub);
-  if (result != eOk) throw OdError(result, OdDbHandle(record.stub->handle).ascii());
+  m_database.markDirty(record.idRecord);
+  if (result != eOk) throw OdError(result, OdDbHandle(record.idRecord->handle).ascii());
   OdDbReactorCalls::tell<const OdDbObject*>(object, &OdDbObject::modifyUndone,
                                             &OdDbObjectReactor::modifyUndone, object);
 }
 
 void OdDbUndoLog::applyPartial(Stack& from, const Record& record) {
-  OdDbObject* object = m_database.resident(record.stub);
-  if (object == nullptr) throw OdError(eUnknownHandle, OdDbHandle(record.stub->handle).ascii());
+  OdDbObject* object = m_database.resident(record.idRecord);
+  if (object == nullptr) throw OdError(eUnknownHandle, OdDbHandle(record.idRecord->handle).ascii());
   const OdUInt16 bits = object->m_bits;
   object->m_bits |= OdDbObject::kBitInternalWrite;
   OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
   filer.startReading(record.bytes, record.strings);
   object->applyPartialUndo(&filer, record.cls);
   object->m_bits = bits;
-  m_database.markDirty(record.stub);
+  m_database.markDirty(record.idRecord);
   OdDbReactorCalls::tell<const OdDbObject*>(object, &OdDbObject::modifyUndone,
                                             &OdDbObjectReactor::modifyUndone, object);
 }
 
-void OdDbUndoLog::applyPresence(OdDbStub* stub, bool present) {
-  constexpr OdUInt32 kGone = OdDbStub::kErased | OdDbStub::kUnappended;
+void OdDbUndoLog::applyPresence(OdDbIdRecord* idRecord, bool present) {
+  constexpr OdUInt32 kGone = OdDbIdRecord::kErased | OdDbIdRecord::kUnappended;
   if (present) {
-    stub->clear(kGone);
+    idRecord->clear(kGone);
   } else {
-    stub->set(kGone);
+    idRecord->set(kGone);
   }
-  m_database.markDirty(stub);
-  const OdDbObject* object = stub->object;
+  m_database.markDirty(idRecord);
+  const OdDbObject* object = idRecord->object;
   if (object == nullptr) return;
   if (present) {
     OdDbReactorCalls::tell<const OdDbObject*>(object, &OdDbObject::reappended,
@@ -317,7 +318,7 @@ void OdDbUndoLog::applyVariable(Stack& from, const Record& record) {
 
 void OdDbUndoLog::clearRedo() {
   for (const Record& record : m_redo.records) {
-    if (record.kind == Kind::kUncreated) OdDbDatabaseImpl::forgetUncreated(record.stub);
+    if (record.kind == Kind::kUncreated) OdDbDatabaseImpl::forgetUncreated(record.idRecord);
   }
   truncate(m_redo, 0);
 }

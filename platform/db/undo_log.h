@@ -33,10 +33,12 @@ class OdDbUndoLog {
   // Recording, called for every change.
   [[nodiscard]] bool isRecording() const { return m_target != nullptr; }
   /// The object's state was recorded, or it was created, within the present span.
-  [[nodiscard]] bool isCovered(const OdDbStub* stub) const { return stub->undoStep == m_span; }
+  [[nodiscard]] bool isCovered(const OdDbIdRecord* idRecord) const {
+    return idRecord->undoStep == m_span;
+  }
   void recordState(OdDbObject* object);
-  void recordCreated(OdDbStub* stub);
-  void recordErased(OdDbStub* stub, bool erasing);
+  void recordCreated(OdDbIdRecord* idRecord);
+  void recordErased(OdDbIdRecord* idRecord, bool erasing);
   void recordVariable(const OdString& name);
   /// Filer of a new partial record; null when nothing needs to be recorded.
   OdDbDwgFiler* beginPartial(OdDbObject* object, OdRxClass* cls);
@@ -82,7 +84,7 @@ class OdDbUndoLog {
   };
   struct Record {
     Kind kind;
-    OdDbStub* stub;
+    OdDbIdRecord* idRecord;
     OdRxClass* cls;  ///< class of a partial record
     std::size_t bytes;
     std::size_t strings;
@@ -97,7 +99,7 @@ class OdDbUndoLog {
     return record.kind == Kind::kStep || record.kind == Kind::kMark;
   }
   static bool hasChanges(const Stack& stack);
-  void push(Kind kind, OdDbStub* stub, OdRxClass* cls = nullptr);
+  void push(Kind kind, OdDbIdRecord* idRecord, OdRxClass* cls = nullptr);
   void chooseTarget();
   void nextSpan();
   OdResult moveStep(Stack& from, Stack& to);
@@ -105,7 +107,7 @@ class OdDbUndoLog {
   void apply(Stack& from, const Record& record);
   void applyState(Stack& from, const Record& record);
   void applyPartial(Stack& from, const Record& record);
-  void applyPresence(OdDbStub* stub, bool present);
+  void applyPresence(OdDbIdRecord* idRecord, bool present);
   void applyVariable(Stack& from, const Record& record);
   void clearRedo();
   static void truncate(Stack& stack, std::size_t records);
@@ -116,7 +118,7 @@ class OdDbUndoLog {
   Stack* m_target = nullptr;                ///< where changes are recorded now
   std::vector<std::size_t> m_transactions;  ///< sizes of the undo stack at their starts
   std::optional<OdDbMemoryFiler> m_partialFiler;
-  const OdDbStub* m_partialStub = nullptr;
+  const OdDbIdRecord* m_partialRecord = nullptr;
   OdUInt32 m_span = 1;
   bool m_enabled = false;
   bool m_applying = false;

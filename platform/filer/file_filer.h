@@ -25,7 +25,7 @@ struct OdDbFileReference {
 /// for a null id. So whoever does not know the class still knows every reference.
 ///
 /// varint: seven bits a byte, low bits first, the top bit set in all but the last; at most 10
-/// bytes. Handles above 2^61 do not fit a reference and are refused on writing.
+/// bytes. Handles of 2^62 and more do not fit a reference and are refused on writing.
 class OdDbFileWriter : public OdStaticRxObject<OdDbWriteOnlyFiler> {
  public:
   explicit OdDbFileWriter(OdDbDatabase* database, OdInt32 dwgVersion = OdDb::kDwgVersionCurrent)

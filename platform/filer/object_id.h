@@ -30,7 +30,7 @@ enum ReferenceType {
 
 /// The record behind an id. Owned by the database's id table, stable for the database's life, and
 /// read and written only by the runtime itself.
-struct OdDbStub {
+struct OdDbIdRecord {
   enum Flags : OdUInt32 {
     kErased = 1u << 0,       ///< erased, or its creation was undone
     kUnappended = 1u << 1,   ///< its creation was undone; only redo brings it back
@@ -46,7 +46,7 @@ struct OdDbStub {
 
   OdUInt64 handle = 0;
   OdDbDatabase* database = nullptr;
-  OdDbStub* owner = nullptr;
+  OdDbIdRecord* owner = nullptr;
   OdRxClass* objectClass = nullptr;
   OdDbObject* object = nullptr;
   OdUInt32 flags = 0;
@@ -56,7 +56,7 @@ struct OdDbStub {
   void set(OdUInt32 mask) { flags |= mask; }
   void clear(OdUInt32 mask) { flags &= ~mask; }
 };
-static_assert(sizeof(OdDbStub) == 48, "six words an object");
+static_assert(sizeof(OdDbIdRecord) == 48, "six words an object");
 
 /// Pointer-sized id of an object in a database. Valid as long as the database lives. Asking for
 /// class, owner, handle or the erased flag never loads the object. The order is that of the
@@ -66,28 +66,30 @@ class OdDbObjectId {
   static const OdDbObjectId kNull;
 
   constexpr OdDbObjectId() = default;
-  constexpr explicit OdDbObjectId(OdDbStub* stub) : m_stub(stub) {}
+  constexpr explicit OdDbObjectId(OdDbIdRecord* idRecord) : m_idRecord(idRecord) {}
   constexpr OdDbObjectId(std::nullptr_t) {}  // NOLINT: null ids are written as nullptr
 
-  [[nodiscard]] bool isNull() const { return m_stub == nullptr; }
-  explicit operator bool() const { return m_stub != nullptr; }
-  void setNull() { m_stub = nullptr; }
+  [[nodiscard]] bool isNull() const { return m_idRecord == nullptr; }
+  explicit operator bool() const { return m_idRecord != nullptr; }
+  void setNull() { m_idRecord = nullptr; }
   /// Not null and naming an object that exists, erased or not.
   [[nodiscard]] bool isValid() const;
   /// True for null ids, for erased objects and for ids of objects that do not exist.
   [[nodiscard]] bool isErased() const;
   /// The object itself or one of its owners is erased.
   [[nodiscard]] bool isEffectivelyErased() const;
-  [[nodiscard]] bool isResident() const { return m_stub != nullptr && m_stub->object != nullptr; }
+  [[nodiscard]] bool isResident() const {
+    return m_idRecord != nullptr && m_idRecord->object != nullptr;
+  }
 
   [[nodiscard]] OdDbHandle getHandle() const {
-    return m_stub == nullptr ? OdDbHandle() : OdDbHandle(m_stub->handle);
+    return m_idRecord == nullptr ? OdDbHandle() : OdDbHandle(m_idRecord->handle);
   }
   /// Database of the object that the id stands for, redirection followed; null for a null id.
   [[nodiscard]] OdDbDatabase* database() const;
   /// Database in which the id was given out.
   [[nodiscard]] OdDbDatabase* originalDatabase() const {
-    return m_stub == nullptr ? nullptr : m_stub->database;
+    return m_idRecord == nullptr ? nullptr : m_idRecord->database;
   }
   /// Class of the object, `OdDbProxyObject`'s where it is not registered; null when absent.
   [[nodiscard]] OdRxClass* objectClass() const;
@@ -103,20 +105,20 @@ class OdDbObjectId {
   [[nodiscard]] OdSmartPtr<OdDbObject> safeOpenObject(OdDb::OpenMode mode = OdDb::kForRead,
                                                       bool openErased = false) const;
 
-  friend bool operator==(OdDbObjectId a, OdDbObjectId b) { return a.m_stub == b.m_stub; }
-  friend bool operator!=(OdDbObjectId a, OdDbObjectId b) { return a.m_stub != b.m_stub; }
+  friend bool operator==(OdDbObjectId a, OdDbObjectId b) { return a.m_idRecord == b.m_idRecord; }
+  friend bool operator!=(OdDbObjectId a, OdDbObjectId b) { return a.m_idRecord != b.m_idRecord; }
   friend bool operator<(OdDbObjectId a, OdDbObjectId b) {
-    return std::less<const OdDbStub*>()(a.m_stub, b.m_stub);
+    return std::less<const OdDbIdRecord*>()(a.m_idRecord, b.m_idRecord);
   }
   friend bool operator>(OdDbObjectId a, OdDbObjectId b) { return b < a; }
   friend bool operator<=(OdDbObjectId a, OdDbObjectId b) { return !(b < a); }
   friend bool operator>=(OdDbObjectId a, OdDbObjectId b) { return !(a < b); }
 
   /// The record itself, for the runtime.
-  [[nodiscard]] OdDbStub* stub() const { return m_stub; }
+  [[nodiscard]] OdDbIdRecord* idRecord() const { return m_idRecord; }
 
  private:
-  OdDbStub* m_stub = nullptr;
+  OdDbIdRecord* m_idRecord = nullptr;
 };
 
 inline constexpr OdDbObjectId OdDbObjectId::kNull{};
@@ -126,6 +128,6 @@ using OdDbObjectIdArray = OdArray<OdDbObjectId>;
 template <>
 struct std::hash<OdDbObjectId> {
   std::size_t operator()(OdDbObjectId id) const noexcept {
-    return std::hash<const void*>()(id.stub());
+    return std::hash<const void*>()(id.idRecord());
   }
 };

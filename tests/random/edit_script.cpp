@@ -37,7 +37,7 @@ OdDbObjectId EditContext::pickAdded(const OdRxClass* rxClass) const {
 
 OdDbObjectId EditContext::pickErased() const {
   return choose(/*withErased=*/true, [](OdDbObjectId id) {
-    return id.isErased() && id.isResident() && !id.stub()->has(OdDbStub::kUnappended) &&
+    return id.isErased() && id.isResident() && !id.idRecord()->has(OdDbIdRecord::kUnappended) &&
            !id.objectClass()->isDerivedFrom(OdDbDictionary::desc()) &&
            !id.ownerId().isEffectivelyErased();
   });

@@ -98,7 +98,7 @@ void VdmPropertySlots::put(OdUInt32 slot, T value) {
   dropValue(slot);
   word(slot) = 0;
   if constexpr (std::is_same_v<T, OdDbTypedId>) {
-    word(slot) = reinterpret_cast<OdUInt64>(value.id.stub());
+    word(slot) = reinterpret_cast<OdUInt64>(value.id.idRecord());
     tag(slot) = static_cast<OdUInt8>(kTagOf<T> | (value.type & 3) << kReferenceShift);
     return;
   } else if constexpr (std::is_reference_v<Value<T>>) {

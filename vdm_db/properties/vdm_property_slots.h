@@ -183,7 +183,7 @@ template <VdmSlotValue T>
 VdmPropertySlots::Value<T> VdmPropertySlots::get(OdUInt32 slot) const {
   if (isMappedVariable(slot)) return *reinterpret_cast<const T*>(word(slot));
   if constexpr (std::is_same_v<T, OdDbTypedId>) {
-    return OdDbTypedId(OdDbObjectId(reinterpret_cast<OdDbStub*>(word(slot))),
+    return OdDbTypedId(OdDbObjectId(reinterpret_cast<OdDbIdRecord*>(word(slot))),
                        static_cast<OdDb::ReferenceType>(tag(slot) >> kReferenceShift));
   } else if constexpr (std::is_reference_v<Value<T>>) {
     if ((tag(slot) & kPacked) != 0) [[unlikely]]
