@@ -32,6 +32,26 @@
 #include "vdm_db/properties/vdm_trans_dwg_filer.h"
 #include "vdm_utils/vdmc_assert.h"
 
+// Made in vdm_property_data.cpp alone: a copy made here would take the narrower visibility of its
+// type argument and hide the exported one.
+extern template struct VdmPropertyEncoding<VdmArray<VdmPropertyDataPtr>>;
+extern template struct VdmPropertyEncoding<VdmArray<OdString>>;
+extern template struct VdmPropertyEncoding<VdmArray<OdLong>>;
+extern template struct VdmPropertyEncoding<VdmArray<double>>;
+extern template struct VdmPropertyEncoding<VdmArray<bool>>;
+extern template struct VdmPropertyEncoding<VdmArray<signed char>>;
+extern template struct VdmPropertyEncoding<VdmArray<OdDbHandle>>;
+extern template struct VdmPropertyEncoding<VdmArray<OdDbTypedId>>;
+extern template struct VdmPropertyEncoding<VdmArray<VdmBlob>>;
+extern template struct VdmPropertyEncoding<OdString>;
+extern template struct VdmPropertyEncoding<OdLong>;
+extern template struct VdmPropertyEncoding<double>;
+extern template struct VdmPropertyEncoding<bool>;
+extern template struct VdmPropertyEncoding<signed char>;
+extern template struct VdmPropertyEncoding<OdDbHandle>;
+extern template struct VdmPropertyEncoding<OdDbTypedId>;
+extern template struct VdmPropertyEncoding<VdmBlob>;
+
 namespace {
 
 constexpr OdInt8 kVersionType = static_cast<OdInt8>(VdmPropertyType::kInt8);
