@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <fstream>
-#include <optional>
+#include <regex>
 
 namespace architecture {
 
@@ -18,16 +18,11 @@ constexpr std::array<std::string_view, 4> kCheckedFolders{"platform", "vdm_utils
 /// Headers that gather a library for its users; nothing below the hosts includes them.
 constexpr std::array<std::string_view, 2> kUmbrellas{"platform/platform.h", "vdm_db/vdm_db.h"};
 
-constexpr std::string_view kBase = "platform/base";
-constexpr std::string_view kRx = "platform/rx";
-constexpr std::string_view kGe = "platform/ge";
-constexpr std::string_view kFiler = "platform/filer";
-constexpr std::string_view kDb = "platform/db";
-constexpr std::string_view kStorage = "platform/storage";
-constexpr std::string_view kAssoc = "platform/assoc";
-constexpr std::string_view kGi = "platform/gi";
-constexpr std::string_view kModeler = "platform/modeler";
-constexpr std::string_view kModelerOcct = "platform/modeler_occt";
+constexpr std::string_view kBase = "platform/base", kRx = "platform/rx", kGe = "platform/ge",
+                           kFiler = "platform/filer", kDb = "platform/db",
+                           kStorage = "platform/storage", kAssoc = "platform/assoc",
+                           kGi = "platform/gi", kModeler = "platform/modeler",
+                           kModelerOcct = "platform/modeler_occt";
 
 bool isBelow(std::string_view path, std::string_view folder) {
   return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
@@ -40,9 +35,8 @@ bool isUmbrella(std::string_view path) {
 const FolderRule* ruleOf(std::string_view path) {
   const FolderRule* best = nullptr;
   for (const FolderRule& rule : folderRules()) {
-    if (isBelow(path, rule.folder) && (!best || rule.folder.size() > best->folder.size())) {
-      best = &rule;
-    }
+    const bool isLonger = !best || rule.folder.size() > best->folder.size();
+    if (isLonger && isBelow(path, rule.folder)) best = &rule;
   }
   return best;
 }
@@ -60,46 +54,19 @@ struct SourceFile {
   bool hasPragmaOnce = false;
 };
 
-std::string_view trimLeft(std::string_view text) {
-  const std::size_t start = text.find_first_not_of(" \t");
-  return start == std::string_view::npos ? std::string_view{} : text.substr(start);
-}
-
-/// The text behind `#<directive>`, or nothing where the line is another one.
-std::optional<std::string_view> directive(std::string_view line, std::string_view name) {
-  line = trimLeft(line);
-  if (!line.starts_with('#')) {
-    return std::nullopt;
-  }
-  line = trimLeft(line.substr(1));
-  if (!line.starts_with(name)) {
-    return std::nullopt;
-  }
-  return trimLeft(line.substr(name.size()));
-}
-
-std::optional<Include> parseInclude(std::string_view line, std::size_t number) {
-  const std::optional<std::string_view> rest = directive(line, "include");
-  if (!rest || rest->empty() || (rest->front() != '"' && rest->front() != '<')) {
-    return std::nullopt;
-  }
-  const bool quoted = rest->front() == '"';
-  const std::size_t end = rest->find(quoted ? '"' : '>', 1);
-  if (end == std::string_view::npos) {
-    return std::nullopt;
-  }
-  return Include{std::string(rest->substr(1, end - 1)), quoted, number};
-}
-
 SourceFile readSource(const fs::path& root, const std::string& path) {
+  static const std::regex kInclude(R"(\s*#\s*include\s*(["<])([^">]*)[">])");
+  static const std::regex kPragmaOnce(R"(\s*#\s*pragma\s+once)");
+  constexpr auto kFromStart = std::regex_constants::match_continuous;
   SourceFile file{path, {}, false};
   std::ifstream in(root / path);
+  std::smatch found;
   std::string line;
   for (std::size_t number = 1; std::getline(in, line); ++number) {
-    if (std::optional<Include> include = parseInclude(line, number)) {
-      file.includes.push_back(std::move(*include));
+    if (std::regex_search(line, found, kInclude, kFromStart)) {
+      file.includes.push_back({found[2].str(), found[1] == "\"", number});
     }
-    file.hasPragmaOnce |= directive(line, "pragma").value_or("").starts_with("once");
+    file.hasPragmaOnce |= std::regex_search(line, kPragmaOnce, kFromStart);
   }
   return file;
 }
@@ -108,9 +75,7 @@ std::vector<std::string> filesOnDisk(const fs::path& root,
                                      std::initializer_list<std::string_view> extensions) {
   std::vector<std::string> paths;
   for (const std::string_view folder : kCheckedFolders) {
-    if (!fs::exists(root / folder)) {
-      continue;
-    }
+    if (!fs::exists(root / folder)) continue;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root / folder)) {
       const std::string extension = entry.path().extension().string();
       if (entry.is_regular_file() && std::ranges::find(extensions, extension) != extensions.end()) {
@@ -132,8 +97,7 @@ class FileChecker {
     checkShape();
     const FolderRule* rule = ruleOf(m_file.path);
     if (!rule && !isUmbrella(m_file.path)) {
-      report(1, "its folder has no row in the table of allowed arrows");
-      return;
+      return report(1, "its folder has no row in the table of allowed arrows");
     }
     for (const Include& include : m_file.includes) {
       if (include.quoted) {
@@ -152,15 +116,11 @@ class FileChecker {
   void checkShape() {
     const fs::path path(m_file.path);
     if (path.extension() == ".h") {
-      if (!m_file.hasPragmaOnce) {
-        report(1, "has no #pragma once");
-      }
+      if (!m_file.hasPragmaOnce) report(1, "has no #pragma once");
       return;
     }
     const std::string ownHeader = fs::path(path).replace_extension(".h").generic_string();
-    if (path.extension() != ".cpp" || !fs::exists(m_root / ownHeader)) {
-      return;
-    }
+    if (path.extension() != ".cpp" || !fs::exists(m_root / ownHeader)) return;
     if (m_file.includes.empty() || m_file.includes.front().name != ownHeader) {
       report(1, "does not include its own header " + ownHeader + " first");
     }
@@ -168,12 +128,10 @@ class FileChecker {
 
   void checkQuoted(const Include& include, const FolderRule* rule) {
     if (!fs::exists(m_root / include.name)) {
-      report(include.line, "includes " + include.name + ", no file of that path from the root");
-      return;
+      return report(include.line,
+                    "includes " + include.name + ", no file of that path from the root");
     }
-    if (isUmbrella(m_file.path)) {
-      return;
-    }
+    if (isUmbrella(m_file.path)) return;
     if (isUmbrella(include.name)) {
       if (!isBelow(m_file.path, "host")) {
         report(include.line, "includes the umbrella header " + include.name + ", only hosts may");
@@ -194,18 +152,15 @@ class FileChecker {
       return;  // standard library
     }
     for (const ForeignRule& rule : foreignRules()) {
-      const auto starts = [&](std::string_view prefix) { return include.name.starts_with(prefix); };
-      const auto ends = [&](std::string_view suffix) { return include.name.ends_with(suffix); };
-      if (std::ranges::none_of(rule.prefixes, starts) &&
-          std::ranges::none_of(rule.suffixes, ends)) {
-        continue;
-      }
+      const auto isNamed = [&](std::string_view part) {
+        return part.starts_with('.') ? include.name.ends_with(part)
+                                     : include.name.starts_with(part);
+      };
+      if (std::ranges::none_of(rule.names, isNamed)) continue;
       const auto holdsFile = [&](std::string_view folder) { return isBelow(m_file.path, folder); };
-      if (std::ranges::none_of(rule.allowedFolders, holdsFile)) {
-        report(include.line,
-               "may not include <" + include.name + "> of " + std::string(rule.library));
-      }
-      return;
+      if (std::ranges::any_of(rule.allowedFolders, holdsFile)) return;
+      return report(include.line,
+                    "may not include <" + include.name + "> of " + std::string(rule.library));
     }
     report(include.line, "includes <" + include.name + ">, a library that no row allows");
   }
@@ -223,11 +178,6 @@ std::span<const FolderRule> folderRules() {
     const std::vector<std::string_view> hostRooms{"host/modeling", "host/solving",
                                                   "host/drafting", "host/sheet_metal",
                                                   "host/naming",   "host/units"};
-    const auto join = [](std::vector<std::string_view> list,
-                         const std::vector<std::string_view>& more) {
-      list.insert(list.end(), more.begin(), more.end());
-      return list;
-    };
     std::vector<FolderRule> table{
         {kBase, {}},
         {kRx, {kBase}},
@@ -238,14 +188,12 @@ std::span<const FolderRule> folderRules() {
         {kAssoc, below},
         {kGi, below},
         {kModeler, below},
-        {kModelerOcct, join(below, {kModeler})},
+        {kModelerOcct, {kBase, kRx, kGe, kFiler, kDb, kModeler}},
         {"vdm_utils", below},
-        {"vdm_db", join(below, {kAssoc, kGi, kModeler, "vdm_utils"})},
+        {"vdm_db", {kBase, kRx, kGe, kFiler, kDb, kAssoc, kGi, kModeler, "vdm_utils"}},
     };
     std::vector<std::string_view> everything = hostRooms;
-    for (const FolderRule& rule : table) {
-      everything.push_back(rule.folder);
-    }
+    for (const FolderRule& rule : table) everything.push_back(rule.folder);
     for (const std::string_view room : hostRooms) {
       table.push_back({room, everything});
     }
@@ -260,18 +208,16 @@ std::span<const ForeignRule> foreignRules() {
       {"the operating system",
        {"dlfcn.h", "link.h", "unistd.h", "fcntl.h", "pthread.h", "locale.h", "signal.h", "sys/",
         "cxxabi.h"},
-       {},
        {"platform", "vdm_utils", "host"}},
-      {"ICU", {"unicode/"}, {}, {kBase}},
-      {"SQLite", {"sqlite3"}, {}, {kStorage}},
-      {"xxHash", {"xxh"}, {}, {kStorage}},
-      {"muParser", {"muParser"}, {}, {kAssoc}},
+      {"ICU", {"unicode/"}, {kBase}},
+      {"SQLite", {"sqlite3"}, {kStorage}},
+      {"xxHash", {"xxh"}, {kStorage}},
+      {"muParser", {"muParser"}, {kAssoc}},
       {"Open CASCADE",
-       {},
        {".hxx", ".lxx", ".gxx"},
        {kModelerOcct, "host/modeling", "host/naming", "host/drafting"}},
-      {"CLI11", {"CLI/"}, {}, {"host/cli"}},
-      {"nlohmann-json", {"nlohmann/"}, {}, {"host/cli"}},
+      {"CLI11", {"CLI/"}, {"host/cli"}},
+      {"nlohmann-json", {"nlohmann/"}, {"host/cli"}},
   };
   return rules;
 }

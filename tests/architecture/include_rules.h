@@ -21,8 +21,7 @@ struct FolderRule {
 /// folders that may see them. Standard library headers (no dot, no slash) need no rule.
 struct ForeignRule {
   std::string_view library;
-  std::vector<std::string_view> prefixes;
-  std::vector<std::string_view> suffixes;
+  std::vector<std::string_view> names;           ///< ends where they begin with a dot, else starts
   std::vector<std::string_view> allowedFolders;  ///< a folder stands for everything below it
 };
 

@@ -14,9 +14,7 @@ namespace fs = std::filesystem;
 
 std::string lines(const std::vector<std::string>& texts) {
   std::string all;
-  for (const std::string& text : texts) {
-    all += text + "\n";
-  }
+  for (const std::string& text : texts) all += text + "\n";
   return all;
 }
 
@@ -25,14 +23,12 @@ class ArtificialTree {
  public:
   ArtificialTree() : m_root(fs::current_path() / "artificial_tree") { fs::remove_all(m_root); }
   ~ArtificialTree() { fs::remove_all(m_root); }
-  ArtificialTree(const ArtificialTree&) = delete;
-  ArtificialTree& operator=(const ArtificialTree&) = delete;
 
   void header(const std::string& path, const std::string& include = "") {
-    write(path, "#pragma once\n" + includeLine(include));
+    write(path, "#pragma once\n" + (include.empty() ? include : "#include " + include + "\n"));
   }
   void source(const std::string& path, const std::string& include) {
-    write(path, includeLine(include));
+    write(path, "#include " + include + "\n");
   }
   void write(const std::string& path, const std::string& text) {
     fs::create_directories((m_root / path).parent_path());
@@ -41,10 +37,6 @@ class ArtificialTree {
   std::vector<std::string> check() const { return architecture::checkTree(m_root); }
 
  private:
-  static std::string includeLine(const std::string& include) {
-    return include.empty() ? "" : "#include " + include + "\n";
-  }
-
   fs::path m_root;
 };
 
@@ -56,26 +48,12 @@ TEST(Architecture, EveryHeaderStandsInTheListOfATarget) {
   std::set<std::string> listed;
   std::ifstream in(VDM_HEADER_LIST);
   ASSERT_TRUE(in) << VDM_HEADER_LIST;
-  for (std::string path; std::getline(in, path);) {
-    listed.insert(path);
-  }
+  for (std::string path; std::getline(in, path);) listed.insert(path);
   const std::set<std::string> present = architecture::headersOnDisk(VDM_SOURCE_DIR);
   std::vector<std::string> unlisted;
   std::ranges::set_difference(present, listed, std::back_inserter(unlisted));
   EXPECT_EQ(lines(unlisted), "") << "headers that no target names in HEADERS or PRIVATE_HEADERS";
   EXPECT_FALSE(present.empty());
-}
-
-TEST(Architecture, RulesNameEachFolderOnceAndOnlyFoldersOfTheTable) {
-  std::set<std::string_view> folders;
-  for (const architecture::FolderRule& rule : architecture::folderRules()) {
-    EXPECT_TRUE(folders.insert(rule.folder).second) << rule.folder;
-  }
-  for (const architecture::FolderRule& rule : architecture::folderRules()) {
-    for (const std::string_view target : rule.mayInclude) {
-      EXPECT_TRUE(folders.contains(target)) << rule.folder << " names " << target;
-    }
-  }
 }
 
 TEST(IncludeChecker, AcceptsACleanTree) {
@@ -103,8 +81,6 @@ TEST(IncludeChecker, SeesEachKindOfViolation) {
        "platform/base/a.h:2: platform/base may not include platform/rx/object.h"},
       {"platform/gi/a.cpp", "#  include \"platform/modeler/solid.h\" // why\n",
        "platform/gi/a.cpp:1: platform/gi may not include platform/modeler/solid.h"},
-      {"platform/modeler/a.cpp", "#include \"platform/modeler_occt/body.h\"\n",
-       "platform/modeler/a.cpp:1: platform/modeler may not include platform/modeler_occt/body.h"},
       {"vdm_db/features/a.cpp", "#include \"platform/storage/file.h\"\n",
        "vdm_db/features/a.cpp:1: vdm_db may not include platform/storage/file.h"},
       {"host/units/a.cpp", "#include \"host/cli/command.h\"\n",
@@ -117,12 +93,8 @@ TEST(IncludeChecker, SeesEachKindOfViolation) {
        "platform/colour/a.h:1: its folder has no row in the table of allowed arrows"},
       {"vdm_db/features/a.cpp", "#include <unicode/coll.h>\n",
        "vdm_db/features/a.cpp:1: may not include <unicode/coll.h> of ICU"},
-      {"vdm_db/features/a.cpp", "#include <dlfcn.h>\n",
-       "vdm_db/features/a.cpp:1: may not include <dlfcn.h> of the operating system"},
       {"platform/modeler/a.cpp", "#include <TopoDS_Shape.hxx>\n",
        "platform/modeler/a.cpp:1: may not include <TopoDS_Shape.hxx> of Open CASCADE"},
-      {"host/units/a.cpp", "#include <nlohmann/json.hpp>\n",
-       "host/units/a.cpp:1: may not include <nlohmann/json.hpp> of nlohmann-json"},
       {"platform/rx/a.cpp", "#include <zlib.h>\n",
        "platform/rx/a.cpp:1: includes <zlib.h>, a library that no row allows"},
       {"platform/rx/object.cpp", "#include <string>\n#include \"platform/rx/object.h\"\n",
@@ -132,8 +104,8 @@ TEST(IncludeChecker, SeesEachKindOfViolation) {
   for (const Row& row : rows) {
     ArtificialTree tree;
     for (const char* header :
-         {"platform/rx/object.h", "platform/modeler/solid.h", "platform/modeler_occt/body.h",
-          "platform/storage/file.h", "platform/platform.h", "host/cli/command.h"}) {
+         {"platform/rx/object.h", "platform/modeler/solid.h", "platform/storage/file.h",
+          "platform/platform.h", "host/cli/command.h"}) {
       tree.header(header);
     }
     tree.write(row.path, row.text);

@@ -27,15 +27,13 @@ using Type = VdmPropertyType;
 
 constexpr Type kPlain[] = {Type::kString, Type::kLong,   Type::kDouble, Type::kBool,
                            Type::kInt8,   Type::kHandle, Type::kTypedId};
-constexpr Type kElements[] = {Type::kProperty, Type::kString,  Type::kLong,
-                              Type::kDouble,   Type::kBool,    Type::kInt8,
-                              Type::kHandle,   Type::kTypedId, Type::kBlob};
-
 /// Every kind of value that a property can have: 8 plain ones, 9 arrays, 63 maps.
 std::vector<PropertySpec> allSpecs() {
   std::vector<PropertySpec> specs{{Type::kBlob, {}, {}}};
   for (const Type type : kPlain) specs.push_back({type, {}, {}});
-  for (const Type element : kElements) {
+  std::vector<Type> elements{Type::kProperty, Type::kBlob};
+  elements.insert(elements.end(), std::begin(kPlain), std::end(kPlain));
+  for (const Type element : elements) {
     specs.push_back({Type::kArray, element, {}});
     for (const Type key : kPlain) specs.push_back({Type::kMap, element, key});
   }
@@ -92,27 +90,16 @@ class PropertyValues : public testing::Test {
   }
 
   PropertyNode::Scalar anyScalar(Type type) {
-    switch (type) {
-      case Type::kString:
-        return anyText();
-      case Type::kLong:
-        return static_cast<OdLong>(m_random());
-      case Type::kDouble:
-        return anyDouble();
-      case Type::kBool:
-        return below(2) == 1;
-      case Type::kInt8:
-        return static_cast<signed char>(below(256) - 128);
-      case Type::kHandle:
-        return OdDbHandle(OdUInt64{m_random()} << below(33));
-      case Type::kTypedId:
-        return anyId();
-      default: {
-        VdmBlob bytes(static_cast<std::size_t>(below(5)));
-        for (char& byte : bytes) byte = static_cast<char>(below(256));
-        return bytes;
-      }
-    }
+    if (type == Type::kString) return anyText();
+    if (type == Type::kLong) return static_cast<OdLong>(m_random());
+    if (type == Type::kDouble) return anyDouble();
+    if (type == Type::kBool) return below(2) == 1;
+    if (type == Type::kInt8) return static_cast<signed char>(below(256) - 128);
+    if (type == Type::kHandle) return OdDbHandle(OdUInt64{m_random()} << below(33));
+    if (type == Type::kTypedId) return anyId();
+    VdmBlob bytes(static_cast<std::size_t>(below(5)));
+    for (char& byte : bytes) byte = static_cast<char>(below(256));
+    return bytes;
   }
 
   PropertyNode anyNode(const PropertySpec& spec, int depth = 0) {
@@ -144,11 +131,11 @@ class PropertyValues : public testing::Test {
   OdDbDatabasePtr m_drawing;
 };
 
-TEST_F(PropertyValues, EveryTypeSurvivesTheValueAndItsJson) {
+TEST_F(PropertyValues, EveryTypeSurvivesTheValueItsJsonAndItsText) {
   const std::vector<PropertySpec> specs = allSpecs();
   ASSERT_EQ(specs.size(), 80u);
   for (const PropertySpec& spec : specs) {
-    for (int round = 0; round < 20; ++round) {
+    for (int round = 0; round < 50; ++round) {
       // Through a value first: it puts maps in order and takes twin keys out.
       const VdmPropertyDataPtr data = toProperty(anyNode(spec));
       ASSERT_FALSE(data.isNull()) << specText(spec);
@@ -157,15 +144,7 @@ TEST_F(PropertyValues, EveryTypeSurvivesTheValueAndItsJson) {
       EXPECT_TRUE(toNode(toProperty(node).get()) == node) << specText(spec);
       const std::string json = typedJson(node).dump();
       EXPECT_TRUE(parseTypedJson(json, drawing()) == node) << json;
-    }
-  }
-}
-
-TEST_F(PropertyValues, PlainTextReadsBack) {
-  for (const PropertySpec& spec : allSpecs()) {
-    if (spec.type == Type::kArray || spec.type == Type::kMap) continue;
-    for (int round = 0; round < 50; ++round) {
-      const PropertyNode node = anyNode(spec);
+      if (spec.type == Type::kArray || spec.type == Type::kMap) continue;
       EXPECT_TRUE(parseScalar(spec.type, plainText(node), drawing()) == node) << plainText(node);
     }
   }
@@ -222,8 +201,6 @@ TEST_F(PropertyValues, OpenElementTypesAreTakenFromTheValues) {
   const Row rows[] = {
       {"array", "[1, 2]", "array:long"},
       {"array", "[1, 2.5]", "array:double"},
-      {"array", "[\"a\"]", "array:string"},
-      {"array", "[true]", "array:bool"},
       {"array", "[{\"type\": \"long\", \"value\": 1}]", "array:value"},
       {"array", "[]", ""},
       {"array", "[1, \"a\"]", ""},
@@ -256,37 +233,11 @@ TEST_F(PropertyValues, DeepNestingIsRefusedBeforeTheStackEnds) {
             "values nest deeper than 100 levels");
 }
 
-TEST(TextOutput, LinesFitTheWidth) {
-  TextTable table({{"A", TextTable::Align::kRight}, {"B", TextTable::Align::kLeft}}, "  ");
-  table.addRow({"1", std::string(300, 'x')});
-  table.addRow({std::string(80, 'y'), "short"});
-  std::string name;
-  for (int i = 0; i < 60; ++i) name += "äö ";
-  name += "end";
-  std::istringstream lines(table.text() + wrapped(name + name, "  "));
-  std::size_t count = 0;
-  for (std::string line; std::getline(lines, line); ++count) {
-    EXPECT_LE(columnsOf(line), kTextWidth) << line;
-    EXPECT_NE(line.back(), ' ') << line;
-  }
-  EXPECT_GT(count, 5u);
+TEST(TextOutput, NothingFromAFileMovesTheCursor) {
   EXPECT_EQ(shortened("größe", 5), "größe");
   EXPECT_EQ(shortened("größen", 5), "größ\u2026");
-}
-
-TEST(TextOutput, NothingFromAFileMovesTheCursor) {
   EXPECT_EQ(oneLine("a\nb\tc\x1b[2Jd\x7f"), "a\\nb\\tc\\x1b[2Jd\\x7f");
   EXPECT_EQ(quote("x\r"), "'x\\x0d'");
-}
-
-TEST(TextOutput, NumbersReadAsMeant) {
-  EXPECT_EQ(roundedNumber(-0.0), "0");
-  EXPECT_EQ(roundedNumber(1234567.0), "1.23457e+06");
-  EXPECT_EQ(exactNumber(0.1), "0.1");
-  EXPECT_EQ(byteCount(1), "1 byte");
-  EXPECT_EQ(byteCount(1023), "1023 bytes");
-  EXPECT_EQ(byteCount(1536), "1.5 KiB");
-  EXPECT_EQ(byteCount(std::uintmax_t{3} << 40), "3.0 TiB");
 }
 
 }  // namespace

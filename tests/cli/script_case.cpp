@@ -160,13 +160,4 @@ std::string compareLines(const std::vector<std::string>& patterns,
   return {};
 }
 
-const fs::path& sampleFolder() {
-  static const fs::path folder = [] {
-    const Shell shell(fs::current_path() / "samples");
-    if (shell.run("make_samples .").exitCode != 0) throw std::runtime_error("no samples");
-    return shell.folder();
-  }();
-  return folder;
-}
-
 }  // namespace cli_testing

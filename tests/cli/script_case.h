@@ -65,7 +65,4 @@ std::string withWords(const std::string& command, const Words& words);
 std::string compareLines(const std::vector<std::string>& patterns,
                          const std::vector<std::string>& lines, Words& words);
 
-/// Folder with plate.step and assembly.step, made when it is first asked for.
-const std::filesystem::path& sampleFolder();
-
 }  // namespace cli_testing

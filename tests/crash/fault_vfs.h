@@ -34,7 +34,7 @@ struct FaultState {
   std::size_t count = 0;
   std::vector<FileEvent> events;
 
-  void start(FaultMode newMode, std::size_t newAt = 0);
+  void start(FaultMode newMode, std::size_t newAt = 0) { *this = {newMode, newAt, 0, {}}; }
 };
 FaultState& faultState();
 

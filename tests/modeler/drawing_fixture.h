@@ -30,9 +30,6 @@ class DrawingTest : public RuntimeClasses, public ModelerTest {
  protected:
   DrawingTest() : m_database(m_services.createDatabase()) {}
 
-  OdDbBlockTableRecordPtr modelSpace(OdDb::OpenMode mode = OdDb::kForRead) const {
-    return blockRecord(m_database->getModelSpaceId(), mode);
-  }
   static OdDbBlockTableRecordPtr blockRecord(const OdDbObjectId& id,
                                              OdDb::OpenMode mode = OdDb::kForRead) {
     return OdDbBlockTableRecord::cast(id.safeOpenObject(mode));
@@ -40,7 +37,7 @@ class DrawingTest : public RuntimeClasses, public ModelerTest {
   OdDbObjectId addSolid(const OdModelerBodyPtr& body) const {
     OdDb3dSolidPtr solid = OdDb3dSolid::createObject();
     solid->setBody(body);
-    return modelSpace(OdDb::kForWrite)->appendOdDbEntity(solid);
+    return blockRecord(m_database->getModelSpaceId(), OdDb::kForWrite)->appendOdDbEntity(solid);
   }
   static OdDb3dSolidPtr solid(const OdDbObjectId& id, OdDb::OpenMode mode = OdDb::kForRead) {
     return OdDb3dSolid::cast(id.safeOpenObject(mode));

@@ -51,12 +51,9 @@ TEST(OdArray, ChangesOneCopyOnly) {
   expectUnshared([](auto& array) { array[0] = L"x"; });
   expectUnshared([](auto& array) { array.setAt(1, array[2]); });
   expectUnshared([](auto& array) { *array.begin() = L"x"; });
-  expectUnshared([](auto& array) { array.append(L"d"); });
   expectUnshared([](auto& array) { array.append(array); });
   expectUnshared([](auto& array) { array.removeAt(1); });
   expectUnshared([](auto& array) { array.resize(5); });
-  expectUnshared([](auto& array) { array.clear(); });
-  expectUnshared([](auto& array) { array.reverse(); });
 }
 
 TEST(OdArray, TakesItsOwnElementsAsArguments) {
@@ -116,20 +113,6 @@ TEST(OdArray, LosesAndLeaksNothingWhenACopyThrows) {
     }
   }
   EXPECT_EQ(Counted::alive, 0);
-}
-
-TEST(OdArray, KeepsBooleansAndBytesAsPlainElements) {
-  OdArray<bool> flags{true, false};
-  flags.append(true);
-  bool* first = flags.asArrayPtr();
-  first[1] = true;
-  EXPECT_EQ(contents(flags), (std::vector<bool>{true, true, true}));
-  OdBinaryData bytes;
-  bytes.resize(3);
-  EXPECT_EQ(bytes[2], 0);
-  OdUInt32 index = 7;
-  EXPECT_FALSE(bytes.find(1, index));
-  EXPECT_EQ(index, 7U);
 }
 
 TEST(OdArray, FollowsAVectorThroughRandomEdits) {

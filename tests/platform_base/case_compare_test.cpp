@@ -19,30 +19,6 @@ TEST(CaseCompare, FoldsAsUnicodeDoes) {
   EXPECT_FALSE(odStrIEqual(L"resume", L"résumé"));
   EXPECT_FALSE(odStrIEqual(L"i", L"ı"));
   EXPECT_EQ(odCaseFold(L"ÄB"), odCaseFold(L"äb"));
-  const OdString lower(L"already folded");
-  EXPECT_TRUE(odCaseFold(lower).sharesBuffer(lower));
-}
-
-TEST(CaseCompare, MapsCase) {
-  EXPECT_EQ(OdString(L"straße \x10428").makeUpper(), L"STRASSE \x10400");
-  EXPECT_EQ(OdString(L"ÀÉ I").makeLower(), L"àé i");
-  EXPECT_EQ(OdString("@[`{az").makeUpper(), "@[`{AZ");
-  const OdString undecoded(
-      "\xFF"
-      "a\xC3\xA9");
-  EXPECT_EQ(OdString(undecoded).makeUpper().utf8(),
-            "\xFF"
-            "A\xC3\x89");
-}
-
-TEST(CaseCompare, IsZeroExactlyForEqualFolds) {
-  const OdString texts[] = {L"abc", L"ABC", L"abd", L"ab", L"ß", L"ss", L"SS", L"é", L"É", L"e"};
-  for (const OdString& a : texts) {
-    for (const OdString& b : texts) {
-      EXPECT_EQ(a.iCompare(b) == 0, odCaseFold(a) == odCaseFold(b)) << a << " " << b;
-      EXPECT_EQ(sign(a.iCompare(b)), -sign(b.iCompare(a)));
-    }
-  }
 }
 
 TEST(CaseCompare, SortsAsADictionaryIgnoringCase) {

@@ -27,17 +27,6 @@ class OdDbAuditTest : public CloneTest {
   OdDbDatabasePtr m_drawing = m_host.createDatabase();
 };
 
-TEST_F(OdDbAuditTest, ASoundDrawingHasNoFindings) {
-  const OdDbObjectId root = addRoot(m_drawing, L"root");
-  refer(root, OdDb::kHardPointerRef, addChild(root, L"child"));
-  addChild(root, L"erased").safeOpenObject(OdDb::kForWrite)->erase();
-  addLine(m_drawing->getModelSpaceId(), 1);
-  open<CloneNode>(root, OdDb::kForWrite)->createExtensionDictionary();
-  OdDbAuditInfo info;
-  m_drawing->audit(&info);
-  EXPECT_EQ(info.numErrors(), 0u) << (info.lines().isEmpty() ? "" : info.lines().first().utf8());
-}
-
 TEST_F(OdDbAuditTest, ReferencesToNothingBecomeNull) {
   const OdDbObjectId root = addRoot(m_drawing, L"root");
   refer(root, OdDb::kHardPointerRef, absent());
@@ -81,18 +70,6 @@ TEST_F(OdDbAuditTest, OwnersListWhatTheyOwn) {
   EXPECT_TRUE(open<OdDbDictionary>(named)->has(L"audit_" + entry.getHandle().ascii()));
   EXPECT_EQ(child.ownerId(), root);
   EXPECT_EQ(line.ownerId(), second);
-}
-
-TEST_F(OdDbAuditTest, TwoOwnersOfOneObjectBecomeOne) {
-  const OdDbObjectId first = addRoot(m_drawing, L"first");
-  const OdDbObjectId second = addRoot(m_drawing, L"second");
-  const OdDbObjectId line = addLine(m_drawing->getModelSpaceId(), 1);
-  refer(first, OdDb::kHardOwnershipRef, addChild(second, L"child"));
-  const OdDbObjectId child = reference(second, OdDb::kHardOwnershipRef);
-  refer(second, OdDb::kSoftOwnershipRef, line);
-  EXPECT_FALSE(mend().empty());
-  EXPECT_FALSE(child.isErased());
-  EXPECT_EQ(line.ownerId(), m_drawing->getModelSpaceId());
 }
 
 TEST_F(OdDbAuditTest, BlocksListExactlyTheReferencesThatShowThem) {

@@ -56,19 +56,6 @@ TEST_F(OdDbBlockReferenceTest, ParametersGiveBackPlacementsWithoutShear) {
   }
 }
 
-TEST_F(OdDbBlockReferenceTest, ParametersPlaceTheBlock) {
-  edit<OdDbBlockTableRecord>(m_block)->setOrigin({1, 0, 0});
-  const OdDbBlockReferencePtr reference = make();
-  reference->setPosition({10, 20, 0});
-  reference->setScaleFactors(OdGeScale3d(2, 3, 4));
-  reference->setRotation(std::acos(0.0));
-  const OdGePoint3d placed = reference->blockTransform() * OdGePoint3d(2, 1, 1);
-  EXPECT_TRUE(placed.isEqualTo({10 - 3, 20 + 2, 4}));
-  ASSERT_EQ(reference->transformBy(OdGeMatrix3d::translation({5, 0, 0})), eOk);
-  EXPECT_TRUE((reference->blockTransform() * OdGePoint3d(2, 1, 1)).isEqualTo({12, 22, 4}));
-  EXPECT_TRUE(reference->position().isEqualTo({15, 20, 0}));
-}
-
 TEST_F(OdDbBlockReferenceTest, SettingPartsOfAShearedPlacement) {
   const OdDbBlockReferencePtr reference = make();
   OdGeMatrix3d sheared;
@@ -107,18 +94,6 @@ TEST_F(OdDbBlockReferenceTest, RefusesBadPlacements) {
             eWrongObjectType);
   EXPECT_EQ(raisedBy([&] { reference->setBlockTableRecord({}); }), eNullObjectId);
   EXPECT_EQ(reference->blockTransform(), OdGeMatrix3d());
-}
-
-TEST_F(OdDbBlockReferenceTest, ExplodingGivesPlacedCopies) {
-  addLine(m_block, {0, 0, 0}, {1, 0, 0});
-  const OdDbBlockReferencePtr reference = make();
-  ASSERT_EQ(reference->setBlockTransform(OdGeMatrix3d::translation({0, 5, 0})), eOk);
-  OdRxObjectPtrArray parts;
-  ASSERT_EQ(reference->explode(parts), eOk);
-  ASSERT_EQ(parts.size(), 1u);
-  const OdDbLinePtr line = OdDbLine::cast(parts[0]);
-  EXPECT_EQ(line->endPoint(), OdGePoint3d(1, 5, 0));
-  EXPECT_EQ(line->database(), nullptr);
 }
 
 TEST_F(OdDbBlockReferenceTest, DamagedPlacementsAreRefused) {

@@ -1,6 +1,5 @@
-// Blocks: entities and their order, moving them, references to blocks, cycles, undo.
+// Blocks: entities and their order, moving them, references to blocks, cycles.
 #include "platform/db/block_reference.h"
-#include "platform/db/xrecord.h"
 #include "platform/filer/id_filer.h"
 #include "tests/platform_db/db_testing.h"
 
@@ -22,9 +21,8 @@ class OdDbBlockTableRecordTest : public DbTest {
     }
     return ids;
   }
-  static OdDbObjectIdArray references(OdDbObjectId block, bool directOnly = true,
-                                      bool forceValidity = false) {
-    return open<OdDbBlockTableRecord>(block)->getBlockReferenceIds(directOnly, forceValidity);
+  static OdDbObjectIdArray references(OdDbObjectId block, bool directOnly = true) {
+    return open<OdDbBlockTableRecord>(block)->getBlockReferenceIds(directOnly);
   }
 
   OdDbObjectId m_space = m_database->getModelSpaceId();
@@ -62,16 +60,6 @@ TEST_F(OdDbBlockTableRecordTest, WalksSeeTheBlockAsItWas) {
   EXPECT_EQ(walk(m_a).size(), 2u);
 }
 
-TEST_F(OdDbBlockTableRecordTest, AppendingIsUndoneEntityByEntity) {
-  for (int i = 0; i < 50; ++i) addLine(m_a);
-  m_database->startUndoRecord();
-  const std::string before = stateOf(m_a);
-  const OdDbObjectId last = addLine(m_a);
-  addLine(m_a);
-  expectUndone(m_a, before);
-  EXPECT_TRUE(last.isErased());
-}
-
 TEST_F(OdDbBlockTableRecordTest, RefusesWhatItCannotTake) {
   const OdDbObjectId line = addLine(m_a);
   const auto append = [](OdDbObjectId block, OdDbEntity* entity) {
@@ -100,18 +88,10 @@ TEST_F(OdDbBlockTableRecordTest, EntitiesMoveBetweenBlocksWithTheirIds) {
   const OdDbObjectId a2 = addLine(m_a);
   const OdDbObjectId b1 = addLine(m_b);
   erase(a1);
-  m_database->startUndoRecord();
-  const std::string before = stateOf(m_a) + stateOf(m_b);
   ASSERT_EQ(edit<OdDbBlockTableRecord>(m_b)->takeEntities(edit<OdDbBlockTableRecord>(m_a)), eOk);
   EXPECT_EQ(walk(m_b), (OdDbObjectIdArray{b1, a2}));
   EXPECT_EQ(walk(m_a, true, false), (OdDbObjectIdArray{a1}));
   EXPECT_EQ(a2.ownerId(), m_b);
-  ASSERT_EQ(m_database->undo(), eOk);
-  EXPECT_EQ(stateOf(m_a) + stateOf(m_b), before);
-  EXPECT_EQ(a2.ownerId(), m_a);
-  ASSERT_EQ(m_database->redo(), eOk);
-  EXPECT_EQ(walk(m_b), (OdDbObjectIdArray{b1, a2}));
-
   const OdDbBlockTableRecordPtr block = edit<OdDbBlockTableRecord>(m_a);
   EXPECT_EQ(block->assumeOwnershipOf({a2, b1, a2}), eDuplicateKey);
   EXPECT_EQ(block->assumeOwnershipOf({b1, m_b}), eWrongObjectType);
@@ -131,35 +111,9 @@ TEST_F(OdDbBlockTableRecordTest, KnowsTheReferencesThatShowIt) {
   EXPECT_EQ(references(m_a), (OdDbObjectIdArray{inB}));
   erase(inSpace, false);
   EXPECT_EQ(references(m_a).size(), 2u);
-
-  m_database->startUndoRecord();
   edit<OdDbBlockReference>(inSpace)->setBlockTableRecord(m_b);
   EXPECT_EQ(references(m_a), (OdDbObjectIdArray{inB}));
   EXPECT_EQ(references(m_b), (OdDbObjectIdArray{inSpace, ofB}));
-  ASSERT_EQ(m_database->undo(), eOk);
-  EXPECT_EQ(references(m_a), (OdDbObjectIdArray{inSpace, inB}));
-  EXPECT_EQ(references(m_b), (OdDbObjectIdArray{ofB}));
-  ASSERT_EQ(m_database->redo(), eOk);
-  EXPECT_EQ(references(m_b), (OdDbObjectIdArray{inSpace, ofB}));
-}
-
-TEST_F(OdDbBlockTableRecordTest, UndoneReferencesAreForgotten) {
-  m_database->startUndoRecord();
-  const std::string before = stateOf(m_a);
-  const OdDbObjectId reference = insert(m_space, m_a);
-  ASSERT_EQ(m_database->undo(), eOk);
-  EXPECT_EQ(stateOf(m_a), before);
-  EXPECT_FALSE(open<OdDbBlockTableRecord>(m_a)->hasBlockReferences());
-  ASSERT_EQ(m_database->redo(), eOk);
-  EXPECT_EQ(references(m_a), (OdDbObjectIdArray{reference}));
-}
-
-TEST_F(OdDbBlockTableRecordTest, ForcedValidityOpensEachReference) {
-  const OdDbObjectId reference = insert(m_space, m_a);
-  const OdDbObjectId line = addLine(m_space);
-  edit<OdDbBlockTableRecord>(m_a)->noteBlockReference(line, true);
-  EXPECT_EQ(references(m_a).size(), 2u);
-  EXPECT_EQ(references(m_a, true, true), (OdDbObjectIdArray{reference}));
 }
 
 TEST_F(OdDbBlockTableRecordTest, NoBlockContainsItself) {
@@ -173,34 +127,6 @@ TEST_F(OdDbBlockTableRecordTest, NoBlockContainsItself) {
   const OdDbObjectId ofB = insert(m_space, m_b);
   EXPECT_EQ(edit<OdDbBlockTableRecord>(m_a)->assumeOwnershipOf({ofB}), eCircularReference);
   EXPECT_EQ(ofB.ownerId(), m_space);
-}
-
-TEST_F(OdDbBlockTableRecordTest, ExtentsGoThroughReferences) {
-  OdGeExtents3d box;
-  EXPECT_EQ(open<OdDbBlockTableRecord>(m_a)->getGeomExtents(box), eNotApplicable);
-  addLine(m_a, {1, 1, 0}, {2, 3, 0});
-  edit<OdDbBlockTableRecord>(m_a)->setOrigin({1, 1, 0});
-  const OdDbObjectId reference = insert(m_b, m_a);
-  edit<OdDbBlockReference>(reference)->setPosition({10, 0, 0});
-  ASSERT_EQ(open<OdDbBlockTableRecord>(m_b)->getGeomExtents(box), eOk);
-  EXPECT_TRUE(box.isEqualTo({{10, 0, 0}, {11, 2, 0}}));
-}
-
-TEST_F(OdDbBlockTableRecordTest, ExternalPathsHaveAState) {
-  const OdDbBlockTableRecordPtr block = edit<OdDbBlockTableRecord>(m_a);
-  EXPECT_EQ(block->xrefStatus(), OdDb::kXrfNotAnXref);
-  block->setPathName("part.vdm");
-  EXPECT_TRUE(block->isFromExternalReference());
-  EXPECT_EQ(block->xrefStatus(), OdDb::kXrfUnresolved);
-  block->setXrefStatus(OdDb::kXrfResolved);
-  EXPECT_EQ(block->xrefStatus(), OdDb::kXrfUnresolved) << "nothing is loaded";
-  block->setXrefDatabase(m_database.get());
-  EXPECT_EQ(block->xrefStatus(), OdDb::kXrfResolved);
-  EXPECT_EQ(block->xrefDatabase(true), m_database.get());
-  block->setXrefDatabase(nullptr);
-  block->setPathName("");
-  EXPECT_EQ(block->xrefStatus(), OdDb::kXrfNotAnXref);
-  EXPECT_EQ(raisedBy([&] { block->setXrefStatus(OdDb::XrefStatus(6)); }), eInvalidInput);
 }
 
 TEST_F(OdDbBlockTableRecordTest, PropertiesAreUndoneAndTruncationsFail) {

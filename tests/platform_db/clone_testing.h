@@ -1,23 +1,13 @@
 // Objects and small verbs for the tests of cloning, external references and auditing.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <map>
-#include <string>
 #include <vector>
 
-#include "platform/base/error.h"
 #include "platform/db/block_reference.h"
-#include "platform/db/block_table.h"
-#include "platform/db/database.h"
-#include "platform/db/db_init.h"
-#include "platform/db/db_object.h"
-#include "platform/db/dictionary.h"
-#include "platform/db/host_app_services.h"
 #include "platform/db/id_mapping.h"
 #include "platform/db/layer_table.h"
-#include "platform/db/line.h"
+#include "tests/platform_db/db_testing.h"
 
 /// An object with a value and any number of references of each type. It neither lists nor loses
 /// anything by itself: what it holds is what it files.
@@ -26,10 +16,8 @@ class CloneNode : public OdDbObject {
   OD_RX_DECLARE_MEMBERS(CloneNode)
 
   OdString text;
-  std::vector<double> values;
   OdDbObjectIdArray references[4];  // by OdDb::ReferenceType
   bool failsToRead = false;         // filed; a copy of it cannot be read
-  OdUInt32* clonesSeen = nullptr;   // counts owned objects that have clones when the hook ends
 
   static const CloneNode* of(const OdDbObjectPtr& object) {
     return static_cast<const CloneNode*>(object.get());
@@ -39,8 +27,6 @@ class CloneNode : public OdDbObject {
     OdDbObject::dwgOutFields(filer);
     filer->wrString(text);
     filer->wrBool(failsToRead);
-    filer->wrInt32(static_cast<OdInt32>(values.size()));
-    for (const double value : values) filer->wrDouble(value);
     for (int type = 0; type < 4; ++type) {
       const OdDbObjectIdArray& ids = references[type];
       filer->wrInt32(static_cast<OdInt32>(ids.size()));
@@ -53,8 +39,6 @@ class CloneNode : public OdDbObject {
     if (result != eOk) return result;
     text = filer->rdString();
     failsToRead = filer->rdBool();
-    values.resize(filer->rdCount(8));
-    for (double& value : values) value = filer->rdDouble();
     for (int type = 0; type < 4; ++type) {
       references[type].clear();
       for (OdUInt32 count = filer->rdCount(); count > 0; --count) {
@@ -65,37 +49,21 @@ class CloneNode : public OdDbObject {
                          filer->filerType() == OdDbDwgFiler::kWblockCloneFiler;
     return failsToRead && cloning ? eCorruptData : eOk;
   }
-
-  OdDbObjectPtr subDeepClone(OdDbIdMapping& mapping, OdDbObject* owner,
-                             bool isPrimary) const override {
-    OdDbObjectPtr clone = OdDbObject::subDeepClone(mapping, owner, isPrimary);
-    if (clonesSeen == nullptr) return clone;
-    const OdDbObjectIdArray& owned = references[OdDb::kHardOwnershipRef];
-    for (const OdDbObjectId& id : owned) {
-      OdDbIdPair pair(id);
-      if (mapping.compute(pair)) ++*clonesSeen;
-    }
-    return clone;
-  }
 };
 using CloneNodePtr = OdSmartPtr<CloneNode>;
 
 /// A host with drawings, and verbs for making nodes in them.
-class CloneTest : public testing::Test {
+class CloneTest : public DbTest {
  protected:
   static void SetUpTestSuite() {
-    oddbInitialize();
+    DbTest::SetUpTestSuite();
     CloneNode::rxInit();
   }
   static void TearDownTestSuite() {
     CloneNode::rxUninit();
-    oddbUninitialize();
+    DbTest::TearDownTestSuite();
   }
 
-  template <class T>
-  static OdSmartPtr<T> open(OdDbObjectId id, OdDb::OpenMode mode = OdDb::kForRead) {
-    return T::cast(id.safeOpenObject(mode));
-  }
   static CloneNodePtr node(OdDbObjectId id) { return open<CloneNode>(id); }
 
   /// A node in the named objects dictionary.
@@ -150,6 +118,4 @@ class CloneTest : public testing::Test {
     OdDbIdPair pair(source);
     return mapping->compute(pair) ? pair.value() : OdDbObjectId::kNull;
   }
-
-  OdDbHostAppServices m_host;
 };

@@ -1,17 +1,10 @@
 // A small filed class and the verbs that tests of the database core speak in.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <string>
 #include <vector>
 
-#include "platform/base/error.h"
-#include "platform/db/database.h"
-#include "platform/db/db_init.h"
-#include "platform/db/db_object.h"
-#include "platform/db/host_app_services.h"
 #include "platform/rx/rx_init.h"
+#include "tests/platform_db/db_testing.h"
 #include "tests/support/dump_drawing.h"
 
 /// A number with partial undo, a text with whole-state undo, and references. As a reactor it notes
@@ -41,7 +34,6 @@ class TestCell : public OdDbObject {
     assertReadEnabled();
     return m_number;
   }
-  [[nodiscard]] const OdDbObjectIdArray& owned() const { return m_owned; }
 
   OdResult dwgInFields(OdDbDwgFiler* filer) override {
     const OdResult result = OdDbObject::dwgInFields(filer);

@@ -1,13 +1,11 @@
-// Dictionaries: names, owners, erased entries, undo, order, size.
+// Dictionaries: names, owners, erased entries, order, refusals.
 #include "platform/db/dictionary.h"
 
 #include <map>
 #include <random>
-#include <vector>
 
 #include "platform/db/chunked_order.h"
 #include "platform/db/xrecord.h"
-#include "platform/filer/dxf_text_filer.h"
 #include "platform/filer/id_filer.h"
 #include "tests/platform_db/db_testing.h"
 
@@ -56,19 +54,6 @@ TEST_F(OdDbDictionaryTest, WalksInTheOrderOfTheNamesWhileEntriesChange) {
     }
   }
   EXPECT_EQ(walked, OdString("Alpha bravo charlie coda delta "));
-}
-
-TEST_F(OdDbDictionaryTest, ReplacingErasesTheOldObject) {
-  const OdDbObjectId first = add("key");
-  m_database->startUndoRecord();
-  const std::string before = stateOf(m_dictionary);
-  const OdDbObjectId second = add("KEY");
-  EXPECT_TRUE(first.isErased());
-  EXPECT_EQ(open<OdDbDictionary>(m_dictionary)->numEntries(), 1u);
-  EXPECT_EQ(open<OdDbDictionary>(m_dictionary)->nameAt(second), OdString("KEY"));
-  expectUndone(m_dictionary, before);
-  EXPECT_FALSE(first.isErased());
-  EXPECT_TRUE(second.isErased());
 }
 
 TEST_F(OdDbDictionaryTest, ErasedElementsAreNotFoundUntilTheyComeBack) {
@@ -140,56 +125,6 @@ TEST_F(OdDbDictionaryTest, FilesElementsByTheirOwnership) {
     EXPECT_EQ(filer.ids()[0].type, hard ? OdDb::kHardOwnershipRef : OdDb::kSoftOwnershipRef);
   }
   expectTruncationsFail(m_dictionary);
-}
-
-TEST_F(OdDbDictionaryTest, GroupsReadBack) {
-  const OdDbObjectId id = add("one ^ two");
-  OdDbTextDxfFiler out;
-  open<OdDbDictionary>(m_dictionary)->dxfOutFields(&out);
-  OdDbTextDxfFiler in(
-      out.text(), nullptr,
-      [](void* database, const OdDbHandle& handle) {
-        return static_cast<OdDbDatabase*>(database)->getOdDbObjectId(handle);
-      },
-      m_database.get());
-  const OdDbDictionaryPtr copy = OdDbDictionary::createObject();
-  ASSERT_EQ(copy->dxfInFields(&in), eOk);
-  EXPECT_EQ(copy->getAt("one ^ two"), id);
-}
-
-// Random edits against a plain map, undone step by step.
-TEST_F(OdDbDictionaryTest, RandomEditsMatchAPlainMapAndUndo) {
-  const unsigned seed = 20240611;
-  std::mt19937 random(seed);
-  std::map<std::string, OdDbObjectId> model;
-  std::vector<std::string> states;
-  for (int step = 0; step < 400; ++step) {
-    states.push_back(stateOf(m_dictionary));
-    m_database->startUndoRecord();
-    const std::string name = "k" + std::to_string(random() % 900);
-    const unsigned action = random() % 8;
-    const OdDbDictionaryPtr dictionary = edit<OdDbDictionary>(m_dictionary);
-    if (action == 0 && model.contains(name)) {
-      EXPECT_EQ(dictionary->remove(OdString(name)), model[name]) << "seed " << seed;
-      model.erase(name);
-    } else if (action == 1 && model.contains(name)) {
-      EXPECT_TRUE(dictionary->remove(model[name])) << "seed " << seed;
-      model.erase(name);
-    } else {
-      model[name] = dictionary->setAt(OdString(name), OdDbXrecord::createObject());
-    }
-    if (step % 50 == 0) {
-      ASSERT_EQ(dictionary->numEntries(), model.size()) << "seed " << seed;
-      for (const auto& [key, id] : model) {
-        ASSERT_EQ(dictionary->nameAt(id), OdString(key)) << "seed " << seed;
-      }
-    }
-  }
-  EXPECT_GT(model.size(), 256u) << "more than one chunk";
-  for (int step = 399; step >= 0; --step) {
-    ASSERT_EQ(m_database->undo(), eOk) << "seed " << seed << " step " << step;
-    ASSERT_EQ(stateOf(m_dictionary), states[static_cast<std::size_t>(step)]) << "step " << step;
-  }
 }
 
 struct Ascending {

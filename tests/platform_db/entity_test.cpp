@@ -3,7 +3,6 @@
 
 #include <cmath>
 
-#include "platform/db/block_reference.h"
 #include "platform/db/layer_table.h"
 #include "platform/db/viewport.h"
 #include "tests/platform_db/db_testing.h"
@@ -20,13 +19,6 @@ class GraphicsListener : public OdDbObjectReactor {
   void modifiedGraphics(const OdDbObject*) override { ++count; }
   int count = 0;
 };
-
-TEST_F(OdDbEntityTest, ComesOnLayerZero) {
-  EXPECT_TRUE(OdDbLine::createObject()->layerId().isNull());
-  EXPECT_EQ(open<OdDbLine>(m_line)->layerId(), m_database->getLayerZeroId());
-  EXPECT_EQ(open<OdDbLine>(m_line)->layer(), OdString("0"));
-  EXPECT_TRUE(open<OdDbLine>(m_line)->color().isByLayer());
-}
 
 TEST_F(OdDbEntityTest, LayersAreGivenByNameOrId) {
   const OdDbLayerTableRecordPtr made = OdDbLayerTableRecord::createObject();
@@ -89,14 +81,6 @@ TEST_F(OdDbEntityTest, TransformingChecksTheMatrix) {
   EXPECT_EQ(line->transformBy(OdGeMatrix3d::scaling(0.0)), eDegenerateGeometry);
   EXPECT_EQ(line->transformBy(OdGeMatrix3d::translation({HUGE_VAL, 0, 0})), eInvalidInput);
   EXPECT_EQ(line->endPoint(), OdGePoint3d(1, 2, 0));
-  OdDbEntityPtr copy;
-  ASSERT_EQ(line->getTransformedCopy(OdGeMatrix3d::translation({1, 0, 0}), copy), eOk);
-  EXPECT_EQ(OdDbLine::cast(copy)->endPoint(), OdGePoint3d(2, 2, 0));
-  EXPECT_EQ(line->endPoint(), OdGePoint3d(1, 2, 0));
-  OdGeExtents3d box;
-  ASSERT_EQ(line->getGeomExtents(box), eOk);
-  EXPECT_TRUE(box.isEqualTo({{0, 2, 0}, {1, 2, 0}}));
-  EXPECT_TRUE(line->subentPtr(OdDbFullSubentPath(OdDb::kEdgeSubentType, 1)).isNull());
 }
 
 TEST_F(OdDbEntityTest, ViewportsKeepASoundView) {
@@ -124,12 +108,7 @@ TEST_F(OdDbEntityTest, ViewportsKeepASoundView) {
 }
 
 TEST(OdCmColorTest, MethodsExcludeEachOther) {
-  OdCmColor color;
-  EXPECT_TRUE(color.isByLayer());
-  EXPECT_EQ(color.colorIndex(), OdCmColor::kIndexByLayer);
-  color.setRGB(255, 0, 7);
-  EXPECT_TRUE(color.isByColor());
-  EXPECT_EQ(color.blue(), 7);
+  OdCmColor color = OdCmColor::fromRGB(255, 0, 7);
   EXPECT_EQ(color.colorIndex(), 0);
   color.setColorIndex(5);
   EXPECT_TRUE(color.isByACI());

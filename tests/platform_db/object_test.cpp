@@ -6,21 +6,6 @@ using Strings = std::vector<std::string>;
 
 class OdDbObjectOpen : public CoreTest {};
 
-TEST_F(OdDbObjectOpen, StateFollowsNestedOpens) {
-  const OdDbObjectId id = addCell();
-  const TestCellPtr outer = open(id);
-  EXPECT_TRUE(outer->isReadEnabled());
-  EXPECT_FALSE(outer->isWriteEnabled());
-  {
-    const TestCellPtr inner = open(id, OdDb::kForWrite);
-    EXPECT_TRUE(outer->isWriteEnabled());
-  }
-  EXPECT_FALSE(outer->isWriteEnabled());
-  EXPECT_THROW(outer->setText(L"x"), OdError);
-  const TestCell* closed = outer.get();
-  EXPECT_EQ(closed->numRefs(), 1);
-}
-
 TEST_F(OdDbObjectOpen, UpgradesNestAndEndWithTheLastPointer) {
   const OdDbObjectId id = addCell();
   {
@@ -31,14 +16,8 @@ TEST_F(OdDbObjectOpen, UpgradesNestAndEndWithTheLastPointer) {
     cell->downgradeOpen();
     EXPECT_FALSE(cell->isWriteEnabled());
   }
-  {
-    const TestCellPtr cell = open(id);
-    cell->upgradeOpen();
-    cell->setText(L"left upgraded");
-  }
-  const TestCellPtr again = open(id);
-  EXPECT_FALSE(again->isWriteEnabled());
-  EXPECT_EQ(again->text(), L"left upgraded");
+  open(id)->upgradeOpen();
+  EXPECT_FALSE(open(id)->isWriteEnabled());
 }
 
 TEST_F(OdDbObjectOpen, NotifyRefusesWritesUntilUpgraded) {
@@ -68,12 +47,7 @@ TEST_F(OdDbObjectOpen, WhatCannotBeOpenedIsNullOrRaises) {
   const std::vector<std::pair<OdDbObjectId, OdResult>> refused = {
       {OdDbObjectId::kNull, eNullObjectId}, {erased, eWasErased}, {nobody, eUnknownHandle}};
   for (const auto& [id, code] : refused) {
-    try {
-      (void)id.safeOpenObject();
-      ADD_FAILURE() << "opened";
-    } catch (const OdError& error) {
-      EXPECT_EQ(error.code(), code);
-    }
+    EXPECT_EQ(raisedBy([&] { (void)id.safeOpenObject(); }), code);
   }
 }
 
@@ -140,23 +114,6 @@ TEST_F(OdDbObjectReactors, ErasureIsToldAtOnceAndAThrowingReactorDoesNotLoseTheO
   EXPECT_EQ(open(first, OdDb::kForWrite)->erase(), eOk);
   EXPECT_EQ(open(first, OdDb::kForWrite).isNull(), true);
   database = OdDbDatabasePtr();
-}
-
-TEST_F(OdDbObjectReactors, TransientReactorsHearAndCanLeaveWhileTheyAreTold) {
-  struct Leaver : OdDbObjectReactor {
-    void modified(const OdDbObject* object) override {
-      ++count;
-      const_cast<OdDbObject*>(object)->removeReactor(this);
-    }
-    int count = 0;
-  } leaver, follower;
-  const OdDbObjectId id = addCell();
-  open(id)->addReactor(&leaver);
-  open(id)->addReactor(&follower);
-  setText(id, L"one");
-  setText(id, L"two");
-  EXPECT_EQ(leaver.count, 1);
-  EXPECT_EQ(follower.count, 1);
 }
 
 TEST_F(OdDbObjectReactors, ExtendedDataIsKeptByApplication) {

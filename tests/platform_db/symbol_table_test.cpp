@@ -1,9 +1,7 @@
-// Symbol tables: names, duplicates, erased records, anonymous numbers, undo.
+// Symbol tables: names, duplicates, erased records, anonymous numbers, properties.
 #include "platform/db/symbol_table.h"
 
-#include "platform/db/class_map.h"
 #include "platform/db/layer_table.h"
-#include "platform/db/linetype_table.h"
 #include "platform/db/regapp_table.h"
 #include "tests/platform_db/db_testing.h"
 
@@ -23,13 +21,7 @@ class OdDbSymbolTableTest : public DbTest {
   OdDbObjectId m_table = m_database->getLayerTableId();
 };
 
-TEST_F(OdDbSymbolTableTest, NewDrawingsHoldTheFixedRecords) {
-  const OdDbLinetypeTablePtr linetypes = open<OdDbLinetypeTable>(m_database->getLinetypeTableId());
-  for (const char* name : {"ByBlock", "ByLayer", "Continuous"}) EXPECT_TRUE(linetypes->has(name));
-  const OdDbBlockTablePtr blocks = open<OdDbBlockTable>(m_database->getBlockTableId());
-  EXPECT_EQ(blocks->getModelSpaceId(), m_database->getModelSpaceId());
-  EXPECT_EQ(blocks->getPaperSpaceId(), m_database->getPaperSpaceId());
-  EXPECT_EQ(open<OdDbLayerTable>(m_table)->getAt("0"), m_database->getLayerZeroId());
+TEST_F(OdDbSymbolTableTest, FixedRecordsStay) {
   EXPECT_EQ(edit<OdDbLayerTableRecord>(m_database->getLayerZeroId())->erase(), eInvalidInput);
   EXPECT_EQ(rename(m_database->getLayerZeroId(), "zero"), eInvalidInput);
   EXPECT_EQ(edit<OdDbLayerTable>(m_table)->erase(), eInvalidInput);
@@ -66,17 +58,6 @@ TEST_F(OdDbSymbolTableTest, NamesAreUniqueWithoutRegardToCase) {
   EXPECT_EQ(table->numRecords(), 3u);
 }
 
-TEST_F(OdDbSymbolTableTest, RenamingIsUndoneInTableAndRecord) {
-  const OdDbObjectId id = addLayer("old");
-  m_database->startUndoRecord();
-  const std::string before = stateOf(m_table);
-  ASSERT_EQ(rename(id, "new"), eOk);
-  EXPECT_EQ(open<OdDbLayerTable>(m_table)->getAt("new"), id);
-  EXPECT_TRUE(open<OdDbLayerTable>(m_table)->getAt("old").isNull());
-  expectUndone(m_table, before);
-  EXPECT_EQ(open<OdDbLayerTableRecord>(id)->getName(), OdString("old"));
-}
-
 TEST_F(OdDbSymbolTableTest, AnErasedRecordFreesItsName) {
   const OdDbObjectId first = addLayer("walls");
   erase(first);
@@ -96,7 +77,6 @@ TEST_F(OdDbSymbolTableTest, TakesRecordsOfItsClassOnly) {
   app->setName("app");
   EXPECT_EQ(raisedBy([&] { edit<OdDbLayerTable>(m_table)->add(app); }), eWrongObjectType);
   EXPECT_EQ(raisedBy([&] { edit<OdDbLayerTable>(m_table)->add(nullptr); }), eNullPointer);
-  const OdDbLayerTablePtr other = edit<OdDbLayerTable>(m_host.createDatabase()->getLayerTableId());
   const OdDbLayerTableRecordPtr used = edit<OdDbLayerTableRecord>(addLayer("used"));
   EXPECT_EQ(raisedBy([&] { edit<OdDbLayerTable>(m_table)->add(used); }), eOk) << "listed already";
 }
@@ -132,11 +112,6 @@ TEST_F(OdDbSymbolTableTest, AnonymousBlocksAreNumbered) {
   EXPECT_FALSE(open<OdDbBlockTableRecord>(m_database->getModelSpaceId())->isAnonymous());
 }
 
-TEST_F(OdDbSymbolTableTest, DependentNamesAreMarked) {
-  EXPECT_TRUE(open<OdDbLayerTableRecord>(addLayer("part|walls"))->isDependent());
-  EXPECT_FALSE(open<OdDbLayerTableRecord>(addLayer("walls"))->isDependent());
-}
-
 TEST_F(OdDbSymbolTableTest, LayerPropertiesAreCheckedUndoneAndFiled) {
   const OdDbObjectId id = addLayer("walls");
   m_database->startUndoRecord();
@@ -150,35 +125,9 @@ TEST_F(OdDbSymbolTableTest, LayerPropertiesAreCheckedUndoneAndFiled) {
     layer->setLineWeight(OdDb::kLnWt025);
     EXPECT_EQ(raisedBy([&] { layer->setColor(OdCmColor()); }), eInvalidInput);
     EXPECT_EQ(raisedBy([&] { layer->setLineWeight(OdDb::kLnWtByLayer); }), eInvalidInput);
-    const OdDbLayerTableRecordPtr copy = OdDbLayerTableRecord::createObject();
-    copy->copyFrom(layer);
-    EXPECT_TRUE(copy->isFrozen() && copy->isHidden() && !copy->isPlottable() && !copy->isOff());
-    EXPECT_EQ(copy->color().red(), 255);
-    EXPECT_EQ(copy->lineWeight(), OdDb::kLnWt025);
   }
   expectTruncationsFail(id);
   expectUndone(id, before);
-}
-
-TEST_F(OdDbSymbolTableTest, LinetypesKeepTheirDashes) {
-  const OdDbLinetypeTableRecordPtr type = OdDbLinetypeTableRecord::createObject();
-  type->setDashes({1.5, -0.5, 0.0, -0.5});
-  EXPECT_DOUBLE_EQ(type->patternLength(), 2.5);
-  EXPECT_EQ(raisedBy([&] { type->setDashes(OdDbDashArray{0.0 / 0.0}); }), eInvalidInput);
-  OdDbDashArray many;
-  many.resize(OdDbLinetypeTableRecord::kMaxDashes + 1);
-  EXPECT_EQ(raisedBy([&] { type->setDashes(many); }), eLimitExceeded);
-  const OdDbLinetypeTableRecordPtr copy = OdDbLinetypeTableRecord::createObject();
-  copy->copyFrom(type);
-  EXPECT_EQ(copy->dashes(), type->dashes());
-}
-
-TEST_F(OdDbSymbolTableTest, ObjectTypesNameTheirClasses) {
-  EXPECT_EQ(oddbDwgClassMapDesc(42), OdDbDictionary::desc());
-  EXPECT_EQ(oddbDwgClassMapDesc(48), OdDbBlockTable::desc());
-  EXPECT_EQ(oddbDwgClassMapDesc(49), OdDbBlockTableRecord::desc());
-  EXPECT_EQ(oddbDwgClassMapDesc(38), nullptr) << "solids are not loaded here";
-  EXPECT_EQ(oddbDwgClassMapDesc(-1), nullptr);
 }
 
 }  // namespace

@@ -7,51 +7,7 @@ class OdDbUndoLogTest : public CoreTest {
     database->startUndoRecord();
     work();
   }
-  std::string dump() { return dumpDrawing(database.get()); }
 };
-
-TEST_F(OdDbUndoLogTest, StepsGoBackAndForthByteForByte) {
-  OdDbObjectId a;
-  OdDbObjectId b;
-  std::vector<std::string> states = {dump()};
-  const std::vector<std::function<void()>> steps = {
-      [&] { a = addCell(L"a"); },
-      [&] {
-        setNumber(a, 1);
-        setNumber(a, 2);
-        setText(a, L"changed");
-        setNumber(a, 3);
-      },
-      [&] {
-        b = addCell(L"b");
-        open(a, OdDb::kForWrite)->addPersistentReactor(b);
-      },
-      [&] { open(b, OdDb::kForWrite)->erase(); },
-      [&] { open(a, OdDb::kForWrite)->setOwnerId(database->getModelSpaceId()); },
-      [&] {
-        database->setINSUNITS(OdDb::kUnitsInches);
-        open(a, OdDb::kForWrite)->erase();
-      },
-  };
-  for (const auto& work : steps) {
-    step(work);
-    states.push_back(dump());
-  }
-  for (int round = 0; round < 3; ++round) {
-    for (std::size_t i = steps.size(); i-- > 0;) {
-      ASSERT_EQ(database->undo(), eOk);
-      EXPECT_EQ(dump(), states[i]);
-    }
-    EXPECT_EQ(database->getINSUNITS(), OdDb::kUnitsMillimeters);
-    EXPECT_EQ(database->undo(), eNothingToUndo);
-    for (std::size_t i = 1; i <= steps.size(); ++i) {
-      ASSERT_EQ(database->redo(), eOk);
-      EXPECT_EQ(dump(), states[i]);
-    }
-    EXPECT_EQ(database->redo(), eNothingToUndo);
-    EXPECT_EQ(database->getINSUNITS(), OdDb::kUnitsInches);
-  }
-}
 
 TEST_F(OdDbUndoLogTest, ANewChangeForgetsWhatCouldBeRedone) {
   OdDbObjectId a;
@@ -61,6 +17,7 @@ TEST_F(OdDbUndoLogTest, ANewChangeForgetsWhatCouldBeRedone) {
   EXPECT_TRUE(database->hasRedo());
   step([&] { setNumber(a, 5); });
   EXPECT_FALSE(database->hasRedo());
+  EXPECT_EQ(database->redo(), eNothingToUndo);
   ASSERT_EQ(database->undo(), eOk);
   EXPECT_EQ(open(a)->number(), 0);
 }
@@ -68,12 +25,12 @@ TEST_F(OdDbUndoLogTest, ANewChangeForgetsWhatCouldBeRedone) {
 TEST_F(OdDbUndoLogTest, UndoBackReturnsToTheMarkOverManySteps) {
   OdDbObjectId a;
   step([&] { a = addCell(L"a"); });
-  const std::string marked = dump();
+  const std::string marked = dumpDrawing(database.get());
   database->setUndoMark();
   for (int i = 1; i < 6; ++i) step([&] { setNumber(a, i); });
   EXPECT_EQ(database->numUndoSteps(), 6u);
   EXPECT_EQ(database->undoBack(), eOk);
-  EXPECT_EQ(dump(), marked);
+  EXPECT_EQ(dumpDrawing(database.get()), marked);
   EXPECT_FALSE(database->hasUndoMark());
   EXPECT_EQ(database->undoBack(), eNothingToUndo);
 }
@@ -132,19 +89,4 @@ TEST_F(OdDbUndoLogTest, WithoutRecordingTransactionsStillAbortAndUndoKeepsNoRedo
   database->disableUndoRecording(false);
   EXPECT_EQ(open(a)->number(), 0);
   EXPECT_FALSE(database->hasRedo());
-}
-
-TEST_F(OdDbUndoLogTest, ObjectsSayThatTheyAreUndoing) {
-  struct Listener : OdDbObjectReactor {
-    void modifyUndone(const OdDbObject* object) override { undoing = object->isUndoing(); }
-    bool undoing = false;
-  } listener;
-  OdDbObjectId a;
-  step([&] { a = addCell(L"a"); });
-  open(a)->addReactor(&listener);
-  step([&] { setText(a, L"b"); });
-  ASSERT_EQ(database->undo(), eOk);
-  EXPECT_TRUE(listener.undoing);
-  EXPECT_FALSE(open(a)->isUndoing());
-  open(a)->removeReactor(&listener);
 }

@@ -1,9 +1,6 @@
-// Tests of cloning into another drawing: what is followed, names that are taken, whole drawings.
+// Tests of cloning into another drawing: what is followed, names that are taken, refusals.
 #include "clone_testing.h"
-#include "platform/db/database_impl.h"
-#include "platform/db/proxy_object.h"
 #include "platform/db/regapp_table.h"
-#include "platform/storage/sqlite_record_store.h"
 
 namespace {
 
@@ -91,51 +88,6 @@ TEST_F(OdDbWblockTest, ReplacedBlocksKeepTheirIdAndTakeTheNewContents) {
             (OdDbObjectIdArray{shows, cloneOf(m_mapping, reference)}));
 }
 
-TEST_F(OdDbWblockTest, IgnoredBlocksAreUsedAsTheyAre) {
-  const OdDbObjectId present = addBlock(m_target, L"PART");
-  addLine(present, 1);
-  const OdDbObjectId block = addBlock(m_source, L"PART");
-  const OdDbObjectId line = addLine(block, 2);
-  const OdDbObjectId reference = addReference(space(m_source), block);
-  const OdDbObjectId root = addRoot(m_source, L"root");
-  refer(root, OdDb::kHardPointerRef, line);
-  ASSERT_EQ(wblockClone({reference, root}, space(m_target)), eOk);
-  EXPECT_EQ(open<OdDbBlockReference>(cloneOf(m_mapping, reference))->blockTableRecord(), present);
-  EXPECT_EQ(open<OdDbBlockTableRecord>(present)->entityIds().size(), 1u);
-  EXPECT_EQ(open<OdDbBlockTableRecord>(block)->getBlockReferenceIds(),
-            (OdDbObjectIdArray{reference}));
-}
-
-TEST_F(OdDbWblockTest, EntriesOfNestedDictionariesFindTheirPlace) {
-  const auto nested = [](OdDbDatabase* drawing, const wchar_t* name) {
-    const OdDbDictionaryPtr root =
-        open<OdDbDictionary>(drawing->getNamedObjectsDictionaryId(), OdDb::kForWrite);
-    const OdDbDictionaryPtr made = OdDbDictionary::createObject();
-    made->setTreatElementsAsHard(true);
-    return root->setAt(name, made);
-  };
-  const OdDbObjectId bothSource = nested(m_source, L"BOTH");
-  const OdDbObjectId bothTarget = nested(m_target, L"BOTH");
-  const OdDbObjectId onlySource = nested(m_source, L"ONLY");
-  const auto add = [](OdDbObjectId dictionary, const wchar_t* name) {
-    return open<OdDbDictionary>(dictionary, OdDb::kForWrite)
-        ->setAt(name, CloneNode::createObject());
-  };
-  const OdDbObjectId inBoth = add(bothSource, L"wanted");
-  const OdDbObjectId inOnly = add(onlySource, L"wanted");
-  add(onlySource, L"unwanted");
-  const OdDbObjectId root = addRoot(m_source, L"root");
-  refer(root, OdDb::kHardPointerRef, inBoth);
-  refer(root, OdDb::kHardPointerRef, inOnly);
-  ASSERT_EQ(wblockClone({root}, m_target->getNamedObjectsDictionaryId()), eOk);
-  EXPECT_EQ(cloneOf(m_mapping, inBoth), open<OdDbDictionary>(bothTarget)->getAt(L"wanted"));
-  const OdDbDictionaryPtr made = open<OdDbDictionary>(
-      open<OdDbDictionary>(m_target->getNamedObjectsDictionaryId())->getAt(L"ONLY"));
-  EXPECT_TRUE(made->isTreatElementsAsHard());
-  EXPECT_EQ(made->getAt(L"wanted"), cloneOf(m_mapping, inOnly));
-  EXPECT_FALSE(made->has(L"unwanted"));
-}
-
 TEST_F(OdDbWblockTest, ExtendedDataIsRegisteredAndTranslated) {
   m_source->newRegApp(L"TEST");
   const OdDbObjectId root = addRoot(m_source, L"root");
@@ -152,46 +104,6 @@ TEST_F(OdDbWblockTest, ExtendedDataIsRegisteredAndTranslated) {
   EXPECT_TRUE(open<OdDbRegAppTable>(m_target->getRegAppTableId())->has(L"TEST"));
 }
 
-TEST_F(OdDbWblockTest, ObjectsOfUnknownClassesAreClonedAndComeBackWhole) {
-  OdDbHostAppServices host(createSqliteStoreFactory());
-  const auto reopen = [&host](const OdString& path) {
-    OdDbStoreStatus status;
-    OdDbDatabasePtr drawing = host.readFile(path, status);
-    EXPECT_TRUE(status.ok()) << status.text.utf8();
-    return drawing;
-  };
-  OdUInt64 handle = 0;
-  {
-    const OdDbDatabasePtr drawing = host.createDatabase();
-    const OdDbObjectId root = addRoot(drawing, L"root");
-    refer(root, OdDb::kSoftPointerRef, addChild(root, L"child"));
-    handle = root.getHandle();
-    ASSERT_TRUE(drawing->saveAs(L"proxy_source.vdm").ok());
-  }
-  CloneNode::rxUninit();
-  {
-    const OdDbDatabasePtr source = reopen(L"proxy_source.vdm");
-    const OdDbDatabasePtr target = host.createDatabase();
-    target->impl().classes.entryOf(OdDbLine::desc());  // the same number for another class
-    const OdDbObjectId root = source->getOdDbObjectId(handle);
-    ASSERT_EQ(source->wblockCloneObjects({root}, target->getNamedObjectsDictionaryId(), *m_mapping,
-                                         OdDb::kDrcIgnore),
-              eOk);
-    EXPECT_EQ(open<OdDbProxyObject>(cloneOf(m_mapping, root))->originalClassName(),
-              OdString(L"CloneNode"));
-    EXPECT_TRUE(target->saveAs(L"proxy_target.vdm").ok());
-  }
-  CloneNode::rxInit();
-  const OdDbDatabasePtr target = reopen(L"proxy_target.vdm");
-  const OdDbObjectId clone =
-      open<OdDbDictionary>(target->getNamedObjectsDictionaryId())->getAt(L"root");
-  EXPECT_EQ(node(clone)->text, OdString(L"root"));
-  const OdDbObjectId child = reference(clone, OdDb::kHardOwnershipRef);
-  EXPECT_EQ(node(child)->text, OdString(L"child"));
-  EXPECT_EQ(child.ownerId(), clone);
-  EXPECT_EQ(reference(clone, OdDb::kSoftPointerRef), child);
-}
-
 TEST_F(OdDbWblockTest, RefusesWhatIsNotItsOwnAndFailsWithoutTrace) {
   const OdDbObjectId root = addRoot(m_source, L"root");
   const OdDbObjectId foreign = addRoot(m_target, L"foreign");
@@ -205,35 +117,6 @@ TEST_F(OdDbWblockTest, RefusesWhatIsNotItsOwnAndFailsWithoutTrace) {
   EXPECT_EQ(wblockClone({root}, owner), eCorruptData);
   EXPECT_EQ(m_target->approxNumObjects(), count);
   EXPECT_TRUE(m_mapping->newIterator()->done());
-}
-
-TEST_F(OdDbWblockTest, ABlockBecomesADrawing) {
-  const OdDbObjectId inner = addBlock(m_source, L"INNER");
-  addLine(inner, 1, addLayer(m_source, L"WALLS", 3));
-  const OdDbObjectId block = addBlock(m_source, L"PART");
-  addReference(block, inner);
-  addLine(block, 2).safeOpenObject(OdDb::kForWrite)->erase();
-  {
-    const OdDbBlockTableRecordPtr record = open<OdDbBlockTableRecord>(block, OdDb::kForWrite);
-    record->setOrigin(OdGePoint3d(1, 2, 3));
-    record->setBlockInsertUnits(OdDb::kUnitsInches);
-    open<OdDbDictionary>(record->createExtensionDictionary(), OdDb::kForWrite)
-        ->setAt(L"manager", CloneNode::createObject());
-  }
-  const OdDbDatabasePtr drawing = m_source->wblock(block);
-  const OdDbBlockTableRecordPtr made = open<OdDbBlockTableRecord>(space(drawing));
-  ASSERT_EQ(made->entityIds().size(), 1u);
-  const OdDbBlockReferencePtr reference = open<OdDbBlockReference>(made->entityIds().getAt(0));
-  const OdDbBlockTableRecordPtr shown = open<OdDbBlockTableRecord>(reference->blockTableRecord());
-  EXPECT_EQ(shown->getName(), OdString(L"INNER"));
-  EXPECT_EQ(shown->getBlockReferenceIds(), (OdDbObjectIdArray{reference->objectId()}));
-  EXPECT_EQ(length(shown->entityIds().getAt(0)), 1.0);
-  EXPECT_EQ(open<OdDbLine>(shown->entityIds().getAt(0))->layer(), OdString(L"WALLS"));
-  EXPECT_EQ(made->origin(), OdGePoint3d(1, 2, 3));
-  EXPECT_EQ(drawing->getINSUNITS(), OdDb::kUnitsInches);
-  EXPECT_TRUE(open<OdDbDictionary>(made->extensionDictionary())->has(L"manager"));
-  EXPECT_FALSE(drawing->hasUndo());
-  EXPECT_THROW((void)m_source->wblock(m_source->getLayerTableId()), OdError);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Tests of external references: the status table, lazy opening, cycles, binding.
+// Tests of external references: the status table, cycles, binding, detaching.
 #include "platform/db/xref_man.h"
 
 #include <filesystem>
@@ -88,42 +88,6 @@ TEST_F(OdDbXRefManTest, StatusFollowsTheTable) {
   EXPECT_EQ(open<OdDbBlockTableRecord>(host->getModelSpaceId())->xrefStatus(), OdDb::kXrfNotAnXref);
 }
 
-TEST_F(OdDbXRefManTest, AReopenedHostResolvesLazilyAndOnlyWhatIsShown) {
-  writePart("part.vdm", 4);
-  {
-    const OdDbDatabasePtr host = m_host.createDatabase();
-    ASSERT_TRUE(host->saveAs(path("host.vdm")).ok());
-    OdDbObjectId id;
-    ASSERT_EQ(OdDbXRefMan::attach(host, L"part.vdm", L"SHOWN", id), eOk);
-    show(host, id);
-    ASSERT_EQ(OdDbXRefMan::attach(host, L"part.vdm", L"HIDDEN", id), eOk);
-    ASSERT_TRUE(host->save().ok());
-  }
-  const OdDbDatabasePtr host = reopen("host.vdm");
-  const OdDbBlockTablePtr table = open<OdDbBlockTable>(host->getBlockTableId());
-  const OdDbBlockTableRecordPtr shown = open<OdDbBlockTableRecord>(table->getAt(L"SHOWN"));
-  const OdDbBlockTableRecordPtr hidden = open<OdDbBlockTableRecord>(table->getAt(L"HIDDEN"));
-  EXPECT_EQ(shown->xrefStatus(), OdDb::kXrfUnresolved);
-  EXPECT_EQ(OdDbXRefMan::resolveAll(host), eOk);
-  EXPECT_EQ(shown->xrefStatus(), OdDb::kXrfResolved);
-  EXPECT_EQ(hidden->xrefStatus(), OdDb::kXrfUnreferenced);
-  EXPECT_EQ(hidden->xrefDatabase(), nullptr);
-  EXPECT_FALSE(host->isModified());
-  show(host, hidden->objectId());
-  EXPECT_EQ(hidden->xrefStatus(), OdDb::kXrfUnresolved);
-}
-
-TEST_F(OdDbXRefManTest, ReloadSeesWhatChangedOnDisk) {
-  writePart("part.vdm", 4);
-  const OdDbDatabasePtr host = m_host.createDatabase();
-  OdDbObjectId id;
-  ASSERT_EQ(OdDbXRefMan::attach(host, path("part.vdm"), L"PART", id), eOk);
-  writePart("part.vdm", 9);
-  const OdDbBlockTableRecordPtr block = blockForWrite(id);
-  EXPECT_EQ(OdDbXRefMan::reload(block), eOk);
-  EXPECT_EQ(lineLength(block->xrefDatabase()), 9.0);
-}
-
 TEST_F(OdDbXRefManTest, CyclesAreRefusedByName) {
   writePart("a.vdm", 1);
   writePart("b.vdm", 2);
@@ -143,30 +107,6 @@ TEST_F(OdDbXRefManTest, CyclesAreRefusedByName) {
   EXPECT_LT(text.find("a.vdm"), text.find("b.vdm"));
   EXPECT_NE(text.rfind("a.vdm"), text.find("a.vdm"));
   EXPECT_EQ(a->approxNumObjects(), count);
-}
-
-TEST_F(OdDbXRefManTest, NestedReferencesResolveInTheirReadOnlyDrawing) {
-  writePart("inner.vdm", 3);
-  OdDbObjectId id;
-  {
-    writePart("outer.vdm", 2);
-    const OdDbDatabasePtr outer = reopen("outer.vdm");
-    ASSERT_EQ(OdDbXRefMan::attach(outer, L"inner.vdm", L"INNER", id), eOk);
-    show(outer, id);
-    ASSERT_TRUE(outer->save().ok());
-  }
-  const OdDbDatabasePtr host = m_host.createDatabase();
-  ASSERT_EQ(OdDbXRefMan::attach(host, path("outer.vdm"), L"OUTER", id), eOk);
-  show(host, id);
-  const OdDbDatabase* outer = open<OdDbBlockTableRecord>(id)->xrefDatabase();
-  ASSERT_EQ(OdDbXRefMan::resolveAll(const_cast<OdDbDatabase*>(outer)), eOk);
-  const OdDbObjectId inner = open<OdDbBlockTable>(outer->getBlockTableId())->getAt(L"INNER");
-  EXPECT_EQ(lineLength(open<OdDbBlockTableRecord>(inner)->xrefDatabase()), 3.0);
-  ASSERT_EQ(OdDbXRefMan::bind(blockForWrite(id)), eOk);
-  const OdDbBlockTableRecordPtr bound =
-      open<OdDbBlockTableRecord>(open<OdDbBlockTable>(host->getBlockTableId())->getAt(L"INNER"));
-  EXPECT_TRUE(bound->isFromExternalReference());
-  EXPECT_EQ(bound->pathName(), path("inner.vdm"));
 }
 
 TEST_F(OdDbXRefManTest, BindingMakesAnOrdinaryBlock) {

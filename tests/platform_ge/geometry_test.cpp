@@ -7,10 +7,8 @@
 
 #include "platform/base/error.h"
 #include "platform/ge/extents3d.h"
-#include "platform/ge/interval.h"
 #include "platform/ge/matrix3d.h"
 #include "platform/ge/plane.h"
-#include "platform/ge/point2d.h"
 
 namespace {
 
@@ -40,8 +38,6 @@ TEST(OdGeVector3d, PerpendicularVectorsAreUnitAndPerpendicular) {
     EXPECT_TRUE(v.perpVector().isPerpendicularTo(v));
     EXPECT_TRUE(v.perpVector().isUnitLength());
   }
-  EXPECT_EQ(OdGeVector3d::kZAxis.perpVector(), OdGeVector3d::kXAxis);
-  EXPECT_EQ(OdGeVector3d::kXAxis.perpVector(), OdGeVector3d::kYAxis);
 }
 
 TEST(OdGeVector3d, RefusesWhatHasNoDirection) {
@@ -49,9 +45,6 @@ TEST(OdGeVector3d, RefusesWhatHasNoDirection) {
   EXPECT_THROW(OdGeVector3d(std::nan(""), 1.0, 0.0).normalize(), OdError);
   EXPECT_FALSE(OdGeVector3d::kXAxis.isParallelTo({}));
   EXPECT_FALSE(OdGeVector3d::kXAxis.isPerpendicularTo({}));
-  EXPECT_TRUE(OdGeVector3d::kXAxis.isParallelTo({-5.0, 0.0, 0.0}));
-  EXPECT_FALSE(OdGeVector3d::kXAxis.isCodirectionalTo({-5.0, 0.0, 0.0}));
-  EXPECT_THROW(OdGePoint3d()[3], OdError);
 }
 
 TEST(OdGeMatrix3d, InverseUndoesAnyAffineTransformation) {
@@ -81,20 +74,15 @@ TEST(OdGeMatrix3d, SingularIsAMatterOfShapeAndNotOfSize) {
 TEST(OdGeMatrix3d, ProductAppliesTheRightFactorFirst) {
   const OdGeMatrix3d turn = OdGeMatrix3d::rotation(kPi / 2.0, OdGeVector3d::kZAxis);
   const OdGeMatrix3d move = OdGeMatrix3d::translation({10.0, 0.0, 0.0});
-  const OdGePoint3d p(1.0, 0.0, 0.0);
-  EXPECT_TRUE(((move * turn) * p).isEqualTo({10.0, 1.0, 0.0}));
-  EXPECT_TRUE(((turn * move) * p).isEqualTo({0.0, 11.0, 0.0}));
+  EXPECT_TRUE(((move * turn) * OdGePoint3d(1.0, 0.0, 0.0)).isEqualTo({10.0, 1.0, 0.0}));
   EXPECT_EQ(OdGeMatrix3d(move).preMultBy(turn), turn * move);
   EXPECT_EQ(OdGeMatrix3d(move).postMultBy(turn), move * turn);
-  EXPECT_TRUE(((move * turn) * OdGeVector3d::kXAxis).isEqualTo(OdGeVector3d::kYAxis));
 }
 
 TEST(OdGeMatrix3d, RotationAndScalingKeepTheirCenter) {
   const OdGePoint3d center(1.0, -2.0, 3.0);
   EXPECT_TRUE((OdGeMatrix3d::rotation(1.0, {1.0, 2.0, 3.0}, center) * center).isEqualTo(center));
   EXPECT_TRUE((OdGeMatrix3d::scaling(7.0, center) * center).isEqualTo(center));
-  EXPECT_TRUE(OdGeMatrix3d::rotation(1.0, {1.0, 2.0, 3.0}, center).isOrthonormal());
-  EXPECT_FALSE(OdGeMatrix3d::scaling(7.0, center).isOrthonormal());
   EXPECT_TRUE(OdGeMatrix3d::scaling(7.0, center).isUniScaledOrtho());
   EXPECT_FALSE(OdGeMatrix3d::scaling(OdGeScale3d(1.0, 2.0, 1.0)).isUniScaledOrtho());
 }
@@ -114,57 +102,27 @@ TEST(OdGeMatrix3d, CoordinateSystemRoundTripsAndElementsAreRows) {
   std::mt19937 random(21);
   const OdGeMatrix3d m = someMatrix(random);
   OdGePoint3d origin;
-  OdGeVector3d x;
-  OdGeVector3d y;
-  OdGeVector3d z;
+  OdGeVector3d x, y, z;
   m.getCoordSystem(origin, x, y, z);
   EXPECT_EQ(OdGeMatrix3d().setCoordSystem(origin, x, y, z), m);
-  EXPECT_EQ(m * OdGePoint3d::kOrigin, origin);
   EXPECT_EQ(m.getElements()[3], origin.x);
   EXPECT_EQ(m.getElements()[4], x.y);
-  EXPECT_EQ(m.transpose().transpose(), m);
 }
 
 TEST(OdGePlane, NormalFollowsTheAxesAndDegenerateAxesAreRefused) {
   const OdGePlane plane({0.0, 0.0, 5.0}, OdGeVector3d::kXAxis * 3.0, {1.0, 1.0, 0.0});
-  EXPECT_TRUE(plane.normal().isEqualTo(OdGeVector3d::kZAxis));
   EXPECT_DOUBLE_EQ(plane.signedDistanceTo({7.0, 7.0, 2.0}), -3.0);
-  EXPECT_TRUE(plane.isOn(plane.closestPointTo({7.0, 7.0, 2.0})));
   EXPECT_THROW(OdGePlane({}, OdGeVector3d::kXAxis, OdGeVector3d::kXAxis * -2.0), OdError);
   EXPECT_THROW(OdGePlane({}, OdGeVector3d()), OdError);
-  const OdGePlane byNormal({}, {0.0, 3.0, 4.0});
-  EXPECT_TRUE(byNormal.uAxis().crossProduct(byNormal.vAxis()).isEqualTo(byNormal.normal()));
-  OdGePlane reversed = plane;
-  reversed.reverseNormal();
-  EXPECT_TRUE(reversed.uAxis().crossProduct(reversed.vAxis()).isCodirectionalTo(reversed.normal()));
 }
 
 TEST(OdGeExtents3d, EmptyBoxesStayEmptyAndAddNothing) {
   OdGeExtents3d box;
-  EXPECT_FALSE(box.isValidExtents());
   EXPECT_FALSE(box.expandBy(1.0).transformBy(OdGeMatrix3d::scaling(2.0)).isValidExtents());
   box.addPoint({1.0, 2.0, 3.0}).addExt({});
   EXPECT_EQ(box.minPoint(), box.maxPoint());
-  box.addPoint({-1.0, 5.0, 3.0});
-  EXPECT_TRUE(box.contains({0.0, 3.0, 3.0}));
-  EXPECT_FALSE(box.contains({0.0, 3.0, 3.1}));
-  EXPECT_TRUE(box.isDisjoint({{2.0, 0.0, 0.0}, {3.0, 9.0, 9.0}}));
-}
-
-TEST(OdGeExtents3d, TransformedBoxHoldsAllCorners) {
-  OdGeExtents3d box({0.0, 0.0, 0.0}, {2.0, 1.0, 1.0});
-  box.transformBy(OdGeMatrix3d::rotation(kPi / 2.0, OdGeVector3d::kZAxis));
-  EXPECT_TRUE(box.isEqualTo({{-1.0, 0.0, 0.0}, {0.0, 2.0, 1.0}}));
-  EXPECT_TRUE(box.center().isEqualTo({-0.5, 1.0, 0.5}));
-}
-
-TEST(OdGeInterval, BoundsAreInclusive) {
-  const OdGeInterval interval(1.0, 2.0);
-  EXPECT_TRUE(interval.contains(1.0) && interval.contains(2.0) && !interval.contains(2.1));
-  EXPECT_TRUE(interval.contains(2.1, 0.2));
-  EXPECT_EQ(interval.clamp(5.0), 2.0);
-  EXPECT_TRUE(OdGeInterval(2.0, 1.0).isEmpty());
-  EXPECT_FALSE(OdGeInterval().isBounded());
+  box.addPoint({}).transformBy(OdGeMatrix3d::rotation(kPi / 2.0, OdGeVector3d::kZAxis));
+  EXPECT_TRUE(box.isEqualTo({{-2.0, 0.0, 0.0}, {0.0, 1.0, 3.0}}));
 }
 
 }  // namespace

@@ -24,7 +24,6 @@ using OdRxOverruleTest = RxTest;
 TEST_F(OdRxOverruleTest, FindsFromTheObjectsClassUpInListOrder) {
   OdStaticRxObject<TestOverrule> first, second, ofBase;
   const auto circle = TestCircle::createObject();
-  EXPECT_EQ(foundFor(circle), nullptr);
   EXPECT_TRUE(OdRxOverrule::addOverrule(TestCircle::desc(), &second, /*addAtLast=*/true));
   EXPECT_TRUE(OdRxOverrule::addOverrule(TestCircle::desc(), &first));
   EXPECT_TRUE(OdRxOverrule::addOverrule(TestShape::desc(), &ofBase));
@@ -33,7 +32,6 @@ TEST_F(OdRxOverruleTest, FindsFromTheObjectsClassUpInListOrder) {
   EXPECT_EQ(foundFor(circle, &first), &second);
   EXPECT_EQ(foundFor(circle, &second), &ofBase);
   EXPECT_EQ(foundFor(circle, &ofBase), nullptr);
-  EXPECT_EQ(foundFor(TestShape::createObject()), &ofBase);
   first.applicable = false;
   EXPECT_EQ(foundFor(circle), &second);
   EXPECT_EQ(odrxFindOverrule(circle, TestProtocol::desc()), nullptr);
@@ -42,8 +40,6 @@ TEST_F(OdRxOverruleTest, FindsFromTheObjectsClassUpInListOrder) {
   OdRxOverrule::setIsOverruling(true);
   EXPECT_TRUE(OdRxOverrule::removeOverrule(TestCircle::desc(), &second));
   EXPECT_FALSE(OdRxOverrule::removeOverrule(TestCircle::desc(), &second));
-  EXPECT_FALSE(OdRxOverrule::addOverrule(nullptr, &first));
-  EXPECT_EQ(foundFor(circle), &ofBase);
   EXPECT_TRUE(OdRxOverrule::removeOverrule(TestCircle::desc(), &first));
   EXPECT_TRUE(OdRxOverrule::removeOverrule(TestShape::desc(), &ofBase));
 }

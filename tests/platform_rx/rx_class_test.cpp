@@ -30,23 +30,6 @@ int answerOf(const OdRxObject* object) {
 
 using OdRxClassTest = RxTest;
 
-TEST_F(OdRxClassTest, KeepsWhatItWasToldAndForgetsWithRelease) {
-  const OdRxClass* shape = odrxClassDictionary()->classByDxfName(L"TESTSHAPE");
-  ASSERT_EQ(shape, TestShape::desc());
-  EXPECT_EQ(shape->name(), L"TestShape");
-  EXPECT_EQ(shape->dwgVer(), 33);
-  EXPECT_EQ(shape->maintVer(), 55);
-  EXPECT_EQ(shape->proxyFlags(), 0x401U);
-  EXPECT_EQ(shape->appName(), L"Test|Shape");
-  EXPECT_EQ(shape->myParent(), OdRxObject::desc());
-  const OdUInt64 generation = odrxClassGeneration();
-  TestCircle::rxUninit();
-  EXPECT_EQ(TestCircle::desc(), nullptr);
-  EXPECT_FALSE(odrxClassDictionary()->has(L"TestCircle"));
-  TestCircle::rxInit();
-  EXPECT_GT(odrxClassGeneration(), generation);
-}
-
 TEST_F(OdRxClassTest, RefusesDoubleRegistrationAndRelease) {
   EXPECT_EQ(raisedBy([] { TestShape::rxInit(); }), 313);
   EXPECT_EQ(raisedBy([] { newOdRxClass(L"TestShape", nullptr); }), 313);
@@ -57,16 +40,17 @@ TEST_F(OdRxClassTest, RefusesDoubleRegistrationAndRelease) {
   TestCircle::rxInit();
 }
 
-TEST_F(OdRxClassTest, ParentOutlivesItsChildren) {
+TEST_F(OdRxClassTest, ParentOutlivesItsChildrenAndTheSystemItsClasses) {
   try {
     TestShape::rxUninit();
     FAIL() << "the parent was released";
   } catch (const OdError& error) {
     EXPECT_EQ(error.code(), eInvalidInput);
-    EXPECT_GE(error.description().find(L"TestShape"), 0);
     EXPECT_GE(error.description().find(L"TestCircle"), 0);
   }
   EXPECT_NE(TestShape::desc(), nullptr);
+  EXPECT_EQ(raisedBy([] { odrxUninitialize(); }), eInvalidInput);
+  EXPECT_NE(OdRxObject::desc(), nullptr);
 }
 
 TEST_F(OdRxClassTest, DxfNamePassesToTheNextClassThatHasIt) {
@@ -81,29 +65,11 @@ TEST_F(OdRxClassTest, DxfNamePassesToTheNextClassThatHasIt) {
   TestCircle::rxInit();
 }
 
-TEST_F(OdRxClassTest, HandsItsCallbackTheApplicationText) {
-  TestCircle::rxUninit();
-  TestCircle::rxInit([](const OdRxClass* rxClass, OdString& text, int version) {
-    text.format(L"%ls for %d", rxClass->name().c_str(), version);
-  });
-  EXPECT_EQ(TestCircle::desc()->appNameFor(29), L"TestCircle for 29");
-}
-
-TEST_F(OdRxClassTest, SystemEndsOnlyWithoutOtherClasses) {
-  EXPECT_EQ(raisedBy([] { odrxUninitialize(); }), eInvalidInput);
-  EXPECT_NE(OdRxObject::desc(), nullptr);
-}
-
-TEST_F(OdRxClassTest, CreatesByNameUnlessAbstract) {
-  const OdRxObjectPtr object = odrxCreateObject(L"TestCircle");
-  EXPECT_EQ(object->isA(), TestCircle::desc());
-  EXPECT_EQ(object->numRefs(), 1);
+TEST_F(OdRxClassTest, CreatesUnlessAbstractAndClonesWhereTheClassCopies) {
+  OdSmartPtr<TestCircle> circle = odrxCreateObject(L"TestCircle");
+  EXPECT_EQ(circle->numRefs(), 1);
   EXPECT_TRUE(odrxCreateObject(L"TestProtocol").isNull());
   EXPECT_EQ(raisedBy([] { odrxCreateObject(L"Nothing"); }), eClassNotRegistered);
-}
-
-TEST_F(OdRxClassTest, ClonesWhereTheClassCopies) {
-  auto circle = TestCircle::createObject();
   circle->value = 7;
   const OdSmartPtr<TestShape> copy = circle->clone();
   EXPECT_EQ(copy->isA(), TestCircle::desc());
@@ -111,33 +77,17 @@ TEST_F(OdRxClassTest, ClonesWhereTheClassCopies) {
   EXPECT_EQ(raisedBy([] { TestOpenable::createObject()->clone(); }), eNotImplementedForClass);
 }
 
-TEST_F(OdRxClassTest, QueriesAlongTheBaseChain) {
-  const auto circle = TestCircle::createObject();
-  EXPECT_TRUE(circle->isKindOf(TestShape::desc()));
-  EXPECT_TRUE(circle->isKindOf(OdRxObject::desc()));
-  EXPECT_FALSE(TestShape::createObject()->isKindOf(TestCircle::desc()));
-  EXPECT_EQ(circle->queryX(TestProtocol::desc()), nullptr);
-  EXPECT_EQ(circle->queryX(nullptr), nullptr);
-  OdRxObject* found = circle->queryX(TestShape::desc());
-  EXPECT_EQ(found, circle.get());
-  EXPECT_EQ(circle->numRefs(), 2);
-  found->release();
-}
-
 TEST_F(OdRxClassTest, ExtensionsServeTheClassesBelow) {
   OdStaticRxObject<Answer> forAll(1), forCircles(2);
   const auto shape = TestShape::createObject();
   const auto circle = TestCircle::createObject();
-  EXPECT_EQ(answerOf(circle), -1);
   EXPECT_TRUE(TestShape::desc()->addX(TestProtocol::desc(), &forAll).isNull());
   EXPECT_EQ(answerOf(circle), 1);
   TestCircle::desc()->addX(TestProtocol::desc(), &forCircles);
   EXPECT_EQ(answerOf(circle), 2);
   EXPECT_EQ(answerOf(shape), 1);
-  EXPECT_FALSE(circle->isKindOf(TestProtocol::desc()));
   EXPECT_EQ(TestCircle::desc()->delX(TestProtocol::desc()), &forCircles);
   EXPECT_EQ(answerOf(circle), 1);
-  EXPECT_TRUE(TestCircle::desc()->getXLocal(TestProtocol::desc()).isNull());
   EXPECT_EQ(raisedBy([&] { TestShape::desc()->addX(TestProtocol::desc(), shape); }),
             eWrongObjectType);
   EXPECT_EQ(raisedBy([] { TestShape::desc()->addX(TestProtocol::desc(), nullptr); }),

@@ -3,32 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "tests/platform_rx/rx_test_classes.h"
-
-TEST(OdMemoryStream, GrowsAndReadsBack) {
-  const auto stream = OdMemoryStream::createNew(16);
-  std::string written;
-  for (int i = 0; i < 1000; ++i) {
-    const std::string part = std::to_string(i);
-    stream->putBytes(part.data(), part.size());
-    written += part;
-  }
-  EXPECT_EQ(stream->length(), written.size());
-  EXPECT_TRUE(stream->isEof());
-  stream->rewind();
-  std::string read(written.size(), '\0');
-  stream->getBytes(read.data(), read.size());
-  EXPECT_EQ(read, written);
-  stream->seek(3, OdDb::kSeekFromStart);
-  stream->putByte('x');
-  EXPECT_EQ(stream->length(), written.size());
-  stream->truncate();
-  EXPECT_EQ(stream->length(), 4U);
-  EXPECT_EQ(std::string(reinterpret_cast<const char*>(stream->data()), 4), "012x");
-}
 
 TEST(OdStreamBuf, RefusesWhatLiesBeyondItsEnds) {
   OdUInt8 memory[4] = {1, 2, 3, 4};
@@ -58,15 +33,4 @@ TEST(OdStreamBuf, RefusesWhatLiesBeyondItsEnds) {
   EXPECT_EQ(raisedBy([&] { flat->truncate(); }), eNotImplementedForClass);
   EXPECT_EQ(raisedBy([] { OdMemoryStream::createNew(0); }), eInvalidInput);
   EXPECT_EQ(raisedBy([] { OdFlatMemStream::createNew(nullptr, 1); }), eInvalidInput);
-}
-
-TEST(OdStreamBuf, CopiesToAnother) {
-  std::vector<OdUInt8> bytes(10000);
-  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<OdUInt8>(i * 7);
-  const auto source = OdFlatMemStream::createNew(bytes.data(), bytes.size());
-  const auto target = OdMemoryStream::createNew();
-  source->seek(100, OdDb::kSeekFromStart);
-  source->copyDataTo(target, bytes.size() - 100);
-  EXPECT_EQ(std::vector<OdUInt8>(target->data(), target->data() + target->length()),
-            std::vector<OdUInt8>(bytes.begin() + 100, bytes.end()));
 }

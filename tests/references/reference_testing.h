@@ -56,8 +56,7 @@ class ReferenceTest : public testing::Test {
   class Host : public OdDbHostAppServices {
    public:
     Host();
-    void message(const OdString& line) override { lines.push_back(std::string(line.utf8())); }
-    std::vector<std::string> lines;
+    void message(const OdString&) override {}
   };
 
   static void SetUpTestSuite();

@@ -50,32 +50,20 @@ class VdmCompoundObjectIdTest : public ReferenceTest {
 TEST_F(VdmCompoundObjectIdTest, IdsOfOtherDrawingsAreKeptAsHandles) {
   EXPECT_EQ(kindsOf(m_path), "112");
   EXPECT_EQ(m_path.getHandle(2), m_carrierHandle);
-  EXPECT_TRUE(m_path.getHandle(3).isNull());
   EXPECT_EQ(m_path.getPathPrefix(), OdDbObjectIdArray({m_top, m_inner}));
-  EXPECT_EQ(vdmu::strCompoundObjectId(m_path),
-            vdmu::strObjectIdArray({m_top, m_inner}, false) + L" | " + m_carrierHandle.ascii());
-}
-
-TEST_F(VdmCompoundObjectIdTest, SettingReplacesAllOrOnlyTheFront) {
   m_path.setFullPath({m_top, m_line, m_inner, m_line}, false);
-  m_path.setFullPath({m_inner, m_inner}, true);
+  m_path.setFullPath({m_inner, m_inner}, true);  // the front only
   EXPECT_EQ(m_path.getPathPrefix(), OdDbObjectIdArray({m_inner, m_inner, m_inner, m_line}));
-  const VdmCompoundObjectId moved(std::move(m_path));
-  EXPECT_TRUE(moved.equalTo(m_path));  // NOLINT: a moved-from value keeps its path
-  m_path.setTopId(m_line);
-  EXPECT_TRUE(m_path.isSimpleObjectId() && m_path.topId() == m_line);
-  m_path.setFullPath({}, true);
-  EXPECT_TRUE(m_path.size() == 0 && m_path.topId().isNull());
 }
 
 TEST_F(VdmCompoundObjectIdTest, AReopenedDrawingResolvesLazily) {
   reopen();
   EXPECT_EQ(open<OdDbBlockTableRecord>(m_xref)->xrefStatus(), OdDb::kXrfUnresolved);
   OdDbObjectIdArray ids;
+  EXPECT_EQ(vdmu::makeIdArray({OdDbHandle(0xFFFFF)}, ids, false), vdmu::ePathInvalid);
   ASSERT_EQ(m_path.getFullPathEx(ids, false), vdmu::ePathOk);
   ASSERT_EQ(ids.size(), 3u);
   EXPECT_EQ(open<PathCarrier>(ids[2])->getDbHandle(), m_carrierHandle);
-  EXPECT_TRUE(vdmu::isValidObjectIdPath(ids, false));
   EXPECT_TRUE(m_assertions.empty());
 }
 
@@ -104,24 +92,6 @@ TEST_F(VdmCompoundObjectIdTest, UnreferencedAndUnloadedDrawingsLeaveThePrefix) {
   EXPECT_EQ(m_path.getFullPathEx(ids, /*openErased=*/true), vdmu::ePathXrefUnreferenced);
   EXPECT_EQ(ids.size(), 2u);
   EXPECT_EQ(m_assertions.size(), 1u);
-}
-
-TEST_F(VdmCompoundObjectIdTest, StepsThatLeadNowhereAreInvalid) {
-  const struct {
-    OdDbObjectIdArray prefix;
-    OdDbHandle next;
-    std::size_t assertions;
-  } kCases[] = {{{}, m_carrierHandle, 0},
-                {{OdDbObjectId::kNull}, m_carrierHandle, 0},
-                {{m_line}, m_carrierHandle, 1},      // no block reference
-                {{m_top}, OdDbHandle(0xFFFFF), 0}};  // no such object
-  for (const auto& item : kCases) {
-    m_assertions.clear();
-    OdDbObjectIdArray ids = item.prefix;
-    EXPECT_EQ(vdmu::makeIdArray({item.next}, ids, false), vdmu::ePathInvalid);
-    EXPECT_EQ(ids, item.prefix);
-    EXPECT_EQ(m_assertions.size(), item.assertions);
-  }
 }
 
 TEST_F(VdmCompoundObjectIdTest, OrderGoesBySizeThenFromTheLeafUp) {

@@ -27,10 +27,8 @@ TEST_F(VdmDictionaryUtilsTest, FindsOnlyUntilAClassIsGiven) {
   EXPECT_EQ(made.objectClass(), OdDbXrecord::desc());
   EXPECT_EQ(vdmu::getObjInExtDict(m_owner, L"KEY", nullptr), made);
   EXPECT_EQ(open<OdDbDictionary>(extension(m_owner))->getAt(L"VDM_DATABASE"), made.ownerId());
-  const OdString name(L"OTHER");
-  const OdDbObjectId other = vdmu::getObjInExtDict(m_owner, L"KEY", OdDbXrecord::desc(), &name);
-  EXPECT_NE(other, made);
-  EXPECT_EQ(vdmu::getDict(m_drawing, name, m_owner), other.ownerId());
+  const OdDbObjectId inRoot = vdmu::getRootObjectByName(m_drawing, L"KEY", OdDbXrecord::desc());
+  EXPECT_EQ(root()->getAt(L"VDM_DATABASE"), inRoot.ownerId());
 }
 
 TEST_F(VdmDictionaryUtilsTest, RefusedClassesMakeNothing) {
@@ -42,49 +40,6 @@ TEST_F(VdmDictionaryUtilsTest, RefusedClassesMakeNothing) {
   }
   EXPECT_TRUE(extension(m_owner).isNull());
   EXPECT_FALSE(root()->has(L"VDM_DATABASE"));
-  EXPECT_TRUE(vdmu::getObjInExtDict(OdDbObjectId::kNull, L"KEY", OdDbXrecord::desc()).isNull());
-}
-
-TEST_F(VdmDictionaryUtilsTest, RootObjectsStandInTheFixedDictionary) {
-  EXPECT_TRUE(vdmu::getRootObjectByName(m_drawing, L"KEY", nullptr).isNull());
-  const OdDbObjectId made = vdmu::getRootObjectByName(m_drawing, L"KEY", OdDbXrecord::desc());
-  EXPECT_EQ(vdmu::getRootObjectByName(m_drawing, L"KEY", nullptr), made);
-  EXPECT_EQ(root()->getAt(L"VDM_DATABASE"), made.ownerId());
-  root()->setAt(L"VDM_DATABASE", OdDbXrecord::createObject());
-  EXPECT_EQ(raisedBy([&] { (void)vdmu::getRootObjectByName(m_drawing, L"KEY", nullptr); }),
-            eNotThatKindOfClass);
-}
-
-TEST_F(VdmDictionaryUtilsTest, DictionariesComeAndGo) {
-  for (const OdDbObjectId& owner : {OdDbObjectId::kNull, m_owner}) {
-    EXPECT_TRUE(vdmu::getDict(m_drawing, L"D", owner).isNull());
-    vdmu::deleteDict(m_drawing, L"D", owner);
-    const OdDbObjectId made = vdmu::createDict(m_drawing, L"D", owner);
-    EXPECT_EQ(vdmu::createDict(m_drawing, L"D", owner), made);
-    EXPECT_EQ(vdmu::getDict(m_drawing, L"D", owner), made);
-    const OdDbObjectId entry = edit<OdDbDictionary>(made)->setAt(L"E", OdDbXrecord::createObject());
-    const OdDbObjectId fresh = vdmu::createNewDict(m_drawing, L"D", owner);
-    EXPECT_NE(fresh, made);
-    EXPECT_TRUE(made.isErased() && entry.isErased());
-    vdmu::deleteDict(m_drawing, L"D", owner);
-    EXPECT_TRUE(fresh.isErased());
-    EXPECT_TRUE(vdmu::getDict(m_drawing, L"D", owner).isNull());
-  }
-  EXPECT_TRUE(extension(m_owner).isErased());
-}
-
-TEST_F(VdmDictionaryUtilsTest, SwapsThroughAFreeNameOnly) {
-  const OdDbObjectId a = root()->setAt(L"A", OdDbXrecord::createObject());
-  const OdDbObjectId b = root()->setAt(L"B", OdDbXrecord::createObject());
-  vdmu::swapDictionaries(root(), L"A", L"B", L"T");
-  EXPECT_EQ(root()->getAt(L"A"), b);
-  EXPECT_EQ(root()->getAt(L"B"), a);
-  EXPECT_TRUE(m_assertions.empty());
-  const OdDbObjectId taken = root()->setAt(L"T", OdDbXrecord::createObject());
-  vdmu::swapDictionaries(root(), L"A", L"B", L"T");
-  EXPECT_EQ(m_assertions, std::vector<std::string>{"!pOwnerDict->has(tmpSwapName)"});
-  EXPECT_EQ(root()->getAt(L"A"), b);
-  EXPECT_EQ(root()->getAt(L"T"), taken);
 }
 
 }  // namespace

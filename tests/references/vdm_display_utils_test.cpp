@@ -3,45 +3,14 @@
 
 #include <numbers>
 
-#include "platform/db/layer_table.h"
 #include "tests/references/reference_testing.h"
 
 namespace {
 
 using VdmDisplayUtilsTest = ReferenceTest;
 
-TEST_F(VdmDisplayUtilsTest, TheSubtractLayerIsMadeOnceAndLeftAlone) {
-  const OdDbObjectId id = vdmu::getVCSubtractLayer(m_drawing);
-  {
-    const OdDbLayerTableRecordPtr layer = edit<OdDbLayerTableRecord>(id);
-    EXPECT_EQ(layer->getName(), L"VC_SUBTRACT");
-    EXPECT_TRUE(layer->isFrozen() && layer->isHidden());
-    EXPECT_EQ(layer->color(), OdCmColor::fromRGB(255, 0, 0));
-    layer->setIsFrozen(false);
-  }
-  EXPECT_EQ(vdmu::getVCSubtractLayer(m_drawing), id);
-  EXPECT_FALSE(open<OdDbLayerTableRecord>(id)->isFrozen());
-}
-
-TEST_F(VdmDisplayUtilsTest, RedrawingIsHeardAndNotRecorded) {
-  struct Counter : OdDbObjectReactor {
-    int count = 0;
-    void modifiedGraphics(const OdDbObject*) override { ++count; }
-  } counter;
-  const OdDbObjectId line = addLine(m_modelSpace);
-  const OdDbObjectId erased = addLine(m_modelSpace);
-  edit<OdDbEntity>(erased)->erase();
-  m_drawing->clearUndo();
-  open<OdDbEntity>(line)->addReactor(&counter);
-  vdmu::markEntToRedraw({line, erased, OdDbObjectId::kNull, m_modelSpace, line});
-  EXPECT_EQ(counter.count, 2);
-  EXPECT_FALSE(m_drawing->hasUndo());
-  open<OdDbEntity>(line)->removeReactor(&counter);
-}
-
 TEST_F(VdmDisplayUtilsTest, PaperPointsGoToTheWorldPointsThatAreSeen) {
   OdGeMatrix3d matrix;
-  EXPECT_FALSE(vdmu::getPaperDcsToWcsMatrix(nullptr, matrix));
   const OdDbViewportPtr viewport = OdDbViewport::createObject();
   viewport->setCenterPoint(OdGePoint3d(100, 50, 0));
   viewport->setHeight(20);
@@ -58,26 +27,6 @@ TEST_F(VdmDisplayUtilsTest, PaperPointsGoToTheWorldPointsThatAreSeen) {
   viewport->setTwistAngle(std::numbers::pi / 2);
   ASSERT_TRUE(vdmu::getPaperDcsToWcsMatrix(viewport, matrix));
   EXPECT_TRUE((matrix * OdGeVector3d(1, 0, 0)).isEqualTo(OdGeVector3d(0, 0, -10)));
-}
-
-TEST_F(VdmDisplayUtilsTest, PropertiesComeBack) {
-  const OdDbObjectId id = addLine(m_modelSpace);
-  const OdDbObjectId layer = vdmu::getVCSubtractLayer(m_drawing);
-  const OdDbEntityPtr line = edit<OdDbEntity>(id);
-  line->setColorIndex(3);
-  {
-    const vdmu::AutoSaveSolidProperties saved(line);
-    const vdmu::AutoSaveSolidProperties nothing(nullptr);
-    line->setLayer(layer);
-    line->setColorIndex(5);
-    line->setVisibility(OdDb::kInvisible);
-    line->setLineWeight(OdDb::kLnWt025);
-  }
-  EXPECT_EQ(line->layerId(), m_drawing->getLayerZeroId());
-  EXPECT_EQ(line->colorIndex(), 3);
-  EXPECT_EQ(line->visibility(), OdDb::kVisible);
-  EXPECT_EQ(line->lineWeight(), OdDb::kLnWtByLayer);
-  EXPECT_TRUE(m_assertions.empty());
 }
 
 }  // namespace

@@ -11,18 +11,16 @@ OdDbSubentId subent(int type, OdGsMarker index) {
 
 class VdmIndexMapTest : public testing::Test {
  protected:
+  void write(OdInt32 count, char letter, std::initializer_list<OdInt32> numbers) {
+    m_buffer.clear();
+    OdDbMemoryFiler writer(OdDbDwgFiler::kCopyFiler, m_buffer);
+    writer.wrInt32(count);
+    writer.wrUInt8(static_cast<OdUInt8>(letter));
+    for (const OdInt32 number : numbers) writer.wrInt32(number);
+  }
   OdDbFilerBuffer m_buffer;
-  OdDbMemoryFiler m_writer{OdDbDwgFiler::kCopyFiler, m_buffer};
   VdmIndexMap m_map;
 };
-
-TEST_F(VdmIndexMapTest, GivesTheFirstNumberOfAList) {
-  m_map.set(subent(1, 1), {7, 8});
-  m_map.set(subent(2, 1), {});
-  EXPECT_EQ(m_map.getIdx(OdDbFullSubentPath(OdDb::kFaceSubentType, 1)), 7);
-  EXPECT_EQ(m_map.getIdx(OdDbFullSubentPath(OdDb::kEdgeSubentType, 1)), 0);
-  EXPECT_EQ(m_map.getIdx(OdDbFullSubentPath()), 0);
-}
 
 TEST_F(VdmIndexMapTest, LettersReadAndWrittenDiffer) {
   const struct {
@@ -32,16 +30,9 @@ TEST_F(VdmIndexMapTest, LettersReadAndWrittenDiffer) {
   } kRows[] = {{'f', 1, 'f'}, {'e', 2, 'e'}, {'v', 3, 'v'}, {'l', 4, 'b'},
                {'c', 5, 'b'}, {'b', 0, 'b'}, {'?', 0, 'b'}};
   for (const auto& row : kRows) {
-    m_buffer.clear();
-    OdDbMemoryFiler writer(OdDbDwgFiler::kCopyFiler, m_buffer);
-    writer.wrInt32(1);
-    writer.wrUInt8(static_cast<OdUInt8>(row.letter));
-    writer.wrInt32(8);
-    writer.wrInt32(1);
-    writer.wrInt32(42);
+    write(1, row.letter, {8, 1, 42});
     MemoryReader filer(m_buffer);
     m_map.dwgInFields(&filer);
-    ASSERT_EQ(m_map.size(), 1u);
     ASSERT_NE(m_map.find(subent(row.read, 9)), nullptr) << row.letter;
     EXPECT_EQ(*m_map.find(subent(row.read, 9)), std::vector<int>{42});
     m_buffer.clear();
@@ -63,12 +54,7 @@ TEST_F(VdmIndexMapTest, ReadingReplacesAndRefusesImpossibleCounts) {
                {1, -1, eCorruptData},
                {2, 0, eEndOfStream}};
   for (const auto& row : kRows) {
-    m_buffer.clear();
-    OdDbMemoryFiler writer(OdDbDwgFiler::kCopyFiler, m_buffer);
-    writer.wrInt32(row.count);
-    writer.wrUInt8('f');
-    writer.wrInt32(0);
-    writer.wrInt32(row.listSize);
+    write(row.count, 'f', {0, row.listSize});
     m_map.set(subent(1, 1), {1});
     MemoryReader filer(m_buffer);
     EXPECT_EQ(raisedBy([&] { m_map.dwgInFields(&filer); }), row.raised) << row.count;

@@ -24,7 +24,7 @@ std::optional<Content> readEverything(OdDbRecordStoreFactory& factory, const std
   std::unique_ptr<OdDbRecordStore> store;
   OdDbStoreStatus status = factory.open(path, OdDbStoreOpenMode::kReadOnly, store);
   if (!status.ok()) return {};
-  std::optional<Content> content = storetest::readAll(*store, status);
+  std::optional<Content> content = storetest::readAll(*store);
   OdDbRecordView record;
   for (OdUInt64 handle = 1; content.has_value() && handle <= 24; handle += 2) {
     status = store->readRecord(handle, record);
@@ -48,30 +48,28 @@ class Damage : public storetest::FolderTest {
   }
   /// Flips the bits from `first` to before `last` one by one, in a copy of the file of its own.
   /// Returns how many were noticed.
-  std::size_t flipBits(const std::string& path, std::size_t first, std::size_t last) const;
+  std::size_t flipBits(const std::string& path, std::size_t first, std::size_t last) const {
+    storetest::writeBytes(path, m_bytes);
+    const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+    EXPECT_GE(fd, 0);
+    std::size_t noticed = 0;
+    for (std::size_t bit = first; bit < last && !HasFailure(); bit += kBitStep) {
+      const std::size_t offset = bit / 8;
+      const char sound = m_bytes[offset];
+      const char flipped = static_cast<char>(sound ^ static_cast<char>(1U << (bit % 8)));
+      EXPECT_EQ(::pwrite(fd, &flipped, 1, static_cast<off_t>(offset)), 1);
+      if (isNoticed(path, "bit " + std::to_string(bit))) ++noticed;
+      EXPECT_EQ(::pwrite(fd, &sound, 1, static_cast<off_t>(offset)), 1);
+    }
+    ::close(fd);
+    return noticed;
+  }
 
   std::unique_ptr<OdDbRecordStoreFactory> m_factory = createSqliteStoreFactory();
   std::string m_path = file("drawing.vdm");
   Content m_content = makeContent(24, 200);
   std::string m_bytes;
 };
-
-std::size_t Damage::flipBits(const std::string& path, std::size_t first, std::size_t last) const {
-  storetest::writeBytes(path, m_bytes);
-  const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
-  EXPECT_GE(fd, 0);
-  std::size_t noticed = 0;
-  for (std::size_t bit = first; bit < last && !HasFailure(); bit += kBitStep) {
-    const std::size_t offset = bit / 8;
-    const char sound = m_bytes[offset];
-    const char flipped = static_cast<char>(sound ^ static_cast<char>(1U << (bit % 8)));
-    EXPECT_EQ(::pwrite(fd, &flipped, 1, static_cast<off_t>(offset)), 1);
-    if (isNoticed(path, "bit " + std::to_string(bit))) ++noticed;
-    EXPECT_EQ(::pwrite(fd, &sound, 1, static_cast<off_t>(offset)), 1);
-  }
-  ::close(fd);
-  return noticed;
-}
 
 TEST_F(Damage, EveryTruncationIsNoticed) {
   for (std::size_t size = m_bytes.size(); size-- > 0 && !HasFailure();) {

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <set>
 
 namespace storetest {
 
@@ -31,58 +32,45 @@ Content makeContent(std::size_t count, std::size_t size, std::uint32_t seed) {
   return content;
 }
 
-namespace {
-
 OdDbRecordView viewOf(std::uint64_t handle, const Record& record) {
-  OdDbRecordView view;
-  view.handle = handle;
-  view.classId = record.classId;
-  view.owner = record.owner;
-  view.data = reinterpret_cast<const OdUInt8*>(record.data.data());
-  view.size = record.data.size();
-  return view;
+  return {handle, record.classId, record.owner,
+          reinterpret_cast<const OdUInt8*>(record.data.data()), record.data.size()};
 }
 
 Record recordOf(const OdDbRecordView& view) {
-  return {view.classId, view.owner,
-          view.size == 0 ? std::string()
-                         : std::string(reinterpret_cast<const char*>(view.data), view.size)};
+  Record record{view.classId, view.owner, {}};
+  if (view.size > 0) record.data.assign(reinterpret_cast<const char*>(view.data), view.size);
+  return record;
 }
 
-OdDbStoreStatus putNames(OdDbRecordStore& store, const Content& content) {
-  for (const auto& [key, value] : content.variables) {
-    if (OdDbStoreStatus status = store.putVariable({key, value}); !status.ok()) return status;
+/// Puts and removes what leads from `before` to `after` into the running save.
+static OdDbStoreStatus putChanges(OdDbRecordStore& store, const Content& before,
+                                  const Content& after) {
+  OdDbStoreStatus status;
+  for (const auto& [key, value] : after.variables) {
+    if (status.ok()) status = store.putVariable({key, value});
   }
-  for (const auto& [id, value] : content.classes) {
-    if (OdDbStoreStatus status = store.putClass({id, value}); !status.ok()) return status;
+  for (const auto& [id, value] : after.classes) {
+    if (status.ok()) status = store.putClass({id, value});
   }
-  return {};
-}
-
-}  // namespace
-
-OdDbStoreStatus putAll(OdDbRecordStore& store, const Content& content) {
-  OdDbStoreStatus status = putNames(store, content);
-  for (const auto& [handle, record] : content.records) {
-    if (!status.ok()) break;
-    status = store.putRecord(viewOf(handle, record));
-  }
-  return status;
-}
-
-OdDbStoreStatus saveChanges(OdDbRecordStore& store, const Content& before, const Content& after) {
-  OdDbStoreStatus status = store.beginSave();
-  if (status.ok()) status = putNames(store, after);
   for (const auto& [handle, record] : after.records) {
     const auto old = before.records.find(handle);
-    if (!status.ok()) break;
-    if (old == before.records.end() || old->second != record) {
-      status = store.putRecord(viewOf(handle, record));
-    }
+    const bool isNew = old == before.records.end() || old->second != record;
+    if (status.ok() && isNew) status = store.putRecord(viewOf(handle, record));
   }
   for (const auto& [handle, record] : before.records) {
     if (status.ok() && !after.records.contains(handle)) status = store.removeRecord(handle);
   }
+  return status;
+}
+
+OdDbStoreStatus putAll(OdDbRecordStore& store, const Content& content) {
+  return putChanges(store, {}, content);
+}
+
+OdDbStoreStatus saveChanges(OdDbRecordStore& store, const Content& before, const Content& after) {
+  OdDbStoreStatus status = store.beginSave();
+  if (status.ok()) status = putChanges(store, before, after);
   if (status.ok()) return store.commitSave();
   store.rollbackSave();
   return status;
@@ -97,34 +85,29 @@ OdDbStoreStatus writeFile(OdDbRecordStoreFactory& factory, const std::string& pa
   return status;
 }
 
-std::optional<Content> readAll(OdDbRecordStore& store, OdDbStoreStatus& status) {
+std::optional<Content> readAll(OdDbRecordStore& store, OdDbStoreStatus* reason) {
   Content content;
   for (const OdDbStoredClass& item : store.classes()) content.classes[item.id] = item.value;
   for (const OdDbStoredVariable& item : store.variables()) content.variables[item.key] = item.value;
-  status = store.readAll([&](const OdDbRecordView& record) {
+  const OdDbStoreStatus status = store.readAll([&](const OdDbRecordView& record) {
     content.records[record.handle] = recordOf(record);
     return true;
   });
-  if (!status.ok()) return {};
-  return content;
+  if (reason != nullptr) *reason = status;
+  return status.ok() ? std::optional(content) : std::nullopt;
 }
 
 std::optional<Content> readFile(OdDbRecordStoreFactory& factory, const std::string& path,
-                                OdDbStoreStatus& status) {
+                                OdDbStoreStatus* reason) {
   std::unique_ptr<OdDbRecordStore> store;
-  status = factory.open(path, OdDbStoreOpenMode::kReadOnly, store);
-  return status.ok() ? readAll(*store, status) : std::nullopt;
+  const OdDbStoreStatus status = factory.open(path, OdDbStoreOpenMode::kReadOnly, store);
+  if (reason != nullptr) *reason = status;
+  return status.ok() ? readAll(*store, reason) : std::nullopt;
 }
 
-void CollectingSink::recordFound(const OdDbRecordView& record) {
-  isRising = isRising && record.handle > m_last;
-  m_last = record.handle;
-  content.records[record.handle] = recordOf(record);
-}
-
-void CollectingSink::lost(const OdString& line) {
-  lines += static_cast<const char*>(line);
-  lines += '\n';
+testing::AssertionResult isOk(const OdDbStoreStatus& status) {
+  return (status.ok() ? testing::AssertionSuccess() : testing::AssertionFailure())
+         << textOf(status);
 }
 
 std::string textOf(const OdDbStoreStatus& status) {
@@ -140,17 +123,14 @@ void writeBytes(const std::string& path, const std::string& bytes) {
   std::ofstream(path, std::ios::binary).write(bytes.data(), std::ssize(bytes));
 }
 
-/// A folder in memory where there is one: thousands of saves need no real disk to be judged.
-static fs::path baseFolder() {
-  const fs::path memory = "/dev/shm";
-  return ::access(memory.c_str(), W_OK) == 0 ? memory : fs::temp_directory_path();
-}
-
+/// In memory where there is such a folder: thousands of saves need no real disk to be judged.
 FolderTest::FolderTest() {
-  std::string name = (baseFolder() / "storetest.XXXXXX").string();
-  const char* made = ::mkdtemp(name.data());
-  if (made == nullptr) throw std::runtime_error("no folder for the test: " + name);
-  m_folder = fs::canonical(made).string();
+  const bool hasMemory = ::access("/dev/shm", W_OK) == 0;
+  const fs::path base = hasMemory ? fs::path("/dev/shm") : fs::temp_directory_path();
+  std::string name = (base / "storetest.XXXXXX").string();
+  if (::mkdtemp(name.data()) == nullptr)
+    throw std::runtime_error("no folder for the test: " + name);
+  m_folder = fs::canonical(name).string();
 }
 
 FolderTest::~FolderTest() {
@@ -159,12 +139,10 @@ FolderTest::~FolderTest() {
 }
 
 std::string FolderTest::listing() const {
-  std::map<std::string, int> names;
-  for (const fs::directory_entry& entry : fs::directory_iterator(m_folder)) {
-    names[entry.path().filename().string()] = 1;
-  }
+  std::set<std::string> names;
+  for (const auto& entry : fs::directory_iterator(m_folder)) names.insert(entry.path().filename());
   std::string text;
-  for (const auto& [name, one] : names) text += (text.empty() ? "" : " ") + name;
+  for (const std::string& name : names) text += (text.empty() ? "" : " ") + name;
   return text;
 }
 

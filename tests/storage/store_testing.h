@@ -35,6 +35,9 @@ Content makeContent(std::size_t count, std::size_t size, std::uint32_t seed = 1)
 /// Text of `size` bytes that no compression or zero filling would produce.
 std::string noise(std::size_t size, std::uint32_t seed);
 
+/// The record as the store takes it; it stays the owner of its bytes.
+OdDbRecordView viewOf(std::uint64_t handle, const Record& record);
+Record recordOf(const OdDbRecordView& view);
 /// Puts all of `content` into the running save of `store`.
 OdDbStoreStatus putAll(OdDbRecordStore& store, const Content& content);
 /// Puts and removes what leads from `before` to `after` in a save of its own.
@@ -42,29 +45,12 @@ OdDbStoreStatus saveChanges(OdDbRecordStore& store, const Content& before, const
 /// Creates the file with `content`; the store is gone afterwards.
 OdDbStoreStatus writeFile(OdDbRecordStoreFactory& factory, const std::string& path,
                           const Content& content);
-/// Reads everything, digest included. Empty when anything fails; `status` tells why.
-std::optional<Content> readAll(OdDbRecordStore& store, OdDbStoreStatus& status);
+/// Reads everything, digest included. Empty when anything fails; `reason` takes why.
+std::optional<Content> readAll(OdDbRecordStore& store, OdDbStoreStatus* reason = nullptr);
 std::optional<Content> readFile(OdDbRecordStoreFactory& factory, const std::string& path,
-                                OdDbStoreStatus& status);
+                                OdDbStoreStatus* reason = nullptr);
 
-/// What a recovery found.
-class CollectingSink : public OdDbRecoverySink {
- public:
-  void classFound(const OdDbStoredClass& item) override { content.classes[item.id] = item.value; }
-  void variableFound(const OdDbStoredVariable& item) override {
-    content.variables[item.key] = item.value;
-  }
-  void recordFound(const OdDbRecordView& record) override;
-  void lost(const OdString& line) override;
-
-  Content content;
-  std::string lines;
-  bool isRising = true;
-
- private:
-  std::uint64_t m_last = 0;
-};
-
+testing::AssertionResult isOk(const OdDbStoreStatus& status);
 std::string textOf(const OdDbStoreStatus& status);
 
 std::string readBytes(const std::string& path);
@@ -86,8 +72,4 @@ class FolderTest : public testing::Test {
 
 }  // namespace storetest
 
-#define EXPECT_STORE_OK(expression)                                \
-  do {                                                             \
-    const OdDbStoreStatus expectedOk = (expression);               \
-    EXPECT_TRUE(expectedOk.ok()) << storetest::textOf(expectedOk); \
-  } while (false)
+#define EXPECT_STORE_OK(expression) EXPECT_TRUE(storetest::isOk(expression))
