@@ -95,8 +95,11 @@ class DocumentBuilder {
     return {};
   }
 
+  // A shape with a location would become an occurrence of a product without a name.
   static TopoDS_Shape wholeOf(const std::vector<OdModelerBodyPtr>& bodies) {
-    if (bodies.size() == 1) return asOcct(*bodies.front()).shape();
+    if (bodies.size() == 1 && asOcct(*bodies.front()).shape().Location().IsIdentity()) {
+      return asOcct(*bodies.front()).shape();
+    }
     TopoDS_Compound whole;
     BRep_Builder builder;
     builder.MakeCompound(whole);
