@@ -3,8 +3,8 @@
 #
 #   ICU::uc ICU::i18n                       case folding and collation
 #   SQLite::SQLite3  vdm::xxhash            drawing file
-#   occt::modeling occt::step occt::ocaf occt::drafting
-#                                           solids, STEP exchange, naming, hidden lines
+#   occt::modeling occt::step occt::ocaf occt::ocaf_binary
+#                                           solids, STEP exchange, labels to measure against
 #   CLI11::CLI11  nlohmann_json::nlohmann_json
 #                                           command line and machine output
 #   GTest::gtest_main GTest::gmock          tests
@@ -55,7 +55,6 @@ endfunction()
 _vdm_group_toolkits(occt::modeling TOOLKITS
                     TKFeat TKOffset TKFillet TKMesh TKBool TKBO TKPrim TKShHealing TKTopAlgo
                     TKGeomAlgo TKBRep TKGeomBase TKG3d TKG2d TKMath TKernel)
-_vdm_group_toolkits(occt::drafting LINKS occt::modeling TOOLKITS TKHLR)
 _vdm_group_toolkits(occt::ocaf LINKS occt::modeling TOOLKITS TKCAF TKLCAF TKCDF)
 _vdm_group_toolkits(occt::ocaf_binary LINKS occt::ocaf TOOLKITS TKBin TKBinL)
 _vdm_group_toolkits(occt::step LINKS occt::ocaf TOOLKITS

@@ -8,6 +8,7 @@
 #include "platform/db/db_object.h"
 #include "platform/db/host_app_services.h"
 #include "platform/db/proxy_object.h"
+#include "platform/filer/id_filer.h"
 
 namespace {
 
@@ -103,22 +104,18 @@ bool OdDbDatabaseImpl::isEffectivelyErased(OdDbIdRecord* idRecord) {
 void OdDbDatabaseImpl::collectErasedSubtree(OdDbIdRecord* root,
                                             std::vector<OdDbIdRecord*>& removed) {
   std::vector<OdDbIdRecord*> open = {root};
-  std::vector<OdDbFiledId> filed;
-  OdDbFilerBuffer buffer;
+  OdDbIdFiler filer(self);
   while (!open.empty()) {
     OdDbIdRecord* idRecord = open.back();
     open.pop_back();
     removed.push_back(idRecord);
     OdDbObject* object = resident(idRecord);
     if (object == nullptr) continue;
-    filed.clear();
-    buffer.clear();
-    OdDbMemoryFiler filer(OdDbDwgFiler::kIdFiler, buffer, self);
-    filer.collectIds(&filed);
+    filer.clear();
     ++object->m_refs;
     object->dwgOutFields(&filer);
     --object->m_refs;
-    for (const OdDbFiledId& item : filed) {
+    for (const OdDbFiledId& item : filer.ids()) {
       OdDbIdRecord* child = item.id.idRecord();
       const bool owned =
           item.type == OdDb::kSoftOwnershipRef || item.type == OdDb::kHardOwnershipRef;
