@@ -7,12 +7,14 @@
 #                                           solids, STEP exchange, labels to measure against
 #   CLI11::CLI11  nlohmann_json::nlohmann_json
 #                                           command line and machine output
+#   PNG::PNG                                pictures
 #   GTest::gtest_main GTest::gmock          tests
 
 find_package(ICU REQUIRED COMPONENTS uc i18n)
 find_package(SQLite3 REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
+find_package(PNG REQUIRED)
 if(VDM_BUILD_TESTS)
   find_package(GTest REQUIRED)
 endif()

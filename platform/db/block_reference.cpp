@@ -7,6 +7,7 @@
 #include "platform/base/error.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
+#include "platform/gi/world_draw.h"
 
 OD_RX_DEFINE_DB(OdDbBlockReference, OdDbEntity, L"OdDbBlockReference", 0, 0, 0, L"INSERT",
                 OdString())
@@ -280,6 +281,20 @@ OdResult OdDbBlockReference::getGeomExtents(OdGeExtents3d& extents) const {
   if (result != eOk) return result;
   extents = box.transformBy(blockTransform());
   return eOk;
+}
+
+bool OdDbBlockReference::subWorldDraw(OdGiWorldDraw* context) const {
+  assertReadEnabled();
+  OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(m_block.openObject());
+  if (block.isNull()) return false;
+  const OdGiModelTransformGuard guard(context->geometry(), blockTransform());
+  if (block->isFromExternalReference()) {
+    const OdDbDatabase* external = block->xrefDatabase();
+    if (external == nullptr) return false;
+    block = OdDbBlockTableRecord::cast(external->getModelSpaceId().openObject());
+    if (block.isNull()) return false;
+  }
+  return block->worldDraw(context);
 }
 
 OdResult OdDbBlockReference::explode(OdRxObjectPtrArray& parts) const {

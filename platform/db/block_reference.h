@@ -55,6 +55,9 @@ class OdDbBlockReference : public OdDbEntity {
   [[nodiscard]] std::size_t approximateSize() const override;
 
  protected:
+  /// The block under this placement; an external reference shows the model space of its drawing,
+  /// and nothing while that is not open.
+  bool subWorldDraw(OdGiWorldDraw* context) const override;
   OdResult subTransformBy(const OdGeMatrix3d& transform) override;
 
  private:

@@ -9,6 +9,7 @@
 #include "platform/db/database.h"
 #include "platform/db/list_filing.h"
 #include "platform/db/units.h"
+#include "platform/gi/world_draw.h"
 
 OD_RX_DEFINE_DB(OdDbBlockTableRecord, OdDbSymbolTableRecord, L"OdDbBlockTableRecord", 0, 0, 0,
                 L"BLOCK_RECORD", OdString())
@@ -287,6 +288,27 @@ OdResult OdDbBlockTableRecord::getGeomExtents(OdGeExtents3d& extents) const {
   if (!sum.isValidExtents()) return eNotApplicable;
   extents = sum;
   return eOk;
+}
+
+bool OdDbBlockTableRecord::subWorldDraw(OdGiWorldDraw* context) const {
+  struct DrawingMark {
+    explicit DrawingMark(bool& flag) : m_flag(flag) { m_flag = true; }
+    ~DrawingMark() { m_flag = false; }
+    bool& m_flag;
+  };
+  assertReadEnabled();
+  if (m_drawing) return false;
+  const DrawingMark mark(m_drawing);
+  bool complete = true;
+  const OdDbObjectIdArray entities = m_entities;
+  for (const OdDbObjectId& id : entities) {
+    if (context->regenAbort()) return false;
+    if (id.isErased()) continue;
+    const OdDbEntityPtr entity = OdDbEntity::cast(id.openObject());
+    complete &= !entity.isNull();
+    if (!entity.isNull()) context->geometry().draw(entity);
+  }
+  return complete;
 }
 
 // ---- Properties

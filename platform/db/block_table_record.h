@@ -114,6 +114,11 @@ class OdDbBlockTableRecord : public OdDbSymbolTableRecord {
   void applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) override;
   [[nodiscard]] std::size_t approximateSize() const override;
 
+ protected:
+  /// Draws the entities in their order, each with its own attributes. False when the block is being
+  /// drawn already, as in a block that contains itself, or an entity cannot be opened.
+  bool subWorldDraw(OdGiWorldDraw* context) const override;
+
  private:
   class Iterator;
   struct ByHandle {
@@ -150,4 +155,5 @@ class OdDbBlockTableRecord : public OdDbSymbolTableRecord {
   // The entities as a set, made when a long list is first asked for one of its members.
   mutable std::unique_ptr<std::unordered_set<OdDbObjectId>> m_entitySet;
   mutable bool m_measuring = false;
+  mutable bool m_drawing = false;
 };

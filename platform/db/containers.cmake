@@ -5,15 +5,16 @@ set(VDM_DB_CONTAINER_SOURCES
   block_links.cpp
   block_table_record.cpp
   class_map.cpp
-  color.cpp
   db_init.cpp
   db_variables.cpp
   default_content.cpp
   dictionary.cpp
+  display_attributes.cpp
   entity.cpp
   layer_table.cpp
   line.cpp
   linetype_table.cpp
+  material.cpp
   named_ids.cpp
   regapp_table.cpp
   symbol_table.cpp
@@ -33,11 +34,13 @@ set(VDM_DB_CONTAINER_HEADERS
   db_variables.h
   default_content.h
   dictionary.h
+  display_attributes.h
   entity.h
   layer_table.h
   line.h
   linetype_table.h
   list_filing.h
+  material.h
   named_ids.h
   regapp_table.h
   selection_filter.h

@@ -5,6 +5,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/database_impl.h"
+#include "platform/db/dictionary.h"
 #include "platform/db/host_app_services.h"
 #include "platform/db/object_extra.h"
 #include "platform/db/reactor_calls.h"
@@ -12,6 +13,10 @@
 
 OD_RX_DEFINE_ABSTRACT(OdDbDatabase, OdRxObject, L"OdDbDatabase")
 OD_RX_DEFINE_ABSTRACT(OdDbDatabaseReactor, OdRxObject, L"OdDbDatabaseReactor")
+
+namespace {
+constexpr const wchar_t* kMaterialDictionary = L"MATERIALS";
+}
 
 // The inside.
 
@@ -76,6 +81,18 @@ OdDbObjectId OdDbDatabase::getPaperSpaceId() const {
 }
 OdDbObjectId OdDbDatabase::getLayerZeroId() const {
   return m_impl->idOf(OdDbRootHandles::kLayerZero);
+}
+
+OdDbObjectId OdDbDatabase::getMaterialDictionaryId(bool createIfNotFound) {
+  const OdDbDictionaryPtr root =
+      OdDbDictionary::cast(getNamedObjectsDictionaryId().safeOpenObject(OdDb::kForRead));
+  const OdDbObjectId found = root->getAt(kMaterialDictionary);
+  if (!found.isNull() || !createIfNotFound) return found;
+  const OdDbDictionaryPtr materials = OdDbDictionary::createObject();
+  root->upgradeOpen();
+  const OdDbObjectId made = root->setAt(kMaterialDictionary, materials);
+  root->downgradeOpen();
+  return made;
 }
 
 // Objects.
@@ -233,3 +250,6 @@ OdUInt64 OdDbDatabase::pageOut(OdUInt64 budgetBytes) { return m_impl->pageOut(bu
 const OdStringArray& OdDbDatabase::loadErrors() const { return m_impl->loadErrors; }
 OdDbHostAppServices* OdDbDatabase::appServices() const { return m_impl->services; }
 OdDbObjectId OdDbDatabase::xrefBlockId() const { return m_impl->xrefBlock; }
+bool OdDbDatabase::isReadyForDisplay() const {
+  return m_impl->services == nullptr || m_impl->services->isReadyForDisplay(this);
+}

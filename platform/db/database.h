@@ -60,6 +60,9 @@ class OdDbDatabase : public OdRxObject {
   [[nodiscard]] OdDbObjectId getModelSpaceId() const;
   [[nodiscard]] OdDbObjectId getPaperSpaceId() const;
   [[nodiscard]] OdDbObjectId getLayerZeroId() const;
+  /// Dictionary of the drawing's materials (OdDbMaterial), an entry of the named objects
+  /// dictionary. A missing one is made when asked for, otherwise null.
+  OdDbObjectId getMaterialDictionaryId(bool createIfNotFound = true);
 
   // Objects.
   /// Adds an object that is in no database and returns its id. With a null handle the next free one
@@ -156,6 +159,9 @@ class OdDbDatabase : public OdRxObject {
   [[nodiscard]] OdDbHostAppServices* appServices() const;
   /// Block of the host drawing that this drawing is attached to as an external reference.
   [[nodiscard]] OdDbObjectId xrefBlockId() const;
+
+  /// Whether pictures of the drawing may be altered by overrules: the host services decide.
+  [[nodiscard]] virtual bool isReadyForDisplay() const;
 
   /// Opens for the runtime's own rooms.
   [[nodiscard]] OdDbDatabaseImpl& impl() const { return *m_impl; }

@@ -63,6 +63,8 @@ class OdDbDatabaseImpl {
     }
   }
   void setErased(OdDbIdRecord* idRecord, bool erased);
+  /// The objects of the two records change places (db_object_swap.cpp). Not recorded.
+  void swapObjects(OdDbIdRecord* a, OdDbIdRecord* b);
 
   // Saving (database_save.cpp).
   OdDbStoreStatus openStore(std::unique_ptr<OdDbRecordStore> opened);

@@ -12,6 +12,7 @@
 #include "platform/db/layer_table.h"
 #include "platform/db/line.h"
 #include "platform/db/linetype_table.h"
+#include "platform/db/material.h"
 #include "platform/db/proxy_object.h"
 #include "platform/db/regapp_table.h"
 #include "platform/db/viewport.h"
@@ -19,6 +20,8 @@
 #include "platform/filer/dwg_filer.h"
 #include "platform/filer/dxf_filer.h"
 #include "platform/filer/res_buf.h"
+#include "platform/gi/drawable_overrule.h"
+#include "platform/gi/world_draw.h"
 #include "platform/rx/rx_init.h"
 
 namespace {
@@ -38,11 +41,16 @@ constexpr ClassRow kClasses[] = {
     row<OdResBuf>(),
     row<OdDbDwgFiler>(),
     row<OdDbDxfFiler>(),
+    row<OdGiDrawable>(),
+    row<OdGiDrawableOverrule>(),
+    row<OdGiSubEntityTraits>(),
+    row<OdGiWorldDraw>(),
     row<OdDbObject>(),
     row<OdDbProxyObject>(),
     row<OdDbDictionary>(),
     row<OdDbDictionaryIterator>(),
     row<OdDbXrecord>(),
+    row<OdDbMaterial>(),
     row<OdDbSymbolTableRecord>(),
     row<OdDbSymbolTable>(),
     row<OdDbSymbolTableIterator>(),

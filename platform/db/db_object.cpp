@@ -9,7 +9,7 @@
 #include "platform/db/object_extra.h"
 #include "platform/db/reactor_calls.h"
 
-OD_RX_DEFINE_DB(OdDbObject, OdRxObject, L"OdDbObject", 0, 0, 0, OdString(), OdString())
+OD_RX_DEFINE_DB(OdDbObject, OdGiDrawable, L"OdDbObject", 0, 0, 0, OdString(), OdString())
 
 OdDbObject::OdDbObject() : m_refs(1) {}
 OdDbObject::~OdDbObject() = default;

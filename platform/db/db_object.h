@@ -11,6 +11,7 @@
 #include "platform/filer/dxf_filer.h"
 #include "platform/filer/object_id.h"
 #include "platform/filer/res_buf.h"
+#include "platform/gi/drawable.h"
 #include "platform/rx/rx_macros.h"
 #include "platform/rx/rx_object.h"
 #include "platform/rx/smart_ptr.h"
@@ -30,7 +31,7 @@ using OdDbObjectPtr = OdSmartPtr<OdDbObject>;
 /// State is changed only after assertWriteEnabled(), which saves the old state for undo and tells
 /// reactors. Reactors hear `modified` when the last write open closes, in order of attachment, and
 /// `erased` at once. Objects of one database belong to one thread at a time.
-class OdDbObject : public OdRxObject {
+class OdDbObject : public OdGiDrawable {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbObject)
   using OdSelfCounted = void;  // the object counts its own opens
@@ -98,6 +99,14 @@ class OdDbObject : public OdRxObject {
   // Erasing.
   OdResult erase(bool erasing = true);
 
+  /// Exchanges ids, and with them handles and owners, with another object of this database; what
+  /// refers to one finds the other then. Each takes along what it owns. With the flags the
+  /// extended data or the extension dictionary stay with the ids. Open for write; the other one can
+  /// be opened for write. Raises eNoDatabase, eWrongDatabase, eWrongObjectType for block references
+  /// and symbol table records, eInvalidInput for the objects that every drawing has.
+  void swapIdWith(const OdDbObjectId& otherId, bool swapExtendedData = false,
+                  bool swapExtDictionary = false);
+
   // Extended data: one chain per registered application, each led by its 1001 record.
   /// Chain of one application, or of all with an empty name; null when there is none. A copy.
   [[nodiscard]] OdResBufPtr xData(const OdString& appName = OdString::kEmpty) const;
@@ -137,6 +146,11 @@ class OdDbObject : public OdRxObject {
 
   // Hooks of the object's own life.
   virtual OdResult subErase(bool erasing);
+  /// The exchange of swapIdWith().
+  virtual void subSwapIdWith(const OdDbObjectId& otherId, bool swapExtendedData,
+                             bool swapExtDictionary);
+  /// Called for both objects after an exchange of ids, and after its undo and redo.
+  virtual void subIdSwapped();
   /// Called when the last write open closes and something changed, before reactors hear of it.
   virtual void subClose();
 

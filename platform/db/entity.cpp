@@ -7,6 +7,7 @@
 #include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "platform/db/layer_table.h"
+#include "platform/gi/sub_entity_traits.h"
 
 OD_RX_DEFINE_ABSTRACT(OdDbEntity, OdDbObject, L"OdDbEntity")
 
@@ -176,6 +177,18 @@ OdResult OdDbEntity::getTransformedCopy(const OdGeMatrix3d& transform, OdDbEntit
 
 OdResult OdDbEntity::getGeomExtents(OdGeExtents3d&) const { return eNotApplicable; }
 OdResult OdDbEntity::explode(OdRxObjectPtrArray&) const { return eNotApplicable; }
+
+// ---- Drawing
+
+bool OdDbEntity::subSetAttributes(OdGiSubEntityTraits* traits) const {
+  assertReadEnabled();
+  traits->setLayer(m_layerId);
+  traits->setTrueColor(m_color);
+  traits->setLineType(m_linetypeId);
+  traits->setLineWeight(m_lineWeight);
+  traits->setMaterial(m_materialId);
+  return m_visibility == OdDb::kVisible;
+}
 
 // ---- Subentities
 

@@ -101,6 +101,8 @@ class OdDbEntity : public OdDbObject {
   virtual void subAppended();
 
  protected:
+  /// Tells layer, colour, line type, weight and material; false for an entity that is invisible.
+  bool subSetAttributes(OdGiSubEntityTraits* traits) const override;
   /// Applies a finite, regular matrix; eNotApplicable by default. The entity is open for write and
   /// its undo state is recorded.
   virtual OdResult subTransformBy(const OdGeMatrix3d& transform);

@@ -130,6 +130,8 @@ OdString OdDbHostAppServices::findFile(const OdString& name, const OdDbDatabase*
   return fs::is_regular_file(path, failure) ? OdString(path.string()) : OdString();
 }
 
+bool OdDbHostAppServices::isReadyForDisplay(const OdDbDatabase*) { return true; }
+
 void OdDbHostAppServices::message(const OdString& line) {
   std::fprintf(stderr, "%s\n", static_cast<const char*>(line));
 }

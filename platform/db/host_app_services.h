@@ -40,6 +40,10 @@ class OdDbHostAppServices {
   /// One line for the user or the log; standard error by default.
   virtual void message(const OdString& line);
 
+  /// Whether a drawing is in a state in which overrules may alter its picture; a host says false
+  /// while it loads or converts one. True by default.
+  [[nodiscard]] virtual bool isReadyForDisplay(const OdDbDatabase* database);
+
   /// How parameters are copied when blocks are cloned: 0 to 4, 1 at start.
   [[nodiscard]] int parameterCopyMode() const { return m_parameterCopyMode; }
   void setParameterCopyMode(int mode) { m_parameterCopyMode = mode; }

@@ -1,9 +1,11 @@
 // OdDbLine: ends, transforming, filing.
 #include "platform/db/line.h"
 
+#include <array>
 #include <cmath>
 
 #include "platform/base/error.h"
+#include "platform/gi/world_draw.h"
 
 OD_RX_DEFINE_DB(OdDbLine, OdDbEntity, L"OdDbLine", 0, 0, 0, L"LINE", OdString())
 
@@ -67,6 +69,11 @@ OdResult OdDbLine::getGeomExtents(OdGeExtents3d& extents) const {
   box.addPoint(startPoint()).addPoint(m_end);
   extents = box;
   return eOk;
+}
+
+bool OdDbLine::subWorldDraw(OdGiWorldDraw* context) const {
+  context->geometry().polyline(std::array{startPoint(), m_end});
+  return true;
 }
 
 OdResult OdDbLine::subTransformBy(const OdGeMatrix3d& transform) {

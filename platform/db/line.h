@@ -23,6 +23,7 @@ class OdDbLine : public OdDbEntity {
   void dwgOutFields(OdDbDwgFiler* filer) const override;
 
  protected:
+  bool subWorldDraw(OdGiWorldDraw* context) const override;
   OdResult subTransformBy(const OdGeMatrix3d& transform) override;
 
  private:

@@ -5,8 +5,7 @@
 #include "platform/base/types.h"
 #include "platform/db/db_enums.h"
 #include "platform/filer/object_id.h"
-
-using OdGsMarker = OdInt64;
+#include "platform/gi/selection_marker.h"
 
 /// A face, edge or vertex by number. Index 0 with type null is the whole entity.
 class OdDbSubentId {

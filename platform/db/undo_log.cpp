@@ -43,6 +43,13 @@ void OdDbUndoLog::recordErased(OdDbIdRecord* idRecord, bool erasing) {
   if (m_target != nullptr) push(erasing ? Kind::kErased : Kind::kUnerased, idRecord);
 }
 
+void OdDbUndoLog::recordSwap(OdDbIdRecord* a, OdDbIdRecord* b) {
+  if (m_target == nullptr) return;
+  push(Kind::kSwapped, a);
+  OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, m_target->buffer, m_database.self);
+  filer.wrSoftPointerId(OdDbObjectId(b));
+}
+
 void OdDbUndoLog::recordVariable(const OdString& name) {
   if (m_target == nullptr) return;
   push(Kind::kVariable, nullptr);
@@ -251,6 +258,8 @@ void OdDbUndoLog::apply(Stack& from, const Record& record) {
       if (m_target != nullptr) push(erasing ? Kind::kErased : Kind::kUnerased, record.idRecord);
       return m_database.setErased(record.idRecord, erasing);
     }
+    case Kind::kSwapped:
+      return applySwap(from, record);
     case Kind::kVariable:
       return applyVariable(from, record);
   }
@@ -307,6 +316,18 @@ void OdDbUndoLog::applyPresence(OdDbIdRecord* idRecord, bool present) {
     present ? reactor->objectReAppended(m_database.self, object)
             : reactor->objectUnAppended(m_database.self, object);
   });
+}
+
+void OdDbUndoLog::applySwap(Stack& from, const Record& record) {
+  OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
+  filer.startReading(record.bytes, record.strings);
+  OdDbIdRecord* other = filer.rdSoftPointerId().idRecord();
+  for (OdDbIdRecord* idRecord : {record.idRecord, other}) {
+    if (m_database.resident(idRecord) == nullptr)
+      throw OdError(eUnknownHandle, OdDbHandle(idRecord->handle).ascii());
+  }
+  recordSwap(record.idRecord, other);
+  m_database.swapObjects(record.idRecord, other);
 }
 
 void OdDbUndoLog::applyVariable(Stack& from, const Record& record) {

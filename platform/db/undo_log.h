@@ -21,6 +21,7 @@ class OdDbDatabaseImpl;
 ///   uncreated     nothing                        it comes back
 ///   erased        nothing                        it is unerased
 ///   unerased      nothing                        it is erased
+///   swapped       the other id                   the objects of both ids change places again
 ///   variable      name and old value             puts the old value back
 ///   step, mark    nothing                        boundaries of undo(), undoBack()
 ///
@@ -39,6 +40,7 @@ class OdDbUndoLog {
   void recordState(OdDbObject* object);
   void recordCreated(OdDbIdRecord* idRecord);
   void recordErased(OdDbIdRecord* idRecord, bool erasing);
+  void recordSwap(OdDbIdRecord* a, OdDbIdRecord* b);
   void recordVariable(const OdString& name);
   /// Filer of a new partial record; null when nothing needs to be recorded.
   OdDbDwgFiler* beginPartial(OdDbObject* object, OdRxClass* cls);
@@ -80,6 +82,7 @@ class OdDbUndoLog {
     kUncreated,
     kErased,
     kUnerased,
+    kSwapped,
     kVariable
   };
   struct Record {
@@ -108,6 +111,7 @@ class OdDbUndoLog {
   void applyState(Stack& from, const Record& record);
   void applyPartial(Stack& from, const Record& record);
   void applyPresence(OdDbIdRecord* idRecord, bool present);
+  void applySwap(Stack& from, const Record& record);
   void applyVariable(Stack& from, const Record& record);
   void clearRedo();
   static void truncate(Stack& stack, std::size_t records);

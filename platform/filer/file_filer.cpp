@@ -191,6 +191,19 @@ void OdDbFileReader::rdBytes(void* buffer, OdUInt32 size) {
   m_data += size;
 }
 
+namespace {
+
+/// Whether a reference may be read by the primitive of a type: pointers by both primitives of
+/// pointers, since their readers may care less than their writers; owners by their own alone.
+bool isReadableAs(OdDb::ReferenceType stored, OdDb::ReferenceType asked) {
+  const auto isPointer = [](OdDb::ReferenceType type) {
+    return type == OdDb::kSoftPointerRef || type == OdDb::kHardPointerRef;
+  };
+  return stored == asked || (isPointer(stored) && isPointer(asked));
+}
+
+}  // namespace
+
 OdDbObjectId OdDbFileReader::takeId(OdDb::ReferenceType type) {
   const OdUInt64 number = takeVarint();
   if (number == 0) return OdDbObjectId::kNull;
@@ -199,7 +212,7 @@ OdDbObjectId OdDbFileReader::takeId(OdDb::ReferenceType type) {
                                          std::to_string(m_references.size())));
   }
   const OdDbFileReference& reference = m_references[static_cast<std::size_t>(number - 1)];
-  if (reference.type != type) {
+  if (!isReadableAs(reference.type, type)) {
     throw OdError(eCorruptData, OdString("reference of type " + std::to_string(reference.type) +
                                          " read as type " + std::to_string(type)));
   }

@@ -5,6 +5,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/audit_info.h"
+#include "platform/modeler/solid_journal.h"
 
 OD_RX_DEFINE_DB(OdDb3dSolid, OdDbEntity, L"OdDb3dSolid", 0, 0, 0, L"3DSOLID", OdString())
 
@@ -26,6 +27,28 @@ OdUInt32 checkedFace(const OdModelerBody& body, OdGsMarker face) {
     throw OdError_InvalidIndex(face, body.numFaces());
   }
   return static_cast<OdUInt32>(face);
+}
+
+// Whoever keeps a journal wants the history, also when the caller does not.
+OdModelerHistory* wantedHistory(OdModelerHistory* asked, OdModelerHistory& own) {
+  return asked == nullptr && OdSolidJournal::current() != nullptr ? &own : asked;
+}
+
+OdSolidChange changeWithHistory(OdSolidChangeKind kind, std::span<const OdModelerBodyPtr> tools,
+                                const OdModelerHistory* history) {
+  OdSolidChange change;
+  if (OdSolidJournal::current() == nullptr) return change;
+  change.kind = kind;
+  change.tools.assign(tools.begin(), tools.end());
+  change.history = std::make_shared<const OdModelerHistory>(*history);
+  return change;
+}
+
+OdSolidChange movedBy(const OdGeMatrix3d& transform) {
+  OdSolidChange change;
+  change.kind = OdSolidChangeKind::kMoved;
+  change.transform = transform;
+  return change;
 }
 
 int& initCount() {
@@ -70,72 +93,83 @@ OdModelerStatus OdDb3dSolid::getBody(OdModelerBodyPtr& body) const {
   return {};
 }
 
-void OdDb3dSolid::setBody(OdModelerBodyPtr body) {
+void OdDb3dSolid::setBody(OdModelerBodyPtr body) { setBody(std::move(body), {}); }
+
+void OdDb3dSolid::setBody(OdModelerBodyPtr body, OdSolidChange change) {
   assertReadEnabled();
   if (body == m_body && (body || m_bytes.isEmpty())) return;
   assertWriteEnabled();
-  replaceBody(std::move(body));
+  replaceBody(std::move(body), std::move(change));
   noteGraphicsModified();
 }
 
-void OdDb3dSolid::replaceBody(OdModelerBodyPtr body) {
+void OdDb3dSolid::replaceBody(OdModelerBodyPtr body, OdSolidChange change) {
+  if (OdSolidJournal* journal = OdSolidJournal::current()) {
+    change.solid = objectId();
+    // Bytes that cannot be read are no body that anything could come from.
+    const OdModelerStatus known = getBody(change.before);
+    if (!known.ok()) change.before = nullptr;
+    change.after = body;
+    journal->note(std::move(change));
+  }
   m_body = std::move(body);
   m_bytes.clear();
 }
 
-OdModelerStatus OdDb3dSolid::adopt(OdModelerStatus status, OdModelerBodyPtr body) {
-  if (status.ok()) setBody(std::move(body));
+OdModelerStatus OdDb3dSolid::adopt(OdModelerStatus status, OdModelerBodyPtr body,
+                                   OdSolidChange change) {
+  if (status.ok()) setBody(std::move(body), std::move(change));
   return status;
 }
 
 OdModelerStatus OdDb3dSolid::createBox(double dx, double dy, double dz) {
   OdModelerBodyPtr made;
   OdModelerStatus status = odModeler().box(dx, dy, dz, made);
-  return adopt(std::move(status), std::move(made));
+  return adopt(std::move(status), std::move(made), {});
 }
 
 OdModelerStatus OdDb3dSolid::createCylinder(double radius, double height) {
   OdModelerBodyPtr made;
   OdModelerStatus status = odModeler().cylinder(radius, height, made);
-  return adopt(std::move(status), std::move(made));
+  return adopt(std::move(status), std::move(made), {});
 }
 
 OdModelerStatus OdDb3dSolid::createCone(double bottomRadius, double topRadius, double height) {
   OdModelerBodyPtr made;
   OdModelerStatus status = odModeler().cone(bottomRadius, topRadius, height, made);
-  return adopt(std::move(status), std::move(made));
+  return adopt(std::move(status), std::move(made), {});
 }
 
 OdModelerStatus OdDb3dSolid::createSphere(double radius) {
   OdModelerBodyPtr made;
   OdModelerStatus status = odModeler().sphere(radius, made);
-  return adopt(std::move(status), std::move(made));
+  return adopt(std::move(status), std::move(made), {});
 }
 
 OdModelerStatus OdDb3dSolid::createTorus(double majorRadius, double minorRadius) {
   OdModelerBodyPtr made;
   OdModelerStatus status = odModeler().torus(majorRadius, minorRadius, made);
-  return adopt(std::move(status), std::move(made));
+  return adopt(std::move(status), std::move(made), {});
 }
 
 OdModelerStatus OdDb3dSolid::createWedge(double dx, double dy, double dz, double topDx) {
   OdModelerBodyPtr made;
   OdModelerStatus status = odModeler().wedge(dx, dy, dz, topDx, made);
-  return adopt(std::move(status), std::move(made));
+  return adopt(std::move(status), std::move(made), {});
 }
 
 OdModelerStatus OdDb3dSolid::extrude(const OdModelerProfile& profile,
                                      const OdGeVector3d& direction) {
   OdModelerBodyPtr made;
   OdModelerStatus status = odModeler().extrude(profile, direction, made);
-  return adopt(std::move(status), std::move(made));
+  return adopt(std::move(status), std::move(made), {});
 }
 
 OdModelerStatus OdDb3dSolid::revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
                                      const OdGeVector3d& axis, double angle) {
   OdModelerBodyPtr made;
   OdModelerStatus status = odModeler().revolve(profile, axisPoint, axis, angle, made);
-  return adopt(std::move(status), std::move(made));
+  return adopt(std::move(status), std::move(made), {});
 }
 
 OdModelerStatus OdDb3dSolid::requireBody(const char* operation, OdModelerBodyPtr& body) const {
@@ -155,27 +189,48 @@ OdModelerStatus OdDb3dSolid::booleanOper(OdModelerBooleanKind kind,
                                          OdModelerHistory* history) {
   OdModelerBodyPtr old;
   OdModelerBodyPtr made;
+  OdModelerHistory own;
+  OdModelerHistory* const told = wantedHistory(history, own);
   OdModelerStatus status = requireBody("boolean", old);
-  if (status.ok()) status = odModeler().boolean(kind, old, tools, made, history);
-  return adopt(std::move(status), std::move(made));
+  if (status.ok()) status = odModeler().boolean(kind, old, tools, made, told);
+  return adopt(std::move(status), std::move(made),
+               changeWithHistory(OdSolidChangeKind::kBoolean, tools, told));
 }
 
 OdModelerStatus OdDb3dSolid::filletEdges(std::span<const OdUInt32> edges, double radius,
                                          OdModelerHistory* history) {
   OdModelerBodyPtr old;
   OdModelerBodyPtr made;
+  OdModelerHistory own;
+  OdModelerHistory* const told = wantedHistory(history, own);
   OdModelerStatus status = requireBody("fillet", old);
-  if (status.ok()) status = odModeler().fillet(old, edges, radius, made, history);
-  return adopt(std::move(status), std::move(made));
+  if (status.ok()) status = odModeler().fillet(old, edges, radius, made, told);
+  return adopt(std::move(status), std::move(made),
+               changeWithHistory(OdSolidChangeKind::kBlend, {}, told));
 }
 
 OdModelerStatus OdDb3dSolid::chamferEdges(std::span<const OdUInt32> edges, double distance,
                                           OdModelerHistory* history) {
   OdModelerBodyPtr old;
   OdModelerBodyPtr made;
+  OdModelerHistory own;
+  OdModelerHistory* const told = wantedHistory(history, own);
   OdModelerStatus status = requireBody("chamfer", old);
-  if (status.ok()) status = odModeler().chamfer(old, edges, distance, made, history);
-  return adopt(std::move(status), std::move(made));
+  if (status.ok()) status = odModeler().chamfer(old, edges, distance, made, told);
+  return adopt(std::move(status), std::move(made),
+               changeWithHistory(OdSolidChangeKind::kBlend, {}, told));
+}
+
+OdModelerStatus OdDb3dSolid::removeFaces(std::span<const OdUInt32> faces,
+                                         OdModelerHistory* history) {
+  OdModelerBodyPtr old;
+  OdModelerBodyPtr made;
+  OdModelerHistory own;
+  OdModelerHistory* const told = wantedHistory(history, own);
+  OdModelerStatus status = requireBody("remove faces", old);
+  if (status.ok()) status = odModeler().removeFaces(old, faces, made, told);
+  return adopt(std::move(status), std::move(made),
+               changeWithHistory(OdSolidChangeKind::kBlend, {}, told));
 }
 
 OdUInt32 OdDb3dSolid::numSubents(OdDb::SubentType type) const {
@@ -205,7 +260,7 @@ void OdDb3dSolid::setFaceColor(OdGsMarker face, const OdCmColor& color) {
   if (color.isByColor()) {
     attributes.faceColors.emplace(index, OdModelerColor{color.red(), color.green(), color.blue()});
   }
-  setBody(held->withAttributes(std::move(attributes)));
+  setBody(held->withAttributes(std::move(attributes)), movedBy(OdGeMatrix3d::kIdentity));
 }
 
 OdDbEntityPtr OdDb3dSolid::subentPtr(const OdDbFullSubentPath& path) const {
@@ -274,7 +329,7 @@ OdResult OdDb3dSolid::subTransformBy(const OdGeMatrix3d& transform) {
   if (!held) return eOk;
   const OdModelerStatus status = held->transformed(transform, moved);
   if (!status.ok()) return status.code;
-  replaceBody(std::move(moved));
+  replaceBody(std::move(moved), movedBy(transform));
   return eOk;
 }
 
@@ -329,5 +384,5 @@ void OdDb3dSolid::audit(OdDbAuditInfo* info) {
 
 std::size_t OdDb3dSolid::approximateSize() const {
   return OdDbEntity::approximateSize() + sizeof(*this) - sizeof(OdDbEntity) + m_bytes.size() +
-         (m_body ? m_body->approximateSize() : 0);
+         (m_body ? m_body->approximateSize() + m_body->displayMeshSize() : 0);
 }

@@ -8,6 +8,7 @@
 #include "platform/modeler/modeler.h"
 
 class OdDb3dSolid;
+struct OdSolidChange;
 using OdDb3dSolidPtr = OdSmartPtr<OdDb3dSolid>;
 
 /// Start and end of this folder's run-time classes, after oddbInitialize() and before
@@ -26,6 +27,9 @@ void odModelerUninitialize();
 ///
 /// Operations report through a status; one that fails leaves the solid as it was, without an undo
 /// record. They need the modeller of the process (odSetModeler), and raise eNoModeler without it.
+///
+/// A change of the body is written into the thread's journal (platform/modeler/solid_journal.h),
+/// if one is kept.
 class OdDb3dSolid : public OdDbEntity {
  public:
   OD_RX_DECLARE_MEMBERS(OdDb3dSolid)
@@ -64,6 +68,8 @@ class OdDb3dSolid : public OdDbEntity {
                               OdModelerHistory* history = nullptr);
   OdModelerStatus chamferEdges(std::span<const OdUInt32> edges, double distance,
                                OdModelerHistory* history = nullptr);
+  /// As OdModeler::removeFaces.
+  OdModelerStatus removeFaces(std::span<const OdUInt32> faces, OdModelerHistory* history = nullptr);
 
   // Subentities.
   [[nodiscard]] OdUInt32 numSubents(OdDb::SubentType type) const;
@@ -95,11 +101,16 @@ class OdDb3dSolid : public OdDbEntity {
   [[nodiscard]] std::size_t approximateSize() const override;
 
  protected:
+  /// Face by face, then edge by edge without seams, each under its selection marker. A face has its
+  /// own colour, else that of the entity, and for an entity by layer that of the body. False when
+  /// the body cannot be read or meshed.
+  bool subWorldDraw(OdGiWorldDraw* context) const override;
   OdResult subTransformBy(const OdGeMatrix3d& transform) override;
 
  private:
-  void replaceBody(OdModelerBodyPtr body);
-  OdModelerStatus adopt(OdModelerStatus status, OdModelerBodyPtr body);
+  void setBody(OdModelerBodyPtr body, OdSolidChange change);
+  void replaceBody(OdModelerBodyPtr body, OdSolidChange change);
+  OdModelerStatus adopt(OdModelerStatus status, OdModelerBodyPtr body, OdSolidChange change);
   OdModelerStatus requireBody(const char* operation, OdModelerBodyPtr& body) const;
   [[nodiscard]] const OdBinaryData& storedBytes() const;
 

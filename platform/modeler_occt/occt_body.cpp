@@ -115,7 +115,7 @@ Body::Body(const TopoDS_Shape& shape, OdModelerBodyAttributes attributes)
 const Topology& Body::topology() const {
   if (const Topology* ready = m_topologyReady.load(std::memory_order_acquire)) return *ready;
   const std::scoped_lock lock(m_mutex);
-  if (!m_topology) m_topology = std::make_unique<Topology>(m_shape);
+  if (!m_topology) m_topology = std::make_shared<const Topology>(m_shape);
   m_topologyReady.store(m_topology.get(), std::memory_order_release);
   return *m_topology;
 }
@@ -159,6 +159,41 @@ const OdModelerVertex& Body::vertex(OdUInt32 index) const {
     const TopoDS_Vertex& v = TopoDS::Vertex(topo.vertices(static_cast<int>(index)));
     return OdModelerVertex{toPoint(BRep_Tool::Pnt(v)), topo.edgesOfVertex[index - 1]};
   });
+}
+
+namespace {
+
+const std::vector<OdUInt32>& rowAt(const std::vector<std::vector<OdUInt32>>& rows,
+                                   OdUInt32 index) {
+  if (index < 1 || index > rows.size()) {
+    throw OdError_InvalidIndex(index, static_cast<OdUInt32>(rows.size()));
+  }
+  return rows[index - 1];
+}
+
+}  // namespace
+
+std::span<const OdUInt32> Body::edgesOfFace(OdUInt32 face) const {
+  return rowAt(topology().edgesOfFace, face);
+}
+
+std::span<const OdUInt32> Body::facesOfEdge(OdUInt32 edge) const {
+  return rowAt(topology().facesOfEdge, edge);
+}
+
+OdModelerSurfaceKind Body::surfaceKind(OdUInt32 face) const {
+  return surfaceKindOf(part({OdModelerSubentType::kFace, face}));
+}
+
+OdModelerCurveKind Body::curveKind(OdUInt32 edge) const {
+  return curveKindOf(part({OdModelerSubentType::kEdge, edge}));
+}
+
+OdUInt64 Body::fingerprint() const {
+  const Topology& topo = topology();
+  const std::scoped_lock lock(m_mutex);
+  if (!m_fingerprint) m_fingerprint = computeFingerprint(topo);
+  return *m_fingerprint;
 }
 
 OdGeExtents3d Body::extents() const {
@@ -225,6 +260,9 @@ std::vector<OdModelerBodyPtr> Body::solids() const {
 OdModelerBodyPtr Body::withAttributes(OdModelerBodyAttributes attributes) const {
   auto result = std::make_shared<Body>(m_shape, std::move(attributes));
   const std::scoped_lock lock(m_mutex);
+  result->m_topology = m_topology;
+  result->m_topologyReady.store(m_topology.get(), std::memory_order_release);
+  result->m_fingerprint = m_fingerprint;
   OdModelerEnvelope stored;
   // The geometry that was written once need not be written again.
   if (!m_bytes.isEmpty() && odReadEnvelope({m_bytes.asArrayPtr(), m_bytes.size()}, stored).ok()) {

@@ -47,7 +47,14 @@ class Body final : public OdModelerBody {
   const OdModelerFace& face(OdUInt32 index) const override;
   const OdModelerEdge& edge(OdUInt32 index) const override;
   const OdModelerVertex& vertex(OdUInt32 index) const override;
+  std::span<const OdUInt32> edgesOfFace(OdUInt32 face) const override;
+  std::span<const OdUInt32> facesOfEdge(OdUInt32 edge) const override;
+  OdModelerSurfaceKind surfaceKind(OdUInt32 face) const override;
+  OdModelerCurveKind curveKind(OdUInt32 edge) const override;
+  OdUInt64 fingerprint() const override;
   OdGeExtents3d extents() const override;
+  OdGeExtents3d subentExtents(OdModelerSubent subent) const override;
+  double distanceTo(OdModelerSubent subent, const OdGePoint3d& point) const override;
   OdModelerMassProperties massProperties() const override;
   OdModelerStatus check() const override;
   OdModelerStatus tessellate(const OdModelerMeshOptions& options,
@@ -61,16 +68,19 @@ class Body final : public OdModelerBody {
   std::size_t approximateSize() const override;
 
  private:
+  const TopoDS_Shape& part(OdModelerSubent subent) const;
+
   TopoDS_Shape m_shape;
   OdModelerBodyAttributes m_attributes;
 
   // Made on demand, under the mutex; what is there is never changed again.
   mutable std::mutex m_mutex;
-  mutable std::unique_ptr<Topology> m_topology;
+  mutable std::shared_ptr<const Topology> m_topology;  // shared with bodies of the same shape
   mutable std::atomic<const Topology*> m_topologyReady{nullptr};
   mutable std::vector<std::unique_ptr<OdModelerFace>> m_faces;
   mutable std::vector<std::unique_ptr<OdModelerEdge>> m_edges;
   mutable std::vector<std::unique_ptr<OdModelerVertex>> m_vertices;
+  mutable std::optional<OdUInt64> m_fingerprint;
   mutable std::optional<OdGeExtents3d> m_extents;
   mutable std::optional<OdModelerMassProperties> m_mass;
   mutable OdBinaryData m_bytes;
@@ -80,14 +90,23 @@ class Body final : public OdModelerBody {
 const Body& asOcct(const OdModelerBody& body);
 
 // Descriptions, one source each.
+OdModelerSurfaceKind surfaceKindOf(const TopoDS_Shape& face);
+OdModelerCurveKind curveKindOf(const TopoDS_Shape& edge);
 OdModelerFace describeFace(const Topology& topology, OdUInt32 index);
 OdModelerEdge describeEdge(const Topology& topology, OdUInt32 index);
+OdUInt64 computeFingerprint(const Topology& topology);
 OdGeExtents3d measureExtents(const TopoDS_Shape& shape);
 OdModelerMassProperties measureMass(const TopoDS_Shape& shape);
 /// The area of all faces with its centroid.
 void measureArea(const TopoDS_Shape& shape, GProp_GProps& result);
 /// eModelerInvalidBody with the first fault, or ok.
 OdModelerStatus checkShape(const TopoDS_Shape& shape);
+/// The same for the outcome of an operation on a sound body, at the cost of what the operation
+/// changed. Laws: faces of the base that are there as they were are sound; in a face that is not,
+/// boundaries that were the base's are sound by themselves and towards each other, and are checked
+/// against those that are not where their boxes meet; that shells close and are oriented, and that
+/// solids are well formed, is checked as a whole.
+OdModelerStatus checkOutcome(const Body& outcome, const Body& base);
 
 /// Resets the flags of all parts of a shape that depend on how it was made and not on what it is.
 void normaliseFlags(const TopoDS_Shape& shape);

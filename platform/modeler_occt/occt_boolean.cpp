@@ -1,4 +1,5 @@
 // Booleans of solids, with their history.
+#include <BOPAlgo_PaveFiller.hxx>
 #include <BRepAlgoAPI_Common.hxx>
 #include <BRepAlgoAPI_Cut.hxx>
 #include <BRepAlgoAPI_Fuse.hxx>
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <memory>
 #include <sstream>
+#include <utility>
 
 #include "platform/modeler_occt/occt_body.h"
 #include "platform/modeler_occt/occt_bridge.h"
@@ -32,14 +34,16 @@ const char* nameOf(OdModelerBooleanKind kind) {
   return "boolean";
 }
 
-std::unique_ptr<BRepAlgoAPI_BooleanOperation> newOperation(OdModelerBooleanKind kind) {
+using Operation = BRepAlgoAPI_BooleanOperation;
+
+std::unique_ptr<Operation> newOperation(OdModelerBooleanKind kind, const BOPAlgo_PaveFiller& met) {
   switch (kind) {
     case OdModelerBooleanKind::kUnite:
-      return std::make_unique<BRepAlgoAPI_Fuse>();
+      return std::make_unique<BRepAlgoAPI_Fuse>(met);
     case OdModelerBooleanKind::kIntersect:
-      return std::make_unique<BRepAlgoAPI_Common>();
+      return std::make_unique<BRepAlgoAPI_Common>(met);
     default:
-      return std::make_unique<BRepAlgoAPI_Cut>();
+      return std::make_unique<BRepAlgoAPI_Cut>(met);
   }
 }
 
@@ -49,19 +53,54 @@ TopTools_ListOfShape shapesOf(std::span<const OdModelerBodyPtr> bodies) {
   return shapes;
 }
 
-void run(BRepAlgoAPI_BooleanOperation& operation, const OdModelerBodyPtr& base,
-         std::span<const OdModelerBodyPtr> tools) {
-  operation.SetArguments(shapesOf({&base, 1}));
-  operation.SetTools(shapesOf(tools));
+using Intersections = std::shared_ptr<BOPAlgo_PaveFiller>;
+
+// Where the inputs of an intersection meet, kept for the subtraction of the same tools that tends to
+// follow: whoever cuts and wants to know what went asks for both.
+struct LastIntersections {
+  std::vector<OdModelerBodyPtr> inputs;
+  Intersections met;
+};
+
+LastIntersections& lastIntersections() {
+  static thread_local LastIntersections last;
+  return last;
+}
+
+Intersections intersect(std::span<const OdModelerBodyPtr> inputs) {
+  auto met = std::make_shared<BOPAlgo_PaveFiller>();
+  met->SetArguments(shapesOf(inputs));
+  met->SetRunParallel(Standard_False);
+  met->SetNonDestructive(Standard_True);
+  met->Perform();
+  return met;
+}
+
+// Whatever is kept is dropped by the next operation, whether that can use it or not.
+Intersections intersectionsFor(OdModelerBooleanKind kind,
+                               std::span<const OdModelerBodyPtr> inputs) {
+  const LastIntersections last = std::exchange(lastIntersections(), {});
+  const bool isKnown =
+      kind == OdModelerBooleanKind::kSubtract && std::ranges::equal(last.inputs, inputs);
+  Intersections met = isKnown ? last.met : intersect(inputs);
+  if (kind == OdModelerBooleanKind::kIntersect)
+    lastIntersections() = {{inputs.begin(), inputs.end()}, met};
+  return met;
+}
+
+void run(Operation& operation, std::span<const OdModelerBodyPtr> inputs) {
+  operation.SetArguments(shapesOf(inputs.first(1)));
+  operation.SetTools(shapesOf(inputs.subspan(1)));
   operation.SetRunParallel(Standard_False);
   operation.SetNonDestructive(Standard_True);
   operation.SetToFillHistory(Standard_True);
   operation.Build();
 }
 
-OdString reportOf(const BRepAlgoAPI_BooleanOperation& operation) {
+template <class Algorithm>
+OdString reportOf(const Algorithm& algorithm) {
   std::ostringstream text;
-  operation.DumpErrors(text);
+  algorithm.DumpErrors(text);
   OdString report = OdString::fromUtf8(text.str());
   return report.trimRight();
 }
@@ -99,10 +138,17 @@ bool allSolid(std::span<const OdModelerBodyPtr> inputs) {
       inputs, [](const OdModelerBodyPtr& b) { return b->kind() == OdModelerBodyKind::kSolid; });
 }
 
+bool hasColors(const OdModelerBodyPtr& body) {
+  const OdModelerBodyAttributes& own = body->attributes();
+  return own.color || !own.faceColors.empty() || !own.faceNames.empty();
+}
+
 OdModelerStatus combine(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs,
                         OdModelerBodyPtr& result, OdModelerHistory* history) {
-  const std::unique_ptr<BRepAlgoAPI_BooleanOperation> operation = newOperation(kind);
-  run(*operation, inputs.front(), inputs.subspan(1));
+  const Intersections met = intersectionsFor(kind, inputs);
+  if (met->HasErrors()) return {eModelerError, OdString(nameOf(kind)) + L": " + reportOf(*met)};
+  const std::unique_ptr<Operation> operation = newOperation(kind, *met);
+  run(*operation, inputs);
   if (!operation->IsDone() || operation->HasErrors()) {
     return {eModelerError, OdString(nameOf(kind)) + L": " + reportOf(*operation)};
   }
@@ -113,8 +159,12 @@ OdModelerStatus combine(OdModelerBooleanKind kind, std::span<const OdModelerBody
   if (!plain || plain->numFaces() + plain->numEdges() == 0) {
     return failure(eDegenerateGeometry, nameOf(kind), "nothing is left");
   }
-  if (OdModelerStatus sound = checkShape(asOcct(*plain).shape()); !sound.ok()) {
+  if (OdModelerStatus sound = checkOutcome(asOcct(*plain), asOcct(*inputs.front())); !sound.ok()) {
     return {eModelerInvalidBody, OdString(nameOf(kind)) + L": " + sound.text};
+  }
+  if (history == nullptr && !std::ranges::any_of(inputs, hasColors)) {
+    result = plain->withAttributes({inputs.front()->attributes().name, {}, {}, {}});
+    return {};
   }
   OdModelerHistory fates = collectHistory(*operation, inputs, asOcct(*plain));
   result = plain->withAttributes(inheritAttributes(inputs, fates));

@@ -138,6 +138,38 @@ bool isSeam(const Topology& topology, const TopoDS_Edge& edge, OdUInt32 index) {
 
 }  // namespace
 
+OdModelerSurfaceKind surfaceKindOf(const TopoDS_Shape& face) {
+  switch (BRepAdaptor_Surface(TopoDS::Face(face), /*R=*/Standard_False).GetType()) {
+    case GeomAbs_Plane:
+      return OdModelerSurfaceKind::kPlane;
+    case GeomAbs_Cylinder:
+      return OdModelerSurfaceKind::kCylinder;
+    case GeomAbs_Cone:
+      return OdModelerSurfaceKind::kCone;
+    case GeomAbs_Sphere:
+      return OdModelerSurfaceKind::kSphere;
+    case GeomAbs_Torus:
+      return OdModelerSurfaceKind::kTorus;
+    default:
+      return OdModelerSurfaceKind::kOther;
+  }
+}
+
+OdModelerCurveKind curveKindOf(const TopoDS_Shape& shape) {
+  const TopoDS_Edge& edge = TopoDS::Edge(shape);
+  if (BRep_Tool::Degenerated(edge)) return OdModelerCurveKind::kOther;
+  switch (BRepAdaptor_Curve(edge).GetType()) {
+    case GeomAbs_Line:
+      return OdModelerCurveKind::kLine;
+    case GeomAbs_Circle:
+      return OdModelerCurveKind::kCircle;
+    case GeomAbs_Ellipse:
+      return OdModelerCurveKind::kEllipse;
+    default:
+      return OdModelerCurveKind::kOther;
+  }
+}
+
 OdModelerFace describeFace(const Topology& topology, OdUInt32 index) {
   const TopoDS_Face& face = TopoDS::Face(topology.faces(static_cast<int>(index)));
   OdModelerFace result;

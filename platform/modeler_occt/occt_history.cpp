@@ -38,7 +38,8 @@ OdModelerFate fateOf(BRepBuilderAPI_MakeShape& operation, const TopoDS_Shape& ol
   };
   for (const TopoDS_Shape& shape : operation.Modified(old)) add(shape);
   fate.changed = !fate.images.empty();
-  if (fate.images.empty() && !operation.IsDeleted(old) && parts.Contains(old)) add(old);
+  // Some operations call a part deleted that is in the result as it was: what is there is there.
+  if (fate.images.empty() && parts.Contains(old)) add(old);
   for (const TopoDS_Shape& shape : operation.Generated(old)) {
     const OdModelerSubent found = findSubent(result, shape);
     if (found.index != 0) fate.generated.push_back(found);

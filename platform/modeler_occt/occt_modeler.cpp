@@ -58,6 +58,10 @@ class Modeler final : public OdModeler {
                           OdModelerHistory* history) override {
     return od_occt::chamfer(body, edges, distance, result, history);
   }
+  OdModelerStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
+                              OdModelerBodyPtr& result, OdModelerHistory* history) override {
+    return od_occt::removeFaces(body, faces, result, history);
+  }
   OdModelerStatus compound(std::span<const OdModelerBodyPtr> bodies,
                            OdModelerBodyPtr& result) override {
     return od_occt::compound(bodies, result);

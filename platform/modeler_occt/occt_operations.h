@@ -36,6 +36,10 @@ OdModelerStatus fillet(const OdModelerBodyPtr& body, std::span<const OdUInt32> e
 OdModelerStatus chamfer(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges,
                         double distance, OdModelerBodyPtr& result, OdModelerHistory* history);
 
+// occt_remove_faces.cpp
+OdModelerStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
+                            OdModelerBodyPtr& result, OdModelerHistory* history);
+
 // occt_serialise.cpp
 OdModelerStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result);
 

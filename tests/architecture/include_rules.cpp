@@ -174,30 +174,30 @@ class FileChecker {
 
 std::span<const FolderRule> folderRules() {
   static const std::vector<FolderRule> rules = [] {
-    const std::vector<std::string_view> below{kBase, kRx, kGe, kFiler, kDb};
-    const std::vector<std::string_view> hostRooms{"host/modeling", "host/solving",
-                                                  "host/drafting", "host/sheet_metal",
-                                                  "host/naming",   "host/units"};
+    const std::vector<std::string_view> below{kBase, kRx, kGe, kFiler, kGi, kDb};
+    const std::vector<std::string_view> hostRooms{
+        "host/modeling", "host/solving", "host/drafting", "host/sheet_metal",
+        "host/naming",   "host/units",   "host/rendering"};
     std::vector<FolderRule> table{
         {kBase, {}},
         {kRx, {kBase}},
         {kGe, {kBase}},
         {kFiler, {kBase, kRx, kGe}},
-        {kDb, {kBase, kRx, kGe, kFiler}},
+        {kGi, {kBase, kRx, kGe, kFiler}},
+        {kDb, {kBase, kRx, kGe, kFiler, kGi}},
         {kStorage, below},
         {kAssoc, below},
-        {kGi, below},
         {kModeler, below},
-        {kModelerOcct, {kBase, kRx, kGe, kFiler, kDb, kModeler}},
+        {kModelerOcct, {kBase, kRx, kGe, kFiler, kGi, kDb, kModeler}},
         {"vdm_utils", below},
-        {"vdm_db", {kBase, kRx, kGe, kFiler, kDb, kAssoc, kGi, kModeler, "vdm_utils"}},
+        {"vdm_db", {kBase, kRx, kGe, kFiler, kGi, kDb, kAssoc, kModeler, "vdm_utils"}},
     };
     std::vector<std::string_view> everything = hostRooms;
     for (const FolderRule& rule : table) everything.push_back(rule.folder);
     for (const std::string_view room : hostRooms) {
       table.push_back({room, everything});
     }
-    table.push_back({"host/cli", everything});
+    for (const std::string_view room : {"host/module", "host/cli"}) table.push_back({room, everything});
     return table;
   }();
   return rules;
@@ -217,7 +217,8 @@ std::span<const ForeignRule> foreignRules() {
        {".hxx", ".lxx", ".gxx"},
        {kModelerOcct, "host/modeling", "host/naming", "host/drafting"}},
       {"CLI11", {"CLI/"}, {"host/cli"}},
-      {"nlohmann-json", {"nlohmann/"}, {"host/cli"}},
+      {"nlohmann-json", {"nlohmann/"}, {"host/cli", "host/rendering"}},
+      {"libpng", {"png.h"}, {"host/rendering"}},
   };
   return rules;
 }

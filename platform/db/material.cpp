@@ -1,0 +1,121 @@
+// OdDbMaterial: what a surface is made of, for pictures.
+#include "platform/db/material.h"
+
+#include <string>
+
+#include "platform/base/error.h"
+
+OD_RX_DEFINE_DB(OdDbMaterial, OdDbObject, L"OdDbMaterial", 0, 0, 0, L"MATERIAL", OdString())
+
+namespace {
+
+constexpr OdUInt8 kVersion = 1;
+
+// False for what is no number, too.
+bool isFraction(double value) { return value >= 0.0 && value <= 1.0; }
+
+bool isSurfaceColor(const OdCmColor& color) { return !color.isByBlock() && !color.isNone(); }
+
+}  // namespace
+
+OdString OdDbMaterial::name() const {
+  assertReadEnabled();
+  return m_name;
+}
+
+void OdDbMaterial::setName(const OdString& name) {
+  if (name == m_name) return;
+  assertWriteEnabled();
+  m_name = name;
+}
+
+OdString OdDbMaterial::description() const {
+  assertReadEnabled();
+  return m_description;
+}
+
+void OdDbMaterial::setDescription(const OdString& description) {
+  if (description == m_description) return;
+  assertWriteEnabled();
+  m_description = description;
+}
+
+OdCmColor OdDbMaterial::diffuse() const {
+  assertReadEnabled();
+  return m_diffuse;
+}
+
+void OdDbMaterial::setDiffuse(const OdCmColor& color) {
+  if (!isSurfaceColor(color)) {
+    throw OdError(eInvalidInput, OdString("colour method " + std::to_string(color.colorMethod()) +
+                                          " of material ") +
+                                     getDbHandle().ascii());
+  }
+  if (color == m_diffuse) return;
+  assertWriteEnabled();
+  m_diffuse = color;
+}
+
+double OdDbMaterial::opacity() const {
+  assertReadEnabled();
+  return m_opacity;
+}
+
+void OdDbMaterial::setOpacity(double opacity) { setFraction(m_opacity, opacity, "opacity"); }
+
+double OdDbMaterial::shininess() const {
+  assertReadEnabled();
+  return m_shininess;
+}
+
+void OdDbMaterial::setShininess(double shininess) {
+  setFraction(m_shininess, shininess, "shininess");
+}
+
+void OdDbMaterial::setFraction(double& member, double value, const char* what) {
+  if (!isFraction(value)) {
+    throw OdError(eInvalidInput, OdString(std::string(what) + " " + std::to_string(value) +
+                                          " is not from 0 to 1, material ") +
+                                     getDbHandle().ascii());
+  }
+  if (value == member) return;
+  assertWriteEnabled();
+  member = value;
+}
+
+// Fields:
+//
+//   version                uint8
+//   name, description      2 strings
+//   diffuse                4 x uint8   see OdCmColor; neither by block nor none
+//   opacity, shininess     2 doubles   0 to 1
+
+void OdDbMaterial::dwgOutFields(OdDbDwgFiler* filer) const {
+  OdDbObject::dwgOutFields(filer);
+  filer->wrUInt8(kVersion);
+  filer->wrString(m_name);
+  filer->wrString(m_description);
+  m_diffuse.dwgOut(filer);
+  filer->wrDouble(m_opacity);
+  filer->wrDouble(m_shininess);
+}
+
+OdResult OdDbMaterial::dwgInFields(OdDbDwgFiler* filer) {
+  const OdResult result = OdDbObject::dwgInFields(filer);
+  if (result != eOk) return result;
+  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
+  m_name = filer->rdString();
+  m_description = filer->rdString();
+  const OdResult colorResult = m_diffuse.dwgIn(filer);
+  m_opacity = filer->rdDouble();
+  m_shininess = filer->rdDouble();
+  if (colorResult != eOk) return colorResult;
+  const bool isSound =
+      isSurfaceColor(m_diffuse) && isFraction(m_opacity) && isFraction(m_shininess);
+  return isSound ? eOk : eCorruptData;
+}
+
+std::size_t OdDbMaterial::approximateSize() const {
+  return OdDbObject::approximateSize() + sizeof(*this) - sizeof(OdDbObject) +
+         static_cast<std::size_t>(m_name.getLength() + m_description.getLength()) * sizeof(wchar_t);
+}
