@@ -69,31 +69,4 @@ bool getPaperDcsToWcsMatrix(OdSmartPtr<OdDbViewport> viewport, OdGeMatrix3d& mat
   return true;
 }
 
-// ---- AutoSaveSolidProperties
-
-AutoSaveSolidProperties::AutoSaveSolidProperties(OdSmartPtr<OdDbEntity> entity)
-    : m_entity(std::move(entity)) {
-  if (m_entity.isNull()) return;
-  m_memo = odrxMake<OdDbEntity>();
-  m_memo->setPropertiesFrom(m_entity);
-}
-
-AutoSaveSolidProperties::~AutoSaveSolidProperties() {
-  if (m_entity.isNull()) return;
-  try {
-    m_entity->setPropertiesFrom(m_memo);
-  } catch (const OdError& error) {
-    vdmcCallAssert("pEntity->setPropertiesFrom(pMemo)", error.description(),
-                   "vdm_db/vdm_display_utils", __LINE__);
-  }
-}
-
-// ---- GetFEATURECOLORS
-
-bool (*GetFEATURECOLORS::m_pMethodGetValue)() = nullptr;
-
-bool GetFEATURECOLORS::getValue() { return m_pMethodGetValue != nullptr && m_pMethodGetValue(); }
-
-void GetFEATURECOLORS::setImpl(bool (*method)()) { m_pMethodGetValue = method; }
-
 }  // namespace vdmu

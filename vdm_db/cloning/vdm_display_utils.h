@@ -25,31 +25,4 @@ VDM_DB_EXPORT void markEntToRedraw(const OdArray<OdDbObjectId>& ids);
 [[nodiscard]] VDM_DB_EXPORT bool getPaperDcsToWcsMatrix(OdSmartPtr<OdDbViewport> viewport,
                                                         OdGeMatrix3d& matrix);
 
-/// Keeps layer, colour, line type, weight, visibility and material of an entity while it is worked
-/// on, and puts them back at its end. The entity is open for write then. Null is legal.
-class VDM_DB_EXPORT AutoSaveSolidProperties {
- public:
-  explicit AutoSaveSolidProperties(OdSmartPtr<OdDbEntity> entity);
-  ~AutoSaveSolidProperties();
-  AutoSaveSolidProperties(const AutoSaveSolidProperties&) = delete;
-  AutoSaveSolidProperties& operator=(const AutoSaveSolidProperties&) = delete;
-
- private:
-  OdSmartPtr<OdDbEntity> m_entity;
-  OdSmartPtr<OdDbEntity> m_memo;  // in no database
-};
-
-/// The host's switch that turns feature colours on. Off until the host sets a function.
-class VDM_DB_EXPORT GetFEATURECOLORS {
- public:
-  GetFEATURECOLORS() = delete;
-
-  [[nodiscard]] static bool getValue();
-  /// Null turns the switch off.
-  static void setImpl(bool (*method)());
-
- private:
-  static bool (*m_pMethodGetValue)();
-};
-
 }  // namespace vdmu

@@ -4,8 +4,30 @@
 #include <algorithm>
 #include <iterator>
 
+#include "vdm_db/constraints/vdm_constraint.h"
+#include "vdm_db/constraints/vdm_db_assembly_pe.h"
+#include "vdm_db/constraints/vdm_db_constraint_manager.h"
+#include "vdm_db/constraints/vdm_db_constraint_manager_pe.h"
+#include "vdm_db/features/vdm_db_feature_data.h"
+#include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/features/vdm_db_feature_manager_pe.h"
+#include "vdm_db/features/vdm_db_feature_manager_transaction.h"
+#include "vdm_db/features/vdm_db_feature_reactor.h"
+#include "vdm_db/features/vdm_db_naming_policy_pe.h"
+#include "vdm_db/features/vdm_feature.h"
+#include "vdm_db/features/vdm_feature_pe.h"
+#include "vdm_db/features/vdm_group_feature.h"
+#include "vdm_db/features/vdm_suppress_feature.h"
+#include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/properties/vdm_db_extension_data.h"
 #include "vdm_db/properties/vdm_properties_pe.h"
+#include "vdm_db/references/vdm_db_object.h"
+#include "vdm_db/references/vdm_db_object_dependency.h"
+#include "vdm_db/references/vdm_db_object_pe.h"
+#include "vdm_db/references/vdm_db_pers_id_manager.h"
+#include "vdm_db/references/vdm_db_pers_id_manager_pe.h"
+#include "vdm_db/references/vdm_db_pers_id_reactor.h"
+#include "vdm_db/sheet_metal/vdm_db_sheet_metal_context_pe.h"
 
 namespace {
 
@@ -21,8 +43,33 @@ constexpr ClassRow rowOf() {
 
 // In the order of registration: each parent stands before its children.
 constexpr ClassRow kClassRows[] = {
+    rowOf<VdmConstraint>(),
+    rowOf<VdmDbConstraintManager>(),
+    rowOf<VdmDbConstraintManagerPE>(),
+    rowOf<VdmDbFeatureData>(),
+    rowOf<VdmDbFeatureManager>(),
+    rowOf<VdmDbFeatureManagerPE>(),
+    rowOf<VdmDbFeatureManagerTransaction>(),
+    rowOf<VdmDbObjectDependency>(),
+    rowOf<VdmDbObject>(),
+    rowOf<VdmDbObjectPE>(),
+    rowOf<VdmDbPersIdManager>(),
+    rowOf<VdmDbPersIdManagerPE>(),
+    rowOf<VdmDbSheetMetalContextPE>(),
+    rowOf<VdmFeature>(),
+    rowOf<VdmFeatureColorPE>(),
+    rowOf<VdmFeaturePE>(),
+    rowOf<VdmFeatureExternalPE>(),
+    rowOf<VdmGroupFeature>(),
+    rowOf<VdmDiffFeature>(),
+    rowOf<VdmSuppressFeature>(),
+    rowOf<VdmDbFeatureReactor>(),
+    rowOf<VdmDbPersIdReactor>(),
+    rowOf<VdmDbNamingPolicyPE>(),
     rowOf<VdmPropertiesPE>(),
     rowOf<VdmDbExtensionData>(),
+    rowOf<VdmUpdateFeatureInterface>(),
+    rowOf<VdmDbAssemblyPE>(),
 };
 
 // Releases what was registered unless all of it was.

@@ -1,10 +1,22 @@
 // Start and end of the module, and its entry points.
 #include "vdm_db/module/vdm_db_module.h"
 
+#include "platform/db/class_map.h"
 #include "vdm_db/module/vdm_class_table.h"
 
-void VdmDbModule::initApp() { vdmRegisterClasses(); }
+namespace {
+constexpr int kSolidType = 38;  // object type of solids
+}
 
-void VdmDbModule::uninitApp() { vdmReleaseClasses(); }
+void VdmDbModule::initApp() {
+  vdmRegisterClasses();
+  OdRxOverrule::addOverrule(oddbDwgClassMapDesc(kSolidType), &m_solidDrawOverrule,
+                            /*addAtLast=*/false);
+}
+
+void VdmDbModule::uninitApp() {
+  OdRxOverrule::removeOverrule(oddbDwgClassMapDesc(kSolidType), &m_solidDrawOverrule);
+  vdmReleaseClasses();
+}
 
 ODRX_DEFINE_MODULE(VdmDbModule)

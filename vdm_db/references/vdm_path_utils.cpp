@@ -7,6 +7,7 @@
 #include "platform/db/entity.h"
 #include "platform/db/xref_man.h"
 #include "vdm_db/cloning/vdm_xref_utils.h"
+#include "vdm_db/references/vdm_db_object_dependency.h"
 #include "vdm_utils/vdmc_assert.h"
 
 namespace {
@@ -127,6 +128,15 @@ EVdmPathRes makeIdArray(const OdArray<OdDbHandle>& handles, OdArray<OdDbObjectId
     ids.append(id);
   }
   return ePathOk;
+}
+
+OdString strFSPFromDependency(OdDbObjectId id, bool markErased) {
+  const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+  OdDbFullSubentPath path;
+  if (dependency.isNull() || dependency->getLinkObject(path, markErased) != ePathOk) {
+    return L"invalid path";
+  }
+  return formatFullSubentPath(path, markErased);
 }
 
 }  // namespace vdmu

@@ -119,4 +119,8 @@ VDM_DB_EXPORT EVdmPathRes makeIdArray(const OdArray<OdDbHandle>& handles,
 /// Each path in that form, without marks, followed by " "; "empty" when there are none.
 [[nodiscard]] VDM_DB_EXPORT OdString strFullSubentPathArray(const OdDbFullSubentPathArray& paths);
 
+/// The path of a dependency in the form of formatFullSubentPath; "invalid path" when the id is none
+/// or its path cannot be resolved.
+[[nodiscard]] VDM_DB_EXPORT OdString strFSPFromDependency(OdDbObjectId id, bool markErased);
+
 }  // namespace vdmu

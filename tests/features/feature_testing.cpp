@@ -1,0 +1,56 @@
+// Feature classes of another library than the module.
+#include "tests/features/feature_testing.h"
+
+VDM_DEFINE_FEATURE_CLASS(HoleFeature, VdmFeature, L"HoleFeature")
+OD_RX_DEFINE_DB(TellingReactor, VdmDbFeatureReactor, L"TellingReactor", 33, 55, 0,
+                L"TELLINGREACTOR", L"tests")
+
+int HoleFeature::edition = 1;
+bool HoleFeature::required = true;
+std::vector<std::pair<int, int>> HoleFeature::asked;
+int TellingReactor::calls = 0;
+bool TellingReactor::sound = true;
+
+bool HoleFeature::isRequiredDependency(int mask, int tag) {
+  asked.emplace_back(mask, tag);
+  return required;
+}
+
+void FeatureTest::SetUpTestSuite() {
+  ModelTest::SetUpTestSuite();
+  HoleFeature::rxInit();
+  TellingReactor::rxInit();
+}
+
+void FeatureTest::TearDownTestSuite() {
+  TellingReactor::rxUninit();
+  HoleFeature::rxUninit();
+  ModelTest::TearDownTestSuite();
+}
+
+FeatureTest::FeatureTest() {
+  HoleFeature::edition = 1;
+  HoleFeature::required = true;
+  HoleFeature::asked.clear();
+  TellingReactor::calls = 0;
+  TellingReactor::sound = true;
+  m_features = VdmDbFeatureManager::getInstance(m_modelSpace, /*create=*/true);
+}
+
+void FeatureTest::refer(OdDbObjectId feature, int mask, int tag, std::initializer_list<int> faces) {
+  OdDbFullSubentPathArray paths;
+  for (const int index : faces) paths.append(face(m_carrier, index));
+  OdArray<VdmFeatureGroupFaces> groups;
+  groups.append(VdmFeatureGroupFaces(mask, paths, tag));
+  hole(feature, OdDb::kForWrite)->init(groups);
+}
+
+void FeatureTest::reopenWith(std::initializer_list<OdDbObjectId*> ids) {
+  std::vector<OdDbHandle> handles;
+  for (const OdDbObjectId* id : ids) handles.push_back(id->getHandle());
+  const OdDbHandle manager = m_features.getHandle();
+  reopen();
+  m_features = m_drawing->getOdDbObjectId(manager);
+  auto handle = handles.begin();
+  for (OdDbObjectId* id : ids) *id = m_drawing->getOdDbObjectId(*handle++);
+}

@@ -1,0 +1,157 @@
+// VdmConstraint: one 3D constraint of a block.
+#pragma once
+
+#include <vector>
+
+#include "platform/base/array.h"
+#include "platform/base/result.h"
+#include "platform/base/string.h"
+#include "platform/base/types.h"
+#include "platform/db/subent.h"
+#include "platform/filer/dwg_filer.h"
+#include "platform/filer/object_id.h"
+#include "platform/rx/rx_macros.h"
+#include "platform/rx/rx_object.h"
+#include "vdm_db/constraints/vdm_constraint_orientation.h"
+#include "vdm_db/constraints/vdm_db_constraint_manager_pe.h"
+#include "vdm_db/properties/vdm_properties.h"
+#include "vdm_db/references/vdm_extended_path.h"
+#include "vdm_db/vdm_db_export.h"
+
+class OdDbDatabase;
+class VdmConstraint;
+using VdmConstraintPtr = OdSmartPtr<VdmConstraint>;
+
+/// A type code, arguments that name geometry through VdmDbObjectDependency objects, a value, and a
+/// bag of typed properties. It is no database object: a VdmDbConstraintManager holds it by
+/// reference, files it within its own record and records its changes for undo. Undo, redo and
+/// reading make new objects and set the owner of the old ones to null, so hold a constraint by its
+/// node id over them. What a type code means is told by VdmDbConstraintManagerPE.
+///
+/// The class covers the record, its arguments and properties. A variable that carries the value is
+/// kept by its id only.
+///
+/// Every change of a filed field goes: kBeforeModify, store, kDataChanged, kAfterModify; changing
+/// the name and removing a property leave kDataChanged out, so that no solution is outdated by
+/// them.
+class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
+ public:
+  OD_RX_DECLARE_MEMBERS(VdmConstraint)
+
+  /// What the manager is told of a change.
+  enum NotifyCode : OdInt32 {
+    kBeforeModify = 0,  ///< the manager is made ready for writing
+    kAfterModify = 1,
+    kDataChanged = 2,  ///< what a solver depends on has changed
+  };
+  /// The newest type code and the newest soft version that this build understands.
+  static constexpr OdLong kNewestType = 16;
+  static constexpr OdLong kNewestSoftVersion = 3;
+
+  VdmConstraint();
+  ~VdmConstraint() override;
+
+  // ---- Place
+
+  /// The manager; null when the constraint is in none.
+  [[nodiscard]] OdDbObjectId owner() const { return m_owner; }
+  OdResult setOwner(const OdDbObjectId& owner);
+  [[nodiscard]] OdDbDatabase* database() const;
+  /// Identity within the manager. Set by it; no signal.
+  [[nodiscard]] OdULong nodeId() const { return static_cast<OdULong>(m_nodeId); }
+  void setNodeId(OdULong nodeId) { m_nodeId = static_cast<OdLong>(nodeId); }
+  /// The protocol extension of the manager's class; null without one, and without a manager.
+  [[nodiscard]] VdmDbConstraintManagerPEPtr getConstraintManagerPE() const;
+
+  // ---- Kind and state
+
+  [[nodiscard]] OdLong type() const { return m_type; }
+  void setType(OdLong type);
+  [[nodiscard]] OdString name() const { return m_name; }
+  void setName(const OdString& name);
+  [[nodiscard]] bool isEnabled() const { return m_enabled; }
+  void setEnabled(bool enabled);
+  /// Asked of the extension; false without one.
+  [[nodiscard]] bool isParametric() const;
+  [[nodiscard]] bool isLinearDimension() const;
+  [[nodiscard]] bool isAngularDimension() const;
+  [[nodiscard]] double userValue() const { return m_userValue; }
+  /// Nothing happens unless the constraint is parametric. Raises eInvalidInput for a value that is
+  /// not finite.
+  void setUserValue(double value);
+  /// Id of the variable that carries the value; null without one.
+  [[nodiscard]] OdDbObjectId userVariable() const;
+  /// False for a constraint of a newer writer: its marks are kept as they are.
+  [[nodiscard]] bool isSupportedVersion() const;
+
+  // ---- Arguments
+
+  void setDependencies(const std::vector<ExtendedDep>& dependencies);
+  [[nodiscard]] std::vector<ExtendedDep> dependencies() const;
+  [[nodiscard]] OdUInt32 getArgumentsCount() const { return m_arguments.size(); }
+  /// Ids of the dependencies; null for an argument that refers to nothing.
+  [[nodiscard]] const OdDbObjectIdArray& argumentIds() const { return m_arguments; }
+  /// The paths of the arguments. An argument that cannot be resolved is left out; one that refers
+  /// to nothing has an empty path. Raises OdError_NotThatKindOfClass for an argument that is no
+  /// dependency, eNotOpenForRead (61) for one that cannot be opened.
+  [[nodiscard]] OdArray<OdDbFullSubentPath> getArguments() const;
+  [[nodiscard]] VdmExtendedPathArray getExtArguments() const;
+  /// One of them; false for an argument that cannot be resolved.
+  bool getExtArgument(OdUInt32 index, VdmExtendedPath& path) const;
+  /// All arguments can be resolved or refer to nothing. Raises as getArguments.
+  [[nodiscard]] bool isValid() const;
+
+  // ---- Side conditions
+
+  [[nodiscard]] VdmConstraintOrientationProperties getConstraintOrientationProperties() const;
+  [[nodiscard]] bool hasHalfSpaces() const;
+  [[nodiscard]] bool hasAlignment() const;
+
+  // ---- Properties
+
+  [[nodiscard]] const VdmProperties& properties() const { return m_properties; }
+  /// Stores a value, with the signals of a change.
+  template <VdmPropertyValue T>
+  void changeProperty(const OdString& key, const T& value) {
+    signalModification(kBeforeModify);
+    m_properties.setProperty(key, value);
+    signalModification(kDataChanged);
+    signalModification(kAfterModify);
+  }
+  /// True when it was there.
+  bool removeProperty(const OdString& key);
+
+  // ---- Filing; the form is told in vdm_constraint_filing.cpp
+
+  void dwgOutFields(OdDbDwgFiler* filer) const;
+  /// eCorruptData (83) for a version above 3 and for a map that cannot be read; the result of the
+  /// bag otherwise. The constraint is not to be used when it is not eOk.
+  OdResult dwgInFields(OdDbDwgFiler* filer);
+
+ protected:
+  /// Sets "softVersion" and "exType" to what a reader must understand.
+  void decideLowestSoftVersionCode();
+
+ private:
+  static const OdString& nodeIdKey();
+  void signalModification(NotifyCode code);
+  void notifyOwner(NotifyCode code);
+  template <class Call>
+  void change(Call&& store);
+  [[nodiscard]] OdLong lowestSoftVersionCode() const;
+  [[nodiscard]] OdLong streamType() const;
+  OdResult readProperties(OdDbDwgFiler* filer, OdInt16 version);
+  void restoreGeometryTypes();
+  void restoreType();
+
+  OdDbObjectId m_owner;
+  OdDbObjectIdArray m_arguments;
+  VdmLongArray m_defaultGeometry;  // by argument; kDefaultGeometryNone where it is none
+  OdString m_name;
+  double m_userValue = 0.0;
+  OdInt32 m_fileReserved = 0;
+  OdLong m_type = 0;
+  OdLong m_nodeId = 0;
+  bool m_enabled = true;
+  VdmProperties m_properties;
+};

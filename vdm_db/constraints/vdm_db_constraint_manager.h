@@ -1,0 +1,258 @@
+// VdmDbConstraintManager: the constraints of one block, and the model objects that they reach.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <set>
+#include <unordered_set>
+
+#include "platform/base/array.h"
+#include "platform/base/string.h"
+#include "platform/db/db_object.h"
+#include "vdm_db/constraints/vdm_constraint.h"
+#include "vdm_db/properties/vdm_properties.h"
+#include "vdm_db/references/vdm_extended_path.h"
+#include "vdm_db/references/vdm_indexed_ids.h"
+#include "vdm_db/references/vdm_object_id_hash.h"
+#include "vdm_db/references/vdm_path_utils.h"
+#include "vdm_db/vdm_db_export.h"
+
+class VdmDbConstraintManager;
+class VdmDbObject;
+using VdmDbConstraintManagerPtr = OdSmartPtr<VdmDbConstraintManager>;
+
+/// Holds the 3D constraints of one block, registers the model objects (VdmDbObject) that these
+/// reach, and knows what a solver has to solve again. There are two kinds of instance:
+///
+/// - A block's manager stands in the block's extension dictionary, in the sub-dictionary
+///   "VDM_DATABASE" under the key "VDM_DATABASE". It owns its constraints and its model objects.
+/// - The root manager stands in the same way below the named objects dictionary. It owns no
+///   constraints; its children are all managers of the drawing, and its status tells that some
+///   block changed.
+///
+/// The children of a block's manager are the managers of the blocks that its model objects insert.
+/// Others refer to managers by id.
+///
+/// The class covers constraints, registry, status, design intent, names of model objects and audit.
+/// A constraint keeps the id of a variable that carries its value; making, evaluating and removing
+/// variables is not part of this class.
+///
+/// The solver has brought a block up to date when it sets kUpToDate. From then on:
+///
+///   from  event                                              to
+///   0, 1  data of a constraint changed, object modified      2
+///   1     object finished                                    2, and 0 when no modified one is left
+///   1     constraint removed                                 2
+///   2     last modified object finished                      0
+///   3     data changed, object modified or finished          4
+///   not 4 notifyRootCM(), of the root manager                4
+///
+/// Only in states 1 and 2 is there a set of modified objects. Operations raise eNotOpenForRead (61)
+/// unless the manager is open for read; those that change it need it open for write, unless told.
+class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject {
+ public:
+  OD_RX_DECLARE_MEMBERS(VdmDbConstraintManager)
+
+  /// Not stored in files: a manager that was loaded is kNotEvaluated.
+  enum ConstraintManagerStatus : OdInt32 {
+    kUpToDate = 0,
+    kSolvedWithChanges = 1,
+    kPartlyModified = 2,
+    kNotEvaluated = 3,
+    kFullyModified = 4,
+  };
+  /// What comes of checking the expression of a constraint.
+  enum ExpressionStatus : OdInt32 {
+    kExpressionOk = 0,
+    kExpressionSyntaxError = 1,
+    kExpressionUnknownName = 2,
+  };
+
+  VdmDbConstraintManager();
+  ~VdmDbConstraintManager() override;
+
+  // ---- Finding managers
+
+  /// The manager of a block. With `create` a missing one is made, and one that is there is linked
+  /// under the root manager. Null without one, and for a null id.
+  static OdDbObjectId getInstance(const OdDbObjectId& blockId, bool create);
+  static OdDbObjectId getRootCM(OdDbDatabase* database, bool create);
+  /// Tells the root manager, which is made if need be, that everything is to be solved.
+  static void notifyRootCM(OdDbDatabase* database);
+  /// The block that this manager belongs to; null for the root manager.
+  [[nodiscard]] OdDbObjectId blockId() const;
+
+  // ---- Child managers
+
+  /// Write access is needed only when the id is new.
+  void addChildConstraintManager(const OdDbObjectId& manager);
+  [[nodiscard]] OdDbObjectIdArray getAllConstraintManagers() const;
+
+  // ---- Constraints
+
+  /// In rising node id.
+  [[nodiscard]] OdArray<VdmConstraintPtr> constraints() const;
+  [[nodiscard]] OdUInt32 constraintsCount() const {
+    return static_cast<OdUInt32>(m_constraints.size());
+  }
+  /// Null when there is none.
+  [[nodiscard]] VdmConstraintPtr getConstraintByNodeId(OdULong nodeId) const;
+  /// Nothing happens for null and for a constraint that this manager does not hold. Model objects
+  /// and dependencies that no constraint or persistent id uses any more go with it.
+  void removeConstraint(VdmConstraint* constraint);
+  void removeConstraints(const OdArray<VdmConstraintPtr>& constraints);
+  void removeAllConstraints();
+  void setConstraintName(VdmConstraint* constraint, const OdString& name);
+  /// Appends the paths that the constraint does not have yet; these are appended to `added`, too.
+  /// Raises OdError "Failed to create dependency", the constraint being as before.
+  void addArguments(VdmConstraint* constraint, const VdmExtendedPathArray& paths,
+                    VdmExtendedPathArray& added);
+  void removeArguments(VdmConstraint* constraint, const VdmExtendedPathArray& paths);
+  /// Replaces those dependencies of `object` in all constraints that `replacements` names; a
+  /// replacement that `chained` names is replaced again.
+  void replaceConstraintDependencies(const VdmDbObject* object,
+                                     const std::map<OdDbObjectId, OdDbObjectId>& replacements,
+                                     const std::map<OdDbObjectId, OdDbObjectId>& chained);
+
+  // ---- Status
+
+  void setStatus(ConstraintManagerStatus status);
+  [[nodiscard]] ConstraintManagerStatus getStatus() const;
+  [[nodiscard]] bool isUpToDate() const { return getStatus() == kUpToDate; }
+  /// An object was modified, or (false) is finished: its change has been solved. The manager is
+  /// upgraded for writing when it has to change.
+  void notifyAboutModifications(const OdDbObjectId& object, bool modified);
+  /// In rising handle order.
+  [[nodiscard]] OdDbObjectIdArray getModifiedObjects() const;
+  void setModifiedObjects(const OdDbObjectIdArray& objects);
+
+  // ---- Variables that stand still while a model is updated; not filed
+
+  void freezeVariable(const OdDbObjectId& variable) { m_frozenVariables.insert(variable); }
+  [[nodiscard]] bool isVariableFrozen(const OdDbObjectId& variable) const {
+    return m_frozenVariables.contains(variable);
+  }
+  /// Of this manager and of all below it.
+  void unfreezeVariables();
+
+  // ---- Registry of model objects
+
+  /// The model object of an entity; made, and registered, when there is none.
+  OdDbObjectId getVdmDbObject(const OdDbObjectId& entity);
+  /// Called by a model object when it comes under this manager and when it leaves it. The manager
+  /// of the block that its entity inserts becomes a child, and is dropped from the children, even
+  /// if another registered object inserts that block.
+  void registerVdmDbObject(const VdmDbObject* object);
+  void unregisterVdmDbObject(VdmDbObject* object);
+  /// Takes objects that are about to be erased out of the registry, in one step.
+  void dropFromRegistry(const OdDbObjectIdArray& objects);
+  void setVdmDbObjects(const OdDbObjectIdArray& objects);
+  [[nodiscard]] const OdDbObjectIdArray& vdmDbObjects() const { return m_vdmDbObjects.ids(); }
+
+  // ---- Names of model objects
+
+  /// `base` without its number, and the first number that makes it unique among the names of the
+  /// registered objects, in any case: "LINE" gives "LINE_1", "LINE_2" and so on.
+  OdString generateVdmDbObjectName(const OdString& base);
+  /// Gives names to the registered objects that have none; nothing happens without a
+  /// VdmDbConstraintManagerPE.
+  void generateVdmDbObjectNames() const;
+  /// Called by model objects of a drawing whenever a name of theirs changes, by undo and loading,
+  /// too: what managers remember of names is outdated then.
+  static void objectNamesChanged();
+
+  // ---- Data of the solver's module
+
+  [[nodiscard]] VdmProperties& getProperties() { return m_properties; }
+  [[nodiscard]] const VdmProperties& getProperties() const { return m_properties; }
+  /// Opaque here. An empty string erases what was set, and is the answer then.
+  [[nodiscard]] OdString getDesignIntentOptions() const;
+  void setDesignIntentOptions(const OdString& options);
+  [[nodiscard]] static OdString defaultDesignIntentString();
+  /// Node ids that the solver's module keeps here; not filed.
+  [[nodiscard]] OdArray<OdULong>& getTCCache() { return m_tcCache; }
+  /// Empties it, and tells the VdmDbConstraintManagerPE.
+  void invalidateTCCache();
+
+  // ---- Audit
+
+  /// Mends what the manager refers to: reactors of entities, erased and repeated entries, invalid
+  /// constraints. Raises OdError for a registered object without entity.
+  void doAudit();
+  /// Finds entities with the model object of another entity as a reactor.
+  void audit(OdDbAuditInfo* info) override;
+
+  // ---- Filing, undo and cloning
+
+  OdResult dwgInFields(OdDbDwgFiler* filer) override;
+  void dwgOutFields(OdDbDwgFiler* filer) const override;
+  void applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) override;
+  /// Both clone the manager with those model objects only whose entities are cloned, too, each by
+  /// itself or with the whole block.
+  OdDbObjectPtr subDeepClone(OdDbIdMapping& mapping, OdDbObject* owner,
+                             bool isPrimary) const override;
+  OdDbObjectPtr subWblockClone(OdDbIdMapping& mapping, OdDbObject* owner,
+                               bool isPrimary) const override;
+  /// The constraints follow the manager to its new id, both ways.
+  void subSwapIdWith(const OdDbObjectId& otherId, bool swapExtendedData,
+                     bool swapExtDictionary) override;
+  void subIdSwapped() override;
+  [[nodiscard]] std::size_t approximateSize() const override;
+
+ protected:
+  /// Gives the constraint the next node id and holds it; nothing happens for null.
+  void addConstraint(VdmConstraintPtr& constraint);
+  /// A constraint is about to change, or has changed.
+  void notifyConstraintModify(VdmConstraint* constraint, VdmConstraint::NotifyCode code);
+
+ private:
+  friend class VdmConstraint;
+  friend class VdmConstraintManagerServices;
+  friend class VdmDbPersIdManager;
+  friend class VdmFeatureUpdateData;
+
+  using ModifiedObjects = std::set<OdDbObjectId, vdmu::ObjectIdLess>;
+  enum UndoStep : OdUInt8 { kStateStep = 0, kRegistryStep = 1, kChildStep = 2 };
+  struct ObjectNames;
+  class RegistryOfClone;
+
+  static OdDbObjectId getInstanceImpl(const OdDbObjectId& blockId, bool create, bool link);
+  static void linkUnderRoot(const OdDbObjectId& manager);
+
+  OdDbDwgFiler* beginStep(UndoStep step);
+  void changeState(ConstraintManagerStatus status, const ModifiedObjects& added,
+                   const ModifiedObjects& removed);
+  void markModified(const OdDbObjectId& object);
+  void markFinished(const OdDbObjectId& object);
+  void markArgumentsModified(const VdmConstraint& constraint);
+  void undoStateStep(OdDbDwgFiler* filer);
+  void undoListStep(UndoStep step, VdmIndexedIds& list, OdDbDwgFiler* filer);
+  void appendChild(const OdDbObjectId& manager);
+  void removeChild(const OdDbObjectId& manager);
+  bool takeOut(VdmConstraint* constraint);
+  void cleanUpRegistry();
+  [[nodiscard]] ExtendedDep dependencyOf(const VdmExtendedPath& path);
+  ObjectNames& presentNames();
+  void writeState(OdDbDwgFiler* filer) const;
+  void readState(OdDbDwgFiler* filer);
+  OdResult readConstraints(OdDbDwgFiler* filer);
+  void clearForRead();
+  void auditRegistry();
+  void auditChildren();
+  static OdDbObjectPtr withOwnConstraints(OdDbObjectPtr clone);
+  [[nodiscard]] OdDbObjectIdArray objectsClonedWith(OdDbIdMapping& mapping) const;
+
+  // Filed, in this order.
+  mutable VdmIndexedIds m_vdmDbObjects;
+  OdDbObjectIdArray m_reservedIds;
+  VdmIndexedIds m_childManagers;
+  std::map<OdULong, VdmConstraintPtr> m_constraints;
+  VdmProperties m_properties;
+  // Filed for undo and paging.
+  ConstraintManagerStatus m_status = kNotEvaluated;
+  ModifiedObjects m_modifiedObjects;
+  // Not filed.
+  OdArray<OdULong> m_tcCache;
+  std::unordered_set<OdDbObjectId, vdmu::OdDbObjectIdHash> m_frozenVariables;
+  std::unique_ptr<ObjectNames> m_names;
+};

@@ -1,0 +1,273 @@
+// Constraint managers: stored form, undo, clones.
+//
+// Behind the base's fields:
+//
+//   1  version         wrInt16            2
+//   2  model objects   id array           hard ownership
+//   3  reserved ids    id array           hard ownership; kept as they were read
+//   4  child managers  id array           soft pointers
+//   5  count           wrInt32            of constraints
+//   6  constraints     wrString           run-time class name,
+//                      record             vdm_constraint_filing.cpp; in rising node id
+//   7  properties      VdmProperties::dwgOutFields; from version 2 on
+//   8  status          wrInt32            undo and page filers only
+//      count           wrInt32            of modified objects
+//      objects         wrHardPointerId    each; read as soft pointers
+//   9  mark            wrInt16            0; all but file filers
+//
+// Undo records of parts: a byte that says which, then
+//
+//   0  state           status, and two lists of ids: those to take from the modified objects, those
+//                      to put back
+//   1  model objects   an edit of the list (vdm_indexed_ids.h)
+//   2  child managers  likewise
+#include "platform/base/error.h"
+#include "platform/db/id_mapping.h"
+#include "vdm_db/constraints/vdm_db_constraint_manager.h"
+#include "vdm_db/constraints/vdm_object_names.h"
+#include "vdm_db/properties/vdm_dwg_utils.h"
+#include "vdm_db/references/vdm_db_object.h"
+
+namespace {
+
+constexpr OdInt16 kVersion = 2;
+constexpr OdInt16 kPropertiesVersion = 2;
+
+bool filesState(const OdDbDwgFiler* filer) {
+  return filer->filerType() == OdDbDwgFiler::kUndoFiler ||
+         filer->filerType() == OdDbDwgFiler::kPageFiler;
+}
+
+template <class Ids>
+void writeIds(OdDbDwgFiler* filer, const Ids& ids) {
+  filer->wrInt32(static_cast<OdInt32>(ids.size()));
+  for (const OdDbObjectId& id : ids) filer->wrSoftPointerId(id);
+}
+
+template <class Ids>
+Ids readIds(OdDbDwgFiler* filer) {
+  Ids ids;
+  for (OdUInt32 count = filer->rdCount(0); count > 0; --count) ids.insert(filer->rdSoftPointerId());
+  return ids;
+}
+
+VdmConstraintPtr createConstraint(const OdString& className) {
+  const OdRxClass* stored = odrxClassDictionary()->getAt(className);
+  if (stored == nullptr || !stored->isDerivedFrom(VdmConstraint::desc()) || stored->isAbstract())
+    throw OdError(eCorruptData, "constraint of class \"" + className + "\"");
+  return VdmConstraintPtr(stored->create());
+}
+
+}  // namespace
+
+// ---- Writing
+
+void VdmDbConstraintManager::dwgOutFields(OdDbDwgFiler* filer) const {
+  assertReadEnabled();
+  OdDbObject::dwgOutFields(filer);
+  filer->wrInt16(kVersion);
+  vdmu::writeHardOwnershipIdArray(filer, m_vdmDbObjects.ids());
+  vdmu::writeHardOwnershipIdArray(filer, m_reservedIds);
+  vdmu::writeSoftPointerIdArray(filer, m_childManagers.ids());
+  filer->wrInt32(static_cast<OdInt32>(m_constraints.size()));
+  for (const auto& [nodeId, constraint] : m_constraints) {
+    filer->wrString(constraint->isA()->name());
+    constraint->dwgOutFields(filer);
+  }
+  m_properties.dwgOutFields(filer);
+  if (filesState(filer)) writeState(filer);
+  vdmu::wrMark(filer, 0);
+}
+
+void VdmDbConstraintManager::writeState(OdDbDwgFiler* filer) const {
+  filer->wrInt32(m_status);
+  filer->wrInt32(static_cast<OdInt32>(m_modifiedObjects.size()));
+  for (const OdDbObjectId& object : m_modifiedObjects) filer->wrHardPointerId(object);
+}
+
+// ---- Reading
+
+OdResult VdmDbConstraintManager::dwgInFields(OdDbDwgFiler* filer) {
+  assertWriteEnabled();
+  if (const OdResult result = OdDbObject::dwgInFields(filer); result != eOk) return result;
+  const OdInt16 version = filer->rdInt16();
+  if (version > kVersion) return eCorruptData;
+  clearForRead();
+  vdmu::readHardOwnershipIdArray(filer, m_vdmDbObjects.array());
+  m_vdmDbObjects.replaced();
+  vdmu::readHardOwnershipIdArray(filer, m_reservedIds);
+  vdmu::readSoftPointerIdArray(filer, m_childManagers.array());
+  m_childManagers.replaced();
+  if (const OdResult result = readConstraints(filer); result != eOk) return result;
+  if (version >= kPropertiesVersion) {
+    if (const OdResult result = m_properties.dwgInFields(filer); result != eOk) return result;
+  }
+  if (filesState(filer)) readState(filer);
+  vdmu::rdMark(filer, 0);
+  invalidateTCCache();
+  return eOk;
+}
+
+void VdmDbConstraintManager::clearForRead() {
+  for (const auto& [nodeId, constraint] : m_constraints)
+    constraint->setOwner(OdDbObjectId::kNull);  // others may hold it still
+  m_constraints.clear();
+  m_vdmDbObjects.array().clear();
+  m_reservedIds.clear();
+  m_childManagers.array().clear();
+  m_properties.clear();
+  m_status = kNotEvaluated;  // unless the stream has another one
+  m_modifiedObjects.clear();
+  m_names.reset();
+}
+
+OdResult VdmDbConstraintManager::readConstraints(OdDbDwgFiler* filer) {
+  OdULong last = 0;
+  for (OdUInt32 count = filer->rdCount(); count > 0; --count) {
+    const VdmConstraintPtr constraint = createConstraint(filer->rdString());
+    if (const OdResult result = constraint->dwgInFields(filer); result != eOk) return result;
+    constraint->setOwner(objectId());
+    if (constraint->nodeId() <= last) {
+      if (last + 1 == 0) throw OdError(eCorruptData, OdString("node ids of constraints"));
+      constraint->setNodeId(last + 1);
+    }
+    last = constraint->nodeId();
+    m_constraints.emplace_hint(m_constraints.end(), last, constraint);
+  }
+  return eOk;
+}
+
+void VdmDbConstraintManager::readState(OdDbDwgFiler* filer) {
+  const OdInt32 status = filer->rdInt32();
+  if (status < kUpToDate || status > kFullyModified) {
+    OdString text;
+    text.format(L"status %d of a constraint manager, not within %d to %d", status, kUpToDate,
+                kFullyModified);
+    throw OdError(eCorruptData, text);
+  }
+  m_status = static_cast<ConstraintManagerStatus>(status);
+  m_modifiedObjects = readIds<ModifiedObjects>(filer);
+  m_modifiedObjects.erase(OdDbObjectId::kNull);
+}
+
+// ---- Undo of parts
+
+OdDbDwgFiler* VdmDbConstraintManager::beginStep(UndoStep step) {
+  assertWriteEnabled(/*autoUndo=*/false);
+  OdDbDwgFiler* filer = beginPartialUndo(desc());
+  if (filer != nullptr) filer->wrInt8(static_cast<OdInt8>(step));
+  return filer;
+}
+
+void VdmDbConstraintManager::changeState(ConstraintManagerStatus status,
+                                         const ModifiedObjects& added,
+                                         const ModifiedObjects& removed) {
+  const ModifiedObjects gone = removed;  // may be the set itself
+  if (OdDbDwgFiler* filer = beginStep(kStateStep)) {
+    filer->wrInt32(m_status);
+    writeIds(filer, added);
+    writeIds(filer, gone);
+  }
+  m_status = status;
+  for (const OdDbObjectId& object : gone) m_modifiedObjects.erase(object);
+  m_modifiedObjects.insert(added.begin(), added.end());
+}
+
+void VdmDbConstraintManager::applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) {
+  if (cls != desc()) return OdDbObject::applyPartialUndo(filer, cls);
+  const OdInt8 step = filer->rdInt8();
+  switch (step) {
+    case kStateStep:
+      return undoStateStep(filer);
+    case kRegistryStep:
+      m_names.reset();
+      return m_vdmDbObjects.applyUndo(filer, beginStep(kRegistryStep));
+    case kChildStep:
+      return m_childManagers.applyUndo(filer, beginStep(kChildStep));
+    default:
+      throw OdError(eCorruptData, OdString().format(L"undo step %d of a constraint manager", step));
+  }
+}
+
+void VdmDbConstraintManager::undoStateStep(OdDbDwgFiler* filer) {
+  const auto status = static_cast<ConstraintManagerStatus>(filer->rdInt32());
+  const auto removed = readIds<ModifiedObjects>(filer);
+  const auto added = readIds<ModifiedObjects>(filer);
+  changeState(status, added, removed);
+}
+
+// ---- Ids
+
+void VdmDbConstraintManager::subSwapIdWith(const OdDbObjectId& otherId, bool swapExtendedData,
+                                           bool swapExtDictionary) {
+  assertWriteEnabled();
+  OdDbObject::subSwapIdWith(otherId, swapExtendedData, swapExtDictionary);
+}
+
+void VdmDbConstraintManager::subIdSwapped() {
+  for (const auto& [nodeId, constraint] : m_constraints) constraint->setOwner(objectId());
+}
+
+// ---- Cloning
+
+/// Puts another list in place of the registry while a clone hook of the base reads the manager.
+class VdmDbConstraintManager::RegistryOfClone {
+ public:
+  RegistryOfClone(VdmIndexedIds& registry, const OdDbObjectIdArray& ids)
+      : m_registry(registry), m_whole(registry.ids()) {
+    m_registry.array() = ids;
+  }
+  ~RegistryOfClone() { m_registry.array() = m_whole; }
+  RegistryOfClone(const RegistryOfClone&) = delete;
+  RegistryOfClone& operator=(const RegistryOfClone&) = delete;
+
+ private:
+  VdmIndexedIds& m_registry;
+  OdDbObjectIdArray m_whole;
+};
+
+// An entity is cloned when it is in the mapping, or will be together with the whole block: what
+// hangs on a block is cloned before the block's entities.
+OdDbObjectIdArray VdmDbConstraintManager::objectsClonedWith(OdDbIdMapping& mapping) const {
+  if (mapping.deepCloneContext() == OdDb::kDcInsertCopy) return m_vdmDbObjects.ids();
+  const OdDbObjectId block = blockId();
+  OdDbIdPair ofBlock(block);
+  const bool isBlockCloned = mapping.compute(ofBlock) && ofBlock.isCloned();
+  OdDbObjectIdArray cloned;
+  for (const OdDbObjectId& id : m_vdmDbObjects.ids()) {
+    const auto object = VdmDbObject::cast(id.openObject(OdDb::kForRead));
+    if (object.isNull()) continue;
+    const OdDbObjectId entity = object->attachedEntityId();
+    OdDbIdPair pair(entity);
+    const bool followsBlock = isBlockCloned && !entity.isErased() && entity.ownerId() == block;
+    if (followsBlock || mapping.compute(pair)) cloned.append(id);
+  }
+  return cloned;
+}
+
+/// The constraints of a clone were read before it had an id.
+OdDbObjectPtr VdmDbConstraintManager::withOwnConstraints(OdDbObjectPtr clone) {
+  const auto manager = VdmDbConstraintManager::cast(clone);
+  if (!manager.isNull()) manager->subIdSwapped();
+  return clone;
+}
+
+OdDbObjectPtr VdmDbConstraintManager::subDeepClone(OdDbIdMapping& mapping, OdDbObject* owner,
+                                                   bool isPrimary) const {
+  const RegistryOfClone filtered(m_vdmDbObjects, objectsClonedWith(mapping));
+  return withOwnConstraints(OdDbObject::subDeepClone(mapping, owner, isPrimary));
+}
+
+OdDbObjectPtr VdmDbConstraintManager::subWblockClone(OdDbIdMapping& mapping, OdDbObject* owner,
+                                                     bool isPrimary) const {
+  const RegistryOfClone filtered(m_vdmDbObjects, objectsClonedWith(mapping));
+  return withOwnConstraints(OdDbObject::subWblockClone(mapping, owner, isPrimary));
+}
+
+std::size_t VdmDbConstraintManager::approximateSize() const {
+  constexpr std::size_t kConstraintSize = sizeof(VdmConstraint) + 256;  // with its properties
+  constexpr std::size_t kNodeSize = 64;                                 // of a tree
+  return sizeof(*this) + m_constraints.size() * (kConstraintSize + kNodeSize) +
+         m_modifiedObjects.size() * kNodeSize +
+         (m_vdmDbObjects.ids().size() + m_childManagers.ids().size()) * sizeof(OdDbObjectId);
+}

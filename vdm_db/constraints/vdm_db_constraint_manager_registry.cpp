@@ -1,0 +1,128 @@
+// Constraint managers: the registry of model objects, and their names.
+#include "platform/base/case_compare.h"
+#include "platform/db/block_reference.h"
+#include "vdm_db/cloning/vdm_dictionary_utils.h"
+#include "vdm_db/constraints/vdm_constraint_utils.h"
+#include "vdm_db/constraints/vdm_db_constraint_manager.h"
+#include "vdm_db/constraints/vdm_object_names.h"
+#include "vdm_db/module/vdm_constants.h"
+#include "vdm_db/references/vdm_db_object.h"
+#include "vdm_db/references/vdm_open_upgrade.h"
+
+namespace {
+
+OdUInt64 g_nameGeneration = 1;
+
+/// The manager of the block that the object's entity inserts; null when it inserts none, or that
+/// block has none.
+OdDbObjectId managerOfInsertedBlock(const VdmDbObject* object) {
+  const auto reference = OdDbBlockReference::cast(
+      object->attachedEntityId().openObject(OdDb::kForRead, /*openErased=*/true));
+  if (reference.isNull()) return OdDbObjectId::kNull;
+  return vdmu::getObjInExtDict(reference->blockTableRecord(), kVdmDatabaseKey, nullptr);
+}
+
+/// What an unnamed object is called before a number makes it unique.
+OdString kindOfEntity(const OdDbObjectId& entity) {
+  const OdRxClass* entityClass = entity.objectClass();
+  return entityClass == nullptr ? OdString(L"Object") : entityClass->name();
+}
+
+}  // namespace
+
+// ---- Registry
+
+OdDbObjectId VdmDbConstraintManager::getVdmDbObject(const OdDbObjectId& entity) {
+  assertReadEnabled();
+  const VdmDbObjectPtr present = VdmDbObject::openVdmDbObject(entity, OdDb::kForRead);
+  if (!present.isNull()) return present->objectId();
+  const VdmOpenUpgrade upgrade(this);
+  return VdmDbObject::getInstance(entity, objectId());
+}
+
+void VdmDbConstraintManager::registerVdmDbObject(const VdmDbObject* object) {
+  assertWriteEnabled(/*autoUndo=*/false);
+  const OdDbObjectId id = object->objectId();
+  if (m_vdmDbObjects.contains(id)) return;
+  OdDbObjectIdArray fresh;
+  fresh.append(id);
+  m_vdmDbObjects.append(fresh, beginStep(kRegistryStep));
+  if (m_names) m_names->taken.insert(odToUpper(object->name()));
+  addChildConstraintManager(managerOfInsertedBlock(object));
+}
+
+void VdmDbConstraintManager::unregisterVdmDbObject(VdmDbObject* object) {
+  assertWriteEnabled(/*autoUndo=*/false);
+  OdDbObjectIdArray gone;
+  gone.append(object->objectId());
+  if (m_vdmDbObjects.contains(gone[0]))
+    m_vdmDbObjects.takeOut(m_vdmDbObjects.positionsOf(gone), beginStep(kRegistryStep));
+  m_names.reset();
+  const OdDbObjectId child = managerOfInsertedBlock(object);
+  if (!child.isNull() && m_childManagers.contains(child)) removeChild(child);
+}
+
+void VdmDbConstraintManager::dropFromRegistry(const OdDbObjectIdArray& objects) {
+  const OdArray<OdUInt32> positions = m_vdmDbObjects.positionsOf(objects);
+  if (positions.isEmpty()) return;
+  m_vdmDbObjects.takeOut(positions, beginStep(kRegistryStep));
+  m_names.reset();
+}
+
+void VdmDbConstraintManager::setVdmDbObjects(const OdDbObjectIdArray& objects) {
+  assertWriteEnabled();
+  m_vdmDbObjects.array() = objects;
+  m_vdmDbObjects.replaced();
+  m_names.reset();
+}
+
+// ---- Names
+
+void VdmDbConstraintManager::objectNamesChanged() { ++g_nameGeneration; }
+
+VdmDbConstraintManager::ObjectNames& VdmDbConstraintManager::presentNames() {
+  if (m_names && m_names->generation == g_nameGeneration) return *m_names;
+  m_names.reset();
+  auto names = std::make_unique<ObjectNames>();
+  for (const OdDbObjectId& id : m_vdmDbObjects.ids()) {
+    const auto object = VdmDbObject::cast(id.openObject(OdDb::kForRead));
+    if (!object.isNull()) names->taken.insert(odToUpper(object->name()));
+  }
+  names->generation = g_nameGeneration;  // opening may have loaded objects with their names
+  m_names = std::move(names);
+  return *m_names;
+}
+
+OdString VdmDbConstraintManager::generateVdmDbObjectName(const OdString& base) {
+  assertReadEnabled();
+  ObjectNames& names = presentNames();
+  const OdString stem = vdmu::removeNumericSuffix(base);
+  int& next = names.nexts.try_emplace(odToUpper(stem), 1).first->second;
+  const OdString name = vdmu::takeNumberedName(stem, names.taken, next);
+  names.taken.erase(odToUpper(name));  // until an object has it
+  return name;
+}
+
+void VdmDbConstraintManager::generateVdmDbObjectNames() const {
+  const auto pe = VdmDbConstraintManagerPE::cast(static_cast<const OdRxObject*>(this));
+  if (pe.isNull()) return;
+  std::set<OdString> taken;
+  OdDbObjectIdArray unnamed;
+  for (const OdDbObjectId& id : m_vdmDbObjects.ids()) {
+    const auto object = VdmDbObject::cast(id.openObject(OdDb::kForRead));
+    if (object.isNull()) continue;
+    if (object->name().isEmpty()) {
+      unnamed.append(id);
+    } else {
+      taken.insert(odToUpper(object->name()));
+    }
+  }
+  for (const OdDbObjectId& id : unnamed) {
+    const auto object = VdmDbObject::cast(id.openObject(OdDb::kForRead));
+    if (object.isNull()) continue;
+    const VdmOpenUpgrade upgrade(object);
+    object->setName(vdmu::generateUniqueName(
+        vdmu::removeNumericSuffix(kindOfEntity(object->attachedEntityId())), taken, /*start=*/1,
+        /*tryBase=*/false));
+  }
+}

@@ -1,0 +1,82 @@
+// VdmDb3dSolidDrawOverrule: the material of faces that have a feature colour.
+#include <mutex>
+#include <string>
+
+#include "platform/db/database.h"
+#include "platform/db/dictionary.h"
+#include "platform/db/material.h"
+#include "platform/db/xrecord.h"
+#include "vdm_db/drafting/vdm_db_3d_solid_draw_overrule.h"
+#include "vdm_db/module/vdm_constants.h"
+
+namespace {
+
+constexpr wchar_t kAnonymous = L'*';
+
+// Guards the search for the material together with its making. A reactor that hears of the new
+// material may ask for it in turn.
+std::recursive_mutex g_materialSection;
+
+OdDbDictionaryPtr openMaterials(OdDbDatabase* database, bool create) {
+  const OdDbObjectId id = database->getMaterialDictionaryId(create);
+  return OdDbDictionary::cast(id.openObject(OdDb::kForRead));
+}
+
+bool isFeatureColorMaterial(const OdDbObjectId& id) {
+  const OdDbMaterialPtr material = OdDbMaterial::cast(id.openObject(OdDb::kForRead));
+  if (material.isNull()) return false;
+  const OdDbDictionaryPtr extension =
+      OdDbDictionary::cast(material->extensionDictionary().openObject(OdDb::kForRead));
+  return !extension.isNull() && extension->has(kVdmFeatureColorMaterial);
+}
+
+OdDbObjectId findIn(const OdDbDictionary& materials) {
+  for (const OdDbDictionaryIteratorPtr at = materials.newIterator(); !at->done(); at->next()) {
+    const OdString name = at->name();
+    if (!name.isEmpty() && name.getAt(0) == kAnonymous && isFeatureColorMaterial(at->objectId())) {
+      return at->objectId();
+    }
+  }
+  return {};
+}
+
+OdString freeAnonymousName(const OdDbDictionary& materials) {
+  for (OdUInt32 number = 1;; ++number) {
+    const OdString name = L"*M" + OdString(std::to_string(number));
+    if (!materials.has(name)) return name;
+  }
+}
+
+void createXrecord(OdDbMaterial& material, const OdString& key) {
+  const OdDbDictionaryPtr extension =
+      material.createExtensionDictionary().safeOpenObject(OdDb::kForWrite);
+  extension->setAt(key, OdDbXrecord::createObject());
+}
+
+OdDbObjectId createIn(OdDbDictionary& materials) {
+  const OdString name = freeAnonymousName(materials);
+  const OdDbMaterialPtr material = OdDbMaterial::cast(OdDbMaterial::desc()->create());
+  material->setName(name);
+  materials.upgradeOpen();
+  const OdDbObjectId id = materials.setAt(name, material);
+  materials.downgradeOpen();
+  createXrecord(*material, kVdmFeatureColorMaterial);
+  return id;
+}
+
+}  // namespace
+
+OdDbObjectId VdmDb3dSolidDrawOverrule::createFeatureColorMaterial(OdDbDatabase* database) {
+  if (database == nullptr) return {};
+  const std::lock_guard section(g_materialSection);
+  const OdDbDictionaryPtr materials = openMaterials(database, /*create=*/true);
+  if (materials.isNull()) return {};
+  const OdDbObjectId found = findIn(*materials);
+  return found.isNull() ? createIn(*materials) : found;
+}
+
+OdDbObjectId VdmDb3dSolidDrawOverrule::findFeatureColorMaterial(OdDbDatabase* database) {
+  if (database == nullptr) return {};
+  const OdDbDictionaryPtr materials = openMaterials(database, /*create=*/false);
+  return materials.isNull() ? OdDbObjectId() : findIn(*materials);
+}

@@ -1,0 +1,334 @@
+// The features of one block: making, finding, upkeep, filing.
+#include "vdm_db/features/vdm_db_feature_manager.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "platform/base/error.h"
+#include "platform/db/database.h"
+#include "vdm_db/cloning/vdm_block_utils.h"
+#include "vdm_db/cloning/vdm_dictionary_utils.h"
+#include "vdm_db/drafting/vdm_db_3d_solid_draw_overrule.h"
+#include "vdm_db/features/vdm_db_feature_data.h"
+#include "vdm_db/features/vdm_db_feature_manager_impl.h"
+#include "vdm_db/features/vdm_db_naming_policy_pe.h"
+#include "vdm_db/features/vdm_feature_reactor_walk.h"
+#include "vdm_db/features/vdm_naming_service.h"
+#include "vdm_db/module/vdm_class_registration.h"
+#include "vdm_db/module/vdm_constants.h"
+
+VDM_DEFINE_DB_CLASS(VdmDbFeatureManager, OdDbObject, L"VdmDbFeatureManager", L"VDMDBFEATUREMANAGER",
+                    L"features data")
+
+namespace {
+
+constexpr const wchar_t* kFeatures = L"Features";
+constexpr const wchar_t* kSheetMetalContext = L"SheetMetalContext";
+constexpr const wchar_t* kColorPolicy = L"ColorPolicy";
+
+// What a partial undo record begins with.
+enum UndoStep : OdUInt8 { kUndoFeatures = 0, kUndoNeedEvaluate = 1 };
+
+}  // namespace
+
+// ---- State
+
+VdmDbFeatureManagerImpl::VdmDbFeatureManagerImpl() {
+  m_properties.setConfig(VdmProperties::kDropErasedIds);
+  m_properties.setVersion(1);
+  m_properties.mapProperty(kFeatures, &features.array(), OdDb::kHardOwnershipRef);
+  m_properties.mapProperty(kSheetMetalContext, &sheetMetalContext, OdDb::kHardOwnershipRef);
+  m_properties.mapProperty(kColorPolicy, &colorPolicy, OdDb::kHardOwnershipRef);
+}
+
+OdResult VdmDbFeatureManagerImpl::dwgInFields(OdDbDwgFiler* filer) {
+  const OdResult result = VdmDbPropertiesBase::dwgInFields(filer);
+  features.replaced();
+  return result;
+}
+
+VdmDbFeatureManager::VdmDbFeatureManager()
+    : m_impl(std::make_unique<VdmDbFeatureManagerImpl>()),
+      m_namingService(std::make_unique<NamingService>(this)) {}
+VdmDbFeatureManager::~VdmDbFeatureManager() = default;
+
+VdmDbFeatureManagerImpl& VdmDbFeatureManager::implForRead() const {
+  assertReadEnabled();
+  return *m_impl;
+}
+
+// ---- Place
+
+OdDbObjectId VdmDbFeatureManager::getInstance(const OdDbObjectId& blockId, bool create) {
+  const OdDbObjectId id =
+      vdmu::getObjInExtDict(blockId, kVdmFeatureManager, create ? desc() : nullptr);
+  if (create) VdmDb3dSolidDrawOverrule::createFeatureColorMaterial(blockId.database());
+  return id;
+}
+
+OdDbObjectId VdmDbFeatureManager::blockId() const {
+  assertReadEnabled();
+  return vdmu::getOwningBlock(objectId());
+}
+
+// ---- Making features
+
+OdDbObjectId VdmDbFeatureManager::createFeatureData(OdRxClass* cls, const OdString& name,
+                                                    bool numberGiven, bool trim) {
+  if (cls == nullptr || database() == nullptr) return OdDbObjectId::kNull;
+  const VdmDbFeatureDataPtr carrier =
+      VdmDbFeatureData::create(cls, finalName(cls, name, numberGiven, trim));
+  if (carrier.isNull()) return OdDbObjectId::kNull;
+  assertWriteEnabled(/*autoUndo=*/false);
+  m_namingService->registerName(carrier->adapter()->name());
+  const OdDbObjectId id = database()->addOdDbObject(carrier, objectId());
+  appendFeature(id);
+  return id;
+}
+
+OdString VdmDbFeatureManager::finalName(OdRxClass* cls, const OdString& name, bool numberGiven,
+                                        bool trim) {
+  const OdSmartPtr<VdmDbNamingPolicyPE> policy = VdmDbNamingPolicyPE::cast(this);
+  return policy.isNull() ? name : policy->generateFeatureName(this, cls, name, numberGiven, trim);
+}
+
+// ---- Changes of the list, and their undo
+
+OdDbDwgFiler* VdmDbFeatureManager::recordList() {
+  assertWriteEnabled(/*autoUndo=*/false);
+  OdDbDwgFiler* filer = beginPartialUndo(desc());
+  if (filer != nullptr) filer->wrUInt8(kUndoFeatures);
+  return filer;
+}
+
+void VdmDbFeatureManager::appendFeature(const OdDbObjectId& feature) {
+  OdDbDwgFiler* undo = recordList();
+  m_impl->features.append({feature}, undo);
+}
+
+void VdmDbFeatureManager::removeFeature(OdDbObjectId feature) {
+  assertWriteEnabled(/*autoUndo=*/false);
+  takeOut({feature});
+}
+
+void VdmDbFeatureManager::takeOut(const OdDbObjectIdArray& features) {
+  const OdArray<OdUInt32> positions = m_impl->features.positionsOf(features);
+  if (!positions.isEmpty()) m_impl->features.takeOut(positions, recordList());
+}
+
+void VdmDbFeatureManager::recordNeedEvaluate() {
+  OdDbDwgFiler* filer = beginPartialUndo(desc());
+  if (filer == nullptr) return;
+  filer->wrUInt8(kUndoNeedEvaluate);
+  m_impl->properties().dwgOutProperty(filer, kVdmNeedEvaluate);
+}
+
+void VdmDbFeatureManager::applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) {
+  if (cls != desc()) return OdDbObject::applyPartialUndo(filer, cls);
+  if (filer->rdUInt8() == kUndoFeatures) {
+    m_namingService->invalidateCache();
+    m_impl->features.applyUndo(filer, recordList());
+    return;
+  }
+  recordNeedEvaluate();
+  const OdResult result = m_impl->properties().dwgInProperty(filer, kVdmNeedEvaluate);
+  if (result != eOk) throw OdError(result, "undo of property \"" + kVdmNeedEvaluate + "\"");
+}
+
+// ---- Finding features
+
+class VdmDbFeatureManager::FeatureSource final : public VdmDbIteratorBase::DataSource {
+ public:
+  explicit FeatureSource(const VdmDbFeatureManager* manager)
+      : m_manager(manager), m_features(&manager->implForRead().features.ids()) {}
+
+  OdUInt32 size() const override { return m_features->size(); }
+  OdDbObjectId at(OdUInt32 index) const override { return (*m_features)[index]; }
+  std::unique_ptr<DataSource> clone() const override {
+    return std::make_unique<FeatureSource>(m_manager);
+  }
+
+ private:
+  VdmDbFeatureManagerPtr m_manager;
+  const OdDbObjectIdArray* m_features;
+};
+
+VdmDbIterator<VdmFeature> VdmDbFeatureManager::newFeatureIterator() const {
+  return VdmDbIterator<VdmFeature>(std::make_unique<FeatureSource>(this));
+}
+
+const OdDbObjectIdArray& VdmDbFeatureManager::featureIds() const {
+  return implForRead().features.ids();
+}
+
+OdDbObjectIdArray VdmDbFeatureManager::getFeatures(
+    std::initializer_list<OdRxClass*> classes) const {
+  OdDbObjectIdArray found;
+  const auto isWanted = [&classes](const OdRxClass* cls) {
+    return std::any_of(classes.begin(), classes.end(),
+                       [cls](const OdRxClass* wanted) { return cls->isDerivedFrom(wanted); });
+  };
+  // Drawn and queried for each picture: records and objects are read where they lie.
+  const OdRxClass* lastClass = nullptr;
+  bool lastAnswer = false;
+  for (const OdDbObjectId& id : featureIds()) {
+    const OdDbIdRecord* idRecord = id.idRecord();
+    if (classes.size() == 0 || idRecord == nullptr || idRecord->object == nullptr) continue;
+    if (idRecord->has(OdDbIdRecord::kErased)) continue;
+    if (idRecord->object->isA() != VdmDbFeatureData::desc()) continue;
+    const OdRxClass* cls = static_cast<const VdmDbFeatureData*>(idRecord->object)->adapterClass();
+    if (cls == nullptr) continue;
+    if (cls != lastClass) {
+      lastClass = cls;
+      lastAnswer = isWanted(cls);
+    }
+    if (lastAnswer) found.append(id);
+  }
+  return found;
+}
+
+// ---- Status
+
+OdResult VdmDbFeatureManager::updateFeaturesStatus(VdmFeature::Status status) {
+  for (VdmDbIterator<VdmFeature> it = newFeatureIterator(); !it.done(); it.next()) {
+    if (it.object()->getStatus() == VdmFeature::StatusNotifyEntities) continue;
+    const VdmFeaturePtr feature = it.object(OdDb::kForWrite);
+    const OdResult result = feature->setStatus(status);
+    if (result != eOk) return result;
+  }
+  return eOk;
+}
+
+void VdmDbFeatureManager::needEvaluate(bool flag) {
+  assertWriteEnabled(/*autoUndo=*/false);
+  VdmProperties& bag = m_impl->properties();
+  if (flag ? isNeedEvaluate() : !bag.hasProperty(kVdmNeedEvaluate)) return;
+  recordNeedEvaluate();
+  bag.removeProperty(kVdmNeedEvaluate);  // also one of another type
+  if (flag) bag.setProperty(kVdmNeedEvaluate, true);
+}
+
+bool VdmDbFeatureManager::isNeedEvaluate() const {
+  bool needed = false;
+  return implForRead().properties().getProperty(kVdmNeedEvaluate, needed) && needed;
+}
+
+void VdmDbFeatureManager::evaluate() {
+  assertWriteEnabled(/*autoUndo=*/false);
+  for (VdmDbIterator<VdmFeature> it = newFeatureIterator(); !it.done(); it.next()) {
+    if (it.object()->isNeedEvaluate()) it.object(OdDb::kForWrite)->evaluate();
+  }
+  needEvaluate(false);
+}
+
+// ---- Names
+
+bool VdmDbFeatureManager::onFeatureErased(const OdDbObjectId& /*feature*/) {
+  m_namingService->invalidateCache();
+  return true;
+}
+
+bool VdmDbFeatureManager::onFeatureRenamed(const OdDbObjectId& /*feature*/, const OdString& name) {
+  if (m_namingService->checkInvalidateCacheNeed(name)) m_namingService->invalidateCache();
+  return true;
+}
+
+// ---- Contexts
+
+OdDbObjectId VdmDbFeatureManager::sheetMetalContext() const {
+  return implForRead().sheetMetalContext;
+}
+
+void VdmDbFeatureManager::setSheetMetalContext(const OdDbObjectId& context) {
+  assertWriteEnabled();
+  m_impl->sheetMetalContext = context;
+  const OdDbObjectPtr object = context.openObject(OdDb::kForWrite);
+  if (!object.isNull()) object->setOwnerId(objectId());
+}
+
+OdResult VdmDbFeatureManager::deleteSheetMetalContext() {
+  assertWriteEnabled();
+  const OdDbObjectPtr context = m_impl->sheetMetalContext.openObject(OdDb::kForWrite);
+  if (context.isNull()) return eWrongObjectType;
+  const OdResult result = context->erase();
+  if (result == eOk) m_impl->sheetMetalContext.setNull();
+  return result;
+}
+
+OdDbObjectId VdmDbFeatureManager::colorPolicy() const { return implForRead().colorPolicy; }
+
+void VdmDbFeatureManager::setColorPolicy(const OdDbObjectId& policy) {
+  assertWriteEnabled();
+  m_impl->colorPolicy = policy;
+}
+
+// ---- Audit
+
+namespace {
+
+// Removes the reactors that have lost what they exist for. True when the feature cannot be without
+// one of them.
+bool dropLostReactors(const OdDbObjectId& featureId, VdmFeature& feature,
+                      const std::function<void(VdmFeature&, const OdDbObjectId&)>& remove) {
+  bool broken = false;
+  const OdDbObjectIdArray reactors = feature.reactors();
+  for (const OdDbObjectId& id : reactors) {
+    const VdmDbFeatureReactorPtr reactor = VdmDbFeatureReactor::cast(id.openObject());
+    if (reactor.isNull() || reactor->doAudit()) continue;
+    if (const VdmDbPersIdReactorPtr persIds = VdmDbPersIdReactor::cast(reactor.get());
+        !persIds.isNull()) {
+      broken |= feature.isRequiredDependency(static_cast<int>(persIds->mask()), persIds->tag());
+    }
+    const VdmFeaturePtr writable = VdmFeature::open(featureId, OdDb::kForWrite);
+    if (!writable.isNull()) remove(*writable, id);
+    const OdDbObjectPtr object = id.openObject(OdDb::kForWrite);
+    if (!object.isNull()) object->erase();
+  }
+  return broken;
+}
+
+void eraseAll(const OdDbObjectIdArray& ids) {
+  for (const OdDbObjectId& id : ids) {
+    const OdDbObjectPtr object = id.openObject(OdDb::kForWrite);
+    if (!object.isNull()) object->erase();
+  }
+}
+
+}  // namespace
+
+void VdmDbFeatureManager::doAudit() {
+  OdDbObjectIdArray ids;
+  for (VdmDbIterator<VdmFeature> it = newFeatureIterator(); !it.done(); it.next()) {
+    ids.append(it.objectId());
+  }
+  OdDbObjectIdArray broken;
+  const auto removeReactor = [](VdmFeature& feature, const OdDbObjectId& reactor) {
+    feature.removeReactor(reactor, /*eraseReactor=*/false);
+  };
+  for (const OdDbObjectId& id : ids) {
+    const VdmFeaturePtr feature = VdmFeature::open(id);
+    if (feature.isNull()) continue;
+    const bool lost = dropLostReactors(id, *feature, removeReactor);
+    if (!lost && !feature->reactorIds().isEmpty()) continue;
+    eraseAll(feature->reactors());
+    broken.append(id);
+  }
+  assertWriteEnabled(/*autoUndo=*/false);
+  takeOut(broken);
+  eraseAll(broken);
+}
+
+// ---- Filing: the base's part, then the bag
+
+OdResult VdmDbFeatureManager::dwgInFields(OdDbDwgFiler* filer) {
+  assertWriteEnabled();
+  m_namingService->invalidateCache();
+  const OdResult result = OdDbObject::dwgInFields(filer);
+  return result == eOk ? m_impl->dwgInFields(filer) : result;
+}
+
+void VdmDbFeatureManager::dwgOutFields(OdDbDwgFiler* filer) const {
+  assertReadEnabled();
+  OdDbObject::dwgOutFields(filer);
+  m_impl->dwgOutFields(filer);
+}

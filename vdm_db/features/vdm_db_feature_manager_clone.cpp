@@ -1,0 +1,228 @@
+// Which features go with a clone, their variables, and the merging of managers.
+#include <algorithm>
+#include <iterator>
+
+#include "platform/base/error.h"
+#include "vdm_db/cloning/vdm_id_mappings.h"
+#include "vdm_db/features/vdm_db_feature_data.h"
+#include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/features/vdm_db_feature_manager_impl.h"
+#include "vdm_db/features/vdm_feature_reactor_walk.h"
+#include "vdm_db/features/vdm_naming_service.h"
+#include "vdm_db/features/vdm_update_feature_interface.h"
+#include "vdm_db/references/vdm_db_object.h"
+#include "vdm_db/references/vdm_db_object_dependency.h"
+#include "vdm_db/sheet_metal/vdm_sheet_metal_source.h"
+
+namespace {
+
+// Contexts in which variables that depend on features count, too.
+constexpr OdDb::DeepCloneType kAllVariablesContexts[] = {
+    OdDb::kDcExplode, OdDb::kDcXrefBind, OdDb::kDcInsert, OdDb::kDcXrefInsert, OdDb::kDcInsertCopy};
+
+bool takesAllVariables(const OdDbIdMapping& mapping) {
+  return std::find(std::begin(kAllVariablesContexts), std::end(kAllVariablesContexts),
+                   mapping.deepCloneContext()) != std::end(kAllVariablesContexts);
+}
+
+template <class Predicate>
+bool anyOf(const OdDbObjectIdArray& ids, const Predicate& holds) {
+  return std::any_of(ids.begin(), ids.end(), holds);
+}
+
+bool haveValidIds(const VdmUpdateFeatureInterface::OpeningFaces& faces) {
+  return faces.insertId().isValid() && faces.solidId().isValid();
+}
+
+}  // namespace
+
+// ---- The clone filter
+
+namespace {
+
+// The entities that the feature depends on, or what depends on it, are known to `isMapped`.
+template <class IsMapped>
+bool dependsOnMapped(const OdDbObjectIdArray& dependencies, const OdDbObjectIdArray& variables,
+                     const IsMapped& isMapped) {
+  return anyOf(vdmEntitiesOf(dependencies), isMapped) || anyOf(variables, isMapped);
+}
+
+}  // namespace
+
+OdDbObjectIdArray VdmDbFeatureManager::featuresToClone(const OdDbIdMapping& mapping) const {
+  const OdDbObjectIdArray& all = featureIds();
+  if (mapping.deepCloneContext() == OdDb::kDcInsertCopy) return all;
+  const auto isMapped = [&mapping](const OdDbObjectId& id) {
+    OdDbIdPair pair(id);
+    return !id.isNull() && mapping.compute(pair);
+  };
+  const auto isTaken = [&](const VdmFeature& feature) {
+    if (feature.mustBeCloned(mapping)) return true;
+    if (!feature.canBeCloned(mapping)) return false;
+    if (dependsOnMapped(feature.getDependencies(-1, /*filtered=*/false),
+                        feature.getDependentVariables(), isMapped)) {
+      return true;
+    }
+    const VdmUpdateFeatureInterfacePtr active = VdmUpdateFeatureInterface::activeOf(&feature);
+    return !active.isNull() && haveValidIds(active->openingFaces()) &&
+           anyOf(active->ownObjectIds(), isMapped);
+  };
+  OdDbObjectIdArray taken;
+  for (const OdDbObjectId& id : all) {
+    const VdmFeaturePtr feature = VdmFeature::open(id);
+    if (!feature.isNull() && isTaken(*feature)) taken.append(id);
+  }
+  return taken;
+}
+
+// While the list is the filtered one, the manager files those features only.
+template <class Clone>
+OdDbObjectPtr VdmDbFeatureManager::cloneWithFeatures(const OdDbIdMapping& mapping,
+                                                     const Clone& clone) const {
+  class Exchange {
+   public:
+    Exchange(VdmIndexedIds& features, const OdDbObjectIdArray& taken)
+        : m_features(features), m_all(features.ids()) {
+      m_features.array() = taken;
+      m_features.replaced();
+    }
+    ~Exchange() {
+      m_features.array() = m_all;
+      m_features.replaced();
+    }
+    Exchange(const Exchange&) = delete;
+    Exchange& operator=(const Exchange&) = delete;
+
+   private:
+    VdmIndexedIds& m_features;
+    const OdDbObjectIdArray m_all;
+  };
+  const OdDbObjectIdArray taken = featuresToClone(mapping);
+  const Exchange exchange(m_impl->features, taken);
+  return clone();
+}
+
+OdDbObjectPtr VdmDbFeatureManager::subDeepClone(OdDbIdMapping& mapping, OdDbObject* owner,
+                                                bool isPrimary) const {
+  return cloneWithFeatures(mapping,
+                           [&] { return OdDbObject::subDeepClone(mapping, owner, isPrimary); });
+}
+
+OdDbObjectPtr VdmDbFeatureManager::subWblockClone(OdDbIdMapping& mapping, OdDbObject* owner,
+                                                  bool isPrimary) const {
+  return cloneWithFeatures(mapping,
+                           [&] { return OdDbObject::subWblockClone(mapping, owner, isPrimary); });
+}
+
+// ---- Variables
+
+OdDbObjectIdArray VdmDbFeatureManager::getVariables(bool withSheetMetal,
+                                                    OdDbIdMapping* mapping) const {
+  const OdDbObjectIdArray features = mapping == nullptr ? featureIds() : featuresToClone(*mapping);
+  const bool all = mapping != nullptr && takesAllVariables(*mapping);
+  OdDbObjectIdArray variables;
+  for (const OdDbObjectId& id : features) {
+    const VdmFeaturePtr feature = VdmFeature::open(id);
+    if (feature.isNull()) continue;
+    variables.append(all ? feature->getAllVariables() : feature->getVariables());
+  }
+  if (withSheetMetal) variables.append(vdmu::sheetMetalVariables(sheetMetalContext()));
+  return variables;
+}
+
+// ---- Merging
+
+namespace {
+
+// Whether a feature of the source belongs to what was cloned. The model object of the insert that
+// decides is noted.
+bool belongsToClones(const VdmFeature& feature, const OdDbObjectIdArray& dependencies,
+                     const VdmDbReverseIdMapping& reverse,
+                     std::unordered_set<OdDbObjectId>& mergedObjects) {
+  const auto isClone = [&reverse](const OdDbObjectId& id) {
+    OdDbIdPair pair;
+    return !id.isNull() && reverse.compute(id, pair);
+  };
+  const VdmUpdateFeatureInterfacePtr active = VdmUpdateFeatureInterface::activeOf(&feature);
+  if (!active.isNull()) {
+    const VdmUpdateFeatureInterface::OpeningFaces faces = active->openingFaces();
+    if (haveValidIds(faces) && isClone(faces.insertId())) {
+      const VdmDbObjectPtr insert = VdmDbObject::openVdmDbObject(faces.insertId());
+      if (!insert.isNull()) mergedObjects.insert(insert->objectId());
+      return true;
+    }
+  }
+  return dependsOnMapped(dependencies, feature.getDependentVariables(), isClone);
+}
+
+OdDbObjectId firstOrNull(const OdDbObjectIdArray& ids) {
+  return ids.isEmpty() ? OdDbObjectId::kNull : ids.first();
+}
+
+void eraseObject(const OdDbObjectId& id) {
+  const OdDbObjectPtr object = id.openObject(OdDb::kForWrite);
+  if (!object.isNull()) object->erase();
+}
+
+}  // namespace
+
+void VdmDbFeatureManager::mergeManagers(VdmDbFeatureManager* source, OdDbIdMapping& /*mapping*/,
+                                        VdmDbReverseIdMapping& reverse,
+                                        std::unordered_set<OdDbObjectId>& mergedObjects,
+                                        bool keepAll,
+                                        std::map<OdDbObjectId, OdDbObjectId>& replaced) {
+  if (source == nullptr) throw OdError(eNullPointer, "merging of feature managers");
+  if (source == this) return;
+  assertWriteEnabled();
+  source->assertWriteEnabled();
+  if (adoptContext(*source)) adoptFeatures(*source, reverse, mergedObjects, keepAll);
+  leaveMerged(*source, replaced);
+}
+
+// False when the two blocks are of different sheet metal.
+bool VdmDbFeatureManager::adoptContext(const VdmDbFeatureManager& source) {
+  const OdDbObjectId theirs = source.sheetMetalContext();
+  if (theirs.isNull()) return true;
+  if (!sheetMetalContext().isNull()) return vdmu::isSameSheetMetal(sheetMetalContext(), theirs);
+  setSheetMetalContext(theirs);
+  return true;
+}
+
+void VdmDbFeatureManager::adoptFeatures(const VdmDbFeatureManager& source,
+                                        const VdmDbReverseIdMapping& reverse,
+                                        std::unordered_set<OdDbObjectId>& mergedObjects,
+                                        bool keepAll) {
+  for (VdmDbIterator<VdmFeature> it = source.newFeatureIterator(); !it.done(); it.next()) {
+    const VdmFeaturePtr feature = it.object(OdDb::kForWrite);
+    const bool belongs = belongsToClones(*feature, feature->getDependencies(-1, /*filtered=*/false),
+                                         reverse, mergedObjects);
+    if (!belongs && !keepAll) continue;
+    feature->getDbObject()->setOwnerId(objectId());
+    feature->setName(finalName(feature->isA(), feature->name(), /*numberGiven=*/false,
+                               /*trim=*/false));
+    appendFeature(it.objectId());
+  }
+}
+
+// Features that stay behind go with their manager.
+void VdmDbFeatureManager::leaveMerged(VdmDbFeatureManager& source,
+                                      std::map<OdDbObjectId, OdDbObjectId>& replaced) {
+  replaced[source.objectId()] = objectId();
+  const OdDbObjectId theirs = source.sheetMetalContext();
+  if (!theirs.isNull() && theirs != sheetMetalContext()) {
+    replaced[theirs] = sheetMetalContext();
+    const OdDbObjectId variable = firstOrNull(vdmu::sheetMetalVariables(theirs));
+    if (!variable.isNull()) {
+      replaced[variable] = firstOrNull(vdmu::sheetMetalVariables(sheetMetalContext()));
+    }
+    eraseObject(theirs);
+  }
+  const OdDbObjectIdArray features = source.featureIds();
+  for (const OdDbObjectId& id : features) {
+    if (id.ownerId() == source.objectId()) eraseObject(id);
+  }
+  source.m_impl->sheetMetalContext.setNull();
+  source.m_impl->features.array().clear();
+  source.m_impl->features.replaced();
+  source.erase();
+}

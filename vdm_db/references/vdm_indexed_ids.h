@@ -1,0 +1,67 @@
+// VdmIndexedIds: a list of ids with hashed look-up and undo records of its changes.
+#pragma once
+
+#include <unordered_set>
+
+#include "platform/base/array.h"
+#include "platform/filer/object_id.h"
+#include "vdm_db/vdm_db_export.h"
+
+class OdDbDwgFiler;
+
+/// The list behind a mapped or filed array of ids. Each id stands in it once when it is changed
+/// through the operations below. The look-up table is made when it is first needed and kept until
+/// the array is replaced.
+///
+/// An undo record holds what an edit changes: positions, and ids where something was taken out. An
+/// owner files it behind a byte that names the list; the filer is null when nothing records.
+///
+///   kind       bool    false: take out at the positions; true: put in so that they stand there
+///   count      int32
+///   positions  int32 each, rising
+///   ids        soft pointer each, with true
+class VDM_DB_EXPORT VdmIndexedIds {
+ public:
+  [[nodiscard]] const OdDbObjectIdArray& ids() const { return m_ids; }
+  /// For mapping and reading; followed by replaced().
+  [[nodiscard]] OdDbObjectIdArray& array() { return m_ids; }
+  /// The array was filled from elsewhere: null ids go.
+  void replaced();
+
+  /// Of the array and the look-up table, in bytes.
+  [[nodiscard]] std::size_t approximateSize() const {
+    return m_ids.capacity() * sizeof(OdDbObjectId) + m_index.size() * (4 * sizeof(void*));
+  }
+  [[nodiscard]] bool isEmpty() const { return m_ids.isEmpty(); }
+  [[nodiscard]] bool contains(OdDbObjectId id) const;
+  /// Those of `ids` that are not listed, each once, without null ids.
+  [[nodiscard]] OdDbObjectIdArray notListed(const OdDbObjectIdArray& ids) const;
+  /// Rising positions of the listed ids for which `isWanted` is true.
+  template <class Predicate>
+  [[nodiscard]] OdArray<OdUInt32> positionsWhere(const Predicate& isWanted) const;
+  /// Rising positions of those of `ids` that are listed. One walk, however many there are.
+  [[nodiscard]] OdArray<OdUInt32> positionsOf(const OdDbObjectIdArray& ids) const;
+
+  /// `ids` come from notListed().
+  void append(const OdDbObjectIdArray& ids, OdDbDwgFiler* undo);
+  void takeOut(const OdArray<OdUInt32>& positions, OdDbDwgFiler* undo);
+  /// Takes back the recorded edit and records the opposite.
+  void applyUndo(OdDbDwgFiler* record, OdDbDwgFiler* inverse);
+
+ private:
+  void putIn(const OdArray<OdUInt32>& positions, const OdDbObjectIdArray& ids, OdDbDwgFiler* undo);
+  void makeIndex() const;
+
+  OdDbObjectIdArray m_ids;
+  mutable std::unordered_set<OdDbObjectId> m_index;
+  mutable bool m_isIndexed = false;
+};
+
+template <class Predicate>
+OdArray<OdUInt32> VdmIndexedIds::positionsWhere(const Predicate& isWanted) const {
+  OdArray<OdUInt32> positions;
+  for (OdUInt32 i = 0; i < m_ids.size(); ++i) {
+    if (isWanted(m_ids[i])) positions.append(i);
+  }
+  return positions;
+}
