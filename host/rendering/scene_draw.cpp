@@ -1,0 +1,363 @@
+// Draws a block into a scene: the drawing context behind the pictures.
+#include <map>
+#include <optional>
+#include <tuple>
+#include <utility>
+
+#include "host/rendering/scene.h"
+#include "platform/base/error.h"
+#include "platform/db/block_reference.h"
+#include "platform/db/block_table_record.h"
+#include "platform/db/database.h"
+#include "platform/db/display_attributes.h"
+#include "platform/db/material.h"
+#include "platform/gi/world_draw.h"
+
+namespace rendering {
+
+namespace {
+
+constexpr OdGsMarker kMarkersPerPart = 4;
+constexpr OdGsMarker kEdgeRest = 2;  // edge i has the marker 4 i + 2
+
+bool isEdgeMarker(OdGsMarker marker) {
+  return marker > kMarkersPerPart && marker % kMarkersPerPart == kEdgeRest;
+}
+
+std::string handleText(const OdDbObjectId& id) {
+  return static_cast<const char*>(id.getHandle().ascii());
+}
+
+// Index 7 is whatever stands out from the background.
+constexpr OdUInt16 kForeground = 7;
+constexpr RenderColor kPlainSurface{186, 196, 208};
+constexpr RenderColor kPlainLine{30, 32, 36};
+
+RenderColor toColor(const OdCmEntityColor& color, const RenderColor& plain) {
+  if (!color.isByColor() && (!color.isByACI() || color.colorIndex() == kForeground)) return plain;
+  const OdCmEntityColor value = color.toRGB();
+  return {value.red(), value.green(), value.blue()};
+}
+
+SurfaceLook lookOf(const OdDbDisplayAttributes& attributes) {
+  SurfaceLook look{toColor(attributes.color, kPlainSurface)};
+  const OdDbMaterialPtr material = OdDbMaterial::cast(attributes.material.openObject());
+  if (material.isNull()) return look;
+  if (!material->diffuse().isByLayer()) look.color = toColor(material->diffuse(), kPlainSurface);
+  look.opacity = material->opacity();
+  look.shininess = material->shininess();
+  return look;
+}
+
+/// Plain values of traits.
+class SceneTraits : public OdGiSubEntityTraits {
+ public:
+  struct Values {
+    OdCmEntityColor color;
+    OdDbObjectId layer;
+    OdDbObjectId lineType;
+    OdDbObjectId material;
+    OdInt16 lineWeight = -1;
+    OdGiFillType fill = OdGiFillType::kFillAlways;
+    OdGsMarker marker = 0;
+  };
+
+  void setTrueColor(const OdCmEntityColor& color) override { m_values.color = color; }
+  void setLayer(const OdDbObjectId& layer) override { m_values.layer = layer; }
+  void setLineType(const OdDbObjectId& lineType) override { m_values.lineType = lineType; }
+  void setLineWeight(OdInt16 weight) override { m_values.lineWeight = weight; }
+  void setMaterial(const OdDbObjectId& material) override { m_values.material = material; }
+  void setFillType(OdGiFillType type) override { m_values.fill = type; }
+  void setSelectionMarker(OdGsMarker marker) override { m_values.marker = marker; }
+  OdCmEntityColor trueColor() const override { return m_values.color; }
+  OdDbObjectId layer() const override { return m_values.layer; }
+  OdDbObjectId lineType() const override { return m_values.lineType; }
+  OdInt16 lineWeight() const override { return m_values.lineWeight; }
+  OdDbObjectId material() const override { return m_values.material; }
+  OdGiFillType fillType() const override { return m_values.fill; }
+  OdGsMarker selectionMarker() const override { return m_values.marker; }
+
+  [[nodiscard]] const Values& values() const { return m_values; }
+  void setValues(const Values& values) { m_values = values; }
+
+ private:
+  Values m_values;
+};
+
+/// Collects the primitives of one entity at a time. An entity that was drawn before with the same
+/// settled look is not drawn again: its shape gets another occurrence.
+class SceneDraw : public OdGiWorldDraw, public OdGiWorldGeometry, public OdGiContext {
+ public:
+  SceneDraw(OdDbDatabase& database, double deviation)
+      : m_database(database), m_deviation(deviation) {}
+
+  Scene take() { return std::move(m_scene); }
+
+  OdGiContext* context() const override { return const_cast<SceneDraw*>(this); }
+  OdGiRegenType regenType() const override { return kOdGiStandardDisplay; }
+  OdGiWorldGeometry& geometry() const override { return const_cast<SceneDraw&>(*this); }
+  OdGiSubEntityTraits& subEntityTraits() const override { return m_traits; }
+  double deviation() const override { return m_deviation; }
+  OdRxObject* database() const override { return &m_database; }
+
+  void pushModelTransform(const OdGeMatrix3d& toOuter) override {
+    m_transforms.push_back(m_transforms.back() * toOuter);
+  }
+  void popModelTransform() override {
+    if (m_transforms.size() == 1) throw OdError(eInvalidInput, OdString("no transform was pushed"));
+    m_transforms.pop_back();
+  }
+  OdGeMatrix3d getModelToWorldTransform() const override { return m_transforms.back(); }
+
+  void polyline(std::span<const OdGePoint3d> points) override;
+  void polygon(std::span<const OdGePoint3d> points) override;
+  void shell(const OdGiShell& shell) override;
+  void draw(const OdGiDrawable* drawable) override;
+
+ private:
+  using ShapeKey = std::tuple<OdDbObjectId, RenderColor, OdDbObjectId, OdDbObjectId>;
+
+  void drawWithAttributes(const OdGiDrawable& drawable);
+  void drawReference(const OdDbBlockReference& reference, const OdDbDisplayAttributes& look);
+  void drawEntity(const OdDbObject* object, const OdGiDrawable& drawable,
+                  const OdDbDisplayAttributes& look);
+  void addInstance(std::size_t shape, const OdDbObject* object);
+  [[nodiscard]] OdDbDisplayAttributes settled() const;
+  [[nodiscard]] OdGeMatrix3d toShape() const;
+  Surface& surfaceFor(const SurfaceLook& look);
+  void addTriangles(const OdGiShell& shell, std::size_t first, std::size_t last,
+                    const SurfaceLook& look, OdGsMarker marker);
+  void warn(const OdGiDrawable& drawable, const std::string& what);
+
+  OdDbDatabase& m_database;
+  double m_deviation;
+  mutable OdStaticRxObject<SceneTraits> m_traits;
+  std::vector<OdGeMatrix3d> m_transforms{OdGeMatrix3d()};
+  std::vector<OdDbDisplayAttributes> m_blocks;  // of the references around, settled
+  std::string m_path;                           // their handles, each with a slash
+  Scene m_scene;
+  std::map<ShapeKey, std::size_t> m_known;
+  Shape m_shape;                 // being drawn
+  std::size_t m_shapeLevel = 1;  // transforms on the stack when it began
+};
+
+OdDbDisplayAttributes SceneDraw::settled() const {
+  return oddbSettleDisplay(m_traits, m_blocks.empty() ? nullptr : &m_blocks.back());
+}
+
+OdGeMatrix3d SceneDraw::toShape() const {
+  if (m_transforms.size() == m_shapeLevel) return {};
+  return m_transforms[m_shapeLevel - 1].inverse() * m_transforms.back();
+}
+
+void SceneDraw::warn(const OdGiDrawable& drawable, const std::string& what) {
+  const auto* object = dynamic_cast<const OdDbObject*>(&drawable);
+  const std::string name = object ? m_path + handleText(object->objectId()) : "a drawable";
+  m_scene.warnings.push_back("object " + name + ": " + what);
+}
+
+void SceneDraw::draw(const OdGiDrawable* drawable) {
+  if (!drawable) return;
+  const SceneTraits::Values outer = m_traits.values();
+  const std::size_t transforms = m_transforms.size();
+  m_traits.setValues({});
+  try {
+    drawWithAttributes(*drawable);
+  } catch (const OdError& error) {
+    m_transforms.resize(transforms);
+    warn(*drawable, static_cast<const char*>(error.description()));
+  }
+  m_traits.setValues(outer);
+}
+
+void SceneDraw::drawWithAttributes(const OdGiDrawable& drawable) {
+  if (!drawable.setAttributes(&m_traits)) return;
+  const OdDbDisplayAttributes look = settled();
+  if (!look.visible) return;
+  if (const auto* reference = dynamic_cast<const OdDbBlockReference*>(&drawable)) {
+    return drawReference(*reference, look);
+  }
+  drawEntity(dynamic_cast<const OdDbObject*>(&drawable), drawable, look);
+}
+
+void SceneDraw::drawReference(const OdDbBlockReference& reference,
+                              const OdDbDisplayAttributes& look) {
+  const std::size_t length = m_path.size();
+  m_path += handleText(reference.objectId()) + "/";
+  m_blocks.push_back(look);
+  bool complete = false;
+  try {
+    complete = reference.worldDraw(this);
+  } catch (...) {
+    m_blocks.pop_back();
+    m_path.resize(length);
+    throw;
+  }
+  m_blocks.pop_back();
+  m_path.resize(length);
+  if (!complete) warn(reference, "its block could not be drawn whole");
+}
+
+void SceneDraw::drawEntity(const OdDbObject* object, const OdGiDrawable& drawable,
+                           const OdDbDisplayAttributes& look) {
+  const OdDbObjectId id = object ? object->objectId() : OdDbObjectId();
+  const ShapeKey key{id, toColor(look.color, kPlainSurface), look.layer, look.material};
+  if (const auto known = m_known.find(key); known != m_known.end() && !id.isNull()) {
+    return addInstance(known->second, object);
+  }
+  m_shape = {};
+  m_shapeLevel = m_transforms.size();
+  const bool complete = drawable.worldDraw(this);
+  if (!complete) warn(drawable, "could not be drawn whole");
+  if (m_shape.isEmpty()) return;
+  m_shape.name = id.isNull() ? std::string("drawable") : handleText(id);
+  m_scene.shapes.push_back(std::move(m_shape));
+  m_known.insert_or_assign(key, m_scene.shapes.size() - 1);
+  addInstance(m_scene.shapes.size() - 1, object);
+}
+
+void SceneDraw::addInstance(std::size_t shape, const OdDbObject* object) {
+  const std::string name = object ? handleText(object->objectId()) : m_scene.shapes[shape].name;
+  m_scene.instances.push_back({shape, m_transforms.back(), m_path + name});
+}
+
+Surface& SceneDraw::surfaceFor(const SurfaceLook& look) {
+  for (Surface& surface : m_shape.surfaces) {
+    if (surface.look == look) return surface;
+  }
+  m_shape.surfaces.push_back({look, {}, {}, {}, {}});
+  return m_shape.surfaces.back();
+}
+
+void SceneDraw::polyline(std::span<const OdGePoint3d> points) {
+  if (points.size() < 2) {
+    throw OdError(eInvalidInput, OdString("a polyline of " + std::to_string(points.size()) +
+                                          " points, the least is 2"));
+  }
+  const OdGeMatrix3d matrix = toShape();
+  Line line{{}, toColor(settled().color, kPlainLine), isEdgeMarker(m_traits.selectionMarker())};
+  line.points.reserve(points.size());
+  for (const OdGePoint3d& point : points) line.points.push_back(matrix * point);
+  m_shape.lines.push_back(std::move(line));
+}
+
+// Filled as a fan, which suits convex outlines; others keep their outline alone.
+void SceneDraw::polygon(std::span<const OdGePoint3d> points) {
+  if (points.size() < 3) {
+    throw OdError(eInvalidInput, OdString("a polygon of " + std::to_string(points.size()) +
+                                          " points, the least is 3"));
+  }
+  std::vector<OdGePoint3d> outline(points.begin(), points.end());
+  outline.push_back(outline.front());
+  polyline(outline);
+  if (m_traits.fillType() == OdGiFillType::kFillNever) return;
+  OdGeVector3d normal;
+  for (std::size_t i = 1; i + 1 < points.size(); ++i) {
+    normal += (points[i] - points[0]).crossProduct(points[i + 1] - points[0]);
+  }
+  std::vector<std::array<OdUInt32, 3>> triangles;
+  for (std::size_t i = 1; i + 1 < points.size(); ++i) {
+    const OdGeVector3d turn = (points[i] - points[0]).crossProduct(points[i + 1] - points[0]);
+    if (turn.dotProduct(normal) < 0.0) return;
+    triangles.push_back({0, static_cast<OdUInt32>(i), static_cast<OdUInt32>(i + 1)});
+  }
+  shell({points, {}, triangles, {}});
+}
+
+void checkShell(const OdGiShell& shell) {
+  const auto fits = [](std::size_t size, std::size_t wanted) {
+    return size == 0 || size == wanted;
+  };
+  const bool sizesFit = fits(shell.normals.size(), shell.points.size()) &&
+                        fits(shell.faces.colors.size(), shell.triangles.size()) &&
+                        fits(shell.faces.markers.size(), shell.triangles.size());
+  if (!sizesFit) throw OdError(eInvalidInput, OdString("the arrays of a shell do not fit"));
+  for (const auto& triangle : shell.triangles) {
+    for (const OdUInt32 corner : triangle) {
+      if (corner >= shell.points.size()) {
+        throw OdError_InvalidIndex(corner, static_cast<OdInt64>(shell.points.size()));
+      }
+    }
+  }
+}
+
+void SceneDraw::shell(const OdGiShell& shell) {
+  checkShell(shell);
+  const OdCmEntityColor color = m_traits.trueColor();
+  const OdGsMarker marker = m_traits.selectionMarker();
+  if (shell.faces.colors.empty() && shell.faces.markers.empty()) {
+    return addTriangles(shell, 0, shell.triangles.size(), lookOf(settled()), marker);
+  }
+  for (std::size_t i = 0; i < shell.triangles.size(); ++i) {
+    if (!shell.faces.colors.empty()) m_traits.setTrueColor(shell.faces.colors[i]);
+    addTriangles(shell, i, i + 1, lookOf(settled()),
+                 shell.faces.markers.empty() ? marker : shell.faces.markers[i]);
+  }
+  m_traits.setTrueColor(color);
+}
+
+// A corner without a normal of its own takes that of its triangle; then corners are not shared.
+void SceneDraw::addTriangles(const OdGiShell& shell, std::size_t first, std::size_t last,
+                             const SurfaceLook& look, OdGsMarker marker) {
+  constexpr std::uint32_t kNone = 0xFFFFFFFF;
+  const OdGeMatrix3d matrix = toShape();
+  const bool flips = matrix.det() < 0.0;
+  const OdGeMatrix3d normalMatrix = matrix.inverse().transpose();
+  Surface& surface = surfaceFor(look);
+  std::vector<std::uint32_t> placed(shell.points.size(), kNone);
+  for (std::size_t i = first; i < last; ++i) {
+    std::array<OdUInt32, 3> corners = shell.triangles[i];
+    if (flips) std::swap(corners[1], corners[2]);
+    const OdGeVector3d across =
+        (matrix * shell.points[corners[1]] - matrix * shell.points[corners[0]])
+            .crossProduct(matrix * shell.points[corners[2]] - matrix * shell.points[corners[0]]);
+    const double area = across.length();
+    if (!(area > 0.0)) continue;
+    std::array<std::uint32_t, 3> triangle{};
+    for (std::size_t k = 0; k < 3; ++k) {
+      std::uint32_t& at = placed[corners[k]];
+      if (at == kNone || shell.normals.empty()) {
+        OdGeVector3d normal = across / area;
+        if (!shell.normals.empty()) {
+          const OdGeVector3d own = normalMatrix * shell.normals[corners[k]];
+          if (own.length() > 0.0) normal = own / own.length();
+        }
+        at = static_cast<std::uint32_t>(surface.points.size());
+        surface.points.push_back(matrix * shell.points[corners[k]]);
+        surface.normals.push_back(normal);
+      }
+      triangle[k] = at;
+    }
+    surface.triangles.push_back(triangle);
+    surface.parts.push_back(static_cast<std::uint32_t>(marker / kMarkersPerPart));
+  }
+}
+
+}  // namespace
+
+OdGeExtents3d Scene::extents() const {
+  OdGeExtents3d box;
+  for (const Instance& instance : instances) {
+    const Shape& shape = shapes[instance.shape];
+    for (const Surface& surface : shape.surfaces) {
+      for (const OdGePoint3d& point : surface.points) box.addPoint(instance.toWorld * point);
+    }
+    for (const Line& line : shape.lines) {
+      for (const OdGePoint3d& point : line.points) box.addPoint(instance.toWorld * point);
+    }
+  }
+  return box;
+}
+
+Scene drawScene(OdDbDatabase& database, const OdDbObjectId& block, double deviation) {
+  const OdDbObjectId id = block.isNull() ? database.getModelSpaceId() : block;
+  const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::cast(id.safeOpenObject());
+  if (record.isNull()) {
+    throw OdError(eWrongObjectType, OdString("object ") + id.getHandle().ascii() + " as block");
+  }
+  OdStaticRxObject<SceneDraw> draw(database, deviation);
+  record->worldDraw(&draw);
+  return draw.take();
+}
+
+}  // namespace rendering

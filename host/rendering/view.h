@@ -1,0 +1,53 @@
+// A scene seen through a camera: what PNG and SVG pictures share.
+#pragma once
+
+#include <vector>
+
+#include "host/rendering/camera.h"
+#include "host/rendering/label_layout.h"
+#include "host/rendering/raster.h"
+#include "host/rendering/render.h"
+#include "host/rendering/scene.h"
+
+namespace rendering {
+
+inline constexpr RenderColor kEdgeColor{24, 26, 30};
+
+/// The camera is fitted to samples: `factor` of them on each side of a pixel.
+struct View {
+  Camera camera;
+  std::vector<PlacedLabel> labels;  ///< in samples, as is the text height
+  double textHeight = 0.0;
+  int factor = 1;
+
+  View(const Scene& scene, const RenderOptions& options, int samplesPerSide);
+
+  /// Depth by which a line may lie behind a surface and still be on it, drawing units.
+  [[nodiscard]] double lineBias() const;
+  /// Depth between surfaces from which on an outline parts them.
+  [[nodiscard]] double outlineGap() const;
+};
+
+/// The surfaces of the scene, shaded by two lights that turn with the camera.
+[[nodiscard]] Raster rasterise(const Scene& scene, const View& view, const RenderOptions& options,
+                               int lightLevels);
+
+/// Calls `draw(from, to, color)` for each piece of the scene's lines: those that stand for
+/// themselves, and edges where they are asked for.
+template <class Draw>
+void forEachLine(const Scene& scene, const View& view, bool withEdges, const Draw& draw) {
+  for (const Instance& instance : scene.instances) {
+    for (const Line& line : scene.shapes[instance.shape].lines) {
+      if (line.isEdge && !withEdges) continue;
+      const RenderColor color = line.isEdge ? kEdgeColor : line.color;
+      PicturePoint last = view.camera.project(instance.toWorld * line.points.front());
+      for (std::size_t i = 1; i < line.points.size(); ++i) {
+        const PicturePoint next = view.camera.project(instance.toWorld * line.points[i]);
+        draw(last, next, color);
+        last = next;
+      }
+    }
+  }
+}
+
+}  // namespace rendering
