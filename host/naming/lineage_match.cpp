@@ -1,0 +1,62 @@
+// Which subentities of a body are those of another one, by the history of what was done.
+#include "host/naming/lineage_match.h"
+
+#include "host/naming/body_match.h"
+
+namespace vdm_host {
+
+LineageMatcher::LineageMatcher(OdModelerBodyPtr before, OdModelerBodyPtr now,
+                               const BodyTrace& trace)
+    : m_before(std::move(before)),
+      m_now(std::move(now)),
+      m_trace(trace) {}
+
+SubentMatch LineageMatcher::match(OdModelerSubent subent) {
+  const FateList& fates = m_trace.of(subent.type);
+  const std::span<const OdUInt32> images = fates.images(subent.index);
+  if (images.empty()) return rebuilt(subent);
+  if (images.size() > 1) return {ReferenceGrade::kSplit, {images.begin(), images.end()}};
+  const ReferenceGrade grade =
+      fates.changed(subent.index) ? ReferenceGrade::kByLineage : ReferenceGrade::kExact;
+  return {grade, {images.front()}};
+}
+
+// New subentities that come from no old one: among them those that the modeller built anew.
+const LineageMatcher::Orphans& LineageMatcher::orphans(OdModelerSubentType type) {
+  Orphans& row = m_orphans[static_cast<std::size_t>(type) - 1];
+  if (row.grid) return row;
+  const OdUInt32 count = m_now->numSubents(type);
+  const std::vector<OdUInt32> sources = m_trace.of(type).sourceCounts(count);
+  for (OdUInt32 i = 1; i <= count; ++i) {
+    if (sources[i - 1] != 0) continue;
+    row.indices.push_back(i);
+    row.items.push_back(signatureOf(*m_now, {type, i}));
+  }
+  row.grid.emplace(row.items);
+  return row;
+}
+
+SubentMatch LineageMatcher::rebuilt(OdModelerSubent subent) {
+  if (!m_before->hasSubent(subent) || orphans(subent.type).items.empty()) return {};
+  return findNew(signatureOf(*m_before, subent).movedBy(m_trace.motion));
+}
+
+SubentMatch LineageMatcher::findNew(const SubentSignature& wanted) {
+  if (wanted.type == OdModelerSubentType::kNull) return {};
+  const Orphans& fresh = orphans(wanted.type);
+  if (fresh.items.empty()) return {};
+  if (!m_tolerance) m_tolerance = MatchTolerance::of(*m_before, *m_now);
+  const double radius = m_tolerance->length + 1e-4 * wanted.reach();
+  SubentMatch match;
+  fresh.grid->within(wanted.place, radius, [&](OdUInt32 i) {
+    if (isIdentical(wanted, fresh.items[i], *m_tolerance)) match.images.push_back(fresh.indices[i]);
+  });
+  if (match.images.size() == 1) {
+    match.grade = ReferenceGrade::kExact;
+  } else if (!match.images.empty()) {
+    match = {ReferenceGrade::kAmbiguous, {}};
+  }
+  return match;
+}
+
+}  // namespace vdm_host

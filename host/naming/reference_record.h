@@ -1,0 +1,110 @@
+// What a persistent reference remembers of itself: its stored lineage.
+#pragma once
+
+#include <vector>
+
+#include "host/naming/body_signature.h"
+#include "host/naming/reference_grade.h"
+#include "platform/base/handle.h"
+#include "platform/filer/object_id.h"
+
+class VdmDbObjectDependency;
+
+namespace vdm_host {
+
+/// Why a reference was looked at. Numbers are stored.
+enum class LineageCause : OdUInt8 {
+  kCreated = 0,
+  kBoolean = 1,
+  kBlend = 2,
+  kReplaced = 3,   ///< the body was replaced, or edited by somebody who kept no journal
+  kRespawned = 4,  ///< its opening was cut again
+  kHealed = 5,     ///< its opening was closed
+  kSplit = 6,
+  kMerged = 7,
+  kFoundAgain = 8,
+};
+
+/// "created", "boolean", "blend", "body replaced", "opening cut again", "opening closed", "split",
+/// "merged", "found again".
+[[nodiscard]] OdString causeName(LineageCause cause);
+
+/// One decision. Exact ones leave no trace.
+struct LineageStep {
+  LineageCause cause = LineageCause::kCreated;
+  ReferenceGrade grade = ReferenceGrade::kExact;
+  OdUInt32 from = 0;    ///< number in the old body, 0 when it had none
+  OdUInt32 to = 0;      ///< number in the new body, 0 when it has none
+  OdUInt32 images = 0;  ///< how many there were to choose from
+  OdDbHandle feature;   ///< the feature whose tool did it; null when none did
+};
+
+/// Where a subentity comes from.
+struct LineageBirth {
+  OdDbHandle feature;     ///< whose tool made it; null for a subentity of the base part
+  OdUInt32 toolFace = 0;  ///< the tool's face; for edges and vertices one of the faces that meet
+
+  [[nodiscard]] bool isOfTool() const { return OdUInt64(feature) != 0; }
+};
+
+/// The record under the key "lineage" (a blob) in the dependency's properties. The coordinates of
+/// its signature are those of the solid when it was where SolidStamp::frame is the identity.
+///
+///   rules      uint8     1; a record of later rules is kept and counts as "no signature"
+///   grade      uint8
+///   flags      uint8     1 birth, 2 signature
+///   lastIndex  varint    the number it had last
+///   birth      varint feature handle, varint tool face
+///   signature  uint8 kind, uint8 inward and closed (1, 2), varint bounds, uint32 neighbours,
+///              float64 size, radius, minorRadius, halfAngle, place xyz, anchor xyz, direction xyz
+///   count      varint    all steps that there were
+///   kept       uint8     steps that follow, the oldest first
+///   step       uint8 cause, uint8 grade, varint from, to, images, feature handle
+///
+/// Numbers are little-endian; a varint has seven bits a byte, low ones first.
+struct ReferenceRecord {
+  static constexpr OdUInt8 kRules = 1;
+  static constexpr std::size_t kKeptSteps = 8;
+
+  ReferenceGrade grade = ReferenceGrade::kExact;
+  OdUInt32 lastIndex = 0;
+  LineageBirth birth;
+  SubentSignature signature;  ///< type null when there is none
+  OdUInt32 stepCount = 0;
+  std::vector<LineageStep> steps;
+
+  void addStep(const LineageStep& step);
+  [[nodiscard]] std::vector<char> encode() const;
+  /// False, with the record untouched, for bytes that are damaged or of later rules.
+  [[nodiscard]] bool decode(const std::vector<char>& bytes, OdModelerSubentType type);
+
+  /// False when the dependency has none that can be read.
+  [[nodiscard]] bool readFrom(const VdmDbObjectDependency& dependency);
+  /// Also makes the dependency's hash that of the signature. Open for write.
+  void writeTo(VdmDbObjectDependency& dependency) const;
+};
+
+/// Stored once for each solid that references lead into: for which body the numbers hold. The
+/// xrecord "VDM_NAMING" in the solid's extension dictionary, one binary value: uint64 fingerprint,
+/// uint32 operations, and 12 float64 (the upper rows of the frame) unless that is the identity.
+struct SolidStamp {
+  OdUInt64 fingerprint = 0;  ///< of the body; 0 when there is no stamp
+  OdUInt32 operations = 0;   ///< booleans, blends and replacements that references went through
+  OdGeMatrix3d frame;        ///< from where the signatures were taken to where the solid is
+
+  /// A default one when the solid has none.
+  static SolidStamp read(const OdDbObjectId& solid);
+  /// Writes nothing that is there already. False, with nothing written, for a null id and for a
+  /// solid that cannot be opened for write.
+  bool write(const OdDbObjectId& solid) const;
+};
+
+/// Numbers of references that lead nowhere: no body has such a number, and no two references of a
+/// drawing share one.
+inline constexpr OdUInt32 kFirstUnresolvedIndex = 0x40000000U;
+[[nodiscard]] constexpr bool isUnresolvedIndex(OdInt64 index) {
+  return index >= OdInt64{kFirstUnresolvedIndex};
+}
+[[nodiscard]] OdInt64 unresolvedIndexOf(const OdDbObjectId& dependency);
+
+}  // namespace vdm_host

@@ -1,0 +1,178 @@
+// Openings that were cut again: which new faces, edges and vertices are the old ones.
+#include "host/naming/respawn_match.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace vdm_host {
+
+namespace {
+
+using Type = OdModelerSubentType;
+
+/// The next candidate is at least this many times as far away.
+constexpr double kClearlyNearer = 2.0;
+
+void sortUnique(std::vector<OdUInt32>& items) {
+  std::ranges::sort(items);
+  items.erase(std::unique(items.begin(), items.end()), items.end());
+}
+
+SubentMatch single(OdUInt32 image) { return {ReferenceGrade::kByLineage, {image}}; }
+
+SubentMatch ambiguous() { return {ReferenceGrade::kAmbiguous, {}}; }
+
+bool contains(std::span<const OdUInt32> items, OdUInt32 item) {
+  return std::ranges::find(items, item) != items.end();
+}
+
+}  // namespace
+
+RespawnMatcher::RespawnMatcher(std::span<const FaceRespawn> rows, const OdModelerBody& before,
+                               const OdModelerBody& now, LineageMatcher& lineage)
+    : m_rows(rows), m_before(before), m_now(now), m_lineage(lineage) {
+  if (rows.empty()) return;
+  m_tolerance = MatchTolerance::of(before, now);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (rows[i].oldFace != 0) m_byOldFace.emplace(rows[i].oldFace, i);
+  }
+}
+
+const FaceRespawn* RespawnMatcher::rowOf(OdUInt32 oldFace) const {
+  const auto found = m_byOldFace.find(oldFace);
+  return found == m_byOldFace.end() ? nullptr : &m_rows[found->second];
+}
+
+std::optional<RespawnMatch> RespawnMatcher::match(OdModelerSubent subent) {
+  if (m_byOldFace.empty() || !m_before.hasSubent(subent)) return std::nullopt;
+  const FaceRespawn* row = nullptr;
+  if (subent.type == Type::kFace) {
+    row = rowOf(subent.index);
+  } else {
+    for (const OdUInt32 face : facesAround(m_before, subent)) {
+      if (row == nullptr) row = rowOf(face);
+    }
+  }
+  if (row == nullptr) return std::nullopt;
+  RespawnMatch result;
+  result.birth = {row->feature, row->toolFace};
+  if (row->newFaces.empty()) {
+    // Not cut again; perhaps not closed either.
+    result.match = m_lineage.match(subent);
+    result.closed = result.match.images.empty();
+  } else if (subent.type == Type::kFace) {
+    result.match = matchFace(*row, signatureOf(m_before, subent).movedBy(row->motion));
+  } else {
+    result.match = matchAround(subent, *row);
+  }
+  return result;
+}
+
+std::optional<RespawnMatch> RespawnMatcher::comeBack(const LineageBirth& birth,
+                                                     const SubentSignature& wanted) {
+  if (!birth.isOfTool()) return std::nullopt;
+  const auto row = std::ranges::find_if(m_rows, [&](const FaceRespawn& r) {
+    return OdUInt64(r.feature) == OdUInt64(birth.feature) && r.toolFace == birth.toolFace &&
+           !r.newFaces.empty();
+  });
+  if (row == m_rows.end()) return std::nullopt;
+  RespawnMatch result;
+  result.birth = birth;
+  const SubentSignature moved = wanted.movedBy(row->motion);
+  if (wanted.type == Type::kFace) {
+    result.match = matchFace(*row, moved);
+  } else {
+    result.match =
+        chooseByPlace(wanted.type, candidatesAround(wanted.type, row->newFaces), moved);
+  }
+  return result;
+}
+
+SubentMatch RespawnMatcher::matchFace(const FaceRespawn& row, const SubentSignature& wanted) const {
+  if (row.newFaces.size() == 1) return single(row.newFaces.front());
+  const SubentMatch byPlace = chooseByPlace(Type::kFace, row.newFaces, wanted);
+  if (!byPlace.images.empty()) return byPlace;
+  return {ReferenceGrade::kSplit, row.newFaces};
+}
+
+// What an old face around the subentity is now.
+const std::vector<OdUInt32>& RespawnMatcher::imagesOfFace(OdUInt32 oldFace) {
+  const auto [place, isNew] = m_images.try_emplace(oldFace);
+  if (!isNew) return place->second;
+  const FaceRespawn* row = rowOf(oldFace);
+  place->second = row != nullptr && !row->newFaces.empty()
+                      ? row->newFaces
+                      : m_lineage.match({Type::kFace, oldFace}).images;
+  return place->second;
+}
+
+SubentMatch RespawnMatcher::matchAround(OdModelerSubent subent, const FaceRespawn& row) {
+  std::vector<OdUInt32> allowed;
+  const std::vector<OdUInt32> oldFaces = facesAround(m_before, subent);
+  for (const OdUInt32 face : oldFaces) {
+    const std::vector<OdUInt32>& images = imagesOfFace(face);
+    if (images.empty()) return {};
+    allowed.insert(allowed.end(), images.begin(), images.end());
+  }
+  sortUnique(allowed);
+  std::vector<OdUInt32> candidates;
+  for (const OdUInt32 candidate : candidatesAround(subent.type, row.newFaces)) {
+    const std::vector<OdUInt32> around = facesAround(m_now, {subent.type, candidate});
+    const bool noOthers =
+        std::ranges::all_of(around, [&](OdUInt32 face) { return contains(allowed, face); });
+    const bool allMeet = std::ranges::all_of(oldFaces, [&](OdUInt32 face) {
+      return std::ranges::any_of(imagesOfFace(face),
+                                 [&](OdUInt32 image) { return contains(around, image); });
+    });
+    if (noOthers && allMeet) candidates.push_back(candidate);
+  }
+  return chooseByPlace(subent.type, candidates, signatureOf(m_before, subent).movedBy(row.motion));
+}
+
+std::vector<OdUInt32> RespawnMatcher::candidatesAround(Type type,
+                                                       std::span<const OdUInt32> faces) const {
+  std::vector<OdUInt32> found;
+  for (const OdUInt32 face : faces) {
+    if (!m_now.hasSubent({Type::kFace, face})) continue;
+    for (const OdUInt32 e : m_now.edgesOfFace(face)) {
+      if (type == Type::kEdge) {
+        found.push_back(e);
+        continue;
+      }
+      const OdModelerEdge& edge = m_now.edge(e);
+      if (edge.startVertex != 0) found.push_back(edge.startVertex);
+      if (edge.endVertex != 0) found.push_back(edge.endVertex);
+    }
+  }
+  sortUnique(found);
+  return found;
+}
+
+// One candidate of the same kind is it; of several the one in the old place, or nearest by far.
+SubentMatch RespawnMatcher::chooseByPlace(Type type, const std::vector<OdUInt32>& candidates,
+                                          const SubentSignature& wanted) const {
+  OdUInt32 nearest = 0;
+  double distance = std::numeric_limits<double>::infinity();
+  double second = distance;
+  std::vector<OdUInt32> identical;
+  for (const OdUInt32 candidate : candidates) {
+    const SubentSignature item = signatureOf(m_now, {type, candidate});
+    if (item.kind != wanted.kind || item.closed != wanted.closed) continue;
+    if (isIdentical(wanted, item, m_tolerance)) identical.push_back(candidate);
+    const double d = item.place.distanceTo(wanted.place);
+    if (d < distance) {
+      second = distance;
+      distance = d;
+      nearest = candidate;
+    } else {
+      second = std::min(second, d);
+    }
+  }
+  if (nearest == 0) return {};
+  if (identical.size() == 1) return single(identical.front());
+  if (identical.size() > 1) return ambiguous();
+  if (second > kClearlyNearer * distance + m_tolerance.length) return single(nearest);
+  return ambiguous();
+}
+
+}  // namespace vdm_host
