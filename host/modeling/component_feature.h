@@ -1,0 +1,120 @@
+// VdmComponentFeature: a component that cuts or fills a solid, and the reactor of its insert.
+#pragma once
+
+#include <array>
+#include <map>
+#include <vector>
+
+#include "host/modeling/residues.h"
+#include "platform/ge/matrix3d.h"
+#include "vdm_db/features/vdm_db_feature_reactor.h"
+#include "vdm_db/features/vdm_feature.h"
+#include "vdm_db/features/vdm_feature_impl.h"
+
+class VdmDbInsertReactorImpl;
+
+/// Sits on the insert of a component and remembers that it was changed or erased until the next
+/// pass; the feature's carrier owns it. The flag is filed, so that a change without a pass is not
+/// forgotten.
+class VdmDbInsertReactor : public VdmDbFeatureReactor {
+ public:
+  OD_RX_DECLARE_MEMBERS(VdmDbInsertReactor)
+
+  VdmDbInsertReactor();
+  ~VdmDbInsertReactor() override;
+
+  /// The reactor is in the database and open for write; the insert is opened for write.
+  void watch(const OdDbObjectId& insert);
+  [[nodiscard]] OdDbObjectId insertId() const;
+  [[nodiscard]] bool hasChanges() const override;
+  /// Open for write, or open for notification.
+  void setChanged(bool changed);
+  /// An insert that is gone is a change that the next pass deals with, not damage.
+  bool doAudit() override;
+
+  void modified(const OdDbObject* object) override;
+  void erased(const OdDbObject* object, bool erasing) override;
+
+ private:
+  VdmDbInsertReactorImpl& state() const;
+};
+using VdmDbInsertReactorPtr = OdSmartPtr<VdmDbInsertReactor>;
+
+/// One insert of a component block at a solid. References: mask 1 tag 1 is the base face on which it
+/// stands (none for an insert that stands free), mask 2 are the faces that the tools left in the
+/// solid, with the number of the tool's face as tag, counted over all its solids.
+///
+/// Carrier's properties of its own:
+///
+///   Solid, Insert        ids, soft pointers
+///   CutPiece, FillPiece  ids of solids that stand in no block: the residues, hard ownership; null
+///                        for none
+///   Placed               doubles: placement for which the solid was last cut (16, row by row),
+///                        boxes of the cut and fill tools (6 + 6), plane of the base face (point,
+///                        outward normal; 6); empty before the first cut
+///   ToolStamp            2 x 32 bits: what the tools were when they were applied
+///   State                0 nothing applied, 1 applied, 2 suppressed
+///   Layer                id of the layer to which the insert returns from suppression
+class VdmComponentFeature : public VdmFeature {
+ public:
+  VDM_DECLARE_FEATURE_MEMBERS(VdmComponentFeature)
+
+  enum State : OdInt32 { kStateNew = 0, kStateApplied = 1, kStateSuppressed = 2 };
+  static constexpr int kBaseFaceMask = 1;
+  static constexpr int kBaseFaceTag = 1;
+  static constexpr int kOpeningMask = 2;
+  /// Inserts on the layer of this name are suppressed.
+  static constexpr const wchar_t* kSuppressLayer = L"*SUPPRESS";
+
+  /// Placement and boxes as the tools were last applied, and the base face's plane then.
+  struct Placed {
+    OdGeMatrix3d transform;
+    std::array<OdGeExtents3d, vdm_host::kToolKindCount> box;
+    OdGePoint3d basePoint;
+    OdGeVector3d baseNormal;  ///< zero: no plane
+  };
+
+  // Reading.
+  [[nodiscard]] OdDbObjectId solidId() const { return m_solidId; }
+  [[nodiscard]] OdDbObjectId insertId() const { return m_insertId; }
+  [[nodiscard]] State state() const { return static_cast<State>(m_state); }
+  [[nodiscard]] OdUInt64 toolStamp() const;
+  /// False before the first cut.
+  [[nodiscard]] bool placed(Placed& placed) const;
+  /// Null when there is none.
+  [[nodiscard]] OdModelerBodyPtr piece(vdm_host::ToolKind kind) const;
+  [[nodiscard]] OdDbObjectId layerBeforeSuppression() const { return m_layerId; }
+  /// The insert's reactor; null when it is gone.
+  [[nodiscard]] OdDbObjectId insertReactorId() const;
+  /// The insert's reactor and the residues.
+  [[nodiscard]] OdDbObjectIdArray ownObjectIds() const;
+  [[nodiscard]] OdDbObjectIdArray baseFaceDependencies() const;
+  /// By the number of the tool's face.
+  [[nodiscard]] std::map<int, OdDbObjectIdArray> openingDependencies() const;
+  /// Name of the insert's block; empty when it is gone.
+  [[nodiscard]] OdString componentName() const;
+
+  // Writing; the carrier is open for write.
+  /// Binds a new feature to its solid and its insert, which gets a reactor.
+  void bind(const OdDbObjectId& solid, const OdDbObjectId& insert);
+  void setApplied(State state, const Placed& placed, OdUInt64 toolStamp);
+  /// The residues are worthless: the body was replaced.
+  void forgetApplied();
+  void setPiece(vdm_host::ToolKind kind, const OdModelerBodyPtr& body);
+  void setPlaced(const Placed& placed);
+  void setLayerBeforeSuppression(const OdDbObjectId& layer) { m_layerId = layer; }
+
+  [[nodiscard]] const OdArray<int>& masks() const override;
+  void subMapProperties(VdmProperties& bag) override;
+  [[nodiscard]] int currentEdition() const override { return 1; }
+
+ private:
+  OdDbObjectId m_solidId;
+  OdDbObjectId m_insertId;
+  std::array<OdDbObjectId, vdm_host::kToolKindCount> m_pieceIds;
+  VdmDoubleArray m_placed;
+  VdmLongArray m_toolStamp;
+  OdLong m_state = kStateNew;
+  OdDbObjectId m_layerId;
+};
+using VdmComponentFeaturePtr = OdSmartPtr<VdmComponentFeature>;

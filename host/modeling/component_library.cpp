@@ -1,0 +1,290 @@
+// Makers of components: blocks whose solids cut or fill the solid at which they are inserted.
+#include "host/modeling/component_library.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <numbers>
+#include <vector>
+
+#include "host/modeling/component_kind.h"
+#include "platform/base/error.h"
+#include "platform/db/block_table.h"
+#include "platform/db/block_table_record.h"
+#include "platform/db/layer_table.h"
+#include "platform/db/units.h"
+#include "platform/modeler/db_3d_solid.h"
+#include "vdm_db/features/vdm_update_feature_interface.h"
+#include "vdm_db/properties/vdm_properties.h"
+
+namespace vdm_host {
+namespace {
+
+using Bodies = std::vector<OdModelerBodyPtr>;
+constexpr const wchar_t* kLayers[] = {L"VC_SUBTRACT", L"VC_UNITE"};
+constexpr const wchar_t* kKindKey = L"ComponentKind";
+
+/// How far cutting tools stand out of the face, as a part of their diameter: enough for curved
+/// faces, little enough for the walls of a pocket.
+constexpr double kClearance = 0.25;
+/// Length of tools that go through everything, in diagonals of what is in model space.
+constexpr double kThroughDiagonals = 2.0;
+/// And at least that many diameters, for parts that come later.
+constexpr double kThroughDiameters = 100.0;
+
+OdModelerStatus refuse(const wchar_t* form, double a, double b) {
+  OdString text;
+  text.format(form, a, b);
+  return {eInvalidInput, text};
+}
+
+bool isLength(double value) { return std::isfinite(value) && value > 0.0; }
+
+OdModelerStatus checkLength(const wchar_t* name, double value) {
+  if (isLength(value)) return {};
+  OdString text;
+  text.format(L"%ls is %g: a length above 0 is needed", name, value);
+  return {eInvalidInput, text};
+}
+
+double throughDepth(OdDbDatabase* database, double diameter) {
+  OdGeExtents3d box;
+  const OdDbBlockTableRecordPtr space =
+      OdDbBlockTableRecord::cast(database->getModelSpaceId().safeOpenObject());
+  const bool hasBox = space->getGeomExtents(box) == eOk;
+  const double diagonal = hasBox ? box.diagonal().length() : 0.0;
+  return std::max(kThroughDiagonals * diagonal, kThroughDiameters * diameter);
+}
+
+OdDbObjectId layerOf(OdDbDatabase* database, ComponentRole role) {
+  const OdString name(kLayers[static_cast<std::size_t>(role)]);
+  OdDbLayerTablePtr table =
+      OdDbLayerTable::cast(database->getLayerTableId().safeOpenObject(OdDb::kForWrite));
+  const OdDbObjectId known = table->getAt(name);
+  if (!known.isNull()) return known;
+  const OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
+  layer->setName(name);
+  return table->add(layer);
+}
+
+// All or nothing: what is raised becomes the status.
+OdModelerStatus inTransaction(OdDbDatabase* database,
+                              const std::function<OdModelerStatus()>& change) {
+  OdDbTransaction transaction(database);
+  try {
+    OdModelerStatus status = change();
+    if (status.ok()) transaction.commit();
+    return status;
+  } catch (const OdError& error) {
+    return {error.code(), OdString::fromUtf8(error.what())};
+  }
+}
+
+OdModelerStatus makeBlock(OdDbDatabase* database, const OdString& name, const wchar_t* kind,
+                          ComponentRole role, const Bodies& bodies, OdDbObjectId& block) {
+  return inTransaction(database, [&]() -> OdModelerStatus {
+    OdDbBlockTablePtr table =
+        OdDbBlockTable::cast(database->getBlockTableId().safeOpenObject(OdDb::kForWrite));
+    if (table->has(name)) return {eDuplicateKey, L"there is a block \"" + name + L"\" already"};
+    const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::createObject();
+    record->setName(name);
+    const OdDbObjectId made = table->add(record);
+    const OdDbObjectId layer = layerOf(database, role);
+    for (const OdModelerBodyPtr& body : bodies) {
+      const OdDb3dSolidPtr solid = OdDb3dSolid::createObject();
+      solid->setBody(body);
+      record->appendOdDbEntity(solid);
+      solid->setLayer(layer);
+    }
+    VdmProperties bag;
+    bag.setProperty(OdString(kKindKey), OdString(kind));
+    bag.writeToDbObject(record.get());
+    block = made;
+    return {};
+  });
+}
+
+OdModelerStatus placed(const OdModelerBodyPtr& body, double z, OdModelerBodyPtr& result) {
+  return body->transformed(OdGeMatrix3d::translation(OdGeVector3d(0.0, 0.0, z)), result);
+}
+
+// From `bottom` up to `top` along z.
+OdModelerStatus cylinder(double diameter, double bottom, double top, OdModelerBodyPtr& result) {
+  OdModelerBodyPtr standing;
+  OdModelerStatus status = odModeler().cylinder(0.5 * diameter, top - bottom, standing);
+  return status.ok() ? placed(standing, bottom, result) : status;
+}
+
+}  // namespace
+
+OdString componentKind(const OdDbObjectId& block) {
+  const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::cast(block.openObject());
+  if (record.isNull()) return {};
+  VdmProperties bag;
+  OdString kind;
+  if (bag.readFromDbObject(record.get()) && bag.getProperty(OdString(kKindKey), kind)) return kind;
+  return record->getName();
+}
+
+OdModelerStatus makeHole(OdDbDatabase* database, const OdString& name, const HoleSpec& spec,
+                         OdDbObjectId& block) {
+  OdModelerStatus status = checkLength(L"the diameter", spec.diameter);
+  if (status.ok() && spec.depth) status = checkLength(L"the depth", *spec.depth);
+  if (!status.ok()) return status;
+  const double depth = spec.depth.value_or(throughDepth(database, spec.diameter));
+  OdModelerBodyPtr tool;
+  status = cylinder(spec.diameter, -depth, kClearance * spec.diameter, tool);
+  if (!status.ok()) return status;
+  return makeBlock(database, name, L"Hole", ComponentRole::kSubtract, {tool}, block);
+}
+
+OdModelerStatus makeCounterbore(OdDbDatabase* database, const OdString& name,
+                                const CounterboreSpec& spec, OdDbObjectId& block) {
+  OdModelerStatus status = checkLength(L"the diameter", spec.diameter);
+  if (status.ok()) status = checkLength(L"the bore's depth", spec.boreDepth);
+  if (status.ok() && spec.depth) status = checkLength(L"the depth", *spec.depth);
+  if (!status.ok()) return status;
+  if (!isLength(spec.boreDiameter) || spec.boreDiameter <= spec.diameter)
+    return refuse(L"the bore's diameter %g is not more than the hole's diameter %g",
+                  spec.boreDiameter, spec.diameter);
+  const double depth = spec.depth.value_or(throughDepth(database, spec.boreDiameter));
+  if (depth <= spec.boreDepth)
+    return refuse(L"the depth %g is not more than the bore's depth %g", depth, spec.boreDepth);
+  OdModelerBodyPtr hole;
+  OdModelerBodyPtr bore;
+  OdModelerBodyPtr tool;
+  status = cylinder(spec.diameter, -depth, 0.0, hole);
+  if (status.ok())
+    status = cylinder(spec.boreDiameter, -spec.boreDepth, kClearance * spec.boreDiameter, bore);
+  if (status.ok())
+    status = odModeler().boolean(OdModelerBooleanKind::kUnite, hole, {&bore, 1}, tool, nullptr);
+  if (!status.ok()) return status;
+  return makeBlock(database, name, L"Counterbore", ComponentRole::kSubtract, {tool}, block);
+}
+
+OdModelerStatus makeSlot(OdDbDatabase* database, const OdString& name, const SlotSpec& spec,
+                         OdDbObjectId& block) {
+  OdModelerStatus status = checkLength(L"the width", spec.width);
+  if (status.ok() && spec.depth) status = checkLength(L"the depth", *spec.depth);
+  if (!status.ok()) return status;
+  if (!isLength(spec.length) || spec.length <= spec.width)
+    return refuse(L"the length %g is not more than the width %g", spec.length, spec.width);
+  const double depth = spec.depth.value_or(throughDepth(database, spec.width));
+  const double top = kClearance * spec.width;
+  const double x = 0.5 * (spec.length - spec.width);
+  const double y = 0.5 * spec.width;
+  OdModelerProfile outline;
+  outline.plane = OdGePlane(OdGePoint3d(0.0, 0.0, -depth), OdGeVector3d::kZAxis);
+  // Half circles have the bulge 1.
+  outline.outer = {{{-x, -y}, 0.0}, {{x, -y}, 1.0}, {{x, y}, 0.0}, {{-x, y}, 1.0}};
+  OdModelerBodyPtr tool;
+  status = odModeler().extrude(outline, OdGeVector3d(0.0, 0.0, depth + top), tool);
+  if (!status.ok()) return status;
+  return makeBlock(database, name, L"Slot", ComponentRole::kSubtract, {tool}, block);
+}
+
+OdModelerStatus makeBoss(OdDbDatabase* database, const OdString& name, const BossSpec& spec,
+                         OdDbObjectId& block) {
+  OdModelerStatus status = checkLength(L"the diameter", spec.diameter);
+  if (status.ok()) status = checkLength(L"the height", spec.height);
+  OdModelerBodyPtr tool;
+  if (status.ok()) status = cylinder(spec.diameter, 0.0, spec.height, tool);
+  if (!status.ok()) return status;
+  return makeBlock(database, name, L"Boss", ComponentRole::kUnite, {tool}, block);
+}
+
+OdModelerStatus makeFromBlock(OdDbDatabase* database, const OdString& blockName, ComponentRole role,
+                              OdDbObjectId& block) {
+  return inTransaction(database, [&]() -> OdModelerStatus {
+    const OdDbBlockTablePtr table =
+        OdDbBlockTable::cast(database->getBlockTableId().safeOpenObject());
+    const OdDbObjectId id = table->getAt(blockName);
+    if (id.isNull()) return {eKeyNotFound, L"there is no block \"" + blockName + L"\""};
+    if (findComponent(database, blockName) == id) {
+      block = id;
+      return {};
+    }
+    const OdDbObjectId layer = layerOf(database, role);
+    OdUInt32 solids = 0;
+    const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::cast(id.safeOpenObject());
+    for (OdDbObjectIteratorPtr it = record->newIterator(); !it->done(); it->step()) {
+      const OdDb3dSolidPtr solid = OdDb3dSolid::cast(it->entity(OdDb::kForWrite));
+      if (solid.isNull()) continue;
+      solid->setLayer(layer);
+      ++solids;
+    }
+    if (solids == 0) return {eInvalidInput, L"block \"" + blockName + L"\" has no solids"};
+    block = id;
+    return {};
+  });
+}
+
+namespace {
+
+// Bodies of a product and of what it consists of, in drawing units.
+OdModelerStatus collectBodies(const OdModelerAssembly& assembly, OdUInt32 product,
+                              const OdGeMatrix3d& placement, Bodies& bodies) {
+  for (const OdModelerBodyPtr& body : assembly.products[product].bodies) {
+    if (body->kind() != OdModelerBodyKind::kSolid) continue;
+    OdModelerBodyPtr there;
+    OdModelerStatus status = body->transformed(placement, there);
+    if (!status.ok()) return status;
+    bodies.push_back(std::move(there));
+  }
+  for (const OdModelerOccurrence& part : assembly.products[product].occurrences) {
+    OdModelerStatus status =
+        collectBodies(assembly, part.product, placement * part.placement, bodies);
+    if (!status.ok()) return status;
+  }
+  return {};
+}
+
+}  // namespace
+
+OdModelerStatus makeFromStep(OdDbDatabase* database, const OdString& name, const OdString& path,
+                             ComponentRole role, OdDbObjectId& block) {
+  OdModelerAssembly assembly;
+  OdModelerStatus status = odModeler().importStep(path, assembly);
+  const double unit = oddbGetUnitsConversion(OdDb::kUnitsMillimeters, database->getINSUNITS());
+  Bodies bodies;
+  for (const OdModelerOccurrence& root : assembly.roots) {
+    if (status.ok())
+      status = collectBodies(assembly, root.product, OdGeMatrix3d::scaling(unit) * root.placement,
+                             bodies);
+  }
+  if (!status.ok()) return status;
+  if (bodies.empty()) return {eInvalidInput, path + L": there are no solids"};
+  return makeBlock(database, name, name.c_str(), role, bodies, block);
+}
+
+std::vector<ComponentInfo> listComponents(OdDbDatabase* database) {
+  std::vector<ComponentInfo> components;
+  const OdDbBlockTablePtr table =
+      OdDbBlockTable::cast(database->getBlockTableId().safeOpenObject());
+  for (OdDbSymbolTableIteratorPtr it = table->newIterator(); !it->done(); it->step()) {
+    const OdDbObjectId id = it->getRecordId();
+    const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::cast(id.safeOpenObject());
+    if (record->isLayout()) continue;
+    using Interface = VdmUpdateFeatureInterface;
+    ComponentInfo info{id, record->getName()};
+    info.numCutting = Interface::getSubtractorsOnDedicatedLayer(id, /*forWrite=*/false).size();
+    info.numFilling = Interface::getAdditionsOnDedicatedLayer(id, /*forWrite=*/false).size();
+    if (info.numCutting + info.numFilling == 0) continue;
+    info.numInserts = record->getBlockReferenceIds().size();
+    components.push_back(std::move(info));
+  }
+  return components;
+}
+
+OdDbObjectId findComponent(OdDbDatabase* database, const OdString& name) {
+  const OdDbBlockTablePtr table =
+      OdDbBlockTable::cast(database->getBlockTableId().safeOpenObject());
+  const OdDbObjectId id = table->getAt(name);
+  if (id.isNull()) return {};
+  using Interface = VdmUpdateFeatureInterface;
+  const bool has = !Interface::getSubtractorsOnDedicatedLayer(id, /*forWrite=*/false).isEmpty() ||
+                   !Interface::getAdditionsOnDedicatedLayer(id, /*forWrite=*/false).isEmpty();
+  return has ? id : OdDbObjectId();
+}
+
+}  // namespace vdm_host

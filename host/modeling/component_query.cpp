@@ -1,0 +1,44 @@
+// Finding components and managers in a drawing.
+#include "host/modeling/component_query.h"
+
+#include "platform/db/block_table.h"
+#include "platform/db/block_table_record.h"
+#include "vdm_db/features/vdm_db_feature_manager.h"
+
+namespace vdm_host {
+
+OdDbObjectIdArray featureManagers(OdDbDatabase* database) {
+  OdDbObjectIdArray managers;
+  const OdDbBlockTablePtr table =
+      OdDbBlockTable::cast(database->getBlockTableId().safeOpenObject());
+  for (OdDbSymbolTableIteratorPtr it = table->newIterator(); !it->done(); it->step()) {
+    const OdDbObjectId manager =
+        VdmDbFeatureManager::getInstance(it->getRecordId(), /*create=*/false);
+    if (!manager.isNull()) managers.append(manager);
+  }
+  return managers;
+}
+
+OdDbObjectIdArray componentsOfSolid(const OdDbObjectId& solid) {
+  OdDbObjectIdArray components;
+  const OdDbObjectId managerId = VdmDbFeatureManager::getInstance(solid.ownerId(), false);
+  const VdmDbFeatureManagerPtr manager = VdmDbFeatureManager::cast(managerId.openObject());
+  if (manager.isNull()) return components;
+  for (const OdDbObjectId& id : manager->featureIds()) {
+    const VdmComponentFeaturePtr component = VdmComponentFeature::cast(VdmFeature::open(id).get());
+    if (!component.isNull() && component->solidId() == solid) components.append(id);
+  }
+  return components;
+}
+
+OdDbObjectId componentOf(const OdDbObjectId& insertOrFeature) {
+  const OdDbObjectPtr object = insertOrFeature.openObject();
+  if (object.isNull()) return {};
+  if (!VdmComponentFeature::cast(object.get()).isNull()) return insertOrFeature;
+  for (const OdDbObjectId& id : object->getPersistentReactors()) {
+    if (id.objectClass() == VdmDbInsertReactor::desc() && !id.isErased()) return id.ownerId();
+  }
+  return {};
+}
+
+}  // namespace vdm_host

@@ -1,0 +1,38 @@
+// ComponentTools: the tools of component blocks, read once in a pass.
+#pragma once
+
+#include <array>
+#include <unordered_map>
+#include <vector>
+
+#include "host/modeling/residues.h"
+#include "platform/filer/object_id.h"
+#include "platform/ge/matrix3d.h"
+
+namespace vdm_host {
+
+/// The tools of one block, in its coordinates and the block's order.
+struct BlockTools {
+  std::array<std::vector<OdModelerBodyPtr>, kToolKindCount> bodies;
+  OdUInt64 stamp = 0;  ///< tells these tools from others
+
+  [[nodiscard]] const std::vector<OdModelerBodyPtr>& of(ToolKind kind) const {
+    return bodies[static_cast<std::size_t>(kind)];
+  }
+};
+
+/// Raises the code of the failure when a body cannot be read.
+class ComponentTools {
+ public:
+  /// A block without tools, and a null id, give none.
+  const BlockTools& of(const OdDbObjectId& block);
+
+ private:
+  std::unordered_map<OdDbObjectId, BlockTools> m_tools;
+};
+
+/// All tools of a kind under a placement, as one body; null when there are none.
+OdModelerStatus placedTool(const BlockTools& tools, ToolKind kind, const OdGeMatrix3d& placement,
+                           OdModelerBodyPtr& result);
+
+}  // namespace vdm_host

@@ -1,0 +1,131 @@
+// Inserting a component at a solid.
+#include "host/modeling/insertion.h"
+
+#include <cmath>
+
+#include "host/modeling/component_feature.h"
+#include "host/modeling/component_kind.h"
+#include "host/modeling/component_tools.h"
+#include "host/naming/subent_name.h"
+#include "platform/db/block_reference.h"
+#include "platform/db/block_table_record.h"
+#include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/features/vdm_feature_group_faces.h"
+
+namespace vdm_host {
+namespace {
+
+// How far a point may be from the face in which it is said to lie, as a part of the body's diagonal:
+// what a user types with four digits.
+constexpr double kOnFace = 1e-4;
+
+OdModelerStatus refuse(const OdString& text) { return {eInvalidInput, text}; }
+
+OdGeMatrix3d frameAt(const OdGePoint3d& point, const OdGeVector3d& direction, double rotation) {
+  const OdGeVector3d z = direction.normal();
+  // As drawings choose the axes of a plane: the world's y unless the plane is nearly level.
+  constexpr double kLevel = 1.0 / 64.0;
+  const bool isLevel = std::abs(z.x) < kLevel && std::abs(z.y) < kLevel;
+  const OdGeVector3d x =
+      (isLevel ? OdGeVector3d::kYAxis : OdGeVector3d::kZAxis).crossProduct(z).normal();
+  const OdGeMatrix3d frame = OdGeMatrix3d::coordSystem(point, x, z.crossProduct(x), z);
+  return frame * OdGeMatrix3d::rotation(rotation, OdGeVector3d::kZAxis);
+}
+
+// The face on which the component stands, if there is one, and its normal.
+OdModelerStatus findBase(const OdModelerBody& body, const ComponentPlacement& placement,
+                         OdUInt32& face, OdGeVector3d& direction) {
+  if (placement.face) {
+    face = static_cast<OdUInt32>(placement.face->index());
+    const bool isFace = placement.face->type() == OdDb::kFaceSubentType &&
+                        body.hasSubent({OdModelerSubentType::kFace, face});
+    if (!isFace) {
+      OdString text;
+      text.format(L"the solid has no face %u: it has %u", face, body.numFaces());
+      return refuse(text);
+    }
+  } else {
+    OdModelerSubent found;
+    const double tolerance = kOnFace * body.extents().diagonal().length();
+    OdModelerStatus status =
+        findSubentNear(body, placement.point, OdModelerSubentType::kFace, tolerance, found);
+    if (status.ok())
+      face = found.index;
+    else if (!placement.direction)
+      return status;
+  }
+  if (placement.direction) {
+    direction = *placement.direction;
+    return {};
+  }
+  const OdModelerFace& base = body.face(face);
+  if (base.kind == OdModelerSurfaceKind::kPlane) {
+    direction = base.axis;
+    return {};
+  }
+  if (base.kind == OdModelerSurfaceKind::kCylinder || base.kind == OdModelerSurfaceKind::kSphere) {
+    OdGeVector3d out = placement.point - base.origin;
+    if (base.kind == OdModelerSurfaceKind::kCylinder) out -= base.axis * out.dotProduct(base.axis);
+    if (!out.isZeroLength()) {
+      direction = base.inward ? -out : out;
+      return {};
+    }
+  }
+  return refuse(OdString(L"the face has no simple normal at the point: a direction is needed"));
+}
+
+}  // namespace
+
+OdModelerStatus makeInsertion(OdDbDatabase* database, const OdDbObjectId& block,
+                              const ComponentPlacement& placement, OdDbObjectId& insert,
+                              OdDbObjectId& feature) {
+  const OdDb3dSolidPtr solid = OdDb3dSolid::cast(placement.solid.openObject());
+  const OdString solidText = placement.solid.getHandle().ascii();
+  if (solid.isNull()) return refuse(L"object " + solidText + L" is no solid");
+  const OdModelerBodyPtr body = solid->body();
+  if (!body) return refuse(L"solid " + solidText + L" is empty");
+  ComponentTools tools;
+  const BlockTools& blockTools = tools.of(block);
+  if (blockTools.bodies[0].empty() && blockTools.bodies[1].empty())
+    return refuse(L"block " + OdString(block.getHandle().ascii()) + L" is no component");
+  if (placement.direction && placement.direction->isZeroLength())
+    return refuse(OdString(L"the direction has no length"));
+
+  OdUInt32 face = 0;
+  OdGeVector3d direction;
+  OdModelerStatus status = findBase(*body, placement, face, direction);
+  if (!status.ok()) return status;
+
+  OdDbBlockReferencePtr reference = OdDbBlockReference::createObject();
+  reference->setDatabaseDefaults(database);
+  const OdDbObjectId space = solid->ownerId();
+  insert = OdDbBlockTableRecord::cast(space.safeOpenObject(OdDb::kForWrite))
+               ->appendOdDbEntity(reference);
+  reference->setBlockTableRecord(block);
+  reference->setBlockTransform(frameAt(placement.point, direction, placement.rotation));
+  reference.release();
+
+  const bool isNamed = !placement.name.isEmpty();
+  const OdDbObjectId managerId = VdmDbFeatureManager::getInstance(space, /*create=*/true);
+  feature = VdmDbFeatureManager::cast(managerId.safeOpenObject(OdDb::kForWrite))
+                ->createFeatureData(VdmComponentFeature::desc(),
+                                    isNamed ? placement.name : componentKind(block),
+                                    /*numberGiven=*/!isNamed, /*trim=*/true);
+  const VdmComponentFeaturePtr component =
+      VdmComponentFeature::cast(VdmFeature::open(feature, OdDb::kForWrite));
+  if (component.isNull())
+    return {eModelerError, OdString(L"the feature cannot be made: its class is not loaded")};
+  component->getDbObject()->assertWriteEnabled();
+  component->bind(placement.solid, insert);
+  if (face == 0) return {};
+  const OdDbFullSubentPath base(placement.solid, OdDbSubentId(OdDb::kFaceSubentType, face));
+  OdDbFullSubentPathArray paths;
+  paths.append(base);
+  OdArray<VdmFeatureGroupFaces> groups;
+  groups.append(VdmFeatureGroupFaces(VdmComponentFeature::kBaseFaceMask, paths,
+                                     VdmComponentFeature::kBaseFaceTag));
+  component->init(groups);
+  return {};
+}
+
+}  // namespace vdm_host

@@ -1,0 +1,311 @@
+// ModelEditor: edits of a model, each with the update pass that it calls for.
+#include "host/modeling/model_editor.h"
+
+#include <chrono>
+
+#include "host/modeling/component_query.h"
+#include "host/modeling/insertion.h"
+#include "host/modeling/model_update.h"
+#include "host/naming/reference_query.h"
+#include "platform/base/error.h"
+#include "platform/db/block_reference.h"
+#include "platform/db/layer_table.h"
+
+namespace vdm_host {
+namespace {
+
+OdString handleText(const OdDbObjectId& id) { return id.getHandle().ascii(); }
+
+OdModelerStatus refuse(const OdString& text) { return {eInvalidInput, text}; }
+
+OdModelerStatus openSolid(const OdDbObjectId& id, OdDb3dSolidPtr& solid) {
+  solid = OdDb3dSolid::cast(id.openObject(OdDb::kForWrite));
+  if (!solid.isNull()) return {};
+  return refuse(L"object " + handleText(id) + L" is no solid that can be changed");
+}
+
+// Numbers of edges that references stand for, and their solid.
+OdModelerStatus resolveEdges(std::span<const OdDbObjectId> references, OdDbObjectId& solid,
+                             std::vector<OdUInt32>& edges) {
+  for (const OdDbObjectId& id : references) {
+    const ResolvedReference found = resolveReference(id);
+    const OdString name = L"reference " + handleText(id);
+    if (!found.resolved()) return refuse(name + L" leads nowhere: " + found.note);
+    const OdDbSubentId& subent = found.path.subentId();
+    if (subent.type() != OdDb::kEdgeSubentType) return refuse(name + L" is no edge");
+    if (!solid.isNull() && solid != found.solid)
+      return refuse(name + L" lies on solid " + handleText(found.solid) + L", not on " +
+                    handleText(solid));
+    solid = found.solid;
+    edges.push_back(static_cast<OdUInt32>(subent.index()));
+  }
+  return edges.empty() ? refuse(OdString(L"there is no edge")) : OdModelerStatus();
+}
+
+// Takes the layer from the table, or makes it: on, so that what stands there can be picked.
+OdDbObjectId layerOf(OdDbDatabase* database, const OdString& name) {
+  const OdDbLayerTablePtr table =
+      OdDbLayerTable::cast(database->getLayerTableId().safeOpenObject());
+  const OdDbObjectId known = table->getAt(name);
+  if (!known.isNull()) return known;
+  const OdDbLayerTableRecordPtr record = OdDbLayerTableRecord::createObject();
+  record->setName(name);
+  return OdDbLayerTable::cast(database->getLayerTableId().safeOpenObject(OdDb::kForWrite))
+      ->add(record);
+}
+
+OdModelerStatus erase(const OdDbObjectId& id) {
+  const OdDbObjectPtr object = id.openObject(OdDb::kForWrite);
+  if (object.isNull()) return refuse(L"object " + handleText(id) + L" cannot be opened");
+  const OdResult result = object->erase();
+  if (result == eOk) return {};
+  return {result, L"object " + handleText(id) + L" cannot be erased"};
+}
+
+}  // namespace
+
+ModelEditor::ModelEditor(OdDbDatabase* database) : m_database(database) {}
+ModelEditor::~ModelEditor() = default;
+
+namespace {
+
+// The change and the pass; everything that is raised becomes a status.
+OdModelerStatus runEdit(OdDbDatabase* database, UpdateReport& report, bool force,
+                        const std::function<OdModelerStatus()>& change) {
+  try {
+    OdSolidJournal journal;
+    OdModelerStatus status = change ? change() : OdModelerStatus();
+    if (!status.ok()) return status;
+    ModelUpdate update(database, journal, report);
+    return update.run(force);
+  } catch (const OdError& error) {
+    return {error.code(), OdString::fromUtf8(error.what())};
+  }
+}
+
+EditResult transact(OdDbDatabase* database, bool force,
+                    const std::function<OdModelerStatus()>& change) {
+  const auto began = std::chrono::steady_clock::now();
+  EditResult result;
+  OdDbTransaction transaction(database);
+  result.status = runEdit(database, result.report, force, change);
+  if (result.ok()) {
+    transaction.commit();
+  } else {
+    result.report.rolledBack = true;
+    result.report.rollbackReason = result.status.text;
+  }
+  const auto took = std::chrono::steady_clock::now() - began;
+  result.report.seconds = std::chrono::duration<double>(took).count();
+  return result;
+}
+
+}  // namespace
+
+EditResult ModelEditor::edit(const OdString& what, const std::function<OdModelerStatus()>& change) {
+  if (m_undoSteps && !m_inGroup) m_database->startUndoRecord();
+  EditResult result = transact(m_database, /*force=*/false, change);
+  if (!result.ok() && !what.isEmpty()) result.status.text = what + L": " + result.status.text;
+  return result;
+}
+
+EditResult ModelEditor::update(bool force) {
+  if (m_undoSteps && !m_inGroup) m_database->startUndoRecord();
+  return transact(m_database, force, nullptr);
+}
+
+// ---- Components
+
+EditResult ModelEditor::insertComponent(const OdDbObjectId& block,
+                                        const ComponentPlacement& placement) {
+  OdDbObjectId insert;
+  OdDbObjectId feature;
+  EditResult result = edit(OdString(L"insert"), [&] {
+    return makeInsertion(m_database, block, placement, insert, feature);
+  });
+  if (!result.ok()) return result;
+  result.created = insert;
+  result.feature = feature;
+  return result;
+}
+
+EditResult ModelEditor::suppress(const OdDbObjectId& insert) {
+  return edit(OdString(L"suppress"), [&]() -> OdModelerStatus {
+    const VdmComponentFeaturePtr feature = VdmComponentFeature::cast(
+        VdmFeature::open(componentOf(insert), OdDb::kForWrite));
+    if (feature.isNull()) return refuse(handleText(insert) + L" is no component");
+    const OdDbBlockReferencePtr reference = OdDbBlockReference::cast(
+        feature->insertId().safeOpenObject(OdDb::kForWrite));
+    const OdDbObjectId layer = layerOf(m_database, OdString(VdmComponentFeature::kSuppressLayer));
+    if (reference->layerId() == layer) return {};
+    feature->getDbObject()->assertWriteEnabled();
+    feature->setLayerBeforeSuppression(reference->layerId());
+    reference->setLayer(layer);
+    return {};
+  });
+}
+
+EditResult ModelEditor::unsuppress(const OdDbObjectId& insert) {
+  return edit(OdString(L"unsuppress"), [&]() -> OdModelerStatus {
+    const VdmComponentFeaturePtr feature =
+        VdmComponentFeature::cast(VdmFeature::open(componentOf(insert)).get());
+    if (feature.isNull()) return refuse(handleText(insert) + L" is no component");
+    const OdDbBlockReferencePtr reference = OdDbBlockReference::cast(
+        feature->insertId().safeOpenObject(OdDb::kForWrite));
+    if (reference->layer().iCompare(OdString(VdmComponentFeature::kSuppressLayer)) != 0) return {};
+    const OdDbObjectId back = feature->layerBeforeSuppression();
+    reference->setLayer(back.openObject().isNull() ? m_database->getLayerZeroId() : back);
+    return {};
+  });
+}
+
+EditResult ModelEditor::removeFeature(const OdDbObjectId& feature) {
+  return edit(OdString(L"remove"), [&]() -> OdModelerStatus {
+    const VdmFeaturePtr object = VdmFeature::open(feature);
+    if (object.isNull()) return refuse(handleText(feature) + L" is no feature");
+    const VdmComponentFeaturePtr component = VdmComponentFeature::cast(object.get());
+    return erase(component.isNull() ? feature : component->insertId());
+  });
+}
+
+EditResult ModelEditor::renameFeature(const OdDbObjectId& feature, const OdString& name) {
+  return edit(OdString(L"rename"), [&]() -> OdModelerStatus {
+    const VdmFeaturePtr object = VdmFeature::open(feature, OdDb::kForWrite);
+    if (object.isNull()) return refuse(handleText(feature) + L" is no feature");
+    if (name.isEmpty()) return refuse(OdString(L"the name of a feature is empty"));
+    object->setName(name);
+    return {};
+  });
+}
+
+// ---- Entities
+
+EditResult ModelEditor::moveObject(const OdDbObjectId& entity, const OdGeVector3d& by) {
+  return transformObject(entity, OdGeMatrix3d::translation(by));
+}
+
+EditResult ModelEditor::rotateObject(const OdDbObjectId& entity, const OdGeVector3d& axis,
+                                     double angle, const std::optional<OdGePoint3d>& center) {
+  return edit(OdString(L"rotate"), [&]() -> OdModelerStatus {
+    const OdDbEntityPtr object = OdDbEntity::cast(entity.openObject(OdDb::kForWrite));
+    if (object.isNull()) return refuse(handleText(entity) + L" is no entity");
+    OdGePoint3d about;
+    const OdDbBlockReferencePtr insert = OdDbBlockReference::cast(object.get());
+    OdGeExtents3d box;
+    if (center)
+      about = *center;
+    else if (!insert.isNull())
+      about = insert->position();
+    else if (object->getGeomExtents(box) == eOk)
+      about = box.center();
+    const OdResult moved = object->transformBy(OdGeMatrix3d::rotation(angle, axis, about));
+    if (moved == eOk) return {};
+    return {moved, L"object " + handleText(entity) + L" cannot be rotated"};
+  });
+}
+
+EditResult ModelEditor::transformObject(const OdDbObjectId& entity, const OdGeMatrix3d& transform) {
+  return edit(OdString(L"move"), [&]() -> OdModelerStatus {
+    const OdDbEntityPtr object = OdDbEntity::cast(entity.openObject(OdDb::kForWrite));
+    if (object.isNull()) return refuse(handleText(entity) + L" is no entity");
+    const OdResult moved = object->transformBy(transform);
+    if (moved == eOk) return {};
+    return {moved, L"object " + handleText(entity) + L" cannot be transformed"};
+  });
+}
+
+EditResult ModelEditor::eraseObject(const OdDbObjectId& entity) {
+  return edit(OdString(L"erase"), [&]() -> OdModelerStatus {
+    const bool isSolid = !OdDb3dSolid::cast(entity.openObject()).isNull();
+    if (isSolid) {
+      for (const OdDbObjectId& id : componentsOfSolid(entity)) {
+        const OdDbObjectId insert =
+            VdmComponentFeature::cast(VdmFeature::open(id).get())->insertId();
+        if (insert.openObject().isNull()) continue;
+        if (OdModelerStatus status = erase(insert); !status.ok()) return status;
+      }
+    }
+    return erase(entity);
+  });
+}
+
+// ---- Bodies
+
+EditResult ModelEditor::replaceBody(const OdDbObjectId& solid, OdModelerBodyPtr body) {
+  return edit(OdString(L"replace"), [&]() -> OdModelerStatus {
+    if (!body) return refuse(OdString(L"the new body is null"));
+    OdDb3dSolidPtr object;
+    if (OdModelerStatus status = openSolid(solid, object); !status.ok()) return status;
+    object->setBody(body);
+    return {};
+  });
+}
+
+EditResult ModelEditor::filletEdges(const OdDbObjectId& solid, std::span<const OdUInt32> edges,
+                                    double radius) {
+  return edit(OdString(L"fillet"), [&] {
+    OdDb3dSolidPtr object;
+    OdModelerStatus status = openSolid(solid, object);
+    return status.ok() ? object->filletEdges(edges, radius) : status;
+  });
+}
+
+EditResult ModelEditor::chamferEdges(const OdDbObjectId& solid, std::span<const OdUInt32> edges,
+                                     double distance) {
+  return edit(OdString(L"chamfer"), [&] {
+    OdDb3dSolidPtr object;
+    OdModelerStatus status = openSolid(solid, object);
+    return status.ok() ? object->chamferEdges(edges, distance) : status;
+  });
+}
+
+EditResult ModelEditor::filletReferences(std::span<const OdDbObjectId> references, double radius) {
+  OdDbObjectId solid;
+  std::vector<OdUInt32> edges;
+  EditResult refused;
+  refused.status = resolveEdges(references, solid, edges);
+  return refused.ok() ? filletEdges(solid, edges, radius) : refused;
+}
+
+EditResult ModelEditor::chamferReferences(std::span<const OdDbObjectId> references,
+                                          double distance) {
+  OdDbObjectId solid;
+  std::vector<OdUInt32> edges;
+  EditResult refused;
+  refused.status = resolveEdges(references, solid, edges);
+  return refused.ok() ? chamferEdges(solid, edges, distance) : refused;
+}
+
+EditResult ModelEditor::booleanSolid(OdModelerBooleanKind kind, const OdDbObjectId& solid,
+                                     const OdDbObjectId& tool, bool consumeTool) {
+  return edit(OdString(L"boolean"), [&]() -> OdModelerStatus {
+    if (solid == tool) return refuse(handleText(solid) + L" cannot be its own tool");
+    OdDb3dSolidPtr object;
+    OdModelerStatus status = openSolid(solid, object);
+    if (!status.ok()) return status;
+    {
+      const OdDb3dSolidPtr other = OdDb3dSolid::cast(tool.openObject());
+      if (other.isNull()) return refuse(handleText(tool) + L" is no solid");
+      status = object->booleanOper(kind, *other);
+    }
+    if (!status.ok() || !consumeTool) return status;
+    return erase(tool);
+  });
+}
+
+// ---- Groups
+
+EditGroup::EditGroup(ModelEditor& editor) : m_editor(editor) {
+  if (m_editor.m_undoSteps) m_editor.m_database->startUndoRecord();
+  m_editor.m_inGroup = true;
+  m_transaction = std::make_unique<OdDbTransaction>(m_editor.m_database);
+}
+
+EditGroup::~EditGroup() { m_editor.m_inGroup = false; }
+
+void EditGroup::commit() {
+  if (m_transaction) m_transaction->commit();
+  m_transaction.reset();
+}
+
+}  // namespace vdm_host

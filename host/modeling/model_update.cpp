@@ -1,0 +1,259 @@
+// ModelUpdate: brings a drawing up to date with an edit: references, components, features.
+#include "host/modeling/model_update.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "host/modeling/component_query.h"
+#include "host/modeling/component_tools.h"
+#include "platform/db/block_reference.h"
+#include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/references/vdm_db_object_dependency.h"
+
+namespace vdm_host {
+namespace {
+
+thread_local ModelUpdate* t_current = nullptr;
+
+VdmComponentFeaturePtr openComponent(const OdDbObjectId& id, OdDb::OpenMode mode) {
+  return VdmComponentFeature::cast(VdmFeature::open(id, mode));
+}
+
+// Parallel within about 0.06 degrees: what tells a displaced face from a tilted one.
+constexpr double kParallelCosine = 1.0 - 5e-7;
+
+}  // namespace
+
+ModelUpdate::ModelUpdate(OdDbDatabase* database, OdSolidJournal& journal, UpdateReport& report)
+    : m_database(database),
+      m_journal(journal),
+      m_report(report),
+      m_recorder(report),
+      m_outer(std::exchange(t_current, this)),
+      m_map(std::make_unique<VdmDependenciesReplacementMap>()),
+      m_nextMap(std::make_unique<VdmDependenciesReplacementMap>()) {}
+
+ModelUpdate::~ModelUpdate() { t_current = m_outer; }
+
+ModelUpdate* ModelUpdate::current() { return t_current; }
+
+void ModelUpdate::noteReferences(ReferenceUpdateReport report) {
+  m_references.add(std::move(report));
+}
+
+const OdDbObjectIdArray& ModelUpdate::componentsAt(const OdDbObjectId& solid) const {
+  static const OdDbObjectIdArray kNone;
+  const auto found = m_components.find(solid);
+  return found == m_components.end() ? kNone : found->second;
+}
+
+OdModelerStatus ModelUpdate::run(bool force) {
+  m_force = force;
+  indexComponents();
+  if (OdModelerStatus status = followSolids(); !status.ok()) return status;
+  settleReferences();
+  for (const OdDbObjectId& solid : m_replacedSolids) followBaseFaces(solid);
+  enterChangedInserts();
+  while (runRound()) {
+    if (!m_recorder.failure().ok()) break;
+    if (m_report.numRounds < kMaxRounds) continue;
+    OdString text;
+    text.format(L"the model does not settle: something is still new after %u passes", kMaxRounds);
+    return {eModelerError, text};
+  }
+  if (!m_recorder.failure().ok()) return m_recorder.failure();
+  eraseUnwatched();
+  reportReferences();
+  return {};
+}
+
+void ModelUpdate::indexComponents() {
+  m_managers = featureManagers(m_database);
+  for (const OdDbObjectId& id : m_managers) {
+    const VdmDbFeatureManagerPtr manager = VdmDbFeatureManager::cast(id.safeOpenObject());
+    for (const OdDbObjectId& feature : manager->featureIds()) {
+      const VdmComponentFeaturePtr component = openComponent(feature, OdDb::kForRead);
+      if (!component.isNull()) m_components[component->solidId()].append(feature);
+    }
+  }
+}
+
+// ---- What the edit did to solids
+
+OdModelerStatus ModelUpdate::followSolids() {
+  const std::vector<OdSolidChange> changes(m_journal.changes().begin(), m_journal.changes().end());
+  for (const OdSolidChange& change : changes) {
+    if (change.solid.isNull() || componentsAt(change.solid).isEmpty()) continue;
+    OdModelerStatus status;
+    if (change.kind == OdSolidChangeKind::kMoved)
+      status = carryAlong(change.solid, change.transform);
+    else if (change.kind == OdSolidChangeKind::kBoolean)
+      status = excludeTools(change);
+    else if (change.kind == OdSolidChangeKind::kReplaced)
+      forgetPieces(change.solid);
+    if (!status.ok()) return status;
+  }
+  return {};
+}
+
+// An insert that went along already, or somewhere else, is left where it is.
+OdModelerStatus ModelUpdate::carryAlong(const OdDbObjectId& solid, const OdGeMatrix3d& transform) {
+  if (transform.isIdentity()) return {};
+  for (const OdDbObjectId& id : componentsAt(solid)) {
+    const VdmComponentFeaturePtr component = openComponent(id, OdDb::kForWrite);
+    VdmComponentFeature::Placed placed;
+    if (component.isNull() || !component->placed(placed)) continue;
+    const OdDbBlockReferencePtr insert =
+        OdDbBlockReference::cast(component->insertId().openObject(OdDb::kForWrite));
+    if (!insert.isNull() && insert->blockTransform().isEqualTo(placed.transform))
+      insert->transformBy(transform);
+    component->getDbObject()->assertWriteEnabled();
+    for (const ToolKind kind : {ToolKind::kCut, ToolKind::kFill}) {
+      OdModelerBodyPtr piece = component->piece(kind);
+      if (!piece) continue;
+      OdModelerStatus status = piece->transformed(transform, piece);
+      if (!status.ok()) return status;
+      component->setPiece(kind, piece);
+    }
+    placed.transform = transform * placed.transform;
+    for (OdGeExtents3d& box : placed.box) box.transformBy(transform);
+    placed.basePoint = transform * placed.basePoint;
+    placed.baseNormal = transform * placed.baseNormal;
+    component->setPlaced(placed);
+  }
+  return {};
+}
+
+OdModelerStatus ModelUpdate::excludeTools(const OdSolidChange& change) {
+  const PieceReader reader = [](const OdDbObjectId& feature, ToolKind kind) {
+    return openComponent(feature, OdDb::kForRead)->piece(kind);
+  };
+  ResidueLedger ledger(reader, [](const OdDbObjectId&, ToolKind, OdModelerBodyPtr&) {
+    return OdModelerStatus();
+  });
+  for (const OdDbObjectId& id : componentsAt(change.solid)) {
+    const VdmComponentFeaturePtr component = openComponent(id, OdDb::kForRead);
+    VdmComponentFeature::Placed placed;
+    if (component.isNull() || component->state() != VdmComponentFeature::kStateApplied) continue;
+    if (component->placed(placed)) ledger.add(id).box = placed.box;
+  }
+  for (const OdModelerBodyPtr& tool : change.tools) {
+    if (OdModelerStatus status = ledger.exclude(tool); !status.ok()) return status;
+  }
+  for (ComponentPieces& pieces : ledger.components()) {
+    for (const ToolKind kind : {ToolKind::kCut, ToolKind::kFill}) {
+      if (!pieces.isChanged(kind)) continue;
+      const VdmComponentFeaturePtr component = openComponent(pieces.feature, OdDb::kForWrite);
+      component->getDbObject()->assertWriteEnabled();
+      component->setPiece(kind, pieces.pieceOf(kind));
+    }
+  }
+  return {};
+}
+
+void ModelUpdate::forgetPieces(const OdDbObjectId& solid) {
+  m_replacedSolids.push_back(solid);
+  for (const OdDbObjectId& id : componentsAt(solid)) {
+    const VdmComponentFeaturePtr component = openComponent(id, OdDb::kForWrite);
+    if (component.isNull()) continue;
+    component->getDbObject()->assertWriteEnabled();
+    component->forgetApplied();
+    const VdmDbInsertReactorPtr reactor =
+        VdmDbInsertReactor::cast(component->insertReactorId().openObject(OdDb::kForWrite));
+    if (!reactor.isNull()) reactor->setChanged(true);
+  }
+}
+
+// ---- References
+
+void ModelUpdate::settleReferences() {
+  if (m_journal.changes().empty()) return;
+  ReferenceUpdate update(*m_map);
+  noteReferences(update.settle(m_journal.changes()));
+}
+
+// A base face that was displaced along its normal takes the inserts that stand on it along.
+void ModelUpdate::followBaseFaces(const OdDbObjectId& solid) {
+  const OdDb3dSolidPtr object = OdDb3dSolid::cast(solid.openObject());
+  const OdModelerBodyPtr body = object.isNull() ? nullptr : object->body();
+  if (!body) return;
+  for (const OdDbObjectId& id : componentsAt(solid)) {
+    const VdmComponentFeaturePtr component = openComponent(id, OdDb::kForRead);
+    VdmComponentFeature::Placed placed;
+    if (component.isNull() || !component->placed(placed) || placed.baseNormal.isZeroLength())
+      continue;
+    for (const OdDbObjectId& base : component->baseFaceDependencies()) {
+      const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(base.openObject());
+      if (dependency.isNull() || isUnresolvedIndex(dependency->subentId().index())) continue;
+      const auto index = static_cast<OdUInt32>(dependency->subentId().index());
+      if (!body->hasSubent({OdModelerSubentType::kFace, index})) continue;
+      const OdModelerFace& face = body->face(index);
+      if (face.kind != OdModelerSurfaceKind::kPlane) continue;
+      if (face.axis.dotProduct(placed.baseNormal) < kParallelCosine) continue;
+      const double offset = (face.origin - placed.basePoint).dotProduct(placed.baseNormal);
+      if (std::abs(offset) <= OdGeTol::kDefault.equalPoint()) continue;
+      const OdDbBlockReferencePtr insert =
+          OdDbBlockReference::cast(component->insertId().openObject(OdDb::kForWrite));
+      if (!insert.isNull())
+        insert->transformBy(OdGeMatrix3d::translation(placed.baseNormal * offset));
+    }
+  }
+}
+
+// ---- The passes
+
+void ModelUpdate::enterChangedInserts() {
+  for (const auto& [solid, components] : m_components) {
+    bool solidIsGone = solid.openObject().isNull();
+    for (const OdDbObjectId& id : components) {
+      const VdmComponentFeaturePtr component = openComponent(id, OdDb::kForRead);
+      if (component.isNull()) continue;
+      const VdmDbInsertReactorPtr reactor =
+          VdmDbInsertReactor::cast(component->insertReactorId().openObject());
+      const bool isChanged = solidIsGone || m_force || reactor.isNull() || reactor->hasChanges() ||
+                             component->insertId().isErased();
+      if (isChanged) m_map->addTransformedObject(component->insertId(), OdGeMatrix3d(), false);
+    }
+  }
+}
+
+// One pass over every block; true when it left something new.
+bool ModelUpdate::runRound() {
+  ++m_report.numRounds;
+  m_nextMap = std::make_unique<VdmDependenciesReplacementMap>();
+  for (const OdDbObjectId& id : m_managers) {
+    const VdmDbFeatureManagerPtr manager =
+        VdmDbFeatureManager::cast(id.openObject(OdDb::kForWrite));
+    if (manager.isNull()) continue;
+    EPostprocessingOperationType post = PostprocessNone;
+    manager->updateFeatures(*m_map, false, false, post);
+    if (!m_recorder.failure().ok()) return false;
+  }
+  eraseUnwatched();
+  std::swap(m_map, m_nextMap);
+  return !m_map->isEmptyReplacementDeps();
+}
+
+// The manager leaves replaced dependencies to the owner of the map.
+void ModelUpdate::eraseUnwatched() {
+  for (const OdDbObjectId& id : m_map->getAll()) {
+    const VdmDbObjectDependencyPtr dependency =
+        VdmDbObjectDependency::cast(id.openObject(OdDb::kForWrite));
+    if (!dependency.isNull() && !dependency->isWatched()) dependency->erase();
+  }
+}
+
+void ModelUpdate::reportReferences() {
+  for (const ReferenceChange& change : m_references.changes) {
+    ReferenceReport entry;
+    entry.reference = change.dependency;
+    entry.before = gradeName(change.gradeBefore);
+    entry.after = gradeName(change.grade);
+    entry.text = causeName(change.cause);
+    entry.needsAttention = !isResolved(change.grade) && isResolved(change.gradeBefore);
+    m_report.references.push_back(std::move(entry));
+  }
+}
+
+}  // namespace vdm_host

@@ -1,0 +1,121 @@
+// PassRecorder: fills an UpdateReport with what update passes tell.
+#include "host/modeling/pass_recorder.h"
+
+#include "host/modeling/component_feature.h"
+#include "platform/modeler/modeler.h"
+#include "vdm_db/features/vdm_feature.h"
+
+namespace vdm_host {
+namespace {
+
+bool isSolidPhase(VdmUpdatePhase phase) {
+  return phase == VdmUpdatePhase::kPrepareSubtract || phase == VdmUpdatePhase::kSubtract ||
+         phase == VdmUpdatePhase::kUnite;
+}
+
+}  // namespace
+
+OdString toText(VdmUpdateReason reason) {
+  switch (reason) {
+    case VdmUpdateReason::kForced:
+      return OdString(L"asked for");
+    case VdmUpdateReason::kConstraint:
+      return OdString(L"constraints were solved");
+    case VdmUpdateReason::kDependencyReplaced:
+      return OdString(L"a reference was replaced");
+    case VdmUpdateReason::kDependencyCloned:
+      return OdString(L"a reference was cloned");
+    case VdmUpdateReason::kEntityTransformed:
+      return OdString(L"its solid was moved");
+    case VdmUpdateReason::kSeveralEntities:
+      return OdString(L"refers to several entities or to none");
+    case VdmUpdateReason::kInsertTransformed:
+      return OdString(L"its insert was changed");
+  }
+  return {};
+}
+
+OdString toText(VdmUpdatePhase phase) {
+  static const wchar_t* const kNames[] = {L"intake",   L"removal", L"healing",       L"cutting",
+                                          L"adding",   L"update",  L"initialising",  L"late removal",
+                                          L"references"};
+  return OdString(kNames[static_cast<std::size_t>(phase)]);
+}
+
+PassRecorder::PassRecorder(UpdateReport& report) : m_report(report) {}
+
+// Names are read at the first mention: a feature that is condemned cannot be asked later.
+FeatureReport& PassRecorder::entry(const OdDbObjectId& feature) {
+  FeatureReport& report = m_report.feature(feature);
+  if (!report.name.isEmpty()) return report;
+  const VdmFeaturePtr object = VdmFeature::open(feature);
+  if (object.isNull()) return report;
+  report.name = object->name();
+  const VdmComponentFeaturePtr component = VdmComponentFeature::cast(object.get());
+  if (!component.isNull()) report.component = component->componentName();
+  return report;
+}
+
+void PassRecorder::noteFailure(const OdDbObjectId& feature, OdModelerStatus status) {
+  FeatureReport& report = entry(feature);
+  report.outcome = FeatureOutcome::kFailed;
+  report.text = status.text;
+  if (!report.name.isEmpty()) status.text = report.name + L": " + status.text;
+  if (m_failure.ok()) m_failure = std::move(status);
+}
+
+void PassRecorder::noteStep(const OdDbObjectId& feature, const OdDbObjectId& solid,
+                            SolidAction action) {
+  FeatureReport& report = entry(feature);
+  if (report.outcome == FeatureOutcome::kChecked) report.outcome = FeatureOutcome::kUpdated;
+  report.steps.push_back({solid, action});
+}
+
+void PassRecorder::phaseBegan(VdmUpdatePhase phase) { m_began[phase] = Clock::now(); }
+
+void PassRecorder::phaseEnded(VdmUpdatePhase phase) {
+  const double seconds = std::chrono::duration<double>(Clock::now() - m_began[phase]).count();
+  m_report.addPhase(toText(phase), seconds);
+  if (isSolidPhase(phase)) m_report.modelerSeconds += seconds;
+}
+
+void PassRecorder::featureSkipped(const OdDbObjectId& /*feature*/) { ++m_report.numSkipped; }
+
+void PassRecorder::featureTaken(const OdDbObjectId& feature, VdmUpdateReason reason) {
+  ++m_numTaken;
+  FeatureReport& report = entry(feature);
+  if (report.reason.isEmpty()) report.reason = toText(reason);
+}
+
+void PassRecorder::featurePrepared(const OdDbObjectId& feature, VdmUpdatePreparation result) {
+  if (result == VdmUpdatePreparation::kCondemned)
+    entry(feature).outcome = FeatureOutcome::kCondemned;
+}
+
+void PassRecorder::featureCondemned(const OdDbObjectId& feature) {
+  entry(feature).outcome = FeatureOutcome::kCondemned;
+}
+
+void PassRecorder::featureFailed(const OdDbObjectId& feature, const OdString& text) {
+  noteFailure(feature, {eModelerError, text});
+}
+
+void PassRecorder::solidChanged(const OdDbObjectId& solid, OdModelerBooleanKind kind,
+                                const OdDbObjectIdArray& sources) {
+  const SolidAction action =
+      kind == OdModelerBooleanKind::kSubtract ? SolidAction::kCut : SolidAction::kAdded;
+  for (const OdDbObjectId& feature : sources) noteStep(feature, solid, action);
+}
+
+void PassRecorder::solidFailed(const OdDbObjectId& solid, OdModelerBooleanKind /*kind*/,
+                               const OdString& text) {
+  if (!m_failure.ok()) return;
+  m_failure = {eModelerError, OdString(L"solid ") + solid.getHandle().ascii() + L": " + text};
+}
+
+void PassRecorder::transactionAborted(VdmUpdatePhase phase) {
+  if (m_failure.ok())
+    m_failure = {eModelerError, toText(phase) + L" of the solids failed"};
+}
+
+}  // namespace vdm_host

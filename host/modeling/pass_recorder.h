@@ -1,0 +1,52 @@
+// PassRecorder: fills an UpdateReport with what update passes tell.
+#pragma once
+
+#include <chrono>
+#include <map>
+
+#include "host/modeling/update_report.h"
+#include "platform/modeler/modeler_status.h"
+#include "vdm_db/features/vdm_update_observer.h"
+
+namespace vdm_host {
+
+/// Hears any number of passes one after the other. Outlives them.
+class PassRecorder final : public VdmUpdateObserver {
+ public:
+  explicit PassRecorder(UpdateReport& report);
+
+  /// The first failure; ok while there was none.
+  [[nodiscard]] const OdModelerStatus& failure() const { return m_failure; }
+  /// A failure of one feature's operation; the pass goes on, and is rolled back by its host.
+  void noteFailure(const OdDbObjectId& feature, OdModelerStatus status);
+  void noteStep(const OdDbObjectId& feature, const OdDbObjectId& solid, SolidAction action);
+  [[nodiscard]] OdUInt32 numTaken() const { return m_numTaken; }
+
+  void phaseBegan(VdmUpdatePhase phase) override;
+  void phaseEnded(VdmUpdatePhase phase) override;
+  void featureSkipped(const OdDbObjectId& feature) override;
+  void featureTaken(const OdDbObjectId& feature, VdmUpdateReason reason) override;
+  void featurePrepared(const OdDbObjectId& feature, VdmUpdatePreparation result) override;
+  void featureCondemned(const OdDbObjectId& feature) override;
+  void featureFailed(const OdDbObjectId& feature, const OdString& text) override;
+  void solidChanged(const OdDbObjectId& solid, OdModelerBooleanKind kind,
+                    const OdDbObjectIdArray& sources) override;
+  void solidFailed(const OdDbObjectId& solid, OdModelerBooleanKind kind,
+                   const OdString& text) override;
+  void transactionAborted(VdmUpdatePhase phase) override;
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  FeatureReport& entry(const OdDbObjectId& feature);
+
+  UpdateReport& m_report;
+  OdModelerStatus m_failure;
+  std::map<VdmUpdatePhase, Clock::time_point> m_began;
+  OdUInt32 m_numTaken = 0;
+};
+
+[[nodiscard]] OdString toText(VdmUpdateReason reason);
+[[nodiscard]] OdString toText(VdmUpdatePhase phase);
+
+}  // namespace vdm_host

@@ -1,0 +1,123 @@
+// Residues: the pieces that components took from a solid or added to it, and healing with them.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <span>
+#include <vector>
+
+#include "platform/filer/object_id.h"
+#include "platform/ge/extents3d.h"
+#include "platform/modeler/db_3d_solid.h"
+
+namespace vdm_host {
+
+/// What a component's tool does to the solid, and which of its residues is meant.
+enum class ToolKind : std::size_t { kCut = 0, kFill = 1 };
+inline constexpr std::size_t kToolKindCount = 2;
+
+/// Reads the stored residue of a component; null when it has none.
+using PieceReader = std::function<OdModelerBodyPtr(const OdDbObjectId& feature, ToolKind)>;
+
+/// One component at one solid. Null bodies and invalid boxes: none.
+class ComponentPieces {
+ public:
+  /// With a reader the pieces are those that are stored, read when they are first needed.
+  explicit ComponentPieces(const OdDbObjectId& ofFeature, const PieceReader* reader = nullptr)
+      : feature(ofFeature), m_reader(reader) {}
+
+  OdDbObjectId feature;
+  /// Boxes of the tools as they were last applied, in the coordinates of the solid's block.
+  std::array<OdGeExtents3d, kToolKindCount> box;
+  bool heals = false;  ///< its pieces are given back
+
+  [[nodiscard]] const OdModelerBodyPtr& pieceOf(ToolKind kind);
+  [[nodiscard]] bool hasPiece(ToolKind kind) { return pieceOf(kind) != nullptr; }
+  OdGeExtents3d& boxOf(ToolKind kind) { return box[static_cast<std::size_t>(kind)]; }
+  /// Null takes the piece away.
+  void setPiece(ToolKind kind, OdModelerBodyPtr body);
+  /// The piece differs from what is stored.
+  [[nodiscard]] bool isChanged(ToolKind kind) const {
+    return m_pieces[static_cast<std::size_t>(kind)].changed;
+  }
+
+ private:
+  struct Piece {
+    OdModelerBodyPtr body;
+    bool read = false;
+    bool changed = false;
+  };
+  std::array<Piece, kToolKindCount> m_pieces;
+  const PieceReader* m_reader;
+};
+
+/// The pieces of all components of one solid. A solid is (G + fills) - cuts, with G the part without
+/// components: the order in which components came does not matter.
+///
+/// Laws, with B the present solid, C a cut tool and F a fill tool as last applied:
+///   1. the piece of a cut is what B + all cut pieces has within C and no other cut's piece has; the
+///      piece of a fill is what F has outside of G and no other fill's piece has. Pieces of one kind
+///      are disjoint;
+///   2. healing a cut gives its piece back, less what other cuts that stay reach; that part becomes
+///      theirs;
+///   3. healing a fill takes its piece away, less what other fills that stay reach; that part
+///      becomes theirs. The pieces of cuts lose what went;
+///   4. what others do to the solid is final there: pieces lose what the other tool reaches.
+///
+/// All operations return the modeller's status; after a failure the pieces are of no use, and the
+/// caller rolls back.
+class ResidueLedger {
+ public:
+  /// Makes the tool of a component as it was last applied; called only where tools overlap.
+  using ToolMaker =
+      std::function<OdModelerStatus(const OdDbObjectId& feature, ToolKind, OdModelerBodyPtr&)>;
+
+  ResidueLedger() = default;
+  ResidueLedger(PieceReader reader, ToolMaker toolMaker);
+  ResidueLedger(const ResidueLedger&) = delete;
+  ResidueLedger& operator=(const ResidueLedger&) = delete;
+
+  /// A component that is at the solid already; its boxes are to be filled in.
+  ComponentPieces& add(const OdDbObjectId& feature);
+  [[nodiscard]] std::vector<ComponentPieces>& components() { return m_components; }
+  /// Null when the feature has none.
+  [[nodiscard]] ComponentPieces* find(const OdDbObjectId& feature);
+
+  /// Laws 2 and 3 for all components that heal; these have no pieces and no boxes afterwards.
+  OdModelerStatus heal(OdDb3dSolid& solid);
+  /// Takes in the pieces of new cuts before they are made; `tools` belong to `features`. A tool that
+  /// takes nothing away gives no piece.
+  OdModelerStatus takeCuts(const OdModelerBodyPtr& before, std::span<const OdDbObjectId> features,
+                           std::span<const OdModelerBodyPtr> tools);
+  /// The same for fills. What cuts reach is taken off the tools, so that they stay open; a tool of
+  /// which nothing is left is emptied.
+  OdModelerStatus takeFills(const OdModelerBodyPtr& before, std::span<const OdDbObjectId> features,
+                            std::span<const OdSmartPtr<OdDb3dSolid>> tools);
+  /// Law 4 for a tool that somebody else applied to the solid.
+  OdModelerStatus exclude(const OdModelerBodyPtr& tool);
+
+ private:
+  OdModelerStatus handOver(ComponentPieces& from, ToolKind kind);
+  OdModelerStatus loseTo(ToolKind kind, const OdModelerBodyPtr& body, const OdGeExtents3d& box);
+  OdModelerStatus addedBy(const OdModelerBodyPtr& before, const OdModelerBodyPtr& tool,
+                          std::span<const OdModelerBodyPtr> earlier, OdModelerBodyPtr& added);
+  OdModelerStatus keepCutsOpen(OdDb3dSolid& tool, const OdModelerBodyPtr& added);
+  ComponentPieces& component(const OdDbObjectId& feature);
+
+  PieceReader m_reader;
+  std::vector<ComponentPieces> m_components;
+  ToolMaker m_toolMaker;
+};
+
+/// a and b in common, a without b, a and b together. Null stands for nothing, as argument and as
+/// result: nothing left is no failure.
+OdModelerStatus commonOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
+                         OdModelerBodyPtr& result);
+OdModelerStatus differenceOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
+                             OdModelerBodyPtr& result);
+OdModelerStatus unionOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
+                        OdModelerBodyPtr& result);
+/// Whether two boxes have a point in common; false when one is invalid.
+[[nodiscard]] bool overlap(const OdGeExtents3d& a, const OdGeExtents3d& b);
+
+}  // namespace vdm_host

@@ -1,0 +1,376 @@
+// UpdateHelper: planning, healing and cutting. The results are in update_helper_results.cpp.
+#include "host/modeling/update_helper.h"
+
+#include <algorithm>
+
+#include "host/modeling/component_query.h"
+#include "host/modeling/model_update.h"
+#include "host/modeling/update_helper_site.h"
+#include "host/naming/reference_record.h"
+#include "platform/db/block_reference.h"
+#include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/features/vdm_feature_subents_to_remove.h"
+#include "vdm_db/features/vdm_feature_update_data.h"
+#include "vdm_db/features/vdm_update_feature_interface.h"
+#include "vdm_db/references/vdm_db_object_dependency.h"
+
+namespace vdm_host {
+namespace {
+
+thread_local UpdateHelper* t_current = nullptr;
+
+OdModelerBodyPtr storedPiece(const OdDbObjectId& feature, ToolKind kind) {
+  const VdmComponentFeaturePtr component = VdmComponentFeature::cast(VdmFeature::open(feature).get());
+  return component.isNull() ? nullptr : component->piece(kind);
+}
+
+// Faces that references of the feature stand for at present, with the number of the tool's face.
+std::vector<std::pair<int, OdUInt32>> presentFaces(const VdmComponentFeature& feature) {
+  std::vector<std::pair<int, OdUInt32>> faces;
+  for (const auto& [tag, dependencies] : feature.openingDependencies()) {
+    for (const OdDbObjectId& id : dependencies) {
+      const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+      if (dependency.isNull() || isUnresolvedIndex(dependency->subentId().index())) continue;
+      faces.emplace_back(tag, static_cast<OdUInt32>(dependency->subentId().index()));
+    }
+  }
+  return faces;
+}
+
+OdUInt32 totalFaces(const BlockTools& tools) {
+  OdUInt32 total = 0;
+  for (const auto& bodies : tools.bodies) {
+    for (const OdModelerBodyPtr& body : bodies) total += body->numFaces();
+  }
+  return total;
+}
+
+}  // namespace
+
+UpdateHelper::UpdateHelper(VdmFeatureUpdateData& data)
+    : VdmFeatureUpdateDataHelper(data),
+      m_update(ModelUpdate::current()),
+      m_outer(std::exchange(t_current, this)) {
+  if (OdSolidJournal::current() == nullptr) m_ownJournal.emplace();
+  m_journal = OdSolidJournal::current();
+  m_journalStart = m_journal->mark();
+  if (m_update != nullptr) data.setObserver(&m_update->recorder());
+}
+
+UpdateHelper::~UpdateHelper() { t_current = m_outer; }
+
+UpdateHelper* UpdateHelper::current() { return t_current; }
+
+bool UpdateHelper::failed() const {
+  return m_failed || (m_update != nullptr && !m_update->recorder().failure().ok());
+}
+
+bool UpdateHelper::fail(const OdDbObjectId& feature, OdModelerStatus status) {
+  m_failed = true;
+  if (m_update != nullptr) m_update->recorder().noteFailure(feature, std::move(status));
+  return false;
+}
+
+// ---- Planning
+
+UpdateHelper::Work* UpdateHelper::findWork(const OdDbObjectId& feature) {
+  const auto found = m_workIndex.find(feature);
+  return found == m_workIndex.end() ? nullptr : &m_work[found->second];
+}
+
+bool UpdateHelper::worked(const OdDbObjectId& feature) const {
+  return !failed() && m_workIndex.contains(feature);
+}
+
+ComponentPlan UpdateHelper::plan(const VdmComponentFeature& feature) {
+  Work work;
+  work.feature = feature.objectId();
+  work.solid = feature.solidId();
+  work.wasPlaced = feature.placed(work.before);
+  work.heals = feature.state() == VdmComponentFeature::kStateApplied;
+  planAt(feature, work);
+  if (!work.heals && !work.applies && !work.condemned && work.state == feature.state())
+    return ComponentPlan::kNothing;
+  const bool condemned = work.condemned;
+  if (work.heals || work.applies) enterSite(feature, work);
+  m_workIndex[work.feature] = m_work.size();
+  m_work.push_back(std::move(work));
+  return condemned ? ComponentPlan::kCondemned : ComponentPlan::kWork;
+}
+
+// What is given back is read now: a condemned component is erased before solids are healed.
+void UpdateHelper::enterSite(const VdmComponentFeature& feature, Work& work) {
+  Site& site = siteOf(work.solid);
+  if (!work.heals) return;
+  work.oldFaces = presentFaces(feature);
+  ComponentPieces& pieces = site.ledger.add(work.feature);
+  pieces.heals = true;
+  pieces.box = work.before.box;
+  for (const ToolKind kind : {ToolKind::kCut, ToolKind::kFill}) (void)pieces.pieceOf(kind);
+}
+
+// Fills in what the insert asks for; a component that is as it is to be neither heals nor applies.
+void UpdateHelper::planAt(const VdmComponentFeature& feature, Work& work) {
+  work.state = feature.state();
+  if (OdDb3dSolid::cast(work.solid.openObject()).isNull()) {
+    work.condemned = true;
+    work.heals = false;
+    return;
+  }
+  const OdDbBlockReferencePtr insert = OdDbBlockReference::cast(feature.insertId().openObject());
+  if (insert.isNull()) {
+    work.condemned = true;
+    return;
+  }
+  if (insert->layer().iCompare(OdString(VdmComponentFeature::kSuppressLayer)) == 0) {
+    work.state = VdmComponentFeature::kStateSuppressed;
+    return;
+  }
+  work.now = insert->blockTransform();
+  work.toolStamp = m_tools.of(insert->blockTableRecord()).stamp;
+  const bool isForced = m_update != nullptr && m_update->isForced(work.feature);
+  const bool isCurrent = work.heals && work.wasPlaced && work.toolStamp == feature.toolStamp() &&
+                         work.now.isEqualTo(work.before.transform);
+  work.state = VdmComponentFeature::kStateApplied;
+  if (isCurrent && !isForced) {
+    work.heals = false;
+    return;
+  }
+  work.applies = true;
+}
+
+bool UpdateHelper::getMatchingFaces(VdmUpdateFeatureInterface* /*updateInterface*/,
+                                    OdDbObjectId feature,
+                                    const VdmFeatureUpdateDataUtils::OpeningIds& /*opening*/,
+                                    VdmFeatureUpdateDataUtils::FeatureArgs& args) {
+  const VdmComponentFeaturePtr component = VdmComponentFeature::cast(VdmFeature::open(feature).get());
+  if (component.isNull()) return false;
+  const ComponentPlan due = plan(*component);
+  if (due == ComponentPlan::kCondemned) updateData().appendFeatureToRemove(feature);
+  if (due != ComponentPlan::kWork) {
+    const VdmDbInsertReactorPtr reactor = VdmDbInsertReactor::cast(
+        component->insertReactorId().openObject());
+    if (due == ComponentPlan::kNothing && !reactor.isNull() && reactor->hasChanges())
+      reactor->setChanged(false);
+    return false;
+  }
+  for (const auto& [tag, face] : findWork(feature)->oldFaces) {
+    const auto marker = static_cast<OdUInt32>(odSubentToMarker({OdModelerSubentType::kFace, face}));
+    args.sampleFaces[tag].append({marker, marker});
+  }
+  appendSampleFeature(feature, args.sampleFaces);
+  for (const OdDbObjectId& id : component->baseFaceDependencies()) {
+    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    if (dependency.isNull() || isUnresolvedIndex(dependency->subentId().index())) continue;
+    const OdModelerSubent face{OdModelerSubentType::kFace,
+                               static_cast<OdUInt32>(dependency->subentId().index())};
+    const auto marker = static_cast<OdUInt32>(odSubentToMarker(face));
+    args.subtrBaseFaces[VdmComponentFeature::kBaseFaceTag] = {marker, marker};
+  }
+  if (!args.subtrBaseFaces.empty()) appendSubtrBaseFace(feature, args.subtrBaseFaces);
+  return true;
+}
+
+void UpdateHelper::collectForEntity(const OdDbObjectId& /*entity*/, const IdSet& /*features*/) {}
+void UpdateHelper::collectDependentsForEntity(const OdDbObjectId& /*entity*/,
+                                              const IdSet& /*features*/) {}
+
+// Healing is done for whole solids, before the cuts.
+bool UpdateHelper::removeSubents(const OdDbObjectId& entityId, OdSmartPtr<OdDbEntity>& /*entity*/,
+                                 VdmFeatureSubentsToRemove& record, bool /*flag*/) {
+  const bool heals = std::ranges::any_of(m_sites, [&](const auto& s) { return s->solid == entityId; });
+  if (heals) record.subents.clear();
+  return heals;
+}
+
+bool UpdateHelper::clearEntity(OdSmartPtr<OdDbEntity>& /*entity*/) { return false; }
+
+// ---- Tools
+
+bool UpdateHelper::addCopiesToUpdateData(VdmUpdateFeatureInterface* /*updateInterface*/,
+                                         OdDbObjectId feature, VdmOpeningEntities& entities) {
+  Work* work = findWork(feature);
+  if (work == nullptr || !work->applies) return false;
+  const BlockTools& tools = m_tools.of(entities.insert->blockTableRecord());
+  if (totalFaces(tools) == 0) {
+    fail(feature, {eNotApplicable, OdString(L"its block has no solids for subtracting or uniting")});
+    return false;
+  }
+  int faces = 0;
+  for (const ToolKind kind : {ToolKind::kCut, ToolKind::kFill}) {
+    for (const OdModelerBodyPtr& body : tools.of(kind)) {
+      Tool tool{feature, kind, nullptr, faces};
+      const OdModelerStatus status = body->transformed(work->now, tool.body);
+      if (!status.ok()) return fail(feature, status);
+      faces += static_cast<int>(body->numFaces());
+      OdDb3dSolidPtr copy = OdDb3dSolid::createObject();
+      copy->setBody(tool.body);
+      if (kind == ToolKind::kCut)
+        appendSolidToSubtract(feature, work->solid, copy);
+      else
+        appendSolidToUnite(feature, work->solid, copy);
+      m_toolOf[copy.get()] = tool;
+      work->tools.push_back(std::move(tool));
+    }
+  }
+  return true;
+}
+
+void UpdateHelper::addGrossData(VdmUpdateFeatureInterface* /*updateInterface*/,
+                                const OdDbObjectId& feature,
+                                OdSmartPtr<OdDbBlockReference> insert,
+                                OdSmartPtr<OdDb3dSolid> solid) {
+  const BlockTools& tools = m_tools.of(insert->blockTableRecord());
+  const OdGeMatrix3d placement = insert->blockTransform();
+  for (const ToolKind kind : {ToolKind::kCut, ToolKind::kFill}) {
+    Queue& queue = kind == ToolKind::kCut ? subtractorsOnLayers() : unitersOnLayers();
+    for (const OdModelerBodyPtr& body : tools.of(kind)) {
+      OdModelerBodyPtr placed;
+      if (!body->transformed(placement, placed).ok()) continue;
+      OdDb3dSolidPtr copy = OdDb3dSolid::createObject();
+      copy->setBody(placed);
+      appendSolid(feature, solid->objectId(), copy, queue);
+    }
+  }
+}
+
+OdModelerStatus UpdateHelper::appliedTool(const OdDbObjectId& feature, ToolKind kind,
+                                          OdModelerBodyPtr& tool) {
+  if (const Work* work = findWork(feature); work != nullptr && work->applies) {
+    tool = nullptr;
+    for (const Tool& own : work->tools) {
+      if (own.kind != kind) continue;
+      OdModelerBodyPtr all;
+      OdModelerStatus status = unionOf(tool, own.body, all);
+      if (!status.ok()) return status;
+      tool = all;
+    }
+    return {};
+  }
+  const VdmComponentFeaturePtr component = VdmComponentFeature::cast(VdmFeature::open(feature).get());
+  VdmComponentFeature::Placed placed;
+  tool = nullptr;
+  if (component.isNull() || !component->placed(placed)) return {};
+  const OdDbBlockReferencePtr insert =
+      OdDbBlockReference::cast(component->insertId().openObject(OdDb::kForRead, true));
+  if (insert.isNull()) return {};
+  return placedTool(m_tools.of(insert->blockTableRecord()), kind, placed.transform, tool);
+}
+
+// ---- Solids
+
+UpdateHelper::Site& UpdateHelper::siteOf(const OdDbObjectId& solid) {
+  for (const std::unique_ptr<Site>& site : m_sites) {
+    if (site->solid == solid) return *site;
+  }
+  const auto toolMaker = [this](const OdDbObjectId& feature, ToolKind kind, OdModelerBodyPtr& tool) {
+    return appliedTool(feature, kind, tool);
+  };
+  return *m_sites.emplace_back(std::make_unique<Site>(solid, storedPiece, toolMaker));
+}
+
+const OdDbObjectIdArray& UpdateHelper::componentsAt(const OdDbObjectId& solid) {
+  if (m_update != nullptr) return m_update->componentsAt(solid);
+  m_componentsOfSite = componentsOfSolid(solid);
+  return m_componentsOfSite;
+}
+
+// The components that stay; those that heal were entered when they were planned.
+void UpdateHelper::fillSite(Site& site) {
+  if (site.isFilled) return;
+  site.isFilled = true;
+  for (const OdDbObjectId& id : componentsAt(site.solid)) {
+    if (const Work* work = findWork(id); work != nullptr && work->heals) continue;
+    const VdmComponentFeaturePtr component = VdmComponentFeature::cast(VdmFeature::open(id).get());
+    VdmComponentFeature::Placed placed;
+    if (component.isNull() || component->state() != VdmComponentFeature::kStateApplied ||
+        !component->placed(placed))
+      continue;
+    site.ledger.add(id).box = placed.box;
+  }
+}
+
+OdModelerStatus UpdateHelper::healSite(Site& site) {
+  OdDb3dSolidPtr solid = OdDb3dSolid::cast(site.solid.openObject(OdDb::kForWrite));
+  if (solid.isNull()) return {eNotOpenForWrite, OdString(L"the solid cannot be opened for write")};
+  for (Work& work : m_work) {
+    if (work.solid != site.solid || !work.heals) continue;
+    if (OdModelerStatus status = healWithoutResidue(site, work, *solid); !status.ok()) return status;
+    if (m_update != nullptr)
+      m_update->recorder().noteStep(work.feature, site.solid, SolidAction::kHealed);
+  }
+  return site.ledger.heal(*solid);
+}
+
+// An opening whose residue is lost: its faces are taken off, and the modeller closes the rest.
+OdModelerStatus UpdateHelper::healWithoutResidue(Site& site, Work& work, OdDb3dSolid& solid) {
+  ComponentPieces* pieces = site.ledger.find(work.feature);
+  const bool hasPiece = pieces != nullptr &&
+                        (pieces->hasPiece(ToolKind::kCut) || pieces->hasPiece(ToolKind::kFill));
+  if (hasPiece || work.oldFaces.empty()) return {};
+  std::vector<OdUInt32> faces;
+  for (const auto& [tag, face] : work.oldFaces) faces.push_back(face);
+  OdModelerStatus status = solid.removeFaces(faces);
+  if (!status.ok())
+    status.text = OdString(L"its residue is lost and its faces cannot be taken off: ") + status.text;
+  return status;
+}
+
+bool UpdateHelper::prepareForSubtract() {
+  if (m_failed) return false;
+  for (const std::unique_ptr<Site>& site : m_sites) {
+    fillSite(*site);
+    OdModelerStatus status = healSite(*site);
+    if (status.ok()) continue;
+    const auto healed = std::ranges::find_if(
+        m_work, [&](const Work& work) { return work.heals && work.solid == site->solid; });
+    return fail(healed == m_work.end() ? OdDbObjectId() : healed->feature, std::move(status));
+  }
+  return true;
+}
+
+// Writes down what the tools take away or add; tools are united in one operation.
+OdModelerStatus UpdateHelper::takeTools(Site& site, OdDb3dSolid& solid, Tools& tools) {
+  std::vector<OdDbObjectId> features;
+  std::vector<OdModelerBodyPtr> bodies;
+  std::vector<OdDb3dSolidPtr> solids;
+  ToolKind kind = ToolKind::kCut;
+  for (const OdDb3dSolidPtr& tool : tools) {
+    const auto known = m_toolOf.find(tool.get());
+    if (known == m_toolOf.end()) continue;
+    kind = known->second.kind;
+    features.push_back(known->second.feature);
+    bodies.push_back(known->second.body);
+    solids.push_back(tool);
+  }
+  const OdModelerBodyPtr before = solid.body();
+  OdModelerStatus status = kind == ToolKind::kCut
+                               ? site.ledger.takeCuts(before, features, bodies)
+                               : site.ledger.takeFills(before, features, solids);
+  if (!status.ok()) return status;
+  // What takes nothing away, and what nothing is left of, is no tool.
+  tools.clear();
+  for (std::size_t i = 0; i < solids.size(); ++i) {
+    ComponentPieces* pieces = site.ledger.find(features[i]);
+    const bool works = kind == ToolKind::kCut ? pieces->hasPiece(kind) : !solids[i]->isNull();
+    if (works) tools.append(solids[i]);
+  }
+  if (tools.size() < 2) return {};
+  std::vector<OdModelerBodyPtr> others;
+  for (OdUInt32 i = 1; i < tools.size(); ++i) others.push_back(tools[i]->body());
+  status = tools[0]->booleanOper(OdModelerBooleanKind::kUnite, others);
+  tools.resize(1);
+  return status;
+}
+
+bool UpdateHelper::checkTools(OdSmartPtr<OdDb3dSolid>& solid, Tools& tools) {
+  Site& site = siteOf(solid->objectId());
+  fillSite(site);
+  const auto known = tools.isEmpty() ? m_toolOf.end() : m_toolOf.find(tools[0].get());
+  const OdDbObjectId feature = known == m_toolOf.end() ? OdDbObjectId() : known->second.feature;
+  OdModelerStatus status = takeTools(site, *solid, tools);
+  if (!status.ok()) return fail(feature, std::move(status));
+  return !tools.isEmpty();
+}
+
+}  // namespace vdm_host

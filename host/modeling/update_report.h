@@ -1,0 +1,72 @@
+// What an edit and its update pass did, and why: plain data for people and programs.
+#pragma once
+
+#include <vector>
+
+#include "platform/base/string.h"
+#include "platform/filer/object_id.h"
+
+namespace vdm_host {
+
+/// What came of a feature in a pass. Features that had nothing to do are only counted.
+enum class FeatureOutcome {
+  kChecked,    ///< looked at and found up to date
+  kUpdated,    ///< its solid operations were done anew
+  kFailed,     ///< an operation or its update failed
+  kCondemned,  ///< erased: its insert or its solid is gone
+};
+
+/// What was done to a solid on behalf of a feature.
+enum class SolidAction { kHealed, kRemoved, kCut, kAdded };
+
+struct SolidStep {
+  OdDbObjectId solid;
+  SolidAction action = SolidAction::kHealed;
+};
+
+struct FeatureReport {
+  OdDbObjectId feature;
+  OdString name;
+  OdString component;  ///< name of its block; empty for features without
+  FeatureOutcome outcome = FeatureOutcome::kChecked;
+  OdString reason;  ///< why it took part
+  OdString text;    ///< what went wrong; empty when nothing did
+  std::vector<SolidStep> steps;
+};
+
+/// A reference that stands for something else, or stands otherwise, than before.
+struct ReferenceReport {
+  OdDbObjectId reference;
+  OdString before;  ///< grade before and after: "exact", "by lineage", "split", "merged",
+  OdString after;   ///< "by signature", "ambiguous", "lost"
+  OdString text;    ///< what decided
+  bool needsAttention = false;  ///< it is ambiguous or lost now
+};
+
+struct PhaseReport {
+  OdString phase;
+  double seconds = 0.0;
+};
+
+struct UpdateReport {
+  std::vector<FeatureReport> features;  ///< those that took part, in the order of the pass
+  OdUInt32 numSkipped = 0;              ///< features that had nothing to do
+  OdUInt32 numRounds = 0;               ///< passes until nothing was new
+  std::vector<ReferenceReport> references;
+  std::vector<PhaseReport> phases;  ///< summed over all rounds, in the order of first appearance
+  double seconds = 0.0;             ///< of the whole edit
+  double modelerSeconds = 0.0;      ///< of that, in healing and booleans
+  bool rolledBack = false;          ///< the drawing is as it was before
+  OdString rollbackReason;
+
+  /// Nothing failed, and no reference became lost or ambiguous.
+  [[nodiscard]] bool isSound() const;
+  /// The feature's entry, made when it is missing.
+  FeatureReport& feature(const OdDbObjectId& id);
+  void addPhase(const OdString& phase, double seconds);
+};
+
+[[nodiscard]] OdString toText(FeatureOutcome outcome);
+[[nodiscard]] OdString toText(SolidAction action);
+
+}  // namespace vdm_host
