@@ -1,0 +1,38 @@
+// References by Open CASCADE's naming, in a document of their own.
+#pragma once
+
+#include <Standard_Handle.hxx>
+#include <TDF_Data.hxx>
+#include <TDF_Label.hxx>
+#include <TDF_LabelMap.hxx>
+#include <span>
+#include <vector>
+
+#include "bench/naming/stage.h"
+
+namespace naming_bench {
+
+class LabelNaming {
+ public:
+  LabelNaming();
+  ~LabelNaming();
+  LabelNaming(const LabelNaming&) = delete;
+  LabelNaming& operator=(const LabelNaming&) = delete;
+
+  /// Records the faces of a fresh part.
+  void begin(const OdModelerBodyPtr& body);
+  /// Names subentities of the present body; their numbers go on from those named before.
+  void select(std::span<const OdModelerSubent> references);
+  /// Records an edit.
+  void edited(const EditTrace& edit);
+  /// What a reference is in the present body; none when the framework finds nothing.
+  void solve(std::size_t reference, std::vector<OdModelerSubent>& found);
+
+ private:
+  Handle(TDF_Data) m_data;
+  TDF_LabelMap m_valid;  // where names may lead
+  std::vector<TDF_Label> m_selections;
+  OdModelerBodyPtr m_body;
+};
+
+}  // namespace naming_bench

@@ -1,0 +1,57 @@
+// A drawing with one solid and persistent references into it, as a host keeps them.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "bench/naming/method.h"
+#include "platform/db/database.h"
+#include "platform/db/host_app_services.h"
+#include "platform/filer/object_id.h"
+
+namespace vdm_host {
+class ReferenceUpdate;
+}
+
+namespace naming_bench {
+
+/// The drawing runtime, the modeller, the module and the host's naming, while it lives. One in a
+/// process at a time.
+class DrawingRuntime {
+ public:
+  /// Raises when the module's file cannot be loaded.
+  DrawingRuntime();
+  ~DrawingRuntime();
+  DrawingRuntime(const DrawingRuntime&) = delete;
+  DrawingRuntime& operator=(const DrawingRuntime&) = delete;
+};
+
+/// References are dependencies of the model space's manager, each watched by one object, as the
+/// module asks of references that are to be split and merged. Needs a DrawingRuntime.
+class ReferenceDrawing {
+ public:
+  ReferenceDrawing(const OdModelerBodyPtr& body, std::span<const OdModelerSubent> references);
+
+  /// Does the edit's operations on the solid under a journal, then brings the references up to
+  /// date; all in one transaction.
+  void edit(const EditTrace& edit);
+  /// What a reference is now.
+  [[nodiscard]] Answer answer(std::size_t reference) const;
+
+ private:
+  void replay(const EditTrace& edit);
+  void tellRespawns(vdm_host::ReferenceUpdate& update, const std::vector<Respawn>& respawns);
+  void watch(const OdDbObjectIdArray& dependencies);
+
+  OdDbHostAppServices m_services;
+  OdDbDatabasePtr m_database;
+  OdDbObjectId m_solid;
+  OdDbObjectId m_watcher;
+  std::map<std::string, OdDbHandle> m_features;
+  std::vector<OdDbObjectIdArray> m_references;  // several once split
+};
+
+}  // namespace naming_bench
