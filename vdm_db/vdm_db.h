@@ -3,6 +3,7 @@
 
 #include "vdm_db/cloning/vdm_database_utils.h"
 #include "vdm_db/cloning/vdm_id_mappings.h"
+#include "vdm_db/cloning/vdm_remapping_bracket.h"
 #include "vdm_db/constraints/vdm_constraint.h"
 #include "vdm_db/constraints/vdm_constraint_orientation.h"
 #include "vdm_db/constraints/vdm_constraint_utils.h"
@@ -37,10 +38,6 @@
 #include "vdm_db/features/vdm_suppress_feature.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/features/vdm_update_observer.h"
-#include "vdm_db/drafting/vdm_auto_save_solid_properties.h"
-#include "vdm_db/drafting/vdm_db_3d_solid_draw_overrule.h"
-#include "vdm_db/drafting/vdm_db_3d_solid_feature_coloring.h"
-#include "vdm_db/drafting/vdm_feature_colors.h"
 #include "vdm_db/module/vdm_constants.h"
 #include "vdm_db/properties/vdm_data_extension.h"
 #include "vdm_db/properties/vdm_db_extension_data.h"

@@ -74,6 +74,8 @@ const std::vector<ClassRow> kClassRows = {
     {[] { return VdmUpdateFeatureInterface::desc(); }, L"VdmUpdateFeatureInterface",
      L"VdmFeaturePE", false, L"", L""},
     {[] { return VdmDbAssemblyPE::desc(); }, L"VdmDbAssemblyPE", L"OdRxObject", false, L"", L""},
+    {[] { return vdmu::VdmRemappingOperationBracket::desc(); }, L"VdmRemappingOperationBracket",
+     L"OdRxObject", false, L"", L""},
 };
 
 std::vector<OdRxClass*> registered() {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "vdm_db/cloning/vdm_remapping_bracket.h"
 #include "vdm_db/constraints/vdm_constraint.h"
 #include "vdm_db/constraints/vdm_db_assembly_pe.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
@@ -70,6 +71,7 @@ constexpr ClassRow kClassRows[] = {
     rowOf<VdmDbExtensionData>(),
     rowOf<VdmUpdateFeatureInterface>(),
     rowOf<VdmDbAssemblyPE>(),
+    rowOf<vdmu::VdmRemappingOperationBracket>(),
 };
 
 // Releases what was registered unless all of it was.
