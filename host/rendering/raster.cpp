@@ -77,7 +77,8 @@ Raster::Raster(int width, int height, const RenderColor& background, int lightLe
   m_samples.assign(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), empty);
 }
 
-void Raster::triangle(const LitPoint (&corners)[3], const RenderColor& color, std::uint32_t part) {
+void Raster::triangle(const LitPoint (&corners)[3], const RenderColor& color, std::uint32_t part,
+                      bool isOutlined) {
   const LitPoint* a = &corners[0];
   const LitPoint* b = &corners[1];
   const LitPoint* c = &corners[2];
@@ -109,7 +110,7 @@ void Raster::triangle(const LitPoint (&corners)[3], const RenderColor& color, st
         diffuse = std::round(diffuse * m_lightLevels) / m_lightLevels;
         specular = std::round(specular * m_lightLevels) / m_lightLevels;
       }
-      sample = {depth, part, lit(color, diffuse, specular)};
+      sample = {depth, part, lit(color, diffuse, specular), isOutlined};
     }
   }
 }
@@ -141,6 +142,7 @@ bool Raster::sees(const PicturePoint& point, double bias) const {
 }
 
 bool Raster::isOutline(const Sample& a, const Sample& b, double gap) {
+  if (!a.isOutlined && !b.isOutlined) return false;
   if (a.part == 0 || b.part == 0) return a.part != b.part;
   const double apart = std::fabs(static_cast<double>(a.depth) - static_cast<double>(b.depth));
   return apart > (a.part == b.part ? kSameSurface * gap : gap);

@@ -25,6 +25,7 @@ class Raster {
     float depth = -std::numeric_limits<float>::infinity();
     std::uint32_t part = 0;
     RenderColor color;
+    bool isOutlined = false;  ///< its part is large enough for an outline
   };
 
   /// With `lightLevels` the light of a surface takes only so many values, 0: any.
@@ -34,7 +35,8 @@ class Raster {
   [[nodiscard]] int height() const { return m_height; }
   [[nodiscard]] const Sample& at(int x, int y) const { return m_samples[indexOf(x, y)]; }
 
-  void triangle(const LitPoint (&corners)[3], const RenderColor& color, std::uint32_t part);
+  void triangle(const LitPoint (&corners)[3], const RenderColor& color, std::uint32_t part,
+                bool isOutlined);
   /// A line of a width in samples, where nothing lies more than `bias` drawing units before it.
   void line(const PicturePoint& from, const PicturePoint& to, double width, double bias,
             const RenderColor& color);
@@ -45,7 +47,8 @@ class Raster {
   void dotOnTop(const PicturePoint& at, double diameter, const RenderColor& color);
   /// Whether a point lies at most `bias` behind the surface at its sample; false outside.
   [[nodiscard]] bool sees(const PicturePoint& point, double bias) const;
-  /// Whether the outline of a surface runs between two neighbours: they are of different parts and
+  /// Whether the outline of a surface runs between two neighbours: one is of a part that has
+  /// outlines, and they are of different parts and
   /// `gap` apart in depth, or of one and three times that. The background is infinitely far.
   [[nodiscard]] static bool isOutline(const Sample& a, const Sample& b, double gap);
   /// Colours the samples on both sides of outlines, the background's excepted.

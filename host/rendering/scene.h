@@ -44,6 +44,8 @@ struct Shape {
   std::vector<Surface> surfaces;
   std::vector<Line> lines;
 
+  /// Of all points; invalid for an empty shape.
+  [[nodiscard]] OdGeExtents3d extents() const;
   [[nodiscard]] bool isEmpty() const { return surfaces.empty() && lines.empty(); }
 };
 
@@ -59,7 +61,7 @@ struct Scene {
   std::vector<Instance> instances;
   std::vector<std::string> warnings;
 
-  /// Of all points, in world coordinates; invalid for an empty scene.
+  /// Around all points, in world coordinates, not tight; invalid for an empty scene.
   [[nodiscard]] OdGeExtents3d extents() const;
 };
 

@@ -125,8 +125,6 @@ class SceneDraw : public OdGiWorldDraw, public OdGiWorldGeometry, public OdGiCon
   [[nodiscard]] OdDbDisplayAttributes settled() const;
   [[nodiscard]] OdGeMatrix3d toShape() const;
   Surface& surfaceFor(const SurfaceLook& look);
-  void addTriangles(const OdGiShell& shell, std::size_t first, std::size_t last,
-                    const SurfaceLook& look, OdGsMarker marker);
   void warn(const OdGiDrawable& drawable, const std::string& what);
 
   OdDbDatabase& m_database;
@@ -281,72 +279,101 @@ void checkShell(const OdGiShell& shell) {
   }
 }
 
-void SceneDraw::shell(const OdGiShell& shell) {
-  checkShell(shell);
-  const OdCmEntityColor color = m_traits.trueColor();
-  const OdGsMarker marker = m_traits.selectionMarker();
-  if (shell.faces.colors.empty() && shell.faces.markers.empty()) {
-    return addTriangles(shell, 0, shell.triangles.size(), lookOf(settled()), marker);
+/// Puts triangles of a shell into surfaces. A point is shared by the triangles of one surface;
+/// where the shell has no normals, each triangle has points of its own with its normal.
+class ShellPlacer {
+ public:
+  ShellPlacer(const OdGiShell& shell, const OdGeMatrix3d& toShape)
+      : m_shell(shell), m_normals(toShape.inverse().transpose()), m_flips(toShape.det() < 0.0) {
+    m_points.reserve(shell.points.size());
+    for (const OdGePoint3d& point : shell.points) m_points.push_back(toShape * point);
   }
-  for (std::size_t i = 0; i < shell.triangles.size(); ++i) {
-    if (!shell.faces.colors.empty()) m_traits.setTrueColor(shell.faces.colors[i]);
-    addTriangles(shell, i, i + 1, lookOf(settled()),
-                 shell.faces.markers.empty() ? marker : shell.faces.markers[i]);
-  }
-  m_traits.setTrueColor(color);
-}
 
-// A corner without a normal of its own takes that of its triangle; then corners are not shared.
-void SceneDraw::addTriangles(const OdGiShell& shell, std::size_t first, std::size_t last,
-                             const SurfaceLook& look, OdGsMarker marker) {
-  constexpr std::uint32_t kNone = 0xFFFFFFFF;
-  const OdGeMatrix3d matrix = toShape();
-  const bool flips = matrix.det() < 0.0;
-  const OdGeMatrix3d normalMatrix = matrix.inverse().transpose();
-  Surface& surface = surfaceFor(look);
-  std::vector<std::uint32_t> placed(shell.points.size(), kNone);
-  for (std::size_t i = first; i < last; ++i) {
-    std::array<OdUInt32, 3> corners = shell.triangles[i];
-    if (flips) std::swap(corners[1], corners[2]);
+  void add(std::size_t index, Surface& surface, OdGsMarker marker) {
+    std::array<OdUInt32, 3> corners = m_shell.triangles[index];
+    if (m_flips) std::swap(corners[1], corners[2]);
+    const OdGePoint3d& first = m_points[corners[0]];
     const OdGeVector3d across =
-        (matrix * shell.points[corners[1]] - matrix * shell.points[corners[0]])
-            .crossProduct(matrix * shell.points[corners[2]] - matrix * shell.points[corners[0]]);
+        (m_points[corners[1]] - first).crossProduct(m_points[corners[2]] - first);
     const double area = across.length();
-    if (!(area > 0.0)) continue;
+    if (!(area > 0.0)) return;
+    std::vector<std::uint32_t>& placed = placedIn(surface.look);
     std::array<std::uint32_t, 3> triangle{};
     for (std::size_t k = 0; k < 3; ++k) {
       std::uint32_t& at = placed[corners[k]];
-      if (at == kNone || shell.normals.empty()) {
-        OdGeVector3d normal = across / area;
-        if (!shell.normals.empty()) {
-          const OdGeVector3d own = normalMatrix * shell.normals[corners[k]];
-          if (own.length() > 0.0) normal = own / own.length();
-        }
+      if (at == kNone || m_shell.normals.empty()) {
         at = static_cast<std::uint32_t>(surface.points.size());
-        surface.points.push_back(matrix * shell.points[corners[k]]);
-        surface.normals.push_back(normal);
+        surface.points.push_back(m_points[corners[k]]);
+        surface.normals.push_back(normalAt(corners[k], across / area));
       }
       triangle[k] = at;
     }
     surface.triangles.push_back(triangle);
     surface.parts.push_back(static_cast<std::uint32_t>(marker / kMarkersPerPart));
   }
+
+ private:
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+  std::vector<std::uint32_t>& placedIn(const SurfaceLook& look) {
+    std::vector<std::uint32_t>& placed = m_placed[look];
+    if (placed.empty()) placed.assign(m_points.size(), kNone);
+    return placed;
+  }
+
+  [[nodiscard]] OdGeVector3d normalAt(OdUInt32 corner, const OdGeVector3d& flat) const {
+    if (m_shell.normals.empty()) return flat;
+    const OdGeVector3d own = m_normals * m_shell.normals[corner];
+    const double length = own.length();
+    return length > 0.0 ? own / length : flat;
+  }
+
+  const OdGiShell& m_shell;
+  OdGeMatrix3d m_normals;
+  bool m_flips;
+  std::vector<OdGePoint3d> m_points;
+  std::map<SurfaceLook, std::vector<std::uint32_t>> m_placed;  // indices in the surface, by point
+};
+
+void SceneDraw::shell(const OdGiShell& shell) {
+  checkShell(shell);
+  const OdGiFaceData& faces = shell.faces;
+  const OdCmEntityColor color = m_traits.trueColor();
+  const OdGsMarker marker = m_traits.selectionMarker();
+  ShellPlacer placer(shell, toShape());
+  SurfaceLook look = lookOf(settled());
+  for (std::size_t i = 0; i < shell.triangles.size(); ++i) {
+    if (!faces.colors.empty() && (i == 0 || faces.colors[i] != faces.colors[i - 1])) {
+      m_traits.setTrueColor(faces.colors[i]);
+      look = lookOf(settled());
+    }
+    placer.add(i, surfaceFor(look), faces.markers.empty() ? marker : faces.markers[i]);
+  }
+  m_traits.setTrueColor(color);
 }
 
 }  // namespace
 
-OdGeExtents3d Scene::extents() const {
+OdGeExtents3d Shape::extents() const {
   OdGeExtents3d box;
-  for (const Instance& instance : instances) {
-    const Shape& shape = shapes[instance.shape];
-    for (const Surface& surface : shape.surfaces) {
-      for (const OdGePoint3d& point : surface.points) box.addPoint(instance.toWorld * point);
-    }
-    for (const Line& line : shape.lines) {
-      for (const OdGePoint3d& point : line.points) box.addPoint(instance.toWorld * point);
-    }
+  for (const Surface& surface : surfaces) {
+    for (const OdGePoint3d& point : surface.points) box.addPoint(point);
+  }
+  for (const Line& line : lines) {
+    for (const OdGePoint3d& point : line.points) box.addPoint(point);
   }
   return box;
+}
+
+OdGeExtents3d Scene::extents() const {
+  std::vector<OdGeExtents3d> boxes;
+  for (const Shape& shape : shapes) boxes.push_back(shape.extents());
+  OdGeExtents3d sum;
+  for (const Instance& instance : instances) {
+    OdGeExtents3d box = boxes[instance.shape];
+    sum.addExt(box.transformBy(instance.toWorld));
+  }
+  return sum;
 }
 
 Scene drawScene(OdDbDatabase& database, const OdDbObjectId& block, double deviation) {

@@ -12,6 +12,10 @@ namespace {
 constexpr double kLineBias = 3.0;
 constexpr double kOutlineGap = 6.0;
 
+// In pixels. Below these, lines a pixel wide would hide the colours that they bound.
+constexpr double kSmallestOutlined = 20.0;  // across an occurrence
+constexpr double kSmallestEdge = 4.0;       // across an edge
+
 /// Two lights and what comes from all sides; shares of the surface's colour.
 class Lights {
  public:
@@ -62,7 +66,7 @@ PlacedLabel scaled(PlacedLabel label, double factor) {
 }
 
 void drawSurface(const Surface& surface, const OdGeMatrix3d& toWorld, std::uint32_t firstPart,
-                 const Camera& camera, const Lights& lights, Raster& raster) {
+                 bool isOutlined, const Camera& camera, const Lights& lights, Raster& raster) {
   const OdGeMatrix3d normals = toWorld.inverse().transpose();
   std::vector<LitPoint> points;
   points.reserve(surface.points.size());
@@ -76,7 +80,7 @@ void drawSurface(const Surface& surface, const OdGeMatrix3d& toWorld, std::uint3
   for (std::size_t i = 0; i < surface.triangles.size(); ++i) {
     const auto& triangle = surface.triangles[i];
     const LitPoint corners[3] = {points[triangle[0]], points[triangle[1]], points[triangle[2]]};
-    raster.triangle(corners, surface.look.color, firstPart + surface.parts[i]);
+    raster.triangle(corners, surface.look.color, firstPart + surface.parts[i], isOutlined);
   }
 }
 
@@ -97,6 +101,34 @@ View::View(const Scene& scene, const RenderOptions& options, int samplesPerSide)
   for (PlacedLabel& label : layout.place(camera)) labels.push_back(scaled(label, factor));
   textHeight = layout.textHeight() * factor;
   camera.fit(scene, scaled(layout.modelArea(), factor));
+  std::vector<OdGeExtents3d> boxes;
+  for (const Shape& shape : scene.shapes) boxes.push_back(shape.extents());
+  for (const Instance& instance : scene.instances) {
+    isSmall.push_back(sizeOf(boxes[instance.shape], instance.toWorld) < kSmallestOutlined * factor);
+  }
+}
+
+double View::sizeOf(const OdGeExtents3d& box, const OdGeMatrix3d& toWorld) const {
+  const OdGePoint3d low = box.minPoint();
+  const OdGePoint3d high = box.maxPoint();
+  const PicturePoint first = camera.project(toWorld * low);
+  PictureArea area{first.x, first.y, first.x, first.y};
+  for (unsigned corner = 1; corner < 8; ++corner) {
+    const PicturePoint at = camera.project(toWorld * OdGePoint3d((corner & 1) ? high.x : low.x,
+                                                                 (corner & 2) ? high.y : low.y,
+                                                                 (corner & 4) ? high.z : low.z));
+    area.left = std::min(area.left, at.x);
+    area.right = std::max(area.right, at.x);
+    area.top = std::min(area.top, at.y);
+    area.bottom = std::max(area.bottom, at.y);
+  }
+  return std::hypot(area.right - area.left, area.bottom - area.top);
+}
+
+bool View::showsEdge(const Line& line, const OdGeMatrix3d& toWorld) const {
+  OdGeExtents3d box;
+  for (const OdGePoint3d& point : line.points) box.addPoint(point);
+  return sizeOf(box, toWorld) >= kSmallestEdge * factor;
 }
 
 double View::lineBias() const { return kLineBias / camera.scale(); }
@@ -111,9 +143,11 @@ Raster rasterise(const Scene& scene, const View& view, const RenderOptions& opti
   std::vector<std::uint32_t> parts;
   for (const Shape& shape : scene.shapes) parts.push_back(numParts(shape));
   std::uint32_t firstPart = 1;
-  for (const Instance& instance : scene.instances) {
+  for (std::size_t index = 0; index < scene.instances.size(); ++index) {
+    const Instance& instance = scene.instances[index];
     for (const Surface& surface : scene.shapes[instance.shape].surfaces) {
-      drawSurface(surface, instance.toWorld, firstPart, view.camera, lights, raster);
+      drawSurface(surface, instance.toWorld, firstPart, !view.isSmall[index], view.camera, lights,
+                  raster);
     }
     firstPart += parts[instance.shape];
   }

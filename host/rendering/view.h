@@ -19,6 +19,7 @@ struct View {
   std::vector<PlacedLabel> labels;  ///< in samples, as is the text height
   double textHeight = 0.0;
   int factor = 1;
+  std::vector<bool> isSmall;  ///< by instance: too small on the picture for edges and outlines
 
   View(const Scene& scene, const RenderOptions& options, int samplesPerSide);
 
@@ -26,6 +27,11 @@ struct View {
   [[nodiscard]] double lineBias() const;
   /// Depth between surfaces from which on an outline parts them.
   [[nodiscard]] double outlineGap() const;
+  /// Whether an edge is long enough on the picture to be drawn.
+  [[nodiscard]] bool showsEdge(const Line& line, const OdGeMatrix3d& toWorld) const;
+
+ private:
+  [[nodiscard]] double sizeOf(const OdGeExtents3d& box, const OdGeMatrix3d& toWorld) const;
 };
 
 /// The surfaces of the scene, shaded by two lights that turn with the camera.
@@ -33,12 +39,15 @@ struct View {
                                int lightLevels);
 
 /// Calls `draw(from, to, color)` for each piece of the scene's lines: those that stand for
-/// themselves, and edges where they are asked for.
+/// themselves, and edges where they are asked for and would not cover what they bound.
 template <class Draw>
 void forEachLine(const Scene& scene, const View& view, bool withEdges, const Draw& draw) {
-  for (const Instance& instance : scene.instances) {
+  for (std::size_t index = 0; index < scene.instances.size(); ++index) {
+    const Instance& instance = scene.instances[index];
     for (const Line& line : scene.shapes[instance.shape].lines) {
-      if (line.isEdge && !withEdges) continue;
+      const bool isLeftOut = line.isEdge && (!withEdges || view.isSmall[index] ||
+                                             !view.showsEdge(line, instance.toWorld));
+      if (isLeftOut) continue;
       const RenderColor color = line.isEdge ? kEdgeColor : line.color;
       PicturePoint last = view.camera.project(instance.toWorld * line.points.front());
       for (std::size_t i = 1; i < line.points.size(); ++i) {

@@ -3,8 +3,8 @@
 
 #include <array>
 #include <memory>
-#include <span>
 #include <mutex>
+#include <span>
 #include <vector>
 
 #include "platform/base/array.h"

@@ -67,11 +67,12 @@ LastIntersections& lastIntersections() {
   return last;
 }
 
-Intersections intersect(std::span<const OdModelerBodyPtr> inputs) {
+Intersections intersect(std::span<const OdModelerBodyPtr> inputs, double fuzz) {
   auto met = std::make_shared<BOPAlgo_PaveFiller>();
   met->SetArguments(shapesOf(inputs));
   met->SetRunParallel(Standard_False);
   met->SetNonDestructive(Standard_True);
+  met->SetFuzzyValue(fuzz);
   met->Perform();
   return met;
 }
@@ -82,7 +83,7 @@ Intersections intersectionsFor(OdModelerBooleanKind kind,
   const LastIntersections last = std::exchange(lastIntersections(), {});
   const bool isKnown =
       kind == OdModelerBooleanKind::kSubtract && std::ranges::equal(last.inputs, inputs);
-  Intersections met = isKnown ? last.met : intersect(inputs);
+  Intersections met = isKnown ? last.met : intersect(inputs, /*fuzz=*/0.0);
   if (kind == OdModelerBooleanKind::kIntersect)
     lastIntersections() = {{inputs.begin(), inputs.end()}, met};
   return met;
@@ -143,17 +144,36 @@ bool hasColors(const OdModelerBodyPtr& body) {
   return own.color || !own.faceColors.empty() || !own.faceNames.empty();
 }
 
-OdModelerStatus combine(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs,
-                        OdModelerBodyPtr& result, OdModelerHistory* history) {
-  const Intersections met = intersectionsFor(kind, inputs);
+/// One way to try. The tolerance within which parts of different inputs count as touching, beyond
+/// the inputs' own, in drawing units.
+struct Attempt {
+  double fuzz;
+  bool unifyEdges;
+  bool unifyFaces;
+};
+
+// Nearly coincident geometry and its unification are where the modeller fails, with an exception or
+// an unsound body. Later ways give the same body with more edges or faces, or within a tolerance
+// that is a hundred times what it counts as one point.
+constexpr Attempt kAttempts[] = {
+    {0.0, true, true},
+    {0.0, false, true},
+    {1e-5, true, true},
+    {0.0, false, false},
+};
+
+OdModelerStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs,
+                        const Attempt& way, OdModelerBodyPtr& result, OdModelerHistory* history) {
+  const Intersections met =
+      way.fuzz > 0.0 ? intersect(inputs, way.fuzz) : intersectionsFor(kind, inputs);
   if (met->HasErrors()) return {eModelerError, OdString(nameOf(kind)) + L": " + reportOf(*met)};
   const std::unique_ptr<Operation> operation = newOperation(kind, *met);
   run(*operation, inputs);
   if (!operation->IsDone() || operation->HasErrors()) {
     return {eModelerError, OdString(nameOf(kind)) + L": " + reportOf(*operation)};
   }
-  operation->SimplifyResult(/*theUnifyEdges=*/Standard_True, /*theUnifyFaces=*/Standard_True,
-                            Precision::Angular());
+  if (way.unifyFaces)
+    operation->SimplifyResult(way.unifyEdges, way.unifyFaces, Precision::Angular());
   const TopoDS_Shape shape = remains(operation->Shape(), allSolid(inputs));
   const OdModelerBodyPtr plain = odBodyFromOcct(shape);
   if (!plain || plain->numFaces() + plain->numEdges() == 0) {
@@ -172,6 +192,20 @@ OdModelerStatus combine(OdModelerBooleanKind kind, std::span<const OdModelerBody
   return {};
 }
 
+OdModelerStatus combine(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs,
+                        OdModelerBodyPtr& result, OdModelerHistory* history) {
+  OdModelerStatus first;
+  for (const Attempt& way : kAttempts) {
+    OdModelerStatus status =
+        guarded(nameOf(kind), [&] { return attempt(kind, inputs, way, result, history); });
+    if (status.ok() || status.code == eDegenerateGeometry || status.code == eOutOfMemory)
+      return status;
+    if (getenv("MDBG")) fprintf(stderr,"ATTEMPT %d of %s failed: %s\n", int(&way-kAttempts), nameOf(kind), std::string(status.text.utf8()).c_str());
+    if (first.ok()) first = std::move(status);
+  }
+  return first;
+}
+
 }  // namespace
 
 OdModelerStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
@@ -180,7 +214,7 @@ OdModelerStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
   std::vector<OdModelerBodyPtr> inputs{base};
   inputs.insert(inputs.end(), tools.begin(), tools.end());
   if (OdModelerStatus status = checkInputs(kind, inputs); !status.ok()) return status;
-  return guarded(nameOf(kind), [&] { return combine(kind, inputs, result, history); });
+  return combine(kind, inputs, result, history);
 }
 
 OdModelerStatus compound(std::span<const OdModelerBodyPtr> bodies, OdModelerBodyPtr& result) {

@@ -12,6 +12,9 @@
 
 #include "host/rendering/region_trace.h"
 #include "host/rendering/vector_font.h"
+#include "platform/db/line.h"
+#include "platform/gi/drawable_overrule.h"
+#include "platform/gi/world_draw.h"
 #include "tests/modeler/drawing_fixture.h"
 
 namespace rendering {
@@ -167,6 +170,39 @@ TEST_F(RenderTest, ModelsShareTheMeshOfABlock) {
   EXPECT_EQ(model["nodes"][0]["matrix"][0], 0.001);
 }
 
+/// Draws a square of a red and a blue triangle, then a red outline.
+class SquareOverrule : public OdGiDrawableOverrule {
+ public:
+  bool worldDraw(const OdGiDrawable*, OdGiWorldDraw* context) override {
+    const OdGePoint3d points[] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
+    const std::array<OdUInt32, 3> triangles[] = {{0, 1, 2}, {0, 2, last}};
+    const OdCmEntityColor colors[] = {OdCmEntityColor::fromIndex(1), OdCmEntityColor::fromIndex(5)};
+    context->geometry().shell({points, {}, triangles, {colors, {}}});
+    context->subEntityTraits().setColor(1);
+    context->subEntityTraits().setFillType(OdGiFillType::kFillNever);
+    context->geometry().polygon(points);
+    return true;
+  }
+  OdUInt32 last = 3;
+};
+
+TEST_F(RenderTest, TrianglesOfAShellMayDifferInColour) {
+  blockRecord(m_database->getModelSpaceId(), OdDb::kForWrite)
+      ->appendOdDbEntity(OdDbLine::createObject());
+  OdStaticRxObject<SquareOverrule> square;
+  OdRxOverrule::addOverrule(OdDbLine::desc(), &square);
+  ASSERT_EQ(renderGlb(*m_database, "a.glb", m_options), "");
+  const nlohmann::json model = jsonOf(read("a.glb"));
+  EXPECT_EQ(model["meshes"][0]["primitives"].size(), 3u);  // red, blue, the outline
+  EXPECT_EQ(model["meshes"][0]["primitives"][2]["mode"], 3);
+  EXPECT_EQ(model["accessors"][0]["count"], 3);
+  // An index that is not there spoils the entity, not the run.
+  square.last = 4;
+  EXPECT_THAT(renderGlb(*m_database, "b.glb", m_options), HasSubstr("nothing to draw"));
+  EXPECT_EQ(m_warnings.size(), 1u);
+  OdRxOverrule::removeOverrule(OdDbLine::desc(), &square);
+}
+
 TEST_F(RenderTest, RefusalsNameTheReasonAndLeaveTheFileAlone) {
   std::ofstream("a.png") << "old";
   EXPECT_THAT(renderPng(*m_database, "a.png", m_options), HasSubstr("'*Model_Space'"));
@@ -211,8 +247,8 @@ TEST(RegionTraceTest, RegionsHaveClosedOutlinesAndHoles) {
     const LitPoint upper[3] = {a, b, c};
     const LitPoint lower[3] = {a, c, d};
     const RenderColor color{static_cast<std::uint8_t>(part), 0, 0};
-    raster.triangle(upper, color, part);
-    raster.triangle(lower, color, part);
+    raster.triangle(upper, color, part, true);
+    raster.triangle(lower, color, part, true);
   };
   square(1, 11, 0.0, 1);
   square(4, 8, 5.0, 2);
