@@ -42,7 +42,8 @@ constexpr OdUInt32 kPlacedSize = 16 + 6 * vdm_host::kToolKindCount + 6;
 
 class OpenForChange {
  public:
-  explicit OpenForChange(OdDbObject* object) : m_object(object->isWriteEnabled() ? nullptr : object) {
+  explicit OpenForChange(OdDbObject* object)
+      : m_object(object->isWriteEnabled() ? nullptr : object) {
     if (m_object != nullptr) m_object->upgradeOpen();
   }
   ~OpenForChange() {
@@ -163,6 +164,12 @@ OdModelerBodyPtr VdmComponentFeature::piece(ToolKind kind) const {
   return solid.isNull() ? nullptr : solid->body();
 }
 
+bool VdmComponentFeature::hasLostPiece() const {
+  return std::any_of(m_pieceIds.begin(), m_pieceIds.end(), [](const OdDbObjectId& id) {
+    return !id.isNull() && OdDb3dSolid::cast(id.openObject()).isNull();
+  });
+}
+
 void VdmComponentFeature::setPiece(ToolKind kind, const OdModelerBodyPtr& body) {
   OdDbObjectId& id = m_pieceIds[static_cast<std::size_t>(kind)];
   OdDb3dSolidPtr solid = OdDb3dSolid::cast(id.openObject(OdDb::kForWrite));
@@ -207,8 +214,8 @@ std::map<int, OdDbObjectIdArray> VdmComponentFeature::openingDependencies() cons
 }
 
 OdString VdmComponentFeature::componentName() const {
-  const OdDbBlockReferencePtr insert = OdDbBlockReference::cast(
-      m_insertId.openObject(OdDb::kForRead, /*openErased=*/true));
+  const OdDbBlockReferencePtr insert =
+      OdDbBlockReference::cast(m_insertId.openObject(OdDb::kForRead, /*openErased=*/true));
   if (insert.isNull()) return {};
   const OdDbBlockTableRecordPtr block =
       OdDbBlockTableRecord::cast(insert->blockTableRecord().openObject());

@@ -40,8 +40,8 @@ class VdmDbInsertReactor : public VdmDbFeatureReactor {
 };
 using VdmDbInsertReactorPtr = OdSmartPtr<VdmDbInsertReactor>;
 
-/// One insert of a component block at a solid. References: mask 1 tag 1 is the base face on which it
-/// stands (none for an insert that stands free), mask 2 are the faces that the tools left in the
+/// One insert of a component block at a solid. References: mask 1 tag 1 is the base face on which
+/// it stands (none for an insert that stands free), mask 2 are the faces that the tools left in the
 /// solid, with the number of the tool's face as tag, counted over all its solids.
 ///
 /// Carrier's properties of its own:
@@ -83,6 +83,8 @@ class VdmComponentFeature : public VdmFeature {
   [[nodiscard]] bool placed(Placed& placed) const;
   /// Null when there is none.
   [[nodiscard]] OdModelerBodyPtr piece(vdm_host::ToolKind kind) const;
+  /// A residue that was stored is not there any more.
+  [[nodiscard]] bool hasLostPiece() const;
   [[nodiscard]] OdDbObjectId layerBeforeSuppression() const { return m_layerId; }
   /// The insert's reactor; null when it is gone.
   [[nodiscard]] OdDbObjectId insertReactorId() const;

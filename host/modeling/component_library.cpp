@@ -64,6 +64,7 @@ OdDbObjectId layerOf(OdDbDatabase* database, ComponentRole role) {
   if (!known.isNull()) return known;
   const OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
   layer->setName(name);
+  layer->setIsOff(true);  // tools are not part of what they make
   return table->add(layer);
 }
 

@@ -49,18 +49,4 @@ const BlockTools& ComponentTools::of(const OdDbObjectId& block) {
   return tools;
 }
 
-OdModelerStatus placedTool(const BlockTools& tools, ToolKind kind, const OdGeMatrix3d& placement,
-                           OdModelerBodyPtr& result) {
-  result = nullptr;
-  for (const OdModelerBodyPtr& body : tools.of(kind)) {
-    OdModelerBodyPtr placed;
-    OdModelerBodyPtr all;
-    OdModelerStatus status = body->transformed(placement, placed);
-    if (status.ok()) status = unionOf(result, placed, all);
-    if (!status.ok()) return status;
-    result = all;
-  }
-  return {};
-}
-
 }  // namespace vdm_host

@@ -31,8 +31,4 @@ class ComponentTools {
   std::unordered_map<OdDbObjectId, BlockTools> m_tools;
 };
 
-/// All tools of a kind under a placement, as one body; null when there are none.
-OdModelerStatus placedTool(const BlockTools& tools, ToolKind kind, const OdGeMatrix3d& placement,
-                           OdModelerBodyPtr& result);
-
 }  // namespace vdm_host

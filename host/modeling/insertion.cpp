@@ -15,8 +15,8 @@
 namespace vdm_host {
 namespace {
 
-// How far a point may be from the face in which it is said to lie, as a part of the body's diagonal:
-// what a user types with four digits.
+// How far a point may be from the face in which it is said to lie, as a part of the body's
+// diagonal: what a user types with four digits.
 constexpr double kOnFace = 1e-4;
 
 OdModelerStatus refuse(const OdString& text) { return {eInvalidInput, text}; }

@@ -77,7 +77,7 @@ OdModelerStatus runEdit(OdDbDatabase* database, UpdateReport& report, bool force
     OdModelerStatus status = change ? change() : OdModelerStatus();
     if (!status.ok()) return status;
     ModelUpdate update(database, journal, report);
-    return update.run(force);
+    return update.run(force, /*foreign=*/!change);
   } catch (const OdError& error) {
     return {error.code(), OdString::fromUtf8(error.what())};
   }
@@ -131,11 +131,11 @@ EditResult ModelEditor::insertComponent(const OdDbObjectId& block,
 
 EditResult ModelEditor::suppress(const OdDbObjectId& insert) {
   return edit(OdString(L"suppress"), [&]() -> OdModelerStatus {
-    const VdmComponentFeaturePtr feature = VdmComponentFeature::cast(
-        VdmFeature::open(componentOf(insert), OdDb::kForWrite));
+    const VdmComponentFeaturePtr feature =
+        VdmComponentFeature::cast(VdmFeature::open(componentOf(insert), OdDb::kForWrite));
     if (feature.isNull()) return refuse(handleText(insert) + L" is no component");
-    const OdDbBlockReferencePtr reference = OdDbBlockReference::cast(
-        feature->insertId().safeOpenObject(OdDb::kForWrite));
+    const OdDbBlockReferencePtr reference =
+        OdDbBlockReference::cast(feature->insertId().safeOpenObject(OdDb::kForWrite));
     const OdDbObjectId layer = layerOf(m_database, OdString(VdmComponentFeature::kSuppressLayer));
     if (reference->layerId() == layer) return {};
     feature->getDbObject()->assertWriteEnabled();
@@ -150,8 +150,8 @@ EditResult ModelEditor::unsuppress(const OdDbObjectId& insert) {
     const VdmComponentFeaturePtr feature =
         VdmComponentFeature::cast(VdmFeature::open(componentOf(insert)).get());
     if (feature.isNull()) return refuse(handleText(insert) + L" is no component");
-    const OdDbBlockReferencePtr reference = OdDbBlockReference::cast(
-        feature->insertId().safeOpenObject(OdDb::kForWrite));
+    const OdDbBlockReferencePtr reference =
+        OdDbBlockReference::cast(feature->insertId().safeOpenObject(OdDb::kForWrite));
     if (reference->layer().iCompare(OdString(VdmComponentFeature::kSuppressLayer)) != 0) return {};
     const OdDbObjectId back = feature->layerBeforeSuppression();
     reference->setLayer(back.openObject().isNull() ? m_database->getLayerZeroId() : back);

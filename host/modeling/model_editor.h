@@ -102,9 +102,9 @@ class ModelEditor {
   bool m_inGroup = false;
 };
 
-/// Many operations of one editor as one: one step of undo, all or nothing. Each operation still ends
-/// with its own pass. Aborts in its destructor unless commit() was called; an operation that failed
-/// has rolled back itself only, and whoever keeps the group decides about the others.
+/// Many operations of one editor as one: one step of undo, all or nothing. Each operation still
+/// ends with its own pass. Aborts in its destructor unless commit() was called; an operation that
+/// failed has rolled back itself only, and whoever keeps the group decides about the others.
 class EditGroup {
  public:
   explicit EditGroup(ModelEditor& editor);

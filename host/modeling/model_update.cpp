@@ -6,10 +6,11 @@
 #include <utility>
 
 #include "host/modeling/component_query.h"
-#include "host/modeling/component_tools.h"
+#include "host/naming/reference_query.h"
 #include "platform/db/block_reference.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/references/vdm_db_object_dependency.h"
+#include "vdm_db/references/vdm_db_pers_id_manager.h"
 
 namespace vdm_host {
 namespace {
@@ -48,11 +49,12 @@ const OdDbObjectIdArray& ModelUpdate::componentsAt(const OdDbObjectId& solid) co
   return found == m_components.end() ? kNone : found->second;
 }
 
-OdModelerStatus ModelUpdate::run(bool force) {
+OdModelerStatus ModelUpdate::run(bool force, bool foreign) {
   m_force = force;
   indexComponents();
   if (OdModelerStatus status = followSolids(); !status.ok()) return status;
   settleReferences();
+  if (foreign) settleForeignChanges();
   for (const OdDbObjectId& solid : m_replacedSolids) followBaseFaces(solid);
   enterChangedInserts();
   while (runRound()) {
@@ -90,6 +92,8 @@ OdModelerStatus ModelUpdate::followSolids() {
       status = carryAlong(change.solid, change.transform);
     else if (change.kind == OdSolidChangeKind::kBoolean)
       status = excludeTools(change);
+    else if (change.kind == OdSolidChangeKind::kBlend)
+      status = adoptBlend(change);
     else if (change.kind == OdSolidChangeKind::kReplaced)
       forgetPieces(change.solid);
     if (!status.ok()) return status;
@@ -125,22 +129,20 @@ OdModelerStatus ModelUpdate::carryAlong(const OdDbObjectId& solid, const OdGeMat
   return {};
 }
 
-OdModelerStatus ModelUpdate::excludeTools(const OdSolidChange& change) {
-  const PieceReader reader = [](const OdDbObjectId& feature, ToolKind kind) {
+std::unique_ptr<ResidueLedger> ModelUpdate::appliedPieces(const OdDbObjectId& solid) const {
+  auto ledger = std::make_unique<ResidueLedger>([](const OdDbObjectId& feature, ToolKind kind) {
     return openComponent(feature, OdDb::kForRead)->piece(kind);
-  };
-  ResidueLedger ledger(reader, [](const OdDbObjectId&, ToolKind, OdModelerBodyPtr&) {
-    return OdModelerStatus();
   });
-  for (const OdDbObjectId& id : componentsAt(change.solid)) {
+  for (const OdDbObjectId& id : componentsAt(solid)) {
     const VdmComponentFeaturePtr component = openComponent(id, OdDb::kForRead);
     VdmComponentFeature::Placed placed;
     if (component.isNull() || component->state() != VdmComponentFeature::kStateApplied) continue;
-    if (component->placed(placed)) ledger.add(id).box = placed.box;
+    if (component->placed(placed)) ledger->add(id).box = placed.box;
   }
-  for (const OdModelerBodyPtr& tool : change.tools) {
-    if (OdModelerStatus status = ledger.exclude(tool); !status.ok()) return status;
-  }
+  return ledger;
+}
+
+void ModelUpdate::storePieces(ResidueLedger& ledger) {
   for (ComponentPieces& pieces : ledger.components()) {
     for (const ToolKind kind : {ToolKind::kCut, ToolKind::kFill}) {
       if (!pieces.isChanged(kind)) continue;
@@ -149,6 +151,42 @@ OdModelerStatus ModelUpdate::excludeTools(const OdSolidChange& change) {
       component->setPiece(kind, pieces.pieceOf(kind));
     }
   }
+}
+
+OdModelerStatus ModelUpdate::excludeTools(const OdSolidChange& change) {
+  const std::unique_ptr<ResidueLedger> ledger = appliedPieces(change.solid);
+  for (const OdModelerBodyPtr& tool : change.tools) {
+    if (OdModelerStatus status = ledger->exclude(tool); !status.ok()) return status;
+  }
+  storePieces(*ledger);
+  return {};
+}
+
+// What a fillet or chamfer of an opening's rim took away goes with the opening: it closes without a
+// groove. A blend that runs further than half the opening's width beyond it is the part's own.
+OdModelerStatus ModelUpdate::adoptBlend(const OdSolidChange& change) {
+  OdModelerBodyPtr gone;
+  OdModelerStatus status = differenceOf(change.before, change.after, gone);
+  if (!status.ok() || !gone) return status;
+  const std::unique_ptr<ResidueLedger> ledger = appliedPieces(change.solid);
+  for (const OdModelerBodyPtr& part : gone->solids()) {
+    const OdGeExtents3d box = part->extents();
+    for (ComponentPieces& pieces : ledger->components()) {
+      OdGeExtents3d reach = pieces.boxOf(ToolKind::kCut);
+      if (!overlap(box, reach) || !pieces.hasPiece(ToolKind::kCut)) continue;
+      const OdGeVector3d size = reach.diagonal();
+      reach.expandBy(0.5 * std::min({size.x, size.y, size.z}));
+      if (!reach.contains(box.minPoint()) || !reach.contains(box.maxPoint())) continue;
+      const OdModelerBodyPtr& piece = pieces.pieceOf(ToolKind::kCut);
+      OdModelerBodyPtr both;
+      status = unionOf(piece, part, both);
+      if (!status.ok()) return status;
+      if (both->numSolids() > piece->numSolids()) continue;
+      pieces.setPiece(ToolKind::kCut, both);
+      break;
+    }
+  }
+  storePieces(*ledger);
   return {};
 }
 
@@ -171,6 +209,22 @@ void ModelUpdate::settleReferences() {
   if (m_journal.changes().empty()) return;
   ReferenceUpdate update(*m_map);
   noteReferences(update.settle(m_journal.changes()));
+}
+
+// What changed behind the journal's back shows in the stamps of the solids.
+void ModelUpdate::settleForeignChanges() {
+  ReferenceUpdate update(*m_map);
+  std::unordered_set<OdDbObjectId> known;
+  for (const OdDbObjectId& id : vdmu::getAllPersIdManagers(m_database)) {
+    const VdmDbPersIdManagerPtr manager = VdmDbPersIdManager::cast(id.openObject());
+    if (manager.isNull()) continue;
+    const OdDbObjectIdArray dependencies = manager->objectDependencyIds();
+    for (const OdDbObjectId& dependencyId : dependencies) {
+      const ResolvedReference found = resolveReference(dependencyId);
+      if (!found.solid.isNull() && known.insert(found.solid).second)
+        noteReferences(update.settleByStamp(found.solid));
+    }
+  }
 }
 
 // A base face that was displaced along its normal takes the inserts that stand on it along.
@@ -251,6 +305,9 @@ void ModelUpdate::reportReferences() {
     entry.before = gradeName(change.gradeBefore);
     entry.after = gradeName(change.grade);
     entry.text = causeName(change.cause);
+    const OdDbObjectId feature = m_database->getOdDbObjectId(change.feature);
+    if (const VdmFeaturePtr object = VdmFeature::open(feature); !object.isNull())
+      entry.text += L" by " + object->name();
     entry.needsAttention = !isResolved(change.grade) && isResolved(change.gradeBefore);
     m_report.references.push_back(std::move(entry));
   }

@@ -19,7 +19,8 @@ namespace vdm_host {
 /// One run, within the transaction and the journal of the caller:
 ///
 ///   1. solids that were moved take their components along; pieces of components lose what direct
-///      booleans did; components of replaced bodies are to be cut anew;
+///      booleans did, and take in what blends of their rims took away; components of replaced
+///      bodies are to be cut anew;
 ///   2. references follow what the journal says, and inserts follow their displaced base faces;
 ///   3. the features of every block run their pass, over all that was replaced or moved;
 ///   4. what the pass itself replaced is the input of another round, until nothing is new.
@@ -33,8 +34,9 @@ class ModelUpdate {
   ModelUpdate(const ModelUpdate&) = delete;
   ModelUpdate& operator=(const ModelUpdate&) = delete;
 
-  /// `force` has every component healed and done anew.
-  OdModelerStatus run(bool force);
+  /// `force` has every component healed and done anew. With `foreign` references into solids that
+  /// were changed while nobody kept a journal are looked for, too: every reference is opened.
+  OdModelerStatus run(bool force, bool foreign = false);
 
   /// The innermost run of this thread; null when there is none.
   static ModelUpdate* current();
@@ -58,8 +60,12 @@ class ModelUpdate {
   OdModelerStatus followSolids();
   OdModelerStatus carryAlong(const OdDbObjectId& solid, const OdGeMatrix3d& transform);
   OdModelerStatus excludeTools(const OdSolidChange& change);
+  OdModelerStatus adoptBlend(const OdSolidChange& change);
+  [[nodiscard]] std::unique_ptr<ResidueLedger> appliedPieces(const OdDbObjectId& solid) const;
+  static void storePieces(ResidueLedger& ledger);
   void forgetPieces(const OdDbObjectId& solid);
   void settleReferences();
+  void settleForeignChanges();
   void followBaseFaces(const OdDbObjectId& solid);
   void enterChangedInserts();
   bool runRound();

@@ -36,9 +36,9 @@ OdString toText(VdmUpdateReason reason) {
 }
 
 OdString toText(VdmUpdatePhase phase) {
-  static const wchar_t* const kNames[] = {L"intake",   L"removal", L"healing",       L"cutting",
-                                          L"adding",   L"update",  L"initialising",  L"late removal",
-                                          L"references"};
+  static const wchar_t* const kNames[] = {L"intake",       L"removal",      L"healing",
+                                          L"cutting",      L"adding",       L"update",
+                                          L"initialising", L"late removal", L"references"};
   return OdString(kNames[static_cast<std::size_t>(phase)]);
 }
 
@@ -114,8 +114,7 @@ void PassRecorder::solidFailed(const OdDbObjectId& solid, OdModelerBooleanKind /
 }
 
 void PassRecorder::transactionAborted(VdmUpdatePhase phase) {
-  if (m_failure.ok())
-    m_failure = {eModelerError, toText(phase) + L" of the solids failed"};
+  if (m_failure.ok()) m_failure = {eModelerError, toText(phase) + L" of the solids failed"};
 }
 
 }  // namespace vdm_host

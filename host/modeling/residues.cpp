@@ -21,9 +21,19 @@ OdModelerStatus combine(OdModelerBooleanKind kind, const OdModelerBodyPtr& a,
 
 OdModelerStatus commonOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
                          OdModelerBodyPtr& result) {
-  if (a && b) return combine(OdModelerBooleanKind::kIntersect, a, b, result);
   result = nullptr;
-  return {};
+  if (!a || !b) return {};
+  OdModelerStatus status = combine(OdModelerBooleanKind::kIntersect, a, b, result);
+  if (status.ok()) return status;
+  // The same by another way, for which the modeller may not fail.
+  OdModelerBodyPtr rest;
+  const OdModelerStatus again = combine(OdModelerBooleanKind::kSubtract, b, a, rest);
+  if (!again.ok()) return status;
+  if (!rest) {
+    result = b;
+    return {};
+  }
+  return combine(OdModelerBooleanKind::kSubtract, b, rest, result);
 }
 
 OdModelerStatus differenceOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
@@ -58,8 +68,7 @@ void ComponentPieces::setPiece(ToolKind kind, OdModelerBodyPtr body) {
   piece.changed = true;
 }
 
-ResidueLedger::ResidueLedger(PieceReader reader, ToolMaker toolMaker)
-    : m_reader(std::move(reader)), m_toolMaker(std::move(toolMaker)) {}
+ResidueLedger::ResidueLedger(PieceReader reader) : m_reader(std::move(reader)) {}
 
 ComponentPieces& ResidueLedger::add(const OdDbObjectId& feature) {
   return m_components.emplace_back(feature, m_reader ? &m_reader : nullptr);
@@ -75,28 +84,6 @@ ComponentPieces& ResidueLedger::component(const OdDbObjectId& feature) {
   return m_components.emplace_back(feature);
 }
 
-// The part of the piece that others which stay reach becomes theirs.
-OdModelerStatus ResidueLedger::handOver(ComponentPieces& from, ToolKind kind) {
-  for (ComponentPieces& other : m_components) {
-    if (!from.pieceOf(kind)) return {};
-    if (other.heals || !overlap(from.boxOf(kind), other.boxOf(kind))) continue;
-    OdModelerBodyPtr tool;
-    OdModelerBodyPtr shared;
-    OdModelerBodyPtr theirs;
-    OdModelerBodyPtr rest;
-    OdModelerStatus status = m_toolMaker(other.feature, kind, tool);
-    if (status.ok()) status = commonOf(from.pieceOf(kind), tool, shared);
-    if (!status.ok()) return status;
-    if (!shared) continue;
-    status = unionOf(other.pieceOf(kind), shared, theirs);
-    if (status.ok()) status = differenceOf(from.pieceOf(kind), shared, rest);
-    if (!status.ok()) return status;
-    other.setPiece(kind, theirs);
-    from.setPiece(kind, rest);
-  }
-  return {};
-}
-
 OdModelerStatus ResidueLedger::loseTo(ToolKind kind, const OdModelerBodyPtr& body,
                                       const OdGeExtents3d& box) {
   for (ComponentPieces& other : m_components) {
@@ -110,126 +97,120 @@ OdModelerStatus ResidueLedger::loseTo(ToolKind kind, const OdModelerBodyPtr& bod
 }
 
 OdModelerStatus ResidueLedger::heal(OdDb3dSolid& solid) {
-  std::array<std::vector<OdModelerBodyPtr>, kToolKindCount> given;
   for (const ToolKind kind : {ToolKind::kCut, ToolKind::kFill}) {
-    std::vector<OdModelerBodyPtr>& pieces = given[static_cast<std::size_t>(kind)];
+    std::vector<OdModelerBodyPtr> pieces;
     for (ComponentPieces& component : m_components) {
-      if (!component.heals || !component.pieceOf(kind)) continue;
-      if (OdModelerStatus status = handOver(component, kind); !status.ok()) return status;
-      if (component.pieceOf(kind)) pieces.push_back(component.pieceOf(kind));
-    }
-  }
-  const auto& [cuts, fills] = given;
-  if (!cuts.empty()) {
-    OdModelerStatus status = solid.booleanOper(OdModelerBooleanKind::kUnite, cuts);
-    if (!status.ok()) return status;
-  }
-  if (!fills.empty()) {
-    OdModelerStatus status = solid.booleanOper(OdModelerBooleanKind::kSubtract, fills);
-    if (!status.ok()) return status;
-  }
-  for (ComponentPieces& component : m_components) {
-    if (!component.heals) continue;
-    const OdModelerBodyPtr fill = component.pieceOf(ToolKind::kFill);
-    const OdGeExtents3d box = component.boxOf(ToolKind::kFill);
-    for (const ToolKind kind : {ToolKind::kCut, ToolKind::kFill}) {
+      if (!component.heals) continue;
+      if (component.hasPiece(kind)) pieces.push_back(component.pieceOf(kind));
       component.setPiece(kind, nullptr);
       component.boxOf(kind) = OdGeExtents3d();
     }
-    if (!fill) continue;
-    if (OdModelerStatus status = loseTo(ToolKind::kCut, fill, box); !status.ok()) return status;
+    if (pieces.empty()) continue;
+    const OdModelerBooleanKind undo =
+        kind == ToolKind::kCut ? OdModelerBooleanKind::kUnite : OdModelerBooleanKind::kSubtract;
+    if (OdModelerStatus status = solid.booleanOper(undo, pieces); !status.ok()) return status;
   }
   return {};
+}
+
+// Takes off what earlier tools have taken.
+OdModelerStatus ResidueLedger::lessen(OdModelerBodyPtr& piece, const OdGeExtents3d& box,
+                                      std::span<const OdModelerBodyPtr> earlier) {
+  for (const OdModelerBodyPtr& tool : earlier) {
+    if (!piece || !overlap(box, tool->extents())) continue;
+    OdModelerBodyPtr rest;
+    OdModelerStatus status = differenceOf(piece, tool, rest);
+    if (!status.ok()) return status;
+    piece = rest;
+  }
+  return {};
+}
+
+OdModelerStatus ResidueLedger::claim(const OdDbObjectId& feature, ToolKind kind,
+                                     const OdModelerBody& tool, const OdModelerBodyPtr& piece) {
+  ComponentPieces& owner = component(feature);
+  OdModelerBodyPtr all;
+  OdModelerStatus status = unionOf(owner.pieceOf(kind), piece, all);
+  if (!status.ok()) return status;
+  owner.setPiece(kind, all);
+  owner.boxOf(kind).addExt(tool.extents());
+  owner.heals = false;
+  return {};
+}
+
+// Tools that keep apart are intersected in one operation: whose a piece is its place tells.
+OdModelerStatus ResidueLedger::takeLoners(const OdModelerBodyPtr& before,
+                                          std::span<const OdModelerBodyPtr> loners,
+                                          std::vector<OdModelerBodyPtr>& pieces) {
+  pieces.assign(loners.size(), nullptr);
+  if (loners.empty()) return {};
+  if (loners.size() == 1) return commonOf(before, loners.front(), pieces.front());
+  OdModelerBodyPtr all;
+  OdModelerStatus status =
+      odModeler().boolean(OdModelerBooleanKind::kIntersect, before, loners, all, nullptr);
+  if (status.code == eDegenerateGeometry) return {};
+  if (!status.ok()) {
+    for (std::size_t i = 0; i < loners.size(); ++i) {
+      status = commonOf(before, loners[i], pieces[i]);
+      if (!status.ok()) return status;
+    }
+    return {};
+  }
+  std::vector<std::vector<OdModelerBodyPtr>> parts(loners.size());
+  for (const OdModelerBodyPtr& part : all->solids()) {
+    const OdGeExtents3d box = part->extents();
+    for (std::size_t i = 0; i < loners.size(); ++i) {
+      if (!overlap(box, loners[i]->extents())) continue;
+      parts[i].push_back(part);
+      break;
+    }
+  }
+  for (std::size_t i = 0; i < loners.size() && status.ok(); ++i) {
+    if (parts[i].size() == 1)
+      pieces[i] = parts[i].front();
+    else if (parts[i].size() > 1)
+      status = odModeler().compound(parts[i], pieces[i]);
+  }
+  return status;
 }
 
 OdModelerStatus ResidueLedger::takeCuts(const OdModelerBodyPtr& before,
                                         std::span<const OdDbObjectId> features,
                                         std::span<const OdModelerBodyPtr> tools) {
+  std::vector<std::size_t> apart;
+  std::vector<OdModelerBodyPtr> loners;
   for (std::size_t i = 0; i < tools.size(); ++i) {
-    const OdGeExtents3d box = tools[i]->extents();
+    const auto meets = [&](const OdModelerBodyPtr& other) {
+      return other != tools[i] && overlap(tools[i]->extents(), other->extents());
+    };
+    if (std::ranges::any_of(tools, meets)) continue;
+    apart.push_back(i);
+    loners.push_back(tools[i]);
+  }
+  std::vector<OdModelerBodyPtr> pieces;
+  OdModelerStatus status = takeLoners(before, loners, pieces);
+  for (std::size_t i = 0, next = 0; i < tools.size() && status.ok(); ++i) {
     OdModelerBodyPtr piece;
-    OdModelerStatus status = commonOf(before, tools[i], piece);
-    for (std::size_t j = 0; j < i && status.ok() && piece; ++j) {
-      if (!overlap(box, tools[j]->extents())) continue;
-      OdModelerBodyPtr rest;
-      status = differenceOf(piece, tools[j], rest);
-      piece = rest;
+    if (next < apart.size() && apart[next] == i) {
+      piece = pieces[next++];
+    } else {
+      status = commonOf(before, tools[i], piece);
+      if (status.ok()) status = lessen(piece, tools[i]->extents(), tools.first(i));
     }
-    if (!status.ok()) return status;
-    ComponentPieces& owner = component(features[i]);
-    OdModelerBodyPtr all;
-    status = unionOf(owner.pieceOf(ToolKind::kCut), piece, all);
-    if (!status.ok()) return status;
-    owner.setPiece(ToolKind::kCut, all);
-    owner.boxOf(ToolKind::kCut).addExt(box);
-    owner.heals = false;
-  }
-  return {};
-}
-
-// What the tool adds to the part: not what the solid has, nor what cuts or earlier tools took.
-OdModelerStatus ResidueLedger::addedBy(const OdModelerBodyPtr& before, const OdModelerBodyPtr& tool,
-                                       std::span<const OdModelerBodyPtr> earlier,
-                                       OdModelerBodyPtr& added) {
-  const OdGeExtents3d box = tool->extents();
-  OdModelerStatus status = differenceOf(tool, before, added);
-  const auto lessen = [&](const OdModelerBodyPtr& by) {
-    OdModelerBodyPtr rest;
-    if (status.ok()) status = differenceOf(added, by, rest);
-    if (status.ok()) added = rest;
-  };
-  for (ComponentPieces& cut : m_components) {
-    if (overlap(box, cut.boxOf(ToolKind::kCut))) lessen(cut.pieceOf(ToolKind::kCut));
-  }
-  for (const OdModelerBodyPtr& other : earlier) {
-    if (overlap(box, other->extents())) lessen(other);
+    if (status.ok()) status = claim(features[i], ToolKind::kCut, *tools[i], piece);
   }
   return status;
 }
 
-// Cuts go through what is added: that part is theirs, and the tool loses it.
-OdModelerStatus ResidueLedger::keepCutsOpen(OdDb3dSolid& tool, const OdModelerBodyPtr& added) {
-  const OdGeExtents3d box = tool.body()->extents();
-  OdModelerBodyPtr unclaimed = added;
-  for (ComponentPieces& cut : m_components) {
-    if (!overlap(box, cut.boxOf(ToolKind::kCut))) continue;
-    OdModelerBodyPtr cutter;
-    OdModelerBodyPtr shared;
-    OdModelerBodyPtr all;
-    OdModelerBodyPtr rest;
-    OdModelerStatus status = m_toolMaker(cut.feature, ToolKind::kCut, cutter);
-    if (status.ok()) status = commonOf(unclaimed, cutter, shared);
-    if (status.ok()) status = unionOf(cut.pieceOf(ToolKind::kCut), shared, all);
-    if (status.ok()) status = differenceOf(unclaimed, shared, rest);
-    if (!status.ok()) return status;
-    cut.setPiece(ToolKind::kCut, all);
-    unclaimed = rest;
-    if (cutter) status = tool.booleanOper(OdModelerBooleanKind::kSubtract, {&cutter, 1});
-    if (status.code == eDegenerateGeometry) {
-      tool.setBody(nullptr);
-      return {};
-    }
-    if (!status.ok()) return status;
-  }
-  return {};
-}
-
 OdModelerStatus ResidueLedger::takeFills(const OdModelerBodyPtr& before,
                                          std::span<const OdDbObjectId> features,
-                                         std::span<const OdDb3dSolidPtr> tools) {
-  std::vector<OdModelerBodyPtr> bodies;
-  for (const OdDb3dSolidPtr& tool : tools) bodies.push_back(tool->body());
+                                         std::span<const OdModelerBodyPtr> tools) {
   for (std::size_t i = 0; i < tools.size(); ++i) {
-    OdModelerBodyPtr added;
-    OdModelerBodyPtr all;
-    OdModelerStatus status = addedBy(before, bodies[i], std::span(bodies).first(i), added);
-    if (status.ok()) status = keepCutsOpen(*tools[i], added);
-    ComponentPieces& owner = component(features[i]);
-    if (status.ok()) status = unionOf(owner.pieceOf(ToolKind::kFill), added, all);
+    OdModelerBodyPtr piece;
+    OdModelerStatus status = differenceOf(tools[i], before, piece);
+    if (status.ok()) status = lessen(piece, tools[i]->extents(), tools.first(i));
+    if (status.ok()) status = claim(features[i], ToolKind::kFill, *tools[i], piece);
     if (!status.ok()) return status;
-    owner.setPiece(ToolKind::kFill, all);
-    owner.boxOf(ToolKind::kFill).addExt(bodies[i]->extents());
-    owner.heals = false;
   }
   return {};
 }

@@ -51,29 +51,25 @@ class ComponentPieces {
   const PieceReader* m_reader;
 };
 
-/// The pieces of all components of one solid. A solid is (G + fills) - cuts, with G the part without
-/// components: the order in which components came does not matter.
+/// The pieces of all components of one solid. A solid is (G + fills) - cuts, with G the part
+/// without components: the order in which components came does not matter.
 ///
 /// Laws, with B the present solid, C a cut tool and F a fill tool as last applied:
-///   1. the piece of a cut is what B + all cut pieces has within C and no other cut's piece has; the
-///      piece of a fill is what F has outside of G and no other fill's piece has. Pieces of one kind
-///      are disjoint;
-///   2. healing a cut gives its piece back, less what other cuts that stay reach; that part becomes
-///      theirs;
-///   3. healing a fill takes its piece away, less what other fills that stay reach; that part
-///      becomes theirs. The pieces of cuts lose what went;
+///   1. the piece of a cut is what B + all cut pieces has within C and no other cut's piece has;
+///   the
+///      piece of a fill is what F has outside of G and no other fill's piece has. Pieces of one
+///      kind are disjoint;
+///   2. healing gives the pieces of cuts back and takes the pieces of fills away; whoever meets a
+///      component that heals, heals with it and is done anew (UpdateHelper::widen);
+///   3. fills are added while no cut is open where they are, and cuts are made after them;
 ///   4. what others do to the solid is final there: pieces lose what the other tool reaches.
 ///
 /// All operations return the modeller's status; after a failure the pieces are of no use, and the
 /// caller rolls back.
 class ResidueLedger {
  public:
-  /// Makes the tool of a component as it was last applied; called only where tools overlap.
-  using ToolMaker =
-      std::function<OdModelerStatus(const OdDbObjectId& feature, ToolKind, OdModelerBodyPtr&)>;
-
   ResidueLedger() = default;
-  ResidueLedger(PieceReader reader, ToolMaker toolMaker);
+  explicit ResidueLedger(PieceReader reader);
   ResidueLedger(const ResidueLedger&) = delete;
   ResidueLedger& operator=(const ResidueLedger&) = delete;
 
@@ -83,30 +79,31 @@ class ResidueLedger {
   /// Null when the feature has none.
   [[nodiscard]] ComponentPieces* find(const OdDbObjectId& feature);
 
-  /// Laws 2 and 3 for all components that heal; these have no pieces and no boxes afterwards.
+  /// Law 2 for all components that heal; these have no pieces and no boxes afterwards.
   OdModelerStatus heal(OdDb3dSolid& solid);
-  /// Takes in the pieces of new cuts before they are made; `tools` belong to `features`. A tool that
-  /// takes nothing away gives no piece.
+  /// Takes in the pieces of new cuts before they are made; `tools` belong to `features`. A tool
+  /// that takes nothing away gives no piece.
   OdModelerStatus takeCuts(const OdModelerBodyPtr& before, std::span<const OdDbObjectId> features,
                            std::span<const OdModelerBodyPtr> tools);
-  /// The same for fills. What cuts reach is taken off the tools, so that they stay open; a tool of
-  /// which nothing is left is emptied.
+  /// The same for fills. No cut of a component is open where they are.
   OdModelerStatus takeFills(const OdModelerBodyPtr& before, std::span<const OdDbObjectId> features,
-                            std::span<const OdSmartPtr<OdDb3dSolid>> tools);
+                            std::span<const OdModelerBodyPtr> tools);
   /// Law 4 for a tool that somebody else applied to the solid.
   OdModelerStatus exclude(const OdModelerBodyPtr& tool);
 
  private:
-  OdModelerStatus handOver(ComponentPieces& from, ToolKind kind);
   OdModelerStatus loseTo(ToolKind kind, const OdModelerBodyPtr& body, const OdGeExtents3d& box);
-  OdModelerStatus addedBy(const OdModelerBodyPtr& before, const OdModelerBodyPtr& tool,
-                          std::span<const OdModelerBodyPtr> earlier, OdModelerBodyPtr& added);
-  OdModelerStatus keepCutsOpen(OdDb3dSolid& tool, const OdModelerBodyPtr& added);
+  static OdModelerStatus lessen(OdModelerBodyPtr& piece, const OdGeExtents3d& box,
+                                std::span<const OdModelerBodyPtr> earlier);
+  static OdModelerStatus takeLoners(const OdModelerBodyPtr& before,
+                                    std::span<const OdModelerBodyPtr> loners,
+                                    std::vector<OdModelerBodyPtr>& pieces);
+  OdModelerStatus claim(const OdDbObjectId& feature, ToolKind kind, const OdModelerBody& tool,
+                        const OdModelerBodyPtr& piece);
   ComponentPieces& component(const OdDbObjectId& feature);
 
   PieceReader m_reader;
   std::vector<ComponentPieces> m_components;
-  ToolMaker m_toolMaker;
 };
 
 /// a and b in common, a without b, a and b together. Null stands for nothing, as argument and as

@@ -20,7 +20,8 @@ namespace {
 thread_local UpdateHelper* t_current = nullptr;
 
 OdModelerBodyPtr storedPiece(const OdDbObjectId& feature, ToolKind kind) {
-  const VdmComponentFeaturePtr component = VdmComponentFeature::cast(VdmFeature::open(feature).get());
+  const VdmComponentFeaturePtr component =
+      VdmComponentFeature::cast(VdmFeature::open(feature).get());
   return component.isNull() ? nullptr : component->piece(kind);
 }
 
@@ -103,6 +104,7 @@ void UpdateHelper::enterSite(const VdmComponentFeature& feature, Work& work) {
   Site& site = siteOf(work.solid);
   if (!work.heals) return;
   work.oldFaces = presentFaces(feature);
+  work.pieceIsLost = feature.hasLostPiece();
   ComponentPieces& pieces = site.ledger.add(work.feature);
   pieces.heals = true;
   pieces.box = work.before.box;
@@ -143,13 +145,14 @@ bool UpdateHelper::getMatchingFaces(VdmUpdateFeatureInterface* /*updateInterface
                                     OdDbObjectId feature,
                                     const VdmFeatureUpdateDataUtils::OpeningIds& /*opening*/,
                                     VdmFeatureUpdateDataUtils::FeatureArgs& args) {
-  const VdmComponentFeaturePtr component = VdmComponentFeature::cast(VdmFeature::open(feature).get());
+  const VdmComponentFeaturePtr component =
+      VdmComponentFeature::cast(VdmFeature::open(feature).get());
   if (component.isNull()) return false;
   const ComponentPlan due = plan(*component);
   if (due == ComponentPlan::kCondemned) updateData().appendFeatureToRemove(feature);
   if (due != ComponentPlan::kWork) {
-    const VdmDbInsertReactorPtr reactor = VdmDbInsertReactor::cast(
-        component->insertReactorId().openObject());
+    const VdmDbInsertReactorPtr reactor =
+        VdmDbInsertReactor::cast(component->insertReactorId().openObject());
     if (due == ComponentPlan::kNothing && !reactor.isNull() && reactor->hasChanges())
       reactor->setChanged(false);
     return false;
@@ -178,7 +181,8 @@ void UpdateHelper::collectDependentsForEntity(const OdDbObjectId& /*entity*/,
 // Healing is done for whole solids, before the cuts.
 bool UpdateHelper::removeSubents(const OdDbObjectId& entityId, OdSmartPtr<OdDbEntity>& /*entity*/,
                                  VdmFeatureSubentsToRemove& record, bool /*flag*/) {
-  const bool heals = std::ranges::any_of(m_sites, [&](const auto& s) { return s->solid == entityId; });
+  const bool heals =
+      std::ranges::any_of(m_sites, [&](const auto& s) { return s->solid == entityId; });
   if (heals) record.subents.clear();
   return heals;
 }
@@ -193,32 +197,37 @@ bool UpdateHelper::addCopiesToUpdateData(VdmUpdateFeatureInterface* /*updateInte
   if (work == nullptr || !work->applies) return false;
   const BlockTools& tools = m_tools.of(entities.insert->blockTableRecord());
   if (totalFaces(tools) == 0) {
-    fail(feature, {eNotApplicable, OdString(L"its block has no solids for subtracting or uniting")});
+    fail(feature,
+         {eNotApplicable, OdString(L"its block has no solids for subtracting or uniting")});
     return false;
   }
+  const OdModelerStatus status = makeTools(*work, tools);
+  return status.ok() || fail(feature, status);
+}
+
+// Copies of the tools in the solid's place. Cuts are queued; fills wait for their turn.
+OdModelerStatus UpdateHelper::makeTools(Work& work, const BlockTools& tools) {
   int faces = 0;
   for (const ToolKind kind : {ToolKind::kCut, ToolKind::kFill}) {
     for (const OdModelerBodyPtr& body : tools.of(kind)) {
-      Tool tool{feature, kind, nullptr, faces};
-      const OdModelerStatus status = body->transformed(work->now, tool.body);
-      if (!status.ok()) return fail(feature, status);
+      Tool tool{work.feature, kind, nullptr, faces};
+      OdModelerStatus status = body->transformed(work.now, tool.body);
+      if (!status.ok()) return status;
       faces += static_cast<int>(body->numFaces());
-      OdDb3dSolidPtr copy = OdDb3dSolid::createObject();
-      copy->setBody(tool.body);
-      if (kind == ToolKind::kCut)
-        appendSolidToSubtract(feature, work->solid, copy);
-      else
-        appendSolidToUnite(feature, work->solid, copy);
-      m_toolOf[copy.get()] = tool;
-      work->tools.push_back(std::move(tool));
+      if (kind == ToolKind::kCut) {
+        OdDb3dSolidPtr copy = OdDb3dSolid::createObject();
+        copy->setBody(tool.body);
+        appendSolidToSubtract(work.feature, work.solid, copy);
+        m_toolOf[copy.get()] = tool;
+      }
+      work.tools.push_back(std::move(tool));
     }
   }
-  return true;
+  return {};
 }
 
 void UpdateHelper::addGrossData(VdmUpdateFeatureInterface* /*updateInterface*/,
-                                const OdDbObjectId& feature,
-                                OdSmartPtr<OdDbBlockReference> insert,
+                                const OdDbObjectId& feature, OdSmartPtr<OdDbBlockReference> insert,
                                 OdSmartPtr<OdDb3dSolid> solid) {
   const BlockTools& tools = m_tools.of(insert->blockTableRecord());
   const OdGeMatrix3d placement = insert->blockTransform();
@@ -234,39 +243,13 @@ void UpdateHelper::addGrossData(VdmUpdateFeatureInterface* /*updateInterface*/,
   }
 }
 
-OdModelerStatus UpdateHelper::appliedTool(const OdDbObjectId& feature, ToolKind kind,
-                                          OdModelerBodyPtr& tool) {
-  if (const Work* work = findWork(feature); work != nullptr && work->applies) {
-    tool = nullptr;
-    for (const Tool& own : work->tools) {
-      if (own.kind != kind) continue;
-      OdModelerBodyPtr all;
-      OdModelerStatus status = unionOf(tool, own.body, all);
-      if (!status.ok()) return status;
-      tool = all;
-    }
-    return {};
-  }
-  const VdmComponentFeaturePtr component = VdmComponentFeature::cast(VdmFeature::open(feature).get());
-  VdmComponentFeature::Placed placed;
-  tool = nullptr;
-  if (component.isNull() || !component->placed(placed)) return {};
-  const OdDbBlockReferencePtr insert =
-      OdDbBlockReference::cast(component->insertId().openObject(OdDb::kForRead, true));
-  if (insert.isNull()) return {};
-  return placedTool(m_tools.of(insert->blockTableRecord()), kind, placed.transform, tool);
-}
-
 // ---- Solids
 
 UpdateHelper::Site& UpdateHelper::siteOf(const OdDbObjectId& solid) {
   for (const std::unique_ptr<Site>& site : m_sites) {
     if (site->solid == solid) return *site;
   }
-  const auto toolMaker = [this](const OdDbObjectId& feature, ToolKind kind, OdModelerBodyPtr& tool) {
-    return appliedTool(feature, kind, tool);
-  };
-  return *m_sites.emplace_back(std::make_unique<Site>(solid, storedPiece, toolMaker));
+  return *m_sites.emplace_back(std::make_unique<Site>(solid, storedPiece));
 }
 
 const OdDbObjectIdArray& UpdateHelper::componentsAt(const OdDbObjectId& solid) {
@@ -295,7 +278,7 @@ OdModelerStatus UpdateHelper::healSite(Site& site) {
   if (solid.isNull()) return {eNotOpenForWrite, OdString(L"the solid cannot be opened for write")};
   for (Work& work : m_work) {
     if (work.solid != site.solid || !work.heals) continue;
-    if (OdModelerStatus status = healWithoutResidue(site, work, *solid); !status.ok()) return status;
+    if (OdModelerStatus status = healWithoutResidue(work, *solid); !status.ok()) return status;
     if (m_update != nullptr)
       m_update->recorder().noteStep(work.feature, site.solid, SolidAction::kHealed);
   }
@@ -303,74 +286,127 @@ OdModelerStatus UpdateHelper::healSite(Site& site) {
 }
 
 // An opening whose residue is lost: its faces are taken off, and the modeller closes the rest.
-OdModelerStatus UpdateHelper::healWithoutResidue(Site& site, Work& work, OdDb3dSolid& solid) {
-  ComponentPieces* pieces = site.ledger.find(work.feature);
-  const bool hasPiece = pieces != nullptr &&
-                        (pieces->hasPiece(ToolKind::kCut) || pieces->hasPiece(ToolKind::kFill));
-  if (hasPiece || work.oldFaces.empty()) return {};
+OdModelerStatus UpdateHelper::healWithoutResidue(const Work& work, OdDb3dSolid& solid) {
+  if (!work.pieceIsLost || work.oldFaces.empty()) return {};
   std::vector<OdUInt32> faces;
   for (const auto& [tag, face] : work.oldFaces) faces.push_back(face);
   OdModelerStatus status = solid.removeFaces(faces);
   if (!status.ok())
-    status.text = OdString(L"its residue is lost and its faces cannot be taken off: ") + status.text;
+    status.text =
+        OdString(L"its residue is lost and its faces cannot be taken off: ") + status.text;
   return status;
 }
 
+// Whether a component that stays meets what comes or goes with the work: whatever was healed there
+// would lie against its walls, and what is added would close its cuts.
+bool UpdateHelper::meets(const Work& work, ComponentPieces& stays) {
+  const OdGeExtents3d& cut = stays.boxOf(ToolKind::kCut);
+  if (work.heals) {
+    for (const OdGeExtents3d& box : work.before.box) {
+      if (overlap(box, cut) || overlap(box, stays.boxOf(ToolKind::kFill))) return true;
+    }
+  }
+  return std::ranges::any_of(work.tools, [&cut](const Tool& tool) {
+    return tool.kind == ToolKind::kFill && overlap(tool.body->extents(), cut);
+  });
+}
+
+// Components that meet those which heal are healed with them and done anew, and so on: a solid is
+// only ever healed by whole openings, whose closing leaves no trace.
+OdModelerStatus UpdateHelper::widen(Site& site) {
+  for (std::size_t i = 0; i < m_work.size(); ++i) {
+    if (m_work[i].solid != site.solid) continue;
+    for (ComponentPieces& pieces : site.ledger.components()) {
+      if (pieces.heals || !meets(m_work[i], pieces)) continue;
+      if (OdModelerStatus status = doAnew(pieces); !status.ok()) return status;
+    }
+  }
+  return {};
+}
+
+OdModelerStatus UpdateHelper::doAnew(ComponentPieces& pieces) {
+  const VdmComponentFeaturePtr component =
+      VdmComponentFeature::cast(VdmFeature::open(pieces.feature).get());
+  const OdDbBlockReferencePtr insert = OdDbBlockReference::cast(component->insertId().openObject());
+  Work work;
+  if (insert.isNull() || !component->placed(work.before)) return {};
+  work.feature = pieces.feature;
+  work.solid = component->solidId();
+  work.wasPlaced = work.heals = work.applies = true;
+  work.now = work.before.transform;
+  work.toolStamp = component->toolStamp();
+  work.oldFaces = presentFaces(*component);
+  work.pieceIsLost = component->hasLostPiece();
+  pieces.heals = true;
+  OdModelerStatus status = makeTools(work, m_tools.of(insert->blockTableRecord()));
+  m_workIndex[work.feature] = m_work.size();
+  m_work.push_back(std::move(work));
+  return status;
+}
+
+OdModelerStatus UpdateHelper::addFills(Site& site) {
+  std::vector<OdDbObjectId> features;
+  std::vector<OdModelerBodyPtr> tools;
+  for (const Work& work : m_work) {
+    for (const Tool& tool : work.tools) {
+      if (work.solid != site.solid || tool.kind != ToolKind::kFill) continue;
+      features.push_back(work.feature);
+      tools.push_back(tool.body);
+    }
+  }
+  if (tools.empty()) return {};
+  OdDb3dSolidPtr solid = OdDb3dSolid::cast(site.solid.openObject(OdDb::kForWrite));
+  OdModelerStatus status = site.ledger.takeFills(solid->body(), features, tools);
+  if (status.ok()) status = solid->booleanOper(OdModelerBooleanKind::kUnite, tools);
+  if (!status.ok() || m_update == nullptr) return status;
+  for (const OdDbObjectId& id : features)
+    m_update->recorder().noteStep(id, site.solid, SolidAction::kAdded);
+  return {};
+}
+
+// Heals, then adds: cuts come after all fills.
 bool UpdateHelper::prepareForSubtract() {
   if (m_failed) return false;
-  for (const std::unique_ptr<Site>& site : m_sites) {
-    fillSite(*site);
-    OdModelerStatus status = healSite(*site);
+  for (std::size_t i = 0; i < m_sites.size(); ++i) {
+    Site& site = *m_sites[i];
+    fillSite(site);
+    OdModelerStatus status = widen(site);
+    if (status.ok()) status = healSite(site);
+    if (status.ok()) status = addFills(site);
     if (status.ok()) continue;
-    const auto healed = std::ranges::find_if(
-        m_work, [&](const Work& work) { return work.heals && work.solid == site->solid; });
-    return fail(healed == m_work.end() ? OdDbObjectId() : healed->feature, std::move(status));
+    const auto culprit = std::ranges::find(m_work, site.solid, &Work::solid);
+    return fail(culprit == m_work.end() ? OdDbObjectId() : culprit->feature, std::move(status));
   }
   return true;
 }
 
-// Writes down what the tools take away or add; tools are united in one operation.
-OdModelerStatus UpdateHelper::takeTools(Site& site, OdDb3dSolid& solid, Tools& tools) {
+// Writes down what the tools take away; they are united in one operation.
+bool UpdateHelper::checkTools(OdSmartPtr<OdDb3dSolid>& solid, Tools& tools) {
+  Site& site = siteOf(solid->objectId());
   std::vector<OdDbObjectId> features;
   std::vector<OdModelerBodyPtr> bodies;
-  std::vector<OdDb3dSolidPtr> solids;
-  ToolKind kind = ToolKind::kCut;
+  Tools known;
   for (const OdDb3dSolidPtr& tool : tools) {
-    const auto known = m_toolOf.find(tool.get());
-    if (known == m_toolOf.end()) continue;
-    kind = known->second.kind;
-    features.push_back(known->second.feature);
-    bodies.push_back(known->second.body);
-    solids.push_back(tool);
+    const auto found = m_toolOf.find(tool.get());
+    if (found == m_toolOf.end()) continue;
+    features.push_back(found->second.feature);
+    bodies.push_back(found->second.body);
+    known.append(tool);
   }
-  const OdModelerBodyPtr before = solid.body();
-  OdModelerStatus status = kind == ToolKind::kCut
-                               ? site.ledger.takeCuts(before, features, bodies)
-                               : site.ledger.takeFills(before, features, solids);
-  if (!status.ok()) return status;
-  // What takes nothing away, and what nothing is left of, is no tool.
+  if (features.empty()) return !tools.isEmpty();
+  OdModelerStatus status = site.ledger.takeCuts(solid->body(), features, bodies);
+  if (!status.ok()) return fail(features.front(), std::move(status));
+  // What takes nothing away is no tool.
   tools.clear();
-  for (std::size_t i = 0; i < solids.size(); ++i) {
-    ComponentPieces* pieces = site.ledger.find(features[i]);
-    const bool works = kind == ToolKind::kCut ? pieces->hasPiece(kind) : !solids[i]->isNull();
-    if (works) tools.append(solids[i]);
+  for (OdUInt32 i = 0; i < known.size(); ++i) {
+    if (site.ledger.find(features[i])->hasPiece(ToolKind::kCut)) tools.append(known[i]);
   }
-  if (tools.size() < 2) return {};
+  if (tools.size() < 2) return !tools.isEmpty();
   std::vector<OdModelerBodyPtr> others;
   for (OdUInt32 i = 1; i < tools.size(); ++i) others.push_back(tools[i]->body());
   status = tools[0]->booleanOper(OdModelerBooleanKind::kUnite, others);
   tools.resize(1);
-  return status;
-}
-
-bool UpdateHelper::checkTools(OdSmartPtr<OdDb3dSolid>& solid, Tools& tools) {
-  Site& site = siteOf(solid->objectId());
-  fillSite(site);
-  const auto known = tools.isEmpty() ? m_toolOf.end() : m_toolOf.find(tools[0].get());
-  const OdDbObjectId feature = known == m_toolOf.end() ? OdDbObjectId() : known->second.feature;
-  OdModelerStatus status = takeTools(site, *solid, tools);
-  if (!status.ok()) return fail(feature, std::move(status));
-  return !tools.isEmpty();
+  return status.ok() || fail(features.front(), std::move(status));
 }
 
 }  // namespace vdm_host

@@ -73,6 +73,7 @@ class UpdateHelper final : public VdmFeatureUpdateDataHelper {
     bool heals = false;
     bool applies = false;
     bool condemned = false;
+    bool pieceIsLost = false;
     VdmComponentFeature::State state = VdmComponentFeature::kStateApplied;
     VdmComponentFeature::Placed before;  ///< as it was last cut
     bool wasPlaced = false;
@@ -91,10 +92,13 @@ class UpdateHelper final : public VdmFeatureUpdateDataHelper {
   Site& siteOf(const OdDbObjectId& solid);
   void fillSite(Site& site);
   const OdDbObjectIdArray& componentsAt(const OdDbObjectId& solid);
-  OdModelerStatus appliedTool(const OdDbObjectId& feature, ToolKind kind, OdModelerBodyPtr& tool);
   OdModelerStatus healSite(Site& site);
-  OdModelerStatus healWithoutResidue(Site& site, Work& work, OdDb3dSolid& solid);
-  OdModelerStatus takeTools(Site& site, OdDb3dSolid& solid, Tools& tools);
+  static OdModelerStatus healWithoutResidue(const Work& work, OdDb3dSolid& solid);
+  OdModelerStatus makeTools(Work& work, const BlockTools& tools);
+  static bool meets(const Work& work, ComponentPieces& stays);
+  OdModelerStatus widen(Site& site);
+  OdModelerStatus doAnew(ComponentPieces& pieces);
+  OdModelerStatus addFills(Site& site);
   bool fail(const OdDbObjectId& feature, OdModelerStatus status);
 
   // Results.

@@ -45,7 +45,8 @@ void noteBasePlane(const VdmComponentFeature& feature, VdmComponentFeature::Plac
 // References into an opening remember the tool's face: by that they are found when it is closed and
 // cut again.
 void noteBirths(const OdDbObjectId& feature) {
-  const VdmComponentFeaturePtr component = VdmComponentFeature::cast(VdmFeature::open(feature).get());
+  const VdmComponentFeaturePtr component =
+      VdmComponentFeature::cast(VdmFeature::open(feature).get());
   for (const auto& [toolFace, dependencies] : component->openingDependencies()) {
     for (const OdDbObjectId& id : dependencies) {
       const VdmDbObjectDependencyPtr dependency =
@@ -218,10 +219,11 @@ void UpdateHelper::storeApplied() {
       const ComponentPieces* pieces = siteOf(work.solid).ledger.find(work.feature);
       placed.box = pieces != nullptr ? pieces->box : decltype(placed.box){};
     }
-    noteBasePlane(*feature, placed);
+    // The plane of a base face changes with its solid alone: that was moved or is new then.
+    if (!work.wasPlaced || !work.heals) noteBasePlane(*feature, placed);
     feature->setApplied(work.state, placed, work.applies ? work.toolStamp : feature->toolStamp());
-    const VdmDbInsertReactorPtr reactor = VdmDbInsertReactor::cast(
-        feature->insertReactorId().openObject(OdDb::kForWrite));
+    const VdmDbInsertReactorPtr reactor =
+        VdmDbInsertReactor::cast(feature->insertReactorId().openObject(OdDb::kForWrite));
     if (!reactor.isNull()) reactor->setChanged(false);
   }
 }

@@ -10,8 +10,7 @@ struct UpdateHelper::Site {
   ResidueLedger ledger;
   bool isFilled = false;
 
-  Site(const OdDbObjectId& id, PieceReader reader, ResidueLedger::ToolMaker toolMaker)
-      : solid(id), ledger(std::move(reader), std::move(toolMaker)) {}
+  Site(const OdDbObjectId& id, PieceReader reader) : solid(id), ledger(std::move(reader)) {}
 };
 
 }  // namespace vdm_host

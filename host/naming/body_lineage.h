@@ -44,7 +44,7 @@ struct BodyTrace {
   FateList faces;
   FateList edges;
   FateList vertices;
-  OdGeMatrix3d motion;    ///< what moved on the way, all of it together
+  OdGeMatrix3d motion;      ///< what moved on the way, all of it together
   OdUInt32 operations = 0;  ///< booleans and blends on the way
   bool blends = false;      ///< a fillet or chamfer among them
 
@@ -70,8 +70,8 @@ class BodyLineage {
   /// because a body was replaced or emptied. The same body gives the identity.
   [[nodiscard]] std::optional<BodyTrace> trace(const OdModelerBodyPtr& from,
                                                const OdModelerBodyPtr& to) const;
-  /// Faces of `to` that come from a face of `tool`, a body that was an input of some change: rising.
-  /// Empty when it left none.
+  /// Faces of `to` that come from a face of `tool`, a body that was an input of some change:
+  /// rising. Empty when it left none.
   [[nodiscard]] std::vector<OdUInt32> facesFrom(const OdModelerBodyPtr& tool, OdUInt32 face,
                                                 const OdModelerBodyPtr& to) const;
   /// All changes, as told.

@@ -21,8 +21,9 @@ using Signatures = std::vector<SubentSignature>;
 constexpr double kClearlyBetter = 2.0;
 /// Costs differ by more than this, which is noise, to differ at all.
 constexpr double kNoise = 0.02;
-/// What a cost may be at most: half of the reach, or twice the size, or part of both.
-constexpr double kMaxCost = 1.0;
+/// What a cost may be at most: a displacement by the reach counts 1, and so does twice the size. A
+/// feature that is displaced by less than its radius or half its width overlaps where it was.
+constexpr double kMaxCost = 1.5;
 /// Sizes may differ by this factor.
 constexpr double kMaxGrowth = 2.0;
 /// Directions may differ by 5 degrees, radii by a quarter.
@@ -42,9 +43,8 @@ struct Guess {
 };
 
 double displacementLimit(const SubentSignature& old, const MatchTolerance& tolerance) {
-  const double reach =
-      old.type == Type::kVertex ? 2.0 * kVertexReach * tolerance.size : old.reach();
-  return std::max(reach / 2.0, tolerance.length);
+  const double reach = old.type == Type::kVertex ? kVertexReach * tolerance.size : old.reach();
+  return std::max(reach, tolerance.length);
 }
 
 // 0 for the identical subentity, more the less alike they are; none when they cannot be the same.
@@ -56,8 +56,9 @@ std::optional<double> costOf(const SubentSignature& old, const SubentSignature& 
   if (old.direction.lengthSqrd() > 0.0 && cosine < kMinCosine) return {};
   if (std::abs(old.radius - now.radius) > kMaxRadiusChange * old.radius) return {};
   double cost = old.radius > 0.0 ? std::abs(old.radius - now.radius) / old.radius : 0.0;
-  const double limit = displacementLimit(old, tolerance);
-  cost += old.place.distanceTo(now.place) / limit;
+  const double displacement = old.place.distanceTo(now.place) / displacementLimit(old, tolerance);
+  if (displacement > 1.0 && !liesOnSame(old, now, tolerance)) return {};
+  cost += displacement;
   if (old.size > 0.0 && now.size > 0.0) {
     cost += std::abs(std::log(now.size / old.size)) / std::log(kMaxGrowth);
   }
@@ -134,8 +135,7 @@ class Pairing {
     propose([&](OdUInt32 old, Choice& choice) {
       const SubentSignature& item = m_before[old - 1];
       m_grid.within(item.place, identicalRadius(item), [&](OdUInt32 i) {
-        if (m_taken[i] == 0 && isIdentical(item, m_now.items[i], m_tolerance) &&
-            fits(old, i + 1)) {
+        if (m_taken[i] == 0 && isIdentical(item, m_now.items[i], m_tolerance) && fits(old, i + 1)) {
           choice.offer(i + 1, 0.0);
         }
       });
@@ -171,7 +171,7 @@ class Pairing {
   /// something unclear, is unclear too: nothing is taken, but it is not lost for sure either.
   void markLookAlikes(const std::vector<std::vector<OdUInt32>>& faces,
                       const std::vector<Guess>* faceGuesses) {
-    constexpr double kSearch = 8.0;
+    constexpr double kSearch = 4.0;
     for (OdUInt32 old = 1; old <= m_before.size(); ++old) {
       Guess& guess = m_guesses[old - 1];
       if (guess.image != 0 || guess.unclear) continue;
@@ -185,7 +185,8 @@ class Pairing {
       int alike = 0;
       m_grid.within(item.place, kSearch * displacementLimit(item, m_tolerance), [&](OdUInt32 i) {
         const SubentSignature& other = m_now.items[i];
-        const bool sameWay = !item.hasSign() || item.direction.dotProduct(other.direction) > kMinCosine;
+        const bool sameWay =
+            !item.hasSign() || item.direction.dotProduct(other.direction) > kMinCosine;
         if (m_taken[i] == 0 && sameWay && isCongruent(item, other, m_tolerance)) ++alike;
       });
       guess.unclear = alike > 1;
@@ -293,8 +294,7 @@ class SignatureMatcher {
     Pairing facePairs(faces, m_now.faces, m_faceGrid, m_tolerance);
     pairFaces(facePairs);
     guess.of(Type::kFace) = facePairs.guesses();
-    const auto rest = [&](Type type, const Level& before, const Level& now,
-                          const PlaceGrid& grid) {
+    const auto rest = [&](Type type, const Level& before, const Level& now, const PlaceGrid& grid) {
       const Signatures items = moved(before.items, motion);
       Pairing pairs(items, now, grid, m_tolerance);
       pairByFaces(pairs, before, now, items, facePairs);

@@ -32,10 +32,11 @@ struct BodyMatch {
 ///   2. first the motion (none, a displacement, a turn, a mirror) that lays the old body on the new
 ///      one is looked for; when several do so equally well, only what they agree on is matched, and
 ///      the rest is ambiguous. No motion at all wins over others that fit as well;
-///   3. identical geometry is matched first; what was displaced or resized a little (less than half
-///      of its own reach, and of its distance to the next candidate) next, and it must meet the
-///      same neighbours; then edges and vertices by the faces that meet there;
-///   4. the rest is lost.
+///   3. identical geometry is matched first; what was displaced or resized a little (by less than
+///   its
+///      reach, and less than half as far as the next candidate is) next, and it must meet the same
+///      neighbours; then edges and vertices by the faces that meet there;
+///   4. the rest is lost; ambiguous when several look-alikes are near, or it touches one such face.
 [[nodiscard]] BodyMatch matchBySignature(const OdModelerBody& before, const OdModelerBody& now);
 
 /// The same for a few signatures alone, of which no body is there any more. Laws 1 and 4, with

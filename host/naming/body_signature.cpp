@@ -166,9 +166,8 @@ bool onSameCurve(const SubentSignature& a, const SubentSignature& b,
              distanceFromLine(a.anchor, a.direction, b.anchor) <= length;
     case OdModelerCurveKind::kCircle:
     case OdModelerCurveKind::kEllipse:
-      return isParallel(a.direction, b.direction, tolerance) &&
-             near(a.radius, b.radius, length) && near(a.minorRadius, b.minorRadius, length) &&
-             a.anchor.distanceTo(b.anchor) <= length;
+      return isParallel(a.direction, b.direction, tolerance) && near(a.radius, b.radius, length) &&
+             near(a.minorRadius, b.minorRadius, length) && a.anchor.distanceTo(b.anchor) <= length;
     case OdModelerCurveKind::kOther:
       break;
   }
@@ -252,8 +251,8 @@ OdUInt32 SubentSignature::shapeHash() const {
     return static_cast<OdUInt32>(static_cast<OdInt64>(std::round(value * digits)) +
                                  OdInt64{100000} * static_cast<OdInt64>(std::log10(digits) + 64.0));
   };
-  OdUInt32 hash = mix(static_cast<OdUInt32>(type) * 64 + kind * 4U + (inward ? 2U : 0U) +
-                      (closed ? 1U : 0U));
+  OdUInt32 hash =
+      mix(static_cast<OdUInt32>(type) * 64 + kind * 4U + (inward ? 2U : 0U) + (closed ? 1U : 0U));
   for (const double value : {size, radius, minorRadius, halfAngle}) {
     hash = mix(hash * 31 + rounded(value));
   }

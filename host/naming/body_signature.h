@@ -24,17 +24,17 @@ struct MatchTolerance {
 /// One subentity as plain values. Lengths in drawing units, angles in radians.
 struct SubentSignature {
   OdModelerSubentType type = OdModelerSubentType::kNull;
-  OdUInt8 kind = 0;        ///< OdModelerSurfaceKind or OdModelerCurveKind; 0 for a vertex
-  bool inward = false;     ///< face of revolution around empty space: a hole
-  bool closed = false;     ///< edge without ends
-  OdUInt16 bounds = 0;     ///< edges of a face, faces of an edge, edges of a vertex
-  OdUInt32 neighbours = 0; ///< hash of the kinds of the subentities that meet here, without order
-  double size = 0.0;       ///< area, length, 0
+  OdUInt8 kind = 0;         ///< OdModelerSurfaceKind or OdModelerCurveKind; 0 for a vertex
+  bool inward = false;      ///< face of revolution around empty space: a hole
+  bool closed = false;      ///< edge without ends
+  OdUInt16 bounds = 0;      ///< edges of a face, faces of an edge, edges of a vertex
+  OdUInt32 neighbours = 0;  ///< hash of the kinds of the subentities that meet here, without order
+  double size = 0.0;        ///< area, length, 0
   double radius = 0.0;
   double minorRadius = 0.0;
   double halfAngle = 0.0;
-  OdGePoint3d place;       ///< centroid of a face, middle or centre of an edge, a vertex's point
-  OdGePoint3d anchor;      ///< a point of the surface's plane or axis next to `place`; apex, centre
+  OdGePoint3d place;   ///< centroid of a face, middle or centre of an edge, a vertex's point
+  OdGePoint3d anchor;  ///< a point of the surface's plane or axis next to `place`; apex, centre
   /// Unit: outward normal of a plane; axis of a surface of revolution, line or circle, whose sign
   /// means nothing; zero where there is none.
   OdGeVector3d direction;

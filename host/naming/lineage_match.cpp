@@ -1,15 +1,15 @@
 // Which subentities of a body are those of another one, by the history of what was done.
 #include "host/naming/lineage_match.h"
 
+#include <algorithm>
+
 #include "host/naming/body_match.h"
 
 namespace vdm_host {
 
 LineageMatcher::LineageMatcher(OdModelerBodyPtr before, OdModelerBodyPtr now,
                                const BodyTrace& trace)
-    : m_before(std::move(before)),
-      m_now(std::move(now)),
-      m_trace(trace) {}
+    : m_before(std::move(before)), m_now(std::move(now)), m_trace(trace) {}
 
 SubentMatch LineageMatcher::match(OdModelerSubent subent) {
   const FateList& fates = m_trace.of(subent.type);
@@ -38,7 +38,35 @@ const LineageMatcher::Orphans& LineageMatcher::orphans(OdModelerSubentType type)
 
 SubentMatch LineageMatcher::rebuilt(OdModelerSubent subent) {
   if (!m_before->hasSubent(subent) || orphans(subent.type).items.empty()) return {};
-  return findNew(signatureOf(*m_before, subent).movedBy(m_trace.motion));
+  const SubentSignature wanted = signatureOf(*m_before, subent).movedBy(m_trace.motion);
+  SubentMatch match = findNew(wanted);
+  if (match.grade == ReferenceGrade::kLost && subent.type == OdModelerSubentType::kEdge) {
+    return grownEdge(subent, wanted);
+  }
+  return match;
+}
+
+// Pieces of an edge that were put together again: a new edge of the same faces that runs along the
+// same curve and over the middle of the old one.
+SubentMatch LineageMatcher::grownEdge(OdModelerSubent subent, const SubentSignature& wanted) {
+  if (!m_tolerance) m_tolerance = MatchTolerance::of(*m_before, *m_now);
+  const OdGePoint3d middle = m_trace.motion * m_before->edge(subent.index).midPoint;
+  const std::vector<OdUInt32>& fresh = orphans(OdModelerSubentType::kEdge).indices;
+  std::vector<OdUInt32> found;
+  for (const OdUInt32 face : m_before->facesOfEdge(subent.index)) {
+    for (const OdUInt32 image : m_trace.faces.images(face)) {
+      for (const OdUInt32 edge : m_now->edgesOfFace(image)) {
+        if (!std::ranges::binary_search(fresh, edge)) continue;
+        if (std::ranges::count(found, edge) != 0) continue;
+        const SubentSignature item = signatureOf(*m_now, {OdModelerSubentType::kEdge, edge});
+        if (!liesOnSame(wanted, item, *m_tolerance)) continue;
+        const double distance = m_now->distanceTo({OdModelerSubentType::kEdge, edge}, middle);
+        if (distance <= m_tolerance->length) found.push_back(edge);
+      }
+    }
+  }
+  if (found.size() == 1) return {ReferenceGrade::kByLineage, std::move(found)};
+  return found.empty() ? SubentMatch() : SubentMatch{ReferenceGrade::kAmbiguous, {}};
 }
 
 SubentMatch LineageMatcher::findNew(const SubentSignature& wanted) {

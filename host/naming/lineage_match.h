@@ -21,8 +21,8 @@ class LineageMatcher {
 
   /// Exact, by lineage, split (all images), ambiguous or lost.
   [[nodiscard]] SubentMatch match(OdModelerSubent subent);
-  /// The one subentity that comes from no old one and is identical to `wanted`, which lies where the
-  /// new body does; exact, ambiguous or lost.
+  /// The one subentity that comes from no old one and is identical to `wanted`, which lies where
+  /// the new body does; exact, ambiguous or lost.
   [[nodiscard]] SubentMatch findNew(const SubentSignature& wanted);
 
  private:
@@ -33,6 +33,7 @@ class LineageMatcher {
   };
   const Orphans& orphans(OdModelerSubentType type);
   [[nodiscard]] SubentMatch rebuilt(OdModelerSubent subent);
+  [[nodiscard]] SubentMatch grownEdge(OdModelerSubent subent, const SubentSignature& wanted);
 
   OdModelerBodyPtr m_before;
   OdModelerBodyPtr m_now;

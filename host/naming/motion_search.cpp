@@ -48,9 +48,8 @@ class MotionSearch {
  private:
   bool isLaid(const SubentSignature& face) const {
     bool laid = false;
-    m_grid.within(face.place, std::max(face.reach() / 2.0, m_tolerance.length), [&](OdUInt32 i) {
-      laid = laid || liesOnSame(face, m_now[i], m_tolerance);
-    });
+    m_grid.within(face.place, std::max(face.reach() / 2.0, m_tolerance.length),
+                  [&](OdUInt32 i) { laid = laid || liesOnSame(face, m_now[i], m_tolerance); });
     return laid;
   }
 
@@ -86,15 +85,16 @@ class MotionSearch {
       const auto other = fresh.find(hash);
       if (row.second != 1 || other == fresh.end() || other->second.second != 1) continue;
       const OdGeVector3d by = m_now[other->second.first].place - m_before[row.first].place;
-      auto& vote = votes[{std::llround(by.x / step), std::llround(by.y / step),
-                          std::llround(by.z / step)}];
+      auto& vote =
+          votes[{std::llround(by.x / step), std::llround(by.y / step), std::llround(by.z / step)}];
       ++vote.first;
       vote.second = by;
     }
     collectNeighbourDisplacements(step, votes);
     std::vector<std::pair<int, OdGeVector3d>> ranked;
     for (const auto& [key, vote] : votes) ranked.push_back(vote);
-    std::ranges::stable_sort(ranked, [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::ranges::stable_sort(ranked,
+                             [](const auto& a, const auto& b) { return a.first > b.first; });
     for (std::size_t i = 0; i < std::min(kMaxVotes, ranked.size()); ++i) {
       add(OdGeMatrix3d::translation(ranked[i].second));
     }
@@ -114,8 +114,8 @@ class MotionSearch {
         by = m_now[i].place - face.place;
       });
       if (nearest >= face.reach()) continue;
-      auto& vote = votes[{std::llround(by.x / step), std::llround(by.y / step),
-                          std::llround(by.z / step)}];
+      auto& vote =
+          votes[{std::llround(by.x / step), std::llround(by.y / step), std::llround(by.z / step)}];
       ++vote.first;
       vote.second = by;
     }
@@ -210,8 +210,8 @@ class MotionSearch {
     const OdGeVector3d before = oldPlace(b) - from;
     const OdGeVector3d now = m_now[nb].place - to;
     const OdGeVector3d side = before.perpVector();
-    const OdGeVector3d newSide = now.isCodirectionalTo(before, OdGeTol(1e-9)) ? side
-                                                                             : now.perpVector();
+    const OdGeVector3d newSide =
+        now.isCodirectionalTo(before, OdGeTol(1e-9)) ? side : now.perpVector();
     addTurns({from, from + before, from + side}, {to, to + now, to + newSide});
   }
 

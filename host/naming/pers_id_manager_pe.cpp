@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "host/naming/name_feature.h"
 #include "host/naming/reference_update.h"
 #include "platform/base/error.h"
 #include "platform/db/database.h"
@@ -134,8 +135,8 @@ void PersIdManagerExtension::createDependencies(OdDbObjectIdArray& newIds,
     if (!existing[i].isNull()) continue;
     OdDbObjectId& id = made[paths[i]];
     if (id.isNull()) {
-      id = manager->database()->addOdDbObject(makeDependency(paths[i], solids),
-                                              manager->objectId());
+      id =
+          manager->database()->addOdDbObject(makeDependency(paths[i], solids), manager->objectId());
       newIds.append(id);
     }
     existing[i] = id;
@@ -144,6 +145,7 @@ void PersIdManagerExtension::createDependencies(OdDbObjectIdArray& newIds,
 
 void registerNaming() {
   if (registrations()++ > 0) return;
+  VdmNameFeature::rxInit();
   extension() = OdRxObjectImpl<PersIdManagerExtension>::createObject();
   VdmDbPersIdManager::desc()->addX(VdmDbPersIdManagerPE::desc(), extension());
 }
@@ -152,6 +154,7 @@ void unregisterNaming() {
   if (registrations() == 0 || --registrations() > 0) return;
   VdmDbPersIdManager::desc()->delX(VdmDbPersIdManagerPE::desc());
   extension().release();
+  VdmNameFeature::rxUninit();
 }
 
 }  // namespace vdm_host

@@ -68,9 +68,8 @@ class Resolver {
     const bool hasRecord = record.readFrom(dependency);
     if (isUnresolvedIndex(subent.index())) {
       if (hasRecord && !isResolved(record.grade)) result.grade = record.grade;
-      result.note = result.grade == ReferenceGrade::kAmbiguous
-                        ? L"several subentities look like it"
-                        : L"nothing is left of it";
+      result.note = result.grade == ReferenceGrade::kAmbiguous ? L"several subentities look like it"
+                                                               : L"nothing is left of it";
       return;
     }
     const Row& row = rowOf(result.solid);

@@ -145,7 +145,7 @@ void writeStep(ByteWriter& out, const LineageStep& step) {
 
 OdString causeName(LineageCause cause) {
   static constexpr std::array<const wchar_t*, 9> kNames{
-      L"created",       L"boolean", L"blend",  L"body replaced", L"opening cut again",
+      L"created",        L"boolean", L"blend",  L"body replaced", L"opening cut again",
       L"opening closed", L"split",   L"merged", L"found again"};
   const auto index = static_cast<std::size_t>(cause);
   return index < kNames.size() ? kNames[index] : L"unknown";
@@ -209,7 +209,10 @@ bool ReferenceRecord::readFrom(const VdmDbObjectDependency& dependency) {
 void ReferenceRecord::writeTo(VdmDbObjectDependency& dependency) const {
   const VdmBlob bytes = encode();
   VdmBlob present;
-  if (dependency.properties().getProperty(kLineageKey, present) && present == bytes) return;
+  if (dependency.properties().getProperty(kLineageKey, present)) {
+    const bool isLater = !present.empty() && static_cast<OdUInt8>(present.front()) > kRules;
+    if (isLater || present == bytes) return;
+  }
   VdmProperties& bag = dependency.propertiesForWrite();
   if (!bag.setProperty(kLineageKey, bytes)) {
     bag.removeProperty(kLineageKey);

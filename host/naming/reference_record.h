@@ -80,7 +80,8 @@ struct ReferenceRecord {
 
   /// False when the dependency has none that can be read.
   [[nodiscard]] bool readFrom(const VdmDbObjectDependency& dependency);
-  /// Also makes the dependency's hash that of the signature. Open for write.
+  /// Also makes the dependency's hash that of the signature. Open for write. A record of later
+  /// rules stays as it is.
   void writeTo(VdmDbObjectDependency& dependency) const;
 };
 

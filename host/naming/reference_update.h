@@ -47,8 +47,9 @@ struct ReferenceUpdateReport {
 };
 
 /// One run over a drawing. For each changed solid: what the references stand for in the new body is
-/// decided by the laws of docs/naming.md, then the managers of persistent ids are told: updatePairs,
-/// split, finishRemap, and the replacement map is filled (replacements, modified entities).
+/// decided by the laws of docs/naming.md, then the managers of persistent ids are told:
+/// updatePairs, split, finishRemap, and the replacement map is filled (replacements, modified
+/// entities).
 ///
 /// Needs VdmDbPersIdManagerPE to be attached (pers_id_manager_pe.h). Works within the caller's
 /// transaction; whoever rolls that back drops the map too.
@@ -79,7 +80,8 @@ class ReferenceUpdate {
   std::unique_ptr<Impl> m_impl;
 };
 
-/// The dependencies that lead into an entity, through block references too, in order of handles.
+/// The dependencies that lead into an entity, those of constraints among them; with any through
+/// block references, in order of handles.
 [[nodiscard]] OdDbObjectIdArray dependenciesInto(const OdDbObjectId& entity);
 
 }  // namespace vdm_host

@@ -82,8 +82,7 @@ std::optional<RespawnMatch> RespawnMatcher::comeBack(const LineageBirth& birth,
   if (wanted.type == Type::kFace) {
     result.match = matchFace(*row, moved);
   } else {
-    result.match =
-        chooseByPlace(wanted.type, candidatesAround(wanted.type, row->newFaces), moved);
+    result.match = chooseByPlace(wanted.type, candidatesAround(wanted.type, row->newFaces), moved);
   }
   return result;
 }
@@ -107,16 +106,31 @@ const std::vector<OdUInt32>& RespawnMatcher::imagesOfFace(OdUInt32 oldFace) {
 }
 
 SubentMatch RespawnMatcher::matchAround(OdModelerSubent subent, const FaceRespawn& row) {
+  const SubentSignature wanted = signatureOf(m_before, subent).movedBy(row.motion);
+  const std::vector<OdUInt32> atOpening = candidatesAround(subent.type, row.newFaces);
+  const std::vector<OdUInt32> meeting = whereImagesMeet(subent, atOpening);
+  if (!meeting.empty()) return chooseByPlace(subent.type, meeting, wanted);
+  // The opening left its neighbours: there is only the motion to go by.
+  std::vector<OdUInt32> identical;
+  for (const OdUInt32 candidate : atOpening) {
+    if (isIdentical(wanted, signatureOf(m_now, {subent.type, candidate}), m_tolerance)) {
+      identical.push_back(candidate);
+    }
+  }
+  return identical.size() == 1 ? single(identical.front()) : SubentMatch();
+}
+
+// Those of the candidates where the images of all old faces meet and no others.
+std::vector<OdUInt32> RespawnMatcher::whereImagesMeet(OdModelerSubent subent,
+                                                      std::span<const OdUInt32> candidates) {
   std::vector<OdUInt32> allowed;
   const std::vector<OdUInt32> oldFaces = facesAround(m_before, subent);
   for (const OdUInt32 face : oldFaces) {
     const std::vector<OdUInt32>& images = imagesOfFace(face);
-    if (images.empty()) return {};
     allowed.insert(allowed.end(), images.begin(), images.end());
   }
-  sortUnique(allowed);
-  std::vector<OdUInt32> candidates;
-  for (const OdUInt32 candidate : candidatesAround(subent.type, row.newFaces)) {
+  std::vector<OdUInt32> found;
+  for (const OdUInt32 candidate : candidates) {
     const std::vector<OdUInt32> around = facesAround(m_now, {subent.type, candidate});
     const bool noOthers =
         std::ranges::all_of(around, [&](OdUInt32 face) { return contains(allowed, face); });
@@ -124,9 +138,9 @@ SubentMatch RespawnMatcher::matchAround(OdModelerSubent subent, const FaceRespaw
       return std::ranges::any_of(imagesOfFace(face),
                                  [&](OdUInt32 image) { return contains(around, image); });
     });
-    if (noOthers && allMeet) candidates.push_back(candidate);
+    if (noOthers && allMeet) found.push_back(candidate);
   }
-  return chooseByPlace(subent.type, candidates, signatureOf(m_before, subent).movedBy(row.motion));
+  return found;
 }
 
 std::vector<OdUInt32> RespawnMatcher::candidatesAround(Type type,

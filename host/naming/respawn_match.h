@@ -20,16 +20,18 @@ struct RespawnMatch {
 };
 
 /// Laws:
-///   1. an old face of an opening is what the same face of the tool left in the new body; of several
+///   1. an old face of an opening is what the same face of the tool left in the new body; of
+///   several
 ///      such faces the one that lies as the old one does after the tool's motion, else all;
 ///   2. an edge or vertex that touches such a face is the one where the images of all its old faces
 ///      meet and no others; of several the one that lies as the old one did after the motion, or
-///      lies nearest by far; else it is ambiguous;
+///      lies nearest by far; else it is ambiguous. Where they meet nowhere, because the opening
+///      went to other faces, it is the one at the opening that lies exactly as the old one did;
 ///   3. what touches a face that is not there any more is lost until the opening comes back.
 class RespawnMatcher {
  public:
-  /// The rows are those of one solid. All arguments outlive this; `lineage` tells the faces that are
-  /// not of openings.
+  /// The rows are those of one solid. All arguments outlive this; `lineage` tells the faces that
+  /// are not of openings.
   RespawnMatcher(std::span<const FaceRespawn> rows, const OdModelerBody& before,
                  const OdModelerBody& now, LineageMatcher& lineage);
 
@@ -45,6 +47,8 @@ class RespawnMatcher {
   const FaceRespawn* rowOf(OdUInt32 oldFace) const;
   [[nodiscard]] SubentMatch matchFace(const FaceRespawn& row, const SubentSignature& wanted) const;
   [[nodiscard]] SubentMatch matchAround(OdModelerSubent subent, const FaceRespawn& row);
+  [[nodiscard]] std::vector<OdUInt32> whereImagesMeet(OdModelerSubent subent,
+                                                      std::span<const OdUInt32> candidates);
   [[nodiscard]] std::vector<OdUInt32> candidatesAround(OdModelerSubentType type,
                                                        std::span<const OdUInt32> faces) const;
   [[nodiscard]] SubentMatch chooseByPlace(OdModelerSubentType type,

@@ -16,8 +16,9 @@ class OdDbReactorCalls {
                    void (OdDbObjectReactor::*transient)(Arguments...), Arguments... arguments) {
     if (!object->m_extra || object->m_extra->reactors.empty()) return;
     const std::vector<OdDbObject::Extra::Reactor> told = object->m_extra->reactors;
+    std::size_t place = 0;
     for (const OdDbObject::Extra::Reactor& reactor : told) {
-      if (!isAttached(object, reactor)) continue;
+      if (!isAttached(object, reactor, place)) continue;
       try {
         if (reactor.transient != nullptr) {
           (reactor.transient->*transient)(arguments...);
@@ -33,7 +34,9 @@ class OdDbReactorCalls {
   }
 
  private:
-  static bool isAttached(const OdDbObject* object, const OdDbObject::Extra::Reactor& reactor);
+  /// `place` is where the reactor stands unless the list changed; then the place of the next one.
+  static bool isAttached(const OdDbObject* object, const OdDbObject::Extra::Reactor& reactor,
+                         std::size_t& place);
   static void reportFailure(const OdDbObject* object, const OdDbObject::Extra::Reactor& reactor,
                             const std::exception& error);
 };

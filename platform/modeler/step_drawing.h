@@ -37,8 +37,8 @@ OdModelerStatus importStepIntoDatabase(OdDbDatabase* database, const OdString& p
                                        const OdStepImportOptions& options = {});
 
 /// Writes model space as a STEP file in millimetres: blocks become products, references become
-/// occurrences. Blocks of external drawings and entities that are neither solids nor references are
-/// left out and reported. eInvalidInput when there is nothing to write.
+/// occurrences. Blocks of external drawings, entities that are neither solids nor references, and
+/// what is on layers that are off or frozen are left out and reported. eInvalidInput when there is nothing to write.
 OdModelerStatus exportStepFromDatabase(OdDbDatabase* database, const OdString& path,
                                        OdStepReport* report = nullptr);
 

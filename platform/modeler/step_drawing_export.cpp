@@ -6,6 +6,7 @@
 #include "platform/base/error.h"
 #include "platform/db/block_reference.h"
 #include "platform/db/block_table_record.h"
+#include "platform/db/layer_table.h"
 #include "platform/db/units.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "platform/modeler/step_drawing.h"
@@ -68,6 +69,10 @@ class Exporter {
 
   void addEntity(OdUInt32 product, const OdDbEntityPtr& entity, const OdGePoint3d& origin) {
     if (entity.isNull()) return;
+    if (const OdDbLayerTableRecordPtr layer = hidingLayer(*entity); !layer.isNull()) {
+      const OdString why = L"is on the layer " + layer->getName() + L", which is off or frozen";
+      return skip(*entity, why.c_str());
+    }
     if (const OdDb3dSolidPtr solid = OdDb3dSolid::cast(entity); !solid.isNull()) {
       addSolid(product, *solid, origin);
     } else if (const OdDbBlockReferencePtr reference = OdDbBlockReference::cast(entity);
@@ -76,6 +81,13 @@ class Exporter {
     } else {
       skip(*entity, L"is neither solid nor block reference");
     }
+  }
+
+  // The entity's layer when that shows nothing; null otherwise.
+  static OdDbLayerTableRecordPtr hidingLayer(const OdDbEntity& entity) {
+    OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::cast(entity.layerId().openObject());
+    const bool hides = !layer.isNull() && (layer->isOff() || layer->isFrozen());
+    return hides ? layer : OdDbLayerTableRecordPtr();
   }
 
   void skip(const OdDbEntity& entity, const wchar_t* why) {
@@ -116,12 +128,18 @@ class Exporter {
     const OdGeMatrix3d placement =
         OdGeMatrix3d::translation(OdGePoint3d::kOrigin - origin) * reference.blockTransform() *
         OdGeMatrix3d::translation(block->origin() - OdGePoint3d::kOrigin);
-    OdModelerOccurrence occurrence{productOf(shown), placement, nameOf(reference), std::nullopt};
+    const OdUInt32 its = productOf(shown);
+    if (isEmpty(m_assembly.products[its])) return;
+    OdModelerOccurrence occurrence{its, placement, nameOf(reference), std::nullopt};
     if (const OdCmColor color = reference.color(); color.isByColor()) {
       occurrence.color = OdModelerColor{color.red(), color.green(), color.blue()};
     }
     m_assembly.products[product].occurrences.push_back(std::move(occurrence));
     ++m_report.occurrences;
+  }
+
+  static bool isEmpty(const OdModelerProduct& product) {
+    return product.bodies.empty() && product.occurrences.empty();
   }
 
   static OdString nameOf(const OdDbBlockReference& reference) {

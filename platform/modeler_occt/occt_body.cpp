@@ -163,8 +163,7 @@ const OdModelerVertex& Body::vertex(OdUInt32 index) const {
 
 namespace {
 
-const std::vector<OdUInt32>& rowAt(const std::vector<std::vector<OdUInt32>>& rows,
-                                   OdUInt32 index) {
+const std::vector<OdUInt32>& rowAt(const std::vector<std::vector<OdUInt32>>& rows, OdUInt32 index) {
   if (index < 1 || index > rows.size()) {
     throw OdError_InvalidIndex(index, static_cast<OdUInt32>(rows.size()));
   }

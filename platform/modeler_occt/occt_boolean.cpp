@@ -18,6 +18,7 @@
 #include "platform/modeler_occt/occt_guard.h"
 #include "platform/modeler_occt/occt_history.h"
 #include "platform/modeler_occt/occt_operations.h"
+#include "platform/modeler_occt/occt_removed_part.h"
 
 namespace od_occt {
 namespace {
@@ -55,11 +56,12 @@ TopTools_ListOfShape shapesOf(std::span<const OdModelerBodyPtr> bodies) {
 
 using Intersections = std::shared_ptr<BOPAlgo_PaveFiller>;
 
-// Where the inputs of an intersection meet, kept for the subtraction of the same tools that tends to
+// What an intersection has computed, kept for the subtraction of the same tool that tends to
 // follow: whoever cuts and wants to know what went asks for both.
 struct LastIntersections {
   std::vector<OdModelerBodyPtr> inputs;
   Intersections met;
+  std::unique_ptr<BRepAlgoAPI_Cut> cut;  // done but not simplified; uses `met`
 };
 
 LastIntersections& lastIntersections() {
@@ -74,18 +76,6 @@ Intersections intersect(std::span<const OdModelerBodyPtr> inputs, double fuzz) {
   met->SetNonDestructive(Standard_True);
   met->SetFuzzyValue(fuzz);
   met->Perform();
-  return met;
-}
-
-// Whatever is kept is dropped by the next operation, whether that can use it or not.
-Intersections intersectionsFor(OdModelerBooleanKind kind,
-                               std::span<const OdModelerBodyPtr> inputs) {
-  const LastIntersections last = std::exchange(lastIntersections(), {});
-  const bool isKnown =
-      kind == OdModelerBooleanKind::kSubtract && std::ranges::equal(last.inputs, inputs);
-  Intersections met = isKnown ? last.met : intersect(inputs, /*fuzz=*/0.0);
-  if (kind == OdModelerBooleanKind::kIntersect)
-    lastIntersections() = {{inputs.begin(), inputs.end()}, met};
   return met;
 }
 
@@ -162,16 +152,46 @@ constexpr Attempt kAttempts[] = {
     {0.0, false, false},
 };
 
+bool isDone(const Operation& operation) { return operation.IsDone() && !operation.HasErrors(); }
+
+// The intersection of two solids by way of the cut, which is kept. Null when that does not tell it.
+OdModelerBodyPtr commonByCut(std::span<const OdModelerBodyPtr> inputs, const Intersections& met) {
+  if (inputs.size() != 2 || !allSolid(inputs)) return nullptr;
+  auto cut = std::make_unique<BRepAlgoAPI_Cut>(*met);
+  run(*cut, inputs);
+  if (!isDone(*cut)) return nullptr;
+  const TopoDS_Shape part =
+      removedPart(*cut, shapesOf(inputs.first(1)), shapesOf(inputs.subspan(1)));
+  const OdModelerBodyPtr body = part.IsNull() ? nullptr : odBodyFromOcct(part);
+  if (!body || !checkShape(asOcct(*body).shape()).ok()) return nullptr;
+  lastIntersections() = {{inputs.begin(), inputs.end()}, met, std::move(cut)};
+  return body->withAttributes({inputs.front()->attributes().name, {}, {}, {}});
+}
+
 OdModelerStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs,
                         const Attempt& way, OdModelerBodyPtr& result, OdModelerHistory* history) {
-  const Intersections met =
-      way.fuzz > 0.0 ? intersect(inputs, way.fuzz) : intersectionsFor(kind, inputs);
-  if (met->HasErrors()) return {eModelerError, OdString(nameOf(kind)) + L": " + reportOf(*met)};
-  const std::unique_ptr<Operation> operation = newOperation(kind, *met);
-  run(*operation, inputs);
-  if (!operation->IsDone() || operation->HasErrors()) {
-    return {eModelerError, OdString(nameOf(kind)) + L": " + reportOf(*operation)};
+  const bool needsHistory = history != nullptr || std::ranges::any_of(inputs, hasColors);
+  // Whatever is kept is dropped by the next operation, whether that can use it or not.
+  LastIntersections last = std::exchange(lastIntersections(), {});
+  std::unique_ptr<Operation> operation;
+  if (kind == OdModelerBooleanKind::kSubtract && way.fuzz == 0.0 && last.cut &&
+      std::ranges::equal(last.inputs, inputs)) {
+    operation = std::move(last.cut);
+  } else {
+    last.met = intersect(inputs, way.fuzz);
+    if (last.met->HasErrors())
+      return {eModelerError, OdString(nameOf(kind)) + L": " + reportOf(*last.met)};
+    if (kind == OdModelerBooleanKind::kIntersect && way.fuzz == 0.0 && !needsHistory) {
+      if (const OdModelerBodyPtr common = commonByCut(inputs, last.met)) {
+        result = common;
+        return {};
+      }
+    }
+    operation = newOperation(kind, *last.met);
+    run(*operation, inputs);
   }
+  if (!isDone(*operation))
+    return {eModelerError, OdString(nameOf(kind)) + L": " + reportOf(*operation)};
   if (way.unifyFaces)
     operation->SimplifyResult(way.unifyEdges, way.unifyFaces, Precision::Angular());
   const TopoDS_Shape shape = remains(operation->Shape(), allSolid(inputs));
@@ -182,7 +202,7 @@ OdModelerStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBody
   if (OdModelerStatus sound = checkOutcome(asOcct(*plain), asOcct(*inputs.front())); !sound.ok()) {
     return {eModelerInvalidBody, OdString(nameOf(kind)) + L": " + sound.text};
   }
-  if (history == nullptr && !std::ranges::any_of(inputs, hasColors)) {
+  if (!needsHistory) {
     result = plain->withAttributes({inputs.front()->attributes().name, {}, {}, {}});
     return {};
   }
@@ -200,7 +220,6 @@ OdModelerStatus combine(OdModelerBooleanKind kind, std::span<const OdModelerBody
         guarded(nameOf(kind), [&] { return attempt(kind, inputs, way, result, history); });
     if (status.ok() || status.code == eDegenerateGeometry || status.code == eOutOfMemory)
       return status;
-    if (getenv("MDBG")) fprintf(stderr,"ATTEMPT %d of %s failed: %s\n", int(&way-kAttempts), nameOf(kind), std::string(status.text.utf8()).c_str());
     if (first.ok()) first = std::move(status);
   }
   return first;

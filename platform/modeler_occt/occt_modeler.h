@@ -5,7 +5,8 @@
 
 class OdModeler;
 
-/// A new modeller. It keeps no state of its own; bodies outlive it. STEP exchange is serialised
+/// A new modeller. It keeps no state of its own but what the last intersection of each thread has
+/// computed, until that thread's next operation; bodies outlive it. STEP exchange is serialised
 /// within the process, everything else may run in several threads at once.
 [[nodiscard]] std::shared_ptr<OdModeler> odCreateOcctModeler();
 

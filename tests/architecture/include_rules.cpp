@@ -197,7 +197,8 @@ std::span<const FolderRule> folderRules() {
     for (const std::string_view room : hostRooms) {
       table.push_back({room, everything});
     }
-    for (const std::string_view room : {"host/module", "host/cli"}) table.push_back({room, everything});
+    for (const std::string_view room : {"host/module", "host/cli"})
+      table.push_back({room, everything});
     return table;
   }();
   return rules;

@@ -95,9 +95,8 @@ TEST_F(VdmSignatureMatch, BodiesThatMovedTurnedOrWereMirrored) {
   };
   for (const OdGeMatrix3d& motion : motions) {
     // Baked in, so that nothing but geometry tells.
-    const OdModelerBodyPtr now =
-        combine(BooleanKind::kSubtract, moved(before, motion),
-                {box(1.0, 1.0, 1.0, {5000.0, 0.0, 0.0})});
+    const OdModelerBodyPtr now = combine(BooleanKind::kSubtract, moved(before, motion),
+                                         {box(1.0, 1.0, 1.0, {5000.0, 0.0, 0.0})});
     const Counts counts = judge(*before, *now, motion);
     EXPECT_EQ(counts.right, counts.all());
   }
@@ -113,8 +112,8 @@ TEST_F(VdmSignatureMatch, WhatLooksAlikeIsAmbiguous) {
   // A hole in the middle is the same whichever way the block was turned; its rims are not.
   const OdModelerBodyPtr bored =
       combine(BooleanKind::kSubtract, block, {cylinder(5.0, 20.0, {50.0, 30.0, -5.0})});
-  const BodyMatch match = matchBySignature(
-      *bored, *moved(bored, OdGeMatrix3d::translation({500.0, 0.0, 0.0})));
+  const BodyMatch match =
+      matchBySignature(*bored, *moved(bored, OdGeMatrix3d::translation({500.0, 0.0, 0.0})));
   const OdUInt32 hole = faceOfKind(*bored, OdModelerSurfaceKind::kCylinder);
   EXPECT_EQ(match.of({Type::kFace, hole}).grade, ReferenceGrade::kBySignature);
   // One of two slots side by side is gone, the other has moved to the middle between them.

@@ -113,5 +113,26 @@ TEST_F(VdmLineageMatcher, ChainsAndBlends) {
   EXPECT_EQ(counts.lost, 1 + 2) << "the filleted edge and its ends";
 }
 
+TEST_F(VdmLineageMatcher, FacesOfToolsThatWereUnitedAndMovedFirst) {
+  const OdModelerBodyPtr drill = cylinder(4.0, 20.0);
+  const OdGeMatrix3d there = OdGeMatrix3d::translation({50.0, 50.0, -5.0});
+  OdSolidChange move;
+  move.kind = OdSolidChangeKind::kMoved;
+  move.transform = there;
+  move.before = drill;
+  move.after = moved(drill, there);
+  m_changes.push_back(move);
+  const OdModelerBodyPtr both = unite(move.after, {box(20.0, 10.0, 20.0, {50.0, 45.0, -5.0})});
+  const OdModelerBodyPtr start = plate();
+  const OdModelerBodyPtr now = cut(start, {both});
+  const BodyLineage lineage(m_changes);
+  const OdUInt32 wall = faceOfKind(*drill, OdModelerSurfaceKind::kCylinder);
+  EXPECT_EQ(lineage.facesFrom(drill, wall, now),
+            std::vector<OdUInt32>{faceOfKind(*now, OdModelerSurfaceKind::kCylinder)});
+  EXPECT_EQ(lineage.trace(drill, now)->motion, there);
+  EXPECT_TRUE(lineage.facesFrom(drill, faceTowards(*drill, OdGeVector3d::kZAxis), now).empty());
+  EXPECT_FALSE(lineage.trace(now, start).has_value()) << "not backwards";
+}
+
 }  // namespace
 }  // namespace vdm_host

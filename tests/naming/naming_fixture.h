@@ -1,10 +1,7 @@
 // Bodies and geometry for naming tests: truth comes from where things lie, never from numbers.
 #pragma once
 
-#include <cmath>
-#include <map>
 #include <optional>
-#include <set>
 #include <vector>
 
 #include "host/naming/body_lineage.h"
@@ -45,9 +42,8 @@ class NamingTest : public ModelerTest {
     OdSolidChange change;
     change.kind = OdSolidChangeKind::kBlend;
     change.before = body;
-    change.after = made([&](auto& result) {
-      return odModeler().fillet(body, edges, radius, result, &history);
-    });
+    change.after = made(
+        [&](auto& result) { return odModeler().fillet(body, edges, radius, result, &history); });
     change.history = std::make_shared<const OdModelerHistory>(std::move(history));
     m_changes.push_back(change);
     return change.after;
@@ -69,7 +65,7 @@ class NamingTest : public ModelerTest {
     return combine(BooleanKind::kSubtract, plate(dx), tools);
   }
 
-  /// The face of a kind whose surface passes through a point and whose boundary holds it.
+  /// The first subentity of a type that holds a point; 0 when none does.
   static OdUInt32 faceAt(const OdModelerBody& body, const OdGePoint3d& point) {
     return nearest(body, Type::kFace, point);
   }

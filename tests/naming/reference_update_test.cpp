@@ -6,6 +6,7 @@
 
 #include "host/naming/pers_id_manager_pe.h"
 #include "host/naming/reference_query.h"
+#include "host/naming/subent_name.h"
 #include "platform/db/block_reference.h"
 #include "platform/db/block_table.h"
 #include "platform/db/db_init.h"
@@ -16,6 +17,7 @@
 #include "platform/storage/sqlite_record_store.h"
 #include "tests/naming/naming_fixture.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
+#include "vdm_db/references/vdm_db_object.h"
 #include "vdm_db/references/vdm_db_object_dependency.h"
 #include "vdm_db/references/vdm_db_pers_id_manager.h"
 #include "vdm_db/references/vdm_db_pers_id_reactor.h"
@@ -93,7 +95,8 @@ class VdmReferenceUpdate : public Runtime, public NamingTest {
     change(update);
     return update.settle(journal.changes());
   }
-  ReferenceUpdateReport cutSolid(const OdDbObjectId& id, const std::vector<OdModelerBodyPtr>& tools) {
+  ReferenceUpdateReport cutSolid(const OdDbObjectId& id,
+                                 const std::vector<OdModelerBodyPtr>& tools) {
     return edit([&](ReferenceUpdate&) {
       ASSERT_TRUE(succeeded(solid(id)->booleanOper(BooleanKind::kSubtract, tools)));
     });
@@ -103,8 +106,10 @@ class VdmReferenceUpdate : public Runtime, public NamingTest {
     const ResolvedReference found = resolveReference(dependency);
     if (!found.resolved()) return testing::AssertionFailure() << found.note.utf8();
     const OdDbSubentId& subent = found.path.subentId();
-    const double distance = bodyOfSolid(found.solid)->distanceTo(
-        {static_cast<Type>(subent.type()), static_cast<OdUInt32>(subent.index())}, at);
+    const double distance =
+        bodyOfSolid(found.solid)
+            ->distanceTo({static_cast<Type>(subent.type()), static_cast<OdUInt32>(subent.index())},
+                         at);
     if (distance < 1e-6) return testing::AssertionSuccess();
     return testing::AssertionFailure() << "it is " << distance << " away";
   }
@@ -231,6 +236,27 @@ TEST_F(VdmReferenceUpdate, SplitsAndMergesAreToldToTheModule) {
   EXPECT_TRUE(leadsTo(whole[0], {150, 100, 10}));
 }
 
+TEST_F(VdmReferenceUpdate, DependenciesOfConstraintsFollowToo) {
+  const OdDbObjectId entity = addSolid(plate());
+  const OdDbObjectId side = refer(entity, Type::kFace, {300, 100, 5});
+  const auto faceOf = [&](const OdGePoint3d& at) {
+    return OdDbFullSubentPath(
+        entity, OdDbSubentId(OdDb::kFaceSubentType, faceAt(*bodyOfSolid(entity), at)));
+  };
+  const auto own = [&](const OdGePoint3d& at) {
+    return VdmDbObject::openVdmDbObject(entity, OdDb::kForWrite)->append(faceOf(at));
+  };
+  const OdDbObjectId sameSide = own({300, 100, 5});
+  const OdDbObjectId top = own({150, 100, 10});
+  cutSolid(entity, drills(3, 3));
+  cutSolid(entity, {box(20.0, 220.0, 5.0, {200.0, -10.0, 5.0})});
+  EXPECT_TRUE(leadsTo(side, {300, 100, 5}));
+  EXPECT_TRUE(leadsTo(sameSide, {300, 100, 5}));
+  EXPECT_TRUE(leadsTo(top, {100, 100, 10})) << "nobody would follow two: the larger part";
+  EXPECT_EQ(gradeOf(top), ReferenceGrade::kSplit);
+  EXPECT_TRUE(m_map.isEmptyReplacementDeps()) << "what meets is not merged across owners";
+}
+
 TEST_F(VdmReferenceUpdate, OpeningsMoveSwapCloseAndComeBack) {
   const Hole a = holeAt(60, 60, 0x71);
   const Hole b = holeAt(160, 60, 0x72);
@@ -327,6 +353,31 @@ TEST_F(VdmReferenceUpdate, PathsThroughBlockReferencesAndStoredDrawings) {
   EXPECT_TRUE(leadsTo(stored, at));
   EXPECT_EQ(listReferences(m_drawing).size(), 1u);
   EXPECT_EQ(listReferences(m_drawing)[0].watchers.size(), 1u);
+}
+
+TEST_F(NamingTest, SubentitiesByTextAndByPoint) {
+  OdModelerSubent found;
+  EXPECT_TRUE(parseSubentName(L"e_12", found));
+  EXPECT_EQ(found, (OdModelerSubent{Type::kEdge, 12}));
+  EXPECT_EQ(subentName(found), L"e_12");
+  for (const wchar_t* text :
+       {L"", L"f_", L"f_0", L"x_1", L"f12", L"f_1a", L"f_-1", L"f_1234567890"}) {
+    EXPECT_FALSE(parseSubentName(text, found)) << OdString(text).utf8();
+  }
+  const OdModelerBodyPtr body = plate();
+  const auto at = [&](const OdGePoint3d& point, Type type) {
+    return findSubentNear(*body, point, type, 0.5, found);
+  };
+  EXPECT_TRUE(succeeded(at({300.1, 100, 5}, Type::kFace)));
+  EXPECT_EQ(found.index, faceAt(*body, {300, 100, 5}));
+  EXPECT_TRUE(succeeded(at({300, 200.2, 10}, Type::kNull)));
+  EXPECT_EQ(found.type, Type::kVertex) << "corners before edges before faces";
+  const OdModelerStatus both = at({300, 200, 5}, Type::kFace);
+  EXPECT_EQ(both.code, eInvalidInput);
+  for (const OdGePoint3d& point : {OdGePoint3d(300, 100, 5), OdGePoint3d(150, 200, 5)}) {
+    EXPECT_GE(both.text.find(subentName({Type::kFace, faceAt(*body, point)})), 0) << "names both";
+  }
+  EXPECT_FALSE(at({400, 0, 0}, Type::kNull).ok());
 }
 
 TEST(VdmReferenceRecord, BytesComeBackAndDamageIsRefused) {

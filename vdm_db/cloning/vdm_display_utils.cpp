@@ -1,11 +1,9 @@
 // Layers, viewports and how entities are shown.
 #include "vdm_db/cloning/vdm_display_utils.h"
 
-#include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "platform/db/layer_table.h"
 #include "platform/ge/plane.h"
-#include "vdm_utils/vdmc_assert.h"
 
 namespace {
 

@@ -271,14 +271,17 @@ void VdmDbConstraintManager::notifyConstraintModify(VdmConstraint* constraint,
   }
 }
 
-// An argument that refers to nothing adds a null id.
+// An argument that refers to nothing adds a null id, one that cannot be resolved adds none.
 void VdmDbConstraintManager::markArgumentsModified(const VdmConstraint& constraint) {
   ModifiedObjects added;
   for (const OdDbObjectId& argument : constraint.argumentIds()) {
-    const auto dependency =
-        VdmDbObjectDependency::cast(argument.openObject(OdDb::kForRead, /*openErased=*/true));
-    const OdDbObjectId object =
-        dependency.isNull() ? OdDbObjectId::kNull : dependency->getInsertId();
+    OdDbFullSubentPath path;
+    if (!argument.isNull()) {
+      const auto dependency = VdmDbObjectDependency::cast(argument.openObject());
+      if (dependency.isNull() || dependency->getLinkObject(path, false) == vdmu::ePathInvalid)
+        continue;
+    }
+    const OdDbObjectId object = vdmu::getInsertId(path);
     if (!m_modifiedObjects.contains(object)) added.insert(object);
   }
   if (!added.empty() || m_status < kPartlyModified)

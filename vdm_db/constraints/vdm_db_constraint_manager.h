@@ -235,6 +235,7 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject {
   ObjectNames& presentNames();
   void writeState(OdDbDwgFiler* filer) const;
   void readState(OdDbDwgFiler* filer);
+  void readChildren(OdDbDwgFiler* filer);
   OdResult readConstraints(OdDbDwgFiler* filer);
   void clearForRead();
   void auditRegistry();

@@ -33,7 +33,7 @@ void tellExtension(VdmDbObject* object) {
   const auto pe = VdmDbObjectPE::cast(static_cast<const OdRxObject*>(object));
   if (pe.isNull()) return;
   const OdDbObjectPtr entity = object->attachedEntityId().openObject(OdDb::kForRead);
-  pe->entityChanged(entity.get(), object->objectId());
+  if (!entity.isNull()) pe->entityChanged(entity.get(), object->objectId());
 }
 
 /// Counts, and with fixing removes, reactors of the entity that belong to another entity.

@@ -96,8 +96,7 @@ OdResult VdmDbConstraintManager::dwgInFields(OdDbDwgFiler* filer) {
   vdmu::readHardOwnershipIdArray(filer, m_vdmDbObjects.array());
   m_vdmDbObjects.replaced();
   vdmu::readHardOwnershipIdArray(filer, m_reservedIds);
-  vdmu::readSoftPointerIdArray(filer, m_childManagers.array());
-  m_childManagers.replaced();
+  readChildren(filer);
   if (const OdResult result = readConstraints(filer); result != eOk) return result;
   if (version >= kPropertiesVersion) {
     if (const OdResult result = m_properties.dwgInFields(filer); result != eOk) return result;
@@ -108,13 +107,20 @@ OdResult VdmDbConstraintManager::dwgInFields(OdDbDwgFiler* filer) {
   return eOk;
 }
 
+// Null ids of a file vanish; those that an audit has set are part of the state that undo restores.
+void VdmDbConstraintManager::readChildren(OdDbDwgFiler* filer) {
+  if (!filesState(filer)) return vdmu::readSoftPointerIdArray(filer, m_childManagers.array());
+  for (OdUInt32 count = filer->rdCount(0); count > 0; --count)
+    m_childManagers.array().append(filer->rdSoftPointerId());
+}
+
 void VdmDbConstraintManager::clearForRead() {
   for (const auto& [nodeId, constraint] : m_constraints)
     constraint->setOwner(OdDbObjectId::kNull);  // others may hold it still
   m_constraints.clear();
   m_vdmDbObjects.array().clear();
   m_reservedIds.clear();
-  m_childManagers.array().clear();
+  m_childManagers = VdmIndexedIds();
   m_properties.clear();
   m_status = kNotEvaluated;  // unless the stream has another one
   m_modifiedObjects.clear();

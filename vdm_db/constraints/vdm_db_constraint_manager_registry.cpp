@@ -1,6 +1,7 @@
 // Constraint managers: the registry of model objects, and their names.
 #include "platform/base/case_compare.h"
 #include "platform/db/block_reference.h"
+#include "platform/db/block_table_record.h"
 #include "vdm_db/cloning/vdm_dictionary_utils.h"
 #include "vdm_db/constraints/vdm_constraint_utils.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
@@ -20,12 +21,6 @@ OdDbObjectId managerOfInsertedBlock(const VdmDbObject* object) {
       object->attachedEntityId().openObject(OdDb::kForRead, /*openErased=*/true));
   if (reference.isNull()) return OdDbObjectId::kNull;
   return vdmu::getObjInExtDict(reference->blockTableRecord(), kVdmDatabaseKey, nullptr);
-}
-
-/// What an unnamed object is called before a number makes it unique.
-OdString kindOfEntity(const OdDbObjectId& entity) {
-  const OdRxClass* entityClass = entity.objectClass();
-  return entityClass == nullptr ? OdString(L"Object") : entityClass->name();
 }
 
 }  // namespace
@@ -78,6 +73,16 @@ void VdmDbConstraintManager::setVdmDbObjects(const OdDbObjectIdArray& objects) {
 
 // ---- Names
 
+OdString vdmNameBaseOf(const OdDbEntity* entity) {
+  if (entity == nullptr) return OdString(L"Object");
+  if (const auto reference = OdDbBlockReference::cast(entity); !reference.isNull()) {
+    const auto block = OdDbBlockTableRecord::cast(reference->blockTableRecord().openObject());
+    if (!block.isNull() && !block->isAnonymous()) return block->getName();
+  }
+  const OdRxClass* cls = entity->isA();
+  return cls->dxfName().isEmpty() ? cls->name() : cls->dxfName();
+}
+
 void VdmDbConstraintManager::objectNamesChanged() { ++g_nameGeneration; }
 
 VdmDbConstraintManager::ObjectNames& VdmDbConstraintManager::presentNames() {
@@ -121,8 +126,8 @@ void VdmDbConstraintManager::generateVdmDbObjectNames() const {
     const auto object = VdmDbObject::cast(id.openObject(OdDb::kForRead));
     if (object.isNull()) continue;
     const VdmOpenUpgrade upgrade(object);
-    object->setName(vdmu::generateUniqueName(
-        vdmu::removeNumericSuffix(kindOfEntity(object->attachedEntityId())), taken, /*start=*/1,
-        /*tryBase=*/false));
+    const auto entity = OdDbEntity::cast(object->attachedEntityId().openObject());
+    object->setName(vdmu::generateUniqueName(vdmu::removeNumericSuffix(vdmNameBaseOf(entity)),
+                                             taken, /*start=*/1, /*tryBase=*/false));
   }
 }

@@ -18,7 +18,7 @@ class VDM_DB_EXPORT VdmDb3dSolidDrawOverrule : public OdGiDrawableOverrule {
   VdmDb3dSolidDrawOverrule() = default;
 
   /// Whether a feature claims the subentity behind a persistent reference, and in which colour. The
-  /// first feature, in the order of their handles, that answers for one of the tags under which it
+  /// first feature, in the order of their handles, that answers for one of the masks under which it
   /// depends on the reference decides; the answer is true only if the reference is among those it
   /// can tell. `color` may have been changed when the answer is false.
   [[nodiscard]] static bool isOverriddenColor(const OdDbObjectId& dependency,

@@ -30,10 +30,6 @@ bool anyOf(const OdDbObjectIdArray& ids, const Predicate& holds) {
   return std::any_of(ids.begin(), ids.end(), holds);
 }
 
-bool haveValidIds(const VdmUpdateFeatureInterface::OpeningFaces& faces) {
-  return faces.insertId().isValid() && faces.solidId().isValid();
-}
-
 }  // namespace
 
 // ---- The clone filter
@@ -64,7 +60,7 @@ OdDbObjectIdArray VdmDbFeatureManager::featuresToClone(const OdDbIdMapping& mapp
       return true;
     }
     const VdmUpdateFeatureInterfacePtr active = VdmUpdateFeatureInterface::activeOf(&feature);
-    return !active.isNull() && haveValidIds(active->openingFaces()) &&
+    return !active.isNull() && active->openingFaces().isValid() &&
            anyOf(active->ownObjectIds(), isMapped);
   };
   OdDbObjectIdArray taken;
@@ -146,7 +142,7 @@ bool belongsToClones(const VdmFeature& feature, const OdDbObjectIdArray& depende
   const VdmUpdateFeatureInterfacePtr active = VdmUpdateFeatureInterface::activeOf(&feature);
   if (!active.isNull()) {
     const VdmUpdateFeatureInterface::OpeningFaces faces = active->openingFaces();
-    if (haveValidIds(faces) && isClone(faces.insertId())) {
+    if (faces.isValid() && isClone(faces.insertId())) {
       const VdmDbObjectPtr insert = VdmDbObject::openVdmDbObject(faces.insertId());
       if (!insert.isNull()) mergedObjects.insert(insert->objectId());
       return true;

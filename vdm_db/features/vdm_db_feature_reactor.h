@@ -35,8 +35,7 @@ class VDM_DB_EXPORT VdmDbFeatureReactorImpl : public VdmDbPropertiesBase {
 ///    calculated. A class that overrides neither is not asked.
 /// 3. doAudit gives false when the reactor has lost what it exists for.
 /// 4. getVariables gives the variables that the reactor depends on, getDependentVariables those
-/// that
-///    depend on the feature.
+///    that depend on the feature.
 class VDM_DB_EXPORT VdmDbFeatureReactor : public OdDbObject {
  public:
   OD_RX_DECLARE_MEMBERS(VdmDbFeatureReactor)

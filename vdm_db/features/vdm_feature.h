@@ -61,42 +61,17 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
   VdmFeature();
   ~VdmFeature() override;
 
-  // ---- The carrier
+  // ---- Virtual operations. Their order is that of the slots, which classes of other modules rely
+  // ---- on: new ones come behind the last.
 
-  /// Null before attach() and behind the carrier's end.
-  virtual OdDbObject* getDbObject() = 0;
-  [[nodiscard]] virtual const OdDbObject* getDbObject() const = 0;
-  /// Binds the feature to its carrier; null ends that. For the carrier's own use.
-  virtual void attach(OdDbObject* carrier) = 0;
-  /// Has the carrier open for write until it is closed.
-  void upgradeOpen();
-  /// Id of the carrier; null outside a database.
-  [[nodiscard]] OdDbObjectId objectId() const;
-  /// Owner of the carrier.
-  [[nodiscard]] OdDbObjectId featureManagerId() const;
-
-  // ---- Name and status
-
+  // Name.
   [[nodiscard]] virtual OdString name() const;
   /// Keeps the manager's record of names in step. eOk always.
   virtual OdResult setName(const OdString& name);
-  [[nodiscard]] Status getStatus() const;
-  /// Replaces the whole word; a suppressed feature takes only 0 and ignores the rest. With
-  /// StatusNotifyEntities the entities hear that they were modified, with StatusNeedEvaluate the
-  /// manager notes that a feature waits. eOk always.
-  OdResult setStatus(Status status);
-  [[nodiscard]] virtual bool isNeedEvaluate() const;
-  /// Takes StatusNeedEvaluate away; a suppressed feature keeps it.
-  virtual void evaluate();
 
-  // ---- References
-
+  // References.
   /// The masks that the class uses; valid for the life of the module.
   [[nodiscard]] virtual const OdArray<int>& masks() const;
-  /// Ids of all reactors, in the order in which they were added.
-  [[nodiscard]] OdDbObjectIdArray reactors() const;
-  /// The same without a copy; valid until the feature changes.
-  [[nodiscard]] const OdDbObjectIdArray& reactorIds() const;
   /// Makes a reactor of the class, which the carrier owns. Mask and tag are stored in a reactor of
   /// geometry and ignored by others. Null for a null class; raises OdError_NotThatKindOfClass for
   /// one that makes no database objects.
@@ -105,9 +80,100 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
   /// Removes and erases a reactor; the whole feature is erased when it cannot be without references
   /// of that mask and tag. Nothing happens for a reactor of another feature.
   virtual void eraseReactor(OdDbObjectId reactor, int mask, int tag);
+
+  // The update pass.
+  /// True when the feature needs no update() in this pass. Asks an active update interface; true
+  /// without one.
+  virtual bool prepareUpdateData(VdmFeatureUpdateData& data, bool forced);
+  /// True when something changed. The base does nothing; its carrier is open for write.
+  virtual bool update(VdmFeatureUpdateData& data);
+
+  // What the class knows.
+  /// True when the feature was brought to the present form.
+  virtual bool upgradeVersion();
+  /// `valid` is set; true in the base. eOk unless the check itself failed.
+  virtual OdResult validate(VdmFeatureValidationContext& context, VdmuIReporter& reporter,
+                            bool& valid);
+  /// Asks the VdmFeatureColorPE of the class; false without one.
+  virtual bool overrideColor(int mask, OdCmEntityColor& color) const;
+  /// Whether a clone of the block takes the feature along when an entity of it is cloned, or in any
+  /// case.
+  [[nodiscard]] virtual bool canBeCloned(const OdDbIdMapping& mapping) const;
+  [[nodiscard]] virtual bool mustBeCloned(const OdDbIdMapping& mapping) const;
+
+  // What reactors report.
+  /// Whether a reactor says that the feature must take part in the next pass. The argument is set:
+  /// whether one says that it must once constraints were calculated.
+  virtual bool hasChanges(bool& needConstraintsRecalculation) const;
+  /// The base gives 3, which means that nobody reacted.
+  virtual OdResult onPropertyModified(const OdString& key, double value);
+  virtual OdResult onReactorModified(OdDbObject* object);
+
+  // Evaluation.
+  [[nodiscard]] virtual bool isNeedEvaluate() const;
+  /// Takes StatusNeedEvaluate away; a suppressed feature keeps it.
+  virtual void evaluate();
+
+  // Filing.
+  /// Called from the filing of the carrier, behind the bag; nothing in the base.
+  virtual void dwgOutFields(OdDbDwgFiler* filer) const;
+  virtual OdResult dwgInFields(OdDbDwgFiler* filer);
+  virtual void dxfOutFields(OdDbDxfFiler* filer) const;
+  virtual OdResult dxfInFields(OdDbDxfFiler* filer);
+
   /// Whether the feature ends with the loss of one such reference. Asks an active update
   /// interface; true without one.
   [[nodiscard]] virtual bool isRequiredDependency(int mask, int tag);
+  /// Binds fields to the bag, with mapProperty. Called when the feature is made and whenever it was
+  /// read; what the bag holds flows into the fields.
+  virtual void subMapProperties(VdmProperties& bag);
+
+  // The carrier.
+  /// Null before attach() and behind the carrier's end.
+  virtual OdDbObject* getDbObject() = 0;
+  [[nodiscard]] virtual const OdDbObject* getDbObject() const = 0;
+
+  // Cloning.
+  /// The carrier was cloned. The base has the dependencies cloned, too, under the clone of their
+  /// owner.
+  virtual void onDeepClone(OdDbIdMapping& mapping, OdDbObject* source, OdDbObject* clone,
+                           bool flag) const;
+  /// Nothing in the base.
+  virtual void onWblockClone(OdDbIdMapping& mapping, OdDbObject* source, OdDbObject* clone,
+                             bool flag) const;
+
+  // Editions.
+  /// Whether the class reads what the bag's edition says; a missing one is 0.
+  [[nodiscard]] virtual bool isValidEdition(const VdmProperties& bag) const;
+  /// Rises with each change of the class's stored form that older modules cannot read. 0 writes no
+  /// edition.
+  [[nodiscard]] virtual int currentEdition() const;
+
+  /// The solids of the pass are done. Asks an active update interface; false without one.
+  virtual bool initAfterUpdate(VdmFeatureUpdateData& data);
+  /// Binds the feature to its carrier; null ends that. For the carrier's own use.
+  virtual void attach(OdDbObject* carrier) = 0;
+
+  // ---- The carrier
+
+  /// Has the carrier open for write until it is closed.
+  void upgradeOpen();
+  /// Id of the carrier; null outside a database.
+  [[nodiscard]] OdDbObjectId objectId() const;
+  /// Owner of the carrier.
+  [[nodiscard]] OdDbObjectId featureManagerId() const;
+  [[nodiscard]] Status getStatus() const;
+  /// Replaces the whole word; a suppressed feature takes only 0 and ignores the rest. With
+  /// StatusNotifyEntities the entities hear that they were modified, with StatusNeedEvaluate the
+  /// manager notes that a feature waits. eOk always.
+  OdResult setStatus(Status status);
+
+  // ---- References
+
+  /// Ids of all reactors, in the order in which they were added.
+  [[nodiscard]] OdDbObjectIdArray reactors() const;
+  /// The same without a copy; valid until the feature changes.
+  [[nodiscard]] const OdDbObjectIdArray& reactorIds() const;
   /// Ids of all dependencies; filtered ones leave out what the update interface says.
   [[nodiscard]] OdDbObjectIdArray getAllDependencies(bool filtered) const;
   /// Paths of the dependencies with the mask; those that lead to nothing now are left out.
@@ -124,56 +190,6 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
   [[nodiscard]] OdDbObjectIdArray getDependentVariables() const;
   /// Both, each id once, ordered by handle.
   [[nodiscard]] OdDbObjectIdArray getAllVariables() const;
-
-  // ---- The update pass
-
-  /// Whether a reactor says that the feature must take part in the next pass. The argument is set:
-  /// whether one says that it must once constraints were calculated.
-  virtual bool hasChanges(bool& needConstraintsRecalculation) const;
-  /// True when the feature needs no update() in this pass. Asks an active update interface; true
-  /// without one.
-  virtual bool prepareUpdateData(VdmFeatureUpdateData& data, bool forced);
-  /// True when something changed. The base does nothing; its carrier is open for write.
-  virtual bool update(VdmFeatureUpdateData& data);
-  /// Asks an active update interface; false without one.
-  virtual bool initAfterUpdate(VdmFeatureUpdateData& data);
-
-  // ---- Hooks of the feature's class
-
-  /// Binds fields to the bag, with mapProperty. Called when the feature is made and whenever it was
-  /// read; what the bag holds flows into the fields.
-  virtual void subMapProperties(VdmProperties& bag);
-  /// Rises with each change of the class's stored form that older modules cannot read. 0 writes no
-  /// edition.
-  [[nodiscard]] virtual int currentEdition() const;
-  /// Whether the class reads what the bag's edition says; a missing one is 0.
-  [[nodiscard]] virtual bool isValidEdition(const VdmProperties& bag) const;
-  /// True when the feature was brought to the present form.
-  virtual bool upgradeVersion();
-  /// `valid` is set; true in the base. eOk unless the check itself failed.
-  virtual OdResult validate(VdmFeatureValidationContext& context, VdmuIReporter& reporter,
-                            bool& valid);
-  /// Asks the VdmFeatureColorPE of the class; false without one.
-  virtual bool overrideColor(int mask, OdCmEntityColor& color) const;
-  /// What reactors report; the base gives 3, which means that nobody reacted.
-  virtual OdResult onPropertyModified(const OdString& key, double value);
-  virtual OdResult onReactorModified(OdDbObject* object);
-  /// Called from the filing of the carrier, behind the bag; nothing in the base.
-  virtual void dwgOutFields(OdDbDwgFiler* filer) const;
-  virtual OdResult dwgInFields(OdDbDwgFiler* filer);
-  virtual void dxfOutFields(OdDbDxfFiler* filer) const;
-  virtual OdResult dxfInFields(OdDbDxfFiler* filer);
-  /// Whether a clone of the block takes the feature along when an entity of it is cloned, or in any
-  /// case.
-  [[nodiscard]] virtual bool canBeCloned(const OdDbIdMapping& mapping) const;
-  [[nodiscard]] virtual bool mustBeCloned(const OdDbIdMapping& mapping) const;
-  /// The carrier was cloned. The base has the dependencies cloned, too, under the clone of their
-  /// owner.
-  virtual void onDeepClone(OdDbIdMapping& mapping, OdDbObject* source, OdDbObject* clone,
-                           bool flag) const;
-  /// Nothing in the base.
-  virtual void onWblockClone(OdDbIdMapping& mapping, OdDbObject* source, OdDbObject* clone,
-                             bool flag) const;
 
   /// A database object opened as the feature that it carries; null when it carries none or does not
   /// open.

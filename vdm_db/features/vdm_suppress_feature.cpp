@@ -72,7 +72,7 @@ bool VdmSuppressFeature::isSuppressed() const { return (getStatus() & StatusSupp
 OdResult VdmSuppressFeature::onPropertyModified(const OdString& key, double value) {
   if (key != kVdmSuppress) return kNotHandled;
   const bool wanted = value > kZeroTolerance || value < -kZeroTolerance;
-  if (wanted == isSuppressed()) return eOk;
+  if (wanted == ((getStatus() & StatusSuppressed) != 0)) return eOk;
   setStatus(wanted ? StatusSuppressed : Status{});
   return wanted ? setFrozenLayer() : restoreLayers();
 }

@@ -67,7 +67,9 @@ void VdmUpdateFeatureInterface::registerComponentFeature(OdRxClass* cls) {
 void VdmUpdateFeatureInterface::unregisterComponentFeature(OdRxClass* cls) {
   const OdSmartPtr<VdmUpdateFeatureInterface> found = interfaceOf(cls);
   if (found.isNull()) return;
-  removeFrom(registry().extensionNames, found->componentName());
+  const OdString name = found->componentName();
+  if (name.isEmpty()) return;
+  removeFrom(registry().extensionNames, name);
   removeFrom(registry().extensionClasses, cls->name());
 }
 

@@ -2,11 +2,10 @@
 #include "vdm_db/references/vdm_db_object.h"
 
 #include "platform/base/error.h"
-#include "platform/db/block_reference.h"
-#include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/db/entity.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
+#include "vdm_db/constraints/vdm_object_names.h"
 #include "vdm_db/features/vdm_db_feature_reactor.h"
 #include "vdm_db/module/vdm_class_registration.h"
 #include "vdm_db/references/vdm_db_object_dependency.h"
@@ -20,18 +19,6 @@ OD_RX_DEFINE_DB(VdmDbObject, OdDbObject, L"VdmDbObject", kVdmDwgVersion, kVdmMai
 OD_RX_DEFINE_ABSTRACT(VdmDbObjectPE, OdRxObject, L"VdmDbObjectPE")
 
 namespace {
-
-// What entities are called by default: references by their block, others by their kind.
-OdString baseNameOf(const OdDbEntity* entity) {
-  if (const OdDbBlockReferencePtr reference = OdDbBlockReference::cast(entity);
-      !reference.isNull()) {
-    const OdDbBlockTableRecordPtr block =
-        OdDbBlockTableRecord::cast(reference->blockTableRecord().openObject());
-    if (!block.isNull() && !block->isAnonymous()) return block->getName();
-  }
-  const OdRxClass* cls = entity->isA();
-  return cls->dxfName().isEmpty() ? cls->name() : cls->dxfName();
-}
 
 VdmDbObjectPtr createModelObject() {
   const OdRxObjectPtr created = VdmDbObject::desc()->create();
@@ -53,7 +40,7 @@ OdDbObjectId VdmDbObject::getInstance(const OdDbObjectId& entity, const OdDbObje
   const OdDbEntityPtr opened = OdDbEntity::cast(entity.openObject());
   if (owner.isNull() || opened.isNull()) return OdDbObjectId::kNull;
   const VdmDbObjectPtr object = createModelObject();
-  object->setName(owner->generateVdmDbObjectName(baseNameOf(opened)));
+  object->setName(owner->generateVdmDbObjectName(vdmNameBaseOf(opened)));
   const OdDbObjectId id = owner->database()->addOdDbObject(object, manager);
   object->attachTo(entity);
   const VdmOpenUpgrade upgrade(owner);

@@ -1,6 +1,8 @@
 // State of model objects: its record, and dependencies by path.
 #include "vdm_db/references/vdm_db_object_impl.h"
 
+#include <algorithm>
+
 #include "vdm_db/module/vdm_constants.h"
 #include "vdm_db/properties/vdm_dwg_utils.h"
 #include "vdm_db/references/vdm_db_object_dependency.h"
@@ -23,6 +25,7 @@ bool filesTransform(const OdDbDwgFiler* filer) {
 // ---- Dependencies by path
 
 void VdmDependencyPaths::enter(const OdDbObjectId& id) {
+  if (id.isErased()) m_erased.append(id);
   const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
   if (dependency.isNull()) return;
   OdDbFullSubentPath path;
@@ -33,6 +36,7 @@ void VdmDependencyPaths::enter(const OdDbObjectId& id) {
 
 void VdmDependencyPaths::build(const OdDbObjectIdArray& ids) {
   m_ids.clear();
+  m_erased.clear();
   m_ids.reserve(ids.size());
   for (const OdDbObjectId& id : ids) enter(id);
   m_isBuilt = true;
@@ -49,11 +53,16 @@ OdDbObjectId VdmDependencyPaths::lookUp(const OdDbFullSubentPath& path) const {
   return found == m_ids.end() ? OdDbObjectId::kNull : found->second;
 }
 
+bool VdmDependencyPaths::hasOneComeBack() const {
+  return std::any_of(m_erased.begin(), m_erased.end(),
+                     [](const OdDbObjectId& id) { return !id.isErased(); });
+}
+
 OdDbObjectId VdmDependencyPaths::find(const OdDbFullSubentPath& path,
                                       const OdDbObjectIdArray& ids) {
   if (m_isBuilt && m_generation == VdmDbObjectDependency::linkGeneration()) {
     const OdDbObjectId id = lookUp(path);
-    if (id.isNull() || !id.isErased()) return id;
+    if (id.isNull() ? !hasOneComeBack() : !id.isErased()) return id;
   }
   build(ids);
   return lookUp(path);

@@ -26,8 +26,10 @@ class VdmDependencyPaths {
   void build(const OdDbObjectIdArray& ids);
   void enter(const OdDbObjectId& id);
   OdDbObjectId lookUp(const OdDbFullSubentPath& path) const;
+  [[nodiscard]] bool hasOneComeBack() const;
 
   std::unordered_map<OdDbFullSubentPath, OdDbObjectId, VdmPathHash> m_ids;
+  OdDbObjectIdArray m_erased;  // when the paths were read; undo may bring them back
   OdUInt64 m_generation = 0;
   bool m_isBuilt = false;
 };

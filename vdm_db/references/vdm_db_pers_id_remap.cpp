@@ -223,13 +223,15 @@ bool VdmDbPersIdManager::mergeEqual(ReplacementMap& map, bool isSecondPass) {
 
 bool VdmDbPersIdManager::removeLink(const OdDbFullSubentPath& path, OdLong tag) {
   assertWriteEnabled(/*autoUndo=*/false);
-  const OdArray<OdUInt32> positions =
-      m_impl->dependencies.positionsWhere([&path, tag](const OdDbObjectId& id) {
-        const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
-        return !dependency.isNull() && dependency->subentId() == path.subentId() &&
-               (tag == 0 || dependency->entityTag() == tag) &&
-               dependency->getLinkObject(/*openErased=*/true) == path;
-      });
+  const auto isOnPath = [&path, tag](const OdDbObjectId& id) {
+    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    if (dependency.isNull() || dependency->subentId() != path.subentId()) return false;
+    if (tag != 0 && dependency->entityTag() != tag) return false;
+    OdDbFullSubentPath present;  // the beginning of a path that leads nowhere is no match
+    return dependency->getLinkObject(present, /*openErased=*/true) == vdmu::ePathOk &&
+           present == path;
+  };
+  const OdArray<OdUInt32> positions = m_impl->dependencies.positionsWhere(isOnPath);
   const OdDbObjectIdArray& ids = m_impl->dependencies.ids();
   OdDbObjectIdArray removed(positions.size());
   for (const OdUInt32 position : positions) removed.append(ids[position]);

@@ -54,9 +54,9 @@ OdDbObjectIdArray VdmIndexedIds::notListed(const OdDbObjectIdArray& ids) const {
 
 OdArray<OdUInt32> VdmIndexedIds::positionsOf(const OdDbObjectIdArray& ids) const {
   if (ids.size() == 1) {
-    OdUInt32 position = 0;
-    if (!contains(ids[0]) || !m_ids.find(ids[0], position)) return {};
-    return {position};
+    const OdDbObjectId wanted = ids[0];  // a file may list it several times
+    if (!contains(wanted)) return {};
+    return positionsWhere([wanted](OdDbObjectId id) { return id == wanted; });
   }
   const std::unordered_set<OdDbObjectId> wanted(ids.begin(), ids.end());
   return positionsWhere([&wanted](OdDbObjectId id) { return wanted.count(id) != 0; });

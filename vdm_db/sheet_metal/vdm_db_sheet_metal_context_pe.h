@@ -9,8 +9,8 @@
 class OdDbObject;
 
 /// Protocol extension of the class of sheet-metal contexts. After an update pass the feature
-/// manager calls its operations with the context of the model space, in the order in which they
-/// stand here, as far as they are asked for, until one gives true: then something changed, and the
+/// manager calls its operations with the context of the model space, the first, the third and the
+/// second, as far as they are asked for, until one gives true: then something changed, and the
 /// others wait for the next pass.
 class VDM_DB_EXPORT VdmDbSheetMetalContextPE : public OdRxObject {
  public:
@@ -18,8 +18,8 @@ class VDM_DB_EXPORT VdmDbSheetMetalContextPE : public OdRxObject {
 
   /// Asked for by PostprocessBit2.
   virtual bool updateRecognition(OdDbObject* context, const OdDbObjectIdArray& modifiedEnts) = 0;
-  /// Asked for by PostprocessBit4.
-  virtual bool updateGeometry(OdDbObject* context, const OdDbObjectIdArray& modifiedEnts) = 0;
   /// Asked for by PostprocessBit1.
   virtual bool updateUnfolding(OdDbObject* context, const OdDbObjectIdArray& modifiedEnts) = 0;
+  /// Asked for by PostprocessBit4.
+  virtual bool updateGeometry(OdDbObject* context, const OdDbObjectIdArray& modifiedEnts) = 0;
 };
