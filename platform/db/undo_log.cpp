@@ -22,7 +22,8 @@ void OdDbUndoLog::push(Kind kind, OdDbIdRecord* idRecord, OdRxClass* cls) {
   if (isChange && !m_applying && !m_redo.records.empty()) clearRedo();
   m_partialRecord = nullptr;
   m_target->records.push_back(
-      {kind, idRecord, cls, m_target->buffer.bytes.size(), m_target->buffer.strings.size()});
+      {kind, idRecord, cls, m_target->buffer.bytes.size(), m_target->buffer.strings.size(),
+       m_target->buffer.shared.size()});
 }
 
 void OdDbUndoLog::recordState(OdDbObject* object) {
@@ -30,6 +31,7 @@ void OdDbUndoLog::recordState(OdDbObject* object) {
   push(Kind::kState, object->m_idRecord);
   object->m_idRecord->undoStep = m_span;
   OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, m_target->buffer, object->database());
+  filer.setSharing(true);
   object->dwgOutFields(&filer);
 }
 
@@ -224,6 +226,7 @@ void OdDbUndoLog::truncate(Stack& stack, std::size_t records) {
   if (records >= stack.records.size()) return;
   stack.buffer.bytes.resize(stack.records[records].bytes);
   stack.buffer.strings.resize(stack.records[records].strings);
+  stack.buffer.shared.resize(stack.records[records].shared);
   stack.records.resize(records);
 }
 
@@ -272,6 +275,7 @@ void OdDbUndoLog::applyState(Stack& from, const Record& record) {
   object->m_bits |= OdDbObject::kBitInternalWrite;
   recordState(object);
   OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
+  filer.setSharing(true);
   filer.startReading(record.bytes, record.strings);
   const OdResult result = object->dwgInFields(&filer);
   object->m_bits = bits;

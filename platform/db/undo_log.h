@@ -91,6 +91,7 @@ class OdDbUndoLog {
     OdRxClass* cls;  ///< class of a partial record
     std::size_t bytes;
     std::size_t strings;
+    std::size_t shared;
   };
   struct Stack {
     std::vector<Record> records;

@@ -2,6 +2,7 @@
 #include "platform/filer/memory_filer.h"
 
 #include <string>
+#include <utility>
 
 #include "platform/base/error.h"
 
@@ -48,6 +49,20 @@ OdString OdDbMemoryFiler::rdString() {
                                          std::to_string(m_buffer->strings.size())));
   }
   return m_buffer->strings[index];
+}
+
+void OdDbMemoryFiler::wrShared(std::shared_ptr<const void> value) {
+  put(static_cast<OdUInt32>(m_buffer->shared.size()));
+  m_buffer->shared.push_back(std::move(value));
+}
+
+std::shared_ptr<const void> OdDbMemoryFiler::rdShared() {
+  const std::size_t index = take<OdUInt32>();
+  if (index >= m_buffer->shared.size()) {
+    throw OdError(eCorruptData, OdString("shared value " + std::to_string(index) + " of " +
+                                         std::to_string(m_buffer->shared.size())));
+  }
+  return m_buffer->shared[index];
 }
 
 void OdDbMemoryFiler::wrBytes(const void* buffer, OdUInt32 size) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstring>
+#include <memory>
 #include <vector>
 
 #include "platform/filer/dwg_filer.h"
@@ -12,10 +13,12 @@
 struct OdDbFilerBuffer {
   std::vector<OdUInt8> bytes;
   std::vector<OdString> strings;
+  std::vector<std::shared_ptr<const void>> shared;  ///< see OdDbMemoryFiler::wrShared
 
   void clear() {
     bytes.clear();
     strings.clear();
+    shared.clear();
   }
 };
 
@@ -49,6 +52,13 @@ class OdDbMemoryFiler : public OdStaticRxObject<OdDbDwgFiler> {
     m_translator = translator;
     m_context = context;
   }
+  /// Whether values that never change may be filed by reference, with wrShared() and rdShared(); no
+  /// at first. Writer and reader of a record agree.
+  void setSharing(bool sharing) { m_sharing = sharing; }
+  [[nodiscard]] bool isSharing() const { return m_sharing; }
+  void wrShared(std::shared_ptr<const void> value);
+  /// Of the type that was written. Raises eCorruptData for a place where nothing was.
+  std::shared_ptr<const void> rdShared();
   /// Collects every id that is not null, in the order of writing; null stops collecting.
   void collectIds(std::vector<OdDbFiledId>* ids) { m_collected = ids; }
 
@@ -133,6 +143,7 @@ class OdDbMemoryFiler : public OdStaticRxObject<OdDbDwgFiler> {
   void* m_context = nullptr;
   std::vector<OdDbFiledId>* m_collected = nullptr;
   bool m_reading = false;
+  bool m_sharing = false;
   std::size_t m_begin;
   std::size_t m_read = 0;
   std::size_t m_end = 0;

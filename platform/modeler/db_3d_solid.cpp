@@ -5,6 +5,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/audit_info.h"
+#include "platform/filer/memory_filer.h"
 #include "platform/modeler/solid_journal.h"
 
 OD_RX_DEFINE_DB(OdDb3dSolid, OdDbEntity, L"OdDb3dSolid", 0, 0, 0, L"3DSOLID", OdString())
@@ -27,6 +28,13 @@ OdUInt32 checkedFace(const OdModelerBody& body, OdGsMarker face) {
     throw OdError_InvalidIndex(face, body.numFaces());
   }
   return static_cast<OdUInt32>(face);
+}
+
+// Null for a filer whose records are bytes alone.
+OdDbMemoryFiler* sharingFiler(OdDbDwgFiler* filer) {
+  if (filer->filerType() != OdDbDwgFiler::kUndoFiler) return nullptr;
+  auto* memory = dynamic_cast<OdDbMemoryFiler*>(filer);
+  return memory != nullptr && memory->isSharing() ? memory : nullptr;
 }
 
 // Whoever keeps a journal wants the history, also when the caller does not.
@@ -346,6 +354,11 @@ const OdBinaryData& OdDb3dSolid::storedBytes() const {
 //   version   uint8
 //   count     int32    bytes that follow; 0 for an empty solid
 //   body      bytes    platform/modeler/body_envelope.h
+//
+// Undo keeps the body itself, which never changes and may be dear to turn into bytes:
+//
+//   version   uint8
+//   shared    bool     with a body, and then nothing but its pointer follows
 
 void OdDb3dSolid::dwgOutFields(OdDbDwgFiler* filer) const {
   OdDbEntity::dwgOutFields(filer);
@@ -353,6 +366,10 @@ void OdDb3dSolid::dwgOutFields(OdDbDwgFiler* filer) const {
   const OdDbDwgFiler::FilerType type = filer->filerType();
   // Those who only collect ids need no bytes, which may be dear to make.
   if (type == OdDbDwgFiler::kIdFiler || type == OdDbDwgFiler::kPurgeFiler) return;
+  if (OdDbMemoryFiler* sharing = sharingFiler(filer)) {
+    sharing->wrBool(m_body != nullptr);
+    if (m_body) return sharing->wrShared(m_body);
+  }
   const OdBinaryData& bytes = storedBytes();
   filer->wrInt32(static_cast<OdInt32>(bytes.size()));
   if (!bytes.isEmpty()) filer->wrBytes(bytes.asArrayPtr(), bytes.size());
@@ -362,6 +379,11 @@ OdResult OdDb3dSolid::dwgInFields(OdDbDwgFiler* filer) {
   const OdResult result = OdDbEntity::dwgInFields(filer);
   if (result != eOk) return result;
   if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
+  if (OdDbMemoryFiler* sharing = sharingFiler(filer); sharing != nullptr && sharing->rdBool()) {
+    m_body = std::static_pointer_cast<const OdModelerBody>(sharing->rdShared());
+    m_bytes.clear();
+    return eOk;
+  }
   OdBinaryData bytes;
   bytes.resize(filer->rdCount());
   if (!bytes.isEmpty()) filer->rdBytes(bytes.asArrayPtr(), bytes.size());
