@@ -46,16 +46,16 @@ TEST_F(VdmDbConstraintManagerTest, StatusFollowsEvents) {
     EXPECT_EQ(after(from, change), Manager::kPartlyModified);
     EXPECT_EQ(manager()->getModifiedObjects(), OdDbObjectIdArray{line});
     EXPECT_EQ(after(from, modify), Manager::kPartlyModified);
-    EXPECT_EQ(after(from, finish), Manager::kUpToDate);
   }
-  EXPECT_EQ(after(Manager::kPartlyModified, finish), Manager::kUpToDate);
+  for (const auto from : {0, 1, 2})
+    EXPECT_EQ(after(Manager::ConstraintManagerStatus(from), finish), Manager::kUpToDate);
   EXPECT_EQ(
       after(Manager::kPartlyModified, [&] { modify(), setStatus(Manager::kSolvedWithChanges); }),
       Manager::kSolvedWithChanges);
   EXPECT_EQ(manager()->getModifiedObjects().size(), 1u) << "both states have a set";
-  EXPECT_EQ(after(Manager::kNotEvaluated, change), Manager::kFullyModified);
-  EXPECT_EQ(after(Manager::kNotEvaluated, modify), Manager::kFullyModified);
-  EXPECT_EQ(after(Manager::kNotEvaluated, finish), Manager::kFullyModified);
+  const std::function<void()> events[] = {change, modify, finish};
+  for (const auto& event : events)
+    EXPECT_EQ(after(Manager::kNotEvaluated, event), Manager::kFullyModified);
   EXPECT_TRUE(manager()->getModifiedObjects().isEmpty());
 
   after(Manager::kUpToDate, modify);
@@ -124,6 +124,12 @@ TEST_F(VdmDbConstraintManagerTest, NamesOfModelObjectsAreUnique) {
   EXPECT_EQ(generated(L"Arm"), L"Arm_2");
   edit<VdmDbObject>(object)->setName(L"Leg_1");
   EXPECT_EQ(generated(L"Arm"), L"Arm_1") << "free again";
+  const VdmDbObjectPtr unnamed = VdmDbObject::createObject();
+  const OdDbObjectId id = m_drawing->addOdDbObject(unnamed, m_constraints);
+  unnamed->attachTo(newLine());
+  editManager()->setVdmDbObjects({object, other, id});
+  manager()->generateVdmDbObjectNames();
+  EXPECT_EQ(unnamed->name(), L"LINE_1") << "as a new one would be called";
 }
 
 TEST_F(VdmDbConstraintManagerTest, AuditFindsModelObjectsOfOtherEntities) {
@@ -134,10 +140,9 @@ TEST_F(VdmDbConstraintManagerTest, AuditFindsModelObjectsOfOtherEntities) {
   OdDbAuditInfo found;
   editManager()->audit(&found);
   EXPECT_EQ(found.numErrors(), 1u);
-  const OdString expected =
-      OdString().format(L"%ls reactor %ls attached to %ls", other.getHandle().ascii().c_str(),
-                        object.getHandle().ascii().c_str(), line.getHandle().ascii().c_str());
-  EXPECT_TRUE(found.lines().contains(expected));
+  EXPECT_TRUE(found.lines().contains(other.getHandle().ascii() + L" reactor " +
+                                     object.getHandle().ascii() + L" attached to " +
+                                     line.getHandle().ascii()));
   OdDbAuditInfo mended(/*fixErrors=*/true);
   editManager()->audit(&mended);
   EXPECT_EQ(mended.numFixes(), 1u);
@@ -159,6 +164,17 @@ TEST_F(VdmDbConstraintManagerTest, MendsItsOwnReferences) {
   EXPECT_EQ(registry(), OdDbObjectIdArray{object});
   EXPECT_TRUE(open<OdDbLine>(line)->hasPersistentReactor(object));
   EXPECT_EQ(nodeIds().size(), 1u);
+
+  const VdmDbObjectPtr twice = edit<VdmDbObject>(manager()->getVdmDbObject(newLine()));
+  editManager()->setVdmDbObjects({twice->objectId(), object, twice->objectId()});
+  editManager()->unregisterVdmDbObject(twice);
+  EXPECT_EQ(registry(), OdDbObjectIdArray{object});
+  edit<OdDbLine>(line)->removePersistentReactor(object);
+  edit<OdDbLine>(line)->erase();
+  const int told = m_objectHost->changes;
+  editManager()->doAudit();
+  EXPECT_EQ(m_objectHost->changes, told) << "there is no entity to tell of";
+  EXPECT_TRUE(nodeIds().empty() && registry().isEmpty());
 }
 
 }  // namespace

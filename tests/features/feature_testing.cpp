@@ -37,12 +37,14 @@ FeatureTest::FeatureTest() {
   m_features = VdmDbFeatureManager::getInstance(m_modelSpace, /*create=*/true);
 }
 
-void FeatureTest::refer(OdDbObjectId feature, int mask, int tag, std::initializer_list<int> faces) {
-  OdDbFullSubentPathArray paths;
-  for (const int index : faces) paths.append(face(m_carrier, index));
-  OdArray<VdmFeatureGroupFaces> groups;
-  groups.append(VdmFeatureGroupFaces(mask, paths, tag));
-  hole(feature, OdDb::kForWrite)->init(groups);
+void FeatureTest::refer(OdDbObjectId feature, std::initializer_list<Group> groups) const {
+  OdArray<VdmFeatureGroupFaces> all;
+  for (const Group& group : groups) {
+    OdDbFullSubentPathArray paths;
+    for (const int index : group.faces) paths.append(face(m_carrier, index));
+    all.append(VdmFeatureGroupFaces(group.mask, paths, group.tag));
+  }
+  hole(feature, OdDb::kForWrite)->init(all);
 }
 
 void FeatureTest::reopenWith(std::initializer_list<OdDbObjectId*> ids) {

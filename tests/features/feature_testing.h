@@ -58,8 +58,14 @@ class FeatureTest : public ModelTest {
   OdDbObjectId addHole(const wchar_t* name = L"Hole") {
     return manager()->createFeatureData(HoleFeature::desc(), name, false, false);
   }
-  /// With references to faces of m_carrier under (mask, tag).
-  void refer(OdDbObjectId feature, int mask, int tag, std::initializer_list<int> faces);
+  /// Mask, tag, and faces of m_carrier.
+  struct Group {
+    int mask;
+    int tag;
+    std::initializer_list<int> faces;
+  };
+  /// The feature's references are these from now on.
+  void refer(OdDbObjectId feature, std::initializer_list<Group> groups) const;
   static HoleFeaturePtr hole(OdDbObjectId id, OdDb::OpenMode mode = OdDb::kForRead) {
     return HoleFeature::cast(id.openObject(mode));
   }

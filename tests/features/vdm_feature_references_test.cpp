@@ -1,7 +1,9 @@
 // Tests of the references of features: masks and tags, loss, changes, transactions.
 #include "tests/features/feature_testing.h"
+#include "vdm_db/drafting/vdm_feature_colors.h"
 #include "vdm_db/features/vdm_db_feature_manager_transaction.h"
 #include "vdm_db/features/vdm_feature_manager_utils.h"
+#include "vdm_db/features/vdm_feature_pe.h"
 #include "vdm_db/features/vdm_feature_results.h"
 
 class VdmFeatureReferences : public FeatureTest {
@@ -11,21 +13,7 @@ class VdmFeatureReferences : public FeatureTest {
   HoleFeaturePtr hole(OdDb::OpenMode mode = OdDb::kForRead) const {
     return FeatureTest::hole(m_id, mode);
   }
-  /// Mask, tag, and faces of m_carrier.
-  struct Group {
-    int mask;
-    int tag;
-    std::initializer_list<int> faces;
-  };
-  void refer(std::initializer_list<Group> groups) {
-    OdArray<VdmFeatureGroupFaces> all;
-    for (const Group& group : groups) {
-      OdDbFullSubentPathArray paths;
-      for (const int index : group.faces) paths.append(face(m_carrier, index));
-      all.append(VdmFeatureGroupFaces(group.mask, paths, group.tag));
-    }
-    hole(OdDb::kForWrite)->init(all);
-  }
+  void refer(std::initializer_list<Group> groups) const { FeatureTest::refer(m_id, groups); }
   OdDbObjectId reactor(OdUInt32 index) const { return hole()->reactors()[index]; }
 
   OdDbObjectId m_id;
@@ -136,11 +124,48 @@ TEST_F(VdmFeatureReferences, OnlyReactorsThatAnswerAreAsked) {
                OdError_NotThatKindOfClass);
 }
 
+namespace {
+
+class Painter : public OdRxObjectImpl<VdmFeatureColorPE> {
+ public:
+  bool overrideColor(int mask, OdCmEntityColor& color) override {
+    return color.isByColor() && mask == 1;
+  }
+};
+
+class RedrawWatch : public OdDbObjectReactor {
+ public:
+  int redraws = 0;
+  void modifiedGraphics(const OdDbObject*) override { ++redraws; }
+};
+
+}  // namespace
+
+TEST_F(VdmFeatureReferences, WhatGetsOrLosesAColourIsDrawnAgain) {
+  VdmFeature::desc()->addX(VdmFeatureColorPE::desc(), OdRxObjectPtr(new Painter, kOdRxObjAttach));
+  RedrawWatch watch;
+  open<OdDbEntity>(m_carrier)->addReactor(&watch);
+  for (const bool isOn : {false, true}) {
+    vdmu::GetFEATURECOLORS::setImpl(isOn ? +[] { return true; } : nullptr);
+    m_id = addHole();
+    const auto redraws = [&] { return std::exchange(watch.redraws, 0); };
+    refer({{1, -1, {1}}});
+    EXPECT_EQ(redraws(), isOn ? 1 : 0);
+    refer({{2, -1, {1}}});
+    EXPECT_EQ(redraws(), 0) << "no colour for this mask";
+    edit<VdmDbFeatureData>(m_id)->erase();
+    EXPECT_EQ(redraws(), isOn ? 1 : 0);
+  }
+  vdmu::GetFEATURECOLORS::setImpl(nullptr);
+  open<OdDbEntity>(m_carrier)->removeReactor(&watch);
+  VdmFeature::desc()->delX(VdmFeatureColorPE::desc());
+}
+
 TEST_F(VdmFeatureReferences, FeaturesAreFoundFromEntitiesAndFaces) {
   refer({{1, 4, {1, 2}}});
   hole(OdDb::kForWrite)->updatePaths(2, {face(m_carrier, 1)});  // tag 0
   const OdDbObjectId other = addHole(L"other");
-  FeatureTest::refer(other, 1, 6, {2});
+  FeatureTest::refer(other, {{1, 6, {2}}});
   namespace utils = VdmFeatureManagerUtils;
   EXPECT_EQ(utils::getFeatures(m_carrier, {}), (OdDbObjectIdArray{m_id, other}));
   EXPECT_EQ(utils::getFeatures(m_carrier, {VdmFeature::desc()}).size(), 2u);

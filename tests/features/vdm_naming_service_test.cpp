@@ -3,6 +3,7 @@
 
 #include "tests/features/feature_testing.h"
 #include "vdm_db/cloning/vdm_id_mappings.h"
+#include "vdm_db/cloning/vdm_remapping_bracket.h"
 #include "vdm_db/features/vdm_db_naming_policy_pe.h"
 #include "vdm_db/features/vdm_naming_service.h"
 
@@ -124,6 +125,17 @@ TEST_F(VdmDbNamingPolicy, NamesNewFeaturesAfterTheirClass) {
   const OdDbObjectId bore = manager(OdDb::kForRead)->featureIds()[1];
   hole(bore, OdDb::kForWrite)->setName(L"Bore_7");
   EXPECT_EQ(nameOf(L"Bore", false, false), OdString(L"Bore_8"));
+
+  // A manager that takes features over names them on, too.
+  const OdDbIdMappingPtr nothing = OdDbIdMapping::createObject();
+  VdmDbReverseIdMapping reverse(*nothing);
+  std::unordered_set<OdDbObjectId> merged;
+  std::map<OdDbObjectId, OdDbObjectId> replaced;
+  const auto other = VdmDbFeatureManager::getInstance(addBlock(m_drawing, L"A"), true);
+  edit<VdmDbFeatureManager>(other)->createFeatureData(HoleFeature::desc(), L"Bore_9", false, false);
+  edit<VdmDbFeatureManager>(other)->mergeManagers(manager(), *nothing, reverse, merged,
+                                                  /*keepAll=*/true, replaced);
+  EXPECT_EQ(hole(bore)->name(), OdString(L"Bore_11")) << "the second of them";
   VdmDbFeatureManager::desc()->delX(VdmDbNamingPolicyPE::desc());
 }
 
@@ -145,4 +157,5 @@ TEST_F(VdmDbNamingPolicy, MappingsLookUpBothWays) {
   EXPECT_EQ(pair.key(), m_carrier);
   EXPECT_TRUE(reverse.isCloned(m_other));
   EXPECT_FALSE(reverse.isCloned(m_features));
+  EXPECT_TRUE(vdmu::VdmRemappingOperationBracket::create().isNull()) << "no module has the class";
 }

@@ -72,17 +72,19 @@ VdmDbObjectPtr ModelTest::modelObject(OdDbObjectId entity, OdDb::OpenMode mode) 
   return open<VdmDbObject>(VdmDbObject::getInstance(entity, m_constraints), mode);
 }
 
+std::string ModelTest::wholeState() const { return dumpDrawing(m_drawing); }
+
 void ModelTest::expectUndoable(const std::function<void()>& edit) {
-  const std::string before = dumpDrawing(m_drawing);
+  const std::string before = wholeState();
   m_drawing->startUndoRecord();
   edit();
-  const std::string after = dumpDrawing(m_drawing);
+  const std::string after = wholeState();
   EXPECT_NE(before, after);
   for (int round = 0; round < 2; ++round) {
     ASSERT_EQ(m_drawing->undo(), eOk);
-    EXPECT_EQ(firstDifference(before, dumpDrawing(m_drawing)), "");
+    EXPECT_EQ(firstDifference(before, wholeState()), "");
     ASSERT_EQ(m_drawing->redo(), eOk);
-    EXPECT_EQ(firstDifference(after, dumpDrawing(m_drawing)), "");
+    EXPECT_EQ(firstDifference(after, wholeState()), "");
   }
 }
 

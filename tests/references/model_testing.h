@@ -97,6 +97,8 @@ class ModelTest : public ReferenceTest {
   }
   /// Runs the edit as one undo step; undo gives every byte back, and redo too.
   void expectUndoable(const std::function<void()>& edit);
+  /// What is compared.
+  [[nodiscard]] virtual std::string wholeState() const;
   void reopen();
 
   OdSmartPtr<ManagerHost> m_managerHost;

@@ -3,7 +3,16 @@
 
 #include "platform/db/dictionary.h"
 #include "tests/references/reference_testing.h"
+#include "vdm_db/cloning/vdm_assoc_array_utils.h"
 #include "vdm_db/cloning/vdm_reactor_utils.h"
+
+/// The action that fills an array.
+class ArrayAction : public OdDbObject {
+ public:
+  OD_RX_DECLARE_MEMBERS(ArrayAction)
+};
+OD_RX_DEFINE_DB(ArrayAction, OdDbObject, L"OdDbAssocArrayActionBody", 33, 55, 0, L"ARRAYACTION",
+                L"tests")
 
 namespace {
 
@@ -112,15 +121,25 @@ TEST_F(VdmBlockUtilsTest, EffectiveScaleLeavesUnitsOut) {
     OdGeScale3d scale(0.0);
     EXPECT_EQ(vdmu::getEffectiveBlockRefScale(reference, scale), row.result);
     EXPECT_DOUBLE_EQ(scale.sx, row.effective);
+    const OdGeScale3d wanted(row.effective, 1.0, 1.0);
+    EXPECT_EQ(vdmu::setEffectiveBlockRefScale(reference, wanted), row.result);
+    EXPECT_DOUBLE_EQ(open<OdDbBlockReference>(reference)->scaleFactors().sx, row.factor);
   }
 }
 
-TEST_F(VdmBlockUtilsTest, SettingTheEffectiveScaleConverts) {
-  m_drawing->setINSUNITS(OdDb::kUnitsMillimeters);
-  const OdDbObjectId inches = addReference(OdDb::kUnitsInches, OdGeScale3d());
-  EXPECT_EQ(vdmu::setEffectiveBlockRefScale(inches, OdGeScale3d(2.0, 1.0, 1.0)), eOk);
-  EXPECT_EQ(vdmu::setEffectiveBlockRefScale(inches, OdGeScale3d(1e-12, 1.0, 1.0)), eInvalidInput);
-  EXPECT_DOUBLE_EQ(open<OdDbBlockReference>(inches)->scaleFactors().sx, 50.8);
+TEST_F(VdmBlockUtilsTest, AnArrayIsOneWithoutTheModuleOfItsActionToo) {
+  ArrayAction::rxInit();
+  const OdDbObjectId array = addBlock(m_drawing, L"ARRAY");
+  show(array, addBlock(m_drawing, L"ITEM"));
+  edit<OdDbObject>(array)->addPersistentReactor(
+      m_drawing->addOdDbObject(ArrayAction::createObject(), m_modelSpace));
+  const OdDbHandle handle = array.getHandle();
+  ASSERT_TRUE(m_drawing->saveAs(path("array.vdm")).ok());
+  m_drawing = nullptr;
+  ArrayAction::rxUninit();
+  m_drawing = read("array.vdm");
+  EXPECT_TRUE(vdmu::isAssociativeArray(open<OdDbObject>(m_drawing->getOdDbObjectId(handle))));
+  EXPECT_FALSE(vdmu::isAssociativeArray(open<OdDbObject>(m_drawing->getModelSpaceId())));
 }
 
 TEST_F(VdmBlockUtilsTest, ReactorsAreDetachedFromObjectsAndTheirClones) {

@@ -56,17 +56,6 @@ TEST_F(VdmCompoundObjectIdTest, IdsOfOtherDrawingsAreKeptAsHandles) {
   EXPECT_EQ(m_path.getPathPrefix(), OdDbObjectIdArray({m_inner, m_inner, m_inner, m_line}));
 }
 
-TEST_F(VdmCompoundObjectIdTest, AReopenedDrawingResolvesLazily) {
-  reopen();
-  EXPECT_EQ(open<OdDbBlockTableRecord>(m_xref)->xrefStatus(), OdDb::kXrfUnresolved);
-  OdDbObjectIdArray ids;
-  EXPECT_EQ(vdmu::makeIdArray({OdDbHandle(0xFFFFF)}, ids, false), vdmu::ePathInvalid);
-  ASSERT_EQ(m_path.getFullPathEx(ids, false), vdmu::ePathOk);
-  ASSERT_EQ(ids.size(), 3u);
-  EXPECT_EQ(open<PathCarrier>(ids[2])->getDbHandle(), m_carrierHandle);
-  EXPECT_TRUE(m_assertions.empty());
-}
-
 TEST_F(VdmCompoundObjectIdTest, ExternalReferencesOfReadOnlyDrawingsResolveToo) {
   const OdDbHandle handles[] = {m_top.getHandle(), m_inner.getHandle()};
   reopen();

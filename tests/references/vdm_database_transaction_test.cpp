@@ -44,12 +44,11 @@ TEST_F(VdmDbDatabaseTransactionTest, RollsBackUnlessToldNotTo) {
 
 TEST_F(VdmDbDatabaseTransactionTest, KeepsTheViewOnRequest) {
   const OdDbObjectId space = m_drawing->getPaperSpaceId();
-  OdDbObjectId ids[2];  // the second one is active
-  const OdInt16 numbers[] = {5, 2};
-  for (int i = 0; i < 2; ++i) {
+  OdDbObjectIdArray ids;
+  for (const OdInt16 number : {OdInt16{5}, OdInt16{2}}) {  // the second one is active
     const OdDbViewportPtr viewport = OdDbViewport::createObject();
-    viewport->setNumber(numbers[i]);
-    ids[i] = addTo(space, viewport);
+    viewport->setNumber(number);
+    ids.append(addTo(space, viewport));
   }
   for (const bool byUndo : kByUndo) {
     for (const bool keep : {false, true}) {

@@ -21,12 +21,9 @@ TEST_F(VdmDependenciesReplacementMapTest, KeepsTheFirstSetOfAnId) {
   EXPECT_TRUE(m_map.append(a, {b}));
   EXPECT_FALSE(m_map.append(a, {c}));
   IdSet out{d};
-  EXPECT_FALSE(m_map.contains(b, out));
-  EXPECT_TRUE(out.empty());
-  EXPECT_TRUE(m_map.contains(a, out));
-  EXPECT_EQ(out, IdSet{b});
-  EXPECT_TRUE(m_map.update(a, b, {c, d}));
-  EXPECT_FALSE(m_map.update(a, b, {e}));
+  EXPECT_TRUE(!m_map.contains(b, out) && out.empty());
+  EXPECT_TRUE(m_map.contains(a, out) && out == IdSet{b});
+  EXPECT_TRUE(m_map.update(a, b, {c, d}) && !m_map.update(a, b, {e}));
   EXPECT_EQ(m_map.getReplacements(a), (IdSet{c, d}));
   m_map.remove(a);
   EXPECT_TRUE(m_map.isEmpty());

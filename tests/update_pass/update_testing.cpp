@@ -4,10 +4,6 @@
 #include "platform/rx/dynamic_linker.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager_pe.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
-#include "vdm_db/references/vdm_db_pers_id_manager.h"
-#include "vdm_db/references/vdm_db_pers_id_manager_pe.h"
-#include "vdm_db/references/vdm_db_pers_id_reactor.h"
 #include "vdm_utils/vdmc_assert.h"
 
 Scene* Scene::current = nullptr;
@@ -36,7 +32,9 @@ class ScriptedInterface : public VdmUpdateFeatureInterface {
   }
   bool needsBaseFaces() const override { return script().needsBaseFaces; }
   bool isRequiredDependency(int, int) override { return false; }
-  bool isReactorFiltered(const VdmDbPersIdReactor*) const override { return false; }
+  bool isReactorFiltered(const VdmDbPersIdReactor* reactor) const override {
+    return reactor->hasTag(script().filteredTag);
+  }
   OdDbObjectIdArray ownObjectIds() const override { return script().ownIds; }
   bool erasesOwnObjects() const override { return false; }
   void onDeepClone(OdDbIdMapping&, OdDbObject*, OdDbObject*, bool) const override {}
@@ -66,28 +64,6 @@ class TestManagerPE : public VdmDbFeatureManagerPE {
   }
 };
 
-// Makes a dependency for each path.
-class TestPersIdPE : public VdmDbPersIdManagerPE {
- public:
-  void prepareAppend(VdmDbPersIdManager*, const OdDbFullSubentPathArray&, OdDbDatabase*) override {}
-  void findExisting(VdmDbPersIdManager*, const OdDbFullSubentPathArray& paths,
-                    OdDbObjectIdArray& ids) override {
-    ids.resize(paths.size(), OdDbObjectId::kNull);
-  }
-  void updateDependency(VdmDbPersIdManager*, const OdDbObjectId&,
-                        const OdDbFullSubentPath&) override {}
-  void createDependencies(OdDbObjectIdArray& newIds, VdmDbPersIdManager* owner,
-                          const OdDbFullSubentPathArray& paths, OdDbUserIO*,
-                          OdDbObjectIdArray& existing) override {
-    for (OdUInt32 i = 0; i < paths.size(); ++i) {
-      const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::createObject();
-      dependency->setLinkObject(paths[i]);
-      existing[i] = owner->database()->addOdDbObject(dependency, owner->objectId());
-      newIds.append(existing[i]);
-    }
-  }
-};
-
 }  // namespace
 
 bool TestHelper::addCopiesToUpdateData(VdmUpdateFeatureInterface*, OdDbObjectId feature,
@@ -112,7 +88,7 @@ UpdateTest::UpdateTest() {
   VdmDbFeatureManager::desc()->addX(VdmDbFeatureManagerPE::desc(),
                                     OdRxObjectImpl<TestManagerPE>::createObject());
   VdmDbPersIdManager::desc()->addX(VdmDbPersIdManagerPE::desc(),
-                                   OdRxObjectImpl<TestPersIdPE>::createObject());
+                                   OdRxObjectPtr(new ManagerHost, kOdRxObjAttach));
   Scene::current = &m_scene;
   setVdmAssertSink([this](const VdmAssertion& assertion) {
     m_assertions.emplace_back(assertion.message.utf8());
@@ -149,10 +125,15 @@ OdDbObjectIdArray UpdateTest::dependencies(const OdDbObjectId& feature, OdUInt32
   return VdmDbPersIdReactor::cast(id.openObject())->persIds();
 }
 
-bool UpdateTest::pass(const OdDbObjectIdArray& ids, bool force) {
+bool UpdateTest::pass(const OdDbObjectIdArray& ids, bool force, bool constraintsCalculated) {
+  struct Data : VdmFeatureUpdateData {
+    using VdmFeatureUpdateData::setConstraintsCalculated;
+    using VdmFeatureUpdateData::VdmFeatureUpdateData;
+  };
   m_recorder.lines.clear();
   const VdmDbFeatureManagerPtr owner = manager();
-  VdmFeatureUpdateData data(owner);
+  Data data(owner);
+  data.setConstraintsCalculated(constraintsCalculated, true);
   data.setObserver(&m_recorder);
   VdmFeatureUpdateInput input{{}, &m_map, &data, force};
   const bool changed = vdmRunFeatureUpdate(owner, ids, input);

@@ -8,6 +8,7 @@
 
 #include "platform/db/layer_table.h"
 #include "tests/modeler/drawing_fixture.h"
+#include "tests/references/model_testing.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_feature_impl.h"
 #include "vdm_db/features/vdm_feature_subents_to_remove.h"
@@ -25,10 +26,12 @@ struct Script {
   std::function<bool(VdmFeatureSubentsToRemove&)> removeSubents;
   VdmUpdateFeatureInterface::OpeningFaces opening;
   OdDbObjectIdArray ownIds;  ///< the interface is active when there are any
+  int filteredTag = -1;      ///< of the reactor to leave out of filtered dependencies
   bool needsBaseFaces = false;
   bool acceptsEntity = true;
   bool required = false;
-  bool forced = false;  ///< out: what prepareUpdateData got
+  bool recalculates = false;  ///< a reactor asks for it after constraints were solved
+  bool forced = false;        ///< out: what prepareUpdateData got
 };
 
 /// The world that the scripted classes look into; one per test.
@@ -54,6 +57,10 @@ class ScriptedFeature : public VdmFeature {
   }
   bool update(VdmFeatureUpdateData& data) override { return script().update(data); }
   bool isRequiredDependency(int, int) override { return script().required; }
+  bool hasChanges(bool& needRecalculation) const override {
+    needRecalculation = script().recalculates;
+    return false;
+  }
 
  private:
   Script& script() const { return Scene::current->scripts[objectId()]; }
@@ -98,34 +105,34 @@ class Recorder : public VdmUpdateObserver {
   std::map<OdDbObjectId, std::string> names;
 
   void phaseBegan(VdmUpdatePhase phase) override { lines.push_back("- " + nameOf(phase)); }
-  void featureSkipped(const OdDbObjectId& id) override { add("skip", id); }
+  void featureSkipped(const OdDbObjectId& id) override { add("skip ", id); }
   void featureTaken(const OdDbObjectId& id, VdmUpdateReason reason) override {
     static constexpr const char* kReasons[] = {"forced", "constraint", "replaced",    "cloned",
                                                "moved",  "several",    "insert moved"};
-    lines.push_back("take " + names[id] + ": " + kReasons[static_cast<int>(reason)]);
+    add("take ", id, std::string(": ") + kReasons[static_cast<int>(reason)]);
   }
   void featurePrepared(const OdDbObjectId& id, VdmUpdatePreparation result) override {
-    static constexpr const char* kResults[] = {"done", "queued", "condemned"};
+    static constexpr const char* kResults[] = {"done ", "queued ", "condemned "};
     add(kResults[static_cast<int>(result)], id);
   }
-  void featureCondemned(const OdDbObjectId& id) override { add("erase", id); }
-  void featureUpdated(const OdDbObjectId& id, bool) override { add("update", id); }
-  void featureFailed(const OdDbObjectId& id, const OdString&) override { add("failed", id); }
+  void featureCondemned(const OdDbObjectId& id) override { add("erase ", id); }
+  void featureUpdated(const OdDbObjectId& id, bool) override { add("update ", id); }
+  void featureFailed(const OdDbObjectId& id, const OdString&) override { add("failed ", id); }
   void solidChanged(const OdDbObjectId& id, OdModelerBooleanKind,
                     const OdDbObjectIdArray& sources) override {
-    lines.push_back("cut " + names[id] + " by " + std::to_string(sources.size()));
+    add("cut ", id, " by " + std::to_string(sources.size()));
   }
   void solidFailed(const OdDbObjectId& id, OdModelerBooleanKind, const OdString& text) override {
-    add(text.isEmpty() ? "fail without text" : "fail", id);
+    add(text.isEmpty() ? "fail without text " : "fail ", id);
   }
   void transactionAborted(VdmUpdatePhase phase) override {
     lines.push_back("abort in " + nameOf(phase));
   }
-  void reactorDropped(const OdDbObjectId& id, const OdDbObjectId&) override { add("drop", id); }
+  void reactorDropped(const OdDbObjectId& id, const OdDbObjectId&) override { add("drop ", id); }
 
  private:
-  void add(const std::string& verb, const OdDbObjectId& id) {
-    lines.push_back(verb + " " + names[id]);
+  void add(const char* verb, const OdDbObjectId& id, const std::string& detail = "") {
+    lines.push_back(verb + names[id] + detail);
   }
   static std::string nameOf(VdmUpdatePhase phase) {
     static constexpr const char* kNames[] = {"intake",   "early removal", "prepare subtract",
@@ -154,7 +161,7 @@ class UpdateTest : public DrawingTest {
     return VdmFeature::open(feature)->reactorIds().size();
   }
   /// A pass with the recorder and the map; `m_erase` gets the dependencies to erase.
-  bool pass(const OdDbObjectIdArray& ids, bool force = false);
+  bool pass(const OdDbObjectIdArray& ids, bool force = false, bool constraintsCalculated = false);
   static OdDb3dSolidPtr newSolid(const OdModelerBodyPtr& body) {
     OdDb3dSolidPtr made = OdDb3dSolid::createObject();
     made->setBody(body);

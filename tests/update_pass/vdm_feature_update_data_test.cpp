@@ -1,6 +1,7 @@
 // The update pass: its order, who takes part, what it removes, rolls back and repairs.
 #include "platform/base/error.h"
 #include "tests/update_pass/update_testing.h"
+#include "vdm_db/constraints/vdm_db_assembly_pe.h"
 #include "vdm_db/module/vdm_constants.h"
 
 namespace {
@@ -58,16 +59,13 @@ TEST_F(VdmFeatureUpdateDataTest, PhasesRunInOrderAndSolidsTakeTheirTools) {
   EXPECT_TRUE(script(other).forced);
 }
 
-TEST_F(VdmFeatureUpdateDataTest, NothingToGoByIsNoPass) {
+TEST_F(VdmFeatureUpdateDataTest, WithoutAHelperNoSolidIsTouched) {
   const OdDbObjectId hole = onPlate("hole");
-  VdmFeatureUpdateInput input;
-  EXPECT_FALSE(vdmRunFeatureUpdate(manager(), {hole}, input));
   EXPECT_FALSE(pass({}));
   EXPECT_TRUE(m_recorder.lines.empty());
   m_scene.hasHelper = false;
   script(hole).update = [](VdmFeatureUpdateData&) { return true; };
-  EXPECT_TRUE(pass({hole}, true));
-  EXPECT_TRUE(recorded("abort in prepare subtract"));
+  EXPECT_TRUE(pass({hole}, true) && recorded("abort in prepare subtract"));
   EXPECT_EQ(m_database->numActiveTransactions(), 0u);
 }
 
@@ -99,6 +97,10 @@ TEST_F(VdmFeatureUpdateDataTest, FeaturesAreTakenForTheFirstCause) {
                             "take none: several", "take two: moved", "take moved: moved",
                             "take hole: insert moved"}));
   EXPECT_FALSE(script(ids[5]).forced);
+  script(ids[0]).recalculates = true;
+  EXPECT_EQ(taken()[0], "skip idle") << "no constraints were calculated";
+  pass(ids, /*force=*/false, /*constraintsCalculated=*/true);
+  EXPECT_TRUE(recorded("take idle: constraint") && script(ids[0]).forced);
 }
 
 TEST_F(VdmFeatureUpdateDataTest, AFailedSolidRollsAllOfThemBackAndThePassGoesOn) {
@@ -116,15 +118,12 @@ TEST_F(VdmFeatureUpdateDataTest, AFailedSolidRollsAllOfThemBackAndThePassGoesOn)
     return !data.addCopiesToUpdateData(nullptr, all, entities);
   };
   script(all).update = [](VdmFeatureUpdateData& data) { return data.hasSolidsModifications(); };
-  EXPECT_TRUE(pass({hole, all}, true)) << "the queue stays";
-  EXPECT_TRUE(recorded("fail block"));
-  EXPECT_TRUE(recorded("abort in subtract"));
-  EXPECT_FALSE(recorded("- unite"));
+  EXPECT_TRUE(pass({hole, all}, true)) << "the queue of the failed operation stays";
+  EXPECT_TRUE(recorded("fail block") && recorded("abort in subtract") && !recorded("- unite"));
   EXPECT_EQ(bytesOf(solid(m_plate)->body()), before);
   m_scene.preparesSubtract = false;
   pass({hole}, true);
-  EXPECT_TRUE(recorded("abort in prepare subtract"));
-  EXPECT_FALSE(recorded("- subtract"));
+  EXPECT_TRUE(recorded("abort in prepare subtract") && !recorded("- subtract"));
   EXPECT_EQ(bytesOf(solid(m_plate)->body()), before);
 }
 
@@ -215,15 +214,21 @@ TEST_F(VdmFeatureUpdateDataTest, ReferencesFollowTheirReplacements) {
   EXPECT_EQ(dependencies(hole, 2), OdDbObjectIdArray{shared});
 }
 
-TEST_F(VdmFeatureUpdateDataTest, AReferenceReplacedByNothingEndsAFeatureThatNeedsIt) {
-  const OdDbObjectIdArray ids{onPlate("needs"), onPlate("spares")};
-  script(ids[0]).required = true;
-  for (const OdDbObjectId& id : ids) m_map.append(dependencies(id)[0], {});
-  pass(ids);
-  EXPECT_TRUE(ids[0].isErased());
-  EXPECT_FALSE(ids[1].isErased());
-  EXPECT_EQ(numReactors(ids[1]), 0u);
-  EXPECT_EQ(m_erase.size(), 2u);
+TEST_F(VdmFeatureUpdateDataTest, TheAssemblyModuleIsAskedForItsPart) {
+  struct Assembly : OdStaticRxObject<VdmDbAssemblyPE> {
+    bool collectFromFeature(VdmFeature* feature, const VdmMatchingFaces&, VdmFeatureUpdateData&,
+                            VdmUpdateInfo&, bool flag) override {
+      return feature != nullptr && flag;
+    }
+  } assembly;
+  const VdmFeaturePtr feature = VdmFeature::open(onPlate("asked"));
+  VdmFeatureUpdateData data(nullptr);
+  VdmUpdateInfo info;
+  EXPECT_FALSE(data.collectFromFeature(feature, {}, info, true)) << "nobody is there";
+  VdmDbFeatureManager::desc()->addX(VdmDbAssemblyPE::desc(), &assembly);
+  EXPECT_TRUE(data.collectFromFeature(feature, {}, info, true));
+  EXPECT_FALSE(data.collectFromFeature(feature, {}, info, false));
+  VdmDbFeatureManager::desc()->delX(VdmDbAssemblyPE::desc());
 }
 
 }  // namespace
