@@ -215,12 +215,20 @@ OdResult VdmDbFeatureData::subErase(bool erasing) {
   const OdResult result = OdDbObject::subErase(erasing);
   if (result != eOk) return result;
   invalidateNamesOfManager();  // also when undo brings a name back
+  refileManager();
   return erasing && !isUndoing() ? eraseOwnObjects() : eOk;
 }
 
 void VdmDbFeatureData::invalidateNamesOfManager() const {
   const VdmDbFeatureManagerPtr manager = VdmDbFeatureManager::cast(ownerId().openObject());
   if (!manager.isNull()) manager->onFeatureErased(objectId());
+}
+
+// The manager's list as filed leaves out erased features: it is to be filed anew.
+void VdmDbFeatureData::refileManager() const {
+  const VdmDbFeatureManagerPtr manager =
+      VdmDbFeatureManager::cast(ownerId().openObject(OdDb::kForWrite));
+  if (!manager.isNull()) manager->assertWriteEnabled(/*autoUndo=*/false, /*recordModified=*/false);
 }
 
 OdResult VdmDbFeatureData::eraseOwnObjects() {

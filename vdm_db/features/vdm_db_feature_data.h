@@ -75,6 +75,7 @@ class VDM_DB_EXPORT VdmDbFeatureData : public OdDbObject {
   friend class VdmDbFeatureManager;
 
   void invalidateNamesOfManager() const;
+  void refileManager() const;
   OdResult eraseOwnObjects();
 
   std::unique_ptr<VdmDbFeatureDataImpl> m_impl;

@@ -83,10 +83,20 @@ OdStringArray VdmUpdateFeatureInterface::getRegisteredExtensionsDesc() {
 
 // ---- Extensions of objects
 
+namespace {
+
+// Null for a class that is not registered, or of which there are no objects.
+OdRxObjectPtr makeOfClass(const OdString& className) {
+  const OdRxClass* cls = odrxClassDictionary()->getAt(className);
+  return cls == nullptr ? OdRxObjectPtr() : cls->create();
+}
+
+}  // namespace
+
 void VdmUpdateFeatureInterface::setExtension(const OdString& className, OdDbObject* object) {
   if (object == nullptr) return;
   if (!object->isWriteEnabled()) object->upgradeOpen();
-  const OdRxObjectPtr made = odrxCreateObject(className);
+  const OdRxObjectPtr made = makeOfClass(className);
   const OdSmartPtr<VdmUpdateFeatureInterface> found = cast(made.get());
   if (found.isNull()) return;
   if (hasProperties(object)) storeFeatureType(object, className);
@@ -103,5 +113,5 @@ OdRxObjectPtr VdmUpdateFeatureInterface::getExtension(OdDbObject* object) {
   if (object == nullptr || !hasProperties(object) || !bag.readFromDbObject(object) ||
       !bag.getProperty(kVdmFeatureType, className))
     return {};
-  return odrxCreateObject(className);
+  return makeOfClass(className);
 }

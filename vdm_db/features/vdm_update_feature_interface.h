@@ -70,7 +70,8 @@ class VDM_DB_EXPORT VdmUpdateFeatureInterface : public VdmFeaturePE {
   /// The interface has objects of its own.
   [[nodiscard]] bool isActive() const { return !ownObjectIds().isEmpty(); }
 
-  // The update pass.
+  // What classes define, in the order in which the interface lists it.
+
   [[nodiscard]] virtual OpeningFaces openingFaces() const = 0;
   /// As VdmFeature::prepareUpdateData: true when the feature needs no update in this pass.
   virtual bool prepareUpdateData(VdmFeatureUpdateData& data, bool forced) = 0;
@@ -82,37 +83,42 @@ class VDM_DB_EXPORT VdmUpdateFeatureInterface : public VdmFeaturePE {
   /// Binds the new feature to an entity. False takes the feature back.
   virtual bool createForEntity(VdmDbFeatureManager* manager, const OdDbFullSubentPath& basePath,
                                const OdDbObjectId& entity, VdmFeatureUpdateData& data) = 0;
+  /// Losing the last reference of this kind ends the feature.
+  [[nodiscard]] virtual bool isRequiredDependency(int mask, int tag) = 0;
+  virtual void onDeepClone(OdDbIdMapping& mapping, OdDbObject* source, OdDbObject* clone,
+                           bool flag) const = 0;
+  virtual void onWblockClone(OdDbIdMapping& mapping, OdDbObject* source, OdDbObject* clone,
+                             bool flag) const = 0;
   /// The solids of a block that the feature subtracts, and those that it unites. `forWrite` as in
   /// vdmu::openXrefBlock.
   [[nodiscard]] virtual VdmSolidOccurrences subtractSolids(const OdDbObjectId& block,
                                                            bool forWrite) = 0;
   [[nodiscard]] virtual VdmSolidOccurrences uniteSolids(const OdDbObjectId& block,
                                                         bool forWrite) = 0;
-  /// A feature that fills something in and has lost its base faces goes.
-  [[nodiscard]] virtual bool needsBaseFaces() const = 0;
-
-  // The feature's references and its own objects.
-  /// Losing the last reference of this kind ends the feature.
-  [[nodiscard]] virtual bool isRequiredDependency(int mask, int tag) = 0;
   /// True leaves the reactor out of filtered dependencies.
   [[nodiscard]] virtual bool isReactorFiltered(const VdmDbPersIdReactor* reactor) const = 0;
-  [[nodiscard]] virtual OdDbObjectIdArray ownObjectIds() const = 0;
   /// Own objects are erased with the feature.
   [[nodiscard]] virtual bool erasesOwnObjects() const = 0;
-  virtual void onDeepClone(OdDbIdMapping& mapping, OdDbObject* source, OdDbObject* clone,
-                           bool flag) const = 0;
-  virtual void onWblockClone(OdDbIdMapping& mapping, OdDbObject* source, OdDbObject* clone,
-                             bool flag) const = 0;
-
-  // Layers.
+  /// A feature that fills something in and has lost its base faces goes.
+  [[nodiscard]] virtual bool needsBaseFaces() const = 0;
   [[nodiscard]] virtual OdStringArray layersToHide() const;  ///< subtract, then unite layers
   [[nodiscard]] virtual OdStringArray layersToShow() const;  ///< none
   [[nodiscard]] virtual OdStringArray layersToHideOnInsert() const;  ///< none
   [[nodiscard]] virtual OdStringArray layersToShowOnInsert() const;  ///< those of layersToHide
-
-  // Component features: classes under a name of their own.
+  /// What setExtension gives to applyExtension.
+  [[nodiscard]] virtual OdString extensionValue() const = 0;
+  virtual void applyExtension(OdDbObject* object, const OdString& value) = 0;
   /// The name under which the class registers; a class with an empty one does not.
   [[nodiscard]] virtual OdString componentName() const = 0;
+  /// As createFeatures.
+  virtual OdDbObjectIdArray createFeaturesEx(const OdDbFullSubentPath& basePath,
+                                             const OdDbObjectIdArray& entities, OdRxClass* cls);
+  [[nodiscard]] virtual OdDbObjectIdArray ownObjectIds() const = 0;
+  /// The two closing steps of createFeature.
+  virtual void setEntities(const OdDbObjectIdArray& entities) = 0;
+  virtual void attachToSolid(VdmDbFeatureManager* manager, const OdDbObjectId& solid) = 0;
+
+  // Component features: classes under a name of their own.
   /// A class without extension is ignored, and so is null. Registering twice lists it twice.
   static void registerComponentFeature(OdRxClass* cls);
   static void unregisterComponentFeature(OdRxClass* cls);
@@ -121,9 +127,6 @@ class VDM_DB_EXPORT VdmUpdateFeatureInterface : public VdmFeaturePE {
   [[nodiscard]] static OdStringArray getRegisteredExtensionsDesc();
 
   // The extension of an object: the class of the component feature that it is made for.
-  /// What setExtension gives to applyExtension.
-  [[nodiscard]] virtual OdString extensionValue() const = 0;
-  virtual void applyExtension(OdDbObject* object, const OdString& value) = 0;
   /// Stores the class name in the object's properties, if its class has a VdmPropertiesPE, and has
   /// the class's interface apply itself. Nothing happens for null and for a class without
   /// interface.
@@ -133,12 +136,6 @@ class VDM_DB_EXPORT VdmUpdateFeatureInterface : public VdmFeaturePE {
   [[nodiscard]] static OdRxObjectPtr getExtension(OdDbObject* object);
 
   // Making features.
-  /// The two closing steps of createFeature.
-  virtual void setEntities(const OdDbObjectIdArray& entities) = 0;
-  virtual void attachToSolid(VdmDbFeatureManager* manager, const OdDbObjectId& solid) = 0;
-  /// As createFeatures.
-  virtual OdDbObjectIdArray createFeaturesEx(const OdDbFullSubentPath& basePath,
-                                             const OdDbObjectIdArray& entities, OdRxClass* cls);
   /// Makes a feature of a solid in the manager of the drawing's model space, with references to
   /// `basePath` when that is a face (tag 3), and to the paths of the three sets (tags 0, 1, 2).
   /// Null when the solid or the path's first id is, or for a class that makes no feature.
