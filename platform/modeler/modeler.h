@@ -52,8 +52,8 @@ class OdModeler {
                                   OdModelerBodyPtr& result) = 0;
 
   // Operations. `history` may be null.
-  /// One body out of a base and any number of tools. Faces of one surface that meet after the
-  /// operation become one face. The attributes are the base's; faces keep their colours and names.
+  /// One body out of a base and tools. Faces of one surface that are brought together become one,
+  /// those that met in an input stay apart. Attributes are the base's; faces keep colour and name.
   virtual OdModelerStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
                                   std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& result,
                                   OdModelerHistory* history) = 0;

@@ -1,4 +1,5 @@
 // Drawings into STEP files.
+#include <algorithm>
 #include <map>
 #include <utility>
 #include <vector>
@@ -43,7 +44,6 @@ class Exporter {
     const auto index = static_cast<OdUInt32>(m_assembly.products.size());
     m_products.emplace(block, index);
     m_assembly.products.emplace_back();
-    ++m_report.products;
     OdDbBlockTableRecordPtr record =
         OdDbBlockTableRecord::cast(block.safeOpenObject(OdDb::kForRead));
     const bool isSpace = block == m_database->getModelSpaceId();
@@ -155,8 +155,9 @@ class Exporter {
   std::map<OdDbObjectId, OdUInt32> m_products;
 };
 
-// Products without any body below them say nothing and are refused by some readers.
-void dropEmptyOccurrences(OdModelerAssembly& assembly) {
+// Products without any body below them say nothing and are refused by some readers. The number of
+// the others.
+OdUInt32 dropEmptyOccurrences(OdModelerAssembly& assembly) {
   std::vector<char> state(assembly.products.size(), 0);  // 0 unknown, 1 empty, 2 not
   const auto hasBody = [&](auto&& self, OdUInt32 index) -> bool {
     if (state[index] != 0) return state[index] == 2;
@@ -168,6 +169,7 @@ void dropEmptyOccurrences(OdModelerAssembly& assembly) {
     return state[index] == 2;
   };
   for (const OdModelerOccurrence& root : assembly.roots) hasBody(hasBody, root.product);
+  return static_cast<OdUInt32>(std::ranges::count(state, char{2}));
 }
 
 }  // namespace
@@ -186,7 +188,7 @@ OdModelerStatus exportStepFromDatabase(OdDbDatabase* database, const OdString& p
   } catch (const OdError& error) {
     return {error.code(), OdString(L"step file '") + path + L"': " + error.description()};
   }
-  dropEmptyOccurrences(assembly);
+  done.products = dropEmptyOccurrences(assembly);
   OdModelerStatus status = odModeler().exportStep(path, assembly);
   if (status.ok() && report != nullptr) *report = std::move(done);
   return status;

@@ -262,6 +262,7 @@ OdModelerBodyPtr Body::withAttributes(OdModelerBodyAttributes attributes) const 
   result->m_topology = m_topology;
   result->m_topologyReady.store(m_topology.get(), std::memory_order_release);
   result->m_fingerprint = m_fingerprint;
+  result->m_leftApart = m_leftApart;
   OdModelerEnvelope stored;
   // The geometry that was written once need not be written again.
   if (!m_bytes.isEmpty() && odReadEnvelope({m_bytes.asArrayPtr(), m_bytes.size()}, stored).ok()) {

@@ -38,6 +38,10 @@ class Body final : public OdModelerBody {
   const Topology& topology() const;
   /// Remembers the bytes that the body was read from. Only before others know the body.
   void keepBytes(const OdBinaryData& bytes) { m_bytes = bytes; }
+  /// A boolean had to leave faces of one surface side by side: the next one may join them. Not
+  /// stored. To be set only before others know the body.
+  void setLeftApart(bool leftApart) { m_leftApart = leftApart; }
+  [[nodiscard]] bool isLeftApart() const { return m_leftApart; }
 
   OdModelerBodyKind kind() const override;
   OdUInt32 numSolids() const override;
@@ -72,6 +76,7 @@ class Body final : public OdModelerBody {
 
   TopoDS_Shape m_shape;
   OdModelerBodyAttributes m_attributes;
+  bool m_leftApart = false;
 
   // Made on demand, under the mutex; what is there is never changed again.
   mutable std::mutex m_mutex;

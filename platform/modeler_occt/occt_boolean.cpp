@@ -4,7 +4,6 @@
 #include <BRepAlgoAPI_Cut.hxx>
 #include <BRepAlgoAPI_Fuse.hxx>
 #include <BRep_Builder.hxx>
-#include <Precision.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopTools_ListOfShape.hxx>
 #include <TopoDS_Compound.hxx>
@@ -19,6 +18,7 @@
 #include "platform/modeler_occt/occt_history.h"
 #include "platform/modeler_occt/occt_operations.h"
 #include "platform/modeler_occt/occt_removed_part.h"
+#include "platform/modeler_occt/occt_simplify.h"
 
 namespace od_occt {
 namespace {
@@ -168,6 +168,13 @@ OdModelerBodyPtr commonByCut(std::span<const OdModelerBodyPtr> inputs, const Int
   return body->withAttributes({inputs.front()->attributes().name, {}, {}, {}});
 }
 
+// The body is new, and nobody else knows it.
+OdModelerBodyPtr withNote(const OdModelerBodyPtr& body, bool leftApart,
+                          OdModelerBodyAttributes attributes) {
+  const_cast<Body&>(asOcct(*body)).setLeftApart(leftApart);
+  return body->withAttributes(std::move(attributes));
+}
+
 OdModelerStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs,
                         const Attempt& way, OdModelerBodyPtr& result, OdModelerHistory* history) {
   const bool needsHistory = history != nullptr || std::ranges::any_of(inputs, hasColors);
@@ -192,9 +199,9 @@ OdModelerStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBody
   }
   if (!isDone(*operation))
     return {eModelerError, OdString(nameOf(kind)) + L": " + reportOf(*operation)};
-  if (way.unifyFaces)
-    operation->SimplifyResult(way.unifyEdges, way.unifyFaces, Precision::Angular());
-  const TopoDS_Shape shape = remains(operation->Shape(), allSolid(inputs));
+  const Simplified outcome = way.unifyFaces ? simplified(*operation, inputs, way.unifyEdges)
+                                            : Simplified{operation->Shape(), operation->History()};
+  const TopoDS_Shape shape = remains(outcome.shape, allSolid(inputs));
   const OdModelerBodyPtr plain = odBodyFromOcct(shape);
   if (!plain || plain->numFaces() + plain->numEdges() == 0) {
     return failure(eDegenerateGeometry, nameOf(kind), "nothing is left");
@@ -203,11 +210,11 @@ OdModelerStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBody
     return {eModelerInvalidBody, OdString(nameOf(kind)) + L": " + sound.text};
   }
   if (!needsHistory) {
-    result = plain->withAttributes({inputs.front()->attributes().name, {}, {}, {}});
+    result = withNote(plain, !way.unifyFaces, {inputs.front()->attributes().name, {}, {}, {}});
     return {};
   }
-  OdModelerHistory fates = collectHistory(*operation, inputs, asOcct(*plain));
-  result = plain->withAttributes(inheritAttributes(inputs, fates));
+  OdModelerHistory fates = collectHistory(*outcome.history, inputs, asOcct(*plain));
+  result = withNote(plain, !way.unifyFaces, inheritAttributes(inputs, fates));
   if (history != nullptr) *history = std::move(fates);
   return {};
 }

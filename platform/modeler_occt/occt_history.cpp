@@ -2,6 +2,7 @@
 #include "platform/modeler_occt/occt_history.h"
 
 #include <BRepBuilderAPI_MakeShape.hxx>
+#include <BRepTools_History.hxx>
 #include <TopTools_ListOfShape.hxx>
 #include <algorithm>
 
@@ -27,8 +28,9 @@ OdModelerSubent findSubent(const Topology& topology, const TopoDS_Shape& shape) 
 
 // The operation is asked in this order because it tells nothing of what it did not touch: such a
 // part is in the result as it was.
-OdModelerFate fateOf(BRepBuilderAPI_MakeShape& operation, const TopoDS_Shape& old,
-                     OdModelerSubentType type, const Topology& result) {
+template <class Operation>
+OdModelerFate fateOf(Operation& operation, const TopoDS_Shape& old, OdModelerSubentType type,
+                     const Topology& result) {
   OdModelerFate fate;
   const TopTools_IndexedMapOfShape& parts = result.map(type);
   const auto add = [&](const TopoDS_Shape& shape) {
@@ -49,7 +51,8 @@ OdModelerFate fateOf(BRepBuilderAPI_MakeShape& operation, const TopoDS_Shape& ol
   return fate;
 }
 
-std::vector<OdModelerFate> fatesOf(BRepBuilderAPI_MakeShape& operation, const Topology& input,
+template <class Operation>
+std::vector<OdModelerFate> fatesOf(Operation& operation, const Topology& input,
                                    OdModelerSubentType type, const Topology& result) {
   const TopTools_IndexedMapOfShape& parts = input.map(type);
   std::vector<OdModelerFate> fates;
@@ -60,10 +63,9 @@ std::vector<OdModelerFate> fatesOf(BRepBuilderAPI_MakeShape& operation, const To
   return fates;
 }
 
-}  // namespace
-
-OdModelerHistory collectHistory(BRepBuilderAPI_MakeShape& operation,
-                                std::span<const OdModelerBodyPtr> inputs, const Body& result) {
+template <class Operation>
+OdModelerHistory historyOf(Operation& operation, std::span<const OdModelerBodyPtr> inputs,
+                           const Body& result) {
   OdModelerHistory history;
   const Topology& now = result.topology();
   for (const OdModelerBodyPtr& input : inputs) {
@@ -73,6 +75,18 @@ OdModelerHistory collectHistory(BRepBuilderAPI_MakeShape& operation,
                               fatesOf(operation, then, OdModelerSubentType::kVertex, now)});
   }
   return history;
+}
+
+}  // namespace
+
+OdModelerHistory collectHistory(BRepBuilderAPI_MakeShape& operation,
+                                std::span<const OdModelerBodyPtr> inputs, const Body& result) {
+  return historyOf(operation, inputs, result);
+}
+
+OdModelerHistory collectHistory(BRepTools_History& history,
+                                std::span<const OdModelerBodyPtr> inputs, const Body& result) {
+  return historyOf(history, inputs, result);
 }
 
 OdModelerBodyAttributes inheritAttributes(std::span<const OdModelerBodyPtr> inputs,

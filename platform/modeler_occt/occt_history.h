@@ -7,11 +7,14 @@
 #include "platform/modeler_occt/occt_body.h"
 
 class BRepBuilderAPI_MakeShape;
+class BRepTools_History;
 
 namespace od_occt {
 
 /// What became of each subentity of the inputs in `result`, asked of the operation that made it.
 OdModelerHistory collectHistory(BRepBuilderAPI_MakeShape& operation,
+                                std::span<const OdModelerBodyPtr> inputs, const Body& result);
+OdModelerHistory collectHistory(BRepTools_History& history,
                                 std::span<const OdModelerBodyPtr> inputs, const Body& result);
 
 /// Attributes of a result: name and colour of the first input; a face keeps the colour and name of

@@ -1,0 +1,171 @@
+// Joins what a boolean brought together.
+#include "platform/modeler_occt/occt_simplify.h"
+
+#include <BRepAdaptor_Surface.hxx>
+#include <BRepAlgoAPI_BooleanOperation.hxx>
+#include <BRep_Tool.hxx>
+#include <Precision.hxx>
+#include <ShapeUpgrade_UnifySameDomain.hxx>
+#include <TopExp.hxx>
+#include <TopTools_MapOfShape.hxx>
+#include <TopoDS.hxx>
+#include <TopoDS_Vertex.hxx>
+#include <cmath>
+
+#include "platform/modeler_occt/occt_body.h"
+
+namespace od_occt {
+namespace {
+
+// The modeller's own measures of what is one point and one direction.
+const double kLinear = Precision::Confusion();
+const double kAngular = Precision::Angular();
+
+bool isSame(double a, double b) { return std::abs(a - b) <= kLinear; }
+
+bool isSamePlane(const gp_Pln& a, const gp_Pln& b) {
+  return a.Axis().IsParallel(b.Axis(), kAngular) && a.Distance(b.Location()) <= kLinear;
+}
+
+bool isCoaxial(const gp_Ax1& a, const gp_Ax1& b) { return a.IsCoaxial(b, kAngular, kLinear); }
+
+// Free-form surfaces count as one when there are two of them: there is no telling cheaply.
+bool haveOneSurface(const TopoDS_Shape& a, const TopoDS_Shape& b) {
+  const BRepAdaptor_Surface s(TopoDS::Face(a), Standard_False);
+  const BRepAdaptor_Surface t(TopoDS::Face(b), Standard_False);
+  if (s.GetType() != t.GetType()) return false;
+  switch (s.GetType()) {
+    case GeomAbs_Plane:
+      return isSamePlane(s.Plane(), t.Plane());
+    case GeomAbs_Cylinder:
+      return isSame(s.Cylinder().Radius(), t.Cylinder().Radius()) &&
+             isCoaxial(s.Cylinder().Axis(), t.Cylinder().Axis());
+    case GeomAbs_Cone:
+      return std::abs(s.Cone().SemiAngle() - t.Cone().SemiAngle()) <= kAngular &&
+             s.Cone().Apex().IsEqual(t.Cone().Apex(), kLinear) &&
+             isCoaxial(s.Cone().Axis(), t.Cone().Axis());
+    case GeomAbs_Sphere:
+      return isSame(s.Sphere().Radius(), t.Sphere().Radius()) &&
+             s.Sphere().Location().IsEqual(t.Sphere().Location(), kLinear);
+    case GeomAbs_Torus:
+      return isSame(s.Torus().MajorRadius(), t.Torus().MajorRadius()) &&
+             isSame(s.Torus().MinorRadius(), t.Torus().MinorRadius()) &&
+             s.Torus().Location().IsEqual(t.Torus().Location(), kLinear) &&
+             isCoaxial(s.Torus().Axis(), t.Torus().Axis());
+    default:
+      return true;
+  }
+}
+
+bool partsOneSurface(const Topology& topology, std::size_t edge) {
+  const std::vector<OdUInt32>& faces = topology.facesOfEdge[edge];
+  return faces.size() == 2 && haveOneSurface(topology.faces(static_cast<int>(faces[0])),
+                                             topology.faces(static_cast<int>(faces[1])));
+}
+
+// Two open edges between the same faces meet there, and nothing else does.
+bool partsOneBorder(const Topology& topology, std::size_t vertex) {
+  const std::vector<OdUInt32>& edges = topology.edgesOfVertex[vertex];
+  if (edges.size() != 2 ||
+      topology.facesOfEdge[edges[0] - 1] != topology.facesOfEdge[edges[1] - 1]) {
+    return false;
+  }
+  for (const OdUInt32 index : edges) {
+    const TopoDS_Edge& edge = TopoDS::Edge(topology.edges(static_cast<int>(index)));
+    if (BRep_Tool::Degenerated(edge) || TopExp::FirstVertex(edge).IsSame(TopExp::LastVertex(edge)))
+      return false;
+  }
+  return true;
+}
+
+// What became of a part of an input before anything is joined.
+template <class Visit>
+void visitImages(BRepAlgoAPI_BooleanOperation& operation, const TopoDS_Shape& part,
+                 const Visit& visit) {
+  const TopTools_ListOfShape& images = operation.Modified(part);
+  if (images.IsEmpty()) visit(part);
+  for (const TopoDS_Shape& image : images) visit(image);
+}
+
+/// Edges at which faces are not to be joined, and vertices at which edges are not.
+class Borders {
+ public:
+  explicit Borders(BRepAlgoAPI_BooleanOperation& operation) : m_operation(operation) {}
+
+  void keepOfBase(const Topology& base) {
+    for (std::size_t edge = 0; edge < base.facesOfEdge.size(); ++edge) {
+      if (!partsOneSurface(base, edge)) continue;
+      visitImages(m_operation, base.edges(static_cast<int>(edge) + 1),
+                  [this](const TopoDS_Shape& image) { keepEdge(image); });
+    }
+    for (std::size_t vertex = 0; vertex < base.edgesOfVertex.size(); ++vertex) {
+      if (!partsOneBorder(base, vertex)) continue;
+      visitImages(m_operation, base.vertices(static_cast<int>(vertex) + 1),
+                  [this](const TopoDS_Shape& image) { m_kept.Add(image); });
+    }
+  }
+
+  /// Those that go on from what is kept already.
+  void keepOfTool(const Topology& tool) {
+    if (m_ends.IsEmpty()) return;
+    TopTools_ListOfShape open;
+    for (std::size_t edge = 0; edge < tool.facesOfEdge.size(); ++edge) {
+      if (!partsOneSurface(tool, edge)) continue;
+      visitImages(m_operation, tool.edges(static_cast<int>(edge) + 1),
+                  [&open](const TopoDS_Shape& image) { open.Append(image); });
+    }
+    for (bool found = true; found;) {
+      found = false;
+      for (TopTools_ListOfShape::Iterator it(open); it.More();) {
+        if (!goesOn(it.Value())) {
+          it.Next();
+          continue;
+        }
+        keepEdge(it.Value());
+        open.Remove(it);
+        found = true;
+      }
+    }
+  }
+
+  const TopTools_MapOfShape& kept() const { return m_kept; }
+
+ private:
+  void keepEdge(const TopoDS_Shape& edge) {
+    m_kept.Add(edge);
+    m_ends.Add(TopExp::FirstVertex(TopoDS::Edge(edge)));
+    m_ends.Add(TopExp::LastVertex(TopoDS::Edge(edge)));
+  }
+  bool goesOn(const TopoDS_Shape& edge) const {
+    return m_ends.Contains(TopExp::FirstVertex(TopoDS::Edge(edge))) ||
+           m_ends.Contains(TopExp::LastVertex(TopoDS::Edge(edge)));
+  }
+
+  BRepAlgoAPI_BooleanOperation& m_operation;
+  TopTools_MapOfShape m_kept;
+  TopTools_MapOfShape m_ends;  // of the edges that are kept
+};
+
+}  // namespace
+
+Simplified simplified(BRepAlgoAPI_BooleanOperation& operation,
+                      std::span<const OdModelerBodyPtr> inputs, bool unifyEdges) {
+  Borders borders(operation);
+  const Body& base = asOcct(*inputs.front());
+  if (!base.isLeftApart()) borders.keepOfBase(base.topology());
+  for (const OdModelerBodyPtr& tool : inputs.subspan(1)) {
+    borders.keepOfTool(asOcct(*tool).topology());
+  }
+  ShapeUpgrade_UnifySameDomain unifier(operation.Shape(), unifyEdges, /*UnifyFaces=*/Standard_True,
+                                       /*ConcatBSplines=*/Standard_True);
+  unifier.SetLinearTolerance(kLinear);
+  unifier.SetAngularTolerance(kAngular);
+  unifier.KeepShapes(borders.kept());
+  unifier.Build();
+  Simplified result{unifier.Shape(), new BRepTools_History};
+  result.history->Merge(operation.History());
+  result.history->Merge(unifier.History());
+  return result;
+}
+
+}  // namespace od_occt

@@ -1,0 +1,27 @@
+// Joins what a boolean brought together.
+#pragma once
+
+#include <BRepTools_History.hxx>
+#include <TopoDS_Shape.hxx>
+#include <span>
+
+#include "platform/modeler/body.h"
+
+class BRepAlgoAPI_BooleanOperation;
+
+namespace od_occt {
+
+/// The outcome of an operation with the fates of all that its inputs had.
+struct Simplified {
+  TopoDS_Shape shape;
+  Handle(BRepTools_History) history;
+};
+
+/// Joins faces of one surface, and edges of one curve, that meet in the outcome of the operation.
+/// What stood side by side in the base stays apart: an imported part may have a cylinder in two
+/// halves, and keeps them; so does what stood side by side in a tool and goes on from there, as in
+/// a piece that was cut out and is put back.
+Simplified simplified(BRepAlgoAPI_BooleanOperation& operation,
+                      std::span<const OdModelerBodyPtr> inputs, bool unifyEdges);
+
+}  // namespace od_occt
