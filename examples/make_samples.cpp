@@ -1,6 +1,7 @@
-// Example: models a plate with holes and a small assembly, and writes both as STEP files.
+// Example: models a plate with holes, a small assembly and a blank in two revisions, and writes
+// them as STEP files.
 //
-//   make_samples FOLDER      writes FOLDER/plate.step and FOLDER/assembly.step
+//   make_samples FOLDER      writes plate.step, assembly.step, blank.step and blank_b.step there
 #include <cstdio>
 #include <numbers>
 #include <string>
@@ -21,6 +22,13 @@ constexpr double kHoleInset = 15.0;
 constexpr double kBoltLength = 25.0;
 constexpr double kBoltHeadRadius = 7.0;
 constexpr double kBoltHeadHeight = 6.0;
+constexpr double kBlankLength = 160.0;
+constexpr double kBlankWidth = 100.0;
+constexpr double kBlankThickness = 16.0;
+constexpr double kBlankThicknessB = 20.0;
+constexpr double kPadLength = 60.0;
+constexpr double kPadWidth = 40.0;
+constexpr double kPadHeight = 8.0;
 
 void require(const OdModelerStatus& status) {
   if (!status.ok()) throw OdError(status.code, status.text);
@@ -101,6 +109,16 @@ OdModelerBodyPtr makeBolt() {
   return named(combined(OdModelerBooleanKind::kUnite, shank, {head}), L"bolt M8", {200, 170, 60});
 }
 
+/// A plate with a raised pad in its middle, still without holes.
+OdModelerBodyPtr makeBlank(double thickness) {
+  const OdModelerBodyPtr pad =
+      movedTo(box(kPadLength, kPadWidth, thickness + kPadHeight), (kBlankLength - kPadLength) / 2.0,
+              (kBlankWidth - kPadWidth) / 2.0, 0.0);
+  return named(
+      combined(OdModelerBooleanKind::kUnite, box(kBlankLength, kBlankWidth, thickness), {pad}),
+      L"blank", {150, 160, 170});
+}
+
 OdModelerProduct product(const wchar_t* name, const OdModelerBodyPtr& body) {
   OdModelerProduct made;
   made.name = name;
@@ -117,10 +135,10 @@ OdModelerOccurrence placed(OdUInt32 index, const OdString& name, const OdGeMatri
   return occurrence;
 }
 
-OdModelerAssembly makePart() {
+OdModelerAssembly makePart(const wchar_t* name, const OdModelerBodyPtr& body) {
   OdModelerAssembly part;
-  part.products.push_back(product(L"plate", makePlate()));
-  part.roots.push_back(placed(0, L"plate", OdGeMatrix3d::kIdentity));
+  part.products.push_back(product(name, body));
+  part.roots.push_back(placed(0, name, OdGeMatrix3d::kIdentity));
   return part;
 }
 
@@ -162,8 +180,10 @@ int main(int argc, char** argv) {
   try {
     odInstallOcctModeler();
     const std::string folder = argv[1];
-    write(folder + "/plate.step", makePart());
+    write(folder + "/plate.step", makePart(L"plate", makePlate()));
     write(folder + "/assembly.step", makeAssembly());
+    write(folder + "/blank.step", makePart(L"blank", makeBlank(kBlankThickness)));
+    write(folder + "/blank_b.step", makePart(L"blank", makeBlank(kBlankThicknessB)));
     odSetModeler(nullptr);
     return 0;
   } catch (const std::exception& error) {

@@ -214,6 +214,8 @@ bool extend(EditScene& scene) {
   return true;
 }
 
+/// Along an edge between two outer planes of the base. In the concave corners inside of a shell,
+/// what a blend ends in is the modeller's choice and not the construction's.
 bool blend(EditScene& scene) {
   const NamedBody named(scene.plan(), scene.stage.body());
   std::vector<OdUInt32> fit;
@@ -221,10 +223,11 @@ bool blend(EditScene& scene) {
     const OdModelerEdge& edge = named.body().edge(i);
     if (edge.kind != OdModelerCurveKind::kLine || edge.degenerate || edge.length < 20.0) continue;
     const std::vector<int>& key = named.meeting({OdModelerSubentType::kEdge, i});
-    const bool ofBase = std::ranges::all_of(key, [&](int carrier) {
-      return carrier >= 0 && named.carriers()[static_cast<std::size_t>(carrier)].feature < 0 &&
-             named.carriers()[static_cast<std::size_t>(carrier)].kind ==
-                 OdModelerSurfaceKind::kPlane;
+    const bool ofBase = std::ranges::all_of(key, [&](int number) {
+      if (number < 0) return false;
+      const Carrier& carrier = named.carriers()[static_cast<std::size_t>(number)];
+      return carrier.feature < 0 && carrier.kind == OdModelerSurfaceKind::kPlane &&
+             !carrier.name.starts_with("inside");
     });
     if (ofBase) fit.push_back(i);
   }

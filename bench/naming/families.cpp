@@ -243,11 +243,14 @@ constexpr std::array<FamilyRow, 11> kFamilies = {{
 
 }  // namespace
 
-std::vector<Model> generateModels(std::size_t perFamily, std::uint64_t seed) {
+std::vector<Model> generateModels(std::size_t perFamily, std::uint64_t seed,
+                                  const std::string& onlyFamily) {
   std::vector<Model> models;
+  std::uint64_t number = 0;
   for (const FamilyRow& row : kFamilies) {
     for (std::size_t i = 0; i < perFamily; ++i) {
-      Random random(seed * 1000003 + models.size());
+      Random random(seed * 1000003 + number++);
+      if (!onlyFamily.empty() && onlyFamily != row.name) continue;
       Model& model = models.emplace_back();
       model.family = row.name;
       model.name = row.name + std::string(" ") + std::to_string(i);

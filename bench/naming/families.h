@@ -1,6 +1,7 @@
 // The generated models, by family.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,9 @@ struct Model {
   Part part;
 };
 
-/// All generated models, `perFamily` of each. The same seed gives the same models.
-[[nodiscard]] std::vector<Model> generateModels(std::size_t perFamily, std::uint64_t seed);
+/// Generated models, `perFamily` of each family, or of the only one that is wanted. The same seed
+/// gives the same models.
+[[nodiscard]] std::vector<Model> generateModels(std::size_t perFamily, std::uint64_t seed,
+                                                const std::string& onlyFamily = {});
 
 }  // namespace naming_bench

@@ -29,6 +29,8 @@ class LabelNaming {
   void solve(std::size_t reference, std::vector<OdModelerSubent>& found);
 
  private:
+  void recordNew(const TDF_Label& function, const std::vector<std::vector<OdUInt32>>& images);
+
   Handle(TDF_Data) m_data;
   TDF_LabelMap m_valid;  // where names may lead
   std::vector<TDF_Label> m_selections;

@@ -5,6 +5,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "bench/naming/stopwatch.h"
 #include "host/naming/pers_id_manager_pe.h"
 #include "host/naming/reference_query.h"
 #include "host/naming/reference_update.h"
@@ -83,14 +84,18 @@ ReferenceDrawing::ReferenceDrawing(const OdModelerBodyPtr& body,
   m_watcher = m_database->addOdDbObject(OdDbDictionary::createObject(), space);
   VdmDbConstraintManager::getInstance(space, /*create=*/true);
 
+  m_manager = VdmDbPersIdManager::getInstance(space, /*create=*/true);
+  append(references);
+}
+
+void ReferenceDrawing::append(std::span<const OdModelerSubent> references) {
   OdDbFullSubentPathArray paths;
   for (const OdModelerSubent subent : references) {
     paths.append({m_solid, OdDbSubentId(static_cast<OdDb::SubentType>(subent.type),
                                         static_cast<OdGsMarker>(subent.index))});
   }
-  const OdDbObjectId manager = VdmDbPersIdManager::getInstance(space, /*create=*/true);
   const OdDbObjectIdArray ids =
-      VdmDbPersIdManager::cast(manager.safeOpenObject(OdDb::kForWrite))->append(paths, nullptr);
+      VdmDbPersIdManager::cast(m_manager.safeOpenObject(OdDb::kForWrite))->append(paths, nullptr);
   if (ids.size() != references.size()) throw std::runtime_error("the manager made no references");
   watch(ids);
   for (const OdDbObjectId& id : ids) m_references.push_back({id});
@@ -130,14 +135,8 @@ void ReferenceDrawing::tellRespawns(vdm_host::ReferenceUpdate& update,
   }
 }
 
-void ReferenceDrawing::edit(const EditTrace& edit) {
-  OdDbTransaction transaction(m_database);
-  OdSolidJournal journal;
-  replay(edit);
-  VdmDependenciesReplacementMap map;
-  vdm_host::ReferenceUpdate update(map);
-  tellRespawns(update, edit.respawns);
-  (void)update.settle(journal.changes());
+void ReferenceDrawing::followReplacements(const VdmDependenciesReplacementMap& map) {
+  if (map.isEmptyReplacementDeps()) return;
   for (OdDbObjectIdArray& ids : m_references) {
     std::set<OdDbObjectId> now;
     for (const OdDbObjectId& id : ids) {
@@ -152,7 +151,38 @@ void ReferenceDrawing::edit(const EditTrace& edit) {
     ids.clear();
     for (const OdDbObjectId& id : now) ids.append(id);
   }
+}
+
+SettleCost ReferenceDrawing::settle(const OdSolidJournal& journal, const EditTrace& edit) {
+  const Stopwatch watch;
+  VdmDependenciesReplacementMap map;
+  vdm_host::ReferenceUpdate update(map);
+  tellRespawns(update, edit.respawns);
+  const vdm_host::ReferenceUpdateReport report = update.settle(journal.changes());
+  const double spent = watch.seconds();
+  followReplacements(map);
+  return {spent, report.renumbered};
+}
+
+void ReferenceDrawing::edit(const EditTrace& edit) {
+  OdDbTransaction transaction(m_database);
+  const OdSolidJournal journal;
+  replay(edit);
+  (void)settle(journal, edit);
   (void)transaction.commit();
+}
+
+SettleCost ReferenceDrawing::adopt(const EditTrace& edit) {
+  OdDbTransaction transaction(m_database);
+  OdDb3dSolid::cast(m_solid.safeOpenObject(OdDb::kForWrite))->setBody(edit.after);
+  OdSolidJournal journal;
+  for (OdSolidChange change : edit.changes) {
+    change.solid = m_solid;
+    journal.note(std::move(change));
+  }
+  const SettleCost cost = settle(journal, edit);
+  (void)transaction.commit();
+  return cost;
 }
 
 Answer ReferenceDrawing::answer(std::size_t reference) const {

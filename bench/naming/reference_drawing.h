@@ -12,6 +12,8 @@
 #include "platform/db/host_app_services.h"
 #include "platform/filer/object_id.h"
 
+class OdSolidJournal;
+class VdmDependenciesReplacementMap;
 namespace vdm_host {
 class ReferenceUpdate;
 }
@@ -29,20 +31,33 @@ class DrawingRuntime {
   DrawingRuntime& operator=(const DrawingRuntime&) = delete;
 };
 
+/// What bringing references up to date took.
+struct SettleCost {
+  double seconds = 0.0;
+  std::size_t renumbered = 0;  ///< references that were written because they have another number
+};
+
 /// References are dependencies of the model space's manager, each watched by one object, as the
 /// module asks of references that are to be split and merged. Needs a DrawingRuntime.
 class ReferenceDrawing {
  public:
   ReferenceDrawing(const OdModelerBodyPtr& body, std::span<const OdModelerSubent> references);
 
+  /// More references, to the present body; they are numbered on.
+  void append(std::span<const OdModelerSubent> references);
   /// Does the edit's operations on the solid under a journal, then brings the references up to
   /// date; all in one transaction.
   void edit(const EditTrace& edit);
+  /// The same with the solid taking over the edit's bodies and a journal that says what they are:
+  /// nothing is computed twice. Returns what the references took.
+  SettleCost adopt(const EditTrace& edit);
   /// What a reference is now.
   [[nodiscard]] Answer answer(std::size_t reference) const;
 
  private:
   void replay(const EditTrace& edit);
+  SettleCost settle(const OdSolidJournal& journal, const EditTrace& edit);
+  void followReplacements(const VdmDependenciesReplacementMap& map);
   void tellRespawns(vdm_host::ReferenceUpdate& update, const std::vector<Respawn>& respawns);
   void watch(const OdDbObjectIdArray& dependencies);
 
@@ -51,6 +66,7 @@ class ReferenceDrawing {
   OdDbObjectId m_solid;
   OdDbObjectId m_watcher;
   std::map<std::string, OdDbHandle> m_features;
+  OdDbObjectId m_manager;
   std::vector<OdDbObjectIdArray> m_references;  // several once split
 };
 

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 
 #include "bench/naming/edits.h"
 #include "bench/naming/exchange.h"
@@ -67,8 +66,8 @@ class Benchmark {
   }
 
   RunResult run() {
-    for (const Model& model : generateModels(m_options.modelsPerFamily, m_options.seed)) {
-      if (isLeftOut(m_options.onlyFamily, model.family)) continue;
+    for (const Model& model :
+         generateModels(m_options.modelsPerFamily, m_options.seed, m_options.onlyFamily)) {
       runModel(model);
     }
     if (!m_options.stepFolder.empty() && !isLeftOut(m_options.onlyFamily, "file")) {
@@ -199,12 +198,8 @@ class Benchmark {
     for (const MethodMaker make : m_makers) {
       const std::unique_ptr<NamingMethod> method = make();
       method->begin(script.start, script.references);
-      const auto begin = std::chrono::steady_clock::now();
       for (const EditTrace& edit : script.edits) method->edited(edit);
       const std::vector<Answer> answers = method->answers();
-      const std::chrono::duration<double, std::micro> spent =
-          std::chrono::steady_clock::now() - begin;
-      result.micros.push_back(spent.count() / static_cast<double>(script.references.size()));
       Score& score = result.scores.emplace_back();
       for (std::size_t i = 0; i < answers.size(); ++i) {
         const Truth& truth = script.truths[i];

@@ -27,10 +27,9 @@ struct CaseResult {
   std::string edit;
   std::uint64_t seed = 0;
   bool hasHistory = false;
-  std::size_t judged = 0;      ///< references
-  std::size_t undecided = 0;   ///< references of which the construction tells nothing
-  std::vector<Score> scores;   ///< by method
-  std::vector<double> micros;  ///< by method: one reference, recording included
+  std::size_t judged = 0;     ///< references
+  std::size_t undecided = 0;  ///< references of which the construction tells nothing
+  std::vector<Score> scores;  ///< by method
   std::vector<std::string> lines;
 };
 

@@ -3,7 +3,6 @@
 
 #include <CLI/CLI.hpp>
 #include <cctype>
-#include <functional>
 #include <memory>
 #include <new>
 #include <sstream>
@@ -11,6 +10,8 @@
 #include "host/cli/audit_command.h"
 #include "host/cli/cli_error.h"
 #include "host/cli/clone_command.h"
+#include "host/cli/command_line_model.h"
+#include "host/cli/command_parts.h"
 #include "host/cli/compact_command.h"
 #include "host/cli/dump_command.h"
 #include "host/cli/export_command.h"
@@ -29,8 +30,7 @@ namespace cli {
 namespace {
 
 /// All options of all commands, and the one command that was named.
-struct CommandLine {
-  SessionOptions session;
+struct CommandLine : CommandRun {
   NewOptions newDrawing;
   ImportOptions importStep;
   InfoOptions info;
@@ -45,7 +45,7 @@ struct CommandLine {
   CloneOptions clone;
   OutputFile cloneOutput;
   CompactOptions compact;
-  std::function<int()> run;
+  ModelCommandLine model;
 };
 
 /// Help texts that fit the width of all human output.
@@ -71,36 +71,6 @@ class HelpFormatter : public CLI::Formatter {
     return out;
   }
 };
-
-/// A command with the options that every command has. `example` stands below its help text.
-CLI::App* addCommand(CLI::App& parent, CommandLine& line, const char* name, const char* purpose,
-                     const std::string& example) {
-  CLI::App* command = parent.add_subcommand(name, purpose);
-  command->footer("Example:\n  " + example);
-  command->add_flag("--json", line.session.json, "print JSON");
-  command->add_flag("--no-modules", line.session.noModules,
-                    "do not load the module; its objects stay proxies");
-  command
-      ->add_option("--module", line.session.modulePath,
-                   "file or folder of the module, instead of the one beside the program")
-      ->envname("VDM_MODULE_PATH")
-      ->type_name("PATH");
-  return command;
-}
-
-void addInput(CLI::App* command, std::string& path, const char* name = "FILE",
-              const char* purpose = "drawing") {
-  command->add_option(name, path, purpose)->required()->type_name("");
-}
-
-void addForce(CLI::App* command, OutputFile& output) {
-  command->add_flag("--force", output.force, "replace an existing output");
-}
-
-CLI::Option* addOutput(CLI::App* command, OutputFile& output, const char* purpose) {
-  addForce(command, output);
-  return command->add_option("-o,--output", output.path, purpose)->type_name("OUT");
-}
 
 void addNew(CLI::App& app, CommandLine& line) {
   CLI::App* command =
@@ -279,6 +249,7 @@ int runCommandLine(int argc, char** argv) {
   addExport(app, line);
   addKeepers(app, line);
   addClone(app, line);
+  addModelCommands(app, line, line.model);
   try {
     return parseAndRun(app, line, argc, argv);
   } catch (const CLI::Success& asked) {

@@ -22,6 +22,11 @@ bool isOf(const OdDbObjectId& id, const OdRxClass* base) {
   return itsClass != nullptr && itsClass->isDerivedFrom(base);
 }
 
+/// A solid that stands in a block; features keep others for themselves.
+bool isShownSolid(const OdDbObjectId& id) {
+  return isOf(id, OdDb3dSolid::desc()) && isOf(id.ownerId(), OdDbBlockTableRecord::desc());
+}
+
 const char* kindName(OdModelerBodyKind kind) {
   switch (kind) {
     case OdModelerBodyKind::kSolid:
@@ -81,7 +86,7 @@ class Gatherer {
   void visit(const OdDbObjectId& id) {
     ++m_facts.objects;
     if (isOf(id, OdDbBlockReference::desc())) ++m_facts.inserts;
-    const bool wanted = isOf(id, OdDbProxyObject::desc()) || isOf(id, OdDb3dSolid::desc()) ||
+    const bool wanted = isOf(id, OdDbProxyObject::desc()) || isShownSolid(id) ||
                         isOf(id, OdDbBlockTableRecord::desc()) ||
                         isOf(id, OdDbLayerTableRecord::desc());
     if (!wanted) return;
@@ -141,7 +146,7 @@ DrawingCounts countDrawing(OdDbDatabase& drawing) {
   DrawingCounts counts;
   drawing.forEachId([&counts](OdDbObjectId id) {
     ++counts.objects;
-    if (isOf(id, OdDb3dSolid::desc())) ++counts.solids;
+    if (isShownSolid(id)) ++counts.solids;
     if (isOf(id, OdDbBlockTableRecord::desc())) ++counts.blocks;
     if (isOf(id, OdDbBlockReference::desc())) ++counts.inserts;
     return true;

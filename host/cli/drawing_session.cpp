@@ -22,6 +22,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kModuleFile = "vdm_db.tx";
+/// Stands beside the module: naming and components.
+constexpr const char* kHostModuleFile = "vdm_host.tx";
 
 fs::path programFolder() {
   std::error_code failure;
@@ -69,7 +71,7 @@ DrawingSession::DrawingSession(const SessionOptions& options) : m_options(option
   odInstallOcctModeler();
   try {
     m_services = std::make_unique<OdDbHostAppServices>(createSqliteStoreFactory());
-    if (!m_options.noModules) loadModule();
+    if (!m_options.noModules) loadModules();
   } catch (...) {
     stop();
     throw;
@@ -86,21 +88,34 @@ DrawingSession::~DrawingSession() {
 
 void DrawingSession::stop() {
   m_services.reset();
-  if (!m_module.isEmpty()) odrxDynamicLinker()->unloadModule(m_module);
-  m_module.empty();
+  while (!m_modules.empty()) {
+    odrxDynamicLinker()->unloadModule(m_modules.back());
+    m_modules.pop_back();
+  }
   odSetModeler(nullptr);
   odModelerUninitialize();
   oddbUninitialize();
 }
 
-void DrawingSession::loadModule() {
-  const OdString path(findModule(m_options.modulePath).string());
-  odrxDynamicLinker()->loadModule(path);
-  m_module = path;
+void DrawingSession::loadModules() {
+  const fs::path module = findModule(m_options.modulePath);
+  loadModule(module.string());
   // The program is linked with the module's classes: another copy would register its own ones.
   if (VdmDbExtensionData::desc() == nullptr) {
-    throw CliError("module " + quote(path.utf8()) + " does not belong to this program");
+    throw CliError("module " + quote(module.string()) + " does not belong to this program");
   }
+  const fs::path hostModule = module.parent_path() / kHostModuleFile;
+  std::error_code failure;
+  if (!fs::is_regular_file(hostModule, failure)) {
+    throw CliError("module " + quote(hostModule.string()) + " was not found beside " +
+                   quote(module.filename().string()));
+  }
+  loadModule(hostModule.string());
+}
+
+void DrawingSession::loadModule(const std::string& path) {
+  odrxDynamicLinker()->loadModule(OdString(path));
+  m_modules.push_back(OdString(path));
 }
 
 OdDbDatabasePtr DrawingSession::create() { return m_services->createDatabase(); }
@@ -129,6 +144,11 @@ int DrawingSession::formatVersion(const std::string& path) {
       m_services->recordStoreFactory()->open(OdString(path), OdDbStoreOpenMode::kReadOnly, store),
       path);
   return store->formatVersion();
+}
+
+void requireModules(const SessionOptions& session) {
+  if (!session.noModules) return;
+  throw CliError("the command needs the modules, --no-modules cannot be given", kWrongUsage);
 }
 
 void saveDrawing(OdDbDatabase& drawing) { require(drawing.save(), str(drawing.getFilename())); }

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/db/database.h"
 #include "platform/db/host_app_services.h"
@@ -12,7 +13,7 @@ namespace cli {
 /// Options that all commands share.
 struct SessionOptions {
   bool json = false;       ///< output for machines
-  bool noModules = false;  ///< do not load the module: its objects are proxies then
+  bool noModules = false;  ///< do not load the modules: their objects are proxies then
   std::string modulePath;  ///< file or folder of the module; empty: beside the program
 };
 
@@ -37,14 +38,18 @@ class DrawingSession {
   int formatVersion(const std::string& path);
 
  private:
-  void loadModule();
+  void loadModules();
+  void loadModule(const std::string& path);
   void stop();
 
   const SessionOptions& m_options;
   std::unique_ptr<OdDbHostAppServices> m_services;
-  OdString m_module;
+  std::vector<OdString> m_modules;  ///< in the order of loading
 };
 
+/// Raises CliError of kWrongUsage for a session without modules: references and features would be
+/// proxies, which looks as if there were none.
+void requireModules(const SessionOptions& session);
 /// Writes the drawing to its own file.
 void saveDrawing(OdDbDatabase& drawing);
 /// Rewrites the drawing's file without its free space.

@@ -213,6 +213,17 @@ std::map<int, OdDbObjectIdArray> VdmComponentFeature::openingDependencies() cons
   return groups;
 }
 
+void VdmComponentFeature::dropOpening(int toolFace, const OdDbObjectIdArray& dependencies) {
+  for (const OdDbObjectId& id : reactors()) {
+    VdmDbPersIdReactorPtr reactor = VdmDbPersIdReactor::cast(id.openObject(OdDb::kForWrite));
+    if (reactor.isNull() || !reactor->hasMask(kOpeningMask) || !reactor->hasTag(toolFace)) continue;
+    reactor->removePersIds(dependencies);
+    const bool isEmpty = reactor->persIdsRef().isEmpty();
+    reactor.release();
+    if (isEmpty) removeReactor(id, /*eraseReactor=*/true);
+  }
+}
+
 OdString VdmComponentFeature::componentName() const {
   const OdDbBlockReferencePtr insert =
       OdDbBlockReference::cast(m_insertId.openObject(OdDb::kForRead, /*openErased=*/true));

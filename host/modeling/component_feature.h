@@ -104,6 +104,8 @@ class VdmComponentFeature : public VdmFeature {
   void forgetApplied();
   void setPiece(vdm_host::ToolKind kind, const OdModelerBodyPtr& body);
   void setPlaced(const Placed& placed);
+  /// Lets references to an opening's face go that stand for somebody else's.
+  void dropOpening(int toolFace, const OdDbObjectIdArray& dependencies);
   void setLayerBeforeSuppression(const OdDbObjectId& layer) { m_layerId = layer; }
 
   [[nodiscard]] const OdArray<int>& masks() const override;

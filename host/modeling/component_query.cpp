@@ -4,6 +4,7 @@
 #include "platform/db/block_table.h"
 #include "platform/db/block_table_record.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/references/vdm_db_pers_id_manager.h"
 
 namespace vdm_host {
 
@@ -39,6 +40,15 @@ OdDbObjectId componentOf(const OdDbObjectId& insertOrFeature) {
     if (id.objectClass() == VdmDbInsertReactor::desc() && !id.isErased()) return id.ownerId();
   }
   return {};
+}
+
+void dropUnwatchedReferences(const OdDbObjectId& block) {
+  const OdDbObjectId id = VdmDbPersIdManager::getInstance(block, /*create=*/false);
+  const VdmDbPersIdManagerPtr reader = VdmDbPersIdManager::cast(id.openObject());
+  if (reader.isNull()) return;
+  const OdDbObjectIdArray unwatched = reader->getUnusedDependencies();
+  if (unwatched.isEmpty()) return;
+  VdmDbPersIdManager::cast(id.safeOpenObject(OdDb::kForWrite))->removeDependencies(unwatched);
 }
 
 }  // namespace vdm_host

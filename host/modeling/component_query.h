@@ -12,5 +12,7 @@ namespace vdm_host {
 [[nodiscard]] OdDbObjectIdArray componentsOfSolid(const OdDbObjectId& solid);
 /// The component of an insert, or the id itself when it is one; null when there is none.
 [[nodiscard]] OdDbObjectId componentOf(const OdDbObjectId& insertOrFeature);
+/// Takes the references out of the block that nobody watches any more.
+void dropUnwatchedReferences(const OdDbObjectId& block);
 
 }  // namespace vdm_host

@@ -10,6 +10,7 @@
 #include "platform/base/error.h"
 #include "platform/db/block_reference.h"
 #include "platform/db/layer_table.h"
+#include "vdm_db/features/vdm_db_feature_manager.h"
 
 namespace vdm_host {
 namespace {
@@ -164,7 +165,12 @@ EditResult ModelEditor::removeFeature(const OdDbObjectId& feature) {
     const VdmFeaturePtr object = VdmFeature::open(feature);
     if (object.isNull()) return refuse(handleText(feature) + L" is no feature");
     const VdmComponentFeaturePtr component = VdmComponentFeature::cast(object.get());
-    return erase(component.isNull() ? feature : component->insertId());
+    if (!component.isNull()) return erase(component->insertId());
+    const OdDbObjectId block =
+        VdmDbFeatureManager::cast(feature.ownerId().safeOpenObject())->blockId();
+    OdModelerStatus status = erase(feature);
+    if (status.ok()) dropUnwatchedReferences(block);
+    return status;
   });
 }
 
@@ -287,6 +293,7 @@ EditResult ModelEditor::booleanSolid(OdModelerBooleanKind kind, const OdDbObject
       const OdDb3dSolidPtr other = OdDb3dSolid::cast(tool.openObject());
       if (other.isNull()) return refuse(handleText(tool) + L" is no solid");
       status = object->booleanOper(kind, *other);
+      if (!status.ok()) status.text = L"solid " + handleText(solid) + L": " + status.text;
     }
     if (!status.ok() || !consumeTool) return status;
     return erase(tool);

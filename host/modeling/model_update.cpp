@@ -66,6 +66,8 @@ OdModelerStatus ModelUpdate::run(bool force, bool foreign) {
   }
   if (!m_recorder.failure().ok()) return m_recorder.failure();
   eraseUnwatched();
+  separateOpenings();
+  dropUnwatched();
   reportReferences();
   return {};
 }
@@ -110,8 +112,11 @@ OdModelerStatus ModelUpdate::carryAlong(const OdDbObjectId& solid, const OdGeMat
     if (component.isNull() || !component->placed(placed)) continue;
     const OdDbBlockReferencePtr insert =
         OdDbBlockReference::cast(component->insertId().openObject(OdDb::kForWrite));
-    if (!insert.isNull() && insert->blockTransform().isEqualTo(placed.transform))
-      insert->transformBy(transform);
+    const VdmDbInsertReactorPtr reactor =
+        VdmDbInsertReactor::cast(component->insertReactorId().openObject());
+    const bool wentSomewhere = !reactor.isNull() && reactor->hasChanges() && !insert.isNull() &&
+                               !insert->blockTransform().isEqualTo(placed.transform);
+    if (!insert.isNull() && !wentSomewhere) insert->transformBy(transform);
     component->getDbObject()->assertWriteEnabled();
     for (const ToolKind kind : {ToolKind::kCut, ToolKind::kFill}) {
       OdModelerBodyPtr piece = component->piece(kind);
@@ -156,7 +161,11 @@ void ModelUpdate::storePieces(ResidueLedger& ledger) {
 OdModelerStatus ModelUpdate::excludeTools(const OdSolidChange& change) {
   const std::unique_ptr<ResidueLedger> ledger = appliedPieces(change.solid);
   for (const OdModelerBodyPtr& tool : change.tools) {
-    if (OdModelerStatus status = ledger->exclude(tool); !status.ok()) return status;
+    OdModelerStatus status = ledger->exclude(tool);
+    if (status.ok()) continue;
+    status.text = L"solid " + OdString(change.solid.getHandle().ascii()) +
+                  L": what components took away or added: " + status.text;
+    return status;
   }
   storePieces(*ledger);
   return {};
@@ -298,8 +307,73 @@ void ModelUpdate::eraseUnwatched() {
   }
 }
 
+void ModelUpdate::noteOpening(const OdDbObjectId& solid, const OdDbObjectId& feature,
+                              std::vector<std::pair<int, std::vector<OdUInt32>>> faces) {
+  Opening& opening = m_openings[solid].emplace_back();
+  opening.feature = feature;
+  opening.faces.insert(std::make_move_iterator(faces.begin()),
+                       std::make_move_iterator(faces.end()));
+}
+
+// Openings that met in one face shared its reference. Once they are apart, each lets go what is the
+// other's: one that was done anew all that its tools did not leave, the others what those left.
+void ModelUpdate::separateOpenings() {
+  const auto isSplit = [](const ReferenceChange& change) {
+    return change.grade == ReferenceGrade::kSplit && change.replacedBy.size() > 1;
+  };
+  if (std::ranges::none_of(m_references.changes, isSplit)) return;
+  const auto holds = [](const Opening& opening, int toolFace, OdUInt32 face) {
+    const auto found = opening.faces.find(toolFace);
+    return found != opening.faces.end() &&
+           std::ranges::find(found->second, face) != found->second.end();
+  };
+  for (const auto& [solid, openings] : m_openings) {
+    for (const OdDbObjectId& id : componentsAt(solid)) {
+      const VdmComponentFeaturePtr component = openComponent(id, OdDb::kForRead);
+      if (component.isNull()) continue;
+      const auto own = std::ranges::find(openings, id, &Opening::feature);
+      for (const auto& [toolFace, dependencies] : component->openingDependencies()) {
+        OdDbObjectIdArray foreign;
+        for (const OdDbObjectId& reference : dependencies) {
+          const VdmDbObjectDependencyPtr dependency =
+              VdmDbObjectDependency::cast(reference.openObject());
+          if (dependency.isNull() || isUnresolvedIndex(dependency->subentId().index())) continue;
+          const auto face = static_cast<OdUInt32>(dependency->subentId().index());
+          const auto leftIt = [&](const Opening& opening) {
+            return std::ranges::any_of(opening.faces, [&](const auto& row) {
+              return std::ranges::find(row.second, face) != row.second.end();
+            });
+          };
+          const bool isForeign = own != openings.end() ? !holds(*own, toolFace, face)
+                                                       : std::ranges::any_of(openings, leftIt);
+          if (isForeign) foreign.append(reference);
+        }
+        if (foreign.isEmpty()) continue;
+        const VdmComponentFeaturePtr writer = openComponent(id, OdDb::kForWrite);
+        writer->getDbObject()->assertWriteEnabled();
+        writer->dropOpening(toolFace, foreign);
+        m_leavesUnwatched = true;
+      }
+    }
+  }
+}
+
+// A feature that the pass erased leaves its references behind.
+void ModelUpdate::dropUnwatched() {
+  m_leavesUnwatched |= std::ranges::any_of(m_report.features, [](const FeatureReport& feature) {
+    return feature.outcome == FeatureOutcome::kCondemned;
+  });
+  if (!m_leavesUnwatched) return;
+  for (const OdDbObjectId& id : m_managers) {
+    const VdmDbFeatureManagerPtr manager = VdmDbFeatureManager::cast(id.openObject());
+    if (!manager.isNull()) dropUnwatchedReferences(manager->blockId());
+  }
+}
+
+// Of those that are gone, only what stands for them now is told.
 void ModelUpdate::reportReferences() {
   for (const ReferenceChange& change : m_references.changes) {
+    if (change.replacedBy.isEmpty() && change.dependency.isErased()) continue;
     ReferenceReport entry;
     entry.reference = change.dependency;
     entry.before = gradeName(change.gradeBefore);
@@ -309,6 +383,7 @@ void ModelUpdate::reportReferences() {
     if (const VdmFeaturePtr object = VdmFeature::open(feature); !object.isNull())
       entry.text += L" by " + object->name();
     entry.needsAttention = !isResolved(change.grade) && isResolved(change.gradeBefore);
+    entry.replacedBy = change.replacedBy;
     m_report.references.push_back(std::move(entry));
   }
 }

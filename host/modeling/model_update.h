@@ -1,6 +1,7 @@
 // ModelUpdate: brings a drawing up to date with an edit: references, components, features.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <unordered_map>
 #include <unordered_set>
@@ -50,6 +51,11 @@ class ModelUpdate {
   /// What references that change during a pass are entered in: the input of the next round.
   [[nodiscard]] VdmDependenciesReplacementMap& nextMap() { return *m_nextMap; }
   void noteReferences(ReferenceUpdateReport report);
+  /// What the tools of a component left in a solid: `faces` by the numbers of the tools' faces.
+  /// Told for each component that a pass has done, after forgetOpenings().
+  void noteOpening(const OdDbObjectId& solid, const OdDbObjectId& feature,
+                   std::vector<std::pair<int, std::vector<OdUInt32>>> faces);
+  void forgetOpenings(const OdDbObjectId& solid) { m_openings.erase(solid); }
   /// Components of a solid, in the order of their blocks.
   [[nodiscard]] const OdDbObjectIdArray& componentsAt(const OdDbObjectId& solid) const;
 
@@ -70,6 +76,8 @@ class ModelUpdate {
   void enterChangedInserts();
   bool runRound();
   void eraseUnwatched();
+  void separateOpenings();
+  void dropUnwatched();
   void reportReferences();
 
   OdDbDatabase* m_database;
@@ -78,6 +86,7 @@ class ModelUpdate {
   PassRecorder m_recorder;
   ModelUpdate* m_outer;
   bool m_force = false;
+  bool m_leavesUnwatched = false;           // references that a feature had let go
   std::unordered_set<OdDbObjectId> m_done;  // by force
   OdDbObjectIdArray m_managers;
   std::unordered_map<OdDbObjectId, OdDbObjectIdArray> m_components;  // by solid
@@ -85,6 +94,13 @@ class ModelUpdate {
   std::unique_ptr<VdmDependenciesReplacementMap> m_map;
   std::unique_ptr<VdmDependenciesReplacementMap> m_nextMap;
   ReferenceUpdateReport m_references;
+
+  /// Faces of a component's opening in a solid's present body.
+  struct Opening {
+    OdDbObjectId feature;
+    std::map<int, std::vector<OdUInt32>> faces;  // by the number of the tool's face
+  };
+  std::unordered_map<OdDbObjectId, std::vector<Opening>> m_openings;  // by solid
 };
 
 }  // namespace vdm_host

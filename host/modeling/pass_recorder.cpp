@@ -60,7 +60,7 @@ void PassRecorder::noteFailure(const OdDbObjectId& feature, OdModelerStatus stat
   FeatureReport& report = entry(feature);
   report.outcome = FeatureOutcome::kFailed;
   report.text = status.text;
-  if (!report.name.isEmpty()) status.text = report.name + L": " + status.text;
+  if (!report.name.isEmpty()) status.text = report.name + L", " + status.text;
   if (m_failure.ok()) m_failure = std::move(status);
 }
 
@@ -107,10 +107,20 @@ void PassRecorder::solidChanged(const OdDbObjectId& solid, OdModelerBooleanKind 
   for (const OdDbObjectId& feature : sources) noteStep(feature, solid, action);
 }
 
+// One operation serves all components that were to change the solid.
 void PassRecorder::solidFailed(const OdDbObjectId& solid, OdModelerBooleanKind /*kind*/,
                                const OdString& text) {
+  OdString names;
+  for (FeatureReport& report : m_report.features) {
+    const VdmComponentFeaturePtr component =
+        VdmComponentFeature::cast(VdmFeature::open(report.feature).get());
+    if (component.isNull() || component->solidId() != solid) continue;
+    report.outcome = FeatureOutcome::kFailed;
+    report.text = text;
+    names += report.name + L", ";
+  }
   if (!m_failure.ok()) return;
-  m_failure = {eModelerError, OdString(L"solid ") + solid.getHandle().ascii() + L": " + text};
+  m_failure = {eModelerError, names + L"solid " + solid.getHandle().ascii() + L": " + text};
 }
 
 void PassRecorder::transactionAborted(VdmUpdatePhase phase) {

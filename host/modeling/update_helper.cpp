@@ -68,6 +68,8 @@ bool UpdateHelper::failed() const {
 
 bool UpdateHelper::fail(const OdDbObjectId& feature, OdModelerStatus status) {
   m_failed = true;
+  if (const Work* work = findWork(feature); work != nullptr)
+    status.text = L"solid " + OdString(work->solid.getHandle().ascii()) + L": " + status.text;
   if (m_update != nullptr) m_update->recorder().noteFailure(feature, std::move(status));
   return false;
 }

@@ -108,6 +108,7 @@ class UpdateHelper final : public VdmFeatureUpdateDataHelper {
   void storePieces();
   void storeApplied();
   void referToOpenings(const class BodyLineage& lineage);
+  void noteOpenings(const BodyLineage& lineage) const;
   void matchSamples(const class BodyLineage& lineage);
   [[nodiscard]] std::vector<std::pair<int, std::vector<OdUInt32>>> toolFaces(
       const class BodyLineage& lineage, const Work& work) const;

@@ -134,7 +134,16 @@ void UpdateHelper::settleReferences() {
   ReferenceUpdateReport report = update.settle(changes());
   if (m_update != nullptr) m_update->noteReferences(std::move(report));
   referToOpenings(lineage);
+  noteOpenings(lineage);
   matchSamples(lineage);
+}
+
+void UpdateHelper::noteOpenings(const BodyLineage& lineage) const {
+  if (m_update == nullptr) return;
+  for (const OdDbObjectId& solid : lineage.solids()) m_update->forgetOpenings(solid);
+  for (const Work& work : m_work) {
+    if (!work.condemned) m_update->noteOpening(work.solid, work.feature, toolFaces(lineage, work));
+  }
 }
 
 // Makes references to the faces that the tools left and that no reference stands for yet.

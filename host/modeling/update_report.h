@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "platform/base/array.h"
 #include "platform/base/string.h"
 #include "platform/filer/object_id.h"
 
@@ -41,6 +42,7 @@ struct ReferenceReport {
   OdString after;   ///< "by signature", "ambiguous", "lost"
   OdString text;    ///< what decided
   bool needsAttention = false;  ///< it is ambiguous or lost now
+  OdDbObjectIdArray replacedBy;  ///< references that stand for it now, when it is gone
 };
 
 struct PhaseReport {

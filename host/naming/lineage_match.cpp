@@ -2,6 +2,7 @@
 #include "host/naming/lineage_match.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "host/naming/body_match.h"
 
@@ -15,10 +16,51 @@ SubentMatch LineageMatcher::match(OdModelerSubent subent) {
   const FateList& fates = m_trace.of(subent.type);
   const std::span<const OdUInt32> images = fates.images(subent.index);
   if (images.empty()) return rebuilt(subent);
-  if (images.size() > 1) return {ReferenceGrade::kSplit, {images.begin(), images.end()}};
+  if (images.size() > 1) return partsOf(subent, images);
   const ReferenceGrade grade =
       fates.changed(subent.index) ? ReferenceGrade::kByLineage : ReferenceGrade::kExact;
   return {grade, {images.front()}};
+}
+
+// What bounds a face or an edge: its edges, or its ends.
+static std::vector<OdModelerSubent> borderOf(const OdModelerBody& body, OdModelerSubent subent) {
+  std::vector<OdModelerSubent> border;
+  if (subent.type == OdModelerSubentType::kFace) {
+    for (const OdUInt32 edge : body.edgesOfFace(subent.index))
+      border.push_back({OdModelerSubentType::kEdge, edge});
+  } else if (subent.type == OdModelerSubentType::kEdge) {
+    const OdModelerEdge& edge = body.edge(subent.index);
+    border.push_back({OdModelerSubentType::kVertex, edge.startVertex});
+    border.push_back({OdModelerSubentType::kVertex, edge.endVertex});
+  }
+  return border;
+}
+
+// Neighbours that were put together and taken apart again on the way share their images. Each is
+// then the part on its own side: the one whose border is its own, as far as that is whole.
+SubentMatch LineageMatcher::partsOf(OdModelerSubent subent, std::span<const OdUInt32> images) {
+  const FateList& fates = m_trace.of(subent.type);
+  std::vector<OdUInt32>& sources = m_sources[static_cast<std::size_t>(subent.type) - 1];
+  if (sources.empty()) sources = fates.sourceCounts(m_now->numSubents(subent.type));
+  SubentMatch all{ReferenceGrade::kSplit, {images.begin(), images.end()}};
+  const auto isShared = [&sources](OdUInt32 image) { return sources[image - 1] > 1; };
+  if (!m_before->hasSubent(subent) || std::ranges::none_of(images, isShared)) return all;
+
+  std::vector<OdModelerSubent> kept;
+  for (const OdModelerSubent border : borderOf(*m_before, subent)) {
+    const std::span<const OdUInt32> left = m_trace.of(border.type).images(border.index);
+    if (left.size() == 1) kept.push_back({border.type, left.front()});
+  }
+  const auto isOwn = [&](OdUInt32 image) {
+    return std::ranges::any_of(borderOf(*m_now, {subent.type, image}), [&](OdModelerSubent part) {
+      return std::ranges::find(kept, part) != kept.end();
+    });
+  };
+  SubentMatch own;
+  std::ranges::copy_if(images, std::back_inserter(own.images), isOwn);
+  if (own.images.empty()) return all;
+  own.grade = own.images.size() == 1 ? ReferenceGrade::kByLineage : ReferenceGrade::kSplit;
+  return own;
 }
 
 // New subentities that come from no old one: among them those that the modeller built anew.

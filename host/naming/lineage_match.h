@@ -3,6 +3,7 @@
 
 #include <array>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "host/naming/body_lineage.h"
@@ -31,6 +32,7 @@ class LineageMatcher {
     std::vector<SubentSignature> items;
     std::optional<PlaceGrid> grid;
   };
+  [[nodiscard]] SubentMatch partsOf(OdModelerSubent subent, std::span<const OdUInt32> images);
   const Orphans& orphans(OdModelerSubentType type);
   [[nodiscard]] SubentMatch rebuilt(OdModelerSubent subent);
   [[nodiscard]] SubentMatch grownEdge(OdModelerSubent subent, const SubentSignature& wanted);
@@ -40,6 +42,7 @@ class LineageMatcher {
   const BodyTrace& m_trace;
   std::optional<MatchTolerance> m_tolerance;
   std::array<Orphans, 3> m_orphans;
+  std::array<std::vector<OdUInt32>, 3> m_sources;  // how many old ones each new one comes from
 };
 
 }  // namespace vdm_host

@@ -9,9 +9,8 @@ const OdArray<int>& VdmNameFeature::masks() const { return singleEntityMasks(); 
 
 bool VdmNameFeature::isRequiredDependency(int /*mask*/, int /*tag*/) { return false; }
 
-OdDbObjectId VdmNameFeature::referenceId() const {
-  const OdDbObjectIdArray ids = getDependencies(kMask, /*filtered=*/false);
-  return ids.isEmpty() ? OdDbObjectId() : ids.first();
+OdDbObjectIdArray VdmNameFeature::referenceIds() const {
+  return getDependencies(kMask, /*filtered=*/false);
 }
 
 namespace vdm_host {
@@ -33,7 +32,7 @@ OdResult nameReference(const OdDbFullSubentPath& path, const OdString& name,
   OdArray<VdmFeatureGroupFaces> groups;
   groups.append(VdmFeatureGroupFaces(VdmNameFeature::kMask, paths));
   object->init(groups);
-  if (object->referenceId().isNull()) return eKeyNotFound;
+  if (object->referenceIds().isEmpty()) return eKeyNotFound;
   feature = made;
   return eOk;
 }

@@ -6,7 +6,8 @@
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/features/vdm_feature_impl.h"
 
-/// Watches one reference (mask 1), which keeps that in the drawing as long as the feature is there.
+/// Watches one reference (mask 1), or what it was split into, which keeps that in the drawing as
+/// long as the feature is there.
 /// The reference is not required: the name of a lost one stays and waits for its return. Takes no
 /// part in update passes.
 class VdmNameFeature : public VdmFeature {
@@ -17,8 +18,8 @@ class VdmNameFeature : public VdmFeature {
 
   [[nodiscard]] const OdArray<int>& masks() const override;
   [[nodiscard]] bool isRequiredDependency(int mask, int tag) override;
-  /// Null when the reference is gone.
-  [[nodiscard]] OdDbObjectId referenceId() const;
+  /// One; several where it was split, none when it is gone.
+  [[nodiscard]] OdDbObjectIdArray referenceIds() const;
 };
 using VdmNameFeaturePtr = OdSmartPtr<VdmNameFeature>;
 

@@ -62,6 +62,7 @@ std::optional<RespawnMatch> RespawnMatcher::match(OdModelerSubent subent) {
     result.closed = result.match.images.empty();
   } else if (subent.type == Type::kFace) {
     result.match = matchFace(*row, signatureOf(m_before, subent).movedBy(row->motion));
+    addOthers(*row, subent, result.match);
   } else {
     result.match = matchAround(subent, *row);
   }
@@ -82,9 +83,36 @@ std::optional<RespawnMatch> RespawnMatcher::comeBack(const LineageBirth& birth,
   if (wanted.type == Type::kFace) {
     result.match = matchFace(*row, moved);
   } else {
-    result.match = chooseByPlace(wanted.type, candidatesAround(wanted.type, row->newFaces), moved);
+    // What else had met there is not known any more.
+    result.match =
+        chooseIdentical(wanted.type, candidatesAround(wanted.type, row->newFaces), moved);
   }
   return result;
+}
+
+// A face in which several openings had met comes apart when one of them goes elsewhere: it is what
+// each of those that are cut again left, and what stays of the others.
+void RespawnMatcher::addOthers(const FaceRespawn& row, OdModelerSubent face, SubentMatch& match) {
+  if (match.images.empty()) return;
+  const auto add = [&match](OdUInt32 image) {
+    if (contains(match.images, image)) return;
+    match.images.push_back(image);
+    match.grade = ReferenceGrade::kSplit;
+  };
+  for (const FaceRespawn& other : m_rows) {
+    if (other.oldFace != row.oldFace || &other == &row || other.newFaces.empty()) continue;
+    const SubentSignature wanted = signatureOf(m_before, face).movedBy(other.motion);
+    for (const OdUInt32 image : matchFace(other, wanted).images) add(image);
+  }
+  for (const OdUInt32 image : m_lineage.match(face).images) {
+    if (!contains(row.newFaces, image) && !isOpening(image)) add(image);
+  }
+}
+
+// Whether a face of the new body is one that a tool of the rows left.
+bool RespawnMatcher::isOpening(OdUInt32 face) const {
+  return std::ranges::any_of(m_rows,
+                             [&](const FaceRespawn& row) { return contains(row.newFaces, face); });
 }
 
 SubentMatch RespawnMatcher::matchFace(const FaceRespawn& row, const SubentSignature& wanted) const {
@@ -99,10 +127,16 @@ const std::vector<OdUInt32>& RespawnMatcher::imagesOfFace(OdUInt32 oldFace) {
   const auto [place, isNew] = m_images.try_emplace(oldFace);
   if (!isNew) return place->second;
   const FaceRespawn* row = rowOf(oldFace);
-  place->second = row != nullptr && !row->newFaces.empty()
-                      ? row->newFaces
-                      : m_lineage.match({Type::kFace, oldFace}).images;
-  return place->second;
+  std::vector<OdUInt32>& images = place->second;
+  if (row == nullptr || row->newFaces.empty()) {
+    images = m_lineage.match({Type::kFace, oldFace}).images;
+    return images;
+  }
+  for (const FaceRespawn& each : m_rows) {
+    if (each.oldFace == oldFace)
+      images.insert(images.end(), each.newFaces.begin(), each.newFaces.end());
+  }
+  return images;
 }
 
 SubentMatch RespawnMatcher::matchAround(OdModelerSubent subent, const FaceRespawn& row) {
@@ -111,13 +145,7 @@ SubentMatch RespawnMatcher::matchAround(OdModelerSubent subent, const FaceRespaw
   const std::vector<OdUInt32> meeting = whereImagesMeet(subent, atOpening);
   if (!meeting.empty()) return chooseByPlace(subent.type, meeting, wanted);
   // The opening left its neighbours: there is only the motion to go by.
-  std::vector<OdUInt32> identical;
-  for (const OdUInt32 candidate : atOpening) {
-    if (isIdentical(wanted, signatureOf(m_now, {subent.type, candidate}), m_tolerance)) {
-      identical.push_back(candidate);
-    }
-  }
-  return identical.size() == 1 ? single(identical.front()) : SubentMatch();
+  return chooseIdentical(subent.type, atOpening, wanted);
 }
 
 // Those of the candidates where the images of all old faces meet and no others.
@@ -187,6 +215,18 @@ SubentMatch RespawnMatcher::chooseByPlace(Type type, const std::vector<OdUInt32>
   if (identical.size() > 1) return ambiguous();
   if (second > kClearlyNearer * distance + m_tolerance.length) return single(nearest);
   return ambiguous();
+}
+
+// The one that lies exactly as wanted; none when there are several.
+SubentMatch RespawnMatcher::chooseIdentical(Type type, const std::vector<OdUInt32>& candidates,
+                                            const SubentSignature& wanted) const {
+  OdUInt32 found = 0;
+  for (const OdUInt32 candidate : candidates) {
+    if (!isIdentical(wanted, signatureOf(m_now, {type, candidate}), m_tolerance)) continue;
+    if (found != 0) return {};
+    found = candidate;
+  }
+  return found == 0 ? SubentMatch() : single(found);
 }
 
 }  // namespace vdm_host

@@ -21,8 +21,8 @@ struct RespawnMatch {
 
 /// Laws:
 ///   1. an old face of an opening is what the same face of the tool left in the new body; of
-///   several
-///      such faces the one that lies as the old one does after the tool's motion, else all;
+///   several such faces the one that lies as the old one does after the tool's motion, else all;
+///      a face in which several openings had met is all of theirs;
 ///   2. an edge or vertex that touches such a face is the one where the images of all its old faces
 ///      meet and no others; of several the one that lies as the old one did after the motion, or
 ///      lies nearest by far; else it is ambiguous. Where they meet nowhere, because the opening
@@ -46,6 +46,8 @@ class RespawnMatcher {
  private:
   const FaceRespawn* rowOf(OdUInt32 oldFace) const;
   [[nodiscard]] SubentMatch matchFace(const FaceRespawn& row, const SubentSignature& wanted) const;
+  void addOthers(const FaceRespawn& row, OdModelerSubent face, SubentMatch& match);
+  [[nodiscard]] bool isOpening(OdUInt32 face) const;
   [[nodiscard]] SubentMatch matchAround(OdModelerSubent subent, const FaceRespawn& row);
   [[nodiscard]] std::vector<OdUInt32> whereImagesMeet(OdModelerSubent subent,
                                                       std::span<const OdUInt32> candidates);
@@ -54,6 +56,9 @@ class RespawnMatcher {
   [[nodiscard]] SubentMatch chooseByPlace(OdModelerSubentType type,
                                           const std::vector<OdUInt32>& candidates,
                                           const SubentSignature& wanted) const;
+  [[nodiscard]] SubentMatch chooseIdentical(OdModelerSubentType type,
+                                            const std::vector<OdUInt32>& candidates,
+                                            const SubentSignature& wanted) const;
   const std::vector<OdUInt32>& imagesOfFace(OdUInt32 oldFace);
 
   std::span<const FaceRespawn> m_rows;

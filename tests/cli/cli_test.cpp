@@ -155,4 +155,69 @@ TEST_F(RefusedCommand, ObjectsAndValuesThatDoNotFit) {
   });
 }
 
+TEST_F(RefusedCommand, EditsOfModels) {
+  prepare("vdm refs add part.vdm 21 --at 60,40,10 --face --name top");
+  prepare("vdm component add part.vdm h hole --diameter 9");
+  expectRefused({
+      {"vdm refs add part.vdm 21", 2, "neither a subentity such as f_12 nor a point*"},
+      {"vdm refs add part.vdm 21 f_99", 1, "solid 21 'plate' has no f_99: it has 10 faces, *"},
+      {"vdm refs add part.vdm 21 x_1", 2, "subentity 'x_1' is none of f_<number>, *"},
+      {"vdm refs add part.vdm 21 f_1 --name top", 1, "name 'top' is taken by feature 'top' (*)"},
+      {"vdm refs add part.vdm 21 f_1 --name beef", 2, "name 'beef' reads as a handle, *"},
+      {"vdm refs add part.vdm 21 --at 0,0,0 --face", 1, "*f_* and f_*are both within*"},
+      {"vdm refs add part.vdm 21 --at 500,0,0", 1, "*nothing lies within*"},
+      {"vdm refs add part.vdm 6 f_1", 1, "object 6 is of class *, not a solid"},
+      {"vdm refs explain part.vdm bottom", 1, "there is no reference with the name or handle*"},
+      {"vdm component add part.vdm h hole --diameter 9", 1, "component 'h': *\"h\" already*"},
+      {"vdm component add part.vdm c hole", 2, "a hole needs diameter"},
+      {"vdm component add part.vdm c boss --diameter 9 --height 2 --depth 3", 2,
+       "a boss takes no depth"},
+      {"vdm component add part.vdm c bolt", 2, "kind 'bolt' is none of hole, *"},
+      {"vdm component add part.vdm c counterbore --diameter 9 --bore 8 --bore-depth 4", 1,
+       "component 'c': the bore's diameter 8 is not more than the hole's diameter 9"},
+      {"vdm component add part.vdm c hole --diameter -1", 1, "component 'c': *-1*"},
+      {"vdm component add part.vdm c step no.step", 1, "component 'c': *no.step*"},
+      {"vdm insert part.vdm nothing --on top", 1, "there is no component 'nothing', *"},
+      {"vdm insert part.vdm h --on 21", 2, "no point (at) is given on solid 21"},
+      {"vdm insert part.vdm h --on top --at 1,2", 2, "at is '1,2', it must be three finite*"},
+      {"vdm insert part.vdm h --on 21 --at 0,0,900", 1, "insert: *nothing lies within*"},
+      {"vdm move part.vdm 21 --by 1,2,nan", 2, "by is '1,2,nan', it must be three finite*"},
+      {"vdm suppress part.vdm 21", 1, "*21 is no component"},
+      {"vdm replace part.vdm 21 $SAMPLES/assembly.step", 1, "*holds 6 solids, one is needed"},
+      {"vdm move part.vdm 21 --by 1,2,3 --no-modules", 2, "the command needs the modules, *"},
+      {"vdm refs audit part.vdm --no-modules", 2, "the command needs the modules, *"},
+      {"vdm group part.vdm g", 2, "group 'g' has no members"},
+      {"vdm group part.vdm top 21", 1, "name 'top' is taken by *"},
+      {"vdm render part.vdm -o p.gif", 2, "output 'p.gif' ends in none of .png, .svg and .glb"},
+      {"vdm render part.vdm -o p.png --view 0,0,0", 2, "view '0,0,0' is none of iso, *"},
+      {"vdm render part.vdm -o p.png --size 9x9999", 2, "size '9x9999' is not WIDTHxHEIGHT *"},
+  });
+}
+
+TEST_F(RefusedCommand, ScriptsThatCannotBeRead) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"[{]", "script '-' is not JSON: error at byte 3"},
+      {"{}", "script '-' is not an array of steps"},
+      {"[]", "script '-' has no steps"},
+      {"[3]", "step 1: 3 is not an object"},
+      {R"([{"op": "grow"}])", "step 1: op \"grow\" is none of refs add, *"},
+      {R"([{"op": "update"}, {"entity": "21"}])", "step 2: key 'op' is missing"},
+      {R"([{"op": "move", "entity": "21"}])", "step 1 (move): 'by' is missing: how far"},
+      {R"([{"op": "move", "entity": 21}])", "step 1 (move): key 'entity' is 21, it must be a text"},
+      {R"([{"op": "move", "entity": "21", "by": [1, 2]}])",
+       "step 1 (move): key 'by' is [1,2], it must be an array of three numbers"},
+      {R"([{"op": "update", "forse": true}])",
+       "step 1 (update): key 'forse' is not known, update has the keys force"},
+      {R"([{"op": "update", "op": "move"}])", "key 'op' comes twice in a step"},
+      {R"([{"op": "erase", "entity": "$gone"}])",
+       "step 1 (erase): key 'entity' is '$gone', which no earlier step gave"},
+      {R"([{"op": "update", "as": "a"}, {"op": "update", "as": "a"}])",
+       "step 2 (update): key 'as' is 'a', which an earlier step has"},
+  };
+  for (const auto& [script, line] : rows) {
+    expectRefused(
+        {{("echo '" + std::string(script) + "' | vdm edit part.vdm --script -").c_str(), 2, line}});
+  }
+}
+
 }  // namespace

@@ -12,7 +12,7 @@ namespace cli_testing {
 //
 //   # text            a remark
 //   $ command         a shell command, run in the script's own folder; the program `vdm` is on the
-//                     path, and $SAMPLES names a folder with plate.step and assembly.step
+//                     path, and $SAMPLES names the folder with the samples of make_samples
 //   > pattern         the next line of standard output; "> ..." stands for any number of lines
 //   ! pattern         the next line of standard error
 //   = number          the exit code, 0 when it is not given

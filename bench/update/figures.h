@@ -1,0 +1,54 @@
+// The measured figures of update passes and persistent references, as rows.
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "bench/naming/stopwatch.h"
+
+/// One figure: ours and its peer in the same run, in one unit. The ratio is peer / ours.
+struct Figure {
+  std::string name;
+  std::string peerName;
+  double ours = 0.0;
+  double peer = 0.0;
+  const char* unit = "";
+};
+
+struct FigureOptions {
+  std::vector<std::size_t> features = {1000, 10000, 100000};
+  std::vector<std::size_t> cuts = {100, 300};
+  std::size_t rounds = 15;
+};
+
+/// A plate with 100 holes: one is moved; the pass against the modeller's own time, the edit against
+/// healing and cutting that one hole with the modeller alone.
+std::vector<Figure> measureMoves(const FigureOptions& options);
+/// Passes in which features have nothing to do, and listing features, against a function solver.
+std::vector<Figure> measureIdlePasses(const FigureOptions& options);
+/// References brought up to date and resolved after a cut, against the labels' solve.
+std::vector<Figure> measureResolving(const FigureOptions& options);
+
+/// Seconds that a call takes, by the clock.
+template <class Call>
+double secondsOf(Call call) {
+  const auto begin = std::chrono::steady_clock::now();
+  call();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+/// Seconds of processor time that a call takes.
+template <class Call>
+double workOf(Call call) {
+  const naming_bench::Stopwatch watch;
+  call();
+  return watch.seconds();
+}
+
+inline double medianOf(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}

@@ -1,0 +1,192 @@
+// Passes in which no feature has anything to do, and listing features. The peer is the function
+// mechanism of Open CASCADE: one function a feature, with two arguments; a pass asks the driver of
+// each whether it must be executed.
+#include <Standard_GUID.hxx>
+#include <TDF_Data.hxx>
+#include <TDF_Label.hxx>
+#include <TDF_LabelList.hxx>
+#include <TDF_TagSource.hxx>
+#include <TFunction_DoubleMapIteratorOfDoubleMapOfIntegerLabel.hxx>
+#include <TFunction_Driver.hxx>
+#include <TFunction_DriverTable.hxx>
+#include <TFunction_Function.hxx>
+#include <TFunction_IFunction.hxx>
+#include <TFunction_Logbook.hxx>
+#include <TFunction_Scope.hxx>
+#include <memory>
+#include <stdexcept>
+
+#include "bench/update/component_drawing.h"
+#include "bench/update/figures.h"
+#include "host/modeling/component_feature.h"
+#include "host/modeling/insertion.h"
+#include "platform/db/database_reactor.h"
+#include "vdm_db/features/vdm_db_feature_data.h"
+#include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/references/vdm_dependencies_replacement_map.h"
+
+namespace {
+
+const Standard_GUID kDriver("6f1c2a10-0000-4d1e-9a11-000000000001");
+
+/// Due when one of its two arguments changed.
+class HoleDriver : public TFunction_Driver {
+ public:
+  void Arguments(TDF_LabelList& labels) const override {
+    labels.Append(Label().FindChild(1));
+    labels.Append(Label().FindChild(2));
+  }
+  Standard_Boolean MustExecute(const Handle(TFunction_Logbook) & log) const override {
+    TDF_LabelList labels;
+    Arguments(labels);
+    for (const TDF_Label& label : labels) {
+      if (log->IsModified(label)) return Standard_True;
+    }
+    return log->IsModified(Label());
+  }
+  Standard_Integer Execute(Handle(TFunction_Logbook) &) const override { return 0; }
+};
+
+/// A document of functions.
+class FunctionDocument {
+ public:
+  explicit FunctionDocument(std::size_t count) : m_data(new TDF_Data) {
+    TFunction_DriverTable::Get()->AddDriver(kDriver, new HoleDriver);
+    const TDF_Label root = m_data->Root();
+    m_log = TFunction_Logbook::Set(root);
+    m_scope = TFunction_Scope::Set(root);
+    const TDF_Label parent = TDF_TagSource::NewChild(root);
+    for (std::size_t i = 0; i < count; ++i) {
+      const TDF_Label label = TDF_TagSource::NewChild(parent);
+      (void)label.FindChild(1);
+      (void)label.FindChild(2);
+      TFunction_IFunction::NewFunction(label, kDriver);
+      m_labels.push_back(label);
+    }
+    m_log->SetTouched(root.FindChild(1000000));
+  }
+
+  /// Functions that are due.
+  std::size_t pass() {
+    std::size_t due = 0;
+    for (const TDF_Label& label : m_labels) {
+      const Handle(TFunction_Driver) driver = TFunction_IFunction(label).GetDriver();
+      driver->Init(label);
+      if (driver->MustExecute(m_log)) ++due;
+    }
+    return due;
+  }
+  /// Labels of the functions of one driver, by the scope's list.
+  std::size_t list() {
+    std::vector<TDF_Label> found;
+    TFunction_DoubleMapIteratorOfDoubleMapOfIntegerLabel it(m_scope->GetFunctions());
+    for (; it.More(); it.Next()) {
+      Handle(TFunction_Function) function;
+      if (it.Value().FindAttribute(TFunction_Function::GetID(), function) &&
+          function->GetDriverGUID() == kDriver) {
+        found.push_back(it.Value());
+      }
+    }
+    return found.size();
+  }
+
+ private:
+  Handle(TDF_Data) m_data;
+  Handle(TFunction_Logbook) m_log;
+  Handle(TFunction_Scope) m_scope;
+  std::vector<TDF_Label> m_labels;
+};
+
+/// Counts carriers of features that are opened for write.
+class CarrierCounter : public OdRxObjectImpl<OdDbDatabaseReactor> {
+ public:
+  std::size_t count = 0;
+  void objectOpenedForModify(const OdDbDatabase*, const OdDbObject* object) override {
+    if (object->isKindOf(VdmDbFeatureData::desc())) ++count;
+  }
+};
+
+/// Settled component features, a hundred at each plate: nothing is cut, so that there can be many.
+void addSettledFeatures(ComponentDrawing& drawing, std::size_t count) {
+  constexpr std::size_t kPerPlate = 100;
+  const OdUInt32 top = drawing.topFace();
+  OdDbObjectId plate = drawing.plate;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i != 0 && i % kPerPlate == 0) plate = drawing.addPlate();
+    OdDbObjectId insert;
+    OdDbObjectId feature;
+    const auto place = static_cast<double>(i % kPerPlate);
+    auto placement = drawing.at(place, place, top);
+    placement.solid = plate;
+    placement.name = OdString(("h" + std::to_string(i)).c_str());
+    const OdModelerStatus status =
+        vdm_host::makeInsertion(drawing.database, drawing.hole, placement, insert, feature);
+    if (!status.ok()) throw std::runtime_error(std::string(status.text.utf8()));
+    const auto component = VdmComponentFeature::cast(VdmFeature::open(feature));
+    const OdDbObjectId reactor = component->insertReactorId();
+    VdmDbInsertReactor::cast(reactor.safeOpenObject(OdDb::kForWrite))->setChanged(false);
+  }
+}
+
+/// Proves that the counter hears of a carrier.
+void tryOut(const CarrierCounter& counter, const OdDbObjectId& feature) {
+  const std::size_t before = counter.count;
+  feature.safeOpenObject(OdDb::kForWrite)->assertWriteEnabled();
+  if (counter.count != before + 1) throw std::logic_error("the counter is deaf");
+}
+
+void measureOne(std::size_t count, std::size_t rounds, std::vector<Figure>& figures) {
+  ComponentDrawing drawing(300.0, 300.0, 10.0);
+  drawing.database->disableUndoRecording(true);
+  addSettledFeatures(drawing, count);
+  FunctionDocument functions(count);
+  const OdDbObjectId managerId =
+      VdmDbFeatureManager::getInstance(drawing.database->getModelSpaceId(), false);
+  const auto manager = VdmDbFeatureManager::cast(managerId.safeOpenObject(OdDb::kForWrite));
+  // Something happened, but to nothing that a feature refers to.
+  VdmDependenciesReplacementMap map;
+  map.addTransformedObject(drawing.hole, OdGeMatrix3d::translation({1.0, 0.0, 0.0}), false);
+
+  CarrierCounter counter;
+  drawing.database->addReactor(&counter);
+  std::vector<double> passes;
+  std::vector<double> peers;
+  std::vector<double> lists;
+  std::vector<double> peerLists;
+  const double scale = 1e9 / static_cast<double>(count);
+  for (std::size_t round = 0; round < rounds; ++round) {
+    passes.push_back(scale * workOf([&] {
+                       EPostprocessingOperationType post{};
+                       (void)manager->updateFeatures(map, false, false, post);
+                     }));
+    peers.push_back(scale * workOf([&] {
+                      if (functions.pass() != 0) throw std::logic_error("a function is due");
+                    }));
+    lists.push_back(scale * workOf([&] {
+                      const auto found = manager->getFeatures({VdmComponentFeature::desc()});
+                      if (found.size() != count) throw std::logic_error("a feature is missing");
+                    }));
+    peerLists.push_back(scale * workOf([&] {
+                          if (functions.list() != count)
+                            throw std::logic_error("a function is missing");
+                        }));
+  }
+  const std::size_t opened = counter.count;
+  tryOut(counter, manager->featureIds()[0]);
+  drawing.database->removeReactor(&counter);
+  const std::string number = std::to_string(count);
+  figures.push_back({"pass, nothing to do, " + number + " features", "functions asked whether due",
+                     medianOf(passes), medianOf(peers), "ns/feature"});
+  figures.push_back({"getFeatures(class), " + number + " features", "functions of a driver listed",
+                     medianOf(lists), medianOf(peerLists), "ns/feature"});
+  figures.push_back({"carriers opened for write in those passes", "", static_cast<double>(opened),
+                     0.0, "carriers"});
+}
+
+}  // namespace
+
+std::vector<Figure> measureIdlePasses(const FigureOptions& options) {
+  std::vector<Figure> figures;
+  for (const std::size_t count : options.features) measureOne(count, options.rounds, figures);
+  return figures;
+}

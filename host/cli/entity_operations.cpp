@@ -1,0 +1,227 @@
+// Operations on entities and bodies: move, rotate, erase, suppress, replace, round, update.
+#include <numbers>
+
+#include "host/cli/cli_error.h"
+#include "host/cli/drawing_facts.h"
+#include "host/cli/model_lookup.h"
+#include "host/cli/operation.h"
+#include "host/cli/paths.h"
+#include "host/cli/text_lines.h"
+#include "host/naming/reference_update.h"
+#include "platform/db/units.h"
+#include "platform/modeler/modeler.h"
+
+namespace cli {
+
+namespace {
+
+using Kind = ParameterKind;
+using vdm_host::EditResult;
+
+/// The report of an edit that went through, under its headline.
+StepResult edited(EditResult result, std::string headline, const OdDbObjectId& object) {
+  requireEdited(result);
+  StepResult step;
+  step.headline = std::move(headline);
+  step.values = {{"handle", handleOf(object)}};
+  step.report = std::move(result.report);
+  return step;
+}
+
+std::string vectorText(const OdGeVector3d& vector) {
+  return pointText({vector.x, vector.y, vector.z});
+}
+
+StepResult move(Editing& editing, const Arguments& arguments) {
+  const OdDbObjectId entity = findEntity(editing.drawing, arguments.text("entity"));
+  const OdGeVector3d by = arguments.vector("by");
+  return edited(editing.editor.moveObject(entity, by),
+                "moved " + objectText(entity) + " by " + vectorText(by), entity);
+}
+
+StepResult rotate(Editing& editing, const Arguments& arguments) {
+  const OdDbObjectId entity = findEntity(editing.drawing, arguments.text("entity"));
+  const double angle = arguments.number("angle");
+  const OdGeVector3d axis = arguments.has("axis") ? arguments.vector("axis") : OdGeVector3d::kZAxis;
+  if (axis.isZeroLength()) {
+    throw CliError("axis is " + quote(arguments.text("axis")) + ", which has no length",
+                   kWrongUsage);
+  }
+  std::optional<OdGePoint3d> about;
+  if (arguments.has("about")) about = arguments.point("about");
+  return edited(editing.editor.rotateObject(entity, axis, angle * std::numbers::pi / 180.0, about),
+                "rotated " + objectText(entity) + " by " + roundedNumber(angle) + " deg about " +
+                    vectorText(axis) + (about ? " through " + pointText(*about) : ""),
+                entity);
+}
+
+/// References into an erased entity that somebody still watches.
+void noteLost(const OdDbObjectIdArray& references, StepResult& step) {
+  for (const OdDbObjectId& id : references) {
+    if (id.isErased()) continue;
+    const ReferenceText text = referenceText(id);
+    if (text.isExpected || text.grade != str(gradeName(vdm_host::ReferenceGrade::kLost))) continue;
+    step.notes.push_back((text.name.empty() ? text.handle : text.name + " (" + text.handle + ")") +
+                         ": lost, " + text.note);
+    step.sound = false;
+  }
+}
+
+StepResult erase(Editing& editing, const Arguments& arguments) {
+  const OdDbObjectId entity = findEntity(editing.drawing, arguments.text("entity"));
+  const OdDbObjectIdArray references = vdm_host::dependenciesInto(entity);
+  std::string headline = "erased " + objectText(entity);
+  StepResult step = edited(editing.editor.eraseObject(entity), std::move(headline), entity);
+  noteLost(references, step);
+  return step;
+}
+
+StepResult suppress(Editing& editing, const Arguments& arguments) {
+  const OdDbObjectId insert = findEntity(editing.drawing, arguments.text("entity"));
+  const bool off = arguments.has("off");
+  return edited(off ? editing.editor.unsuppress(insert) : editing.editor.suppress(insert),
+                (off ? "brought back " : "suppressed ") + objectText(insert), insert);
+}
+
+// Bodies.
+
+void collectBodies(const OdModelerAssembly& assembly, OdUInt32 product,
+                   const OdGeMatrix3d& placement, std::vector<OdModelerBodyPtr>& bodies) {
+  for (const OdModelerBodyPtr& body : assembly.products[product].bodies) {
+    if (body->kind() != OdModelerBodyKind::kSolid) continue;
+    OdModelerBodyPtr placed;
+    requireModelled(body->transformed(placement, placed));
+    bodies.push_back(std::move(placed));
+  }
+  for (const OdModelerOccurrence& part : assembly.products[product].occurrences) {
+    collectBodies(assembly, part.product, placement * part.placement, bodies);
+  }
+}
+
+/// The one solid of a STEP file, in the given units.
+OdModelerBodyPtr readPart(const std::string& path, OdDb::UnitsValue units) {
+  checkInput(path);
+  OdModelerAssembly assembly;
+  requireModelled(odModeler().importStep(OdString(path), assembly));
+  const double scale = oddbGetUnitsConversion(OdDb::kUnitsMillimeters, units);
+  std::vector<OdModelerBodyPtr> bodies;
+  for (const OdModelerOccurrence& root : assembly.roots) {
+    collectBodies(assembly, root.product, OdGeMatrix3d::scaling(scale) * root.placement, bodies);
+  }
+  if (bodies.size() == 1) return bodies.front();
+  throw CliError("file " + quote(path) + " holds " + counted(bodies.size(), "solid") +
+                 ", one is needed");
+}
+
+/// Name and colour stay where the new body has none of its own.
+OdModelerBodyPtr withLookOf(const OdModelerBodyPtr& before, const OdModelerBodyPtr& body) {
+  OdModelerBodyAttributes attributes = body->attributes();
+  if (attributes.name.isEmpty()) attributes.name = before->attributes().name;
+  if (!attributes.color) attributes.color = before->attributes().color;
+  return body->withAttributes(std::move(attributes));
+}
+
+StepResult replace(Editing& editing, const Arguments& arguments) {
+  const OdDbObjectId solid = findSolid(editing.drawing, arguments.text("solid"));
+  const OdDb::UnitsValue units = lengthUnitsOf(*OdDbEntity::cast(solid.safeOpenObject()));
+  const std::string path = arguments.text("file");
+  const std::string before = solidText(solid);
+  const OdModelerBodyPtr body = withLookOf(bodyOfSolid(solid), readPart(path, units));
+  return edited(editing.editor.replaceBody(solid, body),
+                "replaced the body of " + before + " by that of " + path, solid);
+}
+
+std::vector<OdDbObjectId> edgesOf(Editing& editing, const Arguments& arguments) {
+  std::vector<OdDbObjectId> edges;
+  for (const std::string& text : arguments.texts("edges")) {
+    edges.push_back(findReference(editing.drawing, text));
+  }
+  return edges;
+}
+
+StepResult fillet(Editing& editing, const Arguments& arguments) {
+  const std::vector<OdDbObjectId> edges = edgesOf(editing, arguments);
+  const double radius = arguments.number("radius");
+  const OdDbObjectId solid = vdm_host::resolveReference(edges.front()).solid;
+  return edited(editing.editor.filletReferences(edges, radius),
+                "rounded " + counted(edges.size(), "edge") + " of " + solidText(solid) +
+                    " with radius " + roundedNumber(radius),
+                solid);
+}
+
+StepResult chamfer(Editing& editing, const Arguments& arguments) {
+  const std::vector<OdDbObjectId> edges = edgesOf(editing, arguments);
+  const double distance = arguments.number("distance");
+  const OdDbObjectId solid = vdm_host::resolveReference(edges.front()).solid;
+  return edited(editing.editor.chamferReferences(edges, distance),
+                "chamfered " + counted(edges.size(), "edge") + " of " + solidText(solid) + " by " +
+                    roundedNumber(distance),
+                solid);
+}
+
+StepResult update(Editing& editing, const Arguments& arguments) {
+  EditResult result = editing.editor.update(arguments.has("force"));
+  requireEdited(result);
+  StepResult step;
+  const bool nothing = result.report.features.empty() && result.report.references.empty();
+  step.headline = nothing ? "everything is up to date" : "brought the drawing up to date";
+  step.report = std::move(result.report);
+  return step;
+}
+
+constexpr Parameter kMoveParameters[] = {
+    {"entity", Kind::kText, true, true, "entity or component, a handle or name"},
+    {"by", Kind::kPoint, false, true, "how far"},
+};
+constexpr Parameter kRotateParameters[] = {
+    {"entity", Kind::kText, true, true, "entity or component, a handle or name"},
+    {"angle", Kind::kNumber, false, true, "degrees"},
+    {"axis", Kind::kPoint, false, false, "direction, or x, y or z; z by default"},
+    {"about", Kind::kPoint, false, false, "point of the axis; the insert's own by default"},
+};
+constexpr Parameter kEntityParameters[] = {
+    {"entity", Kind::kText, true, true, "entity or component, a handle or name"},
+};
+constexpr Parameter kSuppressParameters[] = {
+    {"entity", Kind::kText, true, true, "component, a handle or name"},
+    {"off", Kind::kFlag, false, false, "bring it back"},
+};
+constexpr Parameter kReplaceParameters[] = {
+    {"solid", Kind::kText, true, true, "solid, a handle"},
+    {"file", Kind::kText, true, true, "STEP file with one solid"},
+};
+constexpr Parameter kFilletParameters[] = {
+    {"edges", Kind::kTexts, true, true, "references to edges of one solid, names or handles"},
+    {"radius", Kind::kNumber, false, true, "of the rounding"},
+};
+constexpr Parameter kChamferParameters[] = {
+    {"edges", Kind::kTexts, true, true, "references to edges of one solid, names or handles"},
+    {"distance", Kind::kNumber, false, true, "from the edge"},
+};
+constexpr Parameter kUpdateParameters[] = {
+    {"force", Kind::kFlag, false, false, "heal and cut every component anew"},
+};
+
+constexpr Operation kOperations[] = {
+    {"move", "Move an entity or a component", "vdm move plate.vdm Counterbore_1 --by 10,0,0",
+     kMoveParameters, move},
+    {"rotate", "Rotate an entity or a component", "vdm rotate plate.vdm 4F --angle 30",
+     kRotateParameters, rotate},
+    {"erase", "Erase an entity or a component; what the component cut is healed",
+     "vdm erase plate.vdm Counterbore_1", kEntityParameters, erase},
+    {"suppress", "Switch a component off without losing it, or on again",
+     "vdm suppress plate.vdm Counterbore_1 --off", kSuppressParameters, suppress},
+    {"replace", "Exchange the body of a solid; its components are cut into the new one",
+     "vdm replace plate.vdm 21 plate_rev_b.step", kReplaceParameters, replace},
+    {"fillet", "Round edges", "vdm fillet plate.vdm rim --radius 2", kFilletParameters, fillet},
+    {"chamfer", "Chamfer edges", "vdm chamfer plate.vdm rim --distance 1", kChamferParameters,
+     chamfer},
+    {"update", "Bring components and references up to date after edits of other programs",
+     "vdm update plate.vdm --explain", kUpdateParameters, update},
+};
+
+}  // namespace
+
+std::span<const Operation> entityOperations() { return kOperations; }
+
+}  // namespace cli

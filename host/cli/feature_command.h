@@ -1,0 +1,14 @@
+// `vdm feature list`, `vdm component list`, `vdm group --list`: what a model is made of.
+#pragma once
+
+#include <string>
+
+#include "host/cli/drawing_session.h"
+
+namespace cli {
+
+int runFeatureList(const SessionOptions& session, const std::string& input);
+int runComponentList(const SessionOptions& session, const std::string& input);
+int runGroupList(const SessionOptions& session, const std::string& input);
+
+}  // namespace cli

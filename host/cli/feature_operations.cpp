@@ -1,0 +1,241 @@
+// Operations on features and groups.
+#include <map>
+
+#include "host/cli/cli_error.h"
+#include "host/cli/model_lookup.h"
+#include "host/cli/operation.h"
+#include "host/cli/text_output.h"
+#include "host/modeling/component_query.h"
+#include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/features/vdm_group_feature.h"
+#include "vdm_db/references/vdm_db_pers_id_manager.h"
+
+namespace cli {
+
+namespace {
+
+using Kind = ParameterKind;
+
+void checkNewName(OdDbDatabase& drawing, const std::string& name) {
+  OdDbHandle handle;
+  if (name.empty() || OdDbHandle::parse(name.c_str(), handle)) {
+    throw CliError("name " + quote(name) +
+                       (name.empty() ? " is empty" : " reads as a handle, choose another one"),
+                   kWrongUsage);
+  }
+  const std::vector<OdDbObjectId> taken = featuresNamed(drawing, name);
+  if (!taken.empty()) {
+    throw CliError("name " + quote(name) + " is taken by " + objectText(taken.front()));
+  }
+}
+
+StepResult renameFeature(Editing& editing, const Arguments& arguments) {
+  const OdDbObjectId feature = findFeature(editing.drawing, arguments.text("feature"));
+  const std::string name = arguments.text("name");
+  checkNewName(editing.drawing, name);
+  const std::string before = objectText(feature);
+  vdm_host::EditResult result = editing.editor.renameFeature(feature, OdString(name));
+  requireEdited(result);
+  StepResult step;
+  step.headline = "renamed " + before + " to " + quote(name);
+  step.values = {{"feature", handleOf(feature)}, {"name", name}};
+  return step;
+}
+
+StepResult eraseFeature(Editing& editing, const Arguments& arguments) {
+  const OdDbObjectId feature = findFeature(editing.drawing, arguments.text("feature"));
+  StepResult step;
+  step.headline = "erased " + objectText(feature);
+  step.values = {{"feature", handleOf(feature)}};
+  vdm_host::EditResult result = editing.editor.removeFeature(feature);
+  requireEdited(result);
+  step.report = std::move(result.report);
+  return step;
+}
+
+// Audit.
+
+struct FeatureCounts {
+  std::string text;
+  std::uint64_t reactors = 0;
+  std::uint64_t references = 0;
+};
+
+std::map<OdDbObjectId, FeatureCounts> countFeatures(OdDbDatabase& drawing) {
+  std::map<OdDbObjectId, FeatureCounts> counts;
+  for (const OdDbObjectId& id : allFeatures(drawing)) {
+    const VdmFeaturePtr feature = VdmFeature::open(id);
+    if (feature.isNull()) continue;
+    counts[id] = {objectText(id), feature->reactorIds().size(),
+                  feature->getAllDependencies(/*filtered=*/false).size()};
+  }
+  return counts;
+}
+
+std::uint64_t countReferences(OdDbDatabase& drawing) {
+  std::uint64_t count = 0;
+  for (const OdDbObjectId& id : vdmu::getAllPersIdManagers(&drawing)) {
+    const auto manager = VdmDbPersIdManager::cast(id.openObject());
+    if (!manager.isNull()) count += manager->objectDependencyIds().size();
+  }
+  return count;
+}
+
+void auditManagers(OdDbDatabase& drawing) {
+  for (const OdDbObjectId& id : vdm_host::featureManagers(&drawing)) {
+    VdmDbFeatureManager::cast(id.safeOpenObject(OdDb::kForWrite))->doAudit();
+  }
+  for (const OdDbObjectId& id : vdmu::getAllPersIdManagers(&drawing)) {
+    VdmDbPersIdManager::cast(id.safeOpenObject(OdDb::kForWrite))->doAudit();
+  }
+}
+
+std::vector<std::string> differences(const std::map<OdDbObjectId, FeatureCounts>& before,
+                                     const std::map<OdDbObjectId, FeatureCounts>& after) {
+  std::vector<std::string> lines;
+  for (const auto& [id, was] : before) {
+    const auto found = after.find(id);
+    if (found == after.end()) {
+      lines.push_back(was.text + " has lost what it cannot be without");
+    } else if (found->second.reactors != was.reactors ||
+               found->second.references != was.references) {
+      lines.push_back(was.text + " had " + counted(was.references, "reference") + ", " +
+                      std::to_string(found->second.references) + " of them sound");
+    }
+  }
+  return lines;
+}
+
+StepResult auditFeatures(Editing& editing, const Arguments& arguments) {
+  const bool fix = arguments.has("fix");
+  const auto before = countFeatures(editing.drawing);
+  const std::uint64_t referencesBefore = countReferences(editing.drawing);
+  StepResult step;
+  OdDbTransaction transaction(&editing.drawing);
+  auditManagers(editing.drawing);
+  step.notes = differences(before, countFeatures(editing.drawing));
+  const std::uint64_t referencesAfter = countReferences(editing.drawing);
+  if (referencesAfter < referencesBefore) {
+    step.notes.push_back(counted(referencesBefore - referencesAfter, "reference") +
+                         " that nobody watches or that lead to nothing");
+  }
+  if (fix) transaction.commit();
+  const bool sound = step.notes.empty();
+  step.headline = std::string(sound ? "sound: "
+                              : fix ? "mended: "
+                                    : "not sound: ") +
+                  counted(before.size(), "feature") + ", " + counted(referencesBefore, "reference");
+  step.values = {{"features", std::to_string(before.size())},
+                 {"references", std::to_string(referencesBefore)},
+                 {"findings", std::to_string(step.notes.size())}};
+  step.sound = sound || fix;
+  return step;
+}
+
+// Groups.
+
+OdDbFullSubentPath pathOf(OdDbDatabase& drawing, const std::string& text) {
+  OdDbHandle handle;
+  const bool isName = !featuresNamed(drawing, text).empty();
+  if (!isName && OdDbHandle::parse(text.c_str(), handle)) {
+    const OdDbObjectPtr object = drawing.getOdDbObjectId(handle).openObject();
+    if (!object.isNull() && object->isKindOf(OdDbEntity::desc())) {
+      return {object->objectId(), OdDbSubentId()};
+    }
+  }
+  const vdm_host::ResolvedReference found =
+      vdm_host::resolveReference(findReference(drawing, text));
+  if (!found.resolved()) {
+    throw CliError("reference " + quote(text) + " is " + str(vdm_host::gradeName(found.grade)));
+  }
+  return found.path;
+}
+
+StepResult eraseGroup(Editing& editing, const std::string& name) {
+  for (const OdDbObjectId& id : featuresNamed(editing.drawing, name)) {
+    if (VdmGroupFeature::cast(VdmFeature::open(id).get()).isNull()) continue;
+    StepResult step;
+    step.headline = "erased group " + quote(name);
+    step.values = {{"group", handleOf(id)}};
+    OdDbTransaction transaction(&editing.drawing);
+    id.safeOpenObject(OdDb::kForWrite)->erase();
+    transaction.commit();
+    return step;
+  }
+  throw CliError("there is no group " + quote(name));
+}
+
+StepResult makeGroup(Editing& editing, const Arguments& arguments) {
+  const std::string name = arguments.text("name");
+  if (arguments.has("erase")) return eraseGroup(editing, name);
+  if (!arguments.has("members")) {
+    throw CliError("group " + quote(name) + " has no members", kWrongUsage);
+  }
+  checkNewName(editing.drawing, name);
+  OdDbFullSubentPathArray paths;
+  for (const std::string& member : arguments.texts("members")) {
+    paths.append(pathOf(editing.drawing, member));
+  }
+  const OdDbObjectId space = paths.first().objectIds().first().ownerId();
+  for (const OdDbFullSubentPath& path : paths) {
+    const OdDbObjectId entity = path.objectIds().first();
+    if (entity.ownerId() == space) continue;
+    throw CliError(
+        "members of a group stand in one block: " + objectText(paths.first().objectIds().first()) +
+        " and " + objectText(entity) + " do not");
+  }
+  OdDbTransaction transaction(&editing.drawing);
+  const OdDbObjectId managerId = VdmDbFeatureManager::getInstance(space, /*create=*/true);
+  const OdDbObjectId id =
+      VdmDbFeatureManager::cast(managerId.safeOpenObject(OdDb::kForWrite))
+          ->createFeatureData(VdmGroupFeature::desc(), OdString(name), /*numberGiven=*/false,
+                              /*trim=*/true);
+  {
+    const auto group = VdmGroupFeature::cast(VdmFeature::open(id, OdDb::kForWrite));
+    if (group.isNull()) throw CliError("a group cannot be made: the module is not loaded");
+    group->init(paths);
+    if (arguments.has("description"))
+      static_cast<void>(group->setDescription(OdString(arguments.text("description"))));
+  }
+  transaction.commit();
+  StepResult step;
+  step.headline =
+      "group " + quote(name) + " (" + handleOf(id) + ") has " + counted(paths.size(), "member");
+  step.values = {{"group", handleOf(id)}, {"name", name}};
+  return step;
+}
+
+constexpr Parameter kFeatureParameters[] = {
+    {"feature", Kind::kText, true, true, "feature, a name or handle"},
+};
+constexpr Parameter kRenameParameters[] = {
+    {"feature", Kind::kText, true, true, "feature, a name or handle"},
+    {"name", Kind::kText, true, true, "its new name"},
+};
+constexpr Parameter kAuditParameters[] = {
+    {"fix", Kind::kFlag, false, false, "take out what is not sound, and save"},
+};
+constexpr Parameter kGroupParameters[] = {
+    {"name", Kind::kText, true, true, "name of the group"},
+    {"members", Kind::kTexts, true, false, "entities and references, handles or names"},
+    {"description", Kind::kText, false, false, "what the group is for"},
+    {"erase", Kind::kFlag, false, false, "erase the group; its members stay"},
+};
+
+constexpr Operation kOperations[] = {
+    {"feature rename", "Give a feature another name",
+     "vdm feature rename plate.vdm Counterbore_1 'left front'", kRenameParameters, renameFeature,
+     /*updates=*/false},
+    {"feature erase", "Erase a feature; what a component cut is healed",
+     "vdm feature erase plate.vdm Counterbore_1", kFeatureParameters, eraseFeature},
+    {"feature audit", "Check features and references; exit code 3 when findings remain",
+     "vdm feature audit plate.vdm --fix", kAuditParameters, auditFeatures, /*updates=*/false},
+    {"group", "Bind entities, faces, edges and vertices under a name",
+     "vdm group plate.vdm seats top 4F 5A", kGroupParameters, makeGroup, /*updates=*/false},
+};
+
+}  // namespace
+
+std::span<const Operation> featureOperations() { return kOperations; }
+
+}  // namespace cli
