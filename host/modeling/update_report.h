@@ -41,7 +41,7 @@ struct ReferenceReport {
   OdString before;  ///< grade before and after: "exact", "by lineage", "split", "merged",
   OdString after;   ///< "by signature", "ambiguous", "lost"
   OdString text;    ///< what decided
-  bool needsAttention = false;  ///< it is ambiguous or lost now
+  bool needsAttention = false;   ///< it is ambiguous or lost now
   OdDbObjectIdArray replacedBy;  ///< references that stand for it now, when it is gone
 };
 

@@ -20,14 +20,15 @@ struct RespawnMatch {
 };
 
 /// Laws:
-///   1. an old face of an opening is what the same face of the tool left in the new body; of
-///   several such faces the one that lies as the old one does after the tool's motion, else all;
-///      a face in which several openings had met is all of theirs;
+///   1. an old face of an opening is what the same face of the tool left in the new body; of several
+///      such faces the one that lies as the old one does after the tool's motion, else all; a face
+///      in which several openings had met is all of theirs;
 ///   2. an edge or vertex that touches such a face is the one where the images of all its old faces
 ///      meet and no others; of several the one that lies as the old one did after the motion, or
 ///      lies nearest by far; else it is ambiguous. Where they meet nowhere, because the opening
 ///      went to other faces, it is the one at the opening that lies exactly as the old one did;
-///   3. what touches a face that is not there any more is lost until the opening comes back.
+///   3. what touches a face that is not there any more is lost until the opening comes back; an
+///      edge or vertex comes back where it lies exactly as it did.
 class RespawnMatcher {
  public:
   /// The rows are those of one solid. All arguments outlive this; `lineage` tells the faces that

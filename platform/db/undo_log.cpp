@@ -21,9 +21,8 @@ void OdDbUndoLog::push(Kind kind, OdDbIdRecord* idRecord, OdRxClass* cls) {
   const bool isChange = kind != Kind::kStep && kind != Kind::kMark;
   if (isChange && !m_applying && !m_redo.records.empty()) clearRedo();
   m_partialRecord = nullptr;
-  m_target->records.push_back(
-      {kind, idRecord, cls, m_target->buffer.bytes.size(), m_target->buffer.strings.size(),
-       m_target->buffer.shared.size()});
+  m_target->records.push_back({kind, idRecord, cls, m_target->buffer.bytes.size(),
+                               m_target->buffer.strings.size(), m_target->buffer.shared.size()});
 }
 
 void OdDbUndoLog::recordState(OdDbObject* object) {

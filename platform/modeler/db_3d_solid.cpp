@@ -192,53 +192,50 @@ OdModelerStatus OdDb3dSolid::booleanOper(OdModelerBooleanKind kind, const OdDb3d
   return status.ok() ? booleanOper(kind, {&body, 1}, history) : status;
 }
 
-OdModelerStatus OdDb3dSolid::booleanOper(OdModelerBooleanKind kind,
-                                         std::span<const OdModelerBodyPtr> tools,
-                                         OdModelerHistory* history) {
+template <class Operation>
+OdModelerStatus OdDb3dSolid::operate(const char* name, OdSolidChangeKind kind,
+                                     std::span<const OdModelerBodyPtr> tools,
+                                     OdModelerHistory* history, const Operation& operation) {
   OdModelerBodyPtr old;
   OdModelerBodyPtr made;
   OdModelerHistory own;
   OdModelerHistory* const told = wantedHistory(history, own);
-  OdModelerStatus status = requireBody("boolean", old);
-  if (status.ok()) status = odModeler().boolean(kind, old, tools, made, told);
-  return adopt(std::move(status), std::move(made),
-               changeWithHistory(OdSolidChangeKind::kBoolean, tools, told));
+  OdModelerStatus status = requireBody(name, old);
+  if (status.ok()) status = operation(old, made, told);
+  return adopt(std::move(status), std::move(made), changeWithHistory(kind, tools, told));
+}
+
+OdModelerStatus OdDb3dSolid::booleanOper(OdModelerBooleanKind kind,
+                                         std::span<const OdModelerBodyPtr> tools,
+                                         OdModelerHistory* history) {
+  return operate("boolean", OdSolidChangeKind::kBoolean, tools, history,
+                 [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* told) {
+                   return odModeler().boolean(kind, old, tools, made, told);
+                 });
 }
 
 OdModelerStatus OdDb3dSolid::filletEdges(std::span<const OdUInt32> edges, double radius,
                                          OdModelerHistory* history) {
-  OdModelerBodyPtr old;
-  OdModelerBodyPtr made;
-  OdModelerHistory own;
-  OdModelerHistory* const told = wantedHistory(history, own);
-  OdModelerStatus status = requireBody("fillet", old);
-  if (status.ok()) status = odModeler().fillet(old, edges, radius, made, told);
-  return adopt(std::move(status), std::move(made),
-               changeWithHistory(OdSolidChangeKind::kBlend, {}, told));
+  return operate("fillet", OdSolidChangeKind::kBlend, {}, history,
+                 [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* told) {
+                   return odModeler().fillet(old, edges, radius, made, told);
+                 });
 }
 
 OdModelerStatus OdDb3dSolid::chamferEdges(std::span<const OdUInt32> edges, double distance,
                                           OdModelerHistory* history) {
-  OdModelerBodyPtr old;
-  OdModelerBodyPtr made;
-  OdModelerHistory own;
-  OdModelerHistory* const told = wantedHistory(history, own);
-  OdModelerStatus status = requireBody("chamfer", old);
-  if (status.ok()) status = odModeler().chamfer(old, edges, distance, made, told);
-  return adopt(std::move(status), std::move(made),
-               changeWithHistory(OdSolidChangeKind::kBlend, {}, told));
+  return operate("chamfer", OdSolidChangeKind::kBlend, {}, history,
+                 [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* told) {
+                   return odModeler().chamfer(old, edges, distance, made, told);
+                 });
 }
 
 OdModelerStatus OdDb3dSolid::removeFaces(std::span<const OdUInt32> faces,
                                          OdModelerHistory* history) {
-  OdModelerBodyPtr old;
-  OdModelerBodyPtr made;
-  OdModelerHistory own;
-  OdModelerHistory* const told = wantedHistory(history, own);
-  OdModelerStatus status = requireBody("remove faces", old);
-  if (status.ok()) status = odModeler().removeFaces(old, faces, made, told);
-  return adopt(std::move(status), std::move(made),
-               changeWithHistory(OdSolidChangeKind::kBlend, {}, told));
+  return operate("remove faces", OdSolidChangeKind::kBlend, {}, history,
+                 [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* told) {
+                   return odModeler().removeFaces(old, faces, made, told);
+                 });
 }
 
 OdUInt32 OdDb3dSolid::numSubents(OdDb::SubentType type) const {

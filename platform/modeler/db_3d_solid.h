@@ -9,6 +9,7 @@
 
 class OdDb3dSolid;
 struct OdSolidChange;
+enum class OdSolidChangeKind : OdUInt8;
 using OdDb3dSolidPtr = OdSmartPtr<OdDb3dSolid>;
 
 /// Start and end of this folder's run-time classes, after oddbInitialize() and before
@@ -111,6 +112,10 @@ class OdDb3dSolid : public OdDbEntity {
   void setBody(OdModelerBodyPtr body, OdSolidChange change);
   void replaceBody(OdModelerBodyPtr body, OdSolidChange change);
   OdModelerStatus adopt(OdModelerStatus status, OdModelerBodyPtr body, OdSolidChange change);
+  template <class Operation>
+  OdModelerStatus operate(const char* name, OdSolidChangeKind kind,
+                          std::span<const OdModelerBodyPtr> tools, OdModelerHistory* history,
+                          const Operation& operation);
   OdModelerStatus requireBody(const char* operation, OdModelerBodyPtr& body) const;
   [[nodiscard]] const OdBinaryData& storedBytes() const;
 

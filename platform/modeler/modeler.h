@@ -68,9 +68,8 @@ class OdModeler {
   /// Takes faces off and closes the body again by extending their neighbours: a hole's or a boss's
   /// faces give the body without it. eModelerError when the neighbours do not meet,
   /// eNotApplicable from a modeller that cannot do it.
-  virtual OdModelerStatus removeFaces(const OdModelerBodyPtr& body,
-                                      std::span<const OdUInt32> faces, OdModelerBodyPtr& result,
-                                      OdModelerHistory* history);
+  virtual OdModelerStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
+                                      OdModelerBodyPtr& result, OdModelerHistory* history);
 
   /// Several bodies as one, side by side, untouched; faces keep their colours.
   virtual OdModelerStatus compound(std::span<const OdModelerBodyPtr> bodies,

@@ -38,7 +38,8 @@ OdModelerStatus importStepIntoDatabase(OdDbDatabase* database, const OdString& p
 
 /// Writes model space as a STEP file in millimetres: blocks become products, references become
 /// occurrences. Blocks of external drawings, entities that are neither solids nor references, and
-/// what is on layers that are off or frozen are left out and reported. eInvalidInput when there is nothing to write.
+/// what is on layers that are off or frozen are left out and reported. eInvalidInput when there is
+/// nothing to write.
 OdModelerStatus exportStepFromDatabase(OdDbDatabase* database, const OdString& path,
                                        OdStepReport* report = nullptr);
 
