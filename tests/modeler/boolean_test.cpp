@@ -66,6 +66,28 @@ TEST_F(OdModelerBoolean, FacesOfOnePlaneMergeAndBothOldOnesPointToTheNewOne) {
   EXPECT_TRUE(history.inputs[0].faces[joint - 1].deleted()) << "the common wall is inside now";
 }
 
+TEST_F(OdModelerBoolean, WhatStoodApartInThePartStaysApartAlsoWhereItIsCutAndHealed) {
+  OdModelerProfile profile;  // the side along y = 0 in two halves, as exchange files have them
+  for (const OdGePoint2d& corner : {OdGePoint2d(0, 0), OdGePoint2d(50, 0), OdGePoint2d(100, 0),
+                                    OdGePoint2d(100, 60), OdGePoint2d(0, 60)})
+    profile.outer.push_back({corner, 0.0});
+  const OdModelerBodyPtr part =
+      made([&](auto& r) { return odModeler().extrude(profile, OdGeVector3d::kZAxis * 10.0, r); });
+  ASSERT_EQ(part->numFaces(), 7u);
+  // Away from the border of the halves, and across it.
+  const std::pair<OdModelerBodyPtr, OdUInt32> tools[] = {
+      {cylinder(8.0, 30.0, {20.0, 30.0, -5.0}), 1u}, {box(8.0, 20.0, 4.0, {46.0, -10.0, 3.0}), 5u}};
+  for (const auto& [tool, walls] : tools) {
+    const OdModelerBodyPtr piece = combine(Kind::kIntersect, part, {tool});
+    const OdModelerBodyPtr cut = combine(Kind::kSubtract, part, {tool});
+    EXPECT_EQ(cut->numFaces(), part->numFaces() + walls);
+    const OdModelerBodyPtr healed = combine(Kind::kUnite, cut, {piece});
+    EXPECT_EQ(healed->numFaces(), 7u);
+    EXPECT_EQ(healed->numEdges(), part->numEdges());
+    EXPECT_EQ(healed->numVertices(), part->numVertices());
+  }
+}
+
 TEST_F(OdModelerBoolean, ColoursFollowTheFaces) {
   const OdModelerColor red{255, 0, 0};
   const OdModelerColor blue{0, 0, 255};

@@ -1,6 +1,8 @@
 // Components: what inserting, moving, suppressing and erasing them does to solids and references.
 #include <numbers>
 
+#include "host/naming/name_feature.h"
+#include "host/naming/reference_query.h"
 #include "platform/db/block_table.h"
 #include "tests/modeling_host/modeling_testing.h"
 #include "vdm_db/features/vdm_feature_manager_utils.h"
@@ -37,6 +39,28 @@ TEST_F(ComponentTest, AHoleFollowsItsInsertAndIsHealedWithIt) {
   EXPECT_NEAR(volume(), kPlate, 1e-3);
   EXPECT_EQ(numFaces(), 6U);
   EXPECT_TRUE(made.feature.isErased());
+}
+
+TEST_F(ComponentTest, TheHalvesOfASplitEdgeStayThemselvesHoweverOftenTheHoleIsCut) {
+  OdUInt32 edge = 1;
+  while (plateBody()->distanceTo({OdModelerSubentType::kEdge, edge}, {150.0, 0.0, 10.0}) > 1e-6)
+    ++edge;
+  OdDbObjectId name;
+  ASSERT_EQ(nameReference({m_plate, OdDbSubentId(OdDb::kEdgeSubentType, edge)}, L"rim", name), eOk);
+  const EditResult made = insert(hole(L"H", 12.0), 150.0, 0.0);
+  const auto halves = [&name] { return VdmNameFeature::cast(name.openObject())->referenceIds(); };
+  const OdDbObjectIdArray split = halves();
+  ASSERT_EQ(split.size(), 2U);
+  ASSERT_TRUE(done(m_editor->update(/*force=*/true)));
+  ASSERT_TRUE(done(m_editor->moveObject(made.created, {20.0, 0.0, 0.0})));
+  EXPECT_EQ(halves(), split);
+  double lengths = 0.0;
+  for (const OdDbObjectId& id : split) {
+    const ResolvedReference now = resolveReference(id);
+    ASSERT_TRUE(now.resolved());
+    lengths += plateBody()->edge(static_cast<OdUInt32>(now.path.subentId().index())).length;
+  }
+  EXPECT_NEAR(lengths, 300.0 - 12.0, 1e-6);
 }
 
 TEST_F(ComponentTest, ASuppressedHoleComesBackWithItsReferences) {
