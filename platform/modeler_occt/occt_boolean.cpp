@@ -139,17 +139,16 @@ bool hasColors(const OdModelerBodyPtr& body) {
 struct Attempt {
   double fuzz;
   bool unifyEdges;
-  bool unifyFaces;
+  FacesToJoin faces;
 };
 
 // Nearly coincident geometry and its unification are where the modeller fails, with an exception or
 // an unsound body. Later ways give the same body with more edges or faces, or within a tolerance
 // that is a hundred times what it counts as one point.
 constexpr Attempt kAttempts[] = {
-    {0.0, true, true},
-    {0.0, false, true},
-    {1e-5, true, true},
-    {0.0, false, false},
+    {0.0, true, FacesToJoin::kAll},     {0.0, false, FacesToJoin::kAll},
+    {1e-5, true, FacesToJoin::kAll},    {0.0, true, FacesToJoin::kPlanes},
+    {0.0, false, FacesToJoin::kPlanes}, {0.0, false, FacesToJoin::kNone},
 };
 
 bool isDone(const Operation& operation) { return operation.IsDone() && !operation.HasErrors(); }
@@ -199,8 +198,8 @@ OdModelerStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBody
   }
   if (!isDone(*operation))
     return {eModelerError, OdString(nameOf(kind)) + L": " + reportOf(*operation)};
-  const Simplified outcome = way.unifyFaces ? simplified(*operation, inputs, way.unifyEdges)
-                                            : Simplified{operation->Shape(), operation->History()};
+  const Simplified outcome = simplified(*operation, inputs, way.faces, way.unifyEdges);
+  const bool leftApart = way.faces != FacesToJoin::kAll;
   const TopoDS_Shape shape = remains(outcome.shape, allSolid(inputs));
   const OdModelerBodyPtr plain = odBodyFromOcct(shape);
   if (!plain || plain->numFaces() + plain->numEdges() == 0) {
@@ -210,11 +209,11 @@ OdModelerStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBody
     return {eModelerInvalidBody, OdString(nameOf(kind)) + L": " + sound.text};
   }
   if (!needsHistory) {
-    result = withNote(plain, !way.unifyFaces, {inputs.front()->attributes().name, {}, {}, {}});
+    result = withNote(plain, leftApart, {inputs.front()->attributes().name, {}, {}, {}});
     return {};
   }
   OdModelerHistory fates = collectHistory(*outcome.history, inputs, asOcct(*plain));
-  result = withNote(plain, !way.unifyFaces, inheritAttributes(inputs, fates));
+  result = withNote(plain, leftApart, inheritAttributes(inputs, fates));
   if (history != nullptr) *history = std::move(fates);
   return {};
 }

@@ -7,6 +7,7 @@
 #include <Precision.hxx>
 #include <ShapeUpgrade_UnifySameDomain.hxx>
 #include <TopExp.hxx>
+#include <TopTools_IndexedDataMapOfShapeListOfShape.hxx>
 #include <TopTools_MapOfShape.hxx>
 #include <TopoDS.hxx>
 #include <TopoDS_Vertex.hxx>
@@ -128,6 +129,18 @@ class Borders {
     }
   }
 
+  /// Those at which a curved face ends.
+  void keepOfCurves(const TopoDS_Shape& outcome) {
+    TopTools_IndexedDataMapOfShapeListOfShape facesOfEdge;
+    TopExp::MapShapesAndAncestors(outcome, TopAbs_EDGE, TopAbs_FACE, facesOfEdge);
+    for (int i = 1; i <= facesOfEdge.Extent(); ++i) {
+      for (const TopoDS_Shape& face : facesOfEdge(i)) {
+        const BRepAdaptor_Surface surface(TopoDS::Face(face), Standard_False);
+        if (surface.GetType() != GeomAbs_Plane) m_kept.Add(facesOfEdge.FindKey(i));
+      }
+    }
+  }
+
   const TopTools_MapOfShape& kept() const { return m_kept; }
 
  private:
@@ -149,13 +162,16 @@ class Borders {
 }  // namespace
 
 Simplified simplified(BRepAlgoAPI_BooleanOperation& operation,
-                      std::span<const OdModelerBodyPtr> inputs, bool unifyEdges) {
+                      std::span<const OdModelerBodyPtr> inputs, FacesToJoin faces,
+                      bool unifyEdges) {
+  if (faces == FacesToJoin::kNone) return {operation.Shape(), operation.History()};
   Borders borders(operation);
   const Body& base = asOcct(*inputs.front());
   if (!base.isLeftApart()) borders.keepOfBase(base.topology());
   for (const OdModelerBodyPtr& tool : inputs.subspan(1)) {
     borders.keepOfTool(asOcct(*tool).topology());
   }
+  if (faces == FacesToJoin::kPlanes) borders.keepOfCurves(operation.Shape());
   ShapeUpgrade_UnifySameDomain unifier(operation.Shape(), unifyEdges, /*UnifyFaces=*/Standard_True,
                                        /*ConcatBSplines=*/Standard_True);
   unifier.SetLinearTolerance(kLinear);

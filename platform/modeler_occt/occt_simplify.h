@@ -17,11 +17,13 @@ struct Simplified {
   Handle(BRepTools_History) history;
 };
 
+enum class FacesToJoin { kNone, kPlanes, kAll };
+
 /// Joins faces of one surface, and edges of one curve, that meet in the outcome of the operation.
 /// What stood side by side in the base stays apart: an imported part may have a cylinder in two
 /// halves, and keeps them; so does what stood side by side in a tool and goes on from there, as in
-/// a piece that was cut out and is put back.
+/// a piece that was cut out and is put back. With no faces to join the outcome is as it is.
 Simplified simplified(BRepAlgoAPI_BooleanOperation& operation,
-                      std::span<const OdModelerBodyPtr> inputs, bool unifyEdges);
+                      std::span<const OdModelerBodyPtr> inputs, FacesToJoin faces, bool unifyEdges);
 
 }  // namespace od_occt

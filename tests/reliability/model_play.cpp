@@ -230,15 +230,21 @@ class ModelPlay : private EditedModel {
     const OdModelerStatus sound = now->check();
     if (!sound.ok()) fail("unsound: " + std::string(sound.text.utf8()));
     const OdModelerBodyPtr fresh = m_truth.built(number);
-    const double expected = fresh->massProperties().volume;
-    const double volume = now->massProperties().volume;
-    if (std::abs(volume - expected) > kRoundOff * expected) {
-      fail("solid " + std::to_string(number) + " has the volume " + std::to_string(volume) +
-           ", built at once " + std::to_string(expected));
+    const OdModelerMassProperties have = now->massProperties();
+    const OdModelerMassProperties wanted = fresh->massProperties();
+    const std::string solid = "solid " + std::to_string(number);
+    if (std::abs(have.volume - wanted.volume) > kRoundOff * wanted.volume) {
+      fail(solid + " has the volume " + std::to_string(have.volume) + ", built at once " +
+           std::to_string(wanted.volume));
     }
-    if (now->numFaces() != fresh->numFaces()) {
-      fail("solid " + std::to_string(number) + " has " + std::to_string(now->numFaces()) +
-           " faces, built at once " + std::to_string(fresh->numFaces()));
+    if (std::abs(have.area - wanted.area) > kRoundOff * wanted.area) {
+      fail(solid + " has the area " + std::to_string(have.area) + ", built at once " +
+           std::to_string(wanted.area));
+    }
+    // Where surfaces nearly coincide the modeller may have to leave faces of one side by side.
+    if (now->numFaces() < fresh->numFaces()) {
+      fail(solid + " has " + std::to_string(now->numFaces()) + " faces, built at once " +
+           std::to_string(fresh->numFaces()));
     }
   }
 
