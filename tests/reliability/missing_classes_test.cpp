@@ -23,6 +23,7 @@ class MissingClasses : public ModelingTest, public testing::WithParamInterface<M
     const EditResult made = insert(hole(L"H", 20.0), 100.0, 100.0);
     put(boss(L"B", 40.0, 20.0), 200.0, 100.0);
     m_insert = made.created.getHandle();
+    m_plateHandle = m_plate.getHandle();
     const OdDbFullSubentPath wall(
         m_plate, OdDbSubentId(OdDb::kFaceSubentType, openingFace(made.feature, 1)));
     OdDbObjectId name;
@@ -42,12 +43,11 @@ class MissingClasses : public ModelingTest, public testing::WithParamInterface<M
   }
   /// Gives the state of the file.
   std::string reopen(const char* path) {
-    const OdDbHandle plate = m_plate.getHandle();
     close();
     OdDbStoreStatus status;
     m_database = m_files.readFile(OdString(path), status);
     if (m_database.isNull()) throw std::runtime_error(std::string(status.text.utf8()));
-    m_plate = m_database->getOdDbObjectId(plate);
+    m_plate = m_database->getOdDbObjectId(m_plateHandle);
     m_editor = std::make_unique<ModelEditor>(m_database.get());
     return dump();
   }
@@ -87,6 +87,7 @@ class MissingClasses : public ModelingTest, public testing::WithParamInterface<M
   static constexpr const char* kMade = "missing_made.vdm";
   static constexpr const char* kSaved = "missing_saved.vdm";
   OdDbHandle m_insert;
+  OdDbHandle m_plateHandle;
   std::string m_made;
   bool m_isMissing = false;
 };
