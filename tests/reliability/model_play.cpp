@@ -241,8 +241,7 @@ class ModelPlay : private EditedModel {
       fail(solid + " has the area " + std::to_string(have.area) + ", built at once " +
            std::to_string(wanted.area));
     }
-    // Where surfaces nearly coincide the modeller may have to leave faces of one side by side.
-    if (now->numFaces() < fresh->numFaces()) {
+    if (now->numFaces() != fresh->numFaces()) {
       fail(solid + " has " + std::to_string(now->numFaces()) + " faces, built at once " +
            std::to_string(fresh->numFaces()));
     }

@@ -25,7 +25,7 @@ struct ModelParts {
 ///   1. an edit is one step of undo or changes nothing; one that fails changes no byte;
 ///   2. after each edit the audits find and change nothing;
 ///   3. no reference leads to anything but what is meant by it;
-///   4. each solid is as if built at once: same volume and area, no face less, sound;
+///   4. each solid is as if built at once: same volume, area and number of faces, sound;
 ///   5. undo and redo bring every state back to the byte, and so do saving and opening;
 ///   6. with all components erased the solids are as they would be without them.
 ///
