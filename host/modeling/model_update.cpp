@@ -315,13 +315,19 @@ void ModelUpdate::noteOpening(const OdDbObjectId& solid, const OdDbObjectId& fea
                        std::make_move_iterator(faces.end()));
 }
 
-// Openings that met in one face shared its reference. Once they are apart, each lets go what is the
-// other's: one that was done anew all that its tools did not leave, the others what those left.
+// Openings that met in one face share its reference. Once they are apart, or one of them is closed,
+// each lets go what is the other's: one that was done anew all that its tools did not leave, the
+// others what those left.
 void ModelUpdate::separateOpenings() {
   const auto isSplit = [](const ReferenceChange& change) {
     return change.grade == ReferenceGrade::kSplit && change.replacedBy.size() > 1;
   };
-  if (std::ranges::none_of(m_references.changes, isSplit)) return;
+  const auto hasClosed = [](const auto& row) {
+    return std::ranges::any_of(row.second, [](const Opening& o) { return o.faces.empty(); });
+  };
+  if (std::ranges::none_of(m_references.changes, isSplit) &&
+      std::ranges::none_of(m_openings, hasClosed))
+    return;
   const auto holds = [](const Opening& opening, int toolFace, OdUInt32 face) {
     const auto found = opening.faces.find(toolFace);
     return found != opening.faces.end() &&

@@ -58,7 +58,7 @@ std::optional<RespawnMatch> RespawnMatcher::match(OdModelerSubent subent) {
   result.birth = {row->feature, row->toolFace};
   if (row->newFaces.empty()) {
     // Not cut again; perhaps not closed either.
-    result.match = m_lineage.match(subent);
+    result.match = stayed(subent);
     result.closed = result.match.images.empty();
   } else if (subent.type == Type::kFace) {
     result.match = matchFace(*row, signatureOf(m_before, subent).movedBy(row->motion));
@@ -105,7 +105,7 @@ void RespawnMatcher::addOthers(const FaceRespawn& row, OdModelerSubent face, Sub
     for (const OdUInt32 image : matchFace(other, wanted).images) add(image);
   }
   for (const OdUInt32 image : m_lineage.match(face).images) {
-    if (!contains(row.newFaces, image) && !isOpening(image)) add(image);
+    if (!isOpening(image)) add(image);
   }
 }
 
@@ -113,6 +113,28 @@ void RespawnMatcher::addOthers(const FaceRespawn& row, OdModelerSubent face, Sub
 bool RespawnMatcher::isOpening(OdUInt32 face) const {
   return std::ranges::any_of(m_rows,
                              [&](const FaceRespawn& row) { return contains(row.newFaces, face); });
+}
+
+// What the lineage tells, without what another face of a tool left in the old place.
+SubentMatch RespawnMatcher::stayed(OdModelerSubent subent) const {
+  const auto facesAt = [](const OdModelerBody& body, OdModelerSubent at) {
+    return at.type == Type::kFace ? std::vector{at.index} : facesAround(body, at);
+  };
+  const std::vector<OdUInt32> oldFaces = facesAt(m_before, subent);
+  const auto isForeign = [&](OdUInt32 face) {
+    const auto left = [face](const FaceRespawn& row) { return contains(row.newFaces, face); };
+    const auto leftAsOld = [&](const FaceRespawn& row) {
+      return contains(oldFaces, row.oldFace) && left(row);
+    };
+    return std::ranges::any_of(m_rows, left) && std::ranges::none_of(m_rows, leftAsOld);
+  };
+  SubentMatch match = m_lineage.match(subent);
+  const auto lost = std::erase_if(match.images, [&](OdUInt32 image) {
+    return std::ranges::any_of(facesAt(m_now, {subent.type, image}), isForeign);
+  });
+  if (lost == 0) return match;
+  if (match.images.empty()) return {};
+  return match.images.size() == 1 ? single(match.images.front()) : match;
 }
 
 SubentMatch RespawnMatcher::matchFace(const FaceRespawn& row, const SubentSignature& wanted) const {
@@ -129,7 +151,7 @@ const std::vector<OdUInt32>& RespawnMatcher::imagesOfFace(OdUInt32 oldFace) {
   const FaceRespawn* row = rowOf(oldFace);
   std::vector<OdUInt32>& images = place->second;
   if (row == nullptr || row->newFaces.empty()) {
-    images = m_lineage.match({Type::kFace, oldFace}).images;
+    images = stayed({Type::kFace, oldFace}).images;
     return images;
   }
   for (const FaceRespawn& each : m_rows) {

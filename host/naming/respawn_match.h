@@ -47,6 +47,7 @@ class RespawnMatcher {
 
  private:
   const FaceRespawn* rowOf(OdUInt32 oldFace) const;
+  [[nodiscard]] SubentMatch stayed(OdModelerSubent subent) const;
   [[nodiscard]] SubentMatch matchFace(const FaceRespawn& row, const SubentSignature& wanted) const;
   void addOthers(const FaceRespawn& row, OdModelerSubent face, SubentMatch& match);
   [[nodiscard]] bool isOpening(OdUInt32 face) const;
