@@ -76,6 +76,7 @@ TEST_F(VdmDbFeatureManagerTest, MakesAndFindsFeatures) {
             (OdDbObjectIdArray{hole, plain}));
   reopenWith({&hole, &plain});
   EXPECT_TRUE(manager()->getFeatures({VdmFeature::desc()}).isEmpty());
+  EXPECT_FALSE(hole.isResident() || plain.isResident());
   OdDbObjectIdArray walked;
   VdmDbIterator<VdmFeature> it = manager(OdDb::kForRead)->newFeatureIterator();
   for (const VdmDbIterator<VdmFeature> copy = it; !it.done(); it.next())
