@@ -70,6 +70,12 @@ ModelEditor::~ModelEditor() = default;
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
+double secondsSince(Clock::time_point began) {
+  return std::chrono::duration<double>(Clock::now() - began).count();
+}
+
 // The change and the pass; everything that is raised becomes a status.
 OdModelerStatus runEdit(OdDbDatabase* database, UpdateReport& report, bool force,
                         const std::function<OdModelerStatus()>& change) {
@@ -77,8 +83,11 @@ OdModelerStatus runEdit(OdDbDatabase* database, UpdateReport& report, bool force
     OdSolidJournal journal;
     OdModelerStatus status = change ? change() : OdModelerStatus();
     if (!status.ok()) return status;
+    const auto began = Clock::now();
     ModelUpdate update(database, journal, report);
-    return update.run(force, /*foreign=*/!change);
+    status = update.run(force, /*foreign=*/!change);
+    report.passSeconds = secondsSince(began);
+    return status;
   } catch (const OdError& error) {
     return {error.code(), OdString::fromUtf8(error.what())};
   }
@@ -86,7 +95,7 @@ OdModelerStatus runEdit(OdDbDatabase* database, UpdateReport& report, bool force
 
 EditResult transact(OdDbDatabase* database, bool force,
                     const std::function<OdModelerStatus()>& change) {
-  const auto began = std::chrono::steady_clock::now();
+  const auto began = Clock::now();
   EditResult result;
   OdDbTransaction transaction(database);
   result.status = runEdit(database, result.report, force, change);
@@ -96,8 +105,7 @@ EditResult transact(OdDbDatabase* database, bool force,
     result.report.rolledBack = true;
     result.report.rollbackReason = result.status.text;
   }
-  const auto took = std::chrono::steady_clock::now() - began;
-  result.report.seconds = std::chrono::duration<double>(took).count();
+  result.report.seconds = secondsSince(began);
   return result;
 }
 

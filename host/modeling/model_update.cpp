@@ -268,15 +268,22 @@ void ModelUpdate::followBaseFaces(const OdDbObjectId& solid) {
 
 void ModelUpdate::enterChangedInserts() {
   for (const auto& [solid, components] : m_components) {
-    bool solidIsGone = solid.openObject().isNull();
+    const bool solidIsGone = solid.openObject().isNull();
+    const bool isReplaced = std::ranges::count(m_replacedSolids, solid) != 0;
     for (const OdDbObjectId& id : components) {
       const VdmComponentFeaturePtr component = openComponent(id, OdDb::kForRead);
       if (component.isNull()) continue;
       const VdmDbInsertReactorPtr reactor =
           VdmDbInsertReactor::cast(component->insertReactorId().openObject());
-      const bool isChanged = solidIsGone || m_force || reactor.isNull() || reactor->hasChanges() ||
+      const bool isChanged = solidIsGone || reactor.isNull() || reactor->hasChanges() ||
                              component->insertId().isErased();
-      if (isChanged) m_map->addTransformedObject(component->insertId(), OdGeMatrix3d(), false);
+      if (!isChanged && !m_force) continue;
+      if (isReplaced) {
+        m_recorder.setReason(id, OdString(L"its solid was replaced"));
+      } else if (!isChanged) {
+        m_recorder.setReason(id, toText(VdmUpdateReason::kForced));
+      }
+      m_map->addTransformedObject(component->insertId(), OdGeMatrix3d(), false);
     }
   }
 }

@@ -64,6 +64,10 @@ void PassRecorder::noteFailure(const OdDbObjectId& feature, OdModelerStatus stat
   if (m_failure.ok()) m_failure = std::move(status);
 }
 
+void PassRecorder::setReason(const OdDbObjectId& feature, const OdString& reason) {
+  m_reasons[feature] = reason;
+}
+
 void PassRecorder::noteStep(const OdDbObjectId& feature, const OdDbObjectId& solid,
                             SolidAction action) {
   FeatureReport& report = entry(feature);
@@ -84,7 +88,9 @@ void PassRecorder::featureSkipped(const OdDbObjectId& /*feature*/) { ++m_report.
 void PassRecorder::featureTaken(const OdDbObjectId& feature, VdmUpdateReason reason) {
   ++m_numTaken;
   FeatureReport& report = entry(feature);
-  if (report.reason.isEmpty()) report.reason = toText(reason);
+  if (!report.reason.isEmpty()) return;
+  const auto known = m_reasons.find(feature);
+  report.reason = known == m_reasons.end() ? toText(reason) : known->second;
 }
 
 void PassRecorder::featurePrepared(const OdDbObjectId& feature, VdmUpdatePreparation result) {

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <map>
+#include <unordered_map>
 
 #include "host/modeling/update_report.h"
 #include "platform/modeler/modeler_status.h"
@@ -20,6 +21,8 @@ class PassRecorder final : public VdmUpdateObserver {
   /// A failure of one feature's operation; the pass goes on, and is rolled back by its host.
   void noteFailure(const OdDbObjectId& feature, OdModelerStatus status);
   void noteStep(const OdDbObjectId& feature, const OdDbObjectId& solid, SolidAction action);
+  /// Why the feature will be taken, where the host knows better than the pass.
+  void setReason(const OdDbObjectId& feature, const OdString& reason);
   [[nodiscard]] OdUInt32 numTaken() const { return m_numTaken; }
 
   void phaseBegan(VdmUpdatePhase phase) override;
@@ -43,6 +46,7 @@ class PassRecorder final : public VdmUpdateObserver {
   UpdateReport& m_report;
   OdModelerStatus m_failure;
   std::map<VdmUpdatePhase, Clock::time_point> m_began;
+  std::unordered_map<OdDbObjectId, OdString> m_reasons;
   OdUInt32 m_numTaken = 0;
 };
 

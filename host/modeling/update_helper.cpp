@@ -159,18 +159,19 @@ bool UpdateHelper::getMatchingFaces(VdmUpdateFeatureInterface* /*updateInterface
       reactor->setChanged(false);
     return false;
   }
-  for (const auto& [tag, face] : findWork(feature)->oldFaces) {
+  Work& work = *findWork(feature);
+  const auto sample = [&work](OdUInt32 face) -> VdmFeatureUpdateDataUtils::Face {
+    work.sampledFaces.push_back(face);
     const auto marker = static_cast<OdUInt32>(odSubentToMarker({OdModelerSubentType::kFace, face}));
-    args.sampleFaces[tag].append({marker, marker});
-  }
+    return {marker, marker};
+  };
+  for (const auto& [tag, face] : work.oldFaces) args.sampleFaces[tag].append(sample(face));
   appendSampleFeature(feature, args.sampleFaces);
   for (const OdDbObjectId& id : component->baseFaceDependencies()) {
     const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
     if (dependency.isNull() || isUnresolvedIndex(dependency->subentId().index())) continue;
-    const OdModelerSubent face{OdModelerSubentType::kFace,
-                               static_cast<OdUInt32>(dependency->subentId().index())};
-    const auto marker = static_cast<OdUInt32>(odSubentToMarker(face));
-    args.subtrBaseFaces[VdmComponentFeature::kBaseFaceTag] = {marker, marker};
+    args.subtrBaseFaces[VdmComponentFeature::kBaseFaceTag] =
+        sample(static_cast<OdUInt32>(dependency->subentId().index()));
   }
   if (!args.subtrBaseFaces.empty()) appendSubtrBaseFace(feature, args.subtrBaseFaces);
   return true;

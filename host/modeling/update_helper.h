@@ -81,6 +81,8 @@ class UpdateHelper final : public VdmFeatureUpdateDataHelper {
     OdUInt64 toolStamp = 0;
     /// Faces of the solid that the tools' faces left, before anything is done.
     std::vector<std::pair<int, OdUInt32>> oldFaces;
+    /// Those of them, and base faces, that are followed through the pass as samples.
+    std::vector<OdUInt32> sampledFaces;
     std::vector<Tool> tools;
   };
   struct Site;

@@ -1,5 +1,6 @@
 // UpdateHelper: references, residues and placements once the solids are done.
 #include <algorithm>
+#include <iterator>
 
 #include "host/modeling/model_update.h"
 #include "host/modeling/update_helper_site.h"
@@ -191,26 +192,22 @@ std::vector<std::pair<int, std::vector<OdUInt32>>> UpdateHelper::toolFaces(
 
 // The markers of sampled faces after the pass.
 void UpdateHelper::matchSamples(const BodyLineage& lineage) {
-  std::map<OdDbObjectId, MarkerMap> bySolid;
-  for (const OdDbObjectId& solid : lineage.solids()) {
-    const OdModelerBodyPtr before = lineage.bodyBefore(solid);
-    const OdModelerBodyPtr after = lineage.bodyAfter(solid);
-    const auto trace = before && after ? lineage.trace(before, after) : std::nullopt;
-    if (!trace) continue;
-    const auto marker = [](OdUInt32 face) {
-      return static_cast<unsigned>(odSubentToMarker({OdModelerSubentType::kFace, face}));
-    };
-    for (OdUInt32 face = 1; face <= trace->faces.size(); ++face) {
-      if (trace->faces.images(face).empty()) continue;
-      std::vector<unsigned>& markers = bySolid[solid][marker(face)];
-      for (const OdUInt32 image : trace->faces.images(face)) markers.push_back(marker(image));
-    }
-  }
+  const auto marker = [](OdUInt32 face) {
+    return static_cast<unsigned>(odSubentToMarker({OdModelerSubentType::kFace, face}));
+  };
   for (const Work& work : m_work) {
-    const auto markers = bySolid.find(work.solid);
-    if (markers == bySolid.end()) continue;
-    fillSampleFeatureMapWithMarkers(work.feature, markers->second);
-    fillBaseFaceMapWithMarkers(work.feature, VdmComponentFeature::kBaseFaceTag, markers->second);
+    const OdModelerBodyPtr before = lineage.bodyBefore(work.solid);
+    const OdModelerBodyPtr after = lineage.bodyAfter(work.solid);
+    MarkerMap markers;
+    for (const OdUInt32 face : work.sampledFaces) {
+      const std::vector<OdUInt32> images = lineage.facesFrom(before, face, after);
+      if (images.empty()) continue;
+      std::vector<unsigned>& now = markers[marker(face)];
+      std::ranges::transform(images, std::back_inserter(now), marker);
+    }
+    if (markers.empty()) continue;
+    fillSampleFeatureMapWithMarkers(work.feature, markers);
+    fillBaseFaceMapWithMarkers(work.feature, VdmComponentFeature::kBaseFaceTag, markers);
   }
 }
 

@@ -57,6 +57,7 @@ struct UpdateReport {
   std::vector<ReferenceReport> references;
   std::vector<PhaseReport> phases;  ///< summed over all rounds, in the order of first appearance
   double seconds = 0.0;             ///< of the whole edit
+  double passSeconds = 0.0;         ///< of that, after the change itself
   double modelerSeconds = 0.0;      ///< of that, in healing and booleans
   bool rolledBack = false;          ///< the drawing is as it was before
   OdString rollbackReason;
