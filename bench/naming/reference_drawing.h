@@ -51,6 +51,8 @@ class ReferenceDrawing {
   /// The same with the solid taking over the edit's bodies and a journal that says what they are:
   /// nothing is computed twice. Returns what the references took.
   SettleCost adopt(const EditTrace& edit);
+  /// The dependencies, in the order in which they were made.
+  [[nodiscard]] OdDbObjectIdArray dependencies() const;
   /// What a reference is now.
   [[nodiscard]] Answer answer(std::size_t reference) const;
 

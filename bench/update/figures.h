@@ -22,6 +22,7 @@ struct FigureOptions {
   std::vector<std::size_t> features = {1000, 10000, 100000};
   std::vector<std::size_t> cuts = {100, 300};
   std::size_t rounds = 15;
+  bool peers = true;  ///< resolve: name and solve with the peer too; far the most of the time
 };
 
 /// A plate with 100 holes: one is moved; the pass against the modeller's own time, the edit against

@@ -1,7 +1,7 @@
 // Measures update passes and persistent references, each figure against a peer in the same run.
 //
 //   vdm_bench_update [--only moves|idle|resolve] [--features N,N,...] [--cuts N,N,...]
-//                    [--rounds N]
+//                    [--rounds N] [--peers 0|1]
 #include <cstdio>
 #include <exception>
 #include <optional>
@@ -46,6 +46,8 @@ std::optional<Arguments> parse(int argc, char** argv) {
       result.figures.cuts = numbers(value);
     } else if (name == "--rounds") {
       result.figures.rounds = std::stoul(value);
+    } else if (name == "--peers") {
+      result.figures.peers = value != "0";
     } else {
       return {};
     }

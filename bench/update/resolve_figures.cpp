@@ -9,6 +9,7 @@
 #include "bench/naming/reference_drawing.h"
 #include "bench/naming/truth.h"
 #include "bench/update/figures.h"
+#include "host/naming/reference_query.h"
 
 namespace {
 
@@ -47,7 +48,7 @@ struct Solved {
 /// A plate that is cut again and again, with both kinds of references.
 class CutPlate {
  public:
-  explicit CutPlate(std::size_t cuts) {
+  CutPlate(std::size_t cuts, bool withLabels) : m_withLabels(withLabels) {
     m_part.plan.length = kPitch * kColumns;
     m_part.plan.width = kPitch * static_cast<double>((cuts + kColumns) / kColumns + 1);
     m_part.plan.height = 10.0;
@@ -55,7 +56,7 @@ class CutPlate {
     m_stage = std::make_unique<Stage>(m_part);
     const std::vector<OdModelerSubent> all = referable(*m_part.body);
     m_drawing = std::make_unique<ReferenceDrawing>(m_part.body, all);
-    m_labels.begin(m_part.body);
+    if (m_withLabels) m_labels.begin(m_part.body);
     remember(all);
   }
 
@@ -72,7 +73,7 @@ class CutPlate {
     m_stage->combine(OdModelerBooleanKind::kSubtract, toolBody(m_part.plan, hole));
     const EditTrace& edit = m_stage->finish();
     const SettleCost cost = m_drawing->adopt(edit);
-    m_labels.edited(edit);
+    if (m_withLabels) m_labels.edited(edit);
     m_settled = m_count;
     const std::vector<OdModelerSubent> more = madeBy(edit);
     m_drawing->append(more);
@@ -86,9 +87,11 @@ class CutPlate {
   std::size_t references() const { return m_count; }
 
   double resolveOurs() const {
+    const OdDbObjectIdArray all = m_drawing->dependencies();
     return workOf([&] {
-      for (std::size_t i = 0; i < m_count; ++i) {
-        if (m_drawing->answer(i).kind != Answer::Kind::kNamed) throw std::logic_error("lost");
+      for (const vdm_host::ResolvedReference& now :
+           vdm_host::resolveReferences({all.begin(), all.size()})) {
+        if (!now.resolved()) throw std::logic_error("lost");
       }
     });
   }
@@ -108,7 +111,7 @@ class CutPlate {
 
  private:
   void remember(const std::vector<OdModelerSubent>& subents) {
-    m_labels.select(subents);
+    if (m_withLabels) m_labels.select(subents);
     m_count += subents.size();
     for (const OdModelerSubent subent : subents) m_types.push_back(subent.type);
   }
@@ -117,22 +120,17 @@ class CutPlate {
   std::unique_ptr<Stage> m_stage;
   std::unique_ptr<ReferenceDrawing> m_drawing;
   LabelNaming m_labels;
+  bool m_withLabels;
   std::size_t m_holes = 0;
   std::size_t m_settled = 0;
   std::size_t m_count = 0;
   std::vector<OdModelerSubentType> m_types;  // by reference
 };
 
-}  // namespace
+constexpr double kMsFor10000 = 1e3 * 10000.0;
 
-namespace {
-
-/// Seconds a reference; ours are brought up to date and then resolved.
-void addFigures(std::size_t cuts, double settled, double resolved, CutPlate& plate,
-                std::vector<Figure>& figures) {
-  constexpr double kMsFor10000 = 1e3 * 10000.0;
-  const std::string name = "10,000 references, " + std::to_string(cuts) + " cuts";
-  const double ours = kMsFor10000 * (settled + resolved);
+/// The same 10,000 references by the peer, kind by kind and all together.
+void addPeers(const std::string& name, double ours, CutPlate& plate, std::vector<Figure>& figures) {
   Solved all;
   for (const KindRow& kind : kKinds) {
     const Solved peer = plate.solveLabels(kind.type);
@@ -143,8 +141,6 @@ void addFigures(std::size_t cuts, double settled, double resolved, CutPlate& pla
   }
   figures.push_back({name, "labels solved, all kinds", ours,
                      kMsFor10000 * all.seconds / static_cast<double>(all.count), "ms"});
-  figures.push_back({"  of that brought up to date", "", kMsFor10000 * settled, 0.0, "ms"});
-  figures.push_back({"  of that resolved", "", kMsFor10000 * resolved, 0.0, "ms"});
 }
 
 }  // namespace
@@ -153,7 +149,7 @@ std::vector<Figure> measureResolving(const FigureOptions& options) {
   std::vector<Figure> figures;
   if (options.cuts.empty()) return figures;
   constexpr std::size_t kRepeats = 5;
-  CutPlate plate(options.cuts.back() + kRepeats);
+  CutPlate plate(options.cuts.back() + kRepeats, options.peers);
   for (const std::size_t cuts : options.cuts) {
     while (plate.holes() < cuts) (void)plate.cut();
     std::vector<double> settled;
@@ -166,7 +162,13 @@ std::vector<Figure> measureResolving(const FigureOptions& options) {
       renumbered.push_back(100.0 * static_cast<double>(cost.renumbered) / count);
       resolved.push_back(plate.resolveOurs() / static_cast<double>(plate.references()));
     }
-    addFigures(cuts, medianOf(settled), medianOf(resolved), plate, figures);
+    const double settle = kMsFor10000 * medianOf(settled);
+    const double resolve = kMsFor10000 * medianOf(resolved);
+    const std::string name = "10,000 references, " + std::to_string(cuts) + " cuts";
+    if (options.peers) addPeers(name, settle + resolve, plate, figures);
+    figures.push_back({name, "", settle + resolve, 0.0, "ms"});
+    figures.push_back({"  of that brought up to date", "", settle, 0.0, "ms"});
+    figures.push_back({"  of that resolved", "", resolve, 0.0, "ms"});
     figures.push_back({"  renumbered by the cut", "", medianOf(renumbered), 0.0, "%"});
   }
   return figures;

@@ -228,8 +228,8 @@ void ModelUpdate::settleForeignChanges() {
     const VdmDbPersIdManagerPtr manager = VdmDbPersIdManager::cast(id.openObject());
     if (manager.isNull()) continue;
     const OdDbObjectIdArray dependencies = manager->objectDependencyIds();
-    for (const OdDbObjectId& dependencyId : dependencies) {
-      const ResolvedReference found = resolveReference(dependencyId);
+    for (const ResolvedReference& found :
+         resolveReferences({dependencies.begin(), dependencies.size()})) {
       if (!found.solid.isNull() && known.insert(found.solid).second)
         noteReferences(update.settleByStamp(found.solid));
     }

@@ -14,126 +14,103 @@ void sortUnique(std::vector<OdUInt32>& items) {
   items.erase(std::unique(items.begin(), items.end()), items.end());
 }
 
-// One step of a trace: from the state before a change to the state after it.
-BodyTrace traceThrough(const BodyTrace& before, const OdSolidChange& change, std::size_t input) {
-  BodyTrace after = before;
-  if (change.kind == OdSolidChangeKind::kMoved) {
-    after.motion = change.transform * before.motion;
-    return after;
+// Images of images, after one more operation.
+void goOn(SubentFate& fate, const std::vector<OdModelerFate>& next, std::vector<OdUInt32>& found) {
+  found.clear();
+  for (const OdUInt32 middle : fate.images) {
+    if (middle > next.size()) continue;
+    const OdModelerFate& step = next[middle - 1];
+    found.insert(found.end(), step.images.begin(), step.images.end());
+    fate.changed |= step.changed;
   }
-  const OdModelerInputHistory& history = change.history->inputs[input];
-  after.faces = before.faces.then(history.faces);
-  after.edges = before.edges.then(history.edges);
-  after.vertices = before.vertices.then(history.vertices);
-  ++after.operations;
-  after.blends |= change.kind == OdSolidChangeKind::kBlend;
-  return after;
-}
-
-void uniteInto(BodyTrace& trace, const BodyTrace& other) {
-  trace.faces = trace.faces.unitedWith(other.faces);
-  trace.edges = trace.edges.unitedWith(other.edges);
-  trace.vertices = trace.vertices.unitedWith(other.vertices);
-  trace.blends |= other.blends;
-}
-
-using FaceSet = std::vector<OdUInt32>;
-
-FaceSet facesThrough(const FaceSet& before, const OdSolidChange& change, std::size_t input) {
-  if (change.kind == OdSolidChangeKind::kMoved) return before;
-  const std::vector<OdModelerFate>& fates = change.history->inputs[input].faces;
-  FaceSet after;
-  for (const OdUInt32 face : before) {
-    if (face > fates.size()) continue;
-    const std::vector<OdUInt32>& images = fates[face - 1].images;
-    after.insert(after.end(), images.begin(), images.end());
-  }
-  sortUnique(after);
-  return after;
-}
-
-void uniteInto(FaceSet& faces, const FaceSet& other) {
-  faces.insert(faces.end(), other.begin(), other.end());
-  sortUnique(faces);
+  if (found.size() > 1) sortUnique(found);
+  std::swap(fate.images, found);
 }
 
 }  // namespace
 
-// ---- FateList
+// ---- BodyTrace
 
-FateList FateList::identity(OdUInt32 count) {
-  FateList list;
-  list.m_images.resize(count);
-  list.m_begin.resize(std::size_t{count} + 1);
-  for (OdUInt32 i = 0; i < count; ++i) {
-    list.m_images[i] = i + 1;
-    list.m_begin[i + 1] = i + 1;
+// Forgets what does not lead to the body.
+void BodyTrace::keepWaysTo(OdUInt32 body) {
+  m_last = body;
+  std::vector<bool> leads(m_bodies, false);
+  leads[body] = true;
+  std::vector<Step> kept;
+  for (auto step = m_steps.rbegin(); step != m_steps.rend(); ++step) {
+    if (!leads[step->to]) continue;
+    leads[step->from] = true;
+    kept.push_back(*step);
   }
-  list.m_changed.assign(count, 0);
-  return list;
+  m_steps.assign(kept.rbegin(), kept.rend());
+  OdUInt32 at = 0;
+  for (const Step& step : m_steps) {
+    m_isChain &= step.from == at;
+    at = step.to;
+  }
 }
 
-std::span<const OdUInt32> FateList::images(OdUInt32 index) const {
-  if (index < 1 || index > size()) return {};
-  return std::span(m_images).subspan(m_begin[index - 1], m_begin[index] - m_begin[index - 1]);
+void BodyTrace::follow(OdModelerSubent subent, SubentFate& fate) const {
+  fate.images.clear();
+  fate.changed = false;
+  if (!m_old->hasSubent(subent)) return;
+  if (m_isChain) {
+    followChain(subent, fate);
+  } else {
+    followWays(subent, fate);
+  }
 }
 
-void FateList::add(std::vector<OdUInt32>& images, bool isChanged) {
-  if (images.size() > 1) sortUnique(images);
-  m_images.insert(m_images.end(), images.begin(), images.end());
-  m_begin.push_back(static_cast<OdUInt32>(m_images.size()));
-  m_changed.push_back(isChanged ? 1 : 0);
-}
-
-FateList FateList::then(std::span<const OdModelerFate> next) const {
-  FateList result;
-  result.m_begin.reserve(m_begin.size());
-  result.m_images.reserve(m_images.size());
-  result.m_changed.reserve(m_changed.size());
+void BodyTrace::followChain(OdModelerSubent subent, SubentFate& fate) const {
+  fate.images.push_back(subent.index);
   std::vector<OdUInt32> found;
-  for (OdUInt32 index = 1; index <= size(); ++index) {
-    found.clear();
-    bool isChanged = changed(index);
-    for (const OdUInt32 middle : images(index)) {
-      if (middle > next.size()) continue;
-      const OdModelerFate& fate = next[middle - 1];
-      found.insert(found.end(), fate.images.begin(), fate.images.end());
-      isChanged |= fate.changed;
+  for (const Step& step : m_steps) {
+    if (step.history == nullptr) continue;
+    const std::vector<OdModelerFate>& next = step.history->fates(subent.type);
+    if (fate.images.size() != 1) {
+      goOn(fate, next, found);
+      continue;
     }
-    result.add(found, isChanged);
+    // Nearly always: it is one thing and stays one.
+    const OdUInt32 index = fate.images.front();
+    if (index > next.size()) {
+      fate.images.clear();
+      continue;
+    }
+    const OdModelerFate& one = next[index - 1];
+    fate.images.assign(one.images.begin(), one.images.end());
+    if (fate.images.size() > 1) sortUnique(fate.images);
+    fate.changed |= one.changed;
   }
-  return result;
 }
 
-FateList FateList::unitedWith(const FateList& other) const {
-  FateList result;
+// Several ways lead from the old body to the new one: what came by each is united where they meet.
+void BodyTrace::followWays(OdModelerSubent subent, SubentFate& fate) const {
+  std::vector<SubentFate> reached(m_bodies);
+  reached[0].images.push_back(subent.index);
   std::vector<OdUInt32> found;
-  for (OdUInt32 index = 1; index <= std::max(size(), other.size()); ++index) {
-    found.assign(images(index).begin(), images(index).end());
-    found.insert(found.end(), other.images(index).begin(), other.images(index).end());
-    result.add(found, changed(index) || other.changed(index));
+  for (const Step& step : m_steps) {
+    SubentFate next = reached[step.from];
+    if (step.history != nullptr) goOn(next, step.history->fates(subent.type), found);
+    SubentFate& meeting = reached[step.to];
+    meeting.images.insert(meeting.images.end(), next.images.begin(), next.images.end());
+    sortUnique(meeting.images);
+    meeting.changed |= next.changed;
   }
-  return result;
+  fate = std::move(reached[m_last]);
 }
 
-std::vector<OdUInt32> FateList::sourceCounts(OdUInt32 count) const {
+std::vector<OdUInt32> BodyTrace::sourceCounts(OdModelerSubentType type, OdUInt32 count) const {
   std::vector<OdUInt32> counts(count, 0);
-  for (const OdUInt32 image : m_images) {
-    if (image > counts.size()) counts.resize(image, 0);
-    ++counts[image - 1];
+  SubentFate fate;
+  for (OdUInt32 index = 1; index <= m_old->numSubents(type); ++index) {
+    follow({type, index}, fate);
+    for (const OdUInt32 image : fate.images) {
+      if (image > counts.size()) counts.resize(image, 0);
+      ++counts[image - 1];
+    }
   }
   return counts;
-}
-
-const FateList& BodyTrace::of(OdModelerSubentType type) const {
-  switch (type) {
-    case OdModelerSubentType::kFace:
-      return faces;
-    case OdModelerSubentType::kEdge:
-      return edges;
-    default:
-      return vertices;
-  }
 }
 
 // ---- BodyLineage
@@ -143,13 +120,15 @@ BodyLineage::BodyLineage(std::span<const OdSolidChange> changes)
   for (std::size_t i = 0; i < m_changes.size(); ++i) {
     const OdSolidChange& change = m_changes[i];
     if (change.solid.isValid()) {
-      const auto [place, isNew] = m_ends.try_emplace(change.solid, Ends{change.before, nullptr});
+      const auto [place, isNew] =
+          m_ends.try_emplace(change.solid, Ends{change.before, nullptr, {}});
       if (isNew) {
         m_solids.push_back(change.solid);
       } else {
         linkRereadBody(change, place->second);
       }
       place->second.after = change.after;
+      place->second.changes.push_back(i);
     }
     noteUses(i);
   }
@@ -185,14 +164,26 @@ OdModelerBodyPtr BodyLineage::bodyAfter(const OdDbObjectId& solid) const {
   return found == m_ends.end() ? nullptr : found->second.after;
 }
 
+std::span<const std::size_t> BodyLineage::changesOf(const OdDbObjectId& solid) const {
+  const auto found = m_ends.find(solid);
+  return found == m_ends.end() ? std::span<const std::size_t>() : found->second.changes;
+}
+
 // Goes through the changes that the body and what comes of it take part in, in the order in which
-// they happened, and joins the states of all ways that meet.
-template <class State, class Step>
-std::optional<State> BodyLineage::follow(const OdModelerBody* from, const OdModelerBody* to,
-                                         State start, const Step& step) const {
-  from = same(from);
-  to = same(to);
-  std::unordered_map<const OdModelerBody*, State> reached;
+// they happened, and notes each as a step.
+std::optional<BodyTrace> BodyLineage::trace(const OdModelerBodyPtr& from,
+                                            const OdModelerBodyPtr& to) const {
+  if (!from || !to) return std::nullopt;
+  /// A body that comes of the old one, and how by the first way that led there.
+  struct Reached {
+    OdUInt32 number = 0;
+    OdGeMatrix3d motion;
+    OdUInt32 operations = 0;
+    bool blends = false;
+  };
+  BodyTrace trace;
+  trace.m_old = from;
+  std::unordered_map<const OdModelerBody*, Reached> reached;
   std::map<std::pair<std::size_t, std::size_t>, const OdModelerBody*> due;
   const auto schedule = [&](const OdModelerBody* body, std::size_t after) {
     const auto uses = m_uses.find(body);
@@ -201,8 +192,8 @@ std::optional<State> BodyLineage::follow(const OdModelerBody* from, const OdMode
       if (use.change >= after) due.emplace(std::pair(use.change, use.input), body);
     }
   };
-  reached.emplace(from, std::move(start));
-  schedule(from, 0);
+  reached.emplace(same(from.get()), Reached());
+  schedule(same(from.get()), 0);
   while (!due.empty()) {
     const auto [key, body] = *due.begin();
     due.erase(due.begin());
@@ -210,30 +201,41 @@ std::optional<State> BodyLineage::follow(const OdModelerBody* from, const OdMode
     const OdModelerBody* const after = same(change.after.get());
     // A change that led to a body which was there already adds nothing.
     if (after == body) continue;
-    State next = step(reached.at(body), change, key.second);
+    Reached next = reached.at(body);
+    BodyTrace::Step step{next.number, 0, nullptr};
+    if (change.kind == OdSolidChangeKind::kMoved) {
+      next.motion = change.transform * next.motion;
+    } else {
+      step.history = &change.history->inputs[key.second];
+      ++next.operations;
+      next.blends |= change.kind == OdSolidChangeKind::kBlend;
+    }
+    next.number = trace.m_bodies;
     const auto [place, isNew] = reached.try_emplace(after, next);
-    if (!isNew) uniteInto(place->second, next);
-    if (isNew) schedule(after, key.first + 1);
+    if (isNew) {
+      ++trace.m_bodies;
+      schedule(after, key.first + 1);
+    } else {
+      place->second.blends |= next.blends;
+    }
+    step.to = place->second.number;
+    trace.m_steps.push_back(step);
   }
-  const auto found = reached.find(to);
+  const auto found = reached.find(same(to.get()));
   if (found == reached.end()) return std::nullopt;
-  return std::move(found->second);
-}
-
-std::optional<BodyTrace> BodyLineage::trace(const OdModelerBodyPtr& from,
-                                            const OdModelerBodyPtr& to) const {
-  if (!from || !to) return std::nullopt;
-  BodyTrace start;
-  start.faces = FateList::identity(from->numFaces());
-  start.edges = FateList::identity(from->numEdges());
-  start.vertices = FateList::identity(from->numVertices());
-  return follow(from.get(), to.get(), std::move(start), traceThrough);
+  trace.motion = found->second.motion;
+  trace.operations = found->second.operations;
+  trace.blends = found->second.blends;
+  trace.keepWaysTo(found->second.number);
+  return trace;
 }
 
 std::vector<OdUInt32> BodyLineage::facesFrom(const OdModelerBodyPtr& tool, OdUInt32 face,
                                              const OdModelerBodyPtr& to) const {
-  if (!tool || !to) return {};
-  return follow(tool.get(), to.get(), FaceSet{face}, facesThrough).value_or(FaceSet{});
+  SubentFate fate;
+  if (const std::optional<BodyTrace> way = trace(tool, to))
+    way->follow({OdModelerSubentType::kFace, face}, fate);
+  return std::move(fate.images);
 }
 
 }  // namespace vdm_host

@@ -11,44 +11,44 @@
 
 namespace vdm_host {
 
-/// Fates of all subentities of one type, in one piece of memory.
-class FateList {
- public:
-  /// Each of `count` subentities is what it was.
-  static FateList identity(OdUInt32 count);
-
-  [[nodiscard]] OdUInt32 size() const { return static_cast<OdUInt32>(m_begin.size()) - 1; }
-  /// New indices of the old index (from 1), rising; empty when nothing is left or it is not there.
-  [[nodiscard]] std::span<const OdUInt32> images(OdUInt32 index) const;
-  /// Its geometry was touched on the way: another boundary, or part of another one.
-  [[nodiscard]] bool changed(OdUInt32 index) const {
-    return index >= 1 && index <= size() && m_changed[index - 1] != 0;
-  }
-  /// These fates and then those of a further operation.
-  [[nodiscard]] FateList then(std::span<const OdModelerFate> next) const;
-  /// These fates and, by another way to the same body, those of `other`.
-  [[nodiscard]] FateList unitedWith(const FateList& other) const;
-  /// How many old subentities each new one comes from, by new index - 1; at least `count` long.
-  [[nodiscard]] std::vector<OdUInt32> sourceCounts(OdUInt32 count) const;
-
- private:
-  void add(std::vector<OdUInt32>& images, bool isChanged);
-
-  std::vector<OdUInt32> m_begin{0};  // where the images of index i + 1 begin; one more than entries
-  std::vector<OdUInt32> m_images;
-  std::vector<OdUInt8> m_changed;
+/// What became of one subentity.
+struct SubentFate {
+  std::vector<OdUInt32> images;  ///< new indices, rising; empty when nothing is left
+  bool changed = false;  ///< geometry was touched on the way: another boundary, or part of another
 };
 
-/// What became of one body in another.
-struct BodyTrace {
-  FateList faces;
-  FateList edges;
-  FateList vertices;
+/// What became of one body in another. Subentities are followed one by one when they are asked for,
+/// so that a few cost little in a large body. The lineage that it comes from outlives it.
+class BodyTrace {
+ public:
   OdGeMatrix3d motion;      ///< what moved on the way, all of it together
   OdUInt32 operations = 0;  ///< booleans and blends on the way
   bool blends = false;      ///< a fillet or chamfer among them
 
-  [[nodiscard]] const FateList& of(OdModelerSubentType type) const;
+  /// The fate of a subentity of the old body, into a value that the caller uses again and again;
+  /// without images when the old body has none such.
+  void follow(OdModelerSubent subent, SubentFate& fate) const;
+  /// How many old subentities each new one comes from, by new index - 1; at least `count` long.
+  /// Follows all that there are.
+  [[nodiscard]] std::vector<OdUInt32> sourceCounts(OdModelerSubentType type, OdUInt32 count) const;
+
+ private:
+  friend class BodyLineage;
+  /// One operation on one of the ways. Bodies on the way are counted from 0, the old one.
+  struct Step {
+    OdUInt32 from = 0;
+    OdUInt32 to = 0;
+    const OdModelerInputHistory* history = nullptr;  ///< null when all stays
+  };
+  void keepWaysTo(OdUInt32 body);
+  void followChain(OdModelerSubent subent, SubentFate& fate) const;
+  void followWays(OdModelerSubent subent, SubentFate& fate) const;
+
+  OdModelerBodyPtr m_old;
+  std::vector<Step> m_steps;  // in the order in which they happened
+  OdUInt32 m_bodies = 1;
+  OdUInt32 m_last = 0;
+  bool m_isChain = true;  // one way, each step going on where the one before ended
 };
 
 /// A reading of a journal. Bodies are followed from change to change by their identity, also from a
@@ -70,6 +70,8 @@ class BodyLineage {
   /// because a body was replaced or emptied. The same body gives the identity.
   [[nodiscard]] std::optional<BodyTrace> trace(const OdModelerBodyPtr& from,
                                                const OdModelerBodyPtr& to) const;
+  /// Which of changes() are those of the solid, rising.
+  [[nodiscard]] std::span<const std::size_t> changesOf(const OdDbObjectId& solid) const;
   /// Faces of `to` that come from a face of `tool`, a body that was an input of some change:
   /// rising. Empty when it left none.
   [[nodiscard]] std::vector<OdUInt32> facesFrom(const OdModelerBodyPtr& tool, OdUInt32 face,
@@ -81,6 +83,7 @@ class BodyLineage {
   struct Ends {
     OdModelerBodyPtr before;
     OdModelerBodyPtr after;
+    std::vector<std::size_t> changes;
   };
   struct Use {
     std::size_t change = 0;
@@ -89,9 +92,6 @@ class BodyLineage {
   void linkRereadBody(const OdSolidChange& change, const Ends& ends);
   void noteUses(std::size_t change);
   [[nodiscard]] const OdModelerBody* same(const OdModelerBody* body) const;
-  template <class State, class Step>
-  std::optional<State> follow(const OdModelerBody* from, const OdModelerBody* to, State start,
-                              const Step& step) const;
 
   std::vector<OdSolidChange> m_changes;
   std::vector<OdDbObjectId> m_solids;

@@ -47,18 +47,6 @@ bool isParallel(const OdGeVector3d& a, const OdGeVector3d& b, const MatchToleran
 
 // ---- Making
 
-OdUInt32 kindsAround(const OdModelerBody& body, const OdModelerFace& face, OdUInt32 index) {
-  OdUInt32 hash = 0;
-  for (const OdUInt32 edge : face.edges) {
-    const auto edgeKind = static_cast<OdUInt32>(body.curveKind(edge));
-    for (const OdUInt32 other : body.facesOfEdge(edge)) {
-      if (other == index) continue;
-      hash += mix(16 * edgeKind + static_cast<OdUInt32>(body.surfaceKind(other)) + 1);
-    }
-  }
-  return hash;
-}
-
 SubentSignature faceSignature(const OdModelerBody& body, OdUInt32 index) {
   const OdModelerFace& face = body.face(index);
   SubentSignature s;
@@ -66,7 +54,7 @@ SubentSignature faceSignature(const OdModelerBody& body, OdUInt32 index) {
   s.kind = static_cast<OdUInt8>(face.kind);
   s.inward = face.inward;
   s.bounds = static_cast<OdUInt16>(std::min<std::size_t>(face.edges.size(), 0xFFFF));
-  s.neighbours = kindsAround(body, face, index);
+  s.neighbours = kindsAround(body, index, face.edges);
   s.size = face.area;
   s.radius = face.radius;
   s.minorRadius = face.minorRadius;
@@ -285,6 +273,18 @@ bool isCongruent(const SubentSignature& a, const SubentSignature& b,
          near(a.radius, b.radius, tolerance.length) &&
          near(a.minorRadius, b.minorRadius, tolerance.length) &&
          near(a.halfAngle, b.halfAngle, tolerance.direction);
+}
+
+OdUInt32 kindsAround(const OdModelerBody& body, OdUInt32 face, std::span<const OdUInt32> edges) {
+  OdUInt32 hash = 0;
+  for (const OdUInt32 edge : edges) {
+    const auto edgeKind = static_cast<OdUInt32>(body.curveKind(edge));
+    for (const OdUInt32 other : body.facesOfEdge(edge)) {
+      if (other == face) continue;
+      hash += mix(16 * edgeKind + static_cast<OdUInt32>(body.surfaceKind(other)) + 1);
+    }
+  }
+  return hash;
 }
 
 SubentSignature signatureOf(const OdModelerBody& body, OdModelerSubent subent) {

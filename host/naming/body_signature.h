@@ -2,6 +2,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <span>
 #include <vector>
 
 #include "platform/ge/matrix3d.h"
@@ -64,6 +66,16 @@ struct SubentSignature {
 /// Of all subentities of a type, by index - 1.
 [[nodiscard]] std::vector<SubentSignature> signaturesOf(const OdModelerBody& body,
                                                         OdModelerSubentType type);
+
+/// The same for a planar face between lines and circles that lies in the plane of `known`, with the
+/// same side out: from its edges alone, without the modeller's integrals. None where that is not
+/// so.
+[[nodiscard]] std::optional<SubentSignature> signatureOfPlane(const OdModelerBody& body,
+                                                              OdUInt32 face,
+                                                              const SubentSignature& known);
+/// SubentSignature::neighbours of a face with these edges.
+[[nodiscard]] OdUInt32 kindsAround(const OdModelerBody& body, OdUInt32 face,
+                                   std::span<const OdUInt32> edges);
 
 /// Faces that meet at an edge or vertex, faces that share an edge with a face; rising, each once.
 [[nodiscard]] std::vector<OdUInt32> facesAround(const OdModelerBody& body, OdModelerSubent subent);

@@ -12,14 +12,28 @@ LineageMatcher::LineageMatcher(OdModelerBodyPtr before, OdModelerBodyPtr now,
                                const BodyTrace& trace)
     : m_before(std::move(before)), m_now(std::move(now)), m_trace(trace) {}
 
+OdUInt32 LineageMatcher::untouched(OdModelerSubent subent) {
+  m_trace.follow(subent, m_fate);
+  return m_fate.images.size() == 1 && !m_fate.changed ? m_fate.images.front() : 0;
+}
+
 SubentMatch LineageMatcher::match(OdModelerSubent subent) {
-  const FateList& fates = m_trace.of(subent.type);
-  const std::span<const OdUInt32> images = fates.images(subent.index);
-  if (images.empty()) return rebuilt(subent);
-  if (images.size() > 1) return partsOf(subent, images);
-  const ReferenceGrade grade =
-      fates.changed(subent.index) ? ReferenceGrade::kByLineage : ReferenceGrade::kExact;
-  return {grade, {images.front()}};
+  m_trace.follow(subent, m_fate);
+  if (m_fate.images.empty()) return rebuilt(subent);
+  if (m_fate.images.size() > 1) return partsOf(subent, std::vector<OdUInt32>(m_fate.images));
+  return {m_fate.changed ? ReferenceGrade::kByLineage : ReferenceGrade::kExact, m_fate.images};
+}
+
+const MatchTolerance& LineageMatcher::tolerance() {
+  if (!m_tolerance) m_tolerance = MatchTolerance::of(*m_before, *m_now);
+  return *m_tolerance;
+}
+
+// How many old subentities each new one comes from.
+const std::vector<OdUInt32>& LineageMatcher::sources(OdModelerSubentType type) {
+  std::optional<std::vector<OdUInt32>>& counts = m_sources[static_cast<std::size_t>(type) - 1];
+  if (!counts) counts = m_trace.sourceCounts(type, m_now->numSubents(type));
+  return *counts;
 }
 
 // What bounds a face or an edge: its edges, or its ends.
@@ -39,17 +53,15 @@ static std::vector<OdModelerSubent> borderOf(const OdModelerBody& body, OdModele
 // Neighbours that were put together and taken apart again on the way share their images. Each is
 // then the part on its own side: the one whose border is its own, as far as that is whole.
 SubentMatch LineageMatcher::partsOf(OdModelerSubent subent, std::span<const OdUInt32> images) {
-  const FateList& fates = m_trace.of(subent.type);
-  std::vector<OdUInt32>& sources = m_sources[static_cast<std::size_t>(subent.type) - 1];
-  if (sources.empty()) sources = fates.sourceCounts(m_now->numSubents(subent.type));
+  const std::vector<OdUInt32>& counts = sources(subent.type);
   SubentMatch all{ReferenceGrade::kSplit, {images.begin(), images.end()}};
-  const auto isShared = [&sources](OdUInt32 image) { return sources[image - 1] > 1; };
+  const auto isShared = [&counts](OdUInt32 image) { return counts[image - 1] > 1; };
   if (!m_before->hasSubent(subent) || std::ranges::none_of(images, isShared)) return all;
 
   std::vector<OdModelerSubent> kept;
   for (const OdModelerSubent border : borderOf(*m_before, subent)) {
-    const std::span<const OdUInt32> left = m_trace.of(border.type).images(border.index);
-    if (left.size() == 1) kept.push_back({border.type, left.front()});
+    m_trace.follow(border, m_fate);
+    if (m_fate.images.size() == 1) kept.push_back({border.type, m_fate.images.front()});
   }
   const auto isOwn = [&](OdUInt32 image) {
     return std::ranges::any_of(borderOf(*m_now, {subent.type, image}), [&](OdModelerSubent part) {
@@ -63,23 +75,39 @@ SubentMatch LineageMatcher::partsOf(OdModelerSubent subent, std::span<const OdUI
   return own;
 }
 
-// New subentities that come from no old one: among them those that the modeller built anew.
-const LineageMatcher::Orphans& LineageMatcher::orphans(OdModelerSubentType type) {
-  Orphans& row = m_orphans[static_cast<std::size_t>(type) - 1];
-  if (row.grid) return row;
-  const OdUInt32 count = m_now->numSubents(type);
-  const std::vector<OdUInt32> sources = m_trace.of(type).sourceCounts(count);
-  for (OdUInt32 i = 1; i <= count; ++i) {
-    if (sources[i - 1] != 0) continue;
+namespace {
+
+// The kind of a subentity, as in its signature, without measuring it.
+OdUInt8 kindOf(const OdModelerBody& body, OdModelerSubent subent) {
+  if (subent.type == OdModelerSubentType::kFace)
+    return static_cast<OdUInt8>(body.surfaceKind(subent.index));
+  if (subent.type == OdModelerSubentType::kEdge)
+    return static_cast<OdUInt8>(body.curveKind(subent.index));
+  return 0;
+}
+
+}  // namespace
+
+// New subentities that come from no old one: among them those that the modeller built anew. Only
+// what can be the wanted one is measured.
+const LineageMatcher::Orphans& LineageMatcher::orphans(OdModelerSubentType type, OdUInt8 kind) {
+  const auto [place, isNew] = m_orphans.try_emplace({type, kind});
+  Orphans& row = place->second;
+  if (!isNew) return row;
+  const std::vector<OdUInt32>& counts = sources(type);
+  for (OdUInt32 i = 1; i <= m_now->numSubents(type); ++i) {
+    const OdModelerSubent subent{type, i};
+    if (counts[i - 1] != 0 || kindOf(*m_now, subent) != kind) continue;
     row.indices.push_back(i);
-    row.items.push_back(signatureOf(*m_now, {type, i}));
+    row.items.push_back(signatureOf(*m_now, subent));
   }
   row.grid.emplace(row.items);
   return row;
 }
 
 SubentMatch LineageMatcher::rebuilt(OdModelerSubent subent) {
-  if (!m_before->hasSubent(subent) || orphans(subent.type).items.empty()) return {};
+  if (!m_before->hasSubent(subent)) return {};
+  if (orphans(subent.type, kindOf(*m_before, subent)).items.empty()) return {};
   const SubentSignature wanted = signatureOf(*m_before, subent).movedBy(m_trace.motion);
   SubentMatch match = findNew(wanted);
   if (match.grade == ReferenceGrade::kLost && subent.type == OdModelerSubentType::kEdge) {
@@ -91,19 +119,19 @@ SubentMatch LineageMatcher::rebuilt(OdModelerSubent subent) {
 // Pieces of an edge that were put together again: a new edge of the same faces that runs along the
 // same curve and over the middle of the old one.
 SubentMatch LineageMatcher::grownEdge(OdModelerSubent subent, const SubentSignature& wanted) {
-  if (!m_tolerance) m_tolerance = MatchTolerance::of(*m_before, *m_now);
   const OdGePoint3d middle = m_trace.motion * m_before->edge(subent.index).midPoint;
-  const std::vector<OdUInt32>& fresh = orphans(OdModelerSubentType::kEdge).indices;
+  const std::vector<OdUInt32>& fresh = orphans(wanted.type, wanted.kind).indices;
   std::vector<OdUInt32> found;
   for (const OdUInt32 face : m_before->facesOfEdge(subent.index)) {
-    for (const OdUInt32 image : m_trace.faces.images(face)) {
+    m_trace.follow({OdModelerSubentType::kFace, face}, m_fate);
+    for (const OdUInt32 image : m_fate.images) {
       for (const OdUInt32 edge : m_now->edgesOfFace(image)) {
         if (!std::ranges::binary_search(fresh, edge)) continue;
         if (std::ranges::count(found, edge) != 0) continue;
         const SubentSignature item = signatureOf(*m_now, {OdModelerSubentType::kEdge, edge});
-        if (!liesOnSame(wanted, item, *m_tolerance)) continue;
+        if (!liesOnSame(wanted, item, tolerance())) continue;
         const double distance = m_now->distanceTo({OdModelerSubentType::kEdge, edge}, middle);
-        if (distance <= m_tolerance->length) found.push_back(edge);
+        if (distance <= tolerance().length) found.push_back(edge);
       }
     }
   }
@@ -113,13 +141,12 @@ SubentMatch LineageMatcher::grownEdge(OdModelerSubent subent, const SubentSignat
 
 SubentMatch LineageMatcher::findNew(const SubentSignature& wanted) {
   if (wanted.type == OdModelerSubentType::kNull) return {};
-  const Orphans& fresh = orphans(wanted.type);
+  const Orphans& fresh = orphans(wanted.type, wanted.kind);
   if (fresh.items.empty()) return {};
-  if (!m_tolerance) m_tolerance = MatchTolerance::of(*m_before, *m_now);
-  const double radius = m_tolerance->length + 1e-4 * wanted.reach();
+  const double radius = tolerance().length + 1e-4 * wanted.reach();
   SubentMatch match;
   fresh.grid->within(wanted.place, radius, [&](OdUInt32 i) {
-    if (isIdentical(wanted, fresh.items[i], *m_tolerance)) match.images.push_back(fresh.indices[i]);
+    if (isIdentical(wanted, fresh.items[i], tolerance())) match.images.push_back(fresh.indices[i]);
   });
   if (match.images.size() == 1) {
     match.grade = ReferenceGrade::kExact;

@@ -1,8 +1,12 @@
 // Questions about persistent references: where they lead, how sure that is, who needs them.
 #include "host/naming/reference_query.h"
 
+#include <algorithm>
+#include <array>
 #include <unordered_map>
+#include <utility>
 
+#include "host/naming/read_ahead.h"
 #include "host/naming/subent_name.h"
 #include "platform/db/database.h"
 #include "platform/modeler/db_3d_solid.h"
@@ -17,55 +21,81 @@ namespace {
 class Resolver {
  public:
   ResolvedReference resolve(const OdDbObjectId& id) {
+    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    VdmBlob record;
+    if (!dependency.isNull()) ReferenceRecord::readBytes(*dependency, record);
+    return resolve(id, dependency, record);
+  }
+  /// The same with the dependency and the bytes of its record at hand.
+  ResolvedReference resolve(const OdDbObjectId& id, const VdmDbObjectDependencyPtr& dependency,
+                            const VdmBlob& record) {
     ResolvedReference result;
     result.dependency = id;
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
     if (dependency.isNull()) {
       result.note = L"there is no such reference";
       return result;
     }
-    const vdmu::EVdmPathRes link = dependency->getLinkObject(result.path, /*openErased=*/false);
-    const OdDbObjectIdArray& ids = result.path.objectIds();
+    const vdmu::EVdmPathRes link = followLink(*dependency, result.path);
     if (link == vdmu::ePathXrefUnreferenced) {
       result.note = L"an external drawing on its path is not there";
       return result;
     }
-    if (link != vdmu::ePathOk || ids.isEmpty() || ids.last().isErased()) {
+    const OdDbObjectIdArray& ids = std::as_const(result.path).objectIds();
+    if (link != vdmu::ePathOk || ids.isEmpty() || rowOf(ids.last()).isErased) {
       result.note = L"its entity is not there";
       return result;
     }
     result.solid = ids.last();
-    resolveSubent(*dependency, result);
+    resolveSubent(record, result);
     return result;
   }
 
  private:
+  /// An entity that references lead to.
   struct Row {
+    OdDbObjectIdArray plainPath;  ///< the entity alone; shared by the paths that are no more
     OdModelerBodyPtr body;
+    bool isErased = false;
     bool isSolid = false;
     bool isCurrent = true;  ///< the numbers hold for the body
   };
 
-  const Row& rowOf(const OdDbObjectId& id) {
-    const auto [place, isNew] = m_rows.try_emplace(id);
-    Row& row = place->second;
-    if (!isNew) return row;
-    const OdDb3dSolidPtr solid = OdDb3dSolid::cast(id.openObject());
-    row.isSolid = !solid.isNull();
-    if (solid.isNull() || !solid->getBody(row.body).ok() || !row.body) return row;
-    const OdUInt64 stamp = SolidStamp::read(id).fingerprint;
-    row.isCurrent = stamp == 0 || stamp == row.body->fingerprint();
-    return row;
+  vdmu::EVdmPathRes followLink(const VdmDbObjectDependency& dependency, OdDbFullSubentPath& path) {
+    const VdmCompoundObjectId& stored = dependency.compoundId();
+    const OdDbObjectId top = stored.isSimpleObjectId() ? stored.topId() : OdDbObjectId();
+    if (top.isNull()) return dependency.getLinkObject(path, /*openErased=*/false);
+    path = OdDbFullSubentPath(rowOf(top).plainPath, dependency.subentId());
+    return vdmu::ePathOk;
   }
 
-  void resolveSubent(const VdmDbObjectDependency& dependency, ResolvedReference& result) {
+  const Row& rowOf(const OdDbObjectId& id) {
+    if (m_last != nullptr && m_lastId == id) return *m_last;
+    const auto [place, isNew] = m_rows.try_emplace(id);
+    if (isNew) fill(id, place->second);
+    m_last = &place->second;
+    m_lastId = id;
+    return *m_last;
+  }
+
+  static void fill(const OdDbObjectId& id, Row& row) {
+    row.plainPath.append(id);
+    row.isErased = id.isErased();
+    const OdDb3dSolidPtr solid = OdDb3dSolid::cast(id.openObject());
+    row.isSolid = !solid.isNull();
+    if (solid.isNull() || !solid->getBody(row.body).ok() || !row.body) return;
+    const OdUInt64 stamp = SolidStamp::read(id).fingerprint;
+    row.isCurrent = stamp == 0 || stamp == row.body->fingerprint();
+  }
+
+  void resolveSubent(const VdmBlob& bytes, ResolvedReference& result) {
     const OdDbSubentId& subent = result.path.subentId();
     if (subent.type() == OdDb::kNullSubentType) {
       result.grade = ReferenceGrade::kExact;
       return;
     }
     ReferenceRecord record;
-    const bool hasRecord = record.readFrom(dependency);
+    const auto type = static_cast<OdModelerSubentType>(subent.type());
+    const bool hasRecord = record.decode(bytes, type);
     if (isUnresolvedIndex(subent.index())) {
       if (hasRecord && !isResolved(record.grade)) result.grade = record.grade;
       result.note = result.grade == ReferenceGrade::kAmbiguous ? L"several subentities look like it"
@@ -73,8 +103,7 @@ class Resolver {
       return;
     }
     const Row& row = rowOf(result.solid);
-    const OdModelerSubent number{static_cast<OdModelerSubentType>(subent.type()),
-                                 static_cast<OdUInt32>(subent.index())};
+    const OdModelerSubent number{type, static_cast<OdUInt32>(subent.index())};
     if (!row.isSolid) {
       result.note = L"its entity is no solid";
     } else if (!row.body) {
@@ -89,6 +118,8 @@ class Resolver {
   }
 
   std::unordered_map<OdDbObjectId, Row> m_rows;
+  OdDbObjectId m_lastId;
+  const Row* m_last = nullptr;
 };
 
 OdString line(const LineageStep& step, OdModelerSubentType type) {
@@ -110,6 +141,32 @@ OdString line(const LineageStep& step, OdModelerSubentType type) {
 
 ResolvedReference resolveReference(const OdDbObjectId& dependency) {
   return Resolver().resolve(dependency);
+}
+
+// In portions: dependencies and their records lie anywhere in memory, and are fetched together.
+std::vector<ResolvedReference> resolveReferences(std::span<const OdDbObjectId> dependencies) {
+  constexpr std::size_t kPortion = 64;
+  struct Fetched {
+    VdmDbObjectDependencyPtr dependency;
+    VdmBlob record;
+  };
+  std::array<Fetched, kPortion> fetched;
+  std::vector<ResolvedReference> results;
+  results.reserve(dependencies.size());
+  Resolver resolver;
+  for (std::size_t i = 0; i < dependencies.size(); i += kPortion) {
+    const auto ids = dependencies.subspan(i, std::min(kPortion, dependencies.size() - i));
+    readAhead(ids);
+    for (std::size_t k = 0; k < ids.size(); ++k) {
+      fetched[k].dependency = VdmDbObjectDependency::cast(ids[k].openObject());
+      fetched[k].record.clear();
+      if (!fetched[k].dependency.isNull())
+        ReferenceRecord::readBytes(*fetched[k].dependency, fetched[k].record);
+    }
+    for (std::size_t k = 0; k < ids.size(); ++k)
+      results.push_back(resolver.resolve(ids[k], fetched[k].dependency, fetched[k].record));
+  }
+  return results;
 }
 
 ReferenceStory explainReference(const OdDbObjectId& id) {

@@ -1,6 +1,7 @@
 // Questions about persistent references: where they lead, how sure that is, who needs them.
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "host/naming/reference_record.h"
@@ -26,6 +27,10 @@ struct ResolvedReference {
 /// lost with a note that says so: an update finds it again or not. A path that ends in a whole
 /// entity is exact. Opens the drawing's objects for read only.
 [[nodiscard]] ResolvedReference resolveReference(const OdDbObjectId& dependency);
+
+/// Many of them, in order: each solid that they lead into is looked at once.
+[[nodiscard]] std::vector<ResolvedReference> resolveReferences(
+    std::span<const OdDbObjectId> dependencies);
 
 /// The same with what it remembers.
 struct ReferenceStory {

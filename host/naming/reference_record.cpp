@@ -1,6 +1,7 @@
 // What a persistent reference remembers of itself: its stored lineage.
 #include "host/naming/reference_record.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
@@ -15,7 +16,7 @@ namespace vdm_host {
 
 namespace {
 
-constexpr const wchar_t* kLineageKey = L"lineage";
+constexpr std::size_t kUsualSize = 256;  // bytes of a record, most of them
 constexpr const wchar_t* kStampKey = L"VDM_NAMING";
 constexpr int kStampCode = 310;  // a binary chunk
 
@@ -25,11 +26,20 @@ constexpr OdUInt8 kHasSignature = 2;
 constexpr OdUInt8 kInward = 1;
 constexpr OdUInt8 kClosed = 2;
 
+const OdString& lineageKey() {
+  static const OdString key(L"lineage");
+  return key;
+}
+
 class ByteWriter {
  public:
   void byte(OdUInt64 value) { m_bytes.push_back(static_cast<char>(value & 0xFFU)); }
-  void fixed(OdUInt64 value, int count) {
-    for (int i = 0; i < count; ++i, value >>= 8U) byte(value);
+  void fixed(OdUInt64 value, std::size_t count) {
+    char bytes[sizeof(value)];
+    for (std::size_t i = 0; i < count; ++i, value >>= 8U) {
+      bytes[i] = static_cast<char>(value & 0xFFU);
+    }
+    m_bytes.insert(m_bytes.end(), bytes, bytes + count);
   }
   void varint(OdUInt64 value) {
     for (; value >= 0x80U; value >>= 7U) byte(value | 0x80U);
@@ -40,13 +50,15 @@ class ByteWriter {
   void xyz(const Xyz& v) {
     for (const double value : {v.x, v.y, v.z}) real(value);
   }
+  /// Keeps room for that many bytes.
+  explicit ByteWriter(std::size_t size = 0) { m_bytes.reserve(size); }
   std::vector<char> take() { return std::move(m_bytes); }
 
  private:
   std::vector<char> m_bytes;
 };
 
-// Reads zeros behind the end and remembers that it did.
+// Reads zeros where the bytes do not suffice and remembers that it did.
 class ByteReader {
  public:
   ByteReader(const char* bytes, std::size_t count) : m_bytes(bytes), m_count(count) {}
@@ -58,9 +70,17 @@ class ByteReader {
     m_good = false;
     return 0;
   }
-  OdUInt64 fixed(int count) {
+  OdUInt64 fixed(std::size_t count) {
+    if (m_count - m_next < count) {
+      m_next = m_count;
+      m_good = false;
+      return 0;
+    }
     OdUInt64 value = 0;
-    for (int i = 0; i < count; ++i) value |= OdUInt64{byte()} << (8U * static_cast<unsigned>(i));
+    for (std::size_t i = 0; i < count; ++i) {
+      value |= OdUInt64{static_cast<OdUInt8>(m_bytes[m_next + i])} << (8U * i);
+    }
+    m_next += count;
     return value;
   }
   OdUInt64 varint() {
@@ -160,7 +180,7 @@ void ReferenceRecord::addStep(const LineageStep& step) {
 }
 
 std::vector<char> ReferenceRecord::encode() const {
-  ByteWriter out;
+  ByteWriter out(kUsualSize);
   const bool hasSignature = signature.type != OdModelerSubentType::kNull;
   out.byte(kRules);
   out.byte(static_cast<OdUInt8>(grade));
@@ -194,29 +214,34 @@ bool ReferenceRecord::decode(const std::vector<char>& bytes, OdModelerSubentType
   if ((flags & kHasSignature) != 0) read.signature = readSignature(in, type);
   read.stepCount = in.number();
   const OdUInt8 kept = in.byte();
+  read.steps.reserve(std::min<std::size_t>(kept, kKeptSteps));
   for (OdUInt8 i = 0; i < kept && in.good(); ++i) read.steps.push_back(readStep(in));
   if (!in.atEnd()) return false;
   *this = std::move(read);
   return true;
 }
 
+void ReferenceRecord::readBytes(const VdmDbObjectDependency& dependency, std::vector<char>& bytes) {
+  if (!dependency.properties().getProperty(lineageKey(), bytes)) bytes.clear();
+}
+
 bool ReferenceRecord::readFrom(const VdmDbObjectDependency& dependency) {
   VdmBlob bytes;
-  return dependency.properties().getProperty(kLineageKey, bytes) &&
-         decode(bytes, static_cast<OdModelerSubentType>(dependency.subentId().type()));
+  readBytes(dependency, bytes);
+  return decode(bytes, static_cast<OdModelerSubentType>(dependency.subentId().type()));
 }
 
 void ReferenceRecord::writeTo(VdmDbObjectDependency& dependency) const {
   const VdmBlob bytes = encode();
   VdmBlob present;
-  if (dependency.properties().getProperty(kLineageKey, present)) {
+  if (dependency.properties().getProperty(lineageKey(), present)) {
     const bool isLater = !present.empty() && static_cast<OdUInt8>(present.front()) > kRules;
     if (isLater || present == bytes) return;
   }
   VdmProperties& bag = dependency.propertiesForWrite();
-  if (!bag.setProperty(kLineageKey, bytes)) {
-    bag.removeProperty(kLineageKey);
-    bag.setProperty(kLineageKey, bytes);
+  if (!bag.setProperty(lineageKey(), bytes)) {
+    bag.removeProperty(lineageKey());
+    bag.setProperty(lineageKey(), bytes);
   }
   if (signature.type != OdModelerSubentType::kNull) {
     dependency.setBodyHash(static_cast<OdLong>(signature.shapeHash()));

@@ -78,6 +78,9 @@ struct ReferenceRecord {
   /// False, with the record untouched, for bytes that are damaged or of later rules.
   [[nodiscard]] bool decode(const std::vector<char>& bytes, OdModelerSubentType type);
 
+  /// The bytes of a dependency's record, into a value that can be used again; none when it has
+  /// none.
+  static void readBytes(const VdmDbObjectDependency& dependency, std::vector<char>& bytes);
   /// False when the dependency has none that can be read.
   [[nodiscard]] bool readFrom(const VdmDbObjectDependency& dependency);
   /// Also makes the dependency's hash that of the signature. Open for write. A record of later

@@ -80,9 +80,8 @@ ReferenceUpdateReport ReferenceUpdate::Impl::settle(std::span<const OdSolidChang
 OdDbHandle ReferenceUpdate::Impl::featureOf(const OdDbObjectId& solid,
                                             const BodyLineage& lineage) const {
   OdDbHandle found;
-  for (const OdSolidChange& change : lineage.changes()) {
-    if (change.solid != solid) continue;
-    for (const OdModelerBodyPtr& tool : change.tools) {
+  for (const std::size_t change : lineage.changesOf(solid)) {
+    for (const OdModelerBodyPtr& tool : lineage.changes()[change].tools) {
       const auto row = toolFeatures.find(tool.get());
       if (row == toolFeatures.end()) return {};
       if (OdUInt64(found) != 0 && OdUInt64(found) != OdUInt64(row->second)) return {};

@@ -15,11 +15,15 @@
 
 namespace vdm_host {
 
-/// What was decided for one reference.
-struct Decision {
+/// Where a reference leads so far.
+struct Reference {
   OdDbObjectId dependency;
   OdModelerSubent old;   ///< index 0 when it was unresolved
   bool isPlain = false;  ///< its path is the solid alone
+};
+
+/// What was decided for one reference.
+struct Decision : Reference {
   SubentMatch match;
   LineageCause cause = LineageCause::kBoolean;
   OdDbHandle feature;
@@ -64,28 +68,45 @@ class ReferenceUpdate::Impl {
     OdDbObjectId solid;
     OdModelerSubent subent;
   };
-  /// Who was first to claim each subentity of the new body, by type and index.
+  /// Who was first to claim each subentity of the new body.
   class Claims {
    public:
-    explicit Claims(const OdModelerBody& body) {
-      for (const Type type : {Type::kFace, Type::kEdge, Type::kVertex}) {
-        row(type).resize(std::size_t{body.numSubents(type)} + 1);
-      }
-    }
+    explicit Claims(const OdModelerBody& body) : m_body(body) {}
     /// The earlier claimant, null when there is none.
     OdDbObjectId claim(OdModelerSubent subent, const OdDbObjectId& id) {
-      std::vector<OdDbObjectId>& list = row(subent.type);
-      if (subent.index >= list.size()) return {};
-      if (list[subent.index].isNull()) {
-        list[subent.index] = id;
-        return {};
-      }
-      return list[subent.index];
+      std::vector<OdUInt32>& row = m_rows[static_cast<std::size_t>(subent.type) - 1];
+      if (row.empty()) row.resize(std::size_t{m_body.numSubents(subent.type)} + 1);
+      if (subent.index >= row.size()) return {};
+      OdUInt32& claimant = row[subent.index];
+      if (claimant != 0) return m_claimants[claimant - 1];
+      m_claimants.push_back(id);
+      claimant = static_cast<OdUInt32>(m_claimants.size());
+      return {};
     }
 
    private:
-    std::vector<OdDbObjectId>& row(Type type) { return m_rows[static_cast<std::size_t>(type) - 1]; }
-    std::array<std::vector<OdDbObjectId>, 3> m_rows;
+    const OdModelerBody& m_body;
+    std::array<std::vector<OdUInt32>, 3> m_rows;  // by type and index: place in m_claimants + 1
+    std::vector<OdDbObjectId> m_claimants;
+  };
+  /// Dependencies of one solid that get another path, by their managers.
+  class LinkMoves {
+   public:
+    /// `isPlain`: the path is the solid alone.
+    void add(const OdDbObjectId& dependency, bool isPlain, OdDbSubentId subent);
+    /// All of a manager in one call. Nothing is left to move afterwards.
+    void carryOut();
+    explicit LinkMoves(const OdDbObjectId& solid) { m_direct.append(solid); }
+
+   private:
+    struct Row {
+      OdDbObjectId manager;
+      OdDbObjectIdArray ids;
+      OdDbFullSubentPathArray paths;
+    };
+    OdDbObjectIdArray m_direct;
+    std::map<OdUInt64, Row> m_rows;  // by the manager's handle
+    Row* m_row = nullptr;            // that of the manager that was met last
   };
 
   // The run.
@@ -93,24 +114,26 @@ class ReferenceUpdate::Impl {
   OdDbHandle featureOf(const OdDbObjectId& solid, const BodyLineage& lineage) const;
 
   // Deciding.
+  struct LineageWork;
   void decideByLineage(Solid& solid, const BodyTrace& trace);
+  bool isOnlyRenumbered(LineageWork& work, const Reference& reference);
+  void decideOne(LineageWork& work, const Reference& reference);
+  void claim(LineageWork& work, const OdDbObjectId& dependency, OdModelerSubent subentNow);
   void decideBySignature(Solid& solid);
   void decideByRecords(Solid& solid);
   void decideLost(Solid& solid);
   template <class Visit>
   static void forEachSubent(const Solid& solid, const Visit& visit);
-  void decide(LineageMatcher& lineage, RespawnMatcher& respawn, Decision& decision) const;
-  void comeBack(const VdmDbObjectDependency& dependency, LineageMatcher& lineage,
-                RespawnMatcher& respawn, const Solid& solid, const BodyTrace& trace,
-                Decision& decision) const;
+  void goOn(LineageWork& work, Decision& decision) const;
+  static void comeBack(LineageWork& work, Decision& decision);
 
-  /// Managers merge what meets; dependencies of constraints are owned otherwise and stay apart.
   bool isManaged(const OdDbObjectId& dependency);
   void noteMeeting(const OdDbObjectId& first, const OdDbObjectId& other, const OdDbObjectId& solid,
                    OdModelerSubent subent);
 
   // Carrying out.
   void apply(Solid& solid);
+  void renumber(LinkMoves& moves, const Reference& reference, OdUInt32 image);
   void setLinks(const Solid& solid);
   static void setLink(const OdDbObjectId& id, const OdDbFullSubentPath& path);
   void writeRecords(Solid& solid);

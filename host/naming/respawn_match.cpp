@@ -31,10 +31,11 @@ bool contains(std::span<const OdUInt32> items, OdUInt32 item) {
 RespawnMatcher::RespawnMatcher(std::span<const FaceRespawn> rows, const OdModelerBody& before,
                                const OdModelerBody& now, LineageMatcher& lineage)
     : m_rows(rows), m_before(before), m_now(now), m_lineage(lineage) {
-  if (rows.empty()) return;
-  m_tolerance = MatchTolerance::of(before, now);
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (rows[i].oldFace != 0) m_byOldFace.emplace(rows[i].oldFace, i);
+    if (rows[i].oldFace == 0) continue;
+    // Of openings that had met in a face, one that is cut again tells where that is.
+    const auto [place, isNew] = m_byOldFace.emplace(rows[i].oldFace, i);
+    if (!isNew && rows[place->second].newFaces.empty()) place->second = i;
   }
 }
 
@@ -43,16 +44,34 @@ const FaceRespawn* RespawnMatcher::rowOf(OdUInt32 oldFace) const {
   return found == m_byOldFace.end() ? nullptr : &m_rows[found->second];
 }
 
-std::optional<RespawnMatch> RespawnMatcher::match(OdModelerSubent subent) {
-  if (m_byOldFace.empty() || !m_before.hasSubent(subent)) return std::nullopt;
-  const FaceRespawn* row = nullptr;
-  if (subent.type == Type::kFace) {
-    row = rowOf(subent.index);
-  } else {
-    for (const OdUInt32 face : facesAround(m_before, subent)) {
-      if (row == nullptr) row = rowOf(face);
+// Measured when it is needed: it takes a look at every vertex.
+const MatchTolerance& RespawnMatcher::tolerance() const {
+  if (!m_tolerance) m_tolerance = MatchTolerance::of(m_before, m_now);
+  return *m_tolerance;
+}
+
+// That of the face, or of the first face around an edge or vertex that is of an opening.
+const FaceRespawn* RespawnMatcher::rowAt(OdModelerSubent subent) const {
+  if (m_byOldFace.empty() || !m_before.hasSubent(subent)) return nullptr;
+  if (subent.type == Type::kFace) return rowOf(subent.index);
+  const auto rowAtEdge = [this](OdUInt32 edge) {
+    const FaceRespawn* found = nullptr;
+    for (const OdUInt32 face : m_before.facesOfEdge(edge)) {
+      if (found == nullptr) found = rowOf(face);
     }
+    return found;
+  };
+  if (subent.type == Type::kEdge) return rowAtEdge(subent.index);
+  const FaceRespawn* first = nullptr;
+  for (const OdUInt32 edge : m_before.vertex(subent.index).edges) {
+    const FaceRespawn* row = rowAtEdge(edge);
+    if (row != nullptr && (first == nullptr || row->oldFace < first->oldFace)) first = row;
   }
+  return first;
+}
+
+std::optional<RespawnMatch> RespawnMatcher::match(OdModelerSubent subent) {
+  const FaceRespawn* row = rowAt(subent);
   if (row == nullptr) return std::nullopt;
   RespawnMatch result;
   result.birth = {row->feature, row->toolFace};
@@ -222,7 +241,7 @@ SubentMatch RespawnMatcher::chooseByPlace(Type type, const std::vector<OdUInt32>
   for (const OdUInt32 candidate : candidates) {
     const SubentSignature item = signatureOf(m_now, {type, candidate});
     if (item.kind != wanted.kind || item.closed != wanted.closed) continue;
-    if (isIdentical(wanted, item, m_tolerance)) identical.push_back(candidate);
+    if (isIdentical(wanted, item, tolerance())) identical.push_back(candidate);
     const double d = item.place.distanceTo(wanted.place);
     if (d < distance) {
       second = distance;
@@ -235,7 +254,7 @@ SubentMatch RespawnMatcher::chooseByPlace(Type type, const std::vector<OdUInt32>
   if (nearest == 0) return {};
   if (identical.size() == 1) return single(identical.front());
   if (identical.size() > 1) return ambiguous();
-  if (second > kClearlyNearer * distance + m_tolerance.length) return single(nearest);
+  if (second > kClearlyNearer * distance + tolerance().length) return single(nearest);
   return ambiguous();
 }
 
@@ -244,7 +263,7 @@ SubentMatch RespawnMatcher::chooseIdentical(Type type, const std::vector<OdUInt3
                                             const SubentSignature& wanted) const {
   OdUInt32 found = 0;
   for (const OdUInt32 candidate : candidates) {
-    if (!isIdentical(wanted, signatureOf(m_now, {type, candidate}), m_tolerance)) continue;
+    if (!isIdentical(wanted, signatureOf(m_now, {type, candidate}), tolerance())) continue;
     if (found != 0) return {};
     found = candidate;
   }

@@ -38,6 +38,8 @@ class RespawnMatcher {
                  const OdModelerBody& now, LineageMatcher& lineage);
 
   [[nodiscard]] bool empty() const { return m_rows.empty(); }
+  /// Whether match() has something to tell about it.
+  [[nodiscard]] bool touches(OdModelerSubent subent) const { return rowAt(subent) != nullptr; }
   /// None when the subentity touches no opening of the rows.
   [[nodiscard]] std::optional<RespawnMatch> match(OdModelerSubent subent);
   /// A reference that was lost with its opening. `wanted` is its signature where the solid is now;
@@ -47,6 +49,8 @@ class RespawnMatcher {
 
  private:
   const FaceRespawn* rowOf(OdUInt32 oldFace) const;
+  const FaceRespawn* rowAt(OdModelerSubent subent) const;
+  const MatchTolerance& tolerance() const;
   [[nodiscard]] SubentMatch stayed(OdModelerSubent subent) const;
   [[nodiscard]] SubentMatch matchFace(const FaceRespawn& row, const SubentSignature& wanted) const;
   void addOthers(const FaceRespawn& row, OdModelerSubent face, SubentMatch& match);
@@ -68,7 +72,7 @@ class RespawnMatcher {
   const OdModelerBody& m_before;
   const OdModelerBody& m_now;
   LineageMatcher& m_lineage;
-  MatchTolerance m_tolerance;
+  mutable std::optional<MatchTolerance> m_tolerance;
   std::unordered_map<OdUInt32, std::size_t> m_byOldFace;
   std::unordered_map<OdUInt32, std::vector<OdUInt32>> m_images;
 };

@@ -79,6 +79,56 @@ TEST_F(ComponentTest, ASuppressedHoleComesBackWithItsReferences) {
   EXPECT_NE(openingFace(made.feature, 1), 0U);
 }
 
+// A slot with one round end beside the plate, turned half round: the body is the same again.
+TEST_F(ComponentTest, AFaceInThePlaceOfAnotherIsNotTheOther) {
+  OdDbObjectId slot;
+  ASSERT_TRUE(succeeded(makeSlot(m_database, L"slot", {12.0, 40.0, 4.0}, slot)));
+  const EditResult made = insert(slot, 12.0, 100.0);
+  const auto roundEnds = [&] {
+    std::vector<int> ends;
+    for (int face = 1; face <= 6; ++face) {
+      const OdUInt32 now = openingFace(made.feature, face);
+      if (now != 0 && plateBody()->face(now).kind == OdModelerSurfaceKind::kCylinder)
+        ends.push_back(face);
+    }
+    return ends;
+  };
+  const std::vector<int> before = roundEnds();
+  ASSERT_EQ(before.size(), 1U);
+  const OdDbObjectId reference = openingReference(made.feature, before[0]);
+  ASSERT_TRUE(done(m_editor->rotateObject(made.created, OdGeVector3d::kZAxis, std::numbers::pi)));
+  const std::vector<int> turned = roundEnds();
+  ASSERT_EQ(turned.size(), 1U);
+  EXPECT_NE(turned, before);
+  EXPECT_FALSE(resolveReference(reference).resolved());
+  ASSERT_TRUE(done(m_editor->rotateObject(made.created, OdGeVector3d::kZAxis, std::numbers::pi)));
+  EXPECT_EQ(roundEnds(), before);
+  EXPECT_TRUE(resolveReference(reference).resolved());
+}
+
+TEST_F(ComponentTest, OfOpeningsThatShareAFaceTheSuppressedOneLetsItGo) {
+  const OdDbObjectId block = boss(L"B", 30.0, 7.0);
+  const EditResult stays = insert(block, 100.0, 100.0);
+  const EditResult goes = insert(block, 110.0, 100.0);
+  const auto topOf = [&](const EditResult& made) {
+    for (int face = 1; face <= 3; ++face) {
+      const OdUInt32 now = openingFace(made.feature, face);
+      if (now != 0 && plateBody()->face(now).centroid.z > 16.9) return now;
+    }
+    return 0U;
+  };
+  ASSERT_NE(topOf(stays), 0U);
+  ASSERT_EQ(topOf(stays), topOf(goes));
+  ASSERT_TRUE(done(m_editor->suppress(goes.created)));
+  EXPECT_NE(topOf(stays), 0U);
+  for (const auto& [toolFace, references] : component(goes.feature)->openingDependencies()) {
+    for (const OdDbObjectId& id : references) EXPECT_FALSE(resolveReference(id).resolved());
+  }
+  ASSERT_TRUE(done(m_editor->unsuppress(goes.created)));
+  EXPECT_NE(topOf(stays), 0U);
+  EXPECT_EQ(topOf(stays), topOf(goes));
+}
+
 TEST_F(ComponentTest, AMovedSolidTakesItsComponentsAlongWithoutCutting) {
   const EditResult made = insert(hole(L"H", 20.0), 100.0, 100.0);
   const OdUInt32 face = openingFace(made.feature, 1);
@@ -97,6 +147,8 @@ TEST_F(ComponentTest, AReplacedBodyIsCutAnewAndInsertsFollowTheirBaseFaces) {
   const OdModelerBodyPtr thicker = box(300.0, 200.0, 16.0);
   const EditResult result = m_editor->replaceBody(m_plate, thicker);
   ASSERT_TRUE(done(result));
+  EXPECT_EQ(result.report.features[0].reason, OdString(L"its solid was replaced"));
+  EXPECT_EQ(m_editor->update(/*force=*/true).report.features[0].reason, OdString(L"asked for"));
   const OdDbBlockReferencePtr place = OdDbBlockReference::cast(made.created.openObject());
   EXPECT_NEAR(place->position().z, 16.0, 1e-6);
   EXPECT_NEAR(volume(), 300.0 * 200.0 * 16.0 - drilled(20.0, 4.0), 1e-3);

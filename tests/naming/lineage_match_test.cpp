@@ -113,6 +113,22 @@ TEST_F(VdmLineageMatcher, ChainsAndBlends) {
   EXPECT_EQ(counts.lost, 1 + 2) << "the filleted edge and its ends";
 }
 
+TEST_F(VdmLineageMatcher, WaysThatPartAndMeetAgain) {
+  const OdModelerBodyPtr start = plate();
+  const OdModelerBodyPtr left = cut(start, {box(160.0, 220.0, 30.0, {150.0, -10.0, -5.0})});
+  const OdModelerBodyPtr right = cut(start, {box(160.0, 220.0, 30.0, {-10.0, -10.0, -5.0})});
+  // A way that leads elsewhere, though in between the others.
+  (void)cut(left, {cylinder(8.0, 30.0, {50.0, 50.0, -10.0})});
+  const OdModelerBodyPtr whole = unite(left, {right});
+  const Counts counts = judge(start, whole);
+  EXPECT_EQ(counts.wrong + counts.missed, 0);
+  EXPECT_EQ(counts.lost, 0) << "each half came by its own way";
+  const BodyLineage lineage(m_changes);
+  SubentFate fate;
+  lineage.trace(start, whole)->follow({Type::kFace, start->numFaces() + 1}, fate);
+  EXPECT_TRUE(fate.images.empty()) << "there is no such face";
+}
+
 TEST_F(VdmLineageMatcher, FacesOfToolsThatWereUnitedAndMovedFirst) {
   const OdModelerBodyPtr drill = cylinder(4.0, 20.0);
   const OdGeMatrix3d there = OdGeMatrix3d::translation({50.0, 50.0, -5.0});

@@ -211,6 +211,56 @@ TEST_F(VdmReferenceUpdate, CutsAreFollowedUndoneAndDoneAgain) {
   EXPECT_TRUE(story[1].find(L"boolean") == 0) << story[1].utf8();
 }
 
+TEST_F(VdmReferenceUpdate, ManyReferencesFollowInPortionsAndResolveTogether) {
+  const std::vector<OdModelerBodyPtr> tools = drills(12, 7);
+  const OdDbObjectId entity = addSolid(drilled(tools));
+  const OdModelerBodyPtr before = bodyOfSolid(entity);
+  OdDbObjectIdArray refs;
+  std::vector<OdGePoint3d> places;
+  for (OdUInt32 i = 1; i <= before->numEdges(); ++i) {
+    refs.append(refer(OdDbFullSubentPath(entity, OdDbSubentId(OdDb::kEdgeSubentType, i))));
+    places.push_back(before->edge(i).midPoint);
+  }
+  ASSERT_GT(refs.size(), 256u);
+  const ReferenceUpdateReport report = cutSolid(entity, drills(1, 1, 20.0, 20.0));
+  EXPECT_GT(report.renumbered, 0u);
+  EXPECT_TRUE(report.changes.empty());
+  cutSolid(entity, {box(20.0, 220.0, 30.0, {290.0, -10.0, -5.0})});
+  refs.append(OdDbObjectId());
+  const std::vector<ResolvedReference> found = resolveReferences({refs.begin(), refs.size()});
+  ASSERT_EQ(found.size(), refs.size());
+  for (std::size_t i = 0; i < refs.size(); ++i) {
+    const ResolvedReference one = resolveReference(refs[static_cast<OdUInt32>(i)]);
+    EXPECT_EQ(found[i].dependency, one.dependency);
+    EXPECT_EQ(found[i].path, one.path);
+    EXPECT_EQ(found[i].grade, one.grade);
+    EXPECT_EQ(found[i].note, one.note);
+    const bool isCutOff = i < places.size() && places[i].x > 290.0;
+    EXPECT_EQ(one.resolved(), i < places.size() && !isCutOff) << i;
+    if (one.resolved() && places[i].x < 280.0) {
+      EXPECT_TRUE(leadsTo(one.dependency, places[i]));
+    }
+  }
+}
+
+TEST_F(VdmReferenceUpdate, SignaturesOfLargeFacesAreRenewedByAndBy) {
+  const OdDbObjectId entity = addSolid(drilled(drills(10, 6)));
+  const OdDbObjectId top = refer(entity, Type::kFace, {5, 100, 10});
+  const auto remembered = [&] { return explainReference(top).record.signature; };
+  const auto expectRenewed = [&](OdUInt16 bounds) {
+    const OdModelerBodyPtr body = bodyOfSolid(entity);
+    const SubentSignature now = signatureOf(*body, {Type::kFace, faceAt(*body, {5, 100, 10})});
+    EXPECT_EQ(now.bounds, bounds);
+    EXPECT_TRUE(isIdentical(remembered(), now, MatchTolerance::of(*body)));
+    EXPECT_EQ(remembered().bounds, bounds);
+  };
+  expectRenewed(64);
+  cutSolid(entity, drills(2, 1, 30.0, 150.0));
+  EXPECT_EQ(remembered().bounds, 64) << "two more holes of 66 are no matter";
+  cutSolid(entity, drills(8, 1, 70.0, 150.0));
+  expectRenewed(74);
+}
+
 TEST_F(VdmReferenceUpdate, SplitsAndMergesAreToldToTheModule) {
   const OdDbObjectId entity = addSolid(plate());
   const OdDbObjectId top = refer(entity, Type::kFace, {150, 100, 10});
