@@ -199,9 +199,7 @@ OdModelerStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBody
   if (!isDone(*operation))
     return {eModelerError, OdString(nameOf(kind)) + L": " + reportOf(*operation)};
   const Simplified outcome = simplified(*operation, inputs, way.faces, way.unifyEdges);
-  const bool leftApart = way.faces != FacesToJoin::kAll;
-  const TopoDS_Shape shape = remains(outcome.shape, allSolid(inputs));
-  const OdModelerBodyPtr plain = odBodyFromOcct(shape);
+  const OdModelerBodyPtr plain = odBodyFromOcct(remains(outcome.shape, allSolid(inputs)));
   if (!plain || plain->numFaces() + plain->numEdges() == 0) {
     return failure(eDegenerateGeometry, nameOf(kind), "nothing is left");
   }
@@ -209,11 +207,11 @@ OdModelerStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBody
     return {eModelerInvalidBody, OdString(nameOf(kind)) + L": " + sound.text};
   }
   if (!needsHistory) {
-    result = withNote(plain, leftApart, {inputs.front()->attributes().name, {}, {}, {}});
+    result = withNote(plain, outcome.leftApart, {inputs.front()->attributes().name, {}, {}, {}});
     return {};
   }
   OdModelerHistory fates = collectHistory(*outcome.history, inputs, asOcct(*plain));
-  result = withNote(plain, leftApart, inheritAttributes(inputs, fates));
+  result = withNote(plain, outcome.leftApart, inheritAttributes(inputs, fates));
   if (history != nullptr) *history = std::move(fates);
   return {};
 }

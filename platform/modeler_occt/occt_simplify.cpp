@@ -8,12 +8,12 @@
 #include <ShapeUpgrade_UnifySameDomain.hxx>
 #include <TopExp.hxx>
 #include <TopTools_IndexedDataMapOfShapeListOfShape.hxx>
-#include <TopTools_MapOfShape.hxx>
 #include <TopoDS.hxx>
 #include <TopoDS_Vertex.hxx>
-#include <cmath>
 
 #include "platform/modeler_occt/occt_body.h"
+#include "platform/modeler_occt/occt_join_curved.h"
+#include "platform/modeler_occt/occt_same_surface.h"
 
 namespace od_occt {
 namespace {
@@ -22,46 +22,11 @@ namespace {
 const double kLinear = Precision::Confusion();
 const double kAngular = Precision::Angular();
 
-bool isSame(double a, double b) { return std::abs(a - b) <= kLinear; }
-
-bool isSamePlane(const gp_Pln& a, const gp_Pln& b) {
-  return a.Axis().IsParallel(b.Axis(), kAngular) && a.Distance(b.Location()) <= kLinear;
-}
-
-bool isCoaxial(const gp_Ax1& a, const gp_Ax1& b) { return a.IsCoaxial(b, kAngular, kLinear); }
-
-// Free-form surfaces count as one when there are two of them: there is no telling cheaply.
-bool haveOneSurface(const TopoDS_Shape& a, const TopoDS_Shape& b) {
-  const BRepAdaptor_Surface s(TopoDS::Face(a), Standard_False);
-  const BRepAdaptor_Surface t(TopoDS::Face(b), Standard_False);
-  if (s.GetType() != t.GetType()) return false;
-  switch (s.GetType()) {
-    case GeomAbs_Plane:
-      return isSamePlane(s.Plane(), t.Plane());
-    case GeomAbs_Cylinder:
-      return isSame(s.Cylinder().Radius(), t.Cylinder().Radius()) &&
-             isCoaxial(s.Cylinder().Axis(), t.Cylinder().Axis());
-    case GeomAbs_Cone:
-      return std::abs(s.Cone().SemiAngle() - t.Cone().SemiAngle()) <= kAngular &&
-             s.Cone().Apex().IsEqual(t.Cone().Apex(), kLinear) &&
-             isCoaxial(s.Cone().Axis(), t.Cone().Axis());
-    case GeomAbs_Sphere:
-      return isSame(s.Sphere().Radius(), t.Sphere().Radius()) &&
-             s.Sphere().Location().IsEqual(t.Sphere().Location(), kLinear);
-    case GeomAbs_Torus:
-      return isSame(s.Torus().MajorRadius(), t.Torus().MajorRadius()) &&
-             isSame(s.Torus().MinorRadius(), t.Torus().MinorRadius()) &&
-             s.Torus().Location().IsEqual(t.Torus().Location(), kLinear) &&
-             isCoaxial(s.Torus().Axis(), t.Torus().Axis());
-    default:
-      return true;
-  }
-}
-
 bool partsOneSurface(const Topology& topology, std::size_t edge) {
   const std::vector<OdUInt32>& faces = topology.facesOfEdge[edge];
-  return faces.size() == 2 && haveOneSurface(topology.faces(static_cast<int>(faces[0])),
-                                             topology.faces(static_cast<int>(faces[1])));
+  return faces.size() == 2 &&
+         haveOneSurface(TopoDS::Face(topology.faces(static_cast<int>(faces[0]))),
+                        TopoDS::Face(topology.faces(static_cast<int>(faces[1]))));
 }
 
 // Two open edges between the same faces meet there, and nothing else does.
@@ -159,29 +124,47 @@ class Borders {
   TopTools_MapOfShape m_ends;  // of the edges that are kept
 };
 
+void unify(Simplified& outcome, bool unifyEdges) {
+  ShapeUpgrade_UnifySameDomain unifier(outcome.shape, unifyEdges, /*UnifyFaces=*/Standard_True,
+                                       /*ConcatBSplines=*/Standard_True);
+  unifier.SetLinearTolerance(kLinear);
+  unifier.SetAngularTolerance(kAngular);
+  unifier.KeepShapes(outcome.kept);
+  unifier.Build();
+  outcome.advance(unifier.Shape(), unifier.History());
+}
+
 }  // namespace
+
+void Simplified::advance(const TopoDS_Shape& now, const Handle(BRepTools_History) & step) {
+  shape = now;
+  history->Merge(step);
+  TopTools_MapOfShape images;
+  for (TopTools_MapOfShape::Iterator it(kept); it.More(); it.Next()) {
+    const TopTools_ListOfShape& modified = step->Modified(it.Value());
+    if (modified.IsEmpty()) images.Add(it.Value());
+    for (const TopoDS_Shape& image : modified) images.Add(image);
+  }
+  kept = images;
+}
 
 Simplified simplified(BRepAlgoAPI_BooleanOperation& operation,
                       std::span<const OdModelerBodyPtr> inputs, FacesToJoin faces,
                       bool unifyEdges) {
-  if (faces == FacesToJoin::kNone) return {operation.Shape(), operation.History()};
+  if (faces == FacesToJoin::kNone) return {operation.Shape(), operation.History(), {}, true};
   Borders borders(operation);
   const Body& base = asOcct(*inputs.front());
   if (!base.isLeftApart()) borders.keepOfBase(base.topology());
   for (const OdModelerBodyPtr& tool : inputs.subspan(1)) {
     borders.keepOfTool(asOcct(*tool).topology());
   }
-  if (faces == FacesToJoin::kPlanes) borders.keepOfCurves(operation.Shape());
-  ShapeUpgrade_UnifySameDomain unifier(operation.Shape(), unifyEdges, /*UnifyFaces=*/Standard_True,
-                                       /*ConcatBSplines=*/Standard_True);
-  unifier.SetLinearTolerance(kLinear);
-  unifier.SetAngularTolerance(kAngular);
-  unifier.KeepShapes(borders.kept());
-  unifier.Build();
-  Simplified result{unifier.Shape(), new BRepTools_History};
-  result.history->Merge(operation.History());
-  result.history->Merge(unifier.History());
-  return result;
+  const bool onlyPlanes = faces == FacesToJoin::kPlanes;
+  if (onlyPlanes) borders.keepOfCurves(operation.Shape());
+  Simplified outcome{operation.Shape(), new BRepTools_History, borders.kept(), onlyPlanes};
+  outcome.history->Merge(operation.History());
+  if (!onlyPlanes) joinCurved(outcome);
+  unify(outcome, unifyEdges);
+  return outcome;
 }
 
 }  // namespace od_occt

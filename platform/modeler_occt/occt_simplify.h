@@ -2,6 +2,7 @@
 #pragma once
 
 #include <BRepTools_History.hxx>
+#include <TopTools_MapOfShape.hxx>
 #include <TopoDS_Shape.hxx>
 #include <span>
 
@@ -15,6 +16,11 @@ namespace od_occt {
 struct Simplified {
   TopoDS_Shape shape;
   Handle(BRepTools_History) history;
+  TopTools_MapOfShape kept;  ///< edges at which faces stay apart, vertices at which edges do
+  bool leftApart = false;    ///< faces that should have been joined may be side by side
+
+  /// Takes what a step has made of the shape.
+  void advance(const TopoDS_Shape& now, const Handle(BRepTools_History) & step);
 };
 
 enum class FacesToJoin { kNone, kPlanes, kAll };

@@ -1,5 +1,6 @@
 // Booleans, fillets and chamfers: sizes, the truth of their history, attributes, refusals.
 #include <algorithm>
+#include <cmath>
 #include <numbers>
 #include <set>
 
@@ -40,13 +41,13 @@ class OdModelerBoolean : public ModelerTest {
 TEST_F(OdModelerBoolean, VolumesFollowSetArithmeticAndInputsAreNotTouched) {
   const OdModelerBodyPtr a = box(10.0, 10.0, 10.0);
   const OdModelerBodyPtr b = box(10.0, 10.0, 10.0, {5.0, 5.0, 5.0});
-  const OdBinaryData before[] = {bytesOf(a), bytesOf(b)};
+  const OdBinaryData before[] = {bytesNow(a), bytesNow(b)};
   const auto volume = [&](Kind kind) { return combine(kind, a, {b})->massProperties().volume; };
   EXPECT_NEAR(volume(Kind::kUnite), 1875.0, 1e-6);
   EXPECT_NEAR(volume(Kind::kIntersect), 125.0, 1e-6);
   EXPECT_NEAR(volume(Kind::kSubtract), 875.0, 1e-6);
-  EXPECT_EQ(bytesOf(a), before[0]);
-  EXPECT_EQ(bytesOf(b), before[1]);
+  EXPECT_EQ(bytesNow(a), before[0]);
+  EXPECT_EQ(bytesNow(b), before[1]);
 }
 
 TEST_F(OdModelerBoolean, FacesOfOnePlaneMergeAndBothOldOnesPointToTheNewOne) {
@@ -85,6 +86,114 @@ TEST_F(OdModelerBoolean, WhatStoodApartInThePartStaysApartAlsoWhereItIsCutAndHea
     EXPECT_EQ(healed->numFaces(), 7u);
     EXPECT_EQ(healed->numEdges(), part->numEdges());
     EXPECT_EQ(healed->numVertices(), part->numVertices());
+  }
+}
+
+/// A part that is cut by a tool and gets back what the tool took.
+class OdModelerHealedHole : public OdModelerBoolean {
+ protected:
+  // The faces of the cut part and of the piece that came to lie in `wall`.
+  static std::size_t sourcesOf(const OdModelerHistory& history, OdUInt32 wall) {
+    std::size_t count = 0;
+    for (const OdModelerInputHistory& input : history.inputs) {
+      for (const OdModelerFate& fate : input.faces) {
+        EXPECT_LE(fate.images.size(), 1u) << "nothing is divided";
+        count += static_cast<std::size_t>(std::ranges::count(fate.images, wall));
+      }
+    }
+    return count;
+  }
+  static void expectAsBefore(const OdModelerBodyPtr& part, const OdModelerBodyPtr& cut,
+                             const OdModelerBodyPtr& piece, OdModelerSurfaceKind kind,
+                             double radius) {
+    const OdBinaryData before[] = {bytesNow(cut), bytesNow(piece)};
+    OdModelerHistory history;
+    const OdModelerBodyPtr healed = combine(Kind::kUnite, cut, {piece}, &history);
+    expectSound(history, {cut, piece}, *healed);
+    EXPECT_TRUE(succeeded(healed->check()));
+    EXPECT_EQ(healed->numFaces(), part->numFaces());
+    EXPECT_EQ(healed->numEdges(), part->numEdges());
+    EXPECT_EQ(healed->numVertices(), part->numVertices());
+    const OdModelerMassProperties have = healed->massProperties();
+    const OdModelerMassProperties wanted = part->massProperties();
+    EXPECT_NEAR(have.volume, wanted.volume, 1e-9 * wanted.volume);
+    EXPECT_NEAR(have.area, wanted.area, 1e-9 * wanted.area);
+    std::vector<OdUInt32> walls;
+    for (OdUInt32 i = 1; i <= healed->numFaces(); ++i) {
+      const OdModelerFace& face = healed->face(i);
+      if (face.kind == kind && std::abs(face.radius - radius) < 1e-9) walls.push_back(i);
+    }
+    ASSERT_EQ(walls.size(), 1u);
+    EXPECT_GE(sourcesOf(history, walls[0]), 2u);
+    EXPECT_EQ(bytesNow(cut), before[0]) << "bodies are shared and never change";
+    EXPECT_EQ(bytesNow(piece), before[1]);
+  }
+};
+
+TEST_F(OdModelerHealedHole, LeavesAPartAloneWhoseWallIsInHalves) {
+  OdModelerProfile profile;
+  profile.outer = {
+      {{-50.0, -40.0}, 0.0}, {{50.0, -40.0}, 0.0}, {{50.0, 40.0}, 0.0}, {{-50.0, 40.0}, 0.0}};
+  profile.holes = {{{{-8.0, 0.0}, 1.0}, {{8.0, 0.0}, 1.0}}};
+  const OdModelerBodyPtr part =
+      made([&](auto& r) { return odModeler().extrude(profile, OdGeVector3d::kZAxis * 20.0, r); });
+  const OdBinaryData before = bytesNow(part);
+  const std::pair<double, OdGeVector3d> tools[] = {
+      {7.656393297, {6.14407611, 6.056526531, -2.596086521}},
+      {4.338322892, {9.338039187, -0.7120746715, -4.797622615}},
+      {4.0, {0.0, 9.0, 5.0}}};
+  for (const auto& [radius, place] : tools) {
+    const OdModelerBodyPtr tool = cylinder(radius, 30.0, place);
+    const OdModelerBodyPtr piece = combine(Kind::kIntersect, part, {tool});
+    combine(Kind::kUnite, combine(Kind::kSubtract, part, {tool}), {piece});
+    EXPECT_EQ(bytesNow(part), before) << "radius " << radius;
+  }
+}
+
+TEST_F(OdModelerHealedHole, HasOneWallWhereTheSeamIsPartlyInEitherPart) {
+  const OdModelerBodyPtr drill = cylinder(3.5, 100.0, {22.916666666666668, 181.349206, -85.0});
+  const OdModelerBodyPtr part = combine(Kind::kSubtract, box(300.0, 200.0, 10.0), {drill});
+  const OdGeVector3d axis(20.535714285714285, 182.738095, 0.0);
+  const OdModelerBodyPtr counterbore =
+      combine(Kind::kUnite, cylinder(4.5, 21.0, axis + OdGeVector3d(0.0, 0.0, -10.0)),
+              {cylinder(8.0, 6.0, axis + OdGeVector3d(0.0, 0.0, 5.0))});
+  expectAsBefore(part, combine(Kind::kSubtract, part, {counterbore}),
+                 combine(Kind::kIntersect, part, {counterbore}), OdModelerSurfaceKind::kCylinder,
+                 3.5);
+}
+
+TEST_F(OdModelerHealedHole, HasOneWallWhereItIsDrilledThroughASlotThatIsFilledAgain) {
+  const OdModelerBodyPtr block = box(120.0, 90.0, 40.0);
+  const OdModelerBodyPtr slot =
+      combine(Kind::kUnite, box(28.0, 12.0, 14.0, {86.6, -0.3, 36.0}),
+              {cylinder(6.0, 14.0, {86.6, 5.7, 36.0}), cylinder(6.0, 14.0, {114.6, 5.7, 36.0})});
+  const OdModelerBodyPtr drill = cylinder(3.5, 100.0, {79.4, 8.75, -55.0});
+  const auto drilled = [&](Kind kind) {
+    return combine(Kind::kSubtract, combine(kind, block, {slot}), {drill});
+  };
+  expectAsBefore(combine(Kind::kSubtract, block, {drill}), drilled(Kind::kSubtract),
+                 drilled(Kind::kIntersect), OdModelerSurfaceKind::kCylinder, 3.5);
+}
+
+TEST_F(OdModelerHealedHole, HasOneWallAlsoWhereThatIsABallACounterSinkOrAGroove) {
+  const auto cone = made([](auto& r) { return odModeler().cone(6.0, 9.0, 3.001, r); });
+  const auto at = [](const OdModelerBodyPtr& body, OdGeVector3d place) {
+    return moved(body, OdGeMatrix3d::translation(place));
+  };
+  const std::pair<OdModelerBodyPtr, OdModelerSurfaceKind> tools[] = {
+      {made([](auto& r) { return odModeler().sphere(9.0, r); }), OdModelerSurfaceKind::kSphere},
+      {combine(Kind::kUnite, cylinder(6.0, 60.0, {0.0, 0.0, -50.0}), {at(cone, {0.0, 0.0, -3.0})}),
+       OdModelerSurfaceKind::kCylinder},
+      {made([](auto& r) { return odModeler().torus(12.0, 4.0, r); }), OdModelerSurfaceKind::kTorus},
+  };
+  for (const auto& [tool, kind] : tools) {
+    SCOPED_TRACE(static_cast<int>(kind));
+    const OdModelerBodyPtr part =
+        combine(Kind::kSubtract, box(100.0, 80.0, 40.0), {at(tool, {50.0, 40.0, 40.0})});
+    const OdModelerBodyPtr mill = cylinder(5.0, 30.0, {57.0, 43.0, 25.0});
+    const OdUInt32 wall = faceOfKind(*part, kind);
+    expectAsBefore(part, combine(Kind::kSubtract, part, {mill}),
+                   combine(Kind::kIntersect, part, {mill}), kind, part->face(wall).radius);
   }
 }
 

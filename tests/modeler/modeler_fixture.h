@@ -63,6 +63,11 @@ class ModelerTest : public testing::Test {
   static OdBinaryData bytesOf(const OdModelerBodyPtr& body) {
     return made<OdBinaryData>([&](auto& bytes) { return body->serialise(bytes); });
   }
+  /// The bytes of a body of one solid as it is now: a body that was stored once keeps what it
+  /// wrote.
+  static OdBinaryData bytesNow(const OdModelerBodyPtr& body) {
+    return bytesOf(body->solids().at(0));
+  }
   static OdModelerBodyPtr bodyOf(const OdBinaryData& bytes) {
     return made([&](auto& body) { return odModeler().deserialise(bytes, body); });
   }
