@@ -322,9 +322,9 @@ void ModelUpdate::noteOpening(const OdDbObjectId& solid, const OdDbObjectId& fea
                        std::make_move_iterator(faces.end()));
 }
 
-// Openings that met in one face share its reference. Once they are apart, or one of them is closed,
-// each lets go what is the other's: one that was done anew all that its tools did not leave, the
-// others what those left.
+// Openings that met in one face share its reference. One that was done anew lets go what its tools
+// did not leave now. Once openings are apart, or one of them is closed, the others let go what the
+// tools of those left.
 void ModelUpdate::separateOpenings() {
   const auto isSplit = [](const ReferenceChange& change) {
     return change.grade == ReferenceGrade::kSplit && change.replacedBy.size() > 1;
@@ -332,42 +332,48 @@ void ModelUpdate::separateOpenings() {
   const auto hasClosed = [](const auto& row) {
     return std::ranges::any_of(row.second, [](const Opening& o) { return o.faces.empty(); });
   };
-  if (std::ranges::none_of(m_references.changes, isSplit) &&
-      std::ranges::none_of(m_openings, hasClosed))
-    return;
-  const auto holds = [](const Opening& opening, int toolFace, OdUInt32 face) {
-    const auto found = opening.faces.find(toolFace);
-    return found != opening.faces.end() &&
-           std::ranges::find(found->second, face) != found->second.end();
-  };
+  const bool concernsAll = std::ranges::any_of(m_references.changes, isSplit) ||
+                           std::ranges::any_of(m_openings, hasClosed);
   for (const auto& [solid, openings] : m_openings) {
-    for (const OdDbObjectId& id : componentsAt(solid)) {
-      const VdmComponentFeaturePtr component = openComponent(id, OdDb::kForRead);
-      if (component.isNull()) continue;
-      const auto own = std::ranges::find(openings, id, &Opening::feature);
-      for (const auto& [toolFace, dependencies] : component->openingDependencies()) {
-        OdDbObjectIdArray foreign;
-        for (const OdDbObjectId& reference : dependencies) {
-          const VdmDbObjectDependencyPtr dependency =
-              VdmDbObjectDependency::cast(reference.openObject());
-          if (dependency.isNull() || isUnresolvedIndex(dependency->subentId().index())) continue;
-          const auto face = static_cast<OdUInt32>(dependency->subentId().index());
-          const auto leftIt = [&](const Opening& opening) {
-            return std::ranges::any_of(opening.faces, [&](const auto& row) {
-              return std::ranges::find(row.second, face) != row.second.end();
-            });
-          };
-          const bool isForeign = own != openings.end() ? !holds(*own, toolFace, face)
-                                                       : std::ranges::any_of(openings, leftIt);
-          if (isForeign) foreign.append(reference);
-        }
-        if (foreign.isEmpty()) continue;
-        const VdmComponentFeaturePtr writer = openComponent(id, OdDb::kForWrite);
-        writer->getDbObject()->assertWriteEnabled();
-        writer->dropOpening(toolFace, foreign);
-        m_leavesUnwatched = true;
-      }
+    std::unordered_set<OdDbObjectId> doneAnew;
+    for (const Opening& own : openings) {
+      doneAnew.insert(own.feature);
+      dropOpeningFaces(own.feature, [&own](int toolFace, OdUInt32 face) {
+        const auto found = own.faces.find(toolFace);
+        return found == own.faces.end() || std::ranges::count(found->second, face) == 0;
+      });
     }
+    if (!concernsAll) continue;
+    std::unordered_set<OdUInt32> left;
+    for (const Opening& opening : openings) {
+      for (const auto& [toolFace, faces] : opening.faces) left.insert(faces.begin(), faces.end());
+    }
+    for (const OdDbObjectId& id : componentsAt(solid)) {
+      if (doneAnew.contains(id)) continue;
+      dropOpeningFaces(id, [&left](int, OdUInt32 face) { return left.contains(face); });
+    }
+  }
+}
+
+// Lets the component's references to faces of openings go for which `isForeign` holds.
+void ModelUpdate::dropOpeningFaces(const OdDbObjectId& feature,
+                                   const std::function<bool(int, OdUInt32)>& isForeign) {
+  const VdmComponentFeaturePtr component = openComponent(feature, OdDb::kForRead);
+  if (component.isNull()) return;
+  for (const auto& [toolFace, dependencies] : component->openingDependencies()) {
+    OdDbObjectIdArray foreign;
+    for (const OdDbObjectId& reference : dependencies) {
+      const VdmDbObjectDependencyPtr dependency =
+          VdmDbObjectDependency::cast(reference.openObject());
+      if (dependency.isNull() || isUnresolvedIndex(dependency->subentId().index())) continue;
+      if (isForeign(toolFace, static_cast<OdUInt32>(dependency->subentId().index())))
+        foreign.append(reference);
+    }
+    if (foreign.isEmpty()) continue;
+    const VdmComponentFeaturePtr writer = openComponent(feature, OdDb::kForWrite);
+    writer->getDbObject()->assertWriteEnabled();
+    writer->dropOpening(toolFace, foreign);
+    m_leavesUnwatched = true;
   }
 }
 

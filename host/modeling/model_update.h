@@ -1,6 +1,7 @@
 // ModelUpdate: brings a drawing up to date with an edit: references, components, features.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <unordered_map>
@@ -77,6 +78,8 @@ class ModelUpdate {
   bool runRound();
   void eraseUnwatched();
   void separateOpenings();
+  void dropOpeningFaces(const OdDbObjectId& feature,
+                        const std::function<bool(int, OdUInt32)>& isForeign);
   void dropUnwatched();
   void reportReferences();
 
