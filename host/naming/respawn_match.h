@@ -30,6 +30,7 @@ struct RespawnMatch {
 ///      went to other faces, it is the one at the opening that lies exactly as the old one did;
 ///   3. what touches a face that is not there any more is lost until the opening comes back; an
 ///      edge or vertex comes back where it lies exactly as it did.
+///   4. what a tool's face left is never another face, though it lie in that one's old place.
 class RespawnMatcher {
  public:
   /// The rows are those of one solid. All arguments outlive this; `lineage` tells the faces that
