@@ -20,8 +20,7 @@ struct RespawnMatch {
 };
 
 /// Laws:
-///   1. an old face of an opening is what the same face of the tool left in the new body; of
-///   several
+///   1. an old face of an opening is what the same face of the tool left in the new body; of several
 ///      such faces the one that lies as the old one does after the tool's motion, else all; a face
 ///      in which several openings had met is all of theirs;
 ///   2. an edge or vertex that touches such a face is the one where the images of all its old faces
