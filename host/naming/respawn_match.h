@@ -20,9 +20,9 @@ struct RespawnMatch {
 };
 
 /// Laws:
-///   1. an old face of an opening is what the same face of the tool left in the new body; of several
-///      such faces the one that lies as the old one does after the tool's motion, else all; a face
-///      in which several openings had met is all of theirs;
+///   1. an old face of an opening is what the same face of the tool left in the new body; of
+///      several such faces the one that lies as the old one does after the tool's motion, else all;
+///      a face in which several openings had met is all of theirs;
 ///   2. an edge or vertex that touches such a face is the one where the images of all its old faces
 ///      meet and no others; of several the one that lies as the old one did after the motion, or
 ///      lies nearest by far; else it is ambiguous. Where they meet nowhere, because the opening
