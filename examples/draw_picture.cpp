@@ -20,7 +20,7 @@
 namespace {
 
 OdDbDatabasePtr openDrawing(OdDbHostAppServices& services, const char* path) {
-  OdDbStoreStatus status;
+  OdStatus status;
   OdDbReadOptions options;
   options.mode = OdDbStoreOpenMode::kReadOnly;
   OdDbDatabasePtr drawing = services.readFile(OdString(path), status, options);

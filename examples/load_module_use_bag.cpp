@@ -21,7 +21,7 @@ void expect(bool holds, const char* what) {
   if (!holds) throw OdError(eGeneralFailure, OdString(what));
 }
 
-void check(const OdDbStoreStatus& status) {
+void check(const OdStatus& status) {
   if (!status.ok()) throw OdError(status.code, status.text);
 }
 
@@ -29,7 +29,7 @@ OdDbObjectId addLine(OdDbDatabase* drawing) {
   const OdDbLinePtr line = OdDbLine::createObject();
   line->setEndPoint(OdGePoint3d(100, 0, 0));
   const OdDbBlockTableRecordPtr modelSpace =
-      OdDbBlockTableRecord::cast(drawing->getModelSpaceId().safeOpenObject(OdDb::kForWrite));
+      drawing->getModelSpaceId().safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite);
   return modelSpace->appendOdDbEntity(line);
 }
 
@@ -69,7 +69,7 @@ OdDbHandle makeDrawing(OdDbHostAppServices& services, const OdString& path) {
 }
 
 void readDrawing(OdDbHostAppServices& services, const OdString& path, const OdDbHandle& handle) {
-  OdDbStoreStatus status;
+  OdStatus status;
   OdDbReadOptions options;
   options.mode = OdDbStoreOpenMode::kReadOnly;
   const OdDbDatabasePtr drawing = services.readFile(path, status, options);

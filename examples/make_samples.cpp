@@ -30,7 +30,7 @@ constexpr double kPadLength = 60.0;
 constexpr double kPadWidth = 40.0;
 constexpr double kPadHeight = 8.0;
 
-void require(const OdModelerStatus& status) {
+void require(const OdStatus& status) {
   if (!status.ok()) throw OdError(status.code, status.text);
 }
 

@@ -25,7 +25,7 @@ void require(OdResult result, const char* what) {
 
 /// The solid under a handle; raises when the handle names nothing or something else.
 OdDb3dSolidPtr openSolid(const OdDbObjectId& id, OdDb::OpenMode mode) {
-  return OdDb3dSolidPtr(id.safeOpenObject(mode));
+  return id.safeOpenAs<OdDb3dSolid>(mode);
 }
 
 void show(const OdDbObjectId& id, const char* moment) {
@@ -93,7 +93,7 @@ void tellStory(OdDbDatabase* drawing, const OdDbObjectId& id) {
 
 void run(const char* path, const char* handle) {
   OdDbHostAppServices services(createSqliteStoreFactory());
-  OdDbStoreStatus status;
+  OdStatus status;
   const OdDbDatabasePtr drawing = services.readFile(OdString(path), status);
   if (!status.ok()) throw OdError(status.code, status.text);
   const OdDbObjectId id = drawing->getOdDbObjectId(OdDbHandle(handle));

@@ -69,7 +69,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 std::vector<FuzzInput> fuzzCorpus() {
   std::vector<FuzzInput> corpus;
   drawing()->forEachId([&corpus](OdDbObjectId id) {
-    const VdmDbExtensionDataPtr object = VdmDbExtensionData::cast(id.openObject());
+    const VdmDbExtensionDataPtr object = id.openAs<VdmDbExtensionData>();
     if (object.isNull()) return true;
     for (std::uint8_t form = 0; form < 2; ++form) {
       FuzzInput input{form};

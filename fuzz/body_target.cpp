@@ -40,7 +40,7 @@ OdBinaryData sealed(const std::uint8_t* geometry, std::size_t size) {
 
 OdModelerBodyPtr read(const OdBinaryData& bytes) {
   OdModelerBodyPtr body;
-  const OdModelerStatus status = modeler().deserialise(bytes, body);
+  const OdStatus status = modeler().deserialise(bytes, body);
   fuzzRequire(status.ok() == (body != nullptr), "status and body contradict each other");
   return body;
 }

@@ -20,7 +20,7 @@ const std::string& filePath() {
 }
 
 void readEverything(OdDbDatabase* drawing) {
-  const OdDbStoreStatus loaded = drawing->loadAll();
+  const OdStatus loaded = drawing->loadAll();
   fuzzRequire(loaded.ok() || !loaded.text.isEmpty(), "loading fails without a reason");
   drawing->forEachId([](OdDbObjectId id) {
     const OdDbObjectPtr object = id.openObject();
@@ -32,7 +32,7 @@ void readEverything(OdDbDatabase* drawing) {
 }
 
 void open() {
-  OdDbStoreStatus status;
+  OdStatus status;
   OdDbReadOptions options;
   options.mode = OdDbStoreOpenMode::kReadOnly;
   const OdDbDatabasePtr drawing = fuzzServices().readFile(OdString(filePath()), status, options);
@@ -46,7 +46,7 @@ void open() {
 
 void recover() {
   OdStringArray report;
-  OdDbStoreStatus status;
+  OdStatus status;
   const OdDbDatabasePtr drawing = fuzzServices().recoverFile(OdString(filePath()), report, status);
   if (!drawing.isNull()) readEverything(drawing.get());
 }

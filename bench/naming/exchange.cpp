@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 OdModelerAssembly readStep(const std::string& path) {
   OdModelerAssembly assembly;
-  const OdModelerStatus status = odModeler().importStep(OdString(path.c_str()), assembly);
+  const OdStatus status = odModeler().importStep(OdString(path.c_str()), assembly);
   if (!status.ok()) throw std::runtime_error(path + ": " + std::string(status.text.utf8()));
   return assembly;
 }
@@ -50,7 +50,7 @@ OdModelerBodyPtr throughStep(const OdModelerBodyPtr& body) {
   const std::string path =
       (fs::temp_directory_path() / ("vdm_bench_naming_" + std::to_string(getpid()) + ".stp"))
           .string();
-  const OdModelerStatus status = odModeler().exportStep(OdString(path.c_str()), assembly);
+  const OdStatus status = odModeler().exportStep(OdString(path.c_str()), assembly);
   if (!status.ok()) throw std::runtime_error(std::string(status.text.utf8()));
   const std::vector<OdModelerBodyPtr> solids = solidsOf(readStep(path));
   fs::remove(path);
@@ -62,7 +62,7 @@ OdModelerBodyPtr throughStep(const OdModelerBodyPtr& body) {
 
 OdModelerBodyPtr throughBytes(const OdModelerBodyPtr& body) {
   OdBinaryData bytes;
-  if (const OdModelerStatus status = body->serialise(bytes); !status.ok()) {
+  if (const OdStatus status = body->serialise(bytes); !status.ok()) {
     throw std::runtime_error(std::string(status.text.utf8()));
   }
   return made([&](auto& result) { return odModeler().deserialise(bytes, result); });
@@ -86,7 +86,7 @@ OdModelerBodyPtr reordered(const OdModelerBodyPtr& body, Random& random) {
     builder.Add(solid, shell);
   }
   const OdModelerBodyPtr result = odBodyFromOcct(solid);
-  if (const OdModelerStatus status = result->check(); !status.ok()) {
+  if (const OdStatus status = result->check(); !status.ok()) {
     throw std::runtime_error(std::string(status.text.utf8()));
   }
   return result;

@@ -94,7 +94,7 @@ struct Plan {
 template <class Call>
 OdModelerBodyPtr made(Call call) {
   OdModelerBodyPtr result;
-  const OdModelerStatus status = call(result);
+  const OdStatus status = call(result);
   if (!status.ok()) throw std::runtime_error(std::string(status.text.utf8()));
   return result;
 }

@@ -24,11 +24,11 @@
 namespace naming_bench {
 namespace {
 
-void require(const OdModelerStatus& status) {
+void require(const OdStatus& status) {
   if (!status.ok()) throw std::runtime_error(std::string(status.text.utf8()));
 }
 
-OdModelerStatus apply(OdDb3dSolid& solid, const Operation& operation) {
+OdStatus apply(OdDb3dSolid& solid, const Operation& operation) {
   switch (operation.kind) {
     case Operation::Kind::kBoolean:
       return solid.booleanOper(operation.boolean, {&operation.body, 1});
@@ -92,8 +92,7 @@ ReferenceDrawing::ReferenceDrawing(const OdModelerBodyPtr& body,
   const OdDbObjectId space = m_database->getModelSpaceId();
   const OdDb3dSolidPtr solid = OdDb3dSolid::createObject();
   solid->setBody(body);
-  m_solid =
-      OdDbBlockTableRecord::cast(space.safeOpenObject(OdDb::kForWrite))->appendOdDbEntity(solid);
+  m_solid = space.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite)->appendOdDbEntity(solid);
   m_watcher = m_database->addOdDbObject(OdDbDictionary::createObject(), space);
   VdmDbConstraintManager::getInstance(space, /*create=*/true);
 
@@ -108,7 +107,7 @@ void ReferenceDrawing::append(std::span<const OdModelerSubent> references) {
                                         static_cast<OdGsMarker>(subent.index))});
   }
   const OdDbObjectIdArray ids =
-      VdmDbPersIdManager::cast(m_manager.safeOpenObject(OdDb::kForWrite))->append(paths, nullptr);
+      m_manager.safeOpenAs<VdmDbPersIdManager>(OdDb::kForWrite)->append(paths, nullptr);
   if (ids.size() != references.size()) throw std::runtime_error("the manager made no references");
   watch(ids);
   for (const OdDbObjectId& id : ids) m_references.push_back({id});
@@ -116,13 +115,12 @@ void ReferenceDrawing::append(std::span<const OdModelerSubent> references) {
 
 void ReferenceDrawing::watch(const OdDbObjectIdArray& dependencies) {
   for (const OdDbObjectId& id : dependencies) {
-    VdmDbObjectDependency::cast(id.safeOpenObject(OdDb::kForWrite))
-        ->addPersistentReactor(m_watcher);
+    id.safeOpenAs<VdmDbObjectDependency>(OdDb::kForWrite)->addPersistentReactor(m_watcher);
   }
 }
 
 void ReferenceDrawing::replay(const EditTrace& edit) {
-  const OdDb3dSolidPtr solid = OdDb3dSolid::cast(m_solid.safeOpenObject(OdDb::kForWrite));
+  const OdDb3dSolidPtr solid = m_solid.safeOpenAs<OdDb3dSolid>(OdDb::kForWrite);
   for (const Operation& operation : edit.operations) require(apply(*solid, operation));
   if (!sameNumbers(*solid->body(), *edit.after)) {
     throw std::logic_error("the solid came out otherwise than the part");
@@ -188,7 +186,7 @@ void ReferenceDrawing::edit(const EditTrace& edit) {
 
 SettleCost ReferenceDrawing::adopt(const EditTrace& edit) {
   OdDbTransaction transaction(m_database);
-  OdDb3dSolid::cast(m_solid.safeOpenObject(OdDb::kForWrite))->setBody(edit.after);
+  m_solid.safeOpenAs<OdDb3dSolid>(OdDb::kForWrite)->setBody(edit.after);
   OdSolidJournal journal;
   for (OdSolidChange change : edit.changes) {
     change.solid = m_solid;

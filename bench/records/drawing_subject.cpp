@@ -15,7 +15,7 @@
 
 namespace {
 
-void require(const OdDbStoreStatus& status) {
+void require(const OdStatus& status) {
   if (!status.ok()) throw std::runtime_error(std::string(status.text.utf8()));
 }
 
@@ -91,7 +91,7 @@ class DrawingSubject : public RecordSubject {
 
  private:
   void open(const std::string& path) {
-    OdDbStoreStatus status;
+    OdStatus status;
     m_database = m_services.readFile(OdString(path), status);
     require(status);
     m_first = kFirstRecordHandle;

@@ -12,7 +12,7 @@
 
 namespace {
 
-void require(const OdModelerStatus& status) {
+void require(const OdStatus& status) {
   if (!status.ok()) throw std::runtime_error(std::string(status.text.utf8()));
 }
 
@@ -37,7 +37,8 @@ ComponentDrawing::ComponentDrawing(double length, double width, double holeDiame
     : database(services.createDatabase()) {
   const OdDb3dSolidPtr solid = OdDb3dSolid::createObject();
   require(solid->createBox(length, width, 10.0));
-  plate = OdDbBlockTableRecord::cast(database->getModelSpaceId().safeOpenObject(OdDb::kForWrite))
+  plate = database->getModelSpaceId()
+              .safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite)
               ->appendOdDbEntity(solid);
   require(vdm_host::makeHole(database, OdString(L"HOLE"), {holeDiameter, std::nullopt}, hole));
 }
@@ -45,7 +46,8 @@ ComponentDrawing::ComponentDrawing(double length, double width, double holeDiame
 OdDbObjectId ComponentDrawing::addPlate() const {
   const OdDb3dSolidPtr solid = OdDb3dSolid::createObject();
   solid->setBody(plateBody());
-  return OdDbBlockTableRecord::cast(database->getModelSpaceId().safeOpenObject(OdDb::kForWrite))
+  return database->getModelSpaceId()
+      .safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite)
       ->appendOdDbEntity(solid);
 }
 
@@ -59,7 +61,7 @@ vdm_host::ComponentPlacement ComponentDrawing::at(double x, double y, OdUInt32 f
 }
 
 OdModelerBodyPtr ComponentDrawing::plateBody() const {
-  return OdDb3dSolid::cast(plate.safeOpenObject())->body();
+  return plate.safeOpenAs<OdDb3dSolid>()->body();
 }
 
 OdUInt32 ComponentDrawing::topFace() const {

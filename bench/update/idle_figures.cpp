@@ -119,12 +119,12 @@ void addSettledFeatures(ComponentDrawing& drawing, std::size_t count) {
     auto placement = drawing.at(place, place, top);
     placement.solid = plate;
     placement.name = OdString(("h" + std::to_string(i)).c_str());
-    const OdModelerStatus status =
+    const OdStatus status =
         vdm_host::makeInsertion(drawing.database, drawing.hole, placement, insert, feature);
     if (!status.ok()) throw std::runtime_error(std::string(status.text.utf8()));
     const auto component = VdmComponentFeature::cast(VdmFeature::open(feature));
     const OdDbObjectId reactor = component->insertReactorId();
-    VdmDbInsertReactor::cast(reactor.safeOpenObject(OdDb::kForWrite))->setChanged(false);
+    reactor.safeOpenAs<VdmDbInsertReactor>(OdDb::kForWrite)->setChanged(false);
   }
 }
 
@@ -142,7 +142,7 @@ void measureOne(std::size_t count, std::size_t rounds, std::vector<Figure>& figu
   FunctionDocument functions(count);
   const OdDbObjectId managerId =
       VdmDbFeatureManager::getInstance(drawing.database->getModelSpaceId(), false);
-  const auto manager = VdmDbFeatureManager::cast(managerId.safeOpenObject(OdDb::kForWrite));
+  const auto manager = managerId.safeOpenAs<VdmDbFeatureManager>(OdDb::kForWrite);
   // Something happened, but to nothing that a feature refers to.
   VdmDependenciesReplacementMap map;
   map.addTransformedObject(drawing.hole, OdGeMatrix3d::translation({1.0, 0.0, 0.0}), false);

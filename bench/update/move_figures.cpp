@@ -16,7 +16,7 @@ constexpr double kDiameter = 10.0;
 template <class Call>
 OdModelerBodyPtr made(Call call) {
   OdModelerBodyPtr result;
-  const OdModelerStatus status = call(result);
+  const OdStatus status = call(result);
   if (!status.ok()) throw std::runtime_error(std::string(status.text.utf8()));
   return result;
 }

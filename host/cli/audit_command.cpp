@@ -14,7 +14,7 @@ namespace {
 
 /// Every record against its checksum and the file against its digest; empty when all is sound.
 std::string fileFinding(OdDbDatabase& drawing) {
-  const OdDbStoreStatus status = drawing.loadAll();
+  const OdStatus status = drawing.loadAll();
   if (status.ok()) return {};
   return status.text.isEmpty() ? odResultText(status.code) : str(status.text);
 }

@@ -38,11 +38,11 @@ struct Outcome {
 };
 
 OdDbBlockTableRecordPtr openBlock(const OdDbObjectId& id, OdDb::OpenMode mode) {
-  return OdDbBlockTableRecord::cast(id.safeOpenObject(mode));
+  return id.safeOpenAs<OdDbBlockTableRecord>(mode);
 }
 
 OdDbObjectId blockNamed(const OdDbDatabase& drawing, const OdString& name) {
-  const auto table = OdDbBlockTable::cast(drawing.getBlockTableId().safeOpenObject());
+  const auto table = drawing.getBlockTableId().safeOpenAs<OdDbBlockTable>();
   return table->getAt(name);
 }
 
@@ -166,11 +166,11 @@ void cloneBlock(const Drawings& drawings, const OdDbObjectId& id, const CloneOpt
 }
 
 void convertLengths(const OdDbObjectId& source, const OdDbObjectId& clone, Outcome& outcome) {
-  const OdDb::UnitsValue from = lengthUnitsOf(*OdDbEntity::cast(source.safeOpenObject()));
-  const OdDb::UnitsValue to = lengthUnitsOf(*OdDbEntity::cast(clone.safeOpenObject()));
+  const OdDb::UnitsValue from = lengthUnitsOf(*source.safeOpenAs<OdDbEntity>());
+  const OdDb::UnitsValue to = lengthUnitsOf(*clone.safeOpenAs<OdDbEntity>());
   const double factor = oddbGetUnitsConversion(from, to);
   if (factor == 1.0) return;
-  const auto entity = OdDbEntity::cast(clone.safeOpenObject(OdDb::kForWrite));
+  const auto entity = clone.safeOpenAs<OdDbEntity>(OdDb::kForWrite);
   const OdResult result = entity->transformBy(OdGeMatrix3d::scaling(factor));
   if (result != eOk) {
     throw CliError("entity " + str(clone.getHandle()) + " cannot be scaled by " +

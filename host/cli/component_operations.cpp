@@ -66,8 +66,8 @@ void checkComponent(const ComponentKindRow& kind, const Arguments& arguments) {
   }
 }
 
-OdModelerStatus makeComponent(Editing& editing, const std::string& kind, const Arguments& arguments,
-                              OdDbObjectId& block) {
+OdStatus makeComponent(Editing& editing, const std::string& kind, const Arguments& arguments,
+                       OdDbObjectId& block) {
   OdDbDatabase* drawing = &editing.drawing;
   const OdString name(arguments.text("name"));
   const std::optional<double> depth = arguments.optionalNumber("depth");
@@ -98,7 +98,7 @@ StepResult addComponent(Editing& editing, const Arguments& arguments) {
     throw CliError("name " + quote(name) + " is no name for a block", kWrongUsage);
   }
   OdDbObjectId block;
-  const OdModelerStatus status = makeComponent(editing, kind, arguments, block);
+  const OdStatus status = makeComponent(editing, kind, arguments, block);
   if (!status.ok()) {
     throw CliError("component " + quote(name) + ": " +
                    (status.text.isEmpty() ? odResultText(status.code) : str(status.text)));
@@ -125,7 +125,7 @@ OdGePoint3d middleOf(const OdModelerBody& body, OdModelerSubent subent) {
 bool isSolidHandle(OdDbDatabase& drawing, const std::string& text) {
   OdDbHandle handle;
   return featuresNamed(drawing, text).empty() && OdDbHandle::parse(text.c_str(), handle) &&
-         !OdDb3dSolid::cast(drawing.getOdDbObjectId(handle).openObject()).isNull();
+         !drawing.getOdDbObjectId(handle).openAs<OdDb3dSolid>().isNull();
 }
 
 /// Solid, face and middle of the reference on which the component is to stand.

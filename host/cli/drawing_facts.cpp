@@ -57,12 +57,11 @@ BlockFacts factsOfBlock(const OdDbBlockTableRecord& block) {
 SolidFacts factsOfSolid(const OdDb3dSolid& solid) {
   SolidFacts facts;
   facts.handle = solid.getDbHandle();
-  if (const auto block = OdDbBlockTableRecord::cast(solid.blockId().openObject());
-      !block.isNull()) {
+  if (const auto block = solid.blockId().openAs<OdDbBlockTableRecord>(); !block.isNull()) {
     facts.block = str(block->getName());
   }
   OdModelerBodyPtr body;
-  const OdModelerStatus status = solid.getBody(body);
+  const OdStatus status = solid.getBody(body);
   if (!status.ok() || !body) {
     facts.fault = status.ok() ? "the solid is empty" : str(status.text);
     return facts;
@@ -119,7 +118,7 @@ class Gatherer {
 }  // namespace
 
 OdDb::UnitsValue lengthUnitsOf(const OdDbEntity& entity) {
-  const auto block = OdDbBlockTableRecord::cast(entity.blockId().openObject());
+  const auto block = entity.blockId().openAs<OdDbBlockTableRecord>();
   if (!block.isNull() && !block->isLayout() && block->blockInsertUnits() != OdDb::kUnitsUndefined) {
     return block->blockInsertUnits();
   }

@@ -57,7 +57,7 @@ fs::path findModule(const std::string& given) {
                  " was not found, name it with --module or use --no-modules");
 }
 
-void require(const OdDbStoreStatus& status, const std::string& path) {
+void require(const OdStatus& status, const std::string& path) {
   if (status.ok()) return;
   throw CliError(status.text.isEmpty() ? quote(path) + ": " + odResultText(status.code)
                                        : str(status.text));
@@ -125,14 +125,14 @@ OdDbDatabasePtr DrawingSession::open(const std::string& path, Access access) {
   options.mode =
       access == Access::kRead ? OdDbStoreOpenMode::kReadOnly : OdDbStoreOpenMode::kReadWrite;
   options.withUndo = false;
-  OdDbStoreStatus status;
+  OdStatus status;
   OdDbDatabasePtr drawing = m_services->readFile(OdString(path), status, options);
   require(status, path);
   return drawing;
 }
 
 OdDbDatabasePtr DrawingSession::recover(const std::string& path, OdStringArray& report) {
-  OdDbStoreStatus status;
+  OdStatus status;
   OdDbDatabasePtr drawing = m_services->recoverFile(OdString(path), report, status);
   require(status, path);
   return drawing;

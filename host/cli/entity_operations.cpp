@@ -123,7 +123,7 @@ OdModelerBodyPtr withLookOf(const OdModelerBodyPtr& before, const OdModelerBodyP
 
 StepResult replace(Editing& editing, const Arguments& arguments) {
   const OdDbObjectId solid = findSolid(editing.drawing, arguments.text("solid"));
-  const OdDb::UnitsValue units = lengthUnitsOf(*OdDbEntity::cast(solid.safeOpenObject()));
+  const OdDb::UnitsValue units = lengthUnitsOf(*solid.safeOpenAs<OdDbEntity>());
   const std::string path = arguments.text("file");
   const std::string before = solidText(solid);
   const OdModelerBodyPtr body = withLookOf(bodyOfSolid(solid), readPart(path, units));

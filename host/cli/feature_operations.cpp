@@ -75,7 +75,7 @@ std::map<OdDbObjectId, FeatureCounts> countFeatures(OdDbDatabase& drawing) {
 std::uint64_t countReferences(OdDbDatabase& drawing) {
   std::uint64_t count = 0;
   for (const OdDbObjectId& id : vdmu::getAllPersIdManagers(&drawing)) {
-    const auto manager = VdmDbPersIdManager::cast(id.openObject());
+    const auto manager = id.openAs<VdmDbPersIdManager>();
     if (!manager.isNull()) count += manager->objectDependencyIds().size();
   }
   return count;
@@ -83,10 +83,10 @@ std::uint64_t countReferences(OdDbDatabase& drawing) {
 
 void auditManagers(OdDbDatabase& drawing) {
   for (const OdDbObjectId& id : vdm_host::featureManagers(&drawing)) {
-    VdmDbFeatureManager::cast(id.safeOpenObject(OdDb::kForWrite))->doAudit();
+    id.safeOpenAs<VdmDbFeatureManager>(OdDb::kForWrite)->doAudit();
   }
   for (const OdDbObjectId& id : vdmu::getAllPersIdManagers(&drawing)) {
-    VdmDbPersIdManager::cast(id.safeOpenObject(OdDb::kForWrite))->doAudit();
+    id.safeOpenAs<VdmDbPersIdManager>(OdDb::kForWrite)->doAudit();
   }
 }
 
@@ -187,7 +187,7 @@ StepResult makeGroup(Editing& editing, const Arguments& arguments) {
   OdDbTransaction transaction(&editing.drawing);
   const OdDbObjectId managerId = VdmDbFeatureManager::getInstance(space, /*create=*/true);
   const OdDbObjectId id =
-      VdmDbFeatureManager::cast(managerId.safeOpenObject(OdDb::kForWrite))
+      managerId.safeOpenAs<VdmDbFeatureManager>(OdDb::kForWrite)
           ->createFeatureData(VdmGroupFeature::desc(), OdString(name), /*numberGiven=*/false,
                               /*trim=*/true);
   {

@@ -61,7 +61,7 @@ std::string handleOf(const OdDbObjectId& id) { return id.isNull() ? "" : str(id.
 std::vector<OdDbObjectId> allFeatures(OdDbDatabase& drawing) {
   std::vector<OdDbObjectId> features;
   for (const OdDbObjectId& managerId : vdm_host::featureManagers(&drawing)) {
-    const VdmDbFeatureManagerPtr manager = VdmDbFeatureManager::cast(managerId.openObject());
+    const VdmDbFeatureManagerPtr manager = managerId.openAs<VdmDbFeatureManager>();
     if (manager.isNull()) continue;
     for (const OdDbObjectId& id : manager->featureIds()) {
       if (!id.isErased()) features.push_back(id);
@@ -141,7 +141,7 @@ OdDbObjectId findComponentBlock(OdDbDatabase& drawing, const std::string& text) 
 }
 
 OdModelerBodyPtr bodyOfSolid(const OdDbObjectId& solid) {
-  const OdDb3dSolidPtr object = OdDb3dSolid::cast(solid.openObject());
+  const OdDb3dSolidPtr object = solid.openAs<OdDb3dSolid>();
   if (object.isNull()) throw CliError("object " + handleOf(solid) + " is no solid");
   OdModelerBodyPtr body;
   requireModelled(object->getBody(body));
@@ -151,7 +151,7 @@ OdModelerBodyPtr bodyOfSolid(const OdDbObjectId& solid) {
 
 std::string solidText(const OdDbObjectId& solid) {
   std::string text = handleOf(solid);
-  const OdDb3dSolidPtr object = OdDb3dSolid::cast(solid.openObject());
+  const OdDb3dSolidPtr object = solid.openAs<OdDb3dSolid>();
   OdModelerBodyPtr body;
   if (!object.isNull() && object->getBody(body).ok() && body) {
     const std::string name = str(body->attributes().name);
@@ -168,7 +168,7 @@ std::string objectText(const OdDbObjectId& id) {
     return "feature " + quote(feature->name().utf8()) + " (" + handle + ")";
   }
   if (const auto insert = OdDbBlockReference::cast(object.get()); !insert.isNull()) {
-    const auto block = OdDbBlockTableRecord::cast(insert->blockTableRecord().openObject());
+    const auto block = insert->blockTableRecord().openAs<OdDbBlockTableRecord>();
     return "insert " + handle + (block.isNull() ? "" : " of " + quote(block->getName().utf8()));
   }
   if (object->isKindOf(OdDb3dSolid::desc())) return "solid " + solidText(id);
@@ -187,7 +187,7 @@ ReferenceText referenceText(const vdm_host::ReferenceEntry& entry) {
     const OdModelerSubent number{static_cast<OdModelerSubentType>(subent.type()),
                                  static_cast<OdUInt32>(subent.index())};
     text.subent = str(vdm_host::subentName(number));
-    const OdDb3dSolidPtr solid = OdDb3dSolid::cast(now.solid.openObject());
+    const OdDb3dSolidPtr solid = now.solid.openAs<OdDb3dSolid>();
     OdModelerBodyPtr body;
     if (!now.resolved()) {
       text.subent = text.subent.substr(0, 2) + "?";

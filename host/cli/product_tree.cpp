@@ -67,7 +67,7 @@ class TreeMaker {
     node.placement = insert.blockTransform();
     const OdDbObjectId shown = insert.blockTableRecord();
     node.blockHandle = shown.getHandle();
-    const auto record = OdDbBlockTableRecord::cast(shown.openObject());
+    const auto record = shown.openAs<OdDbBlockTableRecord>();
     if (record.isNull()) {
       node.note = "its block cannot be read";
       node.sound = false;
@@ -88,7 +88,7 @@ class TreeMaker {
   static void describeSolid(const OdDb3dSolid& solid, ProductNode& node) {
     node.kind = ProductNode::Kind::kSolid;
     OdModelerBodyPtr body;
-    const OdModelerStatus status = solid.getBody(body);
+    const OdStatus status = solid.getBody(body);
     if (!status.ok()) {
       node.note = str(status.text);
       node.sound = false;

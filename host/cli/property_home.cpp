@@ -20,7 +20,7 @@ bool hasOwnBag(const OdDbObject& object) {
 bool carriesBag(const OdDbObject& object) {
   const OdResBufPtr data = object.xData(kVdmRegApp);
   if (!data.isNull() && !data->next().isNull()) return true;
-  const auto dictionary = OdDbDictionary::cast(object.extensionDictionary().openObject());
+  const auto dictionary = object.extensionDictionary().openAs<OdDbDictionary>();
   return !dictionary.isNull() && dictionary->has(kVdmRegApp);
 }
 

@@ -138,7 +138,7 @@ StepResult removeReference(Editing& editing, const Arguments& arguments) {
   step.values = {{"reference", text.handle}, {"name", text.name}};
   for (const OdDbObjectId& id : references) {
     const ReferenceText rest = referenceText(id);
-    const auto manager = VdmDbPersIdManager::cast(id.ownerId().openObject(OdDb::kForWrite));
+    const auto manager = id.ownerId().openAs<VdmDbPersIdManager>(OdDb::kForWrite);
     if (!rest.watchers.empty()) {
       step.notes.push_back(rest.handle + " stays for " + rest.watchers.front());
     } else if (!manager.isNull()) {

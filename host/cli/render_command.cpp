@@ -80,7 +80,7 @@ void readSize(const std::string& text, rendering::RenderOptions& options) {
 
 OdDbObjectId blockNamed(const OdDbDatabase& drawing, const std::string& name) {
   if (name.empty()) return {};
-  const auto table = OdDbBlockTable::cast(drawing.getBlockTableId().safeOpenObject());
+  const auto table = drawing.getBlockTableId().safeOpenAs<OdDbBlockTable>();
   const OdDbObjectId block = table->getAt(OdString(name));
   if (block.isNull()) throw CliError("there is no block " + quote(name));
   return block;

@@ -7,7 +7,7 @@
 #include "host/cli/cli_error.h"
 #include "host/cli/text_output.h"
 #include "platform/base/array.h"
-#include "platform/modeler/modeler_status.h"
+#include "platform/base/status.h"
 
 namespace cli {
 
@@ -18,7 +18,7 @@ namespace cli {
 }
 
 /// Raises CliError when the modeller did not succeed.
-inline void requireModelled(const OdModelerStatus& status) {
+inline void requireModelled(const OdStatus& status) {
   if (status.ok()) return;
   throw CliError(status.text.isEmpty() ? odResultText(status.code) : str(status.text));
 }

@@ -159,20 +159,19 @@ void VdmComponentFeature::forgetApplied() {
 }
 
 OdModelerBodyPtr VdmComponentFeature::piece(ToolKind kind) const {
-  const OdDb3dSolidPtr solid =
-      OdDb3dSolid::cast(m_pieceIds[static_cast<std::size_t>(kind)].openObject());
+  const OdDb3dSolidPtr solid = m_pieceIds[static_cast<std::size_t>(kind)].openAs<OdDb3dSolid>();
   return solid.isNull() ? nullptr : solid->body();
 }
 
 bool VdmComponentFeature::hasLostPiece() const {
   return std::any_of(m_pieceIds.begin(), m_pieceIds.end(), [](const OdDbObjectId& id) {
-    return !id.isNull() && OdDb3dSolid::cast(id.openObject()).isNull();
+    return !id.isNull() && id.openAs<OdDb3dSolid>().isNull();
   });
 }
 
 void VdmComponentFeature::setPiece(ToolKind kind, const OdModelerBodyPtr& body) {
   OdDbObjectId& id = m_pieceIds[static_cast<std::size_t>(kind)];
-  OdDb3dSolidPtr solid = OdDb3dSolid::cast(id.openObject(OdDb::kForWrite));
+  OdDb3dSolidPtr solid = id.openAs<OdDb3dSolid>(OdDb::kForWrite);
   if (!solid.isNull()) {
     solid->setBody(body);
     return;
@@ -215,7 +214,7 @@ std::map<int, OdDbObjectIdArray> VdmComponentFeature::openingDependencies() cons
 
 void VdmComponentFeature::dropOpening(int toolFace, const OdDbObjectIdArray& dependencies) {
   for (const OdDbObjectId& id : reactors()) {
-    VdmDbPersIdReactorPtr reactor = VdmDbPersIdReactor::cast(id.openObject(OdDb::kForWrite));
+    VdmDbPersIdReactorPtr reactor = id.openAs<VdmDbPersIdReactor>(OdDb::kForWrite);
     if (reactor.isNull() || !reactor->hasMask(kOpeningMask) || !reactor->hasTag(toolFace)) continue;
     reactor->removePersIds(dependencies);
     const bool isEmpty = reactor->persIdsRef().isEmpty();
@@ -226,10 +225,9 @@ void VdmComponentFeature::dropOpening(int toolFace, const OdDbObjectIdArray& dep
 
 OdString VdmComponentFeature::componentName() const {
   const OdDbBlockReferencePtr insert =
-      OdDbBlockReference::cast(m_insertId.openObject(OdDb::kForRead, /*openErased=*/true));
+      m_insertId.openAs<OdDbBlockReference>(OdDb::kForRead, /*openErased=*/true);
   if (insert.isNull()) return {};
-  const OdDbBlockTableRecordPtr block =
-      OdDbBlockTableRecord::cast(insert->blockTableRecord().openObject());
+  const OdDbBlockTableRecordPtr block = insert->blockTableRecord().openAs<OdDbBlockTableRecord>();
   return block.isNull() ? OdString() : block->getName();
 }
 
@@ -237,8 +235,7 @@ void VdmComponentFeature::bind(const OdDbObjectId& solid, const OdDbObjectId& in
   m_solidId = solid;
   m_insertId = insert;
   const OdDbObjectId reactor = addReactor(VdmDbInsertReactor::desc(), 0, 0);
-  const VdmDbInsertReactorPtr watcher =
-      VdmDbInsertReactor::cast(reactor.safeOpenObject(OdDb::kForWrite));
+  const VdmDbInsertReactorPtr watcher = reactor.safeOpenAs<VdmDbInsertReactor>(OdDb::kForWrite);
   watcher->watch(insert);
   watcher->setChanged(true);
 }

@@ -93,8 +93,8 @@ bool VdmComponentInterface::createForEntity(VdmDbFeatureManager* /*manager*/,
                                             VdmFeatureUpdateData& /*data*/) {
   if (basePath.objectIds().isEmpty()) return false;
   const OdDbObjectId solid = basePath.objectIds()[basePath.objectIds().size() - 1];
-  if (OdDb3dSolid::cast(solid.openObject()).isNull()) return false;
-  if (OdDbBlockReference::cast(entity.openObject()).isNull()) return false;
+  if (solid.openAs<OdDb3dSolid>().isNull()) return false;
+  if (entity.openAs<OdDbBlockReference>().isNull()) return false;
   const VdmComponentFeaturePtr own = component();
   own->upgradeOpen();
   own->bind(solid, entity);

@@ -32,7 +32,7 @@ constexpr double kThroughDiagonals = 2.0;
 /// And at least that many diameters, for parts that come later.
 constexpr double kThroughDiameters = 100.0;
 
-OdModelerStatus refuse(const wchar_t* form, double a, double b) {
+OdStatus refuse(const wchar_t* form, double a, double b) {
   OdString text;
   text.format(form, a, b);
   return {eInvalidInput, text};
@@ -40,7 +40,7 @@ OdModelerStatus refuse(const wchar_t* form, double a, double b) {
 
 bool isLength(double value) { return std::isfinite(value) && value > 0.0; }
 
-OdModelerStatus checkLength(const wchar_t* name, double value) {
+OdStatus checkLength(const wchar_t* name, double value) {
   if (isLength(value)) return {};
   OdString text;
   text.format(L"%ls is %g: a length above 0 is needed", name, value);
@@ -50,7 +50,7 @@ OdModelerStatus checkLength(const wchar_t* name, double value) {
 double throughDepth(OdDbDatabase* database, double diameter) {
   OdGeExtents3d box;
   const OdDbBlockTableRecordPtr space =
-      OdDbBlockTableRecord::cast(database->getModelSpaceId().safeOpenObject());
+      database->getModelSpaceId().safeOpenAs<OdDbBlockTableRecord>();
   const bool hasBox = space->getGeomExtents(box) == eOk;
   const double diagonal = hasBox ? box.diagonal().length() : 0.0;
   return std::max(kThroughDiagonals * diagonal, kThroughDiameters * diameter);
@@ -58,8 +58,7 @@ double throughDepth(OdDbDatabase* database, double diameter) {
 
 OdDbObjectId layerOf(OdDbDatabase* database, ComponentRole role) {
   const OdString name(kLayers[static_cast<std::size_t>(role)]);
-  OdDbLayerTablePtr table =
-      OdDbLayerTable::cast(database->getLayerTableId().safeOpenObject(OdDb::kForWrite));
+  OdDbLayerTablePtr table = database->getLayerTableId().safeOpenAs<OdDbLayerTable>(OdDb::kForWrite);
   const OdDbObjectId known = table->getAt(name);
   if (!known.isNull()) return known;
   const OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
@@ -69,11 +68,10 @@ OdDbObjectId layerOf(OdDbDatabase* database, ComponentRole role) {
 }
 
 // All or nothing: what is raised becomes the status.
-OdModelerStatus inTransaction(OdDbDatabase* database,
-                              const std::function<OdModelerStatus()>& change) {
+OdStatus inTransaction(OdDbDatabase* database, const std::function<OdStatus()>& change) {
   OdDbTransaction transaction(database);
   try {
-    OdModelerStatus status = change();
+    OdStatus status = change();
     if (status.ok()) transaction.commit();
     return status;
   } catch (const OdError& error) {
@@ -81,11 +79,11 @@ OdModelerStatus inTransaction(OdDbDatabase* database,
   }
 }
 
-OdModelerStatus makeBlock(OdDbDatabase* database, const OdString& name, const wchar_t* kind,
-                          ComponentRole role, const Bodies& bodies, OdDbObjectId& block) {
-  return inTransaction(database, [&]() -> OdModelerStatus {
+OdStatus makeBlock(OdDbDatabase* database, const OdString& name, const wchar_t* kind,
+                   ComponentRole role, const Bodies& bodies, OdDbObjectId& block) {
+  return inTransaction(database, [&]() -> OdStatus {
     OdDbBlockTablePtr table =
-        OdDbBlockTable::cast(database->getBlockTableId().safeOpenObject(OdDb::kForWrite));
+        database->getBlockTableId().safeOpenAs<OdDbBlockTable>(OdDb::kForWrite);
     if (table->has(name)) return {eDuplicateKey, L"there is a block \"" + name + L"\" already"};
     const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::createObject();
     record->setName(name);
@@ -105,21 +103,21 @@ OdModelerStatus makeBlock(OdDbDatabase* database, const OdString& name, const wc
   });
 }
 
-OdModelerStatus placed(const OdModelerBodyPtr& body, double z, OdModelerBodyPtr& result) {
+OdStatus placed(const OdModelerBodyPtr& body, double z, OdModelerBodyPtr& result) {
   return body->transformed(OdGeMatrix3d::translation(OdGeVector3d(0.0, 0.0, z)), result);
 }
 
 // From `bottom` up to `top` along z.
-OdModelerStatus cylinder(double diameter, double bottom, double top, OdModelerBodyPtr& result) {
+OdStatus cylinder(double diameter, double bottom, double top, OdModelerBodyPtr& result) {
   OdModelerBodyPtr standing;
-  OdModelerStatus status = odModeler().cylinder(0.5 * diameter, top - bottom, standing);
+  OdStatus status = odModeler().cylinder(0.5 * diameter, top - bottom, standing);
   return status.ok() ? placed(standing, bottom, result) : status;
 }
 
 }  // namespace
 
 OdString componentKind(const OdDbObjectId& block) {
-  const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::cast(block.openObject());
+  const OdDbBlockTableRecordPtr record = block.openAs<OdDbBlockTableRecord>();
   if (record.isNull()) return {};
   VdmProperties bag;
   OdString kind;
@@ -127,9 +125,9 @@ OdString componentKind(const OdDbObjectId& block) {
   return record->getName();
 }
 
-OdModelerStatus makeHole(OdDbDatabase* database, const OdString& name, const HoleSpec& spec,
-                         OdDbObjectId& block) {
-  OdModelerStatus status = checkLength(L"the diameter", spec.diameter);
+OdStatus makeHole(OdDbDatabase* database, const OdString& name, const HoleSpec& spec,
+                  OdDbObjectId& block) {
+  OdStatus status = checkLength(L"the diameter", spec.diameter);
   if (status.ok() && spec.depth) status = checkLength(L"the depth", *spec.depth);
   if (!status.ok()) return status;
   const double depth = spec.depth.value_or(throughDepth(database, spec.diameter));
@@ -139,9 +137,9 @@ OdModelerStatus makeHole(OdDbDatabase* database, const OdString& name, const Hol
   return makeBlock(database, name, L"Hole", ComponentRole::kSubtract, {tool}, block);
 }
 
-OdModelerStatus makeCounterbore(OdDbDatabase* database, const OdString& name,
-                                const CounterboreSpec& spec, OdDbObjectId& block) {
-  OdModelerStatus status = checkLength(L"the diameter", spec.diameter);
+OdStatus makeCounterbore(OdDbDatabase* database, const OdString& name, const CounterboreSpec& spec,
+                         OdDbObjectId& block) {
+  OdStatus status = checkLength(L"the diameter", spec.diameter);
   if (status.ok()) status = checkLength(L"the bore's depth", spec.boreDepth);
   if (status.ok() && spec.depth) status = checkLength(L"the depth", *spec.depth);
   if (!status.ok()) return status;
@@ -163,9 +161,9 @@ OdModelerStatus makeCounterbore(OdDbDatabase* database, const OdString& name,
   return makeBlock(database, name, L"Counterbore", ComponentRole::kSubtract, {tool}, block);
 }
 
-OdModelerStatus makeSlot(OdDbDatabase* database, const OdString& name, const SlotSpec& spec,
-                         OdDbObjectId& block) {
-  OdModelerStatus status = checkLength(L"the width", spec.width);
+OdStatus makeSlot(OdDbDatabase* database, const OdString& name, const SlotSpec& spec,
+                  OdDbObjectId& block) {
+  OdStatus status = checkLength(L"the width", spec.width);
   if (status.ok() && spec.depth) status = checkLength(L"the depth", *spec.depth);
   if (!status.ok()) return status;
   if (!isLength(spec.length) || spec.length <= spec.width)
@@ -184,9 +182,9 @@ OdModelerStatus makeSlot(OdDbDatabase* database, const OdString& name, const Slo
   return makeBlock(database, name, L"Slot", ComponentRole::kSubtract, {tool}, block);
 }
 
-OdModelerStatus makeBoss(OdDbDatabase* database, const OdString& name, const BossSpec& spec,
-                         OdDbObjectId& block) {
-  OdModelerStatus status = checkLength(L"the diameter", spec.diameter);
+OdStatus makeBoss(OdDbDatabase* database, const OdString& name, const BossSpec& spec,
+                  OdDbObjectId& block) {
+  OdStatus status = checkLength(L"the diameter", spec.diameter);
   if (status.ok()) status = checkLength(L"the height", spec.height);
   OdModelerBodyPtr tool;
   if (status.ok()) status = cylinder(spec.diameter, 0.0, spec.height, tool);
@@ -194,11 +192,10 @@ OdModelerStatus makeBoss(OdDbDatabase* database, const OdString& name, const Bos
   return makeBlock(database, name, L"Boss", ComponentRole::kUnite, {tool}, block);
 }
 
-OdModelerStatus makeFromBlock(OdDbDatabase* database, const OdString& blockName, ComponentRole role,
-                              OdDbObjectId& block) {
-  return inTransaction(database, [&]() -> OdModelerStatus {
-    const OdDbBlockTablePtr table =
-        OdDbBlockTable::cast(database->getBlockTableId().safeOpenObject());
+OdStatus makeFromBlock(OdDbDatabase* database, const OdString& blockName, ComponentRole role,
+                       OdDbObjectId& block) {
+  return inTransaction(database, [&]() -> OdStatus {
+    const OdDbBlockTablePtr table = database->getBlockTableId().safeOpenAs<OdDbBlockTable>();
     const OdDbObjectId id = table->getAt(blockName);
     if (id.isNull()) return {eKeyNotFound, L"there is no block \"" + blockName + L"\""};
     if (findComponent(database, blockName) == id) {
@@ -207,7 +204,7 @@ OdModelerStatus makeFromBlock(OdDbDatabase* database, const OdString& blockName,
     }
     const OdDbObjectId layer = layerOf(database, role);
     OdUInt32 solids = 0;
-    const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::cast(id.safeOpenObject());
+    const OdDbBlockTableRecordPtr record = id.safeOpenAs<OdDbBlockTableRecord>();
     for (OdDbObjectIteratorPtr it = record->newIterator(); !it->done(); it->step()) {
       const OdDb3dSolidPtr solid = OdDb3dSolid::cast(it->entity(OdDb::kForWrite));
       if (solid.isNull()) continue;
@@ -223,18 +220,17 @@ OdModelerStatus makeFromBlock(OdDbDatabase* database, const OdString& blockName,
 namespace {
 
 // Bodies of a product and of what it consists of, in drawing units.
-OdModelerStatus collectBodies(const OdModelerAssembly& assembly, OdUInt32 product,
-                              const OdGeMatrix3d& placement, Bodies& bodies) {
+OdStatus collectBodies(const OdModelerAssembly& assembly, OdUInt32 product,
+                       const OdGeMatrix3d& placement, Bodies& bodies) {
   for (const OdModelerBodyPtr& body : assembly.products[product].bodies) {
     if (body->kind() != OdModelerBodyKind::kSolid) continue;
     OdModelerBodyPtr there;
-    OdModelerStatus status = body->transformed(placement, there);
+    OdStatus status = body->transformed(placement, there);
     if (!status.ok()) return status;
     bodies.push_back(std::move(there));
   }
   for (const OdModelerOccurrence& part : assembly.products[product].occurrences) {
-    OdModelerStatus status =
-        collectBodies(assembly, part.product, placement * part.placement, bodies);
+    OdStatus status = collectBodies(assembly, part.product, placement * part.placement, bodies);
     if (!status.ok()) return status;
   }
   return {};
@@ -242,10 +238,10 @@ OdModelerStatus collectBodies(const OdModelerAssembly& assembly, OdUInt32 produc
 
 }  // namespace
 
-OdModelerStatus makeFromStep(OdDbDatabase* database, const OdString& name, const OdString& path,
-                             ComponentRole role, OdDbObjectId& block) {
+OdStatus makeFromStep(OdDbDatabase* database, const OdString& name, const OdString& path,
+                      ComponentRole role, OdDbObjectId& block) {
   OdModelerAssembly assembly;
-  OdModelerStatus status = odModeler().importStep(path, assembly);
+  OdStatus status = odModeler().importStep(path, assembly);
   const double unit = oddbGetUnitsConversion(OdDb::kUnitsMillimeters, database->getINSUNITS());
   Bodies bodies;
   for (const OdModelerOccurrence& root : assembly.roots) {
@@ -260,11 +256,10 @@ OdModelerStatus makeFromStep(OdDbDatabase* database, const OdString& name, const
 
 std::vector<ComponentInfo> listComponents(OdDbDatabase* database) {
   std::vector<ComponentInfo> components;
-  const OdDbBlockTablePtr table =
-      OdDbBlockTable::cast(database->getBlockTableId().safeOpenObject());
+  const OdDbBlockTablePtr table = database->getBlockTableId().safeOpenAs<OdDbBlockTable>();
   for (OdDbSymbolTableIteratorPtr it = table->newIterator(); !it->done(); it->step()) {
     const OdDbObjectId id = it->getRecordId();
-    const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::cast(id.safeOpenObject());
+    const OdDbBlockTableRecordPtr record = id.safeOpenAs<OdDbBlockTableRecord>();
     if (record->isLayout()) continue;
     using Interface = VdmUpdateFeatureInterface;
     ComponentInfo info{id, record->getName()};
@@ -278,8 +273,7 @@ std::vector<ComponentInfo> listComponents(OdDbDatabase* database) {
 }
 
 OdDbObjectId findComponent(OdDbDatabase* database, const OdString& name) {
-  const OdDbBlockTablePtr table =
-      OdDbBlockTable::cast(database->getBlockTableId().safeOpenObject());
+  const OdDbBlockTablePtr table = database->getBlockTableId().safeOpenAs<OdDbBlockTable>();
   const OdDbObjectId id = table->getAt(name);
   if (id.isNull()) return {};
   using Interface = VdmUpdateFeatureInterface;

@@ -4,9 +4,9 @@
 #include <optional>
 #include <vector>
 
+#include "platform/base/status.h"
 #include "platform/base/string.h"
 #include "platform/db/database.h"
-#include "platform/modeler/modeler_status.h"
 
 namespace vdm_host {
 
@@ -48,21 +48,21 @@ struct ComponentInfo {
 /// Make a block of the given name with its solids on "VC_SUBTRACT" or "VC_UNITE". The codes:
 /// eInvalidInput for dimensions that make no component (the text names both values), eDuplicateKey
 /// for a name in use, those of the modeller. On failure the drawing is as it was.
-OdModelerStatus makeHole(OdDbDatabase* database, const OdString& name, const HoleSpec& spec,
+OdStatus makeHole(OdDbDatabase* database, const OdString& name, const HoleSpec& spec,
+                  OdDbObjectId& block);
+OdStatus makeCounterbore(OdDbDatabase* database, const OdString& name, const CounterboreSpec& spec,
                          OdDbObjectId& block);
-OdModelerStatus makeCounterbore(OdDbDatabase* database, const OdString& name,
-                                const CounterboreSpec& spec, OdDbObjectId& block);
-OdModelerStatus makeSlot(OdDbDatabase* database, const OdString& name, const SlotSpec& spec,
-                         OdDbObjectId& block);
-OdModelerStatus makeBoss(OdDbDatabase* database, const OdString& name, const BossSpec& spec,
-                         OdDbObjectId& block);
+OdStatus makeSlot(OdDbDatabase* database, const OdString& name, const SlotSpec& spec,
+                  OdDbObjectId& block);
+OdStatus makeBoss(OdDbDatabase* database, const OdString& name, const BossSpec& spec,
+                  OdDbObjectId& block);
 /// Turns a block of the drawing into a component by putting its solids on the role's layer. A block
 /// that has solids on such layers already is left as it is. eInvalidInput for one without solids.
-OdModelerStatus makeFromBlock(OdDbDatabase* database, const OdString& blockName, ComponentRole role,
-                              OdDbObjectId& block);
+OdStatus makeFromBlock(OdDbDatabase* database, const OdString& blockName, ComponentRole role,
+                       OdDbObjectId& block);
 /// A new block with all solids of a STEP file, where the file places them, in drawing units.
-OdModelerStatus makeFromStep(OdDbDatabase* database, const OdString& name, const OdString& path,
-                             ComponentRole role, OdDbObjectId& block);
+OdStatus makeFromStep(OdDbDatabase* database, const OdString& name, const OdString& path,
+                      ComponentRole role, OdDbObjectId& block);
 
 /// All components of the drawing, in the order of the block table.
 [[nodiscard]] std::vector<ComponentInfo> listComponents(OdDbDatabase* database);

@@ -10,8 +10,7 @@ namespace vdm_host {
 
 OdDbObjectIdArray featureManagers(OdDbDatabase* database) {
   OdDbObjectIdArray managers;
-  const OdDbBlockTablePtr table =
-      OdDbBlockTable::cast(database->getBlockTableId().safeOpenObject());
+  const OdDbBlockTablePtr table = database->getBlockTableId().safeOpenAs<OdDbBlockTable>();
   for (OdDbSymbolTableIteratorPtr it = table->newIterator(); !it->done(); it->step()) {
     const OdDbObjectId manager =
         VdmDbFeatureManager::getInstance(it->getRecordId(), /*create=*/false);
@@ -23,7 +22,7 @@ OdDbObjectIdArray featureManagers(OdDbDatabase* database) {
 OdDbObjectIdArray componentsOfSolid(const OdDbObjectId& solid) {
   OdDbObjectIdArray components;
   const OdDbObjectId managerId = VdmDbFeatureManager::getInstance(solid.ownerId(), false);
-  const VdmDbFeatureManagerPtr manager = VdmDbFeatureManager::cast(managerId.openObject());
+  const VdmDbFeatureManagerPtr manager = managerId.openAs<VdmDbFeatureManager>();
   if (manager.isNull()) return components;
   for (const OdDbObjectId& id : manager->featureIds()) {
     const VdmComponentFeaturePtr component = VdmComponentFeature::cast(VdmFeature::open(id).get());
@@ -44,11 +43,11 @@ OdDbObjectId componentOf(const OdDbObjectId& insertOrFeature) {
 
 void dropUnwatchedReferences(const OdDbObjectId& block) {
   const OdDbObjectId id = VdmDbPersIdManager::getInstance(block, /*create=*/false);
-  const VdmDbPersIdManagerPtr reader = VdmDbPersIdManager::cast(id.openObject());
+  const VdmDbPersIdManagerPtr reader = id.openAs<VdmDbPersIdManager>();
   if (reader.isNull()) return;
   const OdDbObjectIdArray unwatched = reader->getUnusedDependencies();
   if (unwatched.isEmpty()) return;
-  VdmDbPersIdManager::cast(id.safeOpenObject(OdDb::kForWrite))->removeDependencies(unwatched);
+  id.safeOpenAs<VdmDbPersIdManager>(OdDb::kForWrite)->removeDependencies(unwatched);
 }
 
 }  // namespace vdm_host

@@ -19,13 +19,13 @@ OdUInt64 mixed(OdUInt64 stamp, OdUInt64 value) {
 void readTools(const VdmSolidOccurrences& occurrences, std::vector<OdModelerBodyPtr>& bodies,
                OdUInt64& stamp) {
   for (const auto& [id, places] : occurrences) {
-    const OdDb3dSolidPtr solid = OdDb3dSolid::cast(id.openObject());
+    const OdDb3dSolidPtr solid = id.openAs<OdDb3dSolid>();
     const OdModelerBodyPtr body = solid.isNull() ? nullptr : solid->body();
     if (!body) continue;
     for (const OdGeMatrix3d& place : places) {
       OdModelerBodyPtr placed = body;
       if (!(place == OdGeMatrix3d::kIdentity)) {
-        const OdModelerStatus status = body->transformed(place, placed);
+        const OdStatus status = body->transformed(place, placed);
         if (!status.ok()) throw OdError(status.code, status.text);
       }
       stamp = mixed(stamp, placed->fingerprint());

@@ -19,7 +19,7 @@ namespace {
 // diagonal: what a user types with four digits.
 constexpr double kOnFace = 1e-4;
 
-OdModelerStatus refuse(const OdString& text) { return {eInvalidInput, text}; }
+OdStatus refuse(const OdString& text) { return {eInvalidInput, text}; }
 
 OdGeMatrix3d frameAt(const OdGePoint3d& point, const OdGeVector3d& direction, double rotation) {
   const OdGeVector3d z = direction.normal();
@@ -33,8 +33,8 @@ OdGeMatrix3d frameAt(const OdGePoint3d& point, const OdGeVector3d& direction, do
 }
 
 // The face on which the component stands, if there is one, and its normal.
-OdModelerStatus findBase(const OdModelerBody& body, const ComponentPlacement& placement,
-                         OdUInt32& face, OdGeVector3d& direction) {
+OdStatus findBase(const OdModelerBody& body, const ComponentPlacement& placement, OdUInt32& face,
+                  OdGeVector3d& direction) {
   if (placement.face) {
     face = static_cast<OdUInt32>(placement.face->index());
     const bool isFace = placement.face->type() == OdDb::kFaceSubentType &&
@@ -47,7 +47,7 @@ OdModelerStatus findBase(const OdModelerBody& body, const ComponentPlacement& pl
   } else {
     OdModelerSubent found;
     const double tolerance = kOnFace * body.extents().diagonal().length();
-    OdModelerStatus status =
+    OdStatus status =
         findSubentNear(body, placement.point, OdModelerSubentType::kFace, tolerance, found);
     if (status.ok())
       face = found.index;
@@ -76,10 +76,10 @@ OdModelerStatus findBase(const OdModelerBody& body, const ComponentPlacement& pl
 
 }  // namespace
 
-OdModelerStatus makeInsertion(OdDbDatabase* database, const OdDbObjectId& block,
-                              const ComponentPlacement& placement, OdDbObjectId& insert,
-                              OdDbObjectId& feature) {
-  const OdDb3dSolidPtr solid = OdDb3dSolid::cast(placement.solid.openObject());
+OdStatus makeInsertion(OdDbDatabase* database, const OdDbObjectId& block,
+                       const ComponentPlacement& placement, OdDbObjectId& insert,
+                       OdDbObjectId& feature) {
+  const OdDb3dSolidPtr solid = placement.solid.openAs<OdDb3dSolid>();
   const OdString solidText = placement.solid.getHandle().ascii();
   if (solid.isNull()) return refuse(L"object " + solidText + L" is no solid");
   const OdModelerBodyPtr body = solid->body();
@@ -93,21 +93,20 @@ OdModelerStatus makeInsertion(OdDbDatabase* database, const OdDbObjectId& block,
 
   OdUInt32 face = 0;
   OdGeVector3d direction;
-  OdModelerStatus status = findBase(*body, placement, face, direction);
+  OdStatus status = findBase(*body, placement, face, direction);
   if (!status.ok()) return status;
 
   OdDbBlockReferencePtr reference = OdDbBlockReference::createObject();
   reference->setDatabaseDefaults(database);
   const OdDbObjectId space = solid->ownerId();
-  insert = OdDbBlockTableRecord::cast(space.safeOpenObject(OdDb::kForWrite))
-               ->appendOdDbEntity(reference);
+  insert = space.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite)->appendOdDbEntity(reference);
   reference->setBlockTableRecord(block);
   reference->setBlockTransform(frameAt(placement.point, direction, placement.rotation));
   reference.release();
 
   const bool isNamed = !placement.name.isEmpty();
   const OdDbObjectId managerId = VdmDbFeatureManager::getInstance(space, /*create=*/true);
-  feature = VdmDbFeatureManager::cast(managerId.safeOpenObject(OdDb::kForWrite))
+  feature = managerId.safeOpenAs<VdmDbFeatureManager>(OdDb::kForWrite)
                 ->createFeatureData(VdmComponentFeature::desc(),
                                     isNamed ? placement.name : componentKind(block),
                                     /*numberGiven=*/!isNamed, /*trim=*/true);

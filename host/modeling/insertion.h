@@ -7,8 +7,8 @@ namespace vdm_host {
 
 /// Makes the block reference, its feature and the reference to the base face; nothing is cut yet.
 /// Errors name the object and the values.
-OdModelerStatus makeInsertion(OdDbDatabase* database, const OdDbObjectId& block,
-                              const ComponentPlacement& placement, OdDbObjectId& insert,
-                              OdDbObjectId& feature);
+OdStatus makeInsertion(OdDbDatabase* database, const OdDbObjectId& block,
+                       const ComponentPlacement& placement, OdDbObjectId& insert,
+                       OdDbObjectId& feature);
 
 }  // namespace vdm_host

@@ -17,17 +17,17 @@ namespace {
 
 OdString handleText(const OdDbObjectId& id) { return id.getHandle().ascii(); }
 
-OdModelerStatus refuse(const OdString& text) { return {eInvalidInput, text}; }
+OdStatus refuse(const OdString& text) { return {eInvalidInput, text}; }
 
-OdModelerStatus openSolid(const OdDbObjectId& id, OdDb3dSolidPtr& solid) {
-  solid = OdDb3dSolid::cast(id.openObject(OdDb::kForWrite));
+OdStatus openSolid(const OdDbObjectId& id, OdDb3dSolidPtr& solid) {
+  solid = id.openAs<OdDb3dSolid>(OdDb::kForWrite);
   if (!solid.isNull()) return {};
   return refuse(L"object " + handleText(id) + L" is no solid that can be changed");
 }
 
 // Numbers of edges that references stand for, and their solid.
-OdModelerStatus resolveEdges(std::span<const OdDbObjectId> references, OdDbObjectId& solid,
-                             std::vector<OdUInt32>& edges) {
+OdStatus resolveEdges(std::span<const OdDbObjectId> references, OdDbObjectId& solid,
+                      std::vector<OdUInt32>& edges) {
   for (const OdDbObjectId& id : references) {
     const ResolvedReference found = resolveReference(id);
     const OdString name = L"reference " + handleText(id);
@@ -40,22 +40,20 @@ OdModelerStatus resolveEdges(std::span<const OdDbObjectId> references, OdDbObjec
     solid = found.solid;
     edges.push_back(static_cast<OdUInt32>(subent.index()));
   }
-  return edges.empty() ? refuse(OdString(L"there is no edge")) : OdModelerStatus();
+  return edges.empty() ? refuse(OdString(L"there is no edge")) : OdStatus();
 }
 
 // Takes the layer from the table, or makes it: on, so that what stands there can be picked.
 OdDbObjectId layerOf(OdDbDatabase* database, const OdString& name) {
-  const OdDbLayerTablePtr table =
-      OdDbLayerTable::cast(database->getLayerTableId().safeOpenObject());
+  const OdDbLayerTablePtr table = database->getLayerTableId().safeOpenAs<OdDbLayerTable>();
   const OdDbObjectId known = table->getAt(name);
   if (!known.isNull()) return known;
   const OdDbLayerTableRecordPtr record = OdDbLayerTableRecord::createObject();
   record->setName(name);
-  return OdDbLayerTable::cast(database->getLayerTableId().safeOpenObject(OdDb::kForWrite))
-      ->add(record);
+  return database->getLayerTableId().safeOpenAs<OdDbLayerTable>(OdDb::kForWrite)->add(record);
 }
 
-OdModelerStatus erase(const OdDbObjectId& id) {
+OdStatus erase(const OdDbObjectId& id) {
   const OdDbObjectPtr object = id.openObject(OdDb::kForWrite);
   if (object.isNull()) return refuse(L"object " + handleText(id) + L" cannot be opened");
   const OdResult result = object->erase();
@@ -77,11 +75,11 @@ double secondsSince(Clock::time_point began) {
 }
 
 // The change and the pass; everything that is raised becomes a status.
-OdModelerStatus runEdit(OdDbDatabase* database, UpdateReport& report, bool force,
-                        const std::function<OdModelerStatus()>& change) {
+OdStatus runEdit(OdDbDatabase* database, UpdateReport& report, bool force,
+                 const std::function<OdStatus()>& change) {
   try {
     OdSolidJournal journal;
-    OdModelerStatus status = change ? change() : OdModelerStatus();
+    OdStatus status = change ? change() : OdStatus();
     if (!status.ok()) return status;
     const auto began = Clock::now();
     ModelUpdate update(database, journal, report);
@@ -93,8 +91,7 @@ OdModelerStatus runEdit(OdDbDatabase* database, UpdateReport& report, bool force
   }
 }
 
-EditResult transact(OdDbDatabase* database, bool force,
-                    const std::function<OdModelerStatus()>& change) {
+EditResult transact(OdDbDatabase* database, bool force, const std::function<OdStatus()>& change) {
   const auto began = Clock::now();
   EditResult result;
   OdDbTransaction transaction(database);
@@ -111,7 +108,7 @@ EditResult transact(OdDbDatabase* database, bool force,
 
 }  // namespace
 
-EditResult ModelEditor::edit(const OdString& what, const std::function<OdModelerStatus()>& change) {
+EditResult ModelEditor::edit(const OdString& what, const std::function<OdStatus()>& change) {
   if (m_undoSteps && !m_inGroup) m_database->startUndoRecord();
   EditResult result = transact(m_database, /*force=*/false, change);
   if (!result.ok() && !what.isEmpty()) result.status.text = what + L": " + result.status.text;
@@ -139,12 +136,12 @@ EditResult ModelEditor::insertComponent(const OdDbObjectId& block,
 }
 
 EditResult ModelEditor::suppress(const OdDbObjectId& insert) {
-  return edit(OdString(L"suppress"), [&]() -> OdModelerStatus {
+  return edit(OdString(L"suppress"), [&]() -> OdStatus {
     const VdmComponentFeaturePtr feature =
         VdmComponentFeature::cast(VdmFeature::open(componentOf(insert), OdDb::kForWrite));
     if (feature.isNull()) return refuse(handleText(insert) + L" is no component");
     const OdDbBlockReferencePtr reference =
-        OdDbBlockReference::cast(feature->insertId().safeOpenObject(OdDb::kForWrite));
+        feature->insertId().safeOpenAs<OdDbBlockReference>(OdDb::kForWrite);
     const OdDbObjectId layer = layerOf(m_database, OdString(VdmComponentFeature::kSuppressLayer));
     if (reference->layerId() == layer) return {};
     feature->getDbObject()->assertWriteEnabled();
@@ -155,12 +152,12 @@ EditResult ModelEditor::suppress(const OdDbObjectId& insert) {
 }
 
 EditResult ModelEditor::unsuppress(const OdDbObjectId& insert) {
-  return edit(OdString(L"unsuppress"), [&]() -> OdModelerStatus {
+  return edit(OdString(L"unsuppress"), [&]() -> OdStatus {
     const VdmComponentFeaturePtr feature =
         VdmComponentFeature::cast(VdmFeature::open(componentOf(insert)).get());
     if (feature.isNull()) return refuse(handleText(insert) + L" is no component");
     const OdDbBlockReferencePtr reference =
-        OdDbBlockReference::cast(feature->insertId().safeOpenObject(OdDb::kForWrite));
+        feature->insertId().safeOpenAs<OdDbBlockReference>(OdDb::kForWrite);
     if (reference->layer().iCompare(OdString(VdmComponentFeature::kSuppressLayer)) != 0) return {};
     const OdDbObjectId back = feature->layerBeforeSuppression();
     reference->setLayer(back.openObject().isNull() ? m_database->getLayerZeroId() : back);
@@ -169,21 +166,20 @@ EditResult ModelEditor::unsuppress(const OdDbObjectId& insert) {
 }
 
 EditResult ModelEditor::removeFeature(const OdDbObjectId& feature) {
-  return edit(OdString(L"remove"), [&]() -> OdModelerStatus {
+  return edit(OdString(L"remove"), [&]() -> OdStatus {
     const VdmFeaturePtr object = VdmFeature::open(feature);
     if (object.isNull()) return refuse(handleText(feature) + L" is no feature");
     const VdmComponentFeaturePtr component = VdmComponentFeature::cast(object.get());
     if (!component.isNull()) return erase(component->insertId());
-    const OdDbObjectId block =
-        VdmDbFeatureManager::cast(feature.ownerId().safeOpenObject())->blockId();
-    OdModelerStatus status = erase(feature);
+    const OdDbObjectId block = feature.ownerId().safeOpenAs<VdmDbFeatureManager>()->blockId();
+    OdStatus status = erase(feature);
     if (status.ok()) dropUnwatchedReferences(block);
     return status;
   });
 }
 
 EditResult ModelEditor::renameFeature(const OdDbObjectId& feature, const OdString& name) {
-  return edit(OdString(L"rename"), [&]() -> OdModelerStatus {
+  return edit(OdString(L"rename"), [&]() -> OdStatus {
     const VdmFeaturePtr object = VdmFeature::open(feature, OdDb::kForWrite);
     if (object.isNull()) return refuse(handleText(feature) + L" is no feature");
     if (name.isEmpty()) return refuse(OdString(L"the name of a feature is empty"));
@@ -200,8 +196,8 @@ EditResult ModelEditor::moveObject(const OdDbObjectId& entity, const OdGeVector3
 
 EditResult ModelEditor::rotateObject(const OdDbObjectId& entity, const OdGeVector3d& axis,
                                      double angle, const std::optional<OdGePoint3d>& center) {
-  return edit(OdString(L"rotate"), [&]() -> OdModelerStatus {
-    const OdDbEntityPtr object = OdDbEntity::cast(entity.openObject(OdDb::kForWrite));
+  return edit(OdString(L"rotate"), [&]() -> OdStatus {
+    const OdDbEntityPtr object = entity.openAs<OdDbEntity>(OdDb::kForWrite);
     if (object.isNull()) return refuse(handleText(entity) + L" is no entity");
     OdGePoint3d about;
     const OdDbBlockReferencePtr insert = OdDbBlockReference::cast(object.get());
@@ -219,8 +215,8 @@ EditResult ModelEditor::rotateObject(const OdDbObjectId& entity, const OdGeVecto
 }
 
 EditResult ModelEditor::transformObject(const OdDbObjectId& entity, const OdGeMatrix3d& transform) {
-  return edit(OdString(L"move"), [&]() -> OdModelerStatus {
-    const OdDbEntityPtr object = OdDbEntity::cast(entity.openObject(OdDb::kForWrite));
+  return edit(OdString(L"move"), [&]() -> OdStatus {
+    const OdDbEntityPtr object = entity.openAs<OdDbEntity>(OdDb::kForWrite);
     if (object.isNull()) return refuse(handleText(entity) + L" is no entity");
     const OdResult moved = object->transformBy(transform);
     if (moved == eOk) return {};
@@ -229,14 +225,14 @@ EditResult ModelEditor::transformObject(const OdDbObjectId& entity, const OdGeMa
 }
 
 EditResult ModelEditor::eraseObject(const OdDbObjectId& entity) {
-  return edit(OdString(L"erase"), [&]() -> OdModelerStatus {
-    const bool isSolid = !OdDb3dSolid::cast(entity.openObject()).isNull();
+  return edit(OdString(L"erase"), [&]() -> OdStatus {
+    const bool isSolid = !entity.openAs<OdDb3dSolid>().isNull();
     if (isSolid) {
       for (const OdDbObjectId& id : componentsOfSolid(entity)) {
         const OdDbObjectId insert =
             VdmComponentFeature::cast(VdmFeature::open(id).get())->insertId();
         if (insert.openObject().isNull()) continue;
-        if (OdModelerStatus status = erase(insert); !status.ok()) return status;
+        if (OdStatus status = erase(insert); !status.ok()) return status;
       }
     }
     return erase(entity);
@@ -246,10 +242,10 @@ EditResult ModelEditor::eraseObject(const OdDbObjectId& entity) {
 // ---- Bodies
 
 EditResult ModelEditor::replaceBody(const OdDbObjectId& solid, OdModelerBodyPtr body) {
-  return edit(OdString(L"replace"), [&]() -> OdModelerStatus {
+  return edit(OdString(L"replace"), [&]() -> OdStatus {
     if (!body) return refuse(OdString(L"the new body is null"));
     OdDb3dSolidPtr object;
-    if (OdModelerStatus status = openSolid(solid, object); !status.ok()) return status;
+    if (OdStatus status = openSolid(solid, object); !status.ok()) return status;
     object->setBody(body);
     return {};
   });
@@ -259,7 +255,7 @@ EditResult ModelEditor::filletEdges(const OdDbObjectId& solid, std::span<const O
                                     double radius) {
   return edit(OdString(L"fillet"), [&] {
     OdDb3dSolidPtr object;
-    OdModelerStatus status = openSolid(solid, object);
+    OdStatus status = openSolid(solid, object);
     return status.ok() ? object->filletEdges(edges, radius) : status;
   });
 }
@@ -268,7 +264,7 @@ EditResult ModelEditor::chamferEdges(const OdDbObjectId& solid, std::span<const 
                                      double distance) {
   return edit(OdString(L"chamfer"), [&] {
     OdDb3dSolidPtr object;
-    OdModelerStatus status = openSolid(solid, object);
+    OdStatus status = openSolid(solid, object);
     return status.ok() ? object->chamferEdges(edges, distance) : status;
   });
 }
@@ -292,13 +288,13 @@ EditResult ModelEditor::chamferReferences(std::span<const OdDbObjectId> referenc
 
 EditResult ModelEditor::booleanSolid(OdModelerBooleanKind kind, const OdDbObjectId& solid,
                                      const OdDbObjectId& tool, bool consumeTool) {
-  return edit(OdString(L"boolean"), [&]() -> OdModelerStatus {
+  return edit(OdString(L"boolean"), [&]() -> OdStatus {
     if (solid == tool) return refuse(handleText(solid) + L" cannot be its own tool");
     OdDb3dSolidPtr object;
-    OdModelerStatus status = openSolid(solid, object);
+    OdStatus status = openSolid(solid, object);
     if (!status.ok()) return status;
     {
-      const OdDb3dSolidPtr other = OdDb3dSolid::cast(tool.openObject());
+      const OdDb3dSolidPtr other = tool.openAs<OdDb3dSolid>();
       if (other.isNull()) return refuse(handleText(tool) + L" is no solid");
       status = object->booleanOper(kind, *other);
       if (!status.ok()) status.text = L"solid " + handleText(solid) + L": " + status.text;

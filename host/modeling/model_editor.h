@@ -8,17 +8,17 @@
 
 #include "host/modeling/update_report.h"
 #include "platform/base/array.h"
+#include "platform/base/status.h"
 #include "platform/db/database.h"
 #include "platform/db/subent.h"
 #include "platform/ge/matrix3d.h"
 #include "platform/modeler/db_3d_solid.h"
-#include "platform/modeler/modeler_status.h"
 
 namespace vdm_host {
 
 /// Outcome of an edit. When `status` is not ok the drawing is as it was before, to the byte.
 struct [[nodiscard]] EditResult {
-  OdModelerStatus status;
+  OdStatus status;
   UpdateReport report;
   OdDbObjectId created;  ///< insertComponent: the block reference; its feature is in `feature`
   OdDbObjectId feature;
@@ -92,7 +92,7 @@ class ModelEditor {
   /// Any change of the drawing by others as an edit of this editor: `change` runs within the
   /// transaction and the journal, then the pass follows. An OdError that it raises becomes the
   /// status.
-  EditResult edit(const OdString& what, const std::function<OdModelerStatus()>& change);
+  EditResult edit(const OdString& what, const std::function<OdStatus()>& change);
 
  private:
   friend class EditGroup;

@@ -49,10 +49,10 @@ const OdDbObjectIdArray& ModelUpdate::componentsAt(const OdDbObjectId& solid) co
   return found == m_components.end() ? kNone : found->second;
 }
 
-OdModelerStatus ModelUpdate::run(bool force, bool foreign) {
+OdStatus ModelUpdate::run(bool force, bool foreign) {
   m_force = force;
   indexComponents();
-  if (OdModelerStatus status = followSolids(); !status.ok()) return status;
+  if (OdStatus status = followSolids(); !status.ok()) return status;
   settleReferences();
   if (foreign) settleForeignChanges();
   for (const OdDbObjectId& solid : m_replacedSolids) followBaseFaces(solid);
@@ -75,7 +75,7 @@ OdModelerStatus ModelUpdate::run(bool force, bool foreign) {
 void ModelUpdate::indexComponents() {
   m_managers = featureManagers(m_database);
   for (const OdDbObjectId& id : m_managers) {
-    const VdmDbFeatureManagerPtr manager = VdmDbFeatureManager::cast(id.safeOpenObject());
+    const VdmDbFeatureManagerPtr manager = id.safeOpenAs<VdmDbFeatureManager>();
     for (const OdDbObjectId& feature : manager->featureIds()) {
       const VdmComponentFeaturePtr component = openComponent(feature, OdDb::kForRead);
       if (!component.isNull()) m_components[component->solidId()].append(feature);
@@ -85,11 +85,11 @@ void ModelUpdate::indexComponents() {
 
 // ---- What the edit did to solids
 
-OdModelerStatus ModelUpdate::followSolids() {
+OdStatus ModelUpdate::followSolids() {
   const std::vector<OdSolidChange> changes(m_journal.changes().begin(), m_journal.changes().end());
   for (const OdSolidChange& change : changes) {
     if (change.solid.isNull() || componentsAt(change.solid).isEmpty()) continue;
-    OdModelerStatus status;
+    OdStatus status;
     if (change.kind == OdSolidChangeKind::kMoved)
       status = carryAlong(change.solid, change.transform);
     else if (change.kind == OdSolidChangeKind::kBoolean)
@@ -104,16 +104,15 @@ OdModelerStatus ModelUpdate::followSolids() {
 }
 
 // An insert that went along already, or somewhere else, is left where it is.
-OdModelerStatus ModelUpdate::carryAlong(const OdDbObjectId& solid, const OdGeMatrix3d& transform) {
+OdStatus ModelUpdate::carryAlong(const OdDbObjectId& solid, const OdGeMatrix3d& transform) {
   if (transform.isIdentity()) return {};
   for (const OdDbObjectId& id : componentsAt(solid)) {
     const VdmComponentFeaturePtr component = openComponent(id, OdDb::kForWrite);
     VdmComponentFeature::Placed placed;
     if (component.isNull() || !component->placed(placed)) continue;
     const OdDbBlockReferencePtr insert =
-        OdDbBlockReference::cast(component->insertId().openObject(OdDb::kForWrite));
-    const VdmDbInsertReactorPtr reactor =
-        VdmDbInsertReactor::cast(component->insertReactorId().openObject());
+        component->insertId().openAs<OdDbBlockReference>(OdDb::kForWrite);
+    const VdmDbInsertReactorPtr reactor = component->insertReactorId().openAs<VdmDbInsertReactor>();
     const bool wentSomewhere = !reactor.isNull() && reactor->hasChanges() && !insert.isNull() &&
                                !insert->blockTransform().isEqualTo(placed.transform);
     if (!insert.isNull() && !wentSomewhere) insert->transformBy(transform);
@@ -121,7 +120,7 @@ OdModelerStatus ModelUpdate::carryAlong(const OdDbObjectId& solid, const OdGeMat
     for (const ToolKind kind : {ToolKind::kCut, ToolKind::kFill}) {
       OdModelerBodyPtr piece = component->piece(kind);
       if (!piece) continue;
-      OdModelerStatus status = piece->transformed(transform, piece);
+      OdStatus status = piece->transformed(transform, piece);
       if (!status.ok()) return status;
       component->setPiece(kind, piece);
     }
@@ -158,10 +157,10 @@ void ModelUpdate::storePieces(ResidueLedger& ledger) {
   }
 }
 
-OdModelerStatus ModelUpdate::excludeTools(const OdSolidChange& change) {
+OdStatus ModelUpdate::excludeTools(const OdSolidChange& change) {
   const std::unique_ptr<ResidueLedger> ledger = appliedPieces(change.solid);
   for (const OdModelerBodyPtr& tool : change.tools) {
-    OdModelerStatus status = ledger->exclude(tool);
+    OdStatus status = ledger->exclude(tool);
     if (status.ok()) continue;
     status.text = L"solid " + OdString(change.solid.getHandle().ascii()) +
                   L": what components took away or added: " + status.text;
@@ -173,9 +172,9 @@ OdModelerStatus ModelUpdate::excludeTools(const OdSolidChange& change) {
 
 // What a fillet or chamfer of an opening's rim took away goes with the opening: it closes without a
 // groove. A blend that runs further than half the opening's width beyond it is the part's own.
-OdModelerStatus ModelUpdate::adoptBlend(const OdSolidChange& change) {
+OdStatus ModelUpdate::adoptBlend(const OdSolidChange& change) {
   OdModelerBodyPtr gone;
-  OdModelerStatus status = differenceOf(change.before, change.after, gone);
+  OdStatus status = differenceOf(change.before, change.after, gone);
   if (!status.ok() || !gone) return status;
   const std::unique_ptr<ResidueLedger> ledger = appliedPieces(change.solid);
   for (const OdModelerBodyPtr& part : gone->solids()) {
@@ -207,7 +206,7 @@ void ModelUpdate::forgetPieces(const OdDbObjectId& solid) {
     component->getDbObject()->assertWriteEnabled();
     component->forgetApplied();
     const VdmDbInsertReactorPtr reactor =
-        VdmDbInsertReactor::cast(component->insertReactorId().openObject(OdDb::kForWrite));
+        component->insertReactorId().openAs<VdmDbInsertReactor>(OdDb::kForWrite);
     if (!reactor.isNull()) reactor->setChanged(true);
   }
 }
@@ -225,7 +224,7 @@ void ModelUpdate::settleForeignChanges() {
   ReferenceUpdate update(*m_map);
   std::unordered_set<OdDbObjectId> known;
   for (const OdDbObjectId& id : vdmu::getAllPersIdManagers(m_database)) {
-    const VdmDbPersIdManagerPtr manager = VdmDbPersIdManager::cast(id.openObject());
+    const VdmDbPersIdManagerPtr manager = id.openAs<VdmDbPersIdManager>();
     if (manager.isNull()) continue;
     const OdDbObjectIdArray dependencies = manager->objectDependencyIds();
     for (const ResolvedReference& found :
@@ -238,7 +237,7 @@ void ModelUpdate::settleForeignChanges() {
 
 // A base face that was displaced along its normal takes the inserts that stand on it along.
 void ModelUpdate::followBaseFaces(const OdDbObjectId& solid) {
-  const OdDb3dSolidPtr object = OdDb3dSolid::cast(solid.openObject());
+  const OdDb3dSolidPtr object = solid.openAs<OdDb3dSolid>();
   const OdModelerBodyPtr body = object.isNull() ? nullptr : object->body();
   if (!body) return;
   for (const OdDbObjectId& id : componentsAt(solid)) {
@@ -247,7 +246,7 @@ void ModelUpdate::followBaseFaces(const OdDbObjectId& solid) {
     if (component.isNull() || !component->placed(placed) || placed.baseNormal.isZeroLength())
       continue;
     for (const OdDbObjectId& base : component->baseFaceDependencies()) {
-      const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(base.openObject());
+      const VdmDbObjectDependencyPtr dependency = base.openAs<VdmDbObjectDependency>();
       if (dependency.isNull() || isUnresolvedIndex(dependency->subentId().index())) continue;
       const auto index = static_cast<OdUInt32>(dependency->subentId().index());
       if (!body->hasSubent({OdModelerSubentType::kFace, index})) continue;
@@ -257,7 +256,7 @@ void ModelUpdate::followBaseFaces(const OdDbObjectId& solid) {
       const double offset = (face.origin - placed.basePoint).dotProduct(placed.baseNormal);
       if (std::abs(offset) <= OdGeTol::kDefault.equalPoint()) continue;
       const OdDbBlockReferencePtr insert =
-          OdDbBlockReference::cast(component->insertId().openObject(OdDb::kForWrite));
+          component->insertId().openAs<OdDbBlockReference>(OdDb::kForWrite);
       if (!insert.isNull())
         insert->transformBy(OdGeMatrix3d::translation(placed.baseNormal * offset));
     }
@@ -274,7 +273,7 @@ void ModelUpdate::enterChangedInserts() {
       const VdmComponentFeaturePtr component = openComponent(id, OdDb::kForRead);
       if (component.isNull()) continue;
       const VdmDbInsertReactorPtr reactor =
-          VdmDbInsertReactor::cast(component->insertReactorId().openObject());
+          component->insertReactorId().openAs<VdmDbInsertReactor>();
       const bool isChanged = solidIsGone || reactor.isNull() || reactor->hasChanges() ||
                              component->insertId().isErased();
       if (!isChanged && !m_force) continue;
@@ -293,8 +292,7 @@ bool ModelUpdate::runRound() {
   ++m_report.numRounds;
   m_nextMap = std::make_unique<VdmDependenciesReplacementMap>();
   for (const OdDbObjectId& id : m_managers) {
-    const VdmDbFeatureManagerPtr manager =
-        VdmDbFeatureManager::cast(id.openObject(OdDb::kForWrite));
+    const VdmDbFeatureManagerPtr manager = id.openAs<VdmDbFeatureManager>(OdDb::kForWrite);
     if (manager.isNull()) continue;
     EPostprocessingOperationType post = PostprocessNone;
     manager->updateFeatures(*m_map, false, false, post);
@@ -308,8 +306,7 @@ bool ModelUpdate::runRound() {
 // The manager leaves replaced dependencies to the owner of the map.
 void ModelUpdate::eraseUnwatched() {
   for (const OdDbObjectId& id : m_map->getAll()) {
-    const VdmDbObjectDependencyPtr dependency =
-        VdmDbObjectDependency::cast(id.openObject(OdDb::kForWrite));
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>(OdDb::kForWrite);
     if (!dependency.isNull() && !dependency->isWatched()) dependency->erase();
   }
 }
@@ -363,8 +360,7 @@ void ModelUpdate::dropOpeningFaces(const OdDbObjectId& feature,
   for (const auto& [toolFace, dependencies] : component->openingDependencies()) {
     OdDbObjectIdArray foreign;
     for (const OdDbObjectId& reference : dependencies) {
-      const VdmDbObjectDependencyPtr dependency =
-          VdmDbObjectDependency::cast(reference.openObject());
+      const VdmDbObjectDependencyPtr dependency = reference.openAs<VdmDbObjectDependency>();
       if (dependency.isNull() || isUnresolvedIndex(dependency->subentId().index())) continue;
       if (isForeign(toolFace, static_cast<OdUInt32>(dependency->subentId().index())))
         foreign.append(reference);
@@ -384,7 +380,7 @@ void ModelUpdate::dropUnwatched() {
   });
   if (!m_leavesUnwatched) return;
   for (const OdDbObjectId& id : m_managers) {
-    const VdmDbFeatureManagerPtr manager = VdmDbFeatureManager::cast(id.openObject());
+    const VdmDbFeatureManagerPtr manager = id.openAs<VdmDbFeatureManager>();
     if (!manager.isNull()) dropUnwatchedReferences(manager->blockId());
   }
 }

@@ -38,7 +38,7 @@ class ModelUpdate {
 
   /// `force` has every component healed and done anew. With `foreign` references into solids that
   /// were changed while nobody kept a journal are looked for, too: every reference is opened.
-  OdModelerStatus run(bool force, bool foreign = false);
+  OdStatus run(bool force, bool foreign = false);
 
   /// The innermost run of this thread; null when there is none.
   static ModelUpdate* current();
@@ -64,10 +64,10 @@ class ModelUpdate {
   static constexpr OdUInt32 kMaxRounds = 8;
 
   void indexComponents();
-  OdModelerStatus followSolids();
-  OdModelerStatus carryAlong(const OdDbObjectId& solid, const OdGeMatrix3d& transform);
-  OdModelerStatus excludeTools(const OdSolidChange& change);
-  OdModelerStatus adoptBlend(const OdSolidChange& change);
+  OdStatus followSolids();
+  OdStatus carryAlong(const OdDbObjectId& solid, const OdGeMatrix3d& transform);
+  OdStatus excludeTools(const OdSolidChange& change);
+  OdStatus adoptBlend(const OdSolidChange& change);
   [[nodiscard]] std::unique_ptr<ResidueLedger> appliedPieces(const OdDbObjectId& solid) const;
   static void storePieces(ResidueLedger& ledger);
   void forgetPieces(const OdDbObjectId& solid);

@@ -56,7 +56,7 @@ FeatureReport& PassRecorder::entry(const OdDbObjectId& feature) {
   return report;
 }
 
-void PassRecorder::noteFailure(const OdDbObjectId& feature, OdModelerStatus status) {
+void PassRecorder::noteFailure(const OdDbObjectId& feature, OdStatus status) {
   FeatureReport& report = entry(feature);
   report.outcome = FeatureOutcome::kFailed;
   report.text = status.text;

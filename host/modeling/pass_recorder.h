@@ -6,7 +6,7 @@
 #include <unordered_map>
 
 #include "host/modeling/update_report.h"
-#include "platform/modeler/modeler_status.h"
+#include "platform/base/status.h"
 #include "vdm_db/features/vdm_update_observer.h"
 
 namespace vdm_host {
@@ -17,9 +17,9 @@ class PassRecorder final : public VdmUpdateObserver {
   explicit PassRecorder(UpdateReport& report);
 
   /// The first failure; ok while there was none.
-  [[nodiscard]] const OdModelerStatus& failure() const { return m_failure; }
+  [[nodiscard]] const OdStatus& failure() const { return m_failure; }
   /// A failure of one feature's operation; the pass goes on, and is rolled back by its host.
-  void noteFailure(const OdDbObjectId& feature, OdModelerStatus status);
+  void noteFailure(const OdDbObjectId& feature, OdStatus status);
   void noteStep(const OdDbObjectId& feature, const OdDbObjectId& solid, SolidAction action);
   /// Why the feature will be taken, where the host knows better than the pass.
   void setReason(const OdDbObjectId& feature, const OdString& reason);
@@ -44,7 +44,7 @@ class PassRecorder final : public VdmUpdateObserver {
   FeatureReport& entry(const OdDbObjectId& feature);
 
   UpdateReport& m_report;
-  OdModelerStatus m_failure;
+  OdStatus m_failure;
   std::map<VdmUpdatePhase, Clock::time_point> m_began;
   std::unordered_map<OdDbObjectId, OdString> m_reasons;
   OdUInt32 m_numTaken = 0;

@@ -8,10 +8,10 @@ namespace vdm_host {
 namespace {
 
 // Nothing left is an answer, not a failure.
-OdModelerStatus combine(OdModelerBooleanKind kind, const OdModelerBodyPtr& a,
-                        const OdModelerBodyPtr& b, OdModelerBodyPtr& result) {
+OdStatus combine(OdModelerBooleanKind kind, const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
+                 OdModelerBodyPtr& result) {
   OdModelerBodyPtr made;
-  OdModelerStatus status = odModeler().boolean(kind, a, {&b, 1}, made, nullptr);
+  OdStatus status = odModeler().boolean(kind, a, {&b, 1}, made, nullptr);
   if (status.code == eDegenerateGeometry) status = {};
   if (status.ok()) result = std::move(made);
   return status;
@@ -19,15 +19,14 @@ OdModelerStatus combine(OdModelerBooleanKind kind, const OdModelerBodyPtr& a,
 
 }  // namespace
 
-OdModelerStatus commonOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
-                         OdModelerBodyPtr& result) {
+OdStatus commonOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b, OdModelerBodyPtr& result) {
   result = nullptr;
   if (!a || !b) return {};
-  OdModelerStatus status = combine(OdModelerBooleanKind::kIntersect, a, b, result);
+  OdStatus status = combine(OdModelerBooleanKind::kIntersect, a, b, result);
   if (status.ok()) return status;
   // The same by another way, for which the modeller may not fail.
   OdModelerBodyPtr rest;
-  const OdModelerStatus again = combine(OdModelerBooleanKind::kSubtract, b, a, rest);
+  const OdStatus again = combine(OdModelerBooleanKind::kSubtract, b, a, rest);
   if (!again.ok()) return status;
   if (!rest) {
     result = b;
@@ -36,15 +35,14 @@ OdModelerStatus commonOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
   return combine(OdModelerBooleanKind::kSubtract, b, rest, result);
 }
 
-OdModelerStatus differenceOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
-                             OdModelerBodyPtr& result) {
+OdStatus differenceOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
+                      OdModelerBodyPtr& result) {
   if (a && b) return combine(OdModelerBooleanKind::kSubtract, a, b, result);
   result = a;
   return {};
 }
 
-OdModelerStatus unionOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
-                        OdModelerBodyPtr& result) {
+OdStatus unionOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b, OdModelerBodyPtr& result) {
   if (a && b) return combine(OdModelerBooleanKind::kUnite, a, b, result);
   result = a ? a : b;
   return {};
@@ -84,19 +82,19 @@ ComponentPieces& ResidueLedger::component(const OdDbObjectId& feature) {
   return m_components.emplace_back(feature);
 }
 
-OdModelerStatus ResidueLedger::loseTo(ToolKind kind, const OdModelerBodyPtr& body,
-                                      const OdGeExtents3d& box) {
+OdStatus ResidueLedger::loseTo(ToolKind kind, const OdModelerBodyPtr& body,
+                               const OdGeExtents3d& box) {
   for (ComponentPieces& other : m_components) {
     if (!overlap(box, other.boxOf(kind)) || !other.pieceOf(kind)) continue;
     OdModelerBodyPtr rest;
-    OdModelerStatus status = differenceOf(other.pieceOf(kind), body, rest);
+    OdStatus status = differenceOf(other.pieceOf(kind), body, rest);
     if (!status.ok()) return status;
     other.setPiece(kind, rest);
   }
   return {};
 }
 
-OdModelerStatus ResidueLedger::heal(OdDb3dSolid& solid) {
+OdStatus ResidueLedger::heal(OdDb3dSolid& solid) {
   for (const ToolKind kind : {ToolKind::kCut, ToolKind::kFill}) {
     std::vector<OdModelerBodyPtr> pieces;
     for (ComponentPieces& component : m_components) {
@@ -108,29 +106,29 @@ OdModelerStatus ResidueLedger::heal(OdDb3dSolid& solid) {
     if (pieces.empty()) continue;
     const OdModelerBooleanKind undo =
         kind == ToolKind::kCut ? OdModelerBooleanKind::kUnite : OdModelerBooleanKind::kSubtract;
-    if (OdModelerStatus status = solid.booleanOper(undo, pieces); !status.ok()) return status;
+    if (OdStatus status = solid.booleanOper(undo, pieces); !status.ok()) return status;
   }
   return {};
 }
 
 // Takes off what earlier tools have taken.
-OdModelerStatus ResidueLedger::lessen(OdModelerBodyPtr& piece, const OdGeExtents3d& box,
-                                      std::span<const OdModelerBodyPtr> earlier) {
+OdStatus ResidueLedger::lessen(OdModelerBodyPtr& piece, const OdGeExtents3d& box,
+                               std::span<const OdModelerBodyPtr> earlier) {
   for (const OdModelerBodyPtr& tool : earlier) {
     if (!piece || !overlap(box, tool->extents())) continue;
     OdModelerBodyPtr rest;
-    OdModelerStatus status = differenceOf(piece, tool, rest);
+    OdStatus status = differenceOf(piece, tool, rest);
     if (!status.ok()) return status;
     piece = rest;
   }
   return {};
 }
 
-OdModelerStatus ResidueLedger::claim(const OdDbObjectId& feature, ToolKind kind,
-                                     const OdModelerBody& tool, const OdModelerBodyPtr& piece) {
+OdStatus ResidueLedger::claim(const OdDbObjectId& feature, ToolKind kind, const OdModelerBody& tool,
+                              const OdModelerBodyPtr& piece) {
   ComponentPieces& owner = component(feature);
   OdModelerBodyPtr all;
-  OdModelerStatus status = unionOf(owner.pieceOf(kind), piece, all);
+  OdStatus status = unionOf(owner.pieceOf(kind), piece, all);
   if (!status.ok()) return status;
   owner.setPiece(kind, all);
   owner.boxOf(kind).addExt(tool.extents());
@@ -139,14 +137,14 @@ OdModelerStatus ResidueLedger::claim(const OdDbObjectId& feature, ToolKind kind,
 }
 
 // Tools that keep apart are intersected in one operation: whose a piece is its place tells.
-OdModelerStatus ResidueLedger::takeLoners(const OdModelerBodyPtr& before,
-                                          std::span<const OdModelerBodyPtr> loners,
-                                          std::vector<OdModelerBodyPtr>& pieces) {
+OdStatus ResidueLedger::takeLoners(const OdModelerBodyPtr& before,
+                                   std::span<const OdModelerBodyPtr> loners,
+                                   std::vector<OdModelerBodyPtr>& pieces) {
   pieces.assign(loners.size(), nullptr);
   if (loners.empty()) return {};
   if (loners.size() == 1) return commonOf(before, loners.front(), pieces.front());
   OdModelerBodyPtr all;
-  OdModelerStatus status =
+  OdStatus status =
       odModeler().boolean(OdModelerBooleanKind::kIntersect, before, loners, all, nullptr);
   if (status.code == eDegenerateGeometry) return {};
   if (!status.ok()) {
@@ -174,9 +172,9 @@ OdModelerStatus ResidueLedger::takeLoners(const OdModelerBodyPtr& before,
   return status;
 }
 
-OdModelerStatus ResidueLedger::takeCuts(const OdModelerBodyPtr& before,
-                                        std::span<const OdDbObjectId> features,
-                                        std::span<const OdModelerBodyPtr> tools) {
+OdStatus ResidueLedger::takeCuts(const OdModelerBodyPtr& before,
+                                 std::span<const OdDbObjectId> features,
+                                 std::span<const OdModelerBodyPtr> tools) {
   std::vector<std::size_t> apart;
   std::vector<OdModelerBodyPtr> loners;
   for (std::size_t i = 0; i < tools.size(); ++i) {
@@ -188,7 +186,7 @@ OdModelerStatus ResidueLedger::takeCuts(const OdModelerBodyPtr& before,
     loners.push_back(tools[i]);
   }
   std::vector<OdModelerBodyPtr> pieces;
-  OdModelerStatus status = takeLoners(before, loners, pieces);
+  OdStatus status = takeLoners(before, loners, pieces);
   for (std::size_t i = 0, next = 0; i < tools.size() && status.ok(); ++i) {
     OdModelerBodyPtr piece;
     if (next < apart.size() && apart[next] == i) {
@@ -202,12 +200,12 @@ OdModelerStatus ResidueLedger::takeCuts(const OdModelerBodyPtr& before,
   return status;
 }
 
-OdModelerStatus ResidueLedger::takeFills(const OdModelerBodyPtr& before,
-                                         std::span<const OdDbObjectId> features,
-                                         std::span<const OdModelerBodyPtr> tools) {
+OdStatus ResidueLedger::takeFills(const OdModelerBodyPtr& before,
+                                  std::span<const OdDbObjectId> features,
+                                  std::span<const OdModelerBodyPtr> tools) {
   for (std::size_t i = 0; i < tools.size(); ++i) {
     OdModelerBodyPtr piece;
-    OdModelerStatus status = differenceOf(tools[i], before, piece);
+    OdStatus status = differenceOf(tools[i], before, piece);
     if (status.ok()) status = lessen(piece, tools[i]->extents(), tools.first(i));
     if (status.ok()) status = claim(features[i], ToolKind::kFill, *tools[i], piece);
     if (!status.ok()) return status;
@@ -215,9 +213,9 @@ OdModelerStatus ResidueLedger::takeFills(const OdModelerBodyPtr& before,
   return {};
 }
 
-OdModelerStatus ResidueLedger::exclude(const OdModelerBodyPtr& tool) {
+OdStatus ResidueLedger::exclude(const OdModelerBodyPtr& tool) {
   const OdGeExtents3d box = tool->extents();
-  OdModelerStatus status = loseTo(ToolKind::kCut, tool, box);
+  OdStatus status = loseTo(ToolKind::kCut, tool, box);
   return status.ok() ? loseTo(ToolKind::kFill, tool, box) : status;
 }
 

@@ -80,26 +80,26 @@ class ResidueLedger {
   [[nodiscard]] ComponentPieces* find(const OdDbObjectId& feature);
 
   /// Law 2 for all components that heal; these have no pieces and no boxes afterwards.
-  OdModelerStatus heal(OdDb3dSolid& solid);
+  OdStatus heal(OdDb3dSolid& solid);
   /// Takes in the pieces of new cuts before they are made; `tools` belong to `features`. A tool
   /// that takes nothing away gives no piece.
-  OdModelerStatus takeCuts(const OdModelerBodyPtr& before, std::span<const OdDbObjectId> features,
-                           std::span<const OdModelerBodyPtr> tools);
+  OdStatus takeCuts(const OdModelerBodyPtr& before, std::span<const OdDbObjectId> features,
+                    std::span<const OdModelerBodyPtr> tools);
   /// The same for fills. No cut of a component is open where they are.
-  OdModelerStatus takeFills(const OdModelerBodyPtr& before, std::span<const OdDbObjectId> features,
-                            std::span<const OdModelerBodyPtr> tools);
+  OdStatus takeFills(const OdModelerBodyPtr& before, std::span<const OdDbObjectId> features,
+                     std::span<const OdModelerBodyPtr> tools);
   /// Law 4 for a tool that somebody else applied to the solid.
-  OdModelerStatus exclude(const OdModelerBodyPtr& tool);
+  OdStatus exclude(const OdModelerBodyPtr& tool);
 
  private:
-  OdModelerStatus loseTo(ToolKind kind, const OdModelerBodyPtr& body, const OdGeExtents3d& box);
-  static OdModelerStatus lessen(OdModelerBodyPtr& piece, const OdGeExtents3d& box,
-                                std::span<const OdModelerBodyPtr> earlier);
-  static OdModelerStatus takeLoners(const OdModelerBodyPtr& before,
-                                    std::span<const OdModelerBodyPtr> loners,
-                                    std::vector<OdModelerBodyPtr>& pieces);
-  OdModelerStatus claim(const OdDbObjectId& feature, ToolKind kind, const OdModelerBody& tool,
-                        const OdModelerBodyPtr& piece);
+  OdStatus loseTo(ToolKind kind, const OdModelerBodyPtr& body, const OdGeExtents3d& box);
+  static OdStatus lessen(OdModelerBodyPtr& piece, const OdGeExtents3d& box,
+                         std::span<const OdModelerBodyPtr> earlier);
+  static OdStatus takeLoners(const OdModelerBodyPtr& before,
+                             std::span<const OdModelerBodyPtr> loners,
+                             std::vector<OdModelerBodyPtr>& pieces);
+  OdStatus claim(const OdDbObjectId& feature, ToolKind kind, const OdModelerBody& tool,
+                 const OdModelerBodyPtr& piece);
   ComponentPieces& component(const OdDbObjectId& feature);
 
   PieceReader m_reader;
@@ -108,12 +108,10 @@ class ResidueLedger {
 
 /// a and b in common, a without b, a and b together. Null stands for nothing, as argument and as
 /// result: nothing left is no failure.
-OdModelerStatus commonOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
-                         OdModelerBodyPtr& result);
-OdModelerStatus differenceOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
-                             OdModelerBodyPtr& result);
-OdModelerStatus unionOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
-                        OdModelerBodyPtr& result);
+OdStatus commonOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b, OdModelerBodyPtr& result);
+OdStatus differenceOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
+                      OdModelerBodyPtr& result);
+OdStatus unionOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b, OdModelerBodyPtr& result);
 /// Whether two boxes have a point in common; false when one is invalid.
 [[nodiscard]] bool overlap(const OdGeExtents3d& a, const OdGeExtents3d& b);
 

@@ -30,7 +30,7 @@ std::vector<std::pair<int, OdUInt32>> presentFaces(const VdmComponentFeature& fe
   std::vector<std::pair<int, OdUInt32>> faces;
   for (const auto& [tag, dependencies] : feature.openingDependencies()) {
     for (const OdDbObjectId& id : dependencies) {
-      const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+      const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
       if (dependency.isNull() || isUnresolvedIndex(dependency->subentId().index())) continue;
       faces.emplace_back(tag, static_cast<OdUInt32>(dependency->subentId().index()));
     }
@@ -66,7 +66,7 @@ bool UpdateHelper::failed() const {
   return m_failed || (m_update != nullptr && !m_update->recorder().failure().ok());
 }
 
-bool UpdateHelper::fail(const OdDbObjectId& feature, OdModelerStatus status) {
+bool UpdateHelper::fail(const OdDbObjectId& feature, OdStatus status) {
   m_failed = true;
   if (const Work* work = findWork(feature); work != nullptr)
     status.text = L"solid " + OdString(work->solid.getHandle().ascii()) + L": " + status.text;
@@ -116,12 +116,12 @@ void UpdateHelper::enterSite(const VdmComponentFeature& feature, Work& work) {
 // Fills in what the insert asks for; a component that is as it is to be neither heals nor applies.
 void UpdateHelper::planAt(const VdmComponentFeature& feature, Work& work) {
   work.state = feature.state();
-  if (OdDb3dSolid::cast(work.solid.openObject()).isNull()) {
+  if (work.solid.openAs<OdDb3dSolid>().isNull()) {
     work.condemned = true;
     work.heals = false;
     return;
   }
-  const OdDbBlockReferencePtr insert = OdDbBlockReference::cast(feature.insertId().openObject());
+  const OdDbBlockReferencePtr insert = feature.insertId().openAs<OdDbBlockReference>();
   if (insert.isNull()) {
     work.condemned = true;
     return;
@@ -153,8 +153,7 @@ bool UpdateHelper::getMatchingFaces(VdmUpdateFeatureInterface* /*updateInterface
   const ComponentPlan due = plan(*component);
   if (due == ComponentPlan::kCondemned) updateData().appendFeatureToRemove(feature);
   if (due != ComponentPlan::kWork) {
-    const VdmDbInsertReactorPtr reactor =
-        VdmDbInsertReactor::cast(component->insertReactorId().openObject());
+    const VdmDbInsertReactorPtr reactor = component->insertReactorId().openAs<VdmDbInsertReactor>();
     if (due == ComponentPlan::kNothing && !reactor.isNull() && reactor->hasChanges())
       reactor->setChanged(false);
     return false;
@@ -168,7 +167,7 @@ bool UpdateHelper::getMatchingFaces(VdmUpdateFeatureInterface* /*updateInterface
   for (const auto& [tag, face] : work.oldFaces) args.sampleFaces[tag].append(sample(face));
   appendSampleFeature(feature, args.sampleFaces);
   for (const OdDbObjectId& id : component->baseFaceDependencies()) {
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
     if (dependency.isNull() || isUnresolvedIndex(dependency->subentId().index())) continue;
     args.subtrBaseFaces[VdmComponentFeature::kBaseFaceTag] =
         sample(static_cast<OdUInt32>(dependency->subentId().index()));
@@ -204,17 +203,17 @@ bool UpdateHelper::addCopiesToUpdateData(VdmUpdateFeatureInterface* /*updateInte
          {eNotApplicable, OdString(L"its block has no solids for subtracting or uniting")});
     return false;
   }
-  const OdModelerStatus status = makeTools(*work, tools);
+  const OdStatus status = makeTools(*work, tools);
   return status.ok() || fail(feature, status);
 }
 
 // Copies of the tools in the solid's place. Cuts are queued; fills wait for their turn.
-OdModelerStatus UpdateHelper::makeTools(Work& work, const BlockTools& tools) {
+OdStatus UpdateHelper::makeTools(Work& work, const BlockTools& tools) {
   int faces = 0;
   for (const ToolKind kind : {ToolKind::kCut, ToolKind::kFill}) {
     for (const OdModelerBodyPtr& body : tools.of(kind)) {
       Tool tool{work.feature, kind, nullptr, faces};
-      OdModelerStatus status = body->transformed(work.now, tool.body);
+      OdStatus status = body->transformed(work.now, tool.body);
       if (!status.ok()) return status;
       faces += static_cast<int>(body->numFaces());
       if (kind == ToolKind::kCut) {
@@ -276,12 +275,12 @@ void UpdateHelper::fillSite(Site& site) {
   }
 }
 
-OdModelerStatus UpdateHelper::healSite(Site& site) {
-  OdDb3dSolidPtr solid = OdDb3dSolid::cast(site.solid.openObject(OdDb::kForWrite));
+OdStatus UpdateHelper::healSite(Site& site) {
+  OdDb3dSolidPtr solid = site.solid.openAs<OdDb3dSolid>(OdDb::kForWrite);
   if (solid.isNull()) return {eNotOpenForWrite, OdString(L"the solid cannot be opened for write")};
   for (Work& work : m_work) {
     if (work.solid != site.solid || !work.heals) continue;
-    if (OdModelerStatus status = healWithoutResidue(work, *solid); !status.ok()) return status;
+    if (OdStatus status = healWithoutResidue(work, *solid); !status.ok()) return status;
     if (m_update != nullptr)
       m_update->recorder().noteStep(work.feature, site.solid, SolidAction::kHealed);
   }
@@ -289,11 +288,11 @@ OdModelerStatus UpdateHelper::healSite(Site& site) {
 }
 
 // An opening whose residue is lost: its faces are taken off, and the modeller closes the rest.
-OdModelerStatus UpdateHelper::healWithoutResidue(const Work& work, OdDb3dSolid& solid) {
+OdStatus UpdateHelper::healWithoutResidue(const Work& work, OdDb3dSolid& solid) {
   if (!work.pieceIsLost || work.oldFaces.empty()) return {};
   std::vector<OdUInt32> faces;
   for (const auto& [tag, face] : work.oldFaces) faces.push_back(face);
-  OdModelerStatus status = solid.removeFaces(faces);
+  OdStatus status = solid.removeFaces(faces);
   if (!status.ok())
     status.text =
         OdString(L"its residue is lost and its faces cannot be taken off: ") + status.text;
@@ -316,21 +315,21 @@ bool UpdateHelper::meets(const Work& work, ComponentPieces& stays) {
 
 // Components that meet those which heal are healed with them and done anew, and so on: a solid is
 // only ever healed by whole openings, whose closing leaves no trace.
-OdModelerStatus UpdateHelper::widen(Site& site) {
+OdStatus UpdateHelper::widen(Site& site) {
   for (std::size_t i = 0; i < m_work.size(); ++i) {
     if (m_work[i].solid != site.solid) continue;
     for (ComponentPieces& pieces : site.ledger.components()) {
       if (pieces.heals || !meets(m_work[i], pieces)) continue;
-      if (OdModelerStatus status = doAnew(pieces); !status.ok()) return status;
+      if (OdStatus status = doAnew(pieces); !status.ok()) return status;
     }
   }
   return {};
 }
 
-OdModelerStatus UpdateHelper::doAnew(ComponentPieces& pieces) {
+OdStatus UpdateHelper::doAnew(ComponentPieces& pieces) {
   const VdmComponentFeaturePtr component =
       VdmComponentFeature::cast(VdmFeature::open(pieces.feature).get());
-  const OdDbBlockReferencePtr insert = OdDbBlockReference::cast(component->insertId().openObject());
+  const OdDbBlockReferencePtr insert = component->insertId().openAs<OdDbBlockReference>();
   Work work;
   if (insert.isNull() || !component->placed(work.before)) return {};
   work.feature = pieces.feature;
@@ -341,13 +340,13 @@ OdModelerStatus UpdateHelper::doAnew(ComponentPieces& pieces) {
   work.oldFaces = presentFaces(*component);
   work.pieceIsLost = component->hasLostPiece();
   pieces.heals = true;
-  OdModelerStatus status = makeTools(work, m_tools.of(insert->blockTableRecord()));
+  OdStatus status = makeTools(work, m_tools.of(insert->blockTableRecord()));
   m_workIndex[work.feature] = m_work.size();
   m_work.push_back(std::move(work));
   return status;
 }
 
-OdModelerStatus UpdateHelper::addFills(Site& site) {
+OdStatus UpdateHelper::addFills(Site& site) {
   std::vector<OdDbObjectId> features;
   std::vector<OdModelerBodyPtr> tools;
   for (const Work& work : m_work) {
@@ -358,8 +357,8 @@ OdModelerStatus UpdateHelper::addFills(Site& site) {
     }
   }
   if (tools.empty()) return {};
-  OdDb3dSolidPtr solid = OdDb3dSolid::cast(site.solid.openObject(OdDb::kForWrite));
-  OdModelerStatus status = site.ledger.takeFills(solid->body(), features, tools);
+  OdDb3dSolidPtr solid = site.solid.openAs<OdDb3dSolid>(OdDb::kForWrite);
+  OdStatus status = site.ledger.takeFills(solid->body(), features, tools);
   if (status.ok()) status = solid->booleanOper(OdModelerBooleanKind::kUnite, tools);
   if (!status.ok() || m_update == nullptr) return status;
   for (const OdDbObjectId& id : features)
@@ -373,7 +372,7 @@ bool UpdateHelper::prepareForSubtract() {
   for (std::size_t i = 0; i < m_sites.size(); ++i) {
     Site& site = *m_sites[i];
     fillSite(site);
-    OdModelerStatus status = widen(site);
+    OdStatus status = widen(site);
     if (status.ok()) status = healSite(site);
     if (status.ok()) status = addFills(site);
     if (status.ok()) continue;
@@ -397,7 +396,7 @@ bool UpdateHelper::checkTools(OdSmartPtr<OdDb3dSolid>& solid, Tools& tools) {
     known.append(tool);
   }
   if (features.empty()) return !tools.isEmpty();
-  OdModelerStatus status = site.ledger.takeCuts(solid->body(), features, bodies);
+  OdStatus status = site.ledger.takeCuts(solid->body(), features, bodies);
   if (!status.ok()) return fail(features.front(), std::move(status));
   // What takes nothing away is no tool.
   tools.clear();

@@ -94,14 +94,14 @@ class UpdateHelper final : public VdmFeatureUpdateDataHelper {
   Site& siteOf(const OdDbObjectId& solid);
   void fillSite(Site& site);
   const OdDbObjectIdArray& componentsAt(const OdDbObjectId& solid);
-  OdModelerStatus healSite(Site& site);
-  static OdModelerStatus healWithoutResidue(const Work& work, OdDb3dSolid& solid);
-  OdModelerStatus makeTools(Work& work, const BlockTools& tools);
+  OdStatus healSite(Site& site);
+  static OdStatus healWithoutResidue(const Work& work, OdDb3dSolid& solid);
+  OdStatus makeTools(Work& work, const BlockTools& tools);
   static bool meets(const Work& work, ComponentPieces& stays);
-  OdModelerStatus widen(Site& site);
-  OdModelerStatus doAnew(ComponentPieces& pieces);
-  OdModelerStatus addFills(Site& site);
-  bool fail(const OdDbObjectId& feature, OdModelerStatus status);
+  OdStatus widen(Site& site);
+  OdStatus doAnew(ComponentPieces& pieces);
+  OdStatus addFills(Site& site);
+  bool fail(const OdDbObjectId& feature, OdStatus status);
 
   // Results.
   void settleReferences();

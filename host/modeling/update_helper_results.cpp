@@ -14,7 +14,7 @@ namespace vdm_host {
 namespace {
 
 OdModelerBodyPtr bodyOf(const OdDbObjectId& solid) {
-  const OdDb3dSolidPtr object = OdDb3dSolid::cast(solid.openObject());
+  const OdDb3dSolidPtr object = solid.openAs<OdDb3dSolid>();
   return object.isNull() ? nullptr : object->body();
 }
 
@@ -24,7 +24,7 @@ VdmComponentFeaturePtr openForWrite(const OdDbObjectId& feature) {
 
 // The subentity that a dependency leads to; 0 when there is none.
 OdUInt32 resolvedIndex(const OdDbObjectId& dependency) {
-  const VdmDbObjectDependencyPtr object = VdmDbObjectDependency::cast(dependency.openObject());
+  const VdmDbObjectDependencyPtr object = dependency.openAs<VdmDbObjectDependency>();
   if (object.isNull() || isUnresolvedIndex(object->subentId().index())) return 0;
   return static_cast<OdUInt32>(object->subentId().index());
 }
@@ -50,8 +50,7 @@ void noteBirths(const OdDbObjectId& feature) {
       VdmComponentFeature::cast(VdmFeature::open(feature).get());
   for (const auto& [toolFace, dependencies] : component->openingDependencies()) {
     for (const OdDbObjectId& id : dependencies) {
-      const VdmDbObjectDependencyPtr dependency =
-          VdmDbObjectDependency::cast(id.openObject(OdDb::kForWrite));
+      const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>(OdDb::kForWrite);
       ReferenceRecord record;
       if (dependency.isNull() || !record.readFrom(*dependency) || record.birth.isOfTool()) continue;
       record.birth = {feature.getHandle(), static_cast<OdUInt32>(toolFace)};
@@ -229,7 +228,7 @@ void UpdateHelper::storeApplied() {
     if (!work.wasPlaced || !work.heals) noteBasePlane(*feature, placed);
     feature->setApplied(work.state, placed, work.applies ? work.toolStamp : feature->toolStamp());
     const VdmDbInsertReactorPtr reactor =
-        VdmDbInsertReactor::cast(feature->insertReactorId().openObject(OdDb::kForWrite));
+        feature->insertReactorId().openAs<VdmDbInsertReactor>(OdDb::kForWrite);
     if (!reactor.isNull()) reactor->setChanged(false);
   }
 }

@@ -22,7 +22,7 @@ OdResult nameReference(const OdDbFullSubentPath& path, const OdString& name,
       VdmDbFeatureManager::getInstance(path.objectIds().first().ownerId(), /*create=*/true);
   const bool isNamed = !name.isEmpty();
   const OdDbObjectId made =
-      VdmDbFeatureManager::cast(managerId.safeOpenObject(OdDb::kForWrite))
+      managerId.safeOpenAs<VdmDbFeatureManager>(OdDb::kForWrite)
           ->createFeatureData(VdmNameFeature::desc(), isNamed ? name : OdString(L"Reference"),
                               /*numberGiven=*/!isNamed, /*trim=*/true);
   const VdmNameFeaturePtr object = VdmNameFeature::cast(VdmFeature::open(made, OdDb::kForWrite));

@@ -40,7 +40,7 @@ class SolidsOfPaths {
 
  private:
   static void fill(const OdDbObjectId& id, Row& row) {
-    const OdDb3dSolidPtr solid = OdDb3dSolid::cast(id.openObject());
+    const OdDb3dSolidPtr solid = id.openAs<OdDb3dSolid>();
     if (solid.isNull() || !solid->getBody(row.body).ok() || !row.body) return;
     SolidStamp stamp = SolidStamp::read(id);
     if (stamp.fingerprint == 0) {
@@ -109,8 +109,7 @@ void PersIdManagerExtension::findExisting(VdmDbPersIdManager* manager,
 
 void PersIdManagerExtension::updateDependency(VdmDbPersIdManager*, const OdDbObjectId& dependency,
                                               const OdDbFullSubentPath& path) {
-  const VdmDbObjectDependencyPtr opened =
-      VdmDbObjectDependency::cast(dependency.openObject(OdDb::kForWrite));
+  const VdmDbObjectDependencyPtr opened = dependency.openAs<VdmDbObjectDependency>(OdDb::kForWrite);
   if (!opened.isNull()) opened->setLinkObject(path);
 }
 

@@ -77,8 +77,7 @@ void ReferenceUpdate::Impl::LinkMoves::add(const OdDbObjectId& dependency, bool 
 void ReferenceUpdate::Impl::LinkMoves::carryOut() {
   for (auto& [handle, row] : m_rows) {
     if (row.ids.isEmpty()) continue;
-    const VdmDbPersIdManagerPtr manager =
-        VdmDbPersIdManager::cast(row.manager.openObject(OdDb::kForWrite));
+    const VdmDbPersIdManagerPtr manager = row.manager.openAs<VdmDbPersIdManager>(OdDb::kForWrite);
     if (!manager.isNull()) {
       manager->updatePairs(row.ids, row.paths);
     } else {
@@ -157,8 +156,7 @@ void ReferenceUpdate::Impl::writeSplit(Solid& solid, const Decision& decision) {
   const bool hasRecord = record.readFrom(*dependency);
   const ReferenceGrade before = hasRecord ? record.grade : ReferenceGrade::kExact;
   const OdDbObjectId managerId = decision.dependency.ownerId();
-  const VdmDbPersIdManagerPtr manager =
-      VdmDbPersIdManager::cast(managerId.openObject(OdDb::kForWrite));
+  const VdmDbPersIdManagerPtr manager = managerId.openAs<VdmDbPersIdManager>(OdDb::kForWrite);
   OdDbObjectIdArray ids;
   if (!manager.isNull()) ids = manager->split(decision.dependency, paths, m_map);
   Decision part = decision;
@@ -207,7 +205,7 @@ void ReferenceUpdate::Impl::tell(const Solid& solid, const Decision& decision,
 
 void ReferenceUpdate::Impl::finish() {
   for (const auto& [handle, id] : m_managers) {
-    const VdmDbPersIdManagerPtr manager = VdmDbPersIdManager::cast(id.openObject(OdDb::kForWrite));
+    const VdmDbPersIdManagerPtr manager = id.openAs<VdmDbPersIdManager>(OdDb::kForWrite);
     if (manager.isNull()) continue;
     if (isSecondPass) {
       manager->finishRemap2(m_map);
@@ -241,8 +239,8 @@ void ReferenceUpdate::Impl::writeMerged() {
     const OdDbObjectIdArray by = m_map.getReplacedWith(meeting.dependency);
     if (by.size() != 1 || parts[by[0]] < 2) continue;
     const bool isFirst = written.insert(by[0]).second;
-    const VdmDbObjectDependencyPtr old = VdmDbObjectDependency::cast(
-        meeting.dependency.openObject(OdDb::kForRead, /*openErased=*/true));
+    const VdmDbObjectDependencyPtr old =
+        meeting.dependency.openAs<VdmDbObjectDependency>(OdDb::kForRead, /*openErased=*/true);
     ReferenceRecord record;
     if (old.isNull() || !record.readFrom(*old)) continue;
     const ReferenceGrade before = record.grade;

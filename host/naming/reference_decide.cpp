@@ -129,7 +129,7 @@ bool ReferenceUpdate::Impl::isManaged(const OdDbObjectId& dependency) {
   const OdDbObjectId owner = dependency.ownerId();
   if (owner != m_lastOwner) {
     m_lastOwner = owner;
-    m_lastIsManager = !VdmDbPersIdManager::cast(owner.openObject()).isNull();
+    m_lastIsManager = !owner.openAs<VdmDbPersIdManager>().isNull();
   }
   return m_lastIsManager;
 }

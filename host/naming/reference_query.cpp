@@ -21,7 +21,7 @@ namespace {
 class Resolver {
  public:
   ResolvedReference resolve(const OdDbObjectId& id) {
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
     VdmBlob record;
     if (!dependency.isNull()) ReferenceRecord::readBytes(*dependency, record);
     return resolve(id, dependency, record);
@@ -80,7 +80,7 @@ class Resolver {
   static void fill(const OdDbObjectId& id, Row& row) {
     row.plainPath.append(id);
     row.isErased = id.isErased();
-    const OdDb3dSolidPtr solid = OdDb3dSolid::cast(id.openObject());
+    const OdDb3dSolidPtr solid = id.openAs<OdDb3dSolid>();
     row.isSolid = !solid.isNull();
     if (solid.isNull() || !solid->getBody(row.body).ok() || !row.body) return;
     const OdUInt64 stamp = SolidStamp::read(id).fingerprint;
@@ -158,7 +158,7 @@ std::vector<ResolvedReference> resolveReferences(std::span<const OdDbObjectId> d
     const auto ids = dependencies.subspan(i, std::min(kPortion, dependencies.size() - i));
     readAhead(ids);
     for (std::size_t k = 0; k < ids.size(); ++k) {
-      fetched[k].dependency = VdmDbObjectDependency::cast(ids[k].openObject());
+      fetched[k].dependency = ids[k].openAs<VdmDbObjectDependency>();
       fetched[k].record.clear();
       if (!fetched[k].dependency.isNull())
         ReferenceRecord::readBytes(*fetched[k].dependency, fetched[k].record);
@@ -172,7 +172,7 @@ std::vector<ResolvedReference> resolveReferences(std::span<const OdDbObjectId> d
 ReferenceStory explainReference(const OdDbObjectId& id) {
   ReferenceStory story;
   story.now = resolveReference(id);
-  const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+  const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
   if (dependency.isNull()) return story;
   story.hasRecord = story.record.readFrom(*dependency);
   const auto type = static_cast<OdModelerSubentType>(dependency->subentId().type());
@@ -207,7 +207,7 @@ std::vector<ReferenceEntry> listReferences(OdDbDatabase* database) {
   std::vector<ReferenceEntry> entries;
   Resolver resolver;
   for (const OdDbObjectId& managerId : vdmu::getAllPersIdManagers(database)) {
-    const VdmDbPersIdManagerPtr manager = VdmDbPersIdManager::cast(managerId.openObject());
+    const VdmDbPersIdManagerPtr manager = managerId.openAs<VdmDbPersIdManager>();
     if (manager.isNull()) continue;
     for (const OdDbObjectId& id : manager->objectDependencyIds()) {
       ReferenceEntry& entry = entries.emplace_back();

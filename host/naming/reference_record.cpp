@@ -275,10 +275,9 @@ OdBinaryData stampBytes(const SolidStamp& stamp) {
 OdDbXrecordPtr stampRecord(const OdDbObjectId& solid, OdDb::OpenMode mode) {
   const OdDbObjectPtr object = solid.openObject();
   if (object.isNull()) return {};
-  const OdDbDictionaryPtr dictionary =
-      OdDbDictionary::cast(object->extensionDictionary().openObject());
+  const OdDbDictionaryPtr dictionary = object->extensionDictionary().openAs<OdDbDictionary>();
   if (dictionary.isNull()) return {};
-  return OdDbXrecord::cast(dictionary->getAt(kStampKey).openObject(mode));
+  return dictionary->getAt(kStampKey).openAs<OdDbXrecord>(mode);
 }
 
 OdDbXrecordPtr makeStampRecord(const OdDbObjectId& solid) {
@@ -287,7 +286,7 @@ OdDbXrecordPtr makeStampRecord(const OdDbObjectId& solid) {
   if (object.isNull() || object->database()->isReadOnly()) return {};
   object->upgradeOpen();
   const OdDbDictionaryPtr dictionary =
-      OdDbDictionary::cast(object->createExtensionDictionary().openObject(OdDb::kForWrite));
+      object->createExtensionDictionary().openAs<OdDbDictionary>(OdDb::kForWrite);
   if (dictionary.isNull()) return {};
   OdDbXrecordPtr record = OdDbXrecord::createObject();
   dictionary->setAt(kStampKey, record);

@@ -23,7 +23,7 @@ OdDbObjectId leafOf(const VdmDbObjectDependency& dependency) {
 
 // Block references through which the entity is seen, at any depth.
 void collectReferences(const OdDbObjectId& block, std::unordered_set<OdDbObjectId>& found) {
-  const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::cast(block.openObject());
+  const OdDbBlockTableRecordPtr record = block.openAs<OdDbBlockTableRecord>();
   if (record.isNull() || !record->hasBlockReferences()) return;
   for (const OdDbObjectId& reference : record->getBlockReferenceIds()) {
     if (found.insert(reference).second) collectReferences(reference.ownerId(), found);
@@ -125,7 +125,7 @@ void ReferenceUpdate::Impl::settleSolid(const OdDbObjectId& id, const BodyLineag
 
 ReferenceUpdateReport ReferenceUpdate::Impl::settleByStamp(const OdDbObjectId& id) {
   m_report = {};
-  const OdDb3dSolidPtr entity = OdDb3dSolid::cast(id.openObject());
+  const OdDb3dSolidPtr entity = id.openAs<OdDb3dSolid>();
   if (entity.isNull()) return {};
   Solid solid;
   solid.id = id;

@@ -33,7 +33,7 @@ struct Decision : Reference {
 /// Null when it cannot be opened.
 [[nodiscard]] inline VdmDbObjectDependencyPtr openDependency(const OdDbObjectId& id,
                                                              OdDb::OpenMode mode = OdDb::kForRead) {
-  return VdmDbObjectDependency::cast(id.openObject(mode));
+  return id.openAs<VdmDbObjectDependency>(mode);
 }
 
 /// Three sources: reference_update.cpp (the run, solid by solid), reference_decide.cpp and

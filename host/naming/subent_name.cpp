@@ -103,9 +103,9 @@ OdString subentName(OdModelerSubent subent) {
   return name;
 }
 
-OdModelerStatus findSubentNear(const OdModelerBody& body, const OdGePoint3d& point, Type type,
-                               double tolerance, OdModelerSubent& found) {
-  OdModelerStatus status{eInvalidInput, {}};
+OdStatus findSubentNear(const OdModelerBody& body, const OdGePoint3d& point, Type type,
+                        double tolerance, OdModelerSubent& found) {
+  OdStatus status{eInvalidInput, {}};
   if (!(tolerance > 0.0) || !std::isfinite(tolerance)) {
     status.text.format(L"point %ls: the tolerance is %g, it must be more than 0",
                        text(point).c_str(), tolerance);

@@ -17,8 +17,8 @@ namespace vdm_host {
 /// before an edge and an edge before a face where the point is within the tolerance of it.
 /// eInvalidInput when nothing is near, or two are equally near: the text names both and their
 /// distances.
-OdModelerStatus findSubentNear(const OdModelerBody& body, const OdGePoint3d& point,
-                               OdModelerSubentType type, double tolerance, OdModelerSubent& found);
+OdStatus findSubentNear(const OdModelerBody& body, const OdGePoint3d& point,
+                        OdModelerSubentType type, double tolerance, OdModelerSubent& found);
 
 /// "plane 1200", "cylinder r 4.5", "line 30", "circle r 4.5 length 28.27", ... for lists.
 [[nodiscard]] OdString describeSubent(const OdModelerBody& body, OdModelerSubent subent);

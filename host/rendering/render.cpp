@@ -46,7 +46,7 @@ std::string badOption(const RenderOptions& options) {
 
 std::string blockName(const OdDbDatabase& database, const OdDbObjectId& block) {
   const OdDbObjectId id = block.isNull() ? database.getModelSpaceId() : block;
-  const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::cast(id.openObject());
+  const OdDbBlockTableRecordPtr record = id.openAs<OdDbBlockTableRecord>();
   return record.isNull() ? std::string("?") : std::string(record->getName().utf8());
 }
 

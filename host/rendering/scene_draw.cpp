@@ -41,7 +41,7 @@ RenderColor toColor(const OdCmEntityColor& color, const RenderColor& plain) {
 
 SurfaceLook lookOf(const OdDbDisplayAttributes& attributes) {
   SurfaceLook look{toColor(attributes.color, kPlainSurface)};
-  const OdDbMaterialPtr material = OdDbMaterial::cast(attributes.material.openObject());
+  const OdDbMaterialPtr material = attributes.material.openAs<OdDbMaterial>();
   if (material.isNull()) return look;
   if (!material->diffuse().isByLayer()) look.color = toColor(material->diffuse(), kPlainSurface);
   look.opacity = material->opacity();
@@ -378,7 +378,7 @@ OdGeExtents3d Scene::extents() const {
 
 Scene drawScene(OdDbDatabase& database, const OdDbObjectId& block, double deviation) {
   const OdDbObjectId id = block.isNull() ? database.getModelSpaceId() : block;
-  const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::cast(id.safeOpenObject());
+  const OdDbBlockTableRecordPtr record = id.openAs<OdDbBlockTableRecord>();
   if (record.isNull()) {
     throw OdError(eWrongObjectType, OdString("object ") + id.getHandle().ascii() + " as block");
   }

@@ -218,7 +218,7 @@ class Audit {
   OdDbObjectId blockForLost(OdDbObjectId owner) {
     const OdString name = L"audit_" + owner.getHandle().ascii();
     const OdDbBlockTablePtr table =
-        OdDbBlockTable::cast(m_database->getBlockTableId().safeOpenObject(OdDb::kForWrite));
+        m_database->getBlockTableId().safeOpenAs<OdDbBlockTable>(OdDb::kForWrite);
     const OdDbObjectId present = table->getAt(name);
     if (!present.isNull()) return present;
     const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::createObject();
@@ -227,8 +227,8 @@ class Audit {
   }
 
   OdDbObjectId dictionaryForLost() {
-    const OdDbDictionaryPtr root = OdDbDictionary::cast(
-        m_database->getNamedObjectsDictionaryId().safeOpenObject(OdDb::kForWrite));
+    const OdDbDictionaryPtr root =
+        m_database->getNamedObjectsDictionaryId().safeOpenAs<OdDbDictionary>(OdDb::kForWrite);
     const OdDbObjectId present = root->getAt(L"audit_lost");
     return present.isNull() ? root->setAt(L"audit_lost", OdDbDictionary::createObject()) : present;
   }
@@ -272,7 +272,7 @@ class Audit {
 
   // Only one of several listers is noted; the recorded owner may be another one of them.
   [[nodiscard]] static bool isSecondLister(OdDbObjectId id, OdDbObjectId owner) {
-    const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(owner.openObject());
+    const OdDbBlockTableRecordPtr block = owner.openAs<OdDbBlockTableRecord>();
     return !block.isNull() && block->entityIds().contains(id);
   }
 
@@ -280,16 +280,16 @@ class Audit {
   void checkBlockReferences(OdDbObjectId id) {
     if (id.isErased() || id.objectClass() == nullptr) return;
     if (id.objectClass()->isDerivedFrom(OdDbBlockReference::desc())) {
-      const OdDbBlockReferencePtr reference = OdDbBlockReference::cast(id.openObject());
+      const OdDbBlockReferencePtr reference = id.openAs<OdDbBlockReference>();
       if (!reference.isNull()) checkIsListed(id, reference->blockTableRecord());
     } else if (id.objectClass()->isDerivedFrom(OdDbBlockTableRecord::desc())) {
-      const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(id.openObject());
+      const OdDbBlockTableRecordPtr block = id.openAs<OdDbBlockTableRecord>();
       if (!block.isNull()) checkListed(block);
     }
   }
 
   void checkIsListed(OdDbObjectId reference, OdDbObjectId blockId) {
-    const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(blockId.openObject());
+    const OdDbBlockTableRecordPtr block = blockId.openAs<OdDbBlockTableRecord>();
     if (block.isNull()) return;
     const auto [known, isNew] = m_references.try_emplace(blockId);
     if (isNew) known->second = block->getBlockReferenceIds();
@@ -308,7 +308,7 @@ class Audit {
 
   void checkListed(const OdDbBlockTableRecordPtr& block) {
     for (const OdDbObjectId& reference : block->getBlockReferenceIds()) {
-      const OdDbBlockReferencePtr object = OdDbBlockReference::cast(reference.openObject());
+      const OdDbBlockReferencePtr object = reference.openAs<OdDbBlockReference>();
       if (!object.isNull() && object->blockTableRecord() == block->objectId()) continue;
       if (found(block->objectId(), L"listed reference " + reference.getHandle().ascii(),
                 L"a reference to the block", L"no entry")) {

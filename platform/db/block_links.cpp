@@ -25,7 +25,7 @@ bool isLayoutName(const OdString& name) {
 }
 
 bool showsBlock(const OdDbObjectId& reference, const OdDbObjectId& block) {
-  const OdDbBlockReferencePtr opened = OdDbBlockReference::cast(reference.openObject());
+  const OdDbBlockReferencePtr opened = reference.openAs<OdDbBlockReference>();
   return !opened.isNull() && opened->blockTableRecord() == block;
 }
 
@@ -69,7 +69,7 @@ OdDbObjectIdArray OdDbBlockTableRecord::getBlockReferenceIds(bool directOnly,
   for (OdUInt32 next = 0; next < ids.size(); ++next) {
     const OdDbObjectId owner = std::as_const(ids)[next].ownerId();
     if (!visited.insert(owner).second) continue;
-    const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(owner.openObject());
+    const OdDbBlockTableRecordPtr block = owner.openAs<OdDbBlockTableRecord>();
     if (!block.isNull() && !block->isLayout()) block->collectReferences(ids, forceValidity);
   }
   std::sort(ids.begin(), ids.end(), [](const OdDbObjectId& a, const OdDbObjectId& b) {
@@ -92,7 +92,7 @@ bool OdDbBlockTableRecord::wouldContainItselfWith(const OdDbObjectId& block) con
     const OdDbObjectId container = containers.back();
     containers.pop_back();
     if (container == block) return true;
-    const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::cast(container.openObject());
+    const OdDbBlockTableRecordPtr record = container.openAs<OdDbBlockTableRecord>();
     if (record.isNull()) continue;
     record->m_references.forEach([&](const OdDbObjectId& reference) {
       const OdDbObjectId owner = reference.ownerId();

@@ -97,15 +97,15 @@ void OdDbBlockReference::setBlockTableRecord(const OdDbObjectId& block) {
 void OdDbBlockReference::noteInBlock(const OdDbObjectId& block, bool shows) const {
   if (block.isNull() || database() == nullptr || block.database() != database()) return;
   const OdDbBlockTableRecordPtr record =
-      OdDbBlockTableRecord::cast(block.openObject(OdDb::kForWrite, /*openErased=*/true));
+      block.openAs<OdDbBlockTableRecord>(OdDb::kForWrite, /*openErased=*/true);
   if (!record.isNull()) record->noteBlockReference(objectId(), shows);
 }
 
 void OdDbBlockReference::checkNesting(const OdDbObjectId& block, const OdDbObjectId& owner) const {
   if (block.isNull()) return;
-  const OdDbBlockTableRecordPtr container = OdDbBlockTableRecord::cast(owner.openObject());
+  const OdDbBlockTableRecordPtr container = owner.openAs<OdDbBlockTableRecord>();
   if (container.isNull() || !container->wouldContainItselfWith(block)) return;
-  const OdDbBlockTableRecordPtr shown = OdDbBlockTableRecord::cast(block.openObject());
+  const OdDbBlockTableRecordPtr shown = block.openAs<OdDbBlockTableRecord>();
   throw OdError(eCircularReference, OdString("block '") + container->getName() +
                                         "' is part of block '" +
                                         (shown.isNull() ? OdString() : shown->getName()) + "'");
@@ -196,7 +196,7 @@ void OdDbBlockReference::setNormal(const OdGeVector3d& normal) {
 }
 
 OdGePoint3d OdDbBlockReference::blockOrigin() const {
-  const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(m_block.openObject());
+  const OdDbBlockTableRecordPtr block = m_block.openAs<OdDbBlockTableRecord>();
   return block.isNull() ? OdGePoint3d::kOrigin : block->origin();
 }
 
@@ -274,7 +274,7 @@ OdResult OdDbBlockReference::subTransformBy(const OdGeMatrix3d& transform) {
 
 OdResult OdDbBlockReference::getGeomExtents(OdGeExtents3d& extents) const {
   assertReadEnabled();
-  const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(m_block.openObject());
+  const OdDbBlockTableRecordPtr block = m_block.openAs<OdDbBlockTableRecord>();
   if (block.isNull()) return eNotApplicable;
   OdGeExtents3d box;
   const OdResult result = block->getGeomExtents(box);
@@ -285,13 +285,13 @@ OdResult OdDbBlockReference::getGeomExtents(OdGeExtents3d& extents) const {
 
 bool OdDbBlockReference::subWorldDraw(OdGiWorldDraw* context) const {
   assertReadEnabled();
-  OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(m_block.openObject());
+  OdDbBlockTableRecordPtr block = m_block.openAs<OdDbBlockTableRecord>();
   if (block.isNull()) return false;
   const OdGiModelTransformGuard guard(context->geometry(), blockTransform());
   if (block->isFromExternalReference()) {
     const OdDbDatabase* external = block->xrefDatabase();
     if (external == nullptr) return false;
-    block = OdDbBlockTableRecord::cast(external->getModelSpaceId().openObject());
+    block = external->getModelSpaceId().openAs<OdDbBlockTableRecord>();
     if (block.isNull()) return false;
   }
   return block->worldDraw(context);
@@ -299,7 +299,7 @@ bool OdDbBlockReference::subWorldDraw(OdGiWorldDraw* context) const {
 
 OdResult OdDbBlockReference::explode(OdRxObjectPtrArray& parts) const {
   assertReadEnabled();
-  const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(m_block.openObject());
+  const OdDbBlockTableRecordPtr block = m_block.openAs<OdDbBlockTableRecord>();
   if (block.isNull()) return eNotApplicable;
   const OdGeMatrix3d transform = blockTransform();
   OdRxObjectPtrArray copies;

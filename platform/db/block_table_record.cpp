@@ -104,7 +104,7 @@ class OdDbBlockTableRecord::Iterator : public OdDbObjectIterator {
 };
 
 OdDbEntityPtr OdDbObjectIterator::entity(OdDb::OpenMode mode, bool openErased) const {
-  return OdDbEntity::cast(objectId().openObject(mode, openErased));
+  return objectId().openAs<OdDbEntity>(mode, openErased);
 }
 
 OdDbObjectIteratorPtr OdDbBlockTableRecord::newIterator(bool atBeginning, bool skipErased) const {
@@ -217,7 +217,7 @@ OdResult OdDbBlockTableRecord::checkMovable(const OdDbObjectIdArray& ids) const 
     if (id.isErased()) return eWasErased;
     if (!seen.insert(id).second) return eDuplicateKey;
     try {
-      OdDbEntity::cast(id.safeOpenObject())->subCheckAppend(objectId());
+      id.safeOpenAs<OdDbEntity>()->subCheckAppend(objectId());
     } catch (const OdError& error) {
       return error.code();
     }
@@ -234,8 +234,7 @@ void OdDbBlockTableRecord::unlistFromOwners(const OdDbObjectIdArray& ids) {
   }
   const std::unordered_set<OdDbObjectId> moved(ids.cbegin(), ids.cend());
   for (const OdDbObjectId& owner : std::as_const(owners)) {
-    const OdDbBlockTableRecordPtr block =
-        OdDbBlockTableRecord::cast(owner.safeOpenObject(OdDb::kForWrite));
+    const OdDbBlockTableRecordPtr block = owner.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite);
     block->removeEntities(moved);
   }
 }
@@ -272,7 +271,7 @@ OdResult OdDbBlockTableRecord::getGeomExtents(OdGeExtents3d& extents) const {
   const OdDbObjectIdArray entities = m_entities;
   try {
     for (const OdDbObjectId& id : entities) {
-      const OdDbEntityPtr entity = OdDbEntity::cast(id.openObject());
+      const OdDbEntityPtr entity = id.openAs<OdDbEntity>();
       OdGeExtents3d box;
       if (entity.isNull()) continue;
       const OdResult measured = entity->getGeomExtents(box);
@@ -304,7 +303,7 @@ bool OdDbBlockTableRecord::subWorldDraw(OdGiWorldDraw* context) const {
   for (const OdDbObjectId& id : entities) {
     if (context->regenAbort()) return false;
     if (id.isErased()) continue;
-    const OdDbEntityPtr entity = OdDbEntity::cast(id.openObject());
+    const OdDbEntityPtr entity = id.openAs<OdDbEntity>();
     complete &= !entity.isNull();
     if (!entity.isNull()) context->geometry().draw(entity);
   }

@@ -142,7 +142,7 @@ OdString OdDbCloner::freeName(const OdDbObject* source, const OdDbObject* owner,
   OdString prefix;
   if (rule == OdDb::kDrcXrefMangleName && !m_mapping.insertingXrefBlockId().isNull()) {
     const OdDbBlockTableRecordPtr block =
-        OdDbBlockTableRecord::cast(m_mapping.insertingXrefBlockId().openObject());
+        m_mapping.insertingXrefBlockId().openAs<OdDbBlockTableRecord>();
     if (!block.isNull()) prefix = block->getName();
   }
   return oddbMangledName(m_state, owner, prefix, base);

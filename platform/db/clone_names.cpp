@@ -12,7 +12,7 @@
 OdString oddbRecordName(const OdDbObject* source) {
   const OdDbSymbolTableRecordPtr record = OdDbSymbolTableRecord::cast(source);
   if (!record.isNull()) return record->getName();
-  const OdDbDictionaryPtr dictionary = OdDbDictionary::cast(source->ownerId().openObject());
+  const OdDbDictionaryPtr dictionary = source->ownerId().openAs<OdDbDictionary>();
   return dictionary.isNull() ? OdString() : dictionary->nameAt(source->objectId());
 }
 

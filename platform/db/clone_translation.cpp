@@ -39,7 +39,7 @@ void OdDbCloner::translateAll() {
   // An entity may tell others about itself, now that it knows the right ones.
   for (const OdDbObjectId id : m_state.untranslated) {
     if (!id.objectClass()->isDerivedFrom(OdDbEntity::desc())) continue;
-    const OdDbEntityPtr entity = OdDbEntity::cast(id.openObject(OdDb::kForWrite));
+    const OdDbEntityPtr entity = id.openAs<OdDbEntity>(OdDb::kForWrite);
     if (!entity.isNull()) entity->subAppended();
   }
   m_state.untranslated.clear();

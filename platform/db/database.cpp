@@ -85,7 +85,7 @@ OdDbObjectId OdDbDatabase::getLayerZeroId() const {
 
 OdDbObjectId OdDbDatabase::getMaterialDictionaryId(bool createIfNotFound) {
   const OdDbDictionaryPtr root =
-      OdDbDictionary::cast(getNamedObjectsDictionaryId().safeOpenObject(OdDb::kForRead));
+      getNamedObjectsDictionaryId().safeOpenAs<OdDbDictionary>(OdDb::kForRead);
   const OdDbObjectId found = root->getAt(kMaterialDictionary);
   if (!found.isNull() || !createIfNotFound) return found;
   const OdDbDictionaryPtr materials = OdDbDictionary::createObject();
@@ -141,8 +141,7 @@ OdUInt64 OdDbDatabase::approxNumObjects() const {
 }
 
 OdDbObjectId OdDbDatabase::newRegApp(const OdString& name) {
-  const OdSmartPtr<OdDbRegAppTable> table =
-      OdDbRegAppTable::cast(getRegAppTableId().safeOpenObject());
+  const OdSmartPtr<OdDbRegAppTable> table = getRegAppTableId().safeOpenAs<OdDbRegAppTable>();
   if (const OdDbObjectId present = table->getAt(name); !present.isNull()) return present;
   const OdSmartPtr<OdDbRegAppTableRecord> record = OdDbRegAppTableRecord::createObject();
   record->setName(name);
@@ -242,10 +241,10 @@ void OdDbDatabase::removeReactor(OdDbDatabaseReactor* reactor) const {
 OdString OdDbDatabase::getFilename() const { return m_impl->filename; }
 bool OdDbDatabase::isReadOnly() const { return m_impl->readOnly; }
 bool OdDbDatabase::isModified() const { return m_impl->changes != m_impl->savedChanges; }
-OdDbStoreStatus OdDbDatabase::save() { return m_impl->save(); }
-OdDbStoreStatus OdDbDatabase::saveAs(const OdString& path) { return m_impl->saveAs(path); }
-OdDbStoreStatus OdDbDatabase::compact() { return m_impl->compact(); }
-OdDbStoreStatus OdDbDatabase::loadAll() { return m_impl->loadAll(); }
+OdStatus OdDbDatabase::save() { return m_impl->save(); }
+OdStatus OdDbDatabase::saveAs(const OdString& path) { return m_impl->saveAs(path); }
+OdStatus OdDbDatabase::compact() { return m_impl->compact(); }
+OdStatus OdDbDatabase::loadAll() { return m_impl->loadAll(); }
 OdUInt64 OdDbDatabase::pageOut(OdUInt64 budgetBytes) { return m_impl->pageOut(budgetBytes); }
 const OdStringArray& OdDbDatabase::loadErrors() const { return m_impl->loadErrors; }
 OdDbHostAppServices* OdDbDatabase::appServices() const { return m_impl->services; }

@@ -140,13 +140,13 @@ class OdDbDatabase : public OdRxObject {
   /// Objects were changed since the drawing was opened or saved.
   [[nodiscard]] bool isModified() const;
   /// Writes what changed, in one durable step. A drawing without a file gives eFileAccess.
-  OdDbStoreStatus save();
+  OdStatus save();
   /// Writes everything into a fresh file and goes on working with it.
-  OdDbStoreStatus saveAs(const OdString& path);
+  OdStatus saveAs(const OdString& path);
   /// Rewrites the drawing's file without its free space. Unsaved changes are saved first.
-  OdDbStoreStatus compact();
+  OdStatus compact();
   /// Loads every object now, checking each and the file as a whole.
-  OdDbStoreStatus loadAll();
+  OdStatus loadAll();
   /// Drops unmodified objects that nobody has open until about `budgetBytes` stay resident.
   /// Returns the number dropped.
   OdUInt64 pageOut(OdUInt64 budgetBytes);

@@ -27,7 +27,7 @@ void copyVariables(const OdDbDatabase* from, OdDbDatabase* to) {
 
 OdDbObjectIdArray entriesOf(OdDbObjectId dictionaryId) {
   OdDbObjectIdArray ids;
-  const OdDbDictionaryPtr dictionary = OdDbDictionary::cast(dictionaryId.openObject());
+  const OdDbDictionaryPtr dictionary = dictionaryId.openAs<OdDbDictionary>();
   if (dictionary.isNull()) return ids;
   for (const OdDbDictionaryIteratorPtr it = dictionary->newIterator(); !it->done(); it->next()) {
     ids.append(it->objectId());
@@ -65,7 +65,7 @@ OdResult OdDbCloner::cloneContents(const OdDbBlockTableRecord* from, OdDbBlockTa
 }
 
 OdDbDatabasePtr OdDbDatabase::wblock(const OdDbObjectId& block) {
-  const OdDbBlockTableRecordPtr source = OdDbBlockTableRecord::cast(block.safeOpenObject());
+  const OdDbBlockTableRecordPtr source = block.openAs<OdDbBlockTableRecord>();
   if (source.isNull() || block.originalDatabase() != this) {
     throw OdError(eWrongObjectType,
                   L"object " + block.getHandle().ascii() + L" is no block of this drawing");
@@ -78,7 +78,7 @@ OdDbDatabasePtr OdDbDatabase::wblock(const OdDbObjectId& block) {
   const OdDbObjectId modelSpaceId = drawing->getModelSpaceId();
   {
     const OdDbBlockTableRecordPtr modelSpace =
-        OdDbBlockTableRecord::cast(modelSpaceId.safeOpenObject(OdDb::kForWrite));
+        modelSpaceId.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite);
     const OdDbIdMappingPtr mapping = OdDbIdMapping::createObject(OdDb::kDcWblock);
     const OdResult result =
         OdDbCloner::cloneContents(source, modelSpace, *mapping, OdDb::kDrcIgnore);

@@ -45,7 +45,7 @@ class OdDbDatabaseImpl {
   OdDbObject* resident(OdDbIdRecord* idRecord);
   /// Reads a record into its object. Damage is noted in loadErrors and gives null.
   OdDbObject* load(OdDbIdRecord* idRecord, const OdDbRecordView& record);
-  OdDbStoreStatus loadAll();
+  OdStatus loadAll();
   /// Makes ids for all records of the file.
   void listAll();
   OdUInt64 pageOut(OdUInt64 budgetBytes);
@@ -67,12 +67,12 @@ class OdDbDatabaseImpl {
   void swapObjects(OdDbIdRecord* a, OdDbIdRecord* b);
 
   // Saving (database_save.cpp).
-  OdDbStoreStatus openStore(std::unique_ptr<OdDbRecordStore> opened);
+  OdStatus openStore(std::unique_ptr<OdDbRecordStore> opened);
   /// Takes over a stored variable; false when it is damaged, with `reason`. Unknown ones pass.
   bool adoptVariable(const OdDbStoredVariable& item, OdString* reason = nullptr);
-  OdDbStoreStatus save();
-  OdDbStoreStatus saveAs(const OdString& path);
-  OdDbStoreStatus compact();
+  OdStatus save();
+  OdStatus saveAs(const OdString& path);
+  OdStatus compact();
   [[nodiscard]] bool isEffectivelyErased(OdDbIdRecord* idRecord);
 
   // Notification (reactor_calls.cpp). A reactor that throws is reported and the others are told.
@@ -120,12 +120,12 @@ class OdDbDatabaseImpl {
   void keepDirty(const std::vector<OdDbIdRecord*>& idRecords);
   void loadErasedSubtrees();
   void collectErasedSubtree(OdDbIdRecord* idRecord, std::vector<OdDbIdRecord*>& removed);
-  OdDbStoreStatus writeObject(OdDbRecordStore& target, OdDbIdRecord* idRecord,
-                              OdDbFileWriter& writer, std::vector<OdUInt8>& record);
-  OdDbStoreStatus writeChanges(SavePlan& plan);
-  OdDbStoreStatus writeEverything(OdDbRecordStore& target, std::vector<OdDbIdRecord*>& written);
-  OdDbStoreStatus writeClasses(OdDbRecordStore& target, bool all);
-  OdDbStoreStatus writeVariables(OdDbRecordStore& target, bool all);
+  OdStatus writeObject(OdDbRecordStore& target, OdDbIdRecord* idRecord, OdDbFileWriter& writer,
+                       std::vector<OdUInt8>& record);
+  OdStatus writeChanges(SavePlan& plan);
+  OdStatus writeEverything(OdDbRecordStore& target, std::vector<OdDbIdRecord*>& written);
+  OdStatus writeClasses(OdDbRecordStore& target, bool all);
+  OdStatus writeVariables(OdDbRecordStore& target, bool all);
   void savedTo(const OdString& path);
 };
 

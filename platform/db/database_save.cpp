@@ -66,7 +66,7 @@ bool OdDbDatabaseImpl::adoptVariable(const OdDbStoredVariable& item, OdString* r
   return row == nullptr || variables.deserialise(row, item.value, reason) == eOk;
 }
 
-OdDbStoreStatus OdDbDatabaseImpl::openStore(std::unique_ptr<OdDbRecordStore> opened) {
+OdStatus OdDbDatabaseImpl::openStore(std::unique_ptr<OdDbRecordStore> opened) {
   for (const OdDbStoredClass& item : opened->classes()) {
     if (!classes.read(item)) {
       return {eCorruptData, OdString("class " + std::to_string(item.id) + " of ") + opened->path() +
@@ -161,9 +161,8 @@ void OdDbDatabaseImpl::planSave(SavePlan& plan) {
 
 // Writing.
 
-OdDbStoreStatus OdDbDatabaseImpl::writeObject(OdDbRecordStore& target, OdDbIdRecord* idRecord,
-                                              OdDbFileWriter& writer,
-                                              std::vector<OdUInt8>& record) {
+OdStatus OdDbDatabaseImpl::writeObject(OdDbRecordStore& target, OdDbIdRecord* idRecord,
+                                       OdDbFileWriter& writer, std::vector<OdUInt8>& record) {
   OdDbObject* object = resident(idRecord);
   if (object == nullptr) {
     return {eCorruptData, OdString("object ") + OdDbHandle(idRecord->handle).ascii() +
@@ -195,22 +194,22 @@ OdDbStoreStatus OdDbDatabaseImpl::writeObject(OdDbRecordStore& target, OdDbIdRec
                            record.size()});
 }
 
-OdDbStoreStatus OdDbDatabaseImpl::writeClasses(OdDbRecordStore& target, bool all) {
+OdStatus OdDbDatabaseImpl::writeClasses(OdDbRecordStore& target, bool all) {
   for (const OdDbClassEntry& entry : classes.entries()) {
     if (entry.inFile && !all) continue;
-    const OdDbStoreStatus status = target.putClass({entry.id, OdDbClassTable::encode(entry)});
+    const OdStatus status = target.putClass({entry.id, OdDbClassTable::encode(entry)});
     if (!status.ok()) return status;
   }
   return {};
 }
 
-OdDbStoreStatus OdDbDatabaseImpl::writeVariables(OdDbRecordStore& target, bool all) {
+OdStatus OdDbDatabaseImpl::writeVariables(OdDbRecordStore& target, bool all) {
   if (all || seed != savedSeed) {
-    const OdDbStoreStatus status = target.putVariable({kSeedKey, encodeSeed(seed)});
+    const OdStatus status = target.putVariable({kSeedKey, encodeSeed(seed)});
     if (!status.ok()) return status;
   }
   for (const OdDbVariableRow* row : all ? variables.changed() : changedVariables) {
-    const OdDbStoreStatus status =
+    const OdStatus status =
         target.putVariable({std::string(kVariablePrefix) + row->name, variables.serialise(row)});
     if (!status.ok()) return status;
   }
@@ -218,23 +217,23 @@ OdDbStoreStatus OdDbDatabaseImpl::writeVariables(OdDbRecordStore& target, bool a
   for (const OdDbStoredVariable& item : all&& store ? store->variables() : kNoVariables) {
     const bool ours = item.key == kSeedKey || variableOfKey(item.key) != nullptr;
     if (ours) continue;
-    if (const OdDbStoreStatus status = target.putVariable(item); !status.ok()) return status;
+    if (const OdStatus status = target.putVariable(item); !status.ok()) return status;
   }
   return {};
 }
 
-OdDbStoreStatus OdDbDatabaseImpl::writeChanges(SavePlan& plan) {
+OdStatus OdDbDatabaseImpl::writeChanges(SavePlan& plan) {
   OdDbFileWriter writer(self);
   std::vector<OdUInt8> record;
   for (OdDbIdRecord* idRecord : plan.written) {
-    const OdDbStoreStatus status = writeObject(*store, idRecord, writer, record);
+    const OdStatus status = writeObject(*store, idRecord, writer, record);
     if (!status.ok()) return status;
   }
   for (const OdDbIdRecord* idRecord : plan.removed) {
-    const OdDbStoreStatus status = store->removeRecord(idRecord->handle);
+    const OdStatus status = store->removeRecord(idRecord->handle);
     if (!status.ok()) return status;
   }
-  if (const OdDbStoreStatus status = writeClasses(*store, /*all=*/false); !status.ok()) {
+  if (const OdStatus status = writeClasses(*store, /*all=*/false); !status.ok()) {
     return status;
   }
   return writeVariables(*store, /*all=*/false);
@@ -249,22 +248,22 @@ void OdDbDatabaseImpl::keepDirty(const std::vector<OdDbIdRecord*>& idRecords) {
   }
 }
 
-OdDbStoreStatus OdDbDatabaseImpl::save() {
+OdStatus OdDbDatabaseImpl::save() {
   if (!store) return {eFileAccess, OdString("the drawing has no file")};
   if (readOnly) return {eReadOnlyDatabase, filename};
   tellDatabaseReactors([this](OdDbDatabaseReactor* reactor) { reactor->databaseToBeSaved(self); });
   SavePlan plan;
   planSave(plan);
-  const auto failed = [&plan](OdDbStoreStatus status) {
+  const auto failed = [&plan](OdStatus status) {
     for (OdDbIdRecord* idRecord : plan.removed) idRecord->set(OdDbIdRecord::kInFile);
     return status;
   };
-  if (OdDbStoreStatus status = store->beginSave(); !status.ok()) return failed(status);
-  if (OdDbStoreStatus status = writeChanges(plan); !status.ok()) {
+  if (OdStatus status = store->beginSave(); !status.ok()) return failed(status);
+  if (OdStatus status = writeChanges(plan); !status.ok()) {
     store->rollbackSave();
     return failed(status);
   }
-  if (OdDbStoreStatus status = store->commitSave(); !status.ok()) return failed(status);
+  if (OdStatus status = store->commitSave(); !status.ok()) return failed(status);
   for (OdDbIdRecord* idRecord : plan.written) idRecord->set(OdDbIdRecord::kInFile);
   for (OdDbIdRecord* idRecord : dirty) idRecord->clear(OdDbIdRecord::kDirty);
   dirty.clear();
@@ -285,11 +284,11 @@ void OdDbDatabaseImpl::savedTo(const OdString& path) {
   tellDatabaseReactors([this](OdDbDatabaseReactor* reactor) { reactor->databaseSaved(self); });
 }
 
-OdDbStoreStatus OdDbDatabaseImpl::writeEverything(OdDbRecordStore& target,
-                                                  std::vector<OdDbIdRecord*>& written) {
+OdStatus OdDbDatabaseImpl::writeEverything(OdDbRecordStore& target,
+                                           std::vector<OdDbIdRecord*>& written) {
   OdDbFileWriter writer(self);
   std::vector<OdUInt8> record;
-  OdDbStoreStatus status;
+  OdStatus status;
   ids.forEach([&](OdDbIdRecord* idRecord) {
     if (!idRecord->has(OdDbIdRecord::kHeaderKnown) || !isAlive(idRecord)) return true;
     if (idRecord->object == nullptr && store && idRecord->has(OdDbIdRecord::kInFile)) {
@@ -307,16 +306,16 @@ OdDbStoreStatus OdDbDatabaseImpl::writeEverything(OdDbRecordStore& target,
   return status;
 }
 
-OdDbStoreStatus OdDbDatabaseImpl::saveAs(const OdString& path) {
+OdStatus OdDbDatabaseImpl::saveAs(const OdString& path) {
   OdDbRecordStoreFactory* factory = services->recordStoreFactory();
   if (factory == nullptr) return {eFileAccess, OdString("the host has no drawing files")};
   tellDatabaseReactors([this](OdDbDatabaseReactor* reactor) { reactor->databaseToBeSaved(self); });
   listAll();
   loadErasedSubtrees();
   std::unique_ptr<OdDbRecordStore> target;
-  OdDbStoreStatus status = store && !readOnly && isOwnFile(path, filename)
-                               ? store->createReplacement(target)
-                               : factory->create(path, target);
+  OdStatus status = store && !readOnly && isOwnFile(path, filename)
+                        ? store->createReplacement(target)
+                        : factory->create(path, target);
   if (!status.ok()) return status;
   std::vector<OdDbIdRecord*> written;
   status = writeEverything(*target, written);
@@ -349,10 +348,9 @@ OdDbStoreStatus OdDbDatabaseImpl::saveAs(const OdString& path) {
   return {};
 }
 
-OdDbStoreStatus OdDbDatabaseImpl::compact() {
+OdStatus OdDbDatabaseImpl::compact() {
   if (changes != savedChanges || !dirty.empty()) {
-    if (OdDbStoreStatus status = save(); !status.ok()) return status;
+    if (OdStatus status = save(); !status.ok()) return status;
   }
-  return store ? store->compact()
-               : OdDbStoreStatus{eFileAccess, OdString("the drawing has no file")};
+  return store ? store->compact() : OdStatus{eFileAccess, OdString("the drawing has no file")};
 }

@@ -241,3 +241,13 @@ class OdDbObjectReactor {
   virtual void reappended(const OdDbObject*) {}
   virtual void goodbye(const OdDbObject*) {}
 };
+
+template <class T>
+OdSmartPtr<T> OdDbObjectId::openAs(OdDb::OpenMode mode, bool openErased) const {
+  return T::cast(openObject(mode, openErased));
+}
+
+template <class T>
+OdSmartPtr<T> OdDbObjectId::safeOpenAs(OdDb::OpenMode mode, bool openErased) const {
+  return safeOpenObject(mode, openErased);  // the conversion raises for another class
+}

@@ -238,8 +238,7 @@ OdDbObjectId OdDbObject::createExtensionDictionary() {
 bool OdDbObject::releaseExtensionDictionary() {
   const OdDbObjectId id = extensionDictionary();
   if (id.isNull()) return false;
-  const OdSmartPtr<OdDbDictionary> dictionary =
-      OdDbDictionary::cast(id.openObject(OdDb::kForWrite));
+  const OdSmartPtr<OdDbDictionary> dictionary = id.openAs<OdDbDictionary>(OdDb::kForWrite);
   if (dictionary.isNull() || dictionary->numEntries() != 0) return false;
   assertWriteEnabled();
   dictionary->erase();

@@ -43,7 +43,8 @@ void makeLinetypes(OdDbDatabase* database) {
   addRecord<OdDbLinetypeTableRecord>(table, L"ByLayer", OdDbRootHandles::kLinetypeByLayer);
   const OdDbLinetypeTableRecordPtr continuous = addRecord<OdDbLinetypeTableRecord>(
       table, L"Continuous", OdDbRootHandles::kLinetypeContinuous);
-  const OdDbLinetypeTableRecordPtr opened = continuous->objectId().safeOpenObject(OdDb::kForWrite);
+  const OdDbLinetypeTableRecordPtr opened =
+      continuous->objectId().safeOpenAs<OdDbLinetypeTableRecord>(OdDb::kForWrite);
   opened->setComments(L"Solid line");
 }
 
@@ -51,7 +52,8 @@ void makeLayers(OdDbDatabase* database) {
   const OdDbLayerTablePtr table = addTable<OdDbLayerTable>(database, OdDbRootHandles::kLayerTable);
   const OdDbLayerTableRecordPtr zero =
       addRecord<OdDbLayerTableRecord>(table, L"0", OdDbRootHandles::kLayerZero);
-  const OdDbLayerTableRecordPtr opened = zero->objectId().safeOpenObject(OdDb::kForWrite);
+  const OdDbLayerTableRecordPtr opened =
+      zero->objectId().safeOpenAs<OdDbLayerTableRecord>(OdDb::kForWrite);
   opened->setLinetypeObjectId(
       database->getOdDbObjectId(OdDbHandle(OdDbRootHandles::kLinetypeContinuous)));
 }

@@ -13,8 +13,7 @@ bool isLayerZero(const OdDbObjectId& layer) {
 // What by-layer values are read from, opened once.
 class LayerLook {
  public:
-  explicit LayerLook(const OdDbObjectId& id)
-      : m_layer(OdDbLayerTableRecord::cast(id.openObject())) {}
+  explicit LayerLook(const OdDbObjectId& id) : m_layer(id.openAs<OdDbLayerTableRecord>()) {}
 
   [[nodiscard]] bool shows() const {
     return m_layer.isNull() || (!m_layer->isOff() && !m_layer->isFrozen());
@@ -34,7 +33,7 @@ class LayerLook {
 };
 
 bool isFrozen(const OdDbObjectId& layer) {
-  const OdDbLayerTableRecordPtr record = OdDbLayerTableRecord::cast(layer.openObject());
+  const OdDbLayerTableRecordPtr record = layer.openAs<OdDbLayerTableRecord>();
   return !record.isNull() && record->isFrozen();
 }
 

@@ -41,7 +41,7 @@ OdDbObjectId OdDbEntity::layerId() const {
 }
 
 OdString OdDbEntity::layer() const {
-  const OdDbLayerTableRecordPtr record = OdDbLayerTableRecord::cast(layerId().openObject());
+  const OdDbLayerTableRecordPtr record = layerId().openAs<OdDbLayerTableRecord>();
   return record.isNull() ? OdString(kDefaultLayer) : record->getName();
 }
 
@@ -49,8 +49,7 @@ void OdDbEntity::setLayer(const OdString& name) {
   if (database() == nullptr) {
     throw OdError(eNoDatabase, OdString("layer '") + name + "' of an entity");
   }
-  const OdDbLayerTablePtr table =
-      OdDbLayerTable::cast(database()->getLayerTableId().safeOpenObject());
+  const OdDbLayerTablePtr table = database()->getLayerTableId().openAs<OdDbLayerTable>();
   const OdDbObjectId id = table.isNull() ? OdDbObjectId::kNull : table->getAt(name);
   if (id.isNull()) throw OdError(eKeyNotFound, OdString("layer '") + name + "'");
   setLayer(id);

@@ -64,7 +64,7 @@ OdDbDatabasePtr OdDbHostAppServices::createDatabase() {
   return database;
 }
 
-OdDbDatabasePtr OdDbHostAppServices::readFile(const OdString& path, OdDbStoreStatus& status,
+OdDbDatabasePtr OdDbHostAppServices::readFile(const OdString& path, OdStatus& status,
                                               const OdDbReadOptions& options) {
   status = {};
   if (!m_factory) {
@@ -82,7 +82,7 @@ OdDbDatabasePtr OdDbHostAppServices::readFile(const OdString& path, OdDbStoreSta
 }
 
 OdDbDatabasePtr OdDbHostAppServices::recoverFile(const OdString& path, OdStringArray& report,
-                                                 OdDbStoreStatus& status) {
+                                                 OdStatus& status) {
   status = {};
   if (!m_factory) {
     status = {eFileAccess, OdString("the host has no drawing files")};

@@ -28,11 +28,11 @@ class OdDbHostAppServices {
   OdDbDatabasePtr createDatabase();
   /// Opens a drawing file without reading objects. On failure the result is null and `status` says
   /// why.
-  OdDbDatabasePtr readFile(const OdString& path, OdDbStoreStatus& status,
+  OdDbDatabasePtr readFile(const OdString& path, OdStatus& status,
                            const OdDbReadOptions& options = OdDbReadOptions());
   /// Builds a drawing in memory from everything that is intact in a damaged file; `report` gets a
   /// line for each thing lost. Null when nothing is intact.
-  OdDbDatabasePtr recoverFile(const OdString& path, OdStringArray& report, OdDbStoreStatus& status);
+  OdDbDatabasePtr recoverFile(const OdString& path, OdStringArray& report, OdStatus& status);
 
   /// Full path of a file named in a drawing: an absolute path as it is, otherwise beside
   /// `database`'s own file. Empty when there is none.

@@ -26,8 +26,8 @@ void OdDbDatabaseImpl::noteDamage(OdDbIdRecord* idRecord, const OdString& text) 
 void OdDbDatabaseImpl::fetchHeader(OdDbIdRecord* idRecord) {
   OdUInt32 classId = 0;
   OdUInt64 owner = 0;
-  const OdDbStoreStatus status = store ? store->readRecordHeader(idRecord->handle, classId, owner)
-                                       : OdDbStoreStatus{eUnknownHandle, OdString()};
+  const OdStatus status = store ? store->readRecordHeader(idRecord->handle, classId, owner)
+                                : OdStatus{eUnknownHandle, OdString()};
   if (!status.ok()) {
     if (status.code != eUnknownHandle) noteDamage(idRecord, status.text);
     idRecord->set(OdDbIdRecord::kAbsent);
@@ -55,7 +55,7 @@ OdDbObject* OdDbDatabaseImpl::loadFromStore(OdDbIdRecord* idRecord) {
     return nullptr;
   }
   OdDbRecordView record;
-  const OdDbStoreStatus status = store->readRecord(idRecord->handle, record);
+  const OdStatus status = store->readRecord(idRecord->handle, record);
   if (!status.ok()) {
     if (status.code == eUnknownHandle) {
       idRecord->set(OdDbIdRecord::kAbsent);
@@ -154,10 +154,10 @@ OdDbObject* OdDbDatabaseImpl::reviveProxy(OdDbIdRecord* idRecord) {
   return object;
 }
 
-OdDbStoreStatus OdDbDatabaseImpl::loadAll() {
+OdStatus OdDbDatabaseImpl::loadAll() {
   if (!store) return {};
   const OdUInt32 errorsBefore = loadErrors.size();
-  OdDbStoreStatus status = store->readAll([this](const OdDbRecordView& record) {
+  OdStatus status = store->readAll([this](const OdDbRecordView& record) {
     OdDbIdRecord* idRecord = ids.findOrCreate(record.handle);
     if (idRecord->object == nullptr &&
         !idRecord->has(OdDbIdRecord::kErased | OdDbIdRecord::kDirty)) {
@@ -174,7 +174,7 @@ OdDbStoreStatus OdDbDatabaseImpl::loadAll() {
 
 void OdDbDatabaseImpl::listAll() {
   if (allListed || !store) return;
-  const OdDbStoreStatus status =
+  const OdStatus status =
       store->listRecords([this](OdUInt64 handle, OdUInt32 classId, OdUInt64 owner, std::size_t) {
         OdDbIdRecord* idRecord = ids.findOrCreate(handle);
         if (idRecord->has(OdDbIdRecord::kHeaderKnown)) return true;

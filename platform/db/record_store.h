@@ -8,18 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/base/result.h"
-#include "platform/base/string.h"
+#include "platform/base/status.h"
 #include "platform/base/types.h"
-
-/// Outcome of a store operation: a code and, when it failed, one clear line that names the file,
-/// the record and the values concerned.
-struct OdDbStoreStatus {
-  OdResult code = eOk;
-  OdString text;
-
-  [[nodiscard]] bool ok() const { return code == eOk; }
-};
 
 /// One object as the file keeps it. `data` is borrowed: it belongs to whoever made the view.
 struct OdDbRecordView {
@@ -71,37 +61,37 @@ class OdDbRecordStore {
   /// Reads one record. eUnknownHandle when the file has none (text stays empty then),
   /// eChecksumMismatch or eCorruptData when it is damaged. The view is valid until the next call
   /// on the store.
-  virtual OdDbStoreStatus readRecord(OdUInt64 handle, OdDbRecordView& record) = 0;
+  virtual OdStatus readRecord(OdUInt64 handle, OdDbRecordView& record) = 0;
   /// The same without handing out data (class and owner only, still checked).
-  virtual OdDbStoreStatus readRecordHeader(OdUInt64 handle, OdUInt32& classId, OdUInt64& owner) = 0;
+  virtual OdStatus readRecordHeader(OdUInt64 handle, OdUInt32& classId, OdUInt64& owner) = 0;
   /// All records in rising handle order, each checked, then the file's digest over all of them.
   /// `visit` returns false to stop early (the digest is not checked then).
-  virtual OdDbStoreStatus readAll(const std::function<bool(const OdDbRecordView&)>& visit) = 0;
+  virtual OdStatus readAll(const std::function<bool(const OdDbRecordView&)>& visit) = 0;
   /// All handles with class and owner in rising order, without checking the data.
-  virtual OdDbStoreStatus listRecords(
+  virtual OdStatus listRecords(
       const std::function<bool(OdUInt64 handle, OdUInt32 classId, OdUInt64 owner,
                                std::size_t size)>& visit) = 0;
 
   // Saving: begin, any number of puts and removes, then commit or rollback. Until commit returns
   // eOk a reader sees the old state; a kill at any moment leaves the old state or the new one.
-  virtual OdDbStoreStatus beginSave() = 0;
+  virtual OdStatus beginSave() = 0;
   /// Inserts or replaces.
-  virtual OdDbStoreStatus putRecord(const OdDbRecordView& record) = 0;
+  virtual OdStatus putRecord(const OdDbRecordView& record) = 0;
   /// Removing an absent record is not an error.
-  virtual OdDbStoreStatus removeRecord(OdUInt64 handle) = 0;
-  virtual OdDbStoreStatus putClass(const OdDbStoredClass& item) = 0;
-  virtual OdDbStoreStatus putVariable(const OdDbStoredVariable& item) = 0;
+  virtual OdStatus removeRecord(OdUInt64 handle) = 0;
+  virtual OdStatus putClass(const OdDbStoredClass& item) = 0;
+  virtual OdStatus putVariable(const OdDbStoredVariable& item) = 0;
   /// Durable when it returns eOk; on failure everything is rolled back.
-  virtual OdDbStoreStatus commitSave() = 0;
+  virtual OdStatus commitSave() = 0;
   virtual void rollbackSave() = 0;
 
   /// Starts a fresh file that is to replace this store's own file, as
   /// OdDbRecordStoreFactory::create does. This store keeps the write lock and goes on serving reads
   /// until it is destroyed, which is due right after the fresh store's commitSave().
-  virtual OdDbStoreStatus createReplacement(std::unique_ptr<OdDbRecordStore>& store) = 0;
+  virtual OdStatus createReplacement(std::unique_ptr<OdDbRecordStore>& store) = 0;
 
   /// Rewrites the file without its free space, through a fresh file that is renamed over it.
-  virtual OdDbStoreStatus compact() = 0;
+  virtual OdStatus compact() = 0;
 };
 
 enum class OdDbStoreOpenMode {
@@ -117,15 +107,15 @@ class OdDbRecordStoreFactory {
   /// eFileNotFound, eFileAccess, eNotADrawing, eNewerFormat, eFileLocked, eCorruptData.
   /// A file of a newer format that still allows reading by this version opens read-only when
   /// `mode` is kReadOnly, and is refused for writing.
-  virtual OdDbStoreStatus open(const OdString& path, OdDbStoreOpenMode mode,
-                               std::unique_ptr<OdDbRecordStore>& store) = 0;
+  virtual OdStatus open(const OdString& path, OdDbStoreOpenMode mode,
+                        std::unique_ptr<OdDbRecordStore>& store) = 0;
   /// Starts a fresh file for `path` in the same folder under a temporary name. The returned store
   /// is in the state after beginSave(); its commitSave() makes the file durable and renames it to
   /// `path`, replacing what stood there, and the store then is the open file `path`. Destroying
   /// the store before commit, or rollbackSave(), removes the temporary file.
   /// Records must be put in rising handle order for the best speed; any order is legal.
-  virtual OdDbStoreStatus create(const OdString& path, std::unique_ptr<OdDbRecordStore>& store) = 0;
+  virtual OdStatus create(const OdString& path, std::unique_ptr<OdDbRecordStore>& store) = 0;
   /// Hands every intact item of a damaged file to `sink`; eNotADrawing or eFileNotFound when there
   /// is nothing to work on, eRecoveryFailed when no record is intact.
-  virtual OdDbStoreStatus recover(const OdString& path, OdDbRecoverySink& sink) = 0;
+  virtual OdStatus recover(const OdString& path, OdDbRecoverySink& sink) = 0;
 };

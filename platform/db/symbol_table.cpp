@@ -45,7 +45,7 @@ class OdDbSymbolTable::Iterator : public OdDbSymbolTableIterator {
 
 OdDbSymbolTableRecordPtr OdDbSymbolTableIterator::getRecord(OdDb::OpenMode mode,
                                                             bool openErased) const {
-  return OdDbSymbolTableRecord::cast(getRecordId().openObject(mode, openErased));
+  return getRecordId().openAs<OdDbSymbolTableRecord>(mode, openErased);
 }
 
 OdDbSymbolTableIteratorPtr OdDbSymbolTable::newIterator(bool atBeginning, bool skipErased) const {
@@ -64,7 +64,7 @@ OdDbObjectId OdDbSymbolTable::getAt(const OdString& name, bool getErased) const 
 
 OdDbSymbolTableRecordPtr OdDbSymbolTable::getAt(const OdString& name, OdDb::OpenMode mode,
                                                 bool openErased) const {
-  return OdDbSymbolTableRecord::cast(getAt(name, openErased).openObject(mode, openErased));
+  return getAt(name, openErased).openAs<OdDbSymbolTableRecord>(mode, openErased);
 }
 
 bool OdDbSymbolTable::has(const OdDbObjectId& id) const {

@@ -54,7 +54,7 @@ void OdDbSymbolTableRecord::setName(const OdString& name) {
   if (name == m_name) return;
   const OdSmartPtr<OdDbSymbolTable> table =
       database() == nullptr ? OdSmartPtr<OdDbSymbolTable>()
-                            : OdDbSymbolTable::cast(ownerId().openObject(OdDb::kForWrite));
+                            : ownerId().openAs<OdDbSymbolTable>(OdDb::kForWrite);
   if (table.isNull() || !table->has(objectId())) return storeName(name);
   if (isFixed()) {
     throw OdError(eInvalidInput,
@@ -99,8 +99,7 @@ OdResult OdDbSymbolTableRecord::subErase(bool erasing) {
   if (erasing && isFixed()) return eInvalidInput;
   const OdResult result = OdDbObject::subErase(erasing);
   if (result != eOk || erasing || isUndoing()) return result;
-  const OdSmartPtr<OdDbSymbolTable> table =
-      OdDbSymbolTable::cast(ownerId().openObject(OdDb::kForWrite));
+  const OdSmartPtr<OdDbSymbolTable> table = ownerId().openAs<OdDbSymbolTable>(OdDb::kForWrite);
   if (table.isNull()) return eOk;
   const OdDbObjectId present = table->getAt(m_name);
   if (!present.isNull() && present != objectId()) return eDuplicateRecordName;

@@ -36,7 +36,7 @@ OdString described(const OdDbBlockTableRecord* block) {
 }
 
 OdDbDatabasePtr openReadOnly(OdDbHostAppServices* services, const OdString& path,
-                             OdDbStoreStatus& status) {
+                             OdStatus& status) {
   OdDbReadOptions options;
   options.mode = OdDbStoreOpenMode::kReadOnly;
   options.withUndo = false;
@@ -45,7 +45,7 @@ OdDbDatabasePtr openReadOnly(OdDbHostAppServices* services, const OdString& path
 
 std::vector<OdDbObjectId> xrefBlocksOf(const OdDbDatabase* database) {
   std::vector<OdDbObjectId> blocks;
-  const OdDbBlockTablePtr table = OdDbBlockTable::cast(database->getBlockTableId().openObject());
+  const OdDbBlockTablePtr table = database->getBlockTableId().openAs<OdDbBlockTable>();
   if (table.isNull()) return blocks;
   for (const OdDbSymbolTableIteratorPtr it = table->newIterator(); !it->done(); it->step()) {
     const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(it->getRecord());
@@ -79,13 +79,13 @@ class CycleSearch {
   [[nodiscard]] bool closesBehind(const OdString& path, const OdDbDatabase* drawing) {
     m_chain.push_back(canonicalPath(path));
     for (const OdDbObjectId id : xrefBlocksOf(drawing)) {
-      const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(id.openObject());
+      const OdDbBlockTableRecordPtr block = id.openAs<OdDbBlockTableRecord>();
       if (block->isFromOverlayReference()) continue;
       const OdString nested = m_services->findFile(block->pathName(), drawing);
       if (nested.isEmpty()) continue;
       if (closes(nested)) return true;
       if (!m_searched.emplace(canonicalPath(nested)).second) continue;
-      OdDbStoreStatus status;
+      OdStatus status;
       const OdDbDatabasePtr opened = openReadOnly(m_services, nested, status);
       if (!opened.isNull() && closesBehind(nested, opened)) return true;
     }
@@ -130,7 +130,7 @@ OdResult openDrawing(OdDbBlockTableRecord* block, OdString* reason) {
   CycleSearch search(host->appServices());
   search.addHosts(host);
   if (search.closes(path)) return tell(host, eCircularReference, search.text(), reason);
-  OdDbStoreStatus status;
+  OdStatus status;
   const OdDbDatabasePtr drawing = openReadOnly(host->appServices(), path, status);
   if (drawing.isNull()) {
     return tell(host, status.code, described(block) + L": " + status.text, reason);
@@ -155,7 +155,7 @@ OdResult refuseCycle(OdDbDatabase* host, const OdString& path, OdString* reason)
   search.addHosts(host);
   bool closes = search.closes(file);
   if (!closes) {
-    OdDbStoreStatus status;
+    OdStatus status;
     const OdDbDatabasePtr drawing = openReadOnly(host->appServices(), file, status);
     closes = !drawing.isNull() && search.closesBehind(file, drawing);
   }
@@ -166,8 +166,7 @@ template <class Operation>
 OdResult forEachBlock(const OdDbObjectIdArray& ids, Operation&& operation) {
   OdResult first = eOk;
   for (const OdDbObjectId& id : ids) {
-    const OdDbBlockTableRecordPtr block =
-        OdDbBlockTableRecord::cast(id.openObject(OdDb::kForWrite));
+    const OdDbBlockTableRecordPtr block = id.openAs<OdDbBlockTableRecord>(OdDb::kForWrite);
     const OdResult result = block.isNull() ? eWrongObjectType : operation(block.get());
     if (first == eOk) first = result;
   }
@@ -179,7 +178,7 @@ void keepNestedPaths(OdDbDatabase* host, const OdDbDatabase* drawing, OdDbIdMapp
   OdDbIdPair pair;
   for (const OdDbIdMappingIterPtr it = mapping.newIterator(); !it->done(); it->next()) {
     if (!it->getMap(pair) || !pair.isCloned()) continue;
-    const OdDbBlockTableRecordPtr clone = OdDbBlockTableRecord::cast(pair.value().openObject());
+    const OdDbBlockTableRecordPtr clone = pair.value().openAs<OdDbBlockTableRecord>();
     if (clone.isNull() || !clone->isFromExternalReference()) continue;
     const OdString path = host->appServices()->findFile(clone->pathName(), drawing);
     if (path.isEmpty()) continue;
@@ -198,7 +197,7 @@ OdResult takeOver(OdDbBlockTableRecord* block, const OdDbDatabasePtr& drawing, b
   block->setPathName(OdString::kEmpty);
   block->setBlockInsertUnits(drawing->getINSUNITS());
   const OdDbBlockTableRecordPtr modelSpace =
-      OdDbBlockTableRecord::cast(drawing->getModelSpaceId().safeOpenObject());
+      drawing->getModelSpaceId().safeOpenAs<OdDbBlockTableRecord>();
   const OdResult result = OdDbCloner::cloneContents(
       modelSpace, block, *mapping, insert ? OdDb::kDrcIgnore : OdDb::kDrcXrefMangleName);
   if (result != eOk) return result;
@@ -215,7 +214,7 @@ OdResult OdDbXRefMan::attach(OdDbDatabase* host, const OdString& path, const OdS
     return tell(host, eInvalidInput, L"external reference without a path", reason);
   if (host->isReadOnly()) return eReadOnlyDatabase;
   const OdDbBlockTablePtr table =
-      OdDbBlockTable::cast(host->getBlockTableId().safeOpenObject(OdDb::kForWrite));
+      host->getBlockTableId().safeOpenAs<OdDbBlockTable>(OdDb::kForWrite);
   if (table->has(name)) {
     return tell(host, eDuplicateRecordName, L"block " + name + L" exists already", reason);
   }
@@ -226,8 +225,7 @@ OdResult OdDbXRefMan::attach(OdDbDatabase* host, const OdString& path, const OdS
   record->setPathName(path);
   record->setIsFromOverlayReference(overlay);
   block = table->add(record);
-  const OdDbBlockTableRecordPtr opened =
-      OdDbBlockTableRecord::cast(block.safeOpenObject(OdDb::kForWrite));
+  const OdDbBlockTableRecordPtr opened = block.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite);
   return openDrawing(opened, reason);
 }
 
@@ -260,7 +258,7 @@ OdResult OdDbXRefMan::resolveAll(OdDbDatabase* host) {
   if (host == nullptr) return eNullPointer;
   OdResult first = eOk;
   for (const OdDbObjectId id : xrefBlocksOf(host)) {
-    const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(id.safeOpenObject());
+    const OdDbBlockTableRecordPtr block = id.safeOpenAs<OdDbBlockTableRecord>();
     const OdResult result = resolve(block);
     if (first == eOk && result != eXrefUnresolved) first = result;
   }

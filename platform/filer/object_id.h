@@ -105,6 +105,15 @@ class OdDbObjectId {
   [[nodiscard]] OdSmartPtr<OdDbObject> safeOpenObject(OdDb::OpenMode mode = OdDb::kForRead,
                                                       bool openErased = false) const;
 
+  /// Opens the object as a T; null also when it is of another class.
+  template <class T>
+  [[nodiscard]] OdSmartPtr<T> openAs(OdDb::OpenMode mode = OdDb::kForRead,
+                                     bool openErased = false) const;
+  /// The same, and raises OdError instead: eNotThatKindOfClass for another class.
+  template <class T>
+  [[nodiscard]] OdSmartPtr<T> safeOpenAs(OdDb::OpenMode mode = OdDb::kForRead,
+                                         bool openErased = false) const;
+
   friend bool operator==(OdDbObjectId a, OdDbObjectId b) { return a.m_idRecord == b.m_idRecord; }
   friend bool operator!=(OdDbObjectId a, OdDbObjectId b) { return a.m_idRecord != b.m_idRecord; }
   friend bool operator<(OdDbObjectId a, OdDbObjectId b) {

@@ -7,7 +7,7 @@ namespace {
 
 enum class Visit : OdUInt8 { kNew, kOpen, kDone };
 
-OdModelerStatus invalid(const OdModelerProduct& product, const wchar_t* what, std::size_t number) {
+OdStatus invalid(const OdModelerProduct& product, const wchar_t* what, std::size_t number) {
   OdString text;
   text.format(L"product '%ls' %ls %u", product.uniqueId.c_str(), what,
               static_cast<unsigned>(number));
@@ -20,10 +20,10 @@ class CycleSearch {
   explicit CycleSearch(const std::vector<OdModelerProduct>& products)
       : m_products(products), m_visits(products.size(), Visit::kNew) {}
 
-  OdModelerStatus run() {
+  OdStatus run() {
     for (std::size_t i = 0; i < m_products.size(); ++i) {
       if (m_visits[i] != Visit::kNew) continue;
-      if (OdModelerStatus status = runFrom(i); !status.ok()) return status;
+      if (OdStatus status = runFrom(i); !status.ok()) return status;
     }
     return {};
   }
@@ -34,7 +34,7 @@ class CycleSearch {
     std::size_t next;
   };
 
-  OdModelerStatus runFrom(std::size_t start) {
+  OdStatus runFrom(std::size_t start) {
     std::vector<Step> path{{start, 0}};
     m_visits[start] = Visit::kOpen;
     while (!path.empty()) {
@@ -61,7 +61,7 @@ class CycleSearch {
 
 }  // namespace
 
-OdModelerStatus OdModelerAssembly::check() const {
+OdStatus OdModelerAssembly::check() const {
   const auto missing = [this](const OdModelerOccurrence& o) {
     return o.product >= products.size();
   };

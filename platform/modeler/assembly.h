@@ -40,5 +40,5 @@ struct OdModelerAssembly {
 
   /// eInvalidInput when an occurrence names a product that is not there, a product contains itself
   /// or a body is null; the text names the product.
-  OdModelerStatus check() const;
+  OdStatus check() const;
 };

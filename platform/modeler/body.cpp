@@ -19,11 +19,11 @@ bool OdModelerBody::hasSubent(OdModelerSubent subent) const {
   return subent.index >= 1 && subent.index <= numSubents(subent.type);
 }
 
-OdModelerStatus OdModelerBody::displayMesh(std::shared_ptr<const OdModelerMesh>& mesh) const {
+OdStatus OdModelerBody::displayMesh(std::shared_ptr<const OdModelerMesh>& mesh) const {
   const std::lock_guard lock(m_displayMutex);
   if (!m_displayMesh) {
     auto made = std::make_shared<OdModelerMesh>();
-    OdModelerStatus status = tessellate(OdModelerMeshOptions(), *made);
+    OdStatus status = tessellate(OdModelerMeshOptions(), *made);
     if (!status.ok()) return status;
     m_displayMesh = std::move(made);
   }

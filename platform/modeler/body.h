@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "platform/base/array.h"
+#include "platform/base/status.h"
 #include "platform/base/types.h"
 #include "platform/ge/extents3d.h"
 #include "platform/ge/matrix3d.h"
 #include "platform/modeler/body_attributes.h"
 #include "platform/modeler/mesh.h"
-#include "platform/modeler/modeler_status.h"
 #include "platform/modeler/subentity.h"
 
 class OdModelerBody;
@@ -139,23 +139,21 @@ class OdModelerBody {
   [[nodiscard]] virtual OdModelerMassProperties massProperties() const = 0;
   /// Checks the boundary: closed, oriented, curves on their surfaces within tolerance. The text
   /// names the first fault.
-  virtual OdModelerStatus check() const = 0;
+  virtual OdStatus check() const = 0;
   /// eInvalidInput for a negative or non-finite option.
-  virtual OdModelerStatus tessellate(const OdModelerMeshOptions& options,
-                                     OdModelerMesh& mesh) const = 0;
+  virtual OdStatus tessellate(const OdModelerMeshOptions& options, OdModelerMesh& mesh) const = 0;
   /// The mesh with default options, made once and shared by all who show the body. On failure
   /// `mesh` stays as it was.
-  OdModelerStatus displayMesh(std::shared_ptr<const OdModelerMesh>& mesh) const;
+  OdStatus displayMesh(std::shared_ptr<const OdModelerMesh>& mesh) const;
   /// A memory estimate of the display mesh, in bytes; 0 before somebody asked for it.
   [[nodiscard]] std::size_t displayMeshSize() const;
 
   /// The body under a transformation. Rigid and uniformly scaled ones keep every surface and curve
   /// kind; other affine ones turn analytic surfaces into free-form ones. eInvalidInput for a
   /// singular matrix or one with entries that are no finite numbers.
-  virtual OdModelerStatus transformed(const OdGeMatrix3d& matrix,
-                                      OdModelerBodyPtr& result) const = 0;
+  virtual OdStatus transformed(const OdGeMatrix3d& matrix, OdModelerBodyPtr& result) const = 0;
   /// One face, edge or vertex as a body of its own. eInvalidInput if the body has none such.
-  virtual OdModelerStatus subentBody(OdModelerSubent subent, OdModelerBodyPtr& result) const = 0;
+  virtual OdStatus subentBody(OdModelerSubent subent, OdModelerBodyPtr& result) const = 0;
   /// The solids of the body as bodies of their own, in order, with the attributes of their faces.
   [[nodiscard]] virtual std::vector<OdModelerBodyPtr> solids() const = 0;
 
@@ -167,7 +165,7 @@ class OdModelerBody {
 
   /// The stored form. The same body gives the same bytes, on every run and after any number of
   /// round trips.
-  virtual OdModelerStatus serialise(OdBinaryData& bytes) const = 0;
+  virtual OdStatus serialise(OdBinaryData& bytes) const = 0;
 
   /// A memory estimate in bytes, for the residency budget of a database.
   [[nodiscard]] virtual std::size_t approximateSize() const = 0;

@@ -152,14 +152,14 @@ OdModelerBodyAttributes readAttributes(Reader& reader) {
   return attributes;
 }
 
-OdModelerStatus corrupt(const wchar_t* what, OdUInt64 found, OdUInt64 expected) {
+OdStatus corrupt(const wchar_t* what, OdUInt64 found, OdUInt64 expected) {
   OdString text;
   text.format(L"stored body: %ls is %llx, expected %llx", what,
               static_cast<unsigned long long>(found), static_cast<unsigned long long>(expected));
   return {eCorruptData, text};
 }
 
-OdModelerStatus checkHead(std::span<const OdUInt8> bytes) {
+OdStatus checkHead(std::span<const OdUInt8> bytes) {
   if (bytes.size() < kBodyOffset) return corrupt(L"length", bytes.size(), kBodyOffset);
   if (std::memcmp(bytes.data(), kMagic.data(), kMagic.size()) != 0) {
     const auto* magic = reinterpret_cast<const OdUInt8*>(kMagic.data());
@@ -173,7 +173,7 @@ OdModelerStatus checkHead(std::span<const OdUInt8> bytes) {
   }
   const OdUInt64 stored = loadNumber(&bytes[kChecksumOffset], 8);
   const OdUInt64 actual = checksum(bytes.subspan(kBodyOffset));
-  return stored == actual ? OdModelerStatus{} : corrupt(L"checksum", actual, stored);
+  return stored == actual ? OdStatus{} : corrupt(L"checksum", actual, stored);
 }
 
 }  // namespace
@@ -197,8 +197,8 @@ void odWriteEnvelope(const OdModelerEnvelope& envelope, OdBinaryData& bytes) {
   bytes = std::move(result);
 }
 
-OdModelerStatus odReadEnvelope(std::span<const OdUInt8> bytes, OdModelerEnvelope& envelope) {
-  if (OdModelerStatus head = checkHead(bytes); !head.ok()) return head;
+OdStatus odReadEnvelope(std::span<const OdUInt8> bytes, OdModelerEnvelope& envelope) {
+  if (OdStatus head = checkHead(bytes); !head.ok()) return head;
   Reader reader(bytes.subspan(kBodyOffset));
   OdModelerEnvelope result;
   result.engine = static_cast<OdModelerEngine>(loadNumber(&bytes[6], 2));

@@ -5,9 +5,9 @@
 #include <string_view>
 
 #include "platform/base/array.h"
+#include "platform/base/status.h"
 #include "platform/base/types.h"
 #include "platform/modeler/body_attributes.h"
-#include "platform/modeler/modeler_status.h"
 
 /// Modellers that wrote geometry bytes. Numbers are stored and never reused.
 enum class OdModelerEngine : OdUInt16 { kOpenCascade = 1 };
@@ -25,4 +25,4 @@ void odWriteEnvelope(const OdModelerEnvelope& envelope, OdBinaryData& bytes);
 /// eCorruptData when the bytes are no body, cut short, or not those that were written;
 /// eUnsupportedVersion for a newer form. Every count is held against the bytes that are there
 /// before anything is allocated.
-OdModelerStatus odReadEnvelope(std::span<const OdUInt8> bytes, OdModelerEnvelope& envelope);
+OdStatus odReadEnvelope(std::span<const OdUInt8> bytes, OdModelerEnvelope& envelope);

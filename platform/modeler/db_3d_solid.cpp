@@ -14,7 +14,7 @@ namespace {
 
 constexpr OdUInt8 kVersion = 1;
 
-OdModelerStatus emptySolid(const char* operation) {
+OdStatus emptySolid(const char* operation) {
   return {eInvalidInput, OdString(operation) + L": the solid is empty"};
 }
 
@@ -84,14 +84,14 @@ bool OdDb3dSolid::isNull() const {
 
 OdModelerBodyPtr OdDb3dSolid::body() const {
   OdModelerBodyPtr result;
-  const OdModelerStatus status = getBody(result);
+  const OdStatus status = getBody(result);
   if (!status.ok()) throw OdError(status.code, status.text);
   return result;
 }
 
-OdModelerStatus OdDb3dSolid::getBody(OdModelerBodyPtr& body) const {
+OdStatus OdDb3dSolid::getBody(OdModelerBodyPtr& body) const {
   if (!isNull() && !m_body) {
-    OdModelerStatus status = odModeler().deserialise(m_bytes, m_body);
+    OdStatus status = odModeler().deserialise(m_bytes, m_body);
     if (!status.ok()) {
       status.text = OdString(L"solid ") + getDbHandle().ascii() + L": " + status.text;
       return status;
@@ -115,7 +115,7 @@ void OdDb3dSolid::replaceBody(OdModelerBodyPtr body, OdSolidChange change) {
   if (OdSolidJournal* journal = OdSolidJournal::current()) {
     change.solid = objectId();
     // Bytes that cannot be read are no body that anything could come from.
-    const OdModelerStatus known = getBody(change.before);
+    const OdStatus known = getBody(change.before);
     if (!known.ok()) change.before = nullptr;
     change.after = body;
     journal->note(std::move(change));
@@ -124,114 +124,111 @@ void OdDb3dSolid::replaceBody(OdModelerBodyPtr body, OdSolidChange change) {
   m_bytes.clear();
 }
 
-OdModelerStatus OdDb3dSolid::adopt(OdModelerStatus status, OdModelerBodyPtr body,
-                                   OdSolidChange change) {
+OdStatus OdDb3dSolid::adopt(OdStatus status, OdModelerBodyPtr body, OdSolidChange change) {
   if (status.ok()) setBody(std::move(body), std::move(change));
   return status;
 }
 
-OdModelerStatus OdDb3dSolid::createBox(double dx, double dy, double dz) {
+OdStatus OdDb3dSolid::createBox(double dx, double dy, double dz) {
   OdModelerBodyPtr made;
-  OdModelerStatus status = odModeler().box(dx, dy, dz, made);
+  OdStatus status = odModeler().box(dx, dy, dz, made);
   return adopt(std::move(status), std::move(made), {});
 }
 
-OdModelerStatus OdDb3dSolid::createCylinder(double radius, double height) {
+OdStatus OdDb3dSolid::createCylinder(double radius, double height) {
   OdModelerBodyPtr made;
-  OdModelerStatus status = odModeler().cylinder(radius, height, made);
+  OdStatus status = odModeler().cylinder(radius, height, made);
   return adopt(std::move(status), std::move(made), {});
 }
 
-OdModelerStatus OdDb3dSolid::createCone(double bottomRadius, double topRadius, double height) {
+OdStatus OdDb3dSolid::createCone(double bottomRadius, double topRadius, double height) {
   OdModelerBodyPtr made;
-  OdModelerStatus status = odModeler().cone(bottomRadius, topRadius, height, made);
+  OdStatus status = odModeler().cone(bottomRadius, topRadius, height, made);
   return adopt(std::move(status), std::move(made), {});
 }
 
-OdModelerStatus OdDb3dSolid::createSphere(double radius) {
+OdStatus OdDb3dSolid::createSphere(double radius) {
   OdModelerBodyPtr made;
-  OdModelerStatus status = odModeler().sphere(radius, made);
+  OdStatus status = odModeler().sphere(radius, made);
   return adopt(std::move(status), std::move(made), {});
 }
 
-OdModelerStatus OdDb3dSolid::createTorus(double majorRadius, double minorRadius) {
+OdStatus OdDb3dSolid::createTorus(double majorRadius, double minorRadius) {
   OdModelerBodyPtr made;
-  OdModelerStatus status = odModeler().torus(majorRadius, minorRadius, made);
+  OdStatus status = odModeler().torus(majorRadius, minorRadius, made);
   return adopt(std::move(status), std::move(made), {});
 }
 
-OdModelerStatus OdDb3dSolid::createWedge(double dx, double dy, double dz, double topDx) {
+OdStatus OdDb3dSolid::createWedge(double dx, double dy, double dz, double topDx) {
   OdModelerBodyPtr made;
-  OdModelerStatus status = odModeler().wedge(dx, dy, dz, topDx, made);
+  OdStatus status = odModeler().wedge(dx, dy, dz, topDx, made);
   return adopt(std::move(status), std::move(made), {});
 }
 
-OdModelerStatus OdDb3dSolid::extrude(const OdModelerProfile& profile,
-                                     const OdGeVector3d& direction) {
+OdStatus OdDb3dSolid::extrude(const OdModelerProfile& profile, const OdGeVector3d& direction) {
   OdModelerBodyPtr made;
-  OdModelerStatus status = odModeler().extrude(profile, direction, made);
+  OdStatus status = odModeler().extrude(profile, direction, made);
   return adopt(std::move(status), std::move(made), {});
 }
 
-OdModelerStatus OdDb3dSolid::revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
-                                     const OdGeVector3d& axis, double angle) {
+OdStatus OdDb3dSolid::revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
+                              const OdGeVector3d& axis, double angle) {
   OdModelerBodyPtr made;
-  OdModelerStatus status = odModeler().revolve(profile, axisPoint, axis, angle, made);
+  OdStatus status = odModeler().revolve(profile, axisPoint, axis, angle, made);
   return adopt(std::move(status), std::move(made), {});
 }
 
-OdModelerStatus OdDb3dSolid::requireBody(const char* operation, OdModelerBodyPtr& body) const {
-  OdModelerStatus status = getBody(body);
+OdStatus OdDb3dSolid::requireBody(const char* operation, OdModelerBodyPtr& body) const {
+  OdStatus status = getBody(body);
   return status.ok() && !body ? emptySolid(operation) : status;
 }
 
-OdModelerStatus OdDb3dSolid::booleanOper(OdModelerBooleanKind kind, const OdDb3dSolid& tool,
-                                         OdModelerHistory* history) {
+OdStatus OdDb3dSolid::booleanOper(OdModelerBooleanKind kind, const OdDb3dSolid& tool,
+                                  OdModelerHistory* history) {
   OdModelerBodyPtr body;
-  OdModelerStatus status = tool.requireBody("boolean", body);
+  OdStatus status = tool.requireBody("boolean", body);
   return status.ok() ? booleanOper(kind, {&body, 1}, history) : status;
 }
 
 template <class Operation>
-OdModelerStatus OdDb3dSolid::operate(const char* name, OdSolidChangeKind kind,
-                                     std::span<const OdModelerBodyPtr> tools,
-                                     OdModelerHistory* history, const Operation& operation) {
+OdStatus OdDb3dSolid::operate(const char* name, OdSolidChangeKind kind,
+                              std::span<const OdModelerBodyPtr> tools, OdModelerHistory* history,
+                              const Operation& operation) {
   OdModelerBodyPtr old;
   OdModelerBodyPtr made;
   OdModelerHistory own;
   OdModelerHistory* const told = wantedHistory(history, own);
-  OdModelerStatus status = requireBody(name, old);
+  OdStatus status = requireBody(name, old);
   if (status.ok()) status = operation(old, made, told);
   return adopt(std::move(status), std::move(made), changeWithHistory(kind, tools, told));
 }
 
-OdModelerStatus OdDb3dSolid::booleanOper(OdModelerBooleanKind kind,
-                                         std::span<const OdModelerBodyPtr> tools,
-                                         OdModelerHistory* history) {
+OdStatus OdDb3dSolid::booleanOper(OdModelerBooleanKind kind,
+                                  std::span<const OdModelerBodyPtr> tools,
+                                  OdModelerHistory* history) {
   return operate("boolean", OdSolidChangeKind::kBoolean, tools, history,
                  [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* told) {
                    return odModeler().boolean(kind, old, tools, made, told);
                  });
 }
 
-OdModelerStatus OdDb3dSolid::filletEdges(std::span<const OdUInt32> edges, double radius,
-                                         OdModelerHistory* history) {
+OdStatus OdDb3dSolid::filletEdges(std::span<const OdUInt32> edges, double radius,
+                                  OdModelerHistory* history) {
   return operate("fillet", OdSolidChangeKind::kBlend, {}, history,
                  [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* told) {
                    return odModeler().fillet(old, edges, radius, made, told);
                  });
 }
 
-OdModelerStatus OdDb3dSolid::chamferEdges(std::span<const OdUInt32> edges, double distance,
-                                          OdModelerHistory* history) {
+OdStatus OdDb3dSolid::chamferEdges(std::span<const OdUInt32> edges, double distance,
+                                   OdModelerHistory* history) {
   return operate("chamfer", OdSolidChangeKind::kBlend, {}, history,
                  [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* told) {
                    return odModeler().chamfer(old, edges, distance, made, told);
                  });
 }
 
-OdModelerStatus OdDb3dSolid::removeFaces(std::span<const OdUInt32> faces,
-                                         OdModelerHistory* history) {
+OdStatus OdDb3dSolid::removeFaces(std::span<const OdUInt32> faces, OdModelerHistory* history) {
   return operate("remove faces", OdSolidChangeKind::kBlend, {}, history,
                  [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* told) {
                    return odModeler().removeFaces(old, faces, made, told);
@@ -330,9 +327,9 @@ OdResult OdDb3dSolid::getMassProp(OdModelerMassProperties& properties) const {
 OdResult OdDb3dSolid::subTransformBy(const OdGeMatrix3d& transform) {
   OdModelerBodyPtr held;
   OdModelerBodyPtr moved;
-  if (const OdModelerStatus status = getBody(held); !status.ok()) return status.code;
+  if (const OdStatus status = getBody(held); !status.ok()) return status.code;
   if (!held) return eOk;
-  const OdModelerStatus status = held->transformed(transform, moved);
+  const OdStatus status = held->transformed(transform, moved);
   if (!status.ok()) return status.code;
   replaceBody(std::move(moved), movedBy(transform));
   return eOk;
@@ -340,7 +337,7 @@ OdResult OdDb3dSolid::subTransformBy(const OdGeMatrix3d& transform) {
 
 const OdBinaryData& OdDb3dSolid::storedBytes() const {
   if (m_bytes.isEmpty() && m_body) {
-    const OdModelerStatus status = m_body->serialise(m_bytes);
+    const OdStatus status = m_body->serialise(m_bytes);
     if (!status.ok()) throw OdError(status.code, status.text);
   }
   return m_bytes;
@@ -394,7 +391,7 @@ OdResult OdDb3dSolid::dwgInFields(OdDbDwgFiler* filer) {
 void OdDb3dSolid::audit(OdDbAuditInfo* info) {
   OdDbEntity::audit(info);
   OdModelerBodyPtr held;
-  OdModelerStatus status = getBody(held);
+  OdStatus status = getBody(held);
   if (status.ok() && held) status = held->check();
   if (status.ok()) return;
   // The bytes are kept: a body that this modeller cannot read may be read by a later one.

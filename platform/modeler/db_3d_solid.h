@@ -44,33 +44,33 @@ class OdDb3dSolid : public OdDbEntity {
   /// Null when the solid is empty. Raises the code of the failure when the bytes cannot be read.
   [[nodiscard]] OdModelerBodyPtr body() const;
   /// The same without raising; `body` stays as it is on failure.
-  OdModelerStatus getBody(OdModelerBodyPtr& body) const;
+  OdStatus getBody(OdModelerBodyPtr& body) const;
   /// Null empties the solid.
   void setBody(OdModelerBodyPtr body);
 
   // Elementary bodies in place of the present one; positions and limits as in OdModeler.
-  OdModelerStatus createBox(double dx, double dy, double dz);
-  OdModelerStatus createCylinder(double radius, double height);
-  OdModelerStatus createCone(double bottomRadius, double topRadius, double height);
-  OdModelerStatus createSphere(double radius);
-  OdModelerStatus createTorus(double majorRadius, double minorRadius);
-  OdModelerStatus createWedge(double dx, double dy, double dz, double topDx);
-  OdModelerStatus extrude(const OdModelerProfile& profile, const OdGeVector3d& direction);
-  OdModelerStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
-                          const OdGeVector3d& axis, double angle);
+  OdStatus createBox(double dx, double dy, double dz);
+  OdStatus createCylinder(double radius, double height);
+  OdStatus createCone(double bottomRadius, double topRadius, double height);
+  OdStatus createSphere(double radius);
+  OdStatus createTorus(double majorRadius, double minorRadius);
+  OdStatus createWedge(double dx, double dy, double dz, double topDx);
+  OdStatus extrude(const OdModelerProfile& profile, const OdGeVector3d& direction);
+  OdStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
+                   const OdGeVector3d& axis, double angle);
 
   // Operations. `history` may be null; its first input is this solid, the others are the tools.
   /// `tool` stays as it is.
-  OdModelerStatus booleanOper(OdModelerBooleanKind kind, const OdDb3dSolid& tool,
-                              OdModelerHistory* history = nullptr);
-  OdModelerStatus booleanOper(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> tools,
-                              OdModelerHistory* history = nullptr);
-  OdModelerStatus filletEdges(std::span<const OdUInt32> edges, double radius,
-                              OdModelerHistory* history = nullptr);
-  OdModelerStatus chamferEdges(std::span<const OdUInt32> edges, double distance,
-                               OdModelerHistory* history = nullptr);
+  OdStatus booleanOper(OdModelerBooleanKind kind, const OdDb3dSolid& tool,
+                       OdModelerHistory* history = nullptr);
+  OdStatus booleanOper(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> tools,
+                       OdModelerHistory* history = nullptr);
+  OdStatus filletEdges(std::span<const OdUInt32> edges, double radius,
+                       OdModelerHistory* history = nullptr);
+  OdStatus chamferEdges(std::span<const OdUInt32> edges, double distance,
+                        OdModelerHistory* history = nullptr);
   /// As OdModeler::removeFaces.
-  OdModelerStatus removeFaces(std::span<const OdUInt32> faces, OdModelerHistory* history = nullptr);
+  OdStatus removeFaces(std::span<const OdUInt32> faces, OdModelerHistory* history = nullptr);
 
   // Subentities.
   [[nodiscard]] OdUInt32 numSubents(OdDb::SubentType type) const;
@@ -111,12 +111,12 @@ class OdDb3dSolid : public OdDbEntity {
  private:
   void setBody(OdModelerBodyPtr body, OdSolidChange change);
   void replaceBody(OdModelerBodyPtr body, OdSolidChange change);
-  OdModelerStatus adopt(OdModelerStatus status, OdModelerBodyPtr body, OdSolidChange change);
+  OdStatus adopt(OdStatus status, OdModelerBodyPtr body, OdSolidChange change);
   template <class Operation>
-  OdModelerStatus operate(const char* name, OdSolidChangeKind kind,
-                          std::span<const OdModelerBodyPtr> tools, OdModelerHistory* history,
-                          const Operation& operation);
-  OdModelerStatus requireBody(const char* operation, OdModelerBodyPtr& body) const;
+  OdStatus operate(const char* name, OdSolidChangeKind kind,
+                   std::span<const OdModelerBodyPtr> tools, OdModelerHistory* history,
+                   const Operation& operation);
+  OdStatus requireBody(const char* operation, OdModelerBodyPtr& body) const;
   [[nodiscard]] const OdBinaryData& storedBytes() const;
 
   // At least one of the two is there unless the solid is empty; where both are, they agree.

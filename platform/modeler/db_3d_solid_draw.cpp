@@ -13,12 +13,12 @@ OdCmEntityColor toEntityColor(const OdModelerColor& color) {
 }
 
 // The body's own mesh, or a finer or coarser one for a context that says how fine.
-OdModelerStatus meshFor(const OdGiWorldDraw& context, const OdModelerBody& body, MeshPtr& mesh) {
+OdStatus meshFor(const OdGiWorldDraw& context, const OdModelerBody& body, MeshPtr& mesh) {
   if (!(context.deviation() > 0.0)) return body.displayMesh(mesh);
   auto made = std::make_shared<OdModelerMesh>();
   OdModelerMeshOptions options;
   options.deflection = context.deviation();
-  OdModelerStatus status = body.tessellate(options, *made);
+  OdStatus status = body.tessellate(options, *made);
   mesh = std::move(made);
   return status;
 }

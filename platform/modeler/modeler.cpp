@@ -21,10 +21,9 @@ OdModeler& odModeler() {
   return *installed();
 }
 
-OdModelerStatus OdModeler::removeFaces(const OdModelerBodyPtr& /*body*/,
-                                       std::span<const OdUInt32> /*faces*/,
-                                       OdModelerBodyPtr& /*result*/,
-                                       OdModelerHistory* /*history*/) {
+OdStatus OdModeler::removeFaces(const OdModelerBodyPtr& /*body*/,
+                                std::span<const OdUInt32> /*faces*/, OdModelerBodyPtr& /*result*/,
+                                OdModelerHistory* /*history*/) {
   return {eNotApplicable, name() + L" cannot remove faces"};
 }
 

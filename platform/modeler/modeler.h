@@ -31,59 +31,55 @@ class OdModeler {
 
   // Primitives.
   /// From the origin to the point (dx, dy, dz).
-  virtual OdModelerStatus box(double dx, double dy, double dz, OdModelerBodyPtr& result) = 0;
-  virtual OdModelerStatus cylinder(double radius, double height, OdModelerBodyPtr& result) = 0;
+  virtual OdStatus box(double dx, double dy, double dz, OdModelerBodyPtr& result) = 0;
+  virtual OdStatus cylinder(double radius, double height, OdModelerBodyPtr& result) = 0;
   /// Either radius, but not both, may be 0; equal radii give a cylinder.
-  virtual OdModelerStatus cone(double bottomRadius, double topRadius, double height,
-                               OdModelerBodyPtr& result) = 0;
-  virtual OdModelerStatus sphere(double radius, OdModelerBodyPtr& result) = 0;
+  virtual OdStatus cone(double bottomRadius, double topRadius, double height,
+                        OdModelerBodyPtr& result) = 0;
+  virtual OdStatus sphere(double radius, OdModelerBodyPtr& result) = 0;
   /// The minor radius is less than the major one.
-  virtual OdModelerStatus torus(double majorRadius, double minorRadius,
-                                OdModelerBodyPtr& result) = 0;
+  virtual OdStatus torus(double majorRadius, double minorRadius, OdModelerBodyPtr& result) = 0;
   /// A box whose top (at dz) is only `topDx` long; 0 gives a ridge.
-  virtual OdModelerStatus wedge(double dx, double dy, double dz, double topDx,
-                                OdModelerBodyPtr& result) = 0;
-  virtual OdModelerStatus extrude(const OdModelerProfile& profile, const OdGeVector3d& direction,
-                                  OdModelerBodyPtr& result) = 0;
+  virtual OdStatus wedge(double dx, double dy, double dz, double topDx,
+                         OdModelerBodyPtr& result) = 0;
+  virtual OdStatus extrude(const OdModelerProfile& profile, const OdGeVector3d& direction,
+                           OdModelerBodyPtr& result) = 0;
   /// Turns the profile by `angle` (0 to 2 pi, not 0) about an axis in its plane that does not cross
   /// it.
-  virtual OdModelerStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
-                                  const OdGeVector3d& axis, double angle,
-                                  OdModelerBodyPtr& result) = 0;
+  virtual OdStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
+                           const OdGeVector3d& axis, double angle, OdModelerBodyPtr& result) = 0;
 
   // Operations. `history` may be null.
   /// One body out of a base and tools. Faces of one surface that are brought together become one,
   /// those that met in an input stay apart. Attributes are the base's; faces keep colour and name.
-  virtual OdModelerStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
-                                  std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& result,
-                                  OdModelerHistory* history) = 0;
-  virtual OdModelerStatus fillet(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges,
-                                 double radius, OdModelerBodyPtr& result,
-                                 OdModelerHistory* history) = 0;
+  virtual OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
+                           std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& result,
+                           OdModelerHistory* history) = 0;
+  virtual OdStatus fillet(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges,
+                          double radius, OdModelerBodyPtr& result, OdModelerHistory* history) = 0;
   /// Both sides of each edge are cut back by `distance`.
-  virtual OdModelerStatus chamfer(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges,
-                                  double distance, OdModelerBodyPtr& result,
-                                  OdModelerHistory* history) = 0;
+  virtual OdStatus chamfer(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges,
+                           double distance, OdModelerBodyPtr& result,
+                           OdModelerHistory* history) = 0;
 
   /// Takes faces off and closes the body again by extending their neighbours: a hole's or a boss's
   /// faces give the body without it. eModelerError when the neighbours do not meet,
   /// eNotApplicable from a modeller that cannot do it.
-  virtual OdModelerStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
-                                      OdModelerBodyPtr& result, OdModelerHistory* history);
+  virtual OdStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
+                               OdModelerBodyPtr& result, OdModelerHistory* history);
 
   /// Several bodies as one, side by side, untouched; faces keep their colours.
-  virtual OdModelerStatus compound(std::span<const OdModelerBodyPtr> bodies,
-                                   OdModelerBodyPtr& result) = 0;
+  virtual OdStatus compound(std::span<const OdModelerBodyPtr> bodies, OdModelerBodyPtr& result) = 0;
 
   // Stored form and exchange.
   /// eCorruptData for bytes that are damaged or not a body, eUnsupportedVersion for a newer form.
-  virtual OdModelerStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result) = 0;
+  virtual OdStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result) = 0;
   /// Reads a STEP file. eFileNotFound, eFileAccess, or eModelerError for a file that is not STEP or
   /// has no geometry. A product is read once, however many times it occurs.
-  virtual OdModelerStatus importStep(const OdString& path, OdModelerAssembly& result) = 0;
+  virtual OdStatus importStep(const OdString& path, OdModelerAssembly& result) = 0;
   /// Writes a STEP file in millimetres beside the target and renames it, so that an old file stays
   /// whole on failure. The same assembly gives the same file.
-  virtual OdModelerStatus exportStep(const OdString& path, const OdModelerAssembly& assembly) = 0;
+  virtual OdStatus exportStep(const OdString& path, const OdModelerAssembly& assembly) = 0;
 };
 
 /// Installs the modeller of the process; null removes it. Not to be called while another thread

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "platform/base/array.h"
+#include "platform/base/status.h"
 #include "platform/base/string.h"
 #include "platform/db/database.h"
-#include "platform/modeler/modeler_status.h"
 
 struct OdStepImportOptions {
   bool sheets = true;   ///< shells and loose faces, as solids without volume
@@ -32,16 +32,16 @@ struct OdStepReport {
 /// An empty drawing is set to millimetres; one with content keeps its unit, and what comes in is
 /// scaled to it. All happens in one transaction: on failure the drawing is as it was. Codes are
 /// those of OdModeler::importStep. `report` may be null.
-OdModelerStatus importStepIntoDatabase(OdDbDatabase* database, const OdString& path,
-                                       OdStepReport* report = nullptr,
-                                       const OdStepImportOptions& options = {});
+OdStatus importStepIntoDatabase(OdDbDatabase* database, const OdString& path,
+                                OdStepReport* report = nullptr,
+                                const OdStepImportOptions& options = {});
 
 /// Writes model space as a STEP file in millimetres: blocks become products, references become
 /// occurrences. Blocks of external drawings, entities that are neither solids nor references, and
 /// what is on layers that are off or frozen are left out and reported. eInvalidInput when there is
 /// nothing to write.
-OdModelerStatus exportStepFromDatabase(OdDbDatabase* database, const OdString& path,
-                                       OdStepReport* report = nullptr);
+OdStatus exportStepFromDatabase(OdDbDatabase* database, const OdString& path,
+                                OdStepReport* report = nullptr);
 
 /// Application under which a reference keeps the name of its occurrence: a text (1000).
 inline constexpr const wchar_t* kOdStepRegApp = L"OD_STEP";

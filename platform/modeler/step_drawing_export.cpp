@@ -44,8 +44,7 @@ class Exporter {
     const auto index = static_cast<OdUInt32>(m_assembly.products.size());
     m_products.emplace(block, index);
     m_assembly.products.emplace_back();
-    OdDbBlockTableRecordPtr record =
-        OdDbBlockTableRecord::cast(block.safeOpenObject(OdDb::kForRead));
+    OdDbBlockTableRecordPtr record = block.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForRead);
     const bool isSpace = block == m_database->getModelSpaceId();
     const OdString comment = record->comments();
     m_assembly.products[index].uniqueId = isSpace ? OdString(L"drawing") : record->getName();
@@ -85,7 +84,7 @@ class Exporter {
 
   // The entity's layer when that shows nothing; null otherwise.
   static OdDbLayerTableRecordPtr hidingLayer(const OdDbEntity& entity) {
-    OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::cast(entity.layerId().openObject());
+    OdDbLayerTableRecordPtr layer = entity.layerId().openAs<OdDbLayerTableRecord>();
     const bool hides = !layer.isNull() && (layer->isOff() || layer->isFrozen());
     return hides ? layer : OdDbLayerTableRecordPtr();
   }
@@ -98,7 +97,7 @@ class Exporter {
   // Products have their origin at zero: the block's is taken off here, as its references do.
   static OdModelerBodyPtr moved(const OdModelerBodyPtr& body, const OdGePoint3d& origin) {
     OdModelerBodyPtr result;
-    const OdModelerStatus status =
+    const OdStatus status =
         body->transformed(OdGeMatrix3d::translation(OdGePoint3d::kOrigin - origin), result);
     if (!status.ok()) throw OdError(status.code, status.text);
     return result;
@@ -121,8 +120,7 @@ class Exporter {
                     const OdGePoint3d& origin) {
     const OdDbObjectId shown = reference.blockTableRecord();
     if (shown.isNull() || shown.isErased()) return skip(reference, L"shows no block");
-    OdDbBlockTableRecordPtr block =
-        OdDbBlockTableRecord::cast(shown.safeOpenObject(OdDb::kForRead));
+    OdDbBlockTableRecordPtr block = shown.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForRead);
     if (block->isFromExternalReference()) return skip(reference, L"shows an external drawing");
     // The placement is the one of the block without its origin, which its product has lost.
     const OdGeMatrix3d placement =
@@ -174,8 +172,8 @@ OdUInt32 dropEmptyOccurrences(OdModelerAssembly& assembly) {
 
 }  // namespace
 
-OdModelerStatus exportStepFromDatabase(OdDbDatabase* database, const OdString& path,
-                                       OdStepReport* report) {
+OdStatus exportStepFromDatabase(OdDbDatabase* database, const OdString& path,
+                                OdStepReport* report) {
   OdStepReport done;
   OdModelerAssembly assembly;
   try {
@@ -189,7 +187,7 @@ OdModelerStatus exportStepFromDatabase(OdDbDatabase* database, const OdString& p
     return {error.code(), OdString(L"step file '") + path + L"': " + error.description()};
   }
   done.products = dropEmptyOccurrences(assembly);
-  OdModelerStatus status = odModeler().exportStep(path, assembly);
+  OdStatus status = odModeler().exportStep(path, assembly);
   if (status.ok() && report != nullptr) *report = std::move(done);
   return status;
 }

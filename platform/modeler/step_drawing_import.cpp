@@ -64,7 +64,7 @@ class Importer {
   }
 
   static OdDbBlockTableRecordPtr open(const OdDbObjectId& id, OdDb::OpenMode mode) {
-    return OdDbBlockTableRecord::cast(id.safeOpenObject(mode));
+    return id.safeOpenAs<OdDbBlockTableRecord>(mode);
   }
 
   // Blocks are made before what refers to them, sub-assemblies first.
@@ -81,7 +81,7 @@ class Importer {
 
   OdDbObjectId newBlock(const OdModelerProduct& product) {
     OdDbBlockTablePtr table =
-        OdDbBlockTable::cast(m_database->getBlockTableId().safeOpenObject(OdDb::kForWrite));
+        m_database->getBlockTableId().safeOpenAs<OdDbBlockTable>(OdDb::kForWrite);
     const OdString wanted = blockName(product.uniqueId);
     OdString name = wanted;
     for (unsigned number = 2; table->has(name); ++number) {
@@ -136,7 +136,7 @@ class Importer {
   static void addBody(OdDbBlockTableRecord& block, const OdModelerBody& body,
                       const OdGeMatrix3d& placement, const OdString& productName) {
     OdModelerBodyPtr placed;
-    if (const OdModelerStatus status = body.transformed(placement, placed); !status.ok()) {
+    if (const OdStatus status = body.transformed(placement, placed); !status.ok()) {
       throw OdError(status.code, status.text);
     }
     OdModelerBodyAttributes attributes = placed->attributes();
@@ -175,11 +175,11 @@ class Importer {
 
 }  // namespace
 
-OdModelerStatus importStepIntoDatabase(OdDbDatabase* database, const OdString& path,
-                                       OdStepReport* report, const OdStepImportOptions& options) {
+OdStatus importStepIntoDatabase(OdDbDatabase* database, const OdString& path, OdStepReport* report,
+                                const OdStepImportOptions& options) {
   OdModelerAssembly assembly;
-  if (OdModelerStatus status = odModeler().importStep(path, assembly); !status.ok()) return status;
-  if (OdModelerStatus status = assembly.check(); !status.ok()) return status;
+  if (OdStatus status = odModeler().importStep(path, assembly); !status.ok()) return status;
+  if (OdStatus status = assembly.check(); !status.ok()) return status;
   OdStepReport done;
   done.sourceUnit = assembly.sourceUnit.name;
   try {

@@ -14,8 +14,8 @@
 namespace od_occt {
 namespace {
 
-OdModelerStatus checkBlend(const char* name, const OdModelerBodyPtr& body,
-                           std::span<const OdUInt32> edges, double size) {
+OdStatus checkBlend(const char* name, const OdModelerBodyPtr& body, std::span<const OdUInt32> edges,
+                    double size) {
   OdString text;
   const OdString label(name);
   if (!body || edges.empty()) return failure(eInvalidInput, name, "there is no body or no edge");
@@ -48,11 +48,10 @@ void addEdge(Blend& blend, double size, const TopoDS_Edge& edge) {
 }
 
 template <class Blend>
-OdModelerStatus blendEdges(const char* name, const OdModelerBodyPtr& body,
-                           std::span<const OdUInt32> edges, double size, OdModelerBodyPtr& result,
-                           OdModelerHistory* history) {
-  if (OdModelerStatus status = checkBlend(name, body, edges, size); !status.ok()) return status;
-  return guarded(name, [&]() -> OdModelerStatus {
+OdStatus blendEdges(const char* name, const OdModelerBodyPtr& body, std::span<const OdUInt32> edges,
+                    double size, OdModelerBodyPtr& result, OdModelerHistory* history) {
+  if (OdStatus status = checkBlend(name, body, edges, size); !status.ok()) return status;
+  return guarded(name, [&]() -> OdStatus {
     const Body& own = asOcct(*body);
     Blend blend(own.shape());
     for (const OdUInt32 edge : edges) {
@@ -66,7 +65,7 @@ OdModelerStatus blendEdges(const char* name, const OdModelerBodyPtr& body,
     }
     const OdModelerBodyPtr plain = odBodyFromOcct(blend.Shape());
     if (!plain) return failure(eModelerError, name, "nothing came out");
-    if (OdModelerStatus sound = checkShape(asOcct(*plain).shape()); !sound.ok()) {
+    if (OdStatus sound = checkShape(asOcct(*plain).shape()); !sound.ok()) {
       return {eModelerInvalidBody, OdString(name) + L": " + sound.text};
     }
     OdModelerHistory fates = collectHistory(blend, {&body, 1}, asOcct(*plain));
@@ -78,13 +77,13 @@ OdModelerStatus blendEdges(const char* name, const OdModelerBodyPtr& body,
 
 }  // namespace
 
-OdModelerStatus fillet(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges, double radius,
-                       OdModelerBodyPtr& result, OdModelerHistory* history) {
+OdStatus fillet(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges, double radius,
+                OdModelerBodyPtr& result, OdModelerHistory* history) {
   return blendEdges<BRepFilletAPI_MakeFillet>("fillet", body, edges, radius, result, history);
 }
 
-OdModelerStatus chamfer(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges,
-                        double distance, OdModelerBodyPtr& result, OdModelerHistory* history) {
+OdStatus chamfer(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges, double distance,
+                 OdModelerBodyPtr& result, OdModelerHistory* history) {
   return blendEdges<BRepFilletAPI_MakeChamfer>("chamfer", body, edges, distance, result, history);
 }
 

@@ -207,11 +207,11 @@ OdModelerMassProperties Body::massProperties() const {
   return *m_mass;
 }
 
-OdModelerStatus Body::check() const {
+OdStatus Body::check() const {
   return guarded("check", [this] { return checkShape(m_shape); });
 }
 
-OdModelerStatus Body::subentBody(OdModelerSubent subent, OdModelerBodyPtr& result) const {
+OdStatus Body::subentBody(OdModelerSubent subent, OdModelerBodyPtr& result) const {
   if (!hasSubent(subent)) {
     OdString text;
     text.format(L"subentity copy: the body has no subentity of type %d with index %u of %u",

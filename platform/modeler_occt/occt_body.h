@@ -60,15 +60,14 @@ class Body final : public OdModelerBody {
   OdGeExtents3d subentExtents(OdModelerSubent subent) const override;
   double distanceTo(OdModelerSubent subent, const OdGePoint3d& point) const override;
   OdModelerMassProperties massProperties() const override;
-  OdModelerStatus check() const override;
-  OdModelerStatus tessellate(const OdModelerMeshOptions& options,
-                             OdModelerMesh& mesh) const override;
-  OdModelerStatus transformed(const OdGeMatrix3d& matrix, OdModelerBodyPtr& result) const override;
-  OdModelerStatus subentBody(OdModelerSubent subent, OdModelerBodyPtr& result) const override;
+  OdStatus check() const override;
+  OdStatus tessellate(const OdModelerMeshOptions& options, OdModelerMesh& mesh) const override;
+  OdStatus transformed(const OdGeMatrix3d& matrix, OdModelerBodyPtr& result) const override;
+  OdStatus subentBody(OdModelerSubent subent, OdModelerBodyPtr& result) const override;
   std::vector<OdModelerBodyPtr> solids() const override;
   const OdModelerBodyAttributes& attributes() const override { return m_attributes; }
   OdModelerBodyPtr withAttributes(OdModelerBodyAttributes attributes) const override;
-  OdModelerStatus serialise(OdBinaryData& bytes) const override;
+  OdStatus serialise(OdBinaryData& bytes) const override;
   std::size_t approximateSize() const override;
 
  private:
@@ -105,13 +104,13 @@ OdModelerMassProperties measureMass(const TopoDS_Shape& shape);
 /// The area of all faces with its centroid.
 void measureArea(const TopoDS_Shape& shape, GProp_GProps& result);
 /// eModelerInvalidBody with the first fault, or ok.
-OdModelerStatus checkShape(const TopoDS_Shape& shape);
+OdStatus checkShape(const TopoDS_Shape& shape);
 /// The same for the outcome of an operation on a sound body, at the cost of what the operation
 /// changed. Laws: faces of the base that are there as they were are sound; in a face that is not,
 /// boundaries that were the base's are sound by themselves and towards each other, and are checked
 /// against those that are not where their boxes meet; that shells close and are oriented, and that
 /// solids are well formed, is checked as a whole.
-OdModelerStatus checkOutcome(const Body& outcome, const Body& base);
+OdStatus checkOutcome(const Body& outcome, const Body& base);
 
 /// Resets the flags of all parts of a shape that depend on how it was made and not on what it is.
 void normaliseFlags(const TopoDS_Shape& shape);

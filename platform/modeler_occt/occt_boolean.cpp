@@ -114,7 +114,7 @@ TopoDS_Shape remains(const TopoDS_Shape& outcome, bool solidsOnly) {
   return solids.IsEmpty() ? TopoDS_Shape() : joined(solids);
 }
 
-OdModelerStatus checkInputs(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs) {
+OdStatus checkInputs(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs) {
   if (inputs.size() < 2) return failure(eInvalidInput, nameOf(kind), "there is no tool");
   const auto null = std::ranges::find(inputs, nullptr);
   if (null == inputs.end()) return {};
@@ -174,8 +174,8 @@ OdModelerBodyPtr withNote(const OdModelerBodyPtr& body, bool leftApart,
   return body->withAttributes(std::move(attributes));
 }
 
-OdModelerStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs,
-                        const Attempt& way, OdModelerBodyPtr& result, OdModelerHistory* history) {
+OdStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs,
+                 const Attempt& way, OdModelerBodyPtr& result, OdModelerHistory* history) {
   const bool needsHistory = history != nullptr || std::ranges::any_of(inputs, hasColors);
   // Whatever is kept is dropped by the next operation, whether that can use it or not.
   LastIntersections last = std::exchange(lastIntersections(), {});
@@ -203,7 +203,7 @@ OdModelerStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBody
   if (!plain || plain->numFaces() + plain->numEdges() == 0) {
     return failure(eDegenerateGeometry, nameOf(kind), "nothing is left");
   }
-  if (OdModelerStatus sound = checkOutcome(asOcct(*plain), asOcct(*inputs.front())); !sound.ok()) {
+  if (OdStatus sound = checkOutcome(asOcct(*plain), asOcct(*inputs.front())); !sound.ok()) {
     return {eModelerInvalidBody, OdString(nameOf(kind)) + L": " + sound.text};
   }
   if (!needsHistory) {
@@ -216,11 +216,11 @@ OdModelerStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBody
   return {};
 }
 
-OdModelerStatus combine(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs,
-                        OdModelerBodyPtr& result, OdModelerHistory* history) {
-  OdModelerStatus first;
+OdStatus combine(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs,
+                 OdModelerBodyPtr& result, OdModelerHistory* history) {
+  OdStatus first;
   for (const Attempt& way : kAttempts) {
-    OdModelerStatus status =
+    OdStatus status =
         guarded(nameOf(kind), [&] { return attempt(kind, inputs, way, result, history); });
     if (status.ok() || status.code == eDegenerateGeometry || status.code == eOutOfMemory)
       return status;
@@ -231,20 +231,20 @@ OdModelerStatus combine(OdModelerBooleanKind kind, std::span<const OdModelerBody
 
 }  // namespace
 
-OdModelerStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
-                        std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& result,
-                        OdModelerHistory* history) {
+OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
+                 std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& result,
+                 OdModelerHistory* history) {
   std::vector<OdModelerBodyPtr> inputs{base};
   inputs.insert(inputs.end(), tools.begin(), tools.end());
-  if (OdModelerStatus status = checkInputs(kind, inputs); !status.ok()) return status;
+  if (OdStatus status = checkInputs(kind, inputs); !status.ok()) return status;
   return combine(kind, inputs, result, history);
 }
 
-OdModelerStatus compound(std::span<const OdModelerBodyPtr> bodies, OdModelerBodyPtr& result) {
+OdStatus compound(std::span<const OdModelerBodyPtr> bodies, OdModelerBodyPtr& result) {
   if (bodies.empty() || std::ranges::count(bodies, nullptr) != 0) {
     return failure(eInvalidInput, "compound", "there is no body, or one is null");
   }
-  return guarded("compound", [&]() -> OdModelerStatus {
+  return guarded("compound", [&]() -> OdStatus {
     OdModelerBodyPtr whole = odBodyFromOcct(joined(shapesOf(bodies)));
     OdModelerHistory history;
     const Topology& now = asOcct(*whole).topology();

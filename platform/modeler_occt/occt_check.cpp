@@ -105,11 +105,11 @@ bool solidsAreSound(const TopoDS_Shape& shape) {
 }  // namespace
 
 // What the quick look doubts the full check decides, and names.
-OdModelerStatus checkOutcome(const Body& outcome, const Body& base) {
+OdStatus checkOutcome(const Body& outcome, const Body& base) {
   const bool isSound = outcome.kind() == OdModelerBodyKind::kSolid &&
                        facesAreSound(outcome.topology(), base.topology()) &&
                        shellsAreSound(outcome.shape()) && solidsAreSound(outcome.shape());
-  return isSound ? OdModelerStatus() : checkShape(outcome.shape());
+  return isSound ? OdStatus() : checkShape(outcome.shape());
 }
 
 }  // namespace od_occt

@@ -7,12 +7,12 @@
 
 namespace od_occt {
 
-OdModelerStatus failure(OdResult code, const char* operation, const char* reason) {
+OdStatus failure(OdResult code, const char* operation, const char* reason) {
   const std::string text = std::string(operation) + ": " + reason;
   return {code, OdString::fromUtf8(text.data(), text.size())};
 }
 
-OdModelerStatus foreignFailure(const char* operation, const Standard_Failure& error) {
+OdStatus foreignFailure(const char* operation, const Standard_Failure& error) {
   if (error.IsKind(STANDARD_TYPE(Standard_OutOfMemory))) {
     return failure(eOutOfMemory, operation, "out of memory");
   }

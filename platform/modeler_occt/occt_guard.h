@@ -7,20 +7,20 @@
 #include <utility>
 
 #include "platform/base/error.h"
-#include "platform/modeler/modeler_status.h"
+#include "platform/base/status.h"
 
 namespace od_occt {
 
 /// A status whose text is `operation` followed by `reason`.
-OdModelerStatus failure(OdResult code, const char* operation, const char* reason);
+OdStatus failure(OdResult code, const char* operation, const char* reason);
 /// The same for a foreign exception, with its class and message.
-OdModelerStatus foreignFailure(const char* operation, const Standard_Failure& error);
+OdStatus foreignFailure(const char* operation, const Standard_Failure& error);
 
 /// Runs `work`, which returns a status. What it throws becomes a status: allocation failure is
 /// eOutOfMemory, the runtime's errors keep their code, anything else is eModelerError. Faults that
 /// the processor reports as signals are not caught: a library has no right to the host's handlers.
 template <class Work>
-OdModelerStatus guarded(const char* operation, Work&& work) {
+OdStatus guarded(const char* operation, Work&& work) {
   try {
     return std::forward<Work>(work)();
   } catch (const OdError& error) {

@@ -149,7 +149,7 @@ OdModelerMassProperties measureMass(const TopoDS_Shape& shape) {
   return result;
 }
 
-OdModelerStatus checkShape(const TopoDS_Shape& shape) {
+OdStatus checkShape(const TopoDS_Shape& shape) {
   const BRepCheck_Analyzer analyzer(shape);
   if (analyzer.IsValid()) return {};
   return failure(eModelerInvalidBody, "check", firstFault(shape, analyzer).c_str());

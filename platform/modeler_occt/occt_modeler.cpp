@@ -14,65 +14,60 @@ class Modeler final : public OdModeler {
  public:
   OdString name() const override { return OdString(L"Open CASCADE " OCC_VERSION_COMPLETE); }
 
-  OdModelerStatus box(double dx, double dy, double dz, OdModelerBodyPtr& result) override {
+  OdStatus box(double dx, double dy, double dz, OdModelerBodyPtr& result) override {
     return makeBox(dx, dy, dz, result);
   }
-  OdModelerStatus cylinder(double radius, double height, OdModelerBodyPtr& result) override {
+  OdStatus cylinder(double radius, double height, OdModelerBodyPtr& result) override {
     return makeCylinder(radius, height, result);
   }
-  OdModelerStatus cone(double bottomRadius, double topRadius, double height,
-                       OdModelerBodyPtr& result) override {
+  OdStatus cone(double bottomRadius, double topRadius, double height,
+                OdModelerBodyPtr& result) override {
     return makeCone(bottomRadius, topRadius, height, result);
   }
-  OdModelerStatus sphere(double radius, OdModelerBodyPtr& result) override {
+  OdStatus sphere(double radius, OdModelerBodyPtr& result) override {
     return makeSphere(radius, result);
   }
-  OdModelerStatus torus(double majorRadius, double minorRadius, OdModelerBodyPtr& result) override {
+  OdStatus torus(double majorRadius, double minorRadius, OdModelerBodyPtr& result) override {
     return makeTorus(majorRadius, minorRadius, result);
   }
-  OdModelerStatus wedge(double dx, double dy, double dz, double topDx,
-                        OdModelerBodyPtr& result) override {
+  OdStatus wedge(double dx, double dy, double dz, double topDx, OdModelerBodyPtr& result) override {
     return makeWedge(dx, dy, dz, topDx, result);
   }
-  OdModelerStatus extrude(const OdModelerProfile& profile, const OdGeVector3d& direction,
-                          OdModelerBodyPtr& result) override {
+  OdStatus extrude(const OdModelerProfile& profile, const OdGeVector3d& direction,
+                   OdModelerBodyPtr& result) override {
     return od_occt::extrude(profile, direction, result);
   }
-  OdModelerStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
-                          const OdGeVector3d& axis, double angle,
-                          OdModelerBodyPtr& result) override {
+  OdStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
+                   const OdGeVector3d& axis, double angle, OdModelerBodyPtr& result) override {
     return od_occt::revolve(profile, axisPoint, axis, angle, result);
   }
-  OdModelerStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
-                          std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& result,
-                          OdModelerHistory* history) override {
+  OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
+                   std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& result,
+                   OdModelerHistory* history) override {
     return od_occt::boolean(kind, base, tools, result, history);
   }
-  OdModelerStatus fillet(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges,
-                         double radius, OdModelerBodyPtr& result,
-                         OdModelerHistory* history) override {
+  OdStatus fillet(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges, double radius,
+                  OdModelerBodyPtr& result, OdModelerHistory* history) override {
     return od_occt::fillet(body, edges, radius, result, history);
   }
-  OdModelerStatus chamfer(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges,
-                          double distance, OdModelerBodyPtr& result,
-                          OdModelerHistory* history) override {
+  OdStatus chamfer(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges, double distance,
+                   OdModelerBodyPtr& result, OdModelerHistory* history) override {
     return od_occt::chamfer(body, edges, distance, result, history);
   }
-  OdModelerStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
-                              OdModelerBodyPtr& result, OdModelerHistory* history) override {
+  OdStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
+                       OdModelerBodyPtr& result, OdModelerHistory* history) override {
     return od_occt::removeFaces(body, faces, result, history);
   }
-  OdModelerStatus compound(std::span<const OdModelerBodyPtr> bodies,
-                           OdModelerBodyPtr& result) override {
+  OdStatus compound(std::span<const OdModelerBodyPtr> bodies, OdModelerBodyPtr& result) override {
     return od_occt::compound(bodies, result);
   }
-  OdModelerStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result) override {
+  OdStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result) override {
     return od_occt::deserialise(bytes, result);
   }
-  OdModelerStatus importStep(const OdString& path, OdModelerAssembly& result) override {
+  OdStatus importStep(const OdString& path, OdModelerAssembly& result) override {
     return od_occt::importStep(path, result);
   }
-  OdModelerStatus exportStep(const OdString& path, const OdModelerAssembly& assembly) override {
+  OdStatus exportStep(const OdString& path, const OdModelerAssembly& assembly) override {
     return od_occt::exportStep(path, assembly);
   }
 };

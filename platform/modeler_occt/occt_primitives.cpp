@@ -23,7 +23,7 @@ struct Size {
 };
 
 // Sizes are more than the distance at which points count as one.
-OdModelerStatus requirePositive(const char* solid, std::initializer_list<Size> sizes) {
+OdStatus requirePositive(const char* solid, std::initializer_list<Size> sizes) {
   for (const Size& size : sizes) {
     if (std::isfinite(size.value) && size.value > Precision::Confusion()) continue;
     OdString text;
@@ -35,10 +35,10 @@ OdModelerStatus requirePositive(const char* solid, std::initializer_list<Size> s
 }
 
 template <class Make>
-OdModelerStatus build(const char* solid, std::initializer_list<Size> sizes,
-                      OdModelerBodyPtr& result, const Make& make) {
-  if (OdModelerStatus status = requirePositive(solid, sizes); !status.ok()) return status;
-  return guarded(solid, [&]() -> OdModelerStatus {
+OdStatus build(const char* solid, std::initializer_list<Size> sizes, OdModelerBodyPtr& result,
+               const Make& make) {
+  if (OdStatus status = requirePositive(solid, sizes); !status.ok()) return status;
+  return guarded(solid, [&]() -> OdStatus {
     OdModelerBodyPtr body = odBodyFromOcct(make());
     if (!body) return failure(eModelerError, solid, "nothing came out");
     result = std::move(body);
@@ -48,18 +48,17 @@ OdModelerStatus build(const char* solid, std::initializer_list<Size> sizes,
 
 }  // namespace
 
-OdModelerStatus makeBox(double dx, double dy, double dz, OdModelerBodyPtr& result) {
+OdStatus makeBox(double dx, double dy, double dz, OdModelerBodyPtr& result) {
   return build("box", {{"length", dx}, {"width", dy}, {"height", dz}}, result,
                [&] { return BRepPrimAPI_MakeBox(dx, dy, dz).Shape(); });
 }
 
-OdModelerStatus makeCylinder(double radius, double height, OdModelerBodyPtr& result) {
+OdStatus makeCylinder(double radius, double height, OdModelerBodyPtr& result) {
   return build("cylinder", {{"radius", radius}, {"height", height}}, result,
                [&] { return BRepPrimAPI_MakeCylinder(radius, height).Shape(); });
 }
 
-OdModelerStatus makeCone(double bottomRadius, double topRadius, double height,
-                         OdModelerBodyPtr& result) {
+OdStatus makeCone(double bottomRadius, double topRadius, double height, OdModelerBodyPtr& result) {
   if (bottomRadius == topRadius) return makeCylinder(bottomRadius, height, result);
   if (!(bottomRadius >= 0.0 && topRadius >= 0.0)) {
     OdString text;
@@ -74,12 +73,12 @@ OdModelerStatus makeCone(double bottomRadius, double topRadius, double height,
                [&] { return BRepPrimAPI_MakeCone(bottomRadius, topRadius, height).Shape(); });
 }
 
-OdModelerStatus makeSphere(double radius, OdModelerBodyPtr& result) {
+OdStatus makeSphere(double radius, OdModelerBodyPtr& result) {
   return build("sphere", {{"radius", radius}}, result,
                [&] { return BRepPrimAPI_MakeSphere(radius).Shape(); });
 }
 
-OdModelerStatus makeTorus(double majorRadius, double minorRadius, OdModelerBodyPtr& result) {
+OdStatus makeTorus(double majorRadius, double minorRadius, OdModelerBodyPtr& result) {
   return build("torus",
                {{"major radius", majorRadius},
                 {"minor radius", minorRadius},
@@ -87,7 +86,7 @@ OdModelerStatus makeTorus(double majorRadius, double minorRadius, OdModelerBodyP
                result, [&] { return BRepPrimAPI_MakeTorus(majorRadius, minorRadius).Shape(); });
 }
 
-OdModelerStatus makeWedge(double dx, double dy, double dz, double topDx, OdModelerBodyPtr& result) {
+OdStatus makeWedge(double dx, double dy, double dz, double topDx, OdModelerBodyPtr& result) {
   if (!(topDx >= 0.0 && topDx <= dx)) {
     OdString text;
     text.format(L"wedge: top length is %g, it must be 0 to the length %g", topDx, dx);

@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* kName = "remove faces";
 
-OdModelerStatus checkFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces) {
+OdStatus checkFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces) {
   if (!body || faces.empty()) return failure(eInvalidInput, kName, "there is no body or no face");
   for (const OdUInt32 face : faces) {
     if (body->hasSubent({OdModelerSubentType::kFace, face})) continue;
@@ -23,8 +23,8 @@ OdModelerStatus checkFaces(const OdModelerBodyPtr& body, std::span<const OdUInt3
   return {};
 }
 
-OdModelerStatus defeature(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
-                          OdModelerBodyPtr& result, OdModelerHistory* history) {
+OdStatus defeature(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
+                   OdModelerBodyPtr& result, OdModelerHistory* history) {
   const Body& own = asOcct(*body);
   BRepAlgoAPI_Defeaturing operation;
   operation.SetShape(own.shape());
@@ -38,7 +38,7 @@ OdModelerStatus defeature(const OdModelerBodyPtr& body, std::span<const OdUInt32
     return failure(eModelerError, kName, "the neighbours of the faces do not close the body");
   const OdModelerBodyPtr plain = odBodyFromOcct(operation.Shape());
   if (!plain) return failure(eModelerError, kName, "nothing came out");
-  if (OdModelerStatus sound = checkShape(asOcct(*plain).shape()); !sound.ok())
+  if (OdStatus sound = checkShape(asOcct(*plain).shape()); !sound.ok())
     return {eModelerInvalidBody, OdString(kName) + L": " + sound.text};
   OdModelerHistory fates = collectHistory(operation, {&body, 1}, asOcct(*plain));
   result = plain->withAttributes(inheritAttributes({&body, 1}, fates));
@@ -48,9 +48,9 @@ OdModelerStatus defeature(const OdModelerBodyPtr& body, std::span<const OdUInt32
 
 }  // namespace
 
-OdModelerStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
-                            OdModelerBodyPtr& result, OdModelerHistory* history) {
-  if (OdModelerStatus status = checkFaces(body, faces); !status.ok()) return status;
+OdStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
+                     OdModelerBodyPtr& result, OdModelerHistory* history) {
+  if (OdStatus status = checkFaces(body, faces); !status.ok()) return status;
   return guarded(kName, [&] { return defeature(body, faces, result, history); });
 }
 

@@ -79,8 +79,8 @@ std::string stableBytes(const TopoDS_Shape& shape) {
   return bytes;
 }
 
-OdModelerStatus takeApart(const OdBinaryData& bytes, OdModelerEnvelope& envelope) {
-  OdModelerStatus status = odReadEnvelope({bytes.asArrayPtr(), bytes.size()}, envelope);
+OdStatus takeApart(const OdBinaryData& bytes, OdModelerEnvelope& envelope) {
+  OdStatus status = odReadEnvelope({bytes.asArrayPtr(), bytes.size()}, envelope);
   if (status.ok() && envelope.engine != OdModelerEngine::kOpenCascade) {
     status.code = eUnsupportedVersion;
     status.text.format(L"stored body: modeller %u, this one is %u",
@@ -92,8 +92,8 @@ OdModelerStatus takeApart(const OdBinaryData& bytes, OdModelerEnvelope& envelope
 
 }  // namespace
 
-OdModelerStatus Body::serialise(OdBinaryData& bytes) const {
-  return guarded("serialise", [&]() -> OdModelerStatus {
+OdStatus Body::serialise(OdBinaryData& bytes) const {
+  return guarded("serialise", [&]() -> OdStatus {
     const std::scoped_lock lock(m_mutex);
     if (m_bytes.isEmpty()) {
       odWriteEnvelope({OdModelerEngine::kOpenCascade, m_attributes, stableBytes(m_shape)}, m_bytes);
@@ -103,11 +103,11 @@ OdModelerStatus Body::serialise(OdBinaryData& bytes) const {
   });
 }
 
-OdModelerStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result) {
-  return guarded("deserialise", [&]() -> OdModelerStatus {
+OdStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result) {
+  return guarded("deserialise", [&]() -> OdStatus {
     OdModelerEnvelope envelope;
-    if (OdModelerStatus status = takeApart(bytes, envelope); !status.ok()) return status;
-    if (OdModelerStatus status = checkShapeForm(envelope.geometry); !status.ok()) return status;
+    if (OdStatus status = takeApart(bytes, envelope); !status.ok()) return status;
+    if (OdStatus status = checkShapeForm(envelope.geometry); !status.ok()) return status;
     const TopoDS_Shape shape = readShape(envelope.geometry);
     if (shape.IsNull()) return {eCorruptData, OdString(L"stored body: there is no shape in it")};
     auto body = std::make_shared<Body>(shape, std::move(envelope.attributes));

@@ -68,7 +68,7 @@ TopoDS_Wire wireOf(const Frame& frame, const OdModelerLoop& loop) {
   return wire.Wire();
 }
 
-OdModelerStatus checkLoop(const OdModelerLoop& loop, unsigned number) {
+OdStatus checkLoop(const OdModelerLoop& loop, unsigned number) {
   OdString text;
   const bool bent = loop.size() == 2 && (loop[0].bulge != 0.0 || loop[1].bulge != 0.0);
   if (loop.size() < 3 && !bent) {
@@ -89,8 +89,8 @@ OdModelerStatus checkLoop(const OdModelerLoop& loop, unsigned number) {
   return {};
 }
 
-OdModelerStatus checkLoops(const OdModelerProfile& profile) {
-  OdModelerStatus status = checkLoop(profile.outer, 0);
+OdStatus checkLoops(const OdModelerProfile& profile) {
+  OdStatus status = checkLoop(profile.outer, 0);
   unsigned number = 0;
   for (const OdModelerLoop& hole : profile.holes) {
     if (status.ok()) status = checkLoop(hole, ++number);
@@ -99,7 +99,7 @@ OdModelerStatus checkLoops(const OdModelerProfile& profile) {
 }
 
 // A sound face with its boundaries oriented, whichever way the loops run.
-OdModelerStatus faceOf(const OdModelerProfile& profile, TopoDS_Face& result) {
+OdStatus faceOf(const OdModelerProfile& profile, TopoDS_Face& result) {
   const Frame frame(profile.plane);
   const gp_Pln plane(toOcct(profile.plane.origin()), toOcctDir(profile.plane.normal()));
   BRepBuilderAPI_MakeFace face(plane, wireOf(frame, profile.outer));
@@ -108,14 +108,14 @@ OdModelerStatus faceOf(const OdModelerProfile& profile, TopoDS_Face& result) {
   ShapeFix_Face fix(face.Face());
   fix.FixOrientation();
   const TopoDS_Face fixed = fix.Face();
-  OdModelerStatus sound = checkShape(fixed);
+  OdStatus sound = checkShape(fixed);
   if (!sound.ok()) return {eInvalidInput, OdString(L"profile: ") + sound.text};
   result = fixed;
   return {};
 }
 
-OdModelerStatus finish(const char* operation, const TopoDS_Shape& shape, OdModelerBodyPtr& result) {
-  if (OdModelerStatus sound = checkShape(shape); !sound.ok()) return sound;
+OdStatus finish(const char* operation, const TopoDS_Shape& shape, OdModelerBodyPtr& result) {
+  if (OdStatus sound = checkShape(shape); !sound.ok()) return sound;
   OdModelerBodyPtr body = odBodyFromOcct(shape);
   if (!body || body->kind() != OdModelerBodyKind::kSolid ||
       !(body->massProperties().volume > 0.0)) {
@@ -155,9 +155,9 @@ bool crossesAxis(const OdModelerProfile& profile, const gp_Ax1& axis) {
 
 }  // namespace
 
-OdModelerStatus extrude(const OdModelerProfile& profile, const OdGeVector3d& direction,
-                        OdModelerBodyPtr& result) {
-  if (OdModelerStatus status = checkLoops(profile); !status.ok()) return status;
+OdStatus extrude(const OdModelerProfile& profile, const OdGeVector3d& direction,
+                 OdModelerBodyPtr& result) {
+  if (OdStatus status = checkLoops(profile); !status.ok()) return status;
   const double height = std::abs(direction.dotProduct(profile.plane.normal()));
   if (!(std::isfinite(direction.length()) && height > Precision::Confusion())) {
     OdString text;
@@ -165,24 +165,24 @@ OdModelerStatus extrude(const OdModelerProfile& profile, const OdGeVector3d& dir
                 Precision::Confusion());
     return {eInvalidInput, text};
   }
-  return guarded("extrusion", [&]() -> OdModelerStatus {
+  return guarded("extrusion", [&]() -> OdStatus {
     TopoDS_Face face;
-    if (OdModelerStatus status = faceOf(profile, face); !status.ok()) return status;
+    if (OdStatus status = faceOf(profile, face); !status.ok()) return status;
     return finish("extrusion", BRepPrimAPI_MakePrism(face, toOcct(direction)).Shape(), result);
   });
 }
 
-OdModelerStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
-                        const OdGeVector3d& axis, double angle, OdModelerBodyPtr& result) {
+OdStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
+                 const OdGeVector3d& axis, double angle, OdModelerBodyPtr& result) {
   constexpr double kFullTurn = 2.0 * std::numbers::pi;
-  if (OdModelerStatus status = checkLoops(profile); !status.ok()) return status;
+  if (OdStatus status = checkLoops(profile); !status.ok()) return status;
   if (!(std::abs(angle) > Precision::Angular() &&
         std::abs(angle) <= kFullTurn + Precision::Angular())) {
     OdString text;
     text.format(L"revolution: angle is %g, it must be up to a full turn of %g", angle, kFullTurn);
     return {eInvalidInput, text};
   }
-  return guarded("revolution", [&]() -> OdModelerStatus {
+  return guarded("revolution", [&]() -> OdStatus {
     const gp_Ax1 line(toOcct(axisPoint), toOcctDir(axis.normal()));
     if (!profile.plane.isOn(axisPoint, OdGeTol(Precision::Confusion())) ||
         !axis.isPerpendicularTo(profile.plane.normal(), OdGeTol(Precision::Angular()))) {
@@ -192,7 +192,7 @@ OdModelerStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& axis
       return failure(eInvalidInput, "revolution", "the axis crosses the profile");
     }
     TopoDS_Face face;
-    if (OdModelerStatus status = faceOf(profile, face); !status.ok()) return status;
+    if (OdStatus status = faceOf(profile, face); !status.ok()) return status;
     const bool full = std::abs(angle) >= kFullTurn - Precision::Angular();
     const TopoDS_Shape shape = full ? BRepPrimAPI_MakeRevol(face, line).Shape()
                                     : BRepPrimAPI_MakeRevol(face, line, angle).Shape();

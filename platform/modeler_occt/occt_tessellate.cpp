@@ -128,14 +128,14 @@ OdModelerMesh meshOf(const TopoDS_Shape& shape, double deflection, double angle)
 
 }  // namespace
 
-OdModelerStatus Body::tessellate(const OdModelerMeshOptions& options, OdModelerMesh& mesh) const {
+OdStatus Body::tessellate(const OdModelerMeshOptions& options, OdModelerMesh& mesh) const {
   if (!acceptable(options)) {
     OdString text;
     text.format(L"tessellate: deflection %g and angle %g must be positive numbers",
                 options.deflection, options.angle);
     return {eInvalidInput, text};
   }
-  return guarded("tessellate", [&]() -> OdModelerStatus {
+  return guarded("tessellate", [&]() -> OdStatus {
     double deflection = options.deflection;
     if (deflection == 0.0) deflection = extents().diagonal().length() * kDefaultDeflectionRatio;
     mesh = meshOf(m_shape, std::max(deflection, Precision::Confusion()), options.angle);

@@ -48,13 +48,13 @@ TopoDS_Shape deformed(const TopoDS_Shape& shape, const OdGeMatrix3d& matrix) {
 
 }  // namespace
 
-OdModelerStatus Body::transformed(const OdGeMatrix3d& matrix, OdModelerBodyPtr& result) const {
+OdStatus Body::transformed(const OdGeMatrix3d& matrix, OdModelerBodyPtr& result) const {
   if (!allFinite(matrix) || matrix.isSingular()) {
     OdString text;
     text.format(L"transform: the matrix is singular or not finite, determinant %g", matrix.det());
     return {eInvalidInput, text};
   }
-  return guarded("transform", [&]() -> OdModelerStatus {
+  return guarded("transform", [&]() -> OdStatus {
     const bool rigid = isRigid(matrix);
     const bool uniform = rigid || matrix.isUniScaledOrtho(OdGeTol(kOrthogonalTolerance));
     const TopoDS_Shape shape = rigid     ? moved(m_shape, matrix)
@@ -63,7 +63,7 @@ OdModelerStatus Body::transformed(const OdGeMatrix3d& matrix, OdModelerBodyPtr& 
     OdModelerBodyPtr body = odBodyFromOcct(shape, m_attributes);
     if (!body) return failure(eModelerError, "transform", "nothing came out");
     if (!rigid) {
-      if (OdModelerStatus sound = checkShape(shape); !sound.ok()) return sound;
+      if (OdStatus sound = checkShape(shape); !sound.ok()) return sound;
     }
     result = std::move(body);
     return {};

@@ -464,7 +464,7 @@ class FormChecker {
 
 }  // namespace
 
-OdModelerStatus checkShapeForm(std::string_view bytes) {
+OdStatus checkShapeForm(std::string_view bytes) {
   try {
     FormChecker(bytes).run();
     return {};

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "platform/modeler/modeler_status.h"
+#include "platform/base/status.h"
 
 namespace od_occt {
 
@@ -12,6 +12,6 @@ namespace od_occt {
 /// are not there, parts of a kind that the whole cannot have, numbers that are not finite, splines
 /// whose knots do not fit their poles, bytes left over. eCorruptData with the position of the
 /// fault. It says nothing about whether the parts fit together in space: see Body::check().
-OdModelerStatus checkShapeForm(std::string_view bytes);
+OdStatus checkShapeForm(std::string_view bytes);
 
 }  // namespace od_occt

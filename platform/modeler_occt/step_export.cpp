@@ -42,10 +42,10 @@ class DocumentBuilder {
   DocumentBuilder(const StepSession& session, const OdModelerAssembly& assembly)
       : m_session(session), m_assembly(assembly) {}
 
-  OdModelerStatus run() {
+  OdStatus run() {
     for (const OdModelerOccurrence& root : m_assembly.roots) {
       TDF_Label label;
-      const OdModelerStatus status = labelOf(root.product, root.placement, label);
+      const OdStatus status = labelOf(root.product, root.placement, label);
       if (!status.ok()) return status;
     }
     m_session.shapes()->UpdateAssemblies();
@@ -67,26 +67,25 @@ class DocumentBuilder {
     }
   };
 
-  OdModelerStatus labelOf(OdUInt32 product, const OdGeMatrix3d& baked, TDF_Label& label) {
+  OdStatus labelOf(OdUInt32 product, const OdGeMatrix3d& baked, TDF_Label& label) {
     const Key key{product, baked};
     if (const auto known = m_labels.find(key); known != m_labels.end()) {
       label = known->second;
       return {};
     }
     const OdModelerProduct& source = m_assembly.products[product];
-    OdModelerStatus status = source.occurrences.empty() ? addPart(source, baked, label)
-                                                        : addAssembly(source, baked, label);
+    OdStatus status = source.occurrences.empty() ? addPart(source, baked, label)
+                                                 : addAssembly(source, baked, label);
     if (!status.ok()) return status;
     setLabelName(label, source.name.isEmpty() ? source.uniqueId : source.name);
     m_labels.emplace(key, label);
     return {};
   }
 
-  OdModelerStatus addPart(const OdModelerProduct& product, const OdGeMatrix3d& baked,
-                          TDF_Label& label) {
+  OdStatus addPart(const OdModelerProduct& product, const OdGeMatrix3d& baked, TDF_Label& label) {
     std::vector<OdModelerBodyPtr> bodies;
     for (const OdModelerBodyPtr& body : product.bodies) {
-      if (OdModelerStatus status = body->transformed(baked, bodies.emplace_back()); !status.ok()) {
+      if (OdStatus status = body->transformed(baked, bodies.emplace_back()); !status.ok()) {
         return status;
       }
     }
@@ -138,28 +137,28 @@ class DocumentBuilder {
     setLabelName(label, name);
   }
 
-  OdModelerStatus addAssembly(const OdModelerProduct& product, const OdGeMatrix3d& baked,
-                              TDF_Label& label) {
+  OdStatus addAssembly(const OdModelerProduct& product, const OdGeMatrix3d& baked,
+                       TDF_Label& label) {
     label = m_session.shapes()->NewShape();
     if (!product.bodies.empty()) {
       TDF_Label part;
-      if (OdModelerStatus status = addPart(product, baked, part); !status.ok()) return status;
+      if (OdStatus status = addPart(product, baked, part); !status.ok()) return status;
       setLabelName(part, product.uniqueId + L" bodies");
       m_session.shapes()->AddComponent(label, part, TopLoc_Location());
     }
     for (const OdModelerOccurrence& occurrence : product.occurrences) {
-      if (OdModelerStatus status = addOccurrence(occurrence, baked, label); !status.ok()) {
+      if (OdStatus status = addOccurrence(occurrence, baked, label); !status.ok()) {
         return status;
       }
     }
     return {};
   }
 
-  OdModelerStatus addOccurrence(const OdModelerOccurrence& occurrence, const OdGeMatrix3d& baked,
-                                const TDF_Label& parent) {
+  OdStatus addOccurrence(const OdModelerOccurrence& occurrence, const OdGeMatrix3d& baked,
+                         const TDF_Label& parent) {
     const Split placement = split(baked * occurrence.placement);
     TDF_Label child;
-    OdModelerStatus status = labelOf(occurrence.product, placement.baked, child);
+    OdStatus status = labelOf(occurrence.product, placement.baked, child);
     if (!status.ok()) return status;
     const TDF_Label label =
         m_session.shapes()->AddComponent(parent, child, TopLoc_Location(placement.move));
@@ -311,9 +310,9 @@ fs::path besideOf(const fs::path& target) {
          (target.filename().string() + "." + std::to_string(random()) + ".tmp");
 }
 
-OdModelerStatus writeFile(const OdString& path, const OdModelerAssembly& assembly) {
+OdStatus writeFile(const OdString& path, const OdModelerAssembly& assembly) {
   StepSession session;
-  if (OdModelerStatus status = DocumentBuilder(session, assembly).run(); !status.ok()) {
+  if (OdStatus status = DocumentBuilder(session, assembly).run(); !status.ok()) {
     return status;
   }
   STEPCAFControl_Writer writer;
@@ -346,8 +345,8 @@ OdModelerStatus writeFile(const OdString& path, const OdModelerAssembly& assembl
 
 }  // namespace
 
-OdModelerStatus exportStep(const OdString& path, const OdModelerAssembly& assembly) {
-  if (OdModelerStatus status = assembly.check(); !status.ok()) return status;
+OdStatus exportStep(const OdString& path, const OdModelerAssembly& assembly) {
+  if (OdStatus status = assembly.check(); !status.ok()) return status;
   if (assembly.roots.empty()) return fileFailure(eInvalidInput, path, "the assembly has no root");
   return guarded("export", [&] { return writeFile(path, assembly); });
 }

@@ -45,7 +45,7 @@ bool contains(std::istream& stream, std::streamoff from, std::string_view mark) 
          std::string_view::npos;
 }
 
-OdModelerStatus checkFile(const OdString& path) {
+OdStatus checkFile(const OdString& path) {
   const fs::path file(std::string(path.utf8()));
   std::error_code error;
   const fs::file_status status = fs::status(file, error);
@@ -241,7 +241,7 @@ class Collector {
   std::set<OdString> m_ids;
 };
 
-OdModelerStatus readFile(const OdString& path, OdModelerAssembly& result) {
+OdStatus readFile(const OdString& path, OdModelerAssembly& result) {
   StepSession session;
   STEPCAFControl_Reader reader;
   reader.SetColorMode(Standard_True);
@@ -270,9 +270,9 @@ OdModelerStatus readFile(const OdString& path, OdModelerAssembly& result) {
 
 }  // namespace
 
-OdModelerStatus importStep(const OdString& path, OdModelerAssembly& result) {
-  if (OdModelerStatus status = checkFile(path); !status.ok()) return status;
-  OdModelerStatus status = guarded("import", [&] { return readFile(path, result); });
+OdStatus importStep(const OdString& path, OdModelerAssembly& result) {
+  if (OdStatus status = checkFile(path); !status.ok()) return status;
+  OdStatus status = guarded("import", [&] { return readFile(path, result); });
   if (!status.ok() && status.text.find(path) < 0) {
     return fileFailure(status.code, path, static_cast<const char*>(status.text));
   }

@@ -61,7 +61,7 @@ void setLabelName(const TDF_Label& label, const OdString& name) {
   if (!name.isEmpty()) TDataStd_Name::Set(label, toOcct(name));
 }
 
-OdModelerStatus fileFailure(OdResult code, const OdString& path, const char* reason) {
+OdStatus fileFailure(OdResult code, const OdString& path, const char* reason) {
   OdString text;
   text.format(L"step file '%ls': %ls", path.c_str(), OdString(reason).c_str());
   return {code, text};

@@ -6,8 +6,8 @@
 #include <XCAFDoc_ShapeTool.hxx>
 #include <mutex>
 
+#include "platform/base/status.h"
 #include "platform/base/string.h"
-#include "platform/modeler/modeler_status.h"
 
 namespace od_occt {
 
@@ -34,6 +34,6 @@ OdString labelName(const TDF_Label& label);
 void setLabelName(const TDF_Label& label, const OdString& name);
 
 /// A status that names the file.
-OdModelerStatus fileFailure(OdResult code, const OdString& path, const char* reason);
+OdStatus fileFailure(OdResult code, const OdString& path, const char* reason);
 
 }  // namespace od_occt

@@ -50,7 +50,7 @@ std::string hex(std::uint64_t value) {
 
 }  // namespace
 
-OdDbStoreStatus identify(const FileHeader& header, std::string_view path, int& version) {
+OdStatus identify(const FileHeader& header, std::string_view path, int& version) {
   version = 0;
   if (!std::equal(kMagic.begin(), kMagic.end(), header.begin(),
                   [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; })) {
@@ -72,13 +72,13 @@ OdDbStoreStatus identify(const FileHeader& header, std::string_view path, int& v
   return {};
 }
 
-OdDbStoreStatus newerFormat(std::string_view path, int version) {
+OdStatus newerFormat(std::string_view path, int version) {
   return failure(eNewerFormat, path,
                  "the drawing has format version " + std::to_string(version) +
                      ", this program knows versions up to " + std::to_string(kFormatVersion));
 }
 
-OdDbStoreStatus checkFixedFields(const FileHeader& header, std::string_view path) {
+OdStatus checkFixedFields(const FileHeader& header, std::string_view path) {
   for (const FixedField& field : kFixedFields) {
     const std::uint64_t found = bigEndian(&header[field.offset], field.size);
     if (found == field.value) continue;

@@ -15,14 +15,13 @@ using FileHeader = std::array<std::uint8_t, kFileHeaderBytes>;
 /// Refuses what is no drawing before SQLite looks at it: eNotADrawing names both application ids,
 /// eNewerFormat, eUnsupportedVersion. `version` receives the file's format version, for
 /// eNewerFormat too.
-[[nodiscard]] OdDbStoreStatus identify(const FileHeader& header, std::string_view path,
-                                       int& version);
+[[nodiscard]] OdStatus identify(const FileHeader& header, std::string_view path, int& version);
 
 /// The text for a file of a newer format.
-[[nodiscard]] OdDbStoreStatus newerFormat(std::string_view path, int version);
+[[nodiscard]] OdStatus newerFormat(std::string_view path, int version);
 
 /// Compares the fields whose value never changes in a drawing; eCorruptData names the field and
 /// both values. They decide how the rest is read, so a flipped bit here must not pass.
-[[nodiscard]] OdDbStoreStatus checkFixedFields(const FileHeader& header, std::string_view path);
+[[nodiscard]] OdStatus checkFixedFields(const FileHeader& header, std::string_view path);
 
 }  // namespace odstorage

@@ -32,7 +32,7 @@ bool usesRollbackJournal(const Connection& connection) {
   FileHeader header = {};
   if (connection.readFile(header.data(), header.size(), 0) != SQLITE_OK) return false;
   int version = 0;
-  const OdDbStoreStatus status = identify(header, connection.path(), version);
+  const OdStatus status = identify(header, connection.path(), version);
   return status.code != eNotADrawing && header[18] == 1 && header[19] == 1;
 }
 
@@ -46,9 +46,9 @@ FileReplacement::FileReplacement(std::shared_ptr<const StoreEnvironment> environ
 
 FileReplacement::~FileReplacement() { discard(); }
 
-OdDbStoreStatus FileReplacement::create(TargetLock lock) {
+OdStatus FileReplacement::create(TargetLock lock) {
   OdStoreFileInfo info;
-  OdDbStoreStatus status = inspectTarget(info);
+  OdStatus status = inspectTarget(info);
   if (status.ok() && info.exists && lock == TargetLock::kTake) {
     Connection probe;
     status = lockTarget(probe);
@@ -70,9 +70,9 @@ OdDbStoreStatus FileReplacement::create(TargetLock lock) {
   return systemFailure(error, m_target, "creating a file in its folder");
 }
 
-OdDbStoreStatus FileReplacement::replaceTarget(TargetLock lock) {
+OdStatus FileReplacement::replaceTarget(TargetLock lock) {
   OdStoreFileInfo info;
-  OdDbStoreStatus status = inspectTarget(info);
+  OdStatus status = inspectTarget(info);
   if (!status.ok()) return status;
   status = takeAttributes(info);  // they may have changed since create()
   if (!status.ok()) return status;
@@ -96,7 +96,7 @@ OdDbStoreStatus FileReplacement::replaceTarget(TargetLock lock) {
   return {};
 }
 
-OdDbStoreStatus FileReplacement::inspectTarget(OdStoreFileInfo& info) {
+OdStatus FileReplacement::inspectTarget(OdStoreFileInfo& info) {
   if (const int error = fileOps().inspect(m_target, info); error != 0) {
     return systemFailure(error, m_target, "looking at the file to replace");
   }
@@ -104,15 +104,15 @@ OdDbStoreStatus FileReplacement::inspectTarget(OdStoreFileInfo& info) {
   return failure(eFileAccess, m_target, "it is not a regular file and is not replaced");
 }
 
-OdDbStoreStatus FileReplacement::takeAttributes(const OdStoreFileInfo& info) {
+OdStatus FileReplacement::takeAttributes(const OdStoreFileInfo& info) {
   const int error = info.exists ? fileOps().applyAttributes(m_temporary, info) : 0;
-  return error == 0 ? OdDbStoreStatus{}
+  return error == 0 ? OdStatus{}
                     : systemFailure(error, m_target, "taking over the file's permissions");
 }
 
 /// Also undoes an interrupted save of the target: its journal must not meet the new file.
-OdDbStoreStatus FileReplacement::lockTarget(Connection& connection) {
-  OdDbStoreStatus status =
+OdStatus FileReplacement::lockTarget(Connection& connection) {
+  OdStatus status =
       connection.open(m_target, ConnectionMode::kReadWrite, m_environment->connection);
   if (!status.ok() || !usesRollbackJournal(connection)) return status;
   status = connection.configure();
@@ -122,7 +122,7 @@ OdDbStoreStatus FileReplacement::lockTarget(Connection& connection) {
   return status;
 }
 
-OdDbStoreStatus FileReplacement::removeSideFiles() {
+OdStatus FileReplacement::removeSideFiles() {
   bool removedAny = false;
   for (const char* suffix : kSideFileSuffixes) {
     const std::string path = m_target + suffix;
@@ -135,8 +135,7 @@ OdDbStoreStatus FileReplacement::removeSideFiles() {
   }
   if (!removedAny) return {};
   const int error = fileOps().syncDirectory(m_folder);
-  return error == 0 ? OdDbStoreStatus{}
-                    : systemFailure(error, m_folder, "writing the folder to disk");
+  return error == 0 ? OdStatus{} : systemFailure(error, m_folder, "writing the folder to disk");
 }
 
 void FileReplacement::discard() {

@@ -38,18 +38,18 @@ class FileReplacement {
   /// Creates the empty temporary file ".<name>.<16 random hex digits>.tmp" with the permissions of
   /// the file it will replace. Refuses a target that could not be replaced, before any work was
   /// done for it. A process that is killed leaves the temporary file behind; nothing ever reads it.
-  OdDbStoreStatus create(TargetLock lock);
+  OdStatus create(TargetLock lock);
   /// Puts the complete, closed temporary file durably in the target's place. Permissions of a
   /// replaced file are kept. eFileLocked when somebody has the target open for writing.
-  OdDbStoreStatus replaceTarget(TargetLock lock);
+  OdStatus replaceTarget(TargetLock lock);
   /// Removes the temporary file.
   void discard();
 
  private:
-  OdDbStoreStatus inspectTarget(OdStoreFileInfo& info);
-  OdDbStoreStatus takeAttributes(const OdStoreFileInfo& info);
-  OdDbStoreStatus lockTarget(Connection& connection);
-  OdDbStoreStatus removeSideFiles();
+  OdStatus inspectTarget(OdStoreFileInfo& info);
+  OdStatus takeAttributes(const OdStoreFileInfo& info);
+  OdStatus lockTarget(Connection& connection);
+  OdStatus removeSideFiles();
   [[nodiscard]] OdStoreFileOps& fileOps() const { return *m_environment->fileOps; }
 
   std::shared_ptr<const StoreEnvironment> m_environment;

@@ -20,7 +20,7 @@ OdDbRecordView recordOf(const StoredRow& row) {
 }
 
 /// Failures that say nothing about the file's content.
-bool isOutside(const OdDbStoreStatus& status) {
+bool isOutside(const OdStatus& status) {
   switch (status.code) {
     case eFileNotFound:
     case eFileAccess:
@@ -35,8 +35,8 @@ bool isOutside(const OdDbStoreStatus& status) {
 
 /// Hands out everything of a file that is whole. Nothing is handed out before all of it was read
 /// once, so that a failure leaves the sink untouched.
-OdDbStoreStatus takeWholeFile(SqliteStore& store, OdDbRecoverySink& sink) {
-  OdDbStoreStatus status = store.openExisting(OdDbStoreOpenMode::kReadOnly);
+OdStatus takeWholeFile(SqliteStore& store, OdDbRecoverySink& sink) {
+  OdStatus status = store.openExisting(OdDbStoreOpenMode::kReadOnly);
   if (status.ok()) status = store.readAll([](const OdDbRecordView&) { return true; });
   if (!status.ok()) return status;
   for (const OdDbStoredVariable& item : store.variables()) sink.variableFound(item);
@@ -101,10 +101,10 @@ class Harvest {
   RowSetDigest m_names;
 };
 
-OdDbStoreStatus takeIntactRows(const StoreEnvironment& environment, const std::string& path,
-                               const OdDbStoreStatus& failed, OdDbRecoverySink& sink) {
+OdStatus takeIntactRows(const StoreEnvironment& environment, const std::string& path,
+                        const OdStatus& failed, OdDbRecoverySink& sink) {
   Connection file;
-  OdDbStoreStatus status = file.open(path, ConnectionMode::kReadOnly, environment.connection);
+  OdStatus status = file.open(path, ConnectionMode::kReadOnly, environment.connection);
   if (!status.ok()) return status;
 
   std::vector<std::string> lines;
@@ -125,9 +125,9 @@ OdDbStoreStatus takeIntactRows(const StoreEnvironment& environment, const std::s
 
 }  // namespace
 
-OdDbStoreStatus recoverDrawing(const std::shared_ptr<const StoreEnvironment>& environment,
-                               const std::string& path, OdDbRecoverySink& sink) {
-  OdDbStoreStatus status;
+OdStatus recoverDrawing(const std::shared_ptr<const StoreEnvironment>& environment,
+                        const std::string& path, OdDbRecoverySink& sink) {
+  OdStatus status;
   {
     SqliteStore store(environment, OdString(path.c_str()), path);
     status = takeWholeFile(store, sink);

@@ -12,7 +12,7 @@ namespace odstorage {
 
 namespace {
 
-using UpgradeStep = OdDbStoreStatus (*)(Connection&);
+using UpgradeStep = OdStatus (*)(Connection&);
 
 /// Row i leads from version kOldestFormatVersion + i to the next. Rows are never changed or
 /// removed; a new version appends one.
@@ -48,16 +48,16 @@ std::string objection(const SchemaEntry& entry, bool isNewer) {
 
 }  // namespace
 
-OdDbStoreStatus createSchema(Connection& connection) {
+OdStatus createSchema(Connection& connection) {
   std::string sql = "PRAGMA application_id=" + std::to_string(kApplicationId) +
                     ";PRAGMA user_version=" + std::to_string(kFormatVersion) + ";";
   for (const TableRow& table : kTables) sql.append(table.sql).append(";");
   return connection.execute(sql.c_str(), "creating the tables");
 }
 
-OdDbStoreStatus checkSchema(Connection& connection, bool isNewer) {
+OdStatus checkSchema(Connection& connection, bool isNewer) {
   Statement statement;
-  OdDbStoreStatus status =
+  OdStatus status =
       connection.prepare(statement, "SELECT type,name,sql FROM sqlite_master ORDER BY rowid");
   if (!status.ok()) return status;
   std::size_t tables = 0;
@@ -77,10 +77,10 @@ OdDbStoreStatus checkSchema(Connection& connection, bool isNewer) {
   return {};
 }
 
-OdDbStoreStatus upgradeSchema(Connection& connection, int version) {
+OdStatus upgradeSchema(Connection& connection, int version) {
   const auto done = static_cast<std::size_t>(version - kOldestFormatVersion);
   for (const UpgradeStep step : std::span(kUpgradeSteps).subspan(done)) {
-    if (OdDbStoreStatus status = step(connection); !status.ok()) return status;
+    if (OdStatus status = step(connection); !status.ok()) return status;
   }
   return {};
 }

@@ -70,13 +70,13 @@ inline constexpr std::array<std::string_view, static_cast<std::size_t>(Sql::kCou
 
 /// Makes the tables of an empty file and stamps application id and version. No transaction of its
 /// own.
-OdDbStoreStatus createSchema(Connection& connection);
+OdStatus createSchema(Connection& connection);
 
 /// Compares the schema with kTables: exactly these tables and nothing else. With `isNewer` other
 /// plain tables and indexes may stand beside them. eCorruptData names what does not belong.
-OdDbStoreStatus checkSchema(Connection& connection, bool isNewer);
+OdStatus checkSchema(Connection& connection, bool isNewer);
 
 /// Brings the tables from `version` to the present one, step by step, in the running transaction.
-OdDbStoreStatus upgradeSchema(Connection& connection, int version);
+OdStatus upgradeSchema(Connection& connection, int version);
 
 }  // namespace odstorage

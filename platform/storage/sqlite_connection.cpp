@@ -112,8 +112,8 @@ std::string_view Statement::bytes(int column) const {
 
 // --- Connection ----------------------------------------------------------------------------------
 
-OdDbStoreStatus Connection::open(const std::string& path, ConnectionMode mode,
-                                 const ConnectionOptions& options) {
+OdStatus Connection::open(const std::string& path, ConnectionMode mode,
+                          const ConnectionOptions& options) {
   m_path = path;
   m_mode = mode;
   m_lockTimeoutMs = options.lockTimeoutMs;
@@ -125,7 +125,7 @@ OdDbStoreStatus Connection::open(const std::string& path, ConnectionMode mode,
   const int code = sqlite3_open_v2(path.c_str(), &connection, flags,
                                    options.vfsName.empty() ? nullptr : options.vfsName.c_str());
   m_handle.reset(connection);
-  OdDbStoreStatus status = translate(code, "opening");
+  OdStatus status = translate(code, "opening");
   if (status.ok() && mode != ConnectionMode::kReadOnly && sqlite3_db_readonly(get(), "main") != 0) {
     status = failure(eFileAccess, path, "opening for writing failed: the file is write-protected");
   }
@@ -148,7 +148,7 @@ void Connection::setLimits() {
   sqlite3_busy_timeout(get(), m_lockTimeoutMs);
 }
 
-OdDbStoreStatus Connection::configure() {
+OdStatus Connection::configure() {
   std::string pragmas = kGuardPragmas;
   pragmas += "PRAGMA cache_size=-" + std::to_string(m_cacheKiB) + ";";
   if (m_mode == ConnectionMode::kReadWrite) pragmas += kWriterPragmas;
@@ -156,21 +156,21 @@ OdDbStoreStatus Connection::configure() {
   return execute(pragmas.c_str(), "opening");
 }
 
-OdDbStoreStatus Connection::setCacheSize(int kibibytes) {
+OdStatus Connection::setCacheSize(int kibibytes) {
   if (kibibytes == kUsualCache) kibibytes = m_cacheKiB;
   return execute(("PRAGMA cache_size=-" + std::to_string(kibibytes) + ";").c_str(), "reading");
 }
 
-OdDbStoreStatus Connection::execute(const char* sql, std::string_view doing) {
+OdStatus Connection::execute(const char* sql, std::string_view doing) {
   return translate(sqlite3_exec(get(), sql, nullptr, nullptr, nullptr), doing);
 }
 
-OdDbStoreStatus Connection::prepare(Statement& statement, std::string_view sql) {
+OdStatus Connection::prepare(Statement& statement, std::string_view sql) {
   if (statement.isPrepared()) return {};
   return translate(statement.prepare(get(), sql), "reading the file's structure");
 }
 
-OdDbStoreStatus Connection::translate(int code, std::string_view doing) const {
+OdStatus Connection::translate(int code, std::string_view doing) const {
   if (code == SQLITE_OK) return {};
   const int primary = code & 0xff;
   const bool isSystem = (primary == SQLITE_IOERR || primary == SQLITE_CANTOPEN) && isOpen();

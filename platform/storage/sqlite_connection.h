@@ -84,10 +84,9 @@ class Connection {
 
   /// Opens `path` (absolute) and sets the limits. Reads nothing: the caller looks at the first
   /// bytes before SQLite does.
-  OdDbStoreStatus open(const std::string& path, ConnectionMode mode,
-                       const ConnectionOptions& options);
+  OdStatus open(const std::string& path, ConnectionMode mode, const ConnectionOptions& options);
   /// Makes the settings that let SQLite read the file.
-  OdDbStoreStatus configure();
+  OdStatus configure();
   void close() { m_handle.reset(); }
 
   [[nodiscard]] bool isOpen() const { return m_handle != nullptr; }
@@ -97,17 +96,17 @@ class Connection {
   /// Lets messages name another file: a temporary one means nothing to the reader.
   void setPathInMessages(const std::string& path) { m_path = path; }
 
-  OdDbStoreStatus execute(const char* sql, std::string_view doing);
-  OdDbStoreStatus prepare(Statement& statement, std::string_view sql);
+  OdStatus execute(const char* sql, std::string_view doing);
+  OdStatus prepare(Statement& statement, std::string_view sql);
   /// SQLite's code turned into an outcome whose text says what was being done.
-  [[nodiscard]] OdDbStoreStatus translate(int code, std::string_view doing) const;
+  [[nodiscard]] OdStatus translate(int code, std::string_view doing) const;
   [[nodiscard]] int extendedError() const { return sqlite3_extended_errcode(get()); }
 
   /// Changes whenever the file's content as seen by this connection changed.
   [[nodiscard]] unsigned dataVersion() const;
   /// Changes the size of the page cache; kUsualCache is that of the options.
   static constexpr int kUsualCache = 0;
-  OdDbStoreStatus setCacheSize(int kibibytes);
+  OdStatus setCacheSize(int kibibytes);
   /// Reads bytes of the file itself, below SQLite's cache. Short reads give zeros.
   /// SQLITE_OK, SQLITE_IOERR_SHORT_READ or another failure.
   int readFile(void* target, std::size_t size, std::int64_t offset) const;

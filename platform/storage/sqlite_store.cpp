@@ -40,17 +40,17 @@ SqliteStore::~SqliteStore() { closeConnection(); }
 
 // --- Helpers -------------------------------------------------------------------------------------
 
-OdDbStoreStatus SqliteStore::fail(OdResult code, const std::string& what) const {
+OdStatus SqliteStore::fail(OdResult code, const std::string& what) const {
   return failure(code, m_path, what);
 }
 
-OdDbStoreStatus SqliteStore::statement(Sql sql, Statement*& prepared) {
+OdStatus SqliteStore::statement(Sql sql, Statement*& prepared) {
   const auto index = static_cast<std::size_t>(sql);
   prepared = &m_statements[index];
   return m_connection.prepare(*prepared, kStatements[index]);
 }
 
-OdDbStoreStatus SqliteStore::checkUsable() {
+OdStatus SqliteStore::checkUsable() {
   releaseHeldRecord();
   return m_unusable;
 }
@@ -62,7 +62,7 @@ void SqliteStore::releaseHeldRecord() {
 
 /// A reader has no lock between its calls; what it reads must belong to the state it opened.
 /// Called while a statement holds the read lock.
-OdDbStoreStatus SqliteStore::checkUnchanged() {
+OdStatus SqliteStore::checkUnchanged() {
   if (!isReadOnly() || m_connection.dataVersion() == m_dataVersion) return {};
   m_unusable = fail(eFileChanged, "another program saved the file since it was opened");
   return m_unusable;
@@ -70,9 +70,9 @@ OdDbStoreStatus SqliteStore::checkUnchanged() {
 
 // --- Single records ------------------------------------------------------------------------------
 
-OdDbStoreStatus SqliteStore::readRecord(OdUInt64 handle, OdDbRecordView& record) {
+OdStatus SqliteStore::readRecord(OdUInt64 handle, OdDbRecordView& record) {
   record = {};
-  OdDbStoreStatus status = checkUsable();
+  OdStatus status = checkUsable();
   Statement* row = nullptr;
   if (status.ok()) status = statement(Sql::kReadRecord, row);
   if (!status.ok()) return status;
@@ -102,7 +102,7 @@ OdDbStoreStatus SqliteStore::readRecord(OdUInt64 handle, OdDbRecordView& record)
 
 /// Checks the row under `row` (columns handle, class, owner, sum, data) and makes `record` a view
 /// of it.
-OdDbStoreStatus SqliteStore::checkRow(const Statement& row, OdDbRecordView& record) {
+OdStatus SqliteStore::checkRow(const Statement& row, OdDbRecordView& record) {
   record.handle = static_cast<OdUInt64>(row.integer(0));
   const std::int64_t classId = row.integer(1);
   if (!hasRecordTypes(row) || classId < 0 || classId > std::numeric_limits<OdUInt32>::max()) {
@@ -129,10 +129,10 @@ OdDbStoreStatus SqliteStore::checkRow(const Statement& row, OdDbRecordView& reco
 /// A record that is not found although its neighbours are out of order was lost to a damaged inner
 /// page of the tree: the search was led astray. Costs two more searches on a miss, and tells
 /// damage from absence without a walk over the file.
-OdDbStoreStatus SqliteStore::checkNeighbours(std::int64_t key) {
+OdStatus SqliteStore::checkNeighbours(std::int64_t key) {
   for (const Sql sql : {Sql::kNextHandle, Sql::kPreviousHandle}) {
     Statement* row = nullptr;
-    OdDbStoreStatus status = statement(sql, row);
+    OdStatus status = statement(sql, row);
     if (!status.ok()) return status;
     const StatementScope scope(*row);
     row->bind(1, key);
@@ -148,9 +148,9 @@ OdDbStoreStatus SqliteStore::checkNeighbours(std::int64_t key) {
   return {};
 }
 
-OdDbStoreStatus SqliteStore::readRecordHeader(OdUInt64 handle, OdUInt32& classId, OdUInt64& owner) {
+OdStatus SqliteStore::readRecordHeader(OdUInt64 handle, OdUInt32& classId, OdUInt64& owner) {
   OdDbRecordView record;
-  OdDbStoreStatus status = readRecord(handle, record);
+  OdStatus status = readRecord(handle, record);
   classId = record.classId;
   owner = record.owner;
   return status;
@@ -162,9 +162,9 @@ OdDbStoreStatus SqliteStore::readRecordHeader(OdUInt64 handle, OdUInt32& classId
 /// reports failures through its status argument. The statement is the walk's own, so that a
 /// visitor may read further records.
 template <typename Visit>
-OdDbStoreStatus SqliteStore::scan(Sql sql, bool& stopped, const Visit& visit) {
+OdStatus SqliteStore::scan(Sql sql, bool& stopped, const Visit& visit) {
   stopped = false;
-  OdDbStoreStatus status = checkUsable();
+  OdStatus status = checkUsable();
   Statement rows;
   if (status.ok()) {
     status = m_connection.prepare(rows, kStatements[static_cast<std::size_t>(sql)]);
@@ -187,7 +187,7 @@ OdDbStoreStatus SqliteStore::scan(Sql sql, bool& stopped, const Visit& visit) {
   return status;
 }
 
-OdDbStoreStatus SqliteStore::checkDigest(const RowSetDigest& digest) {
+OdStatus SqliteStore::checkDigest(const RowSetDigest& digest) {
   if (digest == m_state.objects) return {};
   return fail(eChecksumMismatch,
               "the records are not those that were saved: " + std::to_string(digest.count) +
@@ -196,33 +196,33 @@ OdDbStoreStatus SqliteStore::checkDigest(const RowSetDigest& digest) {
                   handleText(m_state.objects.sum) + " were saved");
 }
 
-OdDbStoreStatus SqliteStore::readAll(const std::function<bool(const OdDbRecordView&)>& visit) {
+OdStatus SqliteStore::readAll(const std::function<bool(const OdDbRecordView&)>& visit) {
   RowSetDigest digest;
   bool stopped = false;
   // A walk comes to each page once: a large cache would only lie scattered among what is loaded.
   constexpr int kWalkCacheKiB = 256;
-  OdDbStoreStatus status = checkUsable();
+  OdStatus status = checkUsable();
   if (status.ok()) status = m_connection.setCacheSize(kWalkCacheKiB);
   if (!status.ok()) return status;
-  status = scan(Sql::kReadRecords, stopped, [&](Statement& row, OdDbStoreStatus& failed) {
+  status = scan(Sql::kReadRecords, stopped, [&](Statement& row, OdStatus& failed) {
     OdDbRecordView record;
     failed = checkRow(row, record);
     if (!failed.ok()) return true;
     digest.add(static_cast<std::uint64_t>(row.integer(3)));
     return visit(record);
   });
-  const OdDbStoreStatus restored = m_connection.setCacheSize(Connection::kUsualCache);
+  const OdStatus restored = m_connection.setCacheSize(Connection::kUsualCache);
   if (status.ok()) status = restored;
   return status.ok() && !stopped ? checkDigest(digest) : status;
 }
 
 /// The data stays unread: the digest is formed of the stored checksums.
-OdDbStoreStatus SqliteStore::listRecords(
+OdStatus SqliteStore::listRecords(
     const std::function<bool(OdUInt64 handle, OdUInt32 classId, OdUInt64 owner, std::size_t size)>&
         visit) {
   RowSetDigest digest;
   bool stopped = false;
-  OdDbStoreStatus status = scan(Sql::kListRecords, stopped, [&](Statement& row, OdDbStoreStatus&) {
+  OdStatus status = scan(Sql::kListRecords, stopped, [&](Statement& row, OdStatus&) {
     digest.add(static_cast<std::uint64_t>(row.integer(3)));
     return visit(static_cast<OdUInt64>(row.integer(0)), static_cast<OdUInt32>(row.integer(1)),
                  static_cast<OdUInt64>(row.integer(2)), static_cast<std::size_t>(row.integer(4)));

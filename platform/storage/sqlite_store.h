@@ -31,10 +31,10 @@ class SqliteStore final : public OdDbRecordStore {
   SqliteStore& operator=(const SqliteStore&) = delete;
 
   /// Opens the existing file. Called once, on a new store.
-  OdDbStoreStatus openExisting(OdDbStoreOpenMode mode);
+  OdStatus openExisting(OdDbStoreOpenMode mode);
   /// Starts the fresh file that will replace the path. `lock` says who holds the lock of what
   /// stands there. Called once, on a new store.
-  OdDbStoreStatus startFresh(TargetLock lock);
+  OdStatus startFresh(TargetLock lock);
 
   [[nodiscard]] OdString path() const override { return m_givenPath; }
   [[nodiscard]] bool isReadOnly() const override { return m_mode == OdDbStoreOpenMode::kReadOnly; }
@@ -46,22 +46,21 @@ class SqliteStore final : public OdDbRecordStore {
     return m_variables;
   }
 
-  OdDbStoreStatus readRecord(OdUInt64 handle, OdDbRecordView& record) override;
-  OdDbStoreStatus readRecordHeader(OdUInt64 handle, OdUInt32& classId, OdUInt64& owner) override;
-  OdDbStoreStatus readAll(const std::function<bool(const OdDbRecordView&)>& visit) override;
-  OdDbStoreStatus listRecords(
-      const std::function<bool(OdUInt64 handle, OdUInt32 classId, OdUInt64 owner,
-                               std::size_t size)>& visit) override;
+  OdStatus readRecord(OdUInt64 handle, OdDbRecordView& record) override;
+  OdStatus readRecordHeader(OdUInt64 handle, OdUInt32& classId, OdUInt64& owner) override;
+  OdStatus readAll(const std::function<bool(const OdDbRecordView&)>& visit) override;
+  OdStatus listRecords(const std::function<bool(OdUInt64 handle, OdUInt32 classId, OdUInt64 owner,
+                                                std::size_t size)>& visit) override;
 
-  OdDbStoreStatus beginSave() override;
-  OdDbStoreStatus putRecord(const OdDbRecordView& record) override;
-  OdDbStoreStatus removeRecord(OdUInt64 handle) override;
-  OdDbStoreStatus putClass(const OdDbStoredClass& item) override;
-  OdDbStoreStatus putVariable(const OdDbStoredVariable& item) override;
-  OdDbStoreStatus commitSave() override;
+  OdStatus beginSave() override;
+  OdStatus putRecord(const OdDbRecordView& record) override;
+  OdStatus removeRecord(OdUInt64 handle) override;
+  OdStatus putClass(const OdDbStoredClass& item) override;
+  OdStatus putVariable(const OdDbStoredVariable& item) override;
+  OdStatus commitSave() override;
   void rollbackSave() override;
-  OdDbStoreStatus createReplacement(std::unique_ptr<OdDbRecordStore>& store) override;
-  OdDbStoreStatus compact() override;
+  OdStatus createReplacement(std::unique_ptr<OdDbRecordStore>& store) override;
+  OdStatus compact() override;
 
  private:
   /// Row of a class or variable beside what the interface shows of it.
@@ -71,48 +70,48 @@ class SqliteStore final : public OdDbRecordStore {
   };
 
   // Opening (sqlite_store_open.cpp), in this order.
-  OdDbStoreStatus connect();
-  OdDbStoreStatus identifyFile();
-  OdDbStoreStatus configureConnection();
-  OdDbStoreStatus undoInterruptedSave();
-  OdDbStoreStatus beginSession();
-  OdDbStoreStatus checkFile();
-  OdDbStoreStatus loadNames();
-  OdDbStoreStatus loadVariables(RowSetDigest& digest);
-  OdDbStoreStatus loadClasses(RowSetDigest& digest);
-  OdDbStoreStatus loadStateRow(std::int64_t id, std::string_view value);
-  OdDbStoreStatus findMaxHandle();
-  OdDbStoreStatus findLastKey(std::int64_t limit, bool& exists, std::int64_t& key);
-  OdDbStoreStatus endReading();
+  OdStatus connect();
+  OdStatus identifyFile();
+  OdStatus configureConnection();
+  OdStatus undoInterruptedSave();
+  OdStatus beginSession();
+  OdStatus checkFile();
+  OdStatus loadNames();
+  OdStatus loadVariables(RowSetDigest& digest);
+  OdStatus loadClasses(RowSetDigest& digest);
+  OdStatus loadStateRow(std::int64_t id, std::string_view value);
+  OdStatus findMaxHandle();
+  OdStatus findLastKey(std::int64_t limit, bool& exists, std::int64_t& key);
+  OdStatus endReading();
   void closeConnection();
 
   // Reading.
-  OdDbStoreStatus checkUsable();
-  OdDbStoreStatus checkUnchanged();
-  OdDbStoreStatus checkNeighbours(std::int64_t key);
-  OdDbStoreStatus checkRow(const Statement& row, OdDbRecordView& record);
+  OdStatus checkUsable();
+  OdStatus checkUnchanged();
+  OdStatus checkNeighbours(std::int64_t key);
+  OdStatus checkRow(const Statement& row, OdDbRecordView& record);
   template <typename Visit>
-  OdDbStoreStatus scan(Sql sql, bool& stopped, const Visit& visit);
-  OdDbStoreStatus checkDigest(const RowSetDigest& digest);
+  OdStatus scan(Sql sql, bool& stopped, const Visit& visit);
+  OdStatus checkDigest(const RowSetDigest& digest);
   void releaseHeldRecord();
 
   // Saving.
-  OdDbStoreStatus checkSaving();
-  OdDbStoreStatus findSum(OdUInt64 handle, bool& exists, std::uint64_t& sum);
-  OdDbStoreStatus writeClass(Sql sql, const OdDbStoredClass& item, std::uint64_t sum);
-  OdDbStoreStatus writeVariable(Sql sql, std::int64_t id, std::string_view key,
-                                std::string_view value, std::uint64_t sum);
-  OdDbStoreStatus writeStateRow(Sql sql);
-  OdDbStoreStatus commitFresh();
-  OdDbStoreStatus commitExisting();
+  OdStatus checkSaving();
+  OdStatus findSum(OdUInt64 handle, bool& exists, std::uint64_t& sum);
+  OdStatus writeClass(Sql sql, const OdDbStoredClass& item, std::uint64_t sum);
+  OdStatus writeVariable(Sql sql, std::int64_t id, std::string_view key, std::string_view value,
+                         std::uint64_t sum);
+  OdStatus writeStateRow(Sql sql);
+  OdStatus commitFresh();
+  OdStatus commitExisting();
   void abandonSave();
-  OdDbStoreStatus takeWriteLock();
-  OdDbStoreStatus copyAllTo(SqliteStore& target);
+  OdStatus takeWriteLock();
+  OdStatus copyAllTo(SqliteStore& target);
 
-  OdDbStoreStatus statement(Sql sql, Statement*& prepared);
-  OdDbStoreStatus fail(OdResult code, const std::string& what) const;
+  OdStatus statement(Sql sql, Statement*& prepared);
+  OdStatus fail(OdResult code, const std::string& what) const;
   /// Keeps the first failure of a save, so that a save with a failed step is never committed.
-  OdDbStoreStatus noteSaveFailure(OdDbStoreStatus status);
+  OdStatus noteSaveFailure(OdStatus status);
 
   std::shared_ptr<const StoreEnvironment> m_environment;
   OdString m_givenPath;
@@ -138,13 +137,13 @@ class SqliteStore final : public OdDbRecordStore {
   OdUInt64 m_maxHandle = 0;
   unsigned m_dataVersion = 0;
   bool m_hasWriteLock = false;
-  OdDbStoreStatus m_unusable;  ///< why the store can no longer be used
+  OdStatus m_unusable;  ///< why the store can no longer be used
 
   // The running save.
   bool m_isSaving = false;
   bool m_isChanged = false;
   bool m_namesChanged = false;
-  OdDbStoreStatus m_saveFailure;
+  OdStatus m_saveFailure;
   StoreState m_savedState;
 };
 

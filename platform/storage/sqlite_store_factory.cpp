@@ -20,36 +20,36 @@ class SqliteStoreFactory final : public OdDbRecordStoreFactory {
     m_environment = std::move(environment);
   }
 
-  OdDbStoreStatus open(const OdString& path, OdDbStoreOpenMode mode,
-                       std::unique_ptr<OdDbRecordStore>& store) override {
+  OdStatus open(const OdString& path, OdDbStoreOpenMode mode,
+                std::unique_ptr<OdDbRecordStore>& store) override {
     return make(path, store, [&](SqliteStore& made) { return made.openExisting(mode); });
   }
 
-  OdDbStoreStatus create(const OdString& path, std::unique_ptr<OdDbRecordStore>& store) override {
+  OdStatus create(const OdString& path, std::unique_ptr<OdDbRecordStore>& store) override {
     return make(path, store, [](SqliteStore& made) { return made.startFresh(TargetLock::kTake); });
   }
 
-  OdDbStoreStatus recover(const OdString& path, OdDbRecoverySink& sink) override {
+  OdStatus recover(const OdString& path, OdDbRecoverySink& sink) override {
     std::string resolved;
-    OdDbStoreStatus status = resolve(path, resolved);
+    OdStatus status = resolve(path, resolved);
     return status.ok() ? recoverDrawing(m_environment, resolved, sink) : status;
   }
 
  private:
   /// Links are followed once, here: a drawing that is replaced keeps the link to it.
-  OdDbStoreStatus resolve(const OdString& path, std::string& resolved) const {
+  OdStatus resolve(const OdString& path, std::string& resolved) const {
     const std::string given = utf8(path);
     if (given.empty()) return failure(eInvalidInput, "drawing", "the path is empty");
     const int error = m_environment->fileOps->resolve(given, resolved);
-    return error == 0 ? OdDbStoreStatus{} : systemFailure(error, given, "finding the file");
+    return error == 0 ? OdStatus{} : systemFailure(error, given, "finding the file");
   }
 
   template <typename Start>
-  OdDbStoreStatus make(const OdString& path, std::unique_ptr<OdDbRecordStore>& store,
-                       const Start& start) const {
+  OdStatus make(const OdString& path, std::unique_ptr<OdDbRecordStore>& store,
+                const Start& start) const {
     store.reset();
     std::string resolved;
-    OdDbStoreStatus status = resolve(path, resolved);
+    OdStatus status = resolve(path, resolved);
     if (!status.ok()) return status;
     auto made = std::make_unique<SqliteStore>(m_environment, path, std::move(resolved));
     status = start(*made);

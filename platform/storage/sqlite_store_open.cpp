@@ -13,24 +13,24 @@ namespace {
 constexpr std::string_view kReadingNames = "reading classes and variables";
 
 /// Sizes are compared before the content is looked at.
-OdDbStoreStatus checkNameSize(std::string_view path, std::string_view what, std::size_t size,
-                              std::size_t limit) {
+OdStatus checkNameSize(std::string_view path, std::string_view what, std::size_t size,
+                       std::size_t limit) {
   if (size <= limit) return {};
   return failure(eLimitExceeded, path,
                  std::string(what) + " has " + std::to_string(size) + " bytes, at most " +
                      std::to_string(limit) + " are allowed");
 }
 
-OdDbStoreStatus nameDamaged(std::string_view path, const std::string& what) {
+OdStatus nameDamaged(std::string_view path, const std::string& what) {
   return failure(eChecksumMismatch, path, what + " is damaged: its checksum does not match");
 }
 
 }  // namespace
 
-OdDbStoreStatus SqliteStore::openExisting(OdDbStoreOpenMode mode) {
+OdStatus SqliteStore::openExisting(OdDbStoreOpenMode mode) {
   m_mode = mode;
   m_unusable = {};
-  OdDbStoreStatus status = connect();
+  OdStatus status = connect();
   if (status.ok()) status = identifyFile();
   if (status.ok()) status = configureConnection();
   if (status.ok()) status = beginSession();
@@ -45,7 +45,7 @@ OdDbStoreStatus SqliteStore::openExisting(OdDbStoreOpenMode mode) {
   return status;
 }
 
-OdDbStoreStatus SqliteStore::connect() {
+OdStatus SqliteStore::connect() {
   OdStoreFileInfo info;
   if (const int error = m_environment->fileOps->inspect(m_path, info); error != 0) {
     return systemFailure(error, m_path, "opening");
@@ -58,22 +58,22 @@ OdDbStoreStatus SqliteStore::connect() {
 }
 
 /// Needs no lock: the fields that are looked at never change in the life of a file.
-OdDbStoreStatus SqliteStore::identifyFile() {
+OdStatus SqliteStore::identifyFile() {
   FileHeader header = {};
   const int code = m_connection.readFile(header.data(), header.size(), 0);
   if (code == SQLITE_IOERR_SHORT_READ) {
     return fail(eNotADrawing, "file is not a drawing: it is shorter than the header of one");
   }
   if (code != SQLITE_OK) return m_connection.translate(code, "reading the file header");
-  OdDbStoreStatus status = identify(header, m_path, m_version);
+  OdStatus status = identify(header, m_path, m_version);
   // Whether a newer format may be read is known once its state row is.
   if (status.code == eNewerFormat && isReadOnly()) status = {};
   if (status.ok()) status = checkFixedFields(header, m_path);
   return status;
 }
 
-OdDbStoreStatus SqliteStore::configureConnection() {
-  OdDbStoreStatus status = m_connection.configure();
+OdStatus SqliteStore::configureConnection() {
+  OdStatus status = m_connection.configure();
   if (status.ok() || m_connection.extendedError() != SQLITE_READONLY_ROLLBACK) return status;
   status = undoInterruptedSave();
   if (status.ok()) status = m_connection.configure();
@@ -81,29 +81,28 @@ OdDbStoreStatus SqliteStore::configureConnection() {
 }
 
 /// A reader may not write, so a second connection undoes the save that was interrupted.
-OdDbStoreStatus SqliteStore::undoInterruptedSave() {
+OdStatus SqliteStore::undoInterruptedSave() {
   Connection writer;
-  OdDbStoreStatus status =
-      writer.open(m_path, ConnectionMode::kReadWrite, m_environment->connection);
+  OdStatus status = writer.open(m_path, ConnectionMode::kReadWrite, m_environment->connection);
   if (status.ok()) status = writer.configure();
   return status;
 }
 
-OdDbStoreStatus SqliteStore::beginSession() {
+OdStatus SqliteStore::beginSession() {
   if (isReadOnly()) return m_connection.execute("BEGIN", "opening");
   return takeWriteLock();
 }
 
-OdDbStoreStatus SqliteStore::checkFile() {
-  OdDbStoreStatus status;
+OdStatus SqliteStore::checkFile() {
+  OdStatus status;
   if (!isReadOnly()) status = upgradeSchema(m_connection, m_version);
   if (status.ok()) status = checkSchema(m_connection, m_version > kFormatVersion);
   return status;
 }
 
-OdDbStoreStatus SqliteStore::loadNames() {
+OdStatus SqliteStore::loadNames() {
   RowSetDigest digest;
-  OdDbStoreStatus status = loadVariables(digest);
+  OdStatus status = loadVariables(digest);
   if (status.ok()) status = loadClasses(digest);
   if (!status.ok()) return status;
   if (digest != m_state.names) {
@@ -114,12 +113,12 @@ OdDbStoreStatus SqliteStore::loadNames() {
   return {};
 }
 
-OdDbStoreStatus SqliteStore::loadVariables(RowSetDigest& digest) {
+OdStatus SqliteStore::loadVariables(RowSetDigest& digest) {
   m_variables.clear();
   m_variableRows.clear();
   m_variableIndex.clear();
   Statement* rows = nullptr;
-  OdDbStoreStatus status = statement(Sql::kReadVariables, rows);
+  OdStatus status = statement(Sql::kReadVariables, rows);
   if (!status.ok()) return status;
   const StatementScope scope(*rows);
   bool hasState = false;
@@ -157,10 +156,10 @@ OdDbStoreStatus SqliteStore::loadVariables(RowSetDigest& digest) {
     m_variableRows.push_back({id, sum});
   }
   if (code != SQLITE_DONE) return m_connection.translate(code, kReadingNames);
-  return hasState ? OdDbStoreStatus{} : fail(eCorruptData, "the state row is missing");
+  return hasState ? OdStatus{} : fail(eCorruptData, "the state row is missing");
 }
 
-OdDbStoreStatus SqliteStore::loadStateRow(std::int64_t id, std::string_view value) {
+OdStatus SqliteStore::loadStateRow(std::int64_t id, std::string_view value) {
   if (!m_state.decode(value)) {
     return fail(eCorruptData, "the state row " + std::to_string(id) + " has " +
                                   std::to_string(value.size()) + " bytes, expected " +
@@ -170,11 +169,11 @@ OdDbStoreStatus SqliteStore::loadStateRow(std::int64_t id, std::string_view valu
   return newerFormat(m_path, m_version);
 }
 
-OdDbStoreStatus SqliteStore::loadClasses(RowSetDigest& digest) {
+OdStatus SqliteStore::loadClasses(RowSetDigest& digest) {
   m_classes.clear();
   m_classRows.clear();
   Statement* rows = nullptr;
-  OdDbStoreStatus status = statement(Sql::kReadClasses, rows);
+  OdStatus status = statement(Sql::kReadClasses, rows);
   if (!status.ok()) return status;
   const StatementScope scope(*rows);
   int code = rows->step();
@@ -200,25 +199,25 @@ OdDbStoreStatus SqliteStore::loadClasses(RowSetDigest& digest) {
     m_classes.push_back({classId, std::string(record)});
     m_classRows.push_back({id, sum});
   }
-  return code == SQLITE_DONE ? OdDbStoreStatus{} : m_connection.translate(code, kReadingNames);
+  return code == SQLITE_DONE ? OdStatus{} : m_connection.translate(code, kReadingNames);
 }
 
 /// The greatest handle is the last of the negative keys, or else the last of all.
-OdDbStoreStatus SqliteStore::findMaxHandle() {
+OdStatus SqliteStore::findMaxHandle() {
   m_maxHandle = 0;
   for (const std::int64_t limit : {std::int64_t{-1}, std::numeric_limits<std::int64_t>::max()}) {
     bool exists = false;
     std::int64_t key = 0;
-    OdDbStoreStatus status = findLastKey(limit, exists, key);
+    OdStatus status = findLastKey(limit, exists, key);
     if (status.ok() && exists) m_maxHandle = static_cast<OdUInt64>(key);
     if (!status.ok() || exists) return status;
   }
   return {};
 }
 
-OdDbStoreStatus SqliteStore::findLastKey(std::int64_t limit, bool& exists, std::int64_t& key) {
+OdStatus SqliteStore::findLastKey(std::int64_t limit, bool& exists, std::int64_t& key) {
   Statement* row = nullptr;
-  OdDbStoreStatus status = statement(Sql::kLastHandle, row);
+  OdStatus status = statement(Sql::kLastHandle, row);
   if (!status.ok()) return status;
   const StatementScope scope(*row);
   row->bind(1, limit);
@@ -226,13 +225,13 @@ OdDbStoreStatus SqliteStore::findLastKey(std::int64_t limit, bool& exists, std::
   exists = code == SQLITE_ROW;
   key = exists ? row->integer(0) : 0;
   return exists || code == SQLITE_DONE
-             ? OdDbStoreStatus{}
+             ? OdStatus{}
              : m_connection.translate(code, "looking for the last record");
 }
 
-OdDbStoreStatus SqliteStore::endReading() {
+OdStatus SqliteStore::endReading() {
   m_dataVersion = m_connection.dataVersion();
-  return isReadOnly() ? m_connection.execute("COMMIT", "opening") : OdDbStoreStatus{};
+  return isReadOnly() ? m_connection.execute("COMMIT", "opening") : OdStatus{};
 }
 
 void SqliteStore::closeConnection() {

@@ -1,5 +1,6 @@
 // The record store on SQLite: saving and compaction.
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 #include "platform/storage/sqlite_store.h"
@@ -15,12 +16,12 @@ constexpr std::string_view kSaving = "saving";
 
 // --- Fresh files ---------------------------------------------------------------------------------
 
-OdDbStoreStatus SqliteStore::startFresh(TargetLock lock) {
+OdStatus SqliteStore::startFresh(TargetLock lock) {
   m_mode = OdDbStoreOpenMode::kReadWrite;
   m_version = kFormatVersion;
   m_freshLock = lock;
   m_fresh = std::make_unique<FileReplacement>(m_environment, m_path);
-  OdDbStoreStatus status = m_fresh->create(lock);
+  OdStatus status = m_fresh->create(lock);
   if (status.ok()) {
     status = m_connection.open(m_fresh->temporary(), ConnectionMode::kFreshFile,
                                m_environment->connection);
@@ -38,8 +39,8 @@ OdDbStoreStatus SqliteStore::startFresh(TargetLock lock) {
   return status;
 }
 
-OdDbStoreStatus SqliteStore::commitFresh() {
-  OdDbStoreStatus status = writeStateRow(Sql::kUpdateVariable);
+OdStatus SqliteStore::commitFresh() {
+  OdStatus status = writeStateRow(Sql::kUpdateVariable);
   if (status.ok()) status = m_connection.execute("COMMIT", kSaving);
   closeConnection();
   if (status.ok()) status = m_fresh->replaceTarget(m_freshLock);
@@ -57,20 +58,20 @@ OdDbStoreStatus SqliteStore::commitFresh() {
 
 /// Takes the write lock, unless it is held already, and makes sure that nobody saved since this
 /// store last had it.
-OdDbStoreStatus SqliteStore::takeWriteLock() {
+OdStatus SqliteStore::takeWriteLock() {
   if (m_hasWriteLock) return {};
-  OdDbStoreStatus status = m_connection.execute("BEGIN IMMEDIATE", "opening for writing");
+  OdStatus status = m_connection.execute("BEGIN IMMEDIATE", "opening for writing");
   if (!status.ok()) return status;
   if (m_dataVersion != 0 && m_connection.dataVersion() != m_dataVersion) {
-    m_connection.execute("ROLLBACK", "opening for writing");
+    std::ignore = m_connection.execute("ROLLBACK", "opening for writing");
     return fail(eFileChanged, "another program saved the file since it was last saved here");
   }
   m_hasWriteLock = true;
   return {};
 }
 
-OdDbStoreStatus SqliteStore::beginSave() {
-  OdDbStoreStatus status = checkUsable();
+OdStatus SqliteStore::beginSave() {
+  OdStatus status = checkUsable();
   if (!status.ok()) return status;
   if (isReadOnly()) return fail(eReadOnlyDatabase, "saving failed: the file is open for reading");
   if (m_isSaving) return fail(eInvalidOpenState, "a save of this file is running already");
@@ -84,26 +85,26 @@ OdDbStoreStatus SqliteStore::beginSave() {
   return {};
 }
 
-OdDbStoreStatus SqliteStore::checkSaving() {
-  OdDbStoreStatus status = checkUsable();
+OdStatus SqliteStore::checkSaving() {
+  OdStatus status = checkUsable();
   if (status.ok()) status = m_saveFailure;
   if (status.ok() && !m_isSaving)
     status = fail(eInvalidOpenState, "no save of this file is running");
   return status;
 }
 
-OdDbStoreStatus SqliteStore::noteSaveFailure(OdDbStoreStatus status) {
+OdStatus SqliteStore::noteSaveFailure(OdStatus status) {
   if (!status.ok() && m_isSaving) m_saveFailure = status;
   return status;
 }
 
 /// Records above the greatest handle are new for sure and need no search.
-OdDbStoreStatus SqliteStore::findSum(OdUInt64 handle, bool& exists, std::uint64_t& sum) {
+OdStatus SqliteStore::findSum(OdUInt64 handle, bool& exists, std::uint64_t& sum) {
   exists = false;
   if (handle > m_maxHandle) return {};
   const auto key = static_cast<std::int64_t>(handle);
   Statement* row = nullptr;
-  OdDbStoreStatus status = statement(Sql::kReadSum, row);
+  OdStatus status = statement(Sql::kReadSum, row);
   if (!status.ok()) return status;
   const StatementScope scope(*row);
   row->bind(1, key);
@@ -115,8 +116,8 @@ OdDbStoreStatus SqliteStore::findSum(OdUInt64 handle, bool& exists, std::uint64_
   return {};
 }
 
-OdDbStoreStatus SqliteStore::putRecord(const OdDbRecordView& record) {
-  OdDbStoreStatus status = checkSaving();
+OdStatus SqliteStore::putRecord(const OdDbRecordView& record) {
+  OdStatus status = checkSaving();
   if (status.ok() && record.handle == 0) {
     status = fail(eInvalidInput, "a record with handle 0 cannot be saved");
   }
@@ -148,8 +149,8 @@ OdDbStoreStatus SqliteStore::putRecord(const OdDbRecordView& record) {
   return {};
 }
 
-OdDbStoreStatus SqliteStore::removeRecord(OdUInt64 handle) {
-  OdDbStoreStatus status = checkSaving();
+OdStatus SqliteStore::removeRecord(OdUInt64 handle) {
+  OdStatus status = checkSaving();
   bool exists = false;
   std::uint64_t sum = 0;
   if (status.ok()) status = findSum(handle, exists, sum);
@@ -169,8 +170,8 @@ OdDbStoreStatus SqliteStore::removeRecord(OdUInt64 handle) {
 
 // --- Classes and variables -----------------------------------------------------------------------
 
-OdDbStoreStatus SqliteStore::putClass(const OdDbStoredClass& item) {
-  OdDbStoreStatus status = checkSaving();
+OdStatus SqliteStore::putClass(const OdDbStoredClass& item) {
+  OdStatus status = checkSaving();
   if (!status.ok()) return status;
   const auto found =
       std::lower_bound(m_classes.begin(), m_classes.end(), item.id,
@@ -206,9 +207,9 @@ OdDbStoreStatus SqliteStore::putClass(const OdDbStoredClass& item) {
   return {};
 }
 
-OdDbStoreStatus SqliteStore::writeClass(Sql sql, const OdDbStoredClass& item, std::uint64_t sum) {
+OdStatus SqliteStore::writeClass(Sql sql, const OdDbStoredClass& item, std::uint64_t sum) {
   Statement* row = nullptr;
-  OdDbStoreStatus status = statement(sql, row);
+  OdStatus status = statement(sql, row);
   if (!status.ok()) return status;
   row->bind(1, item.id);
   row->bind(2, static_cast<std::int64_t>(sum));
@@ -216,8 +217,8 @@ OdDbStoreStatus SqliteStore::writeClass(Sql sql, const OdDbStoredClass& item, st
   return m_connection.translate(row->run(), kSaving);
 }
 
-OdDbStoreStatus SqliteStore::putVariable(const OdDbStoredVariable& item) {
-  OdDbStoreStatus status = checkSaving();
+OdStatus SqliteStore::putVariable(const OdDbStoredVariable& item) {
+  OdStatus status = checkSaving();
   if (!status.ok()) return status;
   const auto found = m_variableIndex.find(item.key);
   const bool exists = found != m_variableIndex.end();
@@ -259,10 +260,10 @@ OdDbStoreStatus SqliteStore::putVariable(const OdDbStoredVariable& item) {
   return {};
 }
 
-OdDbStoreStatus SqliteStore::writeVariable(Sql sql, std::int64_t id, std::string_view key,
-                                           std::string_view value, std::uint64_t sum) {
+OdStatus SqliteStore::writeVariable(Sql sql, std::int64_t id, std::string_view key,
+                                    std::string_view value, std::uint64_t sum) {
   Statement* row = nullptr;
-  OdDbStoreStatus status = statement(sql, row);
+  OdStatus status = statement(sql, row);
   if (!status.ok()) return status;
   row->bind(1, id);
   if (sql == Sql::kInsertVariable) row->bindText(2, key);
@@ -271,7 +272,7 @@ OdDbStoreStatus SqliteStore::writeVariable(Sql sql, std::int64_t id, std::string
   return m_connection.translate(row->run(), kSaving);
 }
 
-OdDbStoreStatus SqliteStore::writeStateRow(Sql sql) {
+OdStatus SqliteStore::writeStateRow(Sql sql) {
   const auto bytes = m_state.encode();
   const std::string_view value(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   return writeVariable(sql, kStateRowId, kStateRowKey, value,
@@ -280,15 +281,15 @@ OdDbStoreStatus SqliteStore::writeStateRow(Sql sql) {
 
 // --- End of a save -------------------------------------------------------------------------------
 
-OdDbStoreStatus SqliteStore::commitSave() {
-  OdDbStoreStatus status = checkSaving();
+OdStatus SqliteStore::commitSave() {
+  OdStatus status = checkSaving();
   if (status.ok()) return m_fresh != nullptr ? commitFresh() : commitExisting();
   if (m_isSaving) abandonSave();
   return status;
 }
 
-OdDbStoreStatus SqliteStore::commitExisting() {
-  OdDbStoreStatus status;
+OdStatus SqliteStore::commitExisting() {
+  OdStatus status;
   if (m_isChanged) {
     status = writeStateRow(Sql::kUpdateVariable);
     if (status.ok()) status = m_connection.execute("COMMIT", kSaving);
@@ -300,7 +301,7 @@ OdDbStoreStatus SqliteStore::commitExisting() {
     // quicker this save still stands, and the next one finds out.
     m_hasWriteLock = false;
     m_dataVersion = m_connection.dataVersion();
-    takeWriteLock();
+    std::ignore = takeWriteLock();
   }
   m_isSaving = false;
   return {};
@@ -323,18 +324,19 @@ void SqliteStore::abandonSave() {
     return;
   }
   // After some failures SQLite has rolled back by itself.
-  if (sqlite3_get_autocommit(m_connection.get()) == 0) m_connection.execute("ROLLBACK", kSaving);
+  if (sqlite3_get_autocommit(m_connection.get()) == 0)
+    std::ignore = m_connection.execute("ROLLBACK", kSaving);
   m_hasWriteLock = false;
   m_dataVersion = m_connection.dataVersion();
   m_state = m_savedState;
-  OdDbStoreStatus status = takeWriteLock();
+  OdStatus status = takeWriteLock();
   if (status.ok() && m_namesChanged) status = loadNames();
   if (!status.ok()) m_unusable = status;
 }
 
-OdDbStoreStatus SqliteStore::createReplacement(std::unique_ptr<OdDbRecordStore>& store) {
+OdStatus SqliteStore::createReplacement(std::unique_ptr<OdDbRecordStore>& store) {
   store.reset();
-  OdDbStoreStatus status = checkUsable();
+  OdStatus status = checkUsable();
   if (!status.ok()) return status;
   if (isReadOnly())
     return fail(eReadOnlyDatabase, "replacing failed: the file is open for reading");
@@ -353,8 +355,8 @@ OdDbStoreStatus SqliteStore::createReplacement(std::unique_ptr<OdDbRecordStore>&
 
 // --- Compaction ----------------------------------------------------------------------------------
 
-OdDbStoreStatus SqliteStore::compact() {
-  OdDbStoreStatus status = checkUsable();
+OdStatus SqliteStore::compact() {
+  OdStatus status = checkUsable();
   if (!status.ok()) return status;
   if (isReadOnly())
     return fail(eReadOnlyDatabase, "compacting failed: the file is open for reading");
@@ -375,19 +377,19 @@ OdDbStoreStatus SqliteStore::compact() {
     if (!status.ok() && !m_connection.hasMoved()) return status;
   }
   closeConnection();
-  OdDbStoreStatus reopened = openExisting(OdDbStoreOpenMode::kReadWrite);
+  OdStatus reopened = openExisting(OdDbStoreOpenMode::kReadWrite);
   return status.ok() ? reopened : status;
 }
 
-OdDbStoreStatus SqliteStore::copyAllTo(SqliteStore& target) {
+OdStatus SqliteStore::copyAllTo(SqliteStore& target) {
   for (const OdDbStoredVariable& item : m_variables) {
-    if (OdDbStoreStatus status = target.putVariable(item); !status.ok()) return status;
+    if (OdStatus status = target.putVariable(item); !status.ok()) return status;
   }
   for (const OdDbStoredClass& item : m_classes) {
-    if (OdDbStoreStatus status = target.putClass(item); !status.ok()) return status;
+    if (OdStatus status = target.putClass(item); !status.ok()) return status;
   }
-  OdDbStoreStatus copied;
-  OdDbStoreStatus read = readAll([&](const OdDbRecordView& record) {
+  OdStatus copied;
+  OdStatus read = readAll([&](const OdDbRecordView& record) {
     copied = target.putRecord(record);
     return copied.ok();
   });

@@ -8,7 +8,7 @@
 
 namespace odstorage {
 
-OdDbStoreStatus failure(OdResult code, std::string_view path, std::string_view what) {
+OdStatus failure(OdResult code, std::string_view path, std::string_view what) {
   std::string text;
   text.reserve(path.size() + what.size() + 2);
   text.append(path).append(": ").append(what);
@@ -17,7 +17,7 @@ OdDbStoreStatus failure(OdResult code, std::string_view path, std::string_view w
 
 bool isDiskFull(int error) { return error == ENOSPC || error == EDQUOT; }
 
-OdDbStoreStatus systemFailure(int error, std::string_view path, std::string_view doing) {
+OdStatus systemFailure(int error, std::string_view path, std::string_view doing) {
   OdResult code = eFileAccess;
   if (isDiskFull(error)) code = eDiskFull;
   if (error == ENOENT || error == ENOTDIR) code = eFileNotFound;

@@ -9,12 +9,11 @@
 namespace odstorage {
 
 /// The outcome `code` with the text "<path>: <what>"; both are UTF-8.
-[[nodiscard]] OdDbStoreStatus failure(OdResult code, std::string_view path, std::string_view what);
+[[nodiscard]] OdStatus failure(OdResult code, std::string_view path, std::string_view what);
 
 /// The outcome of a failed file operation, from its errno value: eDiskFull, eFileNotFound,
 /// eFileLocked, eOutOfMemory or eFileAccess.
-[[nodiscard]] OdDbStoreStatus systemFailure(int error, std::string_view path,
-                                            std::string_view doing);
+[[nodiscard]] OdStatus systemFailure(int error, std::string_view path, std::string_view doing);
 
 /// True for the errno values that mean that no space or quota is left.
 [[nodiscard]] bool isDiskFull(int error);

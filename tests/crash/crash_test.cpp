@@ -101,17 +101,17 @@ class Crash : public storetest::FolderTest {
   /// True when the drawing is as after, false as before; anything else is a failure.
   bool isAfter(const Scenario& scenario) {
     if (!scenario.hasFile && !std::filesystem::exists(m_path)) return false;
-    OdDbStoreStatus status;
+    OdStatus status;
     const auto found = storetest::readFile(*m_sound, m_path, &status);
     EXPECT_TRUE(found.has_value()) << storetest::textOf(status);
     const bool matchesAfter = found == scenario.after;
     EXPECT_TRUE(matchesAfter || (scenario.hasFile && found == scenario.before));
     return matchesAfter;
   }
-  OdDbStoreStatus act(const Scenario& scenario) {
+  OdStatus act(const Scenario& scenario) {
     if (scenario.action == Action::kSaveAs) return writeFile(*m_faulty, m_path, scenario.after);
     std::unique_ptr<OdDbRecordStore> store;
-    OdDbStoreStatus status = m_faulty->open(m_path, OdDbStoreOpenMode::kReadWrite, store);
+    OdStatus status = m_faulty->open(m_path, OdDbStoreOpenMode::kReadWrite, store);
     if (!status.ok()) return status;
     if (scenario.action == Action::kCompact) return store->compact();
     return saveChanges(*store, scenario.before, scenario.after);
@@ -198,7 +198,7 @@ TEST_F(Crash, DiskFullAtAnyOperationIsReportedAndLosesNothing) {
       SCOPED_TRACE(at);
       putFiles(before);
       faultState().start(FaultMode::kFail, at);
-      const OdDbStoreStatus status = act(scenario);
+      const OdStatus status = act(scenario);
       finished = faultState().count <= at;
       faultState().start(FaultMode::kNone);
       if (status.code == eDiskFull) ++diskFull;

@@ -67,7 +67,7 @@ class FeatureTest : public ModelTest {
   /// The feature's references are these from now on.
   void refer(OdDbObjectId feature, std::initializer_list<Group> groups) const;
   static HoleFeaturePtr hole(OdDbObjectId id, OdDb::OpenMode mode = OdDb::kForRead) {
-    return HoleFeature::cast(id.openObject(mode));
+    return id.openAs<HoleFeature>(mode);
   }
   /// Saves and reads again; ids that are given follow.
   void reopenWith(std::initializer_list<OdDbObjectId*> ids);

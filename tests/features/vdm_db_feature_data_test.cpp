@@ -207,14 +207,14 @@ TEST_F(VdmDbFeatureDataTest, ExtensionsAreBoundToTheFeatureThatIsAsked) {
                         OdRxObjectPtr(new OutsideSource, kOdRxObjAttach));
   const OdDbObjectId id = addHole();
   {
-    const OdSmartPtr<Shape> one = Shape::cast(id.openObject());
-    const OdSmartPtr<Shape> two = Shape::cast(id.openObject());
+    const OdSmartPtr<Shape> one = id.openAs<Shape>();
+    const OdSmartPtr<Shape> two = id.openAs<Shape>();
     EXPECT_EQ(one->objectId(), id);
     EXPECT_NE(one.get(), two.get());
     EXPECT_EQ(one->feature(), two->feature());
     EXPECT_TRUE(Shape::cast(Shape::createObject().get())->objectId().isNull());
     EXPECT_FALSE(Outside::cast(hole(id).get()).isNull());
-    EXPECT_TRUE(Outside::cast(id.openObject()).isNull());
+    EXPECT_TRUE(id.openAs<Outside>().isNull());
     EXPECT_FALSE(open<VdmDbFeatureData>(id)->isWriteEnabled());
   }
   HoleFeature::desc()->delX(Shape::desc());

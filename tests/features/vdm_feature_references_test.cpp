@@ -103,7 +103,7 @@ TEST_F(VdmFeatureReferences, TheLastLostDependencyDecidesAboutTheFeature) {
   EXPECT_FALSE(m_id.isErased());
   for (const OdDbObjectId& id : dependencies) edit<VdmDbObjectDependency>(id)->erase();
   EXPECT_TRUE(m_id.isErased());
-  EXPECT_TRUE(VdmDbFeatureReactor::cast(lost.openObject(OdDb::kForRead, true))->blockId().isNull());
+  EXPECT_TRUE(lost.openAs<VdmDbFeatureReactor>(OdDb::kForRead, true)->blockId().isNull());
 }
 
 TEST_F(VdmFeatureReferences, OnlyReactorsThatAnswerAreAsked) {

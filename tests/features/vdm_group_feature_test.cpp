@@ -17,7 +17,7 @@ class VdmGroupFeatureTest : public FeatureTest {
   }
   template <class T>
   static OdSmartPtr<T> feature(OdDbObjectId id, OdDb::OpenMode mode = OdDb::kForRead) {
-    return T::cast(id.openObject(mode));
+    return id.openAs<T>(mode);
   }
   OdDbObjectId addLayer(const wchar_t* name) {
     const OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();

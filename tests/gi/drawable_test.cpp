@@ -41,7 +41,7 @@ class DrawableTest : public DrawingTest {
  protected:
   template <class T>
   static OdSmartPtr<T> edit(const OdDbObjectId& id) {
-    return T::cast(id.safeOpenObject(OdDb::kForWrite));
+    return id.safeOpenAs<T>(OdDb::kForWrite);
   }
   [[nodiscard]] OdDbObjectId modelSpace() const { return m_database->getModelSpaceId(); }
   static OdDbObjectId addLine(const OdDbObjectId& block) {

@@ -36,7 +36,7 @@ TEST_F(OdModelerBodyTest, EveryNormalPointsAwayFromTheMaterial) {
       const OdGePoint3d outside = body->face(i).pointOnFace + body->face(i).normal * 0.5;
       const std::vector<OdModelerBodyPtr> probe{box(0.1, 0.1, 0.1, outside.asVector())};
       OdModelerBodyPtr common;
-      const OdModelerStatus status =
+      const OdStatus status =
           odModeler().boolean(OdModelerBooleanKind::kIntersect, body, probe, common, nullptr);
       EXPECT_EQ(status.code, eDegenerateGeometry) << "face " << i;
     }

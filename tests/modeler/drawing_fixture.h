@@ -32,7 +32,7 @@ class DrawingTest : public RuntimeClasses, public ModelerTest {
 
   static OdDbBlockTableRecordPtr blockRecord(const OdDbObjectId& id,
                                              OdDb::OpenMode mode = OdDb::kForRead) {
-    return OdDbBlockTableRecord::cast(id.safeOpenObject(mode));
+    return id.safeOpenAs<OdDbBlockTableRecord>(mode);
   }
   OdDbObjectId addSolid(const OdModelerBodyPtr& body) const {
     OdDb3dSolidPtr solid = OdDb3dSolid::createObject();
@@ -40,7 +40,7 @@ class DrawingTest : public RuntimeClasses, public ModelerTest {
     return blockRecord(m_database->getModelSpaceId(), OdDb::kForWrite)->appendOdDbEntity(solid);
   }
   static OdDb3dSolidPtr solid(const OdDbObjectId& id, OdDb::OpenMode mode = OdDb::kForRead) {
-    return OdDb3dSolid::cast(id.safeOpenObject(mode));
+    return id.safeOpenAs<OdDb3dSolid>(mode);
   }
   /// All entities of a class in a block.
   template <class T>

@@ -11,7 +11,7 @@
 #include "platform/modeler_occt/occt_modeler.h"
 
 /// A status for use in assertions: its text is the message.
-inline testing::AssertionResult succeeded(const OdModelerStatus& status) {
+inline testing::AssertionResult succeeded(const OdStatus& status) {
   if (status.ok()) return testing::AssertionSuccess();
   return testing::AssertionFailure() << status.code << ": " << status.text.utf8();
 }
@@ -26,7 +26,7 @@ class ModelerTest : public testing::Test {
   template <class T = OdModelerBodyPtr, class Call>
   static T made(Call call) {
     T result;
-    const OdModelerStatus status = call(result);
+    const OdStatus status = call(result);
     if (!status.ok()) throw std::runtime_error(std::string(status.text.utf8()));
     return result;
   }

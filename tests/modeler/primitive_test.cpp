@@ -11,7 +11,7 @@ namespace {
 constexpr double kPi = std::numbers::pi;
 
 using Kind = OdModelerBooleanKind;
-using Make = std::function<OdModelerStatus(OdModelerBodyPtr&)>;
+using Make = std::function<OdStatus(OdModelerBodyPtr&)>;
 
 class OdModelerPrimitives : public ModelerTest {
  protected:
@@ -140,7 +140,7 @@ TEST_F(OdModelerPrimitives, RefusedOperationsNameTheReasonAndLeaveResultAndHisto
   };
   for (const auto& [make, code] : rows) {
     OdModelerBodyPtr result = far;
-    const OdModelerStatus status = make(result);
+    const OdStatus status = make(result);
     EXPECT_EQ(status.code, code) << status.text.utf8();
     EXPECT_FALSE(status.text.isEmpty());
     EXPECT_EQ(result, far);

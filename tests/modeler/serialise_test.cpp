@@ -64,7 +64,7 @@ TEST_F(OdModelerStoredBody, EveryTruncationAndEveryFlippedBitIsRefused) {
   const OdModelerBodyPtr before = box(1.0, 1.0, 1.0);
   const auto expectRefused = [&](const OdBinaryData& bytes) {
     OdModelerBodyPtr result = before;
-    const OdModelerStatus status = odModeler().deserialise(bytes, result);
+    const OdStatus status = odModeler().deserialise(bytes, result);
     EXPECT_TRUE(status.code == eCorruptData || status.code == eUnsupportedVersion) << status.code;
     EXPECT_EQ(result, before);
   };
@@ -91,7 +91,7 @@ TEST_F(OdModelerStoredBody, NewerFormsAndOtherModellersAreNamed) {
   odWriteEnvelope({static_cast<OdModelerEngine>(77), {}, "?"}, other);
   for (const OdBinaryData& data : {newer, other}) {
     OdModelerBodyPtr result;
-    const OdModelerStatus status = odModeler().deserialise(data, result);
+    const OdStatus status = odModeler().deserialise(data, result);
     EXPECT_EQ(status.code, eUnsupportedVersion);
     EXPECT_FALSE(status.text.isEmpty());
   }

@@ -70,7 +70,7 @@ class OdModelerStep : public DrawingTest {
     return result;
   }
   OdDbObjectId blockId(const wchar_t* name) const {
-    return OdDbBlockTable::cast(m_database->getBlockTableId().safeOpenObject())->getAt(name);
+    return m_database->getBlockTableId().safeOpenAs<OdDbBlockTable>()->getAt(name);
   }
 
   fs::path m_folder;
@@ -193,7 +193,7 @@ TEST_F(OdModelerStep, FilesThatAreNoStepAreRefusedWithTheirName) {
   };
   for (const auto& [file, code] : rows) {
     OdModelerAssembly result = cart();
-    const OdModelerStatus status = odModeler().importStep(file, result);
+    const OdStatus status = odModeler().importStep(file, result);
     EXPECT_EQ(status.code, code) << file.utf8() << ": " << status.text.utf8();
     EXPECT_GE(status.text.find(file), 0);
     EXPECT_EQ(status.text.find(L'\n'), -1);
@@ -209,7 +209,7 @@ TEST_F(OdModelerStep, ExportThatCannotBeDoneLeavesTheOldFile) {
   EXPECT_EQ(odModeler().exportStep(old, {}).code, eInvalidInput);
   EXPECT_EQ(exportStepFromDatabase(m_database, old).code, eInvalidInput) << "an empty drawing";
   EXPECT_EQ(read(old), "precious");
-  const OdModelerStatus status = odModeler().exportStep(path("no/such/folder.stp"), cart());
+  const OdStatus status = odModeler().exportStep(path("no/such/folder.stp"), cart());
   EXPECT_EQ(status.code, eFileWriteError) << status.text.utf8();
 }
 

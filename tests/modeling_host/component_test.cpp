@@ -48,7 +48,7 @@ TEST_F(ComponentTest, TheHalvesOfASplitEdgeStayThemselvesHoweverOftenTheHoleIsCu
   OdDbObjectId name;
   ASSERT_EQ(nameReference({m_plate, OdDbSubentId(OdDb::kEdgeSubentType, edge)}, L"rim", name), eOk);
   const EditResult made = insert(hole(L"H", 12.0), 150.0, 0.0);
-  const auto halves = [&name] { return VdmNameFeature::cast(name.openObject())->referenceIds(); };
+  const auto halves = [&name] { return name.openAs<VdmNameFeature>()->referenceIds(); };
   const OdDbObjectIdArray split = halves();
   ASSERT_EQ(split.size(), 2U);
   ASSERT_TRUE(done(m_editor->update(/*force=*/true)));
@@ -135,7 +135,7 @@ TEST_F(ComponentTest, AMovedSolidTakesItsComponentsAlongWithoutCutting) {
   ASSERT_TRUE(done(m_editor->rotateObject(m_plate, OdGeVector3d::kZAxis, 0.5, OdGePoint3d())));
   EXPECT_EQ(openingFace(made.feature, 1), face);
   const OdGeMatrix3d turn = OdGeMatrix3d::rotation(0.5, OdGeVector3d::kZAxis);
-  const OdDbBlockReferencePtr place = OdDbBlockReference::cast(made.created.openObject());
+  const OdDbBlockReferencePtr place = made.created.openAs<OdDbBlockReference>();
   EXPECT_TRUE(place->position().isEqualTo(turn * OdGePoint3d(100.0, 100.0, 10.0)));
   EXPECT_TRUE(isAsFresh(moved(m_base, turn)));
   ASSERT_TRUE(done(m_editor->removeFeature(made.feature)));
@@ -149,7 +149,7 @@ TEST_F(ComponentTest, AReplacedBodyIsCutAnewAndInsertsFollowTheirBaseFaces) {
   ASSERT_TRUE(done(result));
   EXPECT_EQ(result.report.features[0].reason, OdString(L"its solid was replaced"));
   EXPECT_EQ(m_editor->update(/*force=*/true).report.features[0].reason, OdString(L"asked for"));
-  const OdDbBlockReferencePtr place = OdDbBlockReference::cast(made.created.openObject());
+  const OdDbBlockReferencePtr place = made.created.openAs<OdDbBlockReference>();
   EXPECT_NEAR(place->position().z, 16.0, 1e-6);
   EXPECT_NEAR(volume(), 300.0 * 200.0 * 16.0 - drilled(20.0, 4.0), 1e-3);
   EXPECT_NE(openingFace(made.feature, 1), 0U);
@@ -166,7 +166,7 @@ TEST_F(ComponentTest, WhatIsStoredIsEnoughToHealAfterOpeningTheFile) {
   const OdDbHandle plateHandle = m_plate.getHandle();
   m_editor.reset();
   m_database.release();
-  OdDbStoreStatus status;
+  OdStatus status;
   m_database = m_files.readFile(path, status);
   ASSERT_FALSE(m_database.isNull());
   m_plate = m_database->getOdDbObjectId(plateHandle);
@@ -221,7 +221,7 @@ TEST_F(ComponentTest, GroupsAreOneStepOrNothing) {
 
 TEST_F(ComponentTest, ChangesOfOthersAreFoundByAnUpdate) {
   const EditResult made = insert(hole(L"H", 20.0), 100.0, 100.0);
-  OdDbBlockReference::cast(made.created.safeOpenObject(OdDb::kForWrite))
+  made.created.safeOpenAs<OdDbBlockReference>(OdDb::kForWrite)
       ->transformBy(OdGeMatrix3d::translation({50.0, 0.0, 0.0}));
   const OdModelerBodyPtr tool = box(30.0, 30.0, 10.0);
   ASSERT_TRUE(succeeded(

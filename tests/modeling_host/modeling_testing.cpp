@@ -69,7 +69,7 @@ OdDbObjectId ModelingTest::openingReference(const OdDbObjectId& feature, int too
 
 OdUInt32 ModelingTest::openingFace(const OdDbObjectId& feature, int toolFace) const {
   const VdmDbObjectDependencyPtr reference =
-      VdmDbObjectDependency::cast(openingReference(feature, toolFace).openObject());
+      openingReference(feature, toolFace).openAs<VdmDbObjectDependency>();
   if (reference.isNull() || isUnresolvedIndex(reference->subentId().index())) return 0;
   return static_cast<OdUInt32>(reference->subentId().index());
 }
@@ -94,8 +94,7 @@ OdModelerBodyPtr ModelingTest::freshBody(const OdModelerBodyPtr& base) const {
   std::array<std::vector<OdModelerBodyPtr>, kToolKindCount> tools;
   ComponentTools library;
   for (const OdDbObjectId& id : componentsOfSolid(m_plate)) {
-    const OdDbBlockReferencePtr place =
-        OdDbBlockReference::cast(component(id)->insertId().openObject());
+    const OdDbBlockReferencePtr place = component(id)->insertId().openAs<OdDbBlockReference>();
     if (place.isNull() || place->layer() == OdString(VdmComponentFeature::kSuppressLayer)) continue;
     const BlockTools& all = library.of(place->blockTableRecord());
     for (std::size_t kind = 0; kind < kToolKindCount; ++kind) {
@@ -112,7 +111,7 @@ OdModelerBodyPtr ModelingTest::freshBody(const OdModelerBodyPtr& base) const {
 testing::AssertionResult ModelingTest::isAsFresh(const OdModelerBodyPtr& base) const {
   const OdModelerBodyPtr now = plateBody();
   const OdModelerBodyPtr fresh = freshBody(base);
-  if (const OdModelerStatus sound = now->check(); !sound.ok())
+  if (const OdStatus sound = now->check(); !sound.ok())
     return testing::AssertionFailure() << "unsound: " << sound.text.utf8();
   const double expected = fresh->massProperties().volume;
   const double volume = now->massProperties().volume;

@@ -59,57 +59,56 @@ class FailingModeler : public OdModeler {
   [[nodiscard]] int count() const { return m_count; }
 
   OdString name() const override { return m_modeler->name(); }
-  OdModelerStatus box(double x, double y, double z, OdModelerBodyPtr& r) override {
+  OdStatus box(double x, double y, double z, OdModelerBodyPtr& r) override {
     return m_modeler->box(x, y, z, r);
   }
-  OdModelerStatus cylinder(double radius, double height, OdModelerBodyPtr& r) override {
+  OdStatus cylinder(double radius, double height, OdModelerBodyPtr& r) override {
     return m_modeler->cylinder(radius, height, r);
   }
-  OdModelerStatus cone(double a, double b, double h, OdModelerBodyPtr& r) override {
+  OdStatus cone(double a, double b, double h, OdModelerBodyPtr& r) override {
     return m_modeler->cone(a, b, h, r);
   }
-  OdModelerStatus sphere(double radius, OdModelerBodyPtr& r) override {
+  OdStatus sphere(double radius, OdModelerBodyPtr& r) override {
     return m_modeler->sphere(radius, r);
   }
-  OdModelerStatus torus(double a, double b, OdModelerBodyPtr& r) override {
+  OdStatus torus(double a, double b, OdModelerBodyPtr& r) override {
     return m_modeler->torus(a, b, r);
   }
-  OdModelerStatus wedge(double x, double y, double z, double t, OdModelerBodyPtr& r) override {
+  OdStatus wedge(double x, double y, double z, double t, OdModelerBodyPtr& r) override {
     return m_modeler->wedge(x, y, z, t, r);
   }
-  OdModelerStatus extrude(const OdModelerProfile& profile, const OdGeVector3d& direction,
-                          OdModelerBodyPtr& r) override {
+  OdStatus extrude(const OdModelerProfile& profile, const OdGeVector3d& direction,
+                   OdModelerBodyPtr& r) override {
     return m_modeler->extrude(profile, direction, r);
   }
-  OdModelerStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& point,
-                          const OdGeVector3d& axis, double angle, OdModelerBodyPtr& r) override {
+  OdStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& point,
+                   const OdGeVector3d& axis, double angle, OdModelerBodyPtr& r) override {
     return m_modeler->revolve(profile, point, axis, angle, r);
   }
-  OdModelerStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
-                          std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& r,
-                          OdModelerHistory* history) override {
+  OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
+                   std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& r,
+                   OdModelerHistory* history) override {
     if (++m_count == m_fails) return {eModelerError, OdString(L"the modeller gave up")};
     return m_modeler->boolean(kind, base, tools, r, history);
   }
-  OdModelerStatus fillet(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges,
-                         double radius, OdModelerBodyPtr& r, OdModelerHistory* history) override {
+  OdStatus fillet(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges, double radius,
+                  OdModelerBodyPtr& r, OdModelerHistory* history) override {
     return m_modeler->fillet(body, edges, radius, r, history);
   }
-  OdModelerStatus chamfer(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges,
-                          double distance, OdModelerBodyPtr& r,
-                          OdModelerHistory* history) override {
+  OdStatus chamfer(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges, double distance,
+                   OdModelerBodyPtr& r, OdModelerHistory* history) override {
     return m_modeler->chamfer(body, edges, distance, r, history);
   }
-  OdModelerStatus compound(std::span<const OdModelerBodyPtr> bodies, OdModelerBodyPtr& r) override {
+  OdStatus compound(std::span<const OdModelerBodyPtr> bodies, OdModelerBodyPtr& r) override {
     return m_modeler->compound(bodies, r);
   }
-  OdModelerStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& r) override {
+  OdStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& r) override {
     return m_modeler->deserialise(bytes, r);
   }
-  OdModelerStatus importStep(const OdString& path, OdModelerAssembly& r) override {
+  OdStatus importStep(const OdString& path, OdModelerAssembly& r) override {
     return m_modeler->importStep(path, r);
   }
-  OdModelerStatus exportStep(const OdString& path, const OdModelerAssembly& assembly) override {
+  OdStatus exportStep(const OdString& path, const OdModelerAssembly& assembly) override {
     return m_modeler->exportStep(path, assembly);
   }
 

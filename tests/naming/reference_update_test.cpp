@@ -58,18 +58,17 @@ class VdmReferenceUpdate : public Runtime, public NamingTest {
     if (block.isNull()) block = m_drawing->getModelSpaceId();
     OdDb3dSolidPtr entity = OdDb3dSolid::createObject();
     entity->setBody(body);
-    return OdDbBlockTableRecord::cast(block.safeOpenObject(OdDb::kForWrite))
-        ->appendOdDbEntity(entity);
+    return block.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite)->appendOdDbEntity(entity);
   }
   static OdDb3dSolidPtr solid(const OdDbObjectId& id, OdDb::OpenMode mode = OdDb::kForWrite) {
-    return OdDb3dSolid::cast(id.safeOpenObject(mode));
+    return id.safeOpenAs<OdDb3dSolid>(mode);
   }
   static OdModelerBodyPtr bodyOfSolid(const OdDbObjectId& id) {
     return solid(id, OdDb::kForRead)->body();
   }
   static VdmDbPersIdManagerPtr manager(const OdDbObjectId& block) {
-    return VdmDbPersIdManager::cast(
-        VdmDbPersIdManager::getInstance(block, false).safeOpenObject(OdDb::kForWrite));
+    return VdmDbPersIdManager::getInstance(block, false)
+        .safeOpenAs<VdmDbPersIdManager>(OdDb::kForWrite);
   }
   /// A watched reference.
   OdDbObjectId refer(const OdDbFullSubentPath& path) const {
@@ -375,15 +374,14 @@ TEST_F(VdmReferenceUpdate, PathsThroughBlockReferencesAndStoredDrawings) {
   OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::createObject();
   block->setName(L"PART");
   const OdDbObjectId blockId =
-      OdDbBlockTable::cast(m_drawing->getBlockTableId().safeOpenObject(OdDb::kForWrite))
-          ->add(block);
+      m_drawing->getBlockTableId().safeOpenAs<OdDbBlockTable>(OdDb::kForWrite)->add(block);
   block = nullptr;
   const OdDbObjectId entity = addSolid(plate(), blockId);
   OdDbBlockReferencePtr insert = OdDbBlockReference::createObject();
   insert->setBlockTableRecord(blockId);
-  const OdDbObjectId insertId =
-      OdDbBlockTableRecord::cast(m_drawing->getModelSpaceId().safeOpenObject(OdDb::kForWrite))
-          ->appendOdDbEntity(insert);
+  const OdDbObjectId insertId = m_drawing->getModelSpaceId()
+                                    .safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite)
+                                    ->appendOdDbEntity(insert);
   insert = nullptr;
   const OdGePoint3d at(300, 100, 5);
   OdDbObjectIdArray ids{insertId, entity};
@@ -396,7 +394,7 @@ TEST_F(VdmReferenceUpdate, PathsThroughBlockReferencesAndStoredDrawings) {
   ASSERT_TRUE(m_drawing->saveAs(OdString(file.c_str())).ok());
   const OdDbHandle handle = ref.getHandle();
   m_drawing = nullptr;
-  OdDbStoreStatus status;
+  OdStatus status;
   m_drawing = m_services.readFile(OdString(file.c_str()), status);
   ASSERT_FALSE(m_drawing.isNull()) << status.text.utf8();
   const OdDbObjectId stored = m_drawing->getOdDbObjectId(handle);
@@ -422,7 +420,7 @@ TEST_F(NamingTest, SubentitiesByTextAndByPoint) {
   EXPECT_EQ(found.index, faceAt(*body, {300, 100, 5}));
   EXPECT_TRUE(succeeded(at({300, 200.2, 10}, Type::kNull)));
   EXPECT_EQ(found.type, Type::kVertex) << "corners before edges before faces";
-  const OdModelerStatus both = at({300, 200, 5}, Type::kFace);
+  const OdStatus both = at({300, 200, 5}, Type::kFace);
   EXPECT_EQ(both.code, eInvalidInput);
   for (const OdGePoint3d& point : {OdGePoint3d(300, 100, 5), OdGePoint3d(150, 200, 5)}) {
     EXPECT_GE(both.text.find(subentName({Type::kFace, faceAt(*body, point)})), 0) << "names both";

@@ -88,7 +88,7 @@ class CoreTest : public testing::Test {
 
   OdDbObjectId addCell(const wchar_t* text = L"");
   static TestCellPtr open(OdDbObjectId id, OdDb::OpenMode mode = OdDb::kForRead) {
-    return TestCell::cast(id.openObject(mode));
+    return id.openAs<TestCell>(mode);
   }
   static void setNumber(OdDbObjectId id, OdInt32 number) {
     open(id, OdDb::kForWrite)->setNumber(number);

@@ -34,7 +34,7 @@ class DbTest : public testing::Test {
 
   template <class T>
   static OdSmartPtr<T> open(OdDbObjectId id, OdDb::OpenMode mode = OdDb::kForRead) {
-    return T::cast(id.safeOpenObject(mode));
+    return id.safeOpenAs<T>(mode);
   }
   template <class T>
   static OdSmartPtr<T> edit(OdDbObjectId id) {

@@ -22,16 +22,16 @@ class OdDbDatabaseFile : public CoreTest {
     fs::remove(path);
   }
   void saveAs() {
-    const OdDbStoreStatus status = database->saveAs(OdString(path));
+    const OdStatus status = database->saveAs(OdString(path));
     ASSERT_TRUE(status.ok()) << status.text.utf8();
   }
   void save() {
-    const OdDbStoreStatus status = database->save();
+    const OdStatus status = database->save();
     ASSERT_TRUE(status.ok()) << status.text.utf8();
   }
   void reopen(OdDbStoreOpenMode mode = OdDbStoreOpenMode::kReadWrite) {
     database = OdDbDatabasePtr();
-    OdDbStoreStatus status;
+    OdStatus status;
     OdDbReadOptions options;
     options.mode = mode;
     database = files.readFile(OdString(path), status, options);
@@ -45,7 +45,7 @@ class OdDbDatabaseFile : public CoreTest {
 
 TEST_F(OdDbDatabaseFile, OpensWithoutReadingObjectsAndKnowsIdsWithoutLoading) {
   const auto root = [this](OdDb::OpenMode mode) {
-    return OdDbDictionary::cast(database->getNamedObjectsDictionaryId().openObject(mode));
+    return database->getNamedObjectsDictionaryId().openAs<OdDbDictionary>(mode);
   };
   const OdDbObjectId kept = addCell(L"kept");
   root(OdDb::kForWrite)->setAt("name", kept);
@@ -82,7 +82,7 @@ TEST_F(OdDbDatabaseFile, AResidentProxyTurnsIntoItsObjectOnceTheClassIsThere) {
     proxy->createExtensionDictionary();
   }
   save();
-  EXPECT_FALSE(OdDbProxyObject::cast(find(handle).openObject()).isNull());
+  EXPECT_FALSE(find(handle).openAs<OdDbProxyObject>().isNull());
   TestCell::rxInit();
   ASSERT_FALSE(open(find(handle)).isNull());
   EXPECT_EQ(open(find(handle))->text(), L"text");

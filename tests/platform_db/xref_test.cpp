@@ -29,7 +29,7 @@ class OdDbXRefManTest : public CloneTest {
 
   OdString path(const char* name) const { return OdString(fs::absolute(m_folder / name).string()); }
   OdDbDatabasePtr reopen(const char* name) {
-    OdDbStoreStatus status;
+    OdStatus status;
     OdDbDatabasePtr drawing = m_host.readFile(path(name), status);
     EXPECT_TRUE(status.ok()) << status.text.utf8();
     return drawing;

@@ -39,8 +39,8 @@ class VdmDbExtensionDataTest : public testing::Test {
     m_database->startUndoRecord();
   }
   OdDbObjectId addHost(const char* name) {
-    const OdDbDictionaryPtr root = OdDbDictionary::cast(
-        m_database->getNamedObjectsDictionaryId().safeOpenObject(OdDb::kForWrite));
+    const OdDbDictionaryPtr root =
+        m_database->getNamedObjectsDictionaryId().safeOpenAs<OdDbDictionary>(OdDb::kForWrite);
     const OdDbXrecordPtr host = OdDbXrecord::createObject();
     return root->setAt(name, host.get());
   }
@@ -59,8 +59,7 @@ class VdmDbExtensionDataTest : public testing::Test {
     return chain->next().isNull() ? 0 : static_cast<int>(chain->next()->getBinaryChunk().size());
   }
   bool hasFallback() {
-    const OdDbDictionaryPtr dictionary =
-        OdDbDictionary::cast(open()->extensionDictionary().openObject());
+    const OdDbDictionaryPtr dictionary = open()->extensionDictionary().openAs<OdDbDictionary>();
     return !dictionary.isNull() && dictionary->has(L"VDM_DB");
   }
   // A bag whose flat form has exactly this size: 12 bytes go to the entry around the blob.
@@ -95,8 +94,7 @@ TEST_F(VdmDbExtensionDataTest, KeepsBagsBySize) {
 TEST_F(VdmDbExtensionDataTest, RefusesToLeaveAFallbackThatIsOpen) {
   write(bagOfSize(20000));
   {
-    const OdDbDictionaryPtr dictionary =
-        OdDbDictionary::cast(open()->extensionDictionary().openObject());
+    const OdDbDictionaryPtr dictionary = open()->extensionDictionary().openAs<OdDbDictionary>();
     const OdDbObjectPtr reader = dictionary->getAt(L"VDM_DB", OdDb::kForNotify);
     ASSERT_FALSE(reader.isNull());
     EXPECT_THROW(write(VdmProperties()), OdError);

@@ -82,14 +82,14 @@ bool addBagObject(const EditContext& context) {
   for (std::size_t count = context.random().below(5); count > 0; --count) {
     setValue(context, bag, context.name());
   }
-  OdDbDictionary::cast(home.safeOpenObject(OdDb::kForWrite))->setAt(context.name(), object);
+  home.safeOpenAs<OdDbDictionary>(OdDb::kForWrite)->setAt(context.name(), object);
   return true;
 }
 
 bool changeBagObject(const EditContext& context) {
   const OdDbObjectId id = context.pick(VdmDbExtensionData::desc());
   if (id.isNull()) return false;
-  const VdmDbExtensionDataPtr object = VdmDbExtensionData::cast(id.safeOpenObject(OdDb::kForWrite));
+  const VdmDbExtensionDataPtr object = id.safeOpenAs<VdmDbExtensionData>(OdDb::kForWrite);
   VdmProperties& bag = object->propertiesForWrite();
   if (!bag.isEmpty() && context.random().chance(30)) {
     const OdString key = (*bag.begin()).first;

@@ -8,7 +8,7 @@
 namespace {
 
 OdDbDictionaryPtr writableDictionary(OdDbObjectId id) {
-  return OdDbDictionary::cast(id.safeOpenObject(OdDb::kForWrite));
+  return id.safeOpenAs<OdDbDictionary>(OdDb::kForWrite);
 }
 
 // A code of each kind of value, ids of all ways to refer but owning excepted.
@@ -51,7 +51,7 @@ bool changeXrecord(const EditContext& context) {
   const OdDbObjectId id = context.pick(OdDbXrecord::desc());
   if (id.isNull()) return false;
   const OdResBufPtr chain = randomChain(context);
-  OdDbXrecord::cast(id.safeOpenObject(OdDb::kForWrite))->setFromRbChain(chain.get());
+  id.safeOpenAs<OdDbXrecord>(OdDb::kForWrite)->setFromRbChain(chain.get());
   return true;
 }
 

@@ -11,7 +11,7 @@ namespace {
 
 template <class T>
 OdSmartPtr<T> writable(OdDbObjectId id) {
-  return T::cast(id.safeOpenObject(OdDb::kForWrite));
+  return id.safeOpenAs<T>(OdDb::kForWrite);
 }
 
 OdGePoint3d point(const EditContext& context) {

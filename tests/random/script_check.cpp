@@ -135,7 +135,7 @@ class ScriptPlay {
     const std::string before = dumpDrawing(m_database.get(), DumpScope::kInFile);
     rememberErased();
     m_database = OdDbDatabasePtr();
-    OdDbStoreStatus status;
+    OdStatus status;
     m_database = m_services.readFile(OdString(kFile), status);
     check(status);
     check(m_database->loadAll());
@@ -190,7 +190,7 @@ class ScriptPlay {
   static void expectOk(OdResult result, const std::string& what) {
     if (result != eOk) fail(what + " gave " + std::to_string(result));
   }
-  static void check(const OdDbStoreStatus& status) {
+  static void check(const OdStatus& status) {
     if (!status.ok()) fail(std::string(status.text.utf8()));
   }
   [[noreturn]] static void fail(const std::string& what) { throw std::runtime_error(what); }

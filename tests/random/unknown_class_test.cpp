@@ -27,13 +27,13 @@ class UnknownClasses : public testing::Test {
   }
 
   OdDbDatabasePtr open(const char* path) {
-    OdDbStoreStatus status;
+    OdStatus status;
     OdDbDatabasePtr database = m_services.readFile(OdString(path), status);
     EXPECT_TRUE(status.ok()) << status.text.utf8();
     return database;
   }
   static void saveAs(const OdDbDatabasePtr& database, const char* path) {
-    const OdDbStoreStatus status = database->saveAs(OdString(path));
+    const OdStatus status = database->saveAs(OdString(path));
     ASSERT_TRUE(status.ok()) << status.text.utf8();
   }
   // A drawing that has been edited at random; every dictionary in it is whole.
@@ -48,7 +48,7 @@ class UnknownClasses : public testing::Test {
     const OdDbObjectId root = database->getNamedObjectsDictionaryId();
     OdDbObjectIdArray ids;
     {
-      const OdDbDictionaryPtr dictionary = OdDbDictionary::cast(root.safeOpenObject());
+      const OdDbDictionaryPtr dictionary = root.safeOpenAs<OdDbDictionary>();
       const OdDbDictionaryIteratorPtr entry = dictionary->newIterator();
       for (; !entry->done(); entry->next()) ids.append(entry->objectId());
     }
@@ -62,7 +62,7 @@ class UnknownClasses : public testing::Test {
   // The stored bytes of all objects of a class.
   Records recordsOf(const char* path, std::string_view className) {
     std::unique_ptr<OdDbRecordStore> store;
-    const OdDbStoreStatus status =
+    const OdStatus status =
         m_services.recordStoreFactory()->open(OdString(path), OdDbStoreOpenMode::kReadOnly, store);
     EXPECT_TRUE(status.ok()) << status.text.utf8();
     OdUInt32 wanted = 0;

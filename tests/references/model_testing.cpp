@@ -15,7 +15,7 @@ void ManagerHost::findExisting(VdmDbPersIdManager*, const OdDbFullSubentPathArra
 void ManagerHost::updateDependency(VdmDbPersIdManager*, const OdDbObjectId& dependency,
                                    const OdDbFullSubentPath& path) {
   calls.append(L"update");
-  VdmDbObjectDependency::cast(dependency.safeOpenObject(OdDb::kForWrite))->setLinkObject(path);
+  dependency.safeOpenAs<VdmDbObjectDependency>(OdDb::kForWrite)->setLinkObject(path);
 }
 
 void ManagerHost::createDependencies(OdDbObjectIdArray& newIds, VdmDbPersIdManager* manager,

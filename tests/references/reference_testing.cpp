@@ -87,7 +87,7 @@ OdString ReferenceTest::path(const char* name) const {
 }
 
 OdDbDatabasePtr ReferenceTest::read(const char* name) {
-  OdDbStoreStatus status;
+  OdStatus status;
   OdDbDatabasePtr drawing = m_host.readFile(path(name), status);
   EXPECT_TRUE(status.ok()) << status.text.utf8();
   return drawing;

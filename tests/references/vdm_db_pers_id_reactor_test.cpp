@@ -38,7 +38,7 @@ class VdmDbPersIdReactorTest : public ModelTest {
     LinkFeature::asked.clear();
   }
   OdDbObjectId addReactor(int mask) const {
-    const VdmFeaturePtr feature = VdmFeature::cast(m_feature.safeOpenObject(OdDb::kForWrite));
+    const VdmFeaturePtr feature = m_feature.safeOpenAs<VdmFeature>(OdDb::kForWrite);
     const OdDbObjectId id = feature->addReactor(VdmDbPersIdReactor::desc(), mask, 7);
     edit<VdmDbPersIdReactor>(id)->addPersIds(m_ids);
     return id;

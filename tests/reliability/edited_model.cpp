@@ -46,9 +46,9 @@ OdDbObjectId EditedModel::idOf(const OdDbHandle& handle) const {
 void EditedModel::addSolid(const OdModelerBodyPtr& body) {
   const OdDb3dSolidPtr solid = OdDb3dSolid::createObject();
   solid->setBody(body);
-  const OdDbObjectId id =
-      OdDbBlockTableRecord::cast(m_database->getModelSpaceId().safeOpenObject(OdDb::kForWrite))
-          ->appendOdDbEntity(solid);
+  const OdDbObjectId id = m_database->getModelSpaceId()
+                              .safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite)
+                              ->appendOdDbEntity(solid);
   m_truth.solids.push_back({id.getHandle(), body, {}, {}, body->extents().maxPoint().z});
 }
 
@@ -164,8 +164,7 @@ EditResult EditedModel::insert(const ModelEdit& edit) {
   if (!result.ok()) return result;
   added.insert = result.created.getHandle();
   added.feature = result.feature.getHandle();
-  const OdGeMatrix3d world =
-      OdDbBlockReference::cast(result.created.safeOpenObject())->blockTransform();
+  const OdGeMatrix3d world = result.created.safeOpenAs<OdDbBlockReference>()->blockTransform();
   added.place = solid.frame.inverse() * world;
   expect((added.place * OdGePoint3d()).isEqualTo(point, OdGeTol(1e-6)), "inserted elsewhere");
   m_truth.inserts.push_back(added);
@@ -205,7 +204,8 @@ EditResult EditedModel::drill(const ModelEdit& edit) {
     fail("the drill cannot be placed");
   solid.drills.push_back(local);
   return m_editor->edit(OdString(L"drill"), [&] {
-    return OdDb3dSolid::cast(idOf(solid.handle).safeOpenObject(OdDb::kForWrite))
+    return idOf(solid.handle)
+        .safeOpenAs<OdDb3dSolid>(OdDb::kForWrite)
         ->booleanOper(OdModelerBooleanKind::kSubtract, std::span(&tool, 1));
   });
 }
@@ -225,7 +225,7 @@ EditResult EditedModel::refer(const ModelEdit& edit) {
   const OdDbFullSubentPath path(idOf(m_truth.solids[added.solid].handle),
                                 OdDbSubentId(static_cast<OdDb::SubentType>(added.type), index));
   OdDbObjectId feature;
-  EditResult result = m_editor->edit(OdString(L"refer"), [&]() -> OdModelerStatus {
+  EditResult result = m_editor->edit(OdString(L"refer"), [&]() -> OdStatus {
     const OdResult made = nameReference(path, OdString(), feature);
     if (made == eOk) return {};
     return {made, OdString(L"the reference cannot be made")};
@@ -239,7 +239,7 @@ EditResult EditedModel::refer(const ModelEdit& edit) {
 // ---- Reading
 
 OdModelerBodyPtr EditedModel::bodyOf(std::size_t solid) const {
-  return OdDb3dSolid::cast(idOf(m_truth.solids[solid].handle).safeOpenObject())->body();
+  return idOf(m_truth.solids[solid].handle).safeOpenAs<OdDb3dSolid>()->body();
 }
 VdmComponentFeaturePtr EditedModel::openComponent(const TruthInsert& insert) const {
   const VdmComponentFeaturePtr component =

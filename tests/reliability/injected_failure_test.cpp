@@ -36,7 +36,7 @@ class InjectedFailures : public ModelingTest {
   /// What is in a file of the drawing.
   std::string saved() {
     EXPECT_TRUE(m_database->saveAs(OdString(kFile)).ok());
-    OdDbStoreStatus status;
+    OdStatus status;
     OdDbReadOptions options;
     options.mode = OdDbStoreOpenMode::kReadOnly;
     const OdDbDatabasePtr read = m_files.readFile(OdString(kFile), status, options);

@@ -29,7 +29,7 @@ class KilledEdit : public ModelingTest {
   }
 
   static std::string stateOf(OdDbHostAppServices& services) {
-    OdDbStoreStatus status;
+    OdStatus status;
     const OdDbDatabasePtr database = services.readFile(OdString(kFile), status);
     EXPECT_TRUE(status.ok()) << status.text.utf8();
     return database.isNull() ? std::string() : dumpDrawing(database.get());
@@ -40,7 +40,7 @@ class KilledEdit : public ModelingTest {
     options.vfsName = crashtest::faultVfsName();
     options.fileOps = std::make_shared<crashtest::FaultFileOps>();
     OdDbHostAppServices services(createSqliteStoreFactory(options));
-    OdDbStoreStatus status;
+    OdStatus status;
     crashtest::faultState().start(crashtest::FaultMode::kKill, at);
     const OdDbDatabasePtr database = services.readFile(OdString(kFile), status);
     if (database.isNull()) ::_exit(1);

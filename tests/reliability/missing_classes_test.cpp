@@ -44,7 +44,7 @@ class MissingClasses : public ModelingTest, public testing::WithParamInterface<M
   /// Gives the state of the file.
   std::string reopen(const char* path) {
     close();
-    OdDbStoreStatus status;
+    OdStatus status;
     m_database = m_files.readFile(OdString(path), status);
     if (m_database.isNull()) throw std::runtime_error(std::string(status.text.utf8()));
     m_plate = m_database->getOdDbObjectId(m_plateHandle);
@@ -79,7 +79,8 @@ class MissingClasses : public ModelingTest, public testing::WithParamInterface<M
   }
   OdDbObjectId insertId() const { return m_database->getOdDbObjectId(m_insert); }
   void moveByHand() const {
-    OdDbBlockReference::cast(insertId().safeOpenObject(OdDb::kForWrite))
+    insertId()
+        .safeOpenAs<OdDbBlockReference>(OdDb::kForWrite)
         ->transformBy(OdGeMatrix3d::translation({30.0, 20.0, 0.0}));
   }
   void save(const char* path) const { ASSERT_TRUE(m_database->saveAs(OdString(path)).ok()); }

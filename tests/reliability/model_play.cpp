@@ -144,7 +144,7 @@ class ModelPlay : private EditedModel {
   template <class Manager>
   static void auditManager(const OdDbObjectId& block) {
     const OdDbObjectId id = Manager::getInstance(block, /*create=*/false);
-    if (!id.isNull()) Manager::cast(id.safeOpenObject(OdDb::kForWrite))->doAudit();
+    if (!id.isNull()) id.safeOpenAs<Manager>(OdDb::kForWrite)->doAudit();
   }
   void expectSame(const std::string& before, const std::string& what) const {
     const std::string now = dump();
@@ -182,7 +182,7 @@ class ModelPlay : private EditedModel {
     const TruthInsert& insert = m_truth.inserts[number];
     const VdmComponentFeaturePtr component = openComponent(insert);
     const OdGeMatrix3d world =
-        OdDbBlockReference::cast(component->insertId().safeOpenObject())->blockTransform();
+        component->insertId().safeOpenAs<OdDbBlockReference>()->blockTransform();
     expect(world.isEqualTo(m_truth.worldOf(insert), OdGeTol(1e-6)), "an insert is elsewhere");
     if (insert.base) {
       for (const OdDbObjectId& id : component->baseFaceDependencies()) {
@@ -227,7 +227,7 @@ class ModelPlay : private EditedModel {
   // Law 4.
   void checkSolid(std::size_t number) const {
     const OdModelerBodyPtr now = bodyOf(number);
-    const OdModelerStatus sound = now->check();
+    const OdStatus sound = now->check();
     if (!sound.ok()) fail("unsound: " + std::string(sound.text.utf8()));
     const OdModelerBodyPtr fresh = m_truth.built(number);
     const OdModelerMassProperties have = now->massProperties();
@@ -253,7 +253,7 @@ class ModelPlay : private EditedModel {
     const std::string before = dump();
     m_editor.reset();
     m_database = OdDbDatabasePtr();
-    OdDbStoreStatus status;
+    OdStatus status;
     m_database = m_services.readFile(OdString(kFile), status);
     check(status);
     m_editor = std::make_unique<ModelEditor>(m_database.get());
@@ -264,7 +264,7 @@ class ModelPlay : private EditedModel {
     m_database->audit(&info);
     if (info.numErrors() != 0) fail("audit: " + std::string(info.lines()[0].utf8()));
   }
-  static void check(const OdDbStoreStatus& status) {
+  static void check(const OdStatus& status) {
     if (!status.ok()) fail(std::string(status.text.utf8()));
   }
 

@@ -45,7 +45,7 @@ bool isSameSurface(const OdModelerFace& face, const OdModelerFace& source,
 
 OdModelerBodyPtr placed(const OdModelerBodyPtr& body, const OdGeMatrix3d& placement) {
   OdModelerBodyPtr result;
-  const OdModelerStatus status = body->transformed(placement, result);
+  const OdStatus status = body->transformed(placement, result);
   if (!status.ok()) throw std::runtime_error(std::string(status.text.utf8()));
   return result;
 }
@@ -54,7 +54,7 @@ OdModelerBodyPtr combined(OdModelerBooleanKind kind, const OdModelerBodyPtr& bas
                           const std::vector<OdModelerBodyPtr>& tools) {
   if (tools.empty()) return base;
   OdModelerBodyPtr result;
-  const OdModelerStatus status = odModeler().boolean(kind, base, tools, result, nullptr);
+  const OdStatus status = odModeler().boolean(kind, base, tools, result, nullptr);
   if (!status.ok()) throw std::runtime_error("building anew: " + std::string(status.text.utf8()));
   return result;
 }

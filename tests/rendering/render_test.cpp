@@ -80,8 +80,7 @@ class RenderTest : public DrawingTest {
     const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::createObject();
     block->setName(L"part");
     const OdDbObjectId id =
-        OdDbBlockTable::cast(m_database->getBlockTableId().safeOpenObject(OdDb::kForWrite))
-            ->add(block);
+        m_database->getBlockTableId().safeOpenAs<OdDbBlockTable>(OdDb::kForWrite)->add(block);
     const OdDb3dSolidPtr part = OdDb3dSolid::createObject();
     part->setBody(box(1, 2, 3));
     const OdDbObjectId partId = blockRecord(id, OdDb::kForWrite)->appendOdDbEntity(part);
@@ -230,8 +229,7 @@ TEST_F(RenderTest, WhatCannotBeDrawnIsToldAndTheRestDrawn) {
   }
   // The block is erased with its solid still shown.
   solid(broken, OdDb::kForWrite)->setBody(nullptr);
-  blockRecord(OdDbBlockReference::cast(reference.safeOpenObject())->blockTableRecord(),
-              OdDb::kForWrite)
+  blockRecord(reference.safeOpenAs<OdDbBlockReference>()->blockTableRecord(), OdDb::kForWrite)
       ->erase();
   ASSERT_EQ(renderPng(*m_database, "a.png", m_options), "");
   ASSERT_EQ(m_warnings.size(), 1u);

@@ -22,7 +22,7 @@ constexpr std::size_t kBitStep = 1;
 /// the walk pass and leads the search astray, which must not look like an absent record.
 std::optional<Content> readEverything(OdDbRecordStoreFactory& factory, const std::string& path) {
   std::unique_ptr<OdDbRecordStore> store;
-  OdDbStoreStatus status = factory.open(path, OdDbStoreOpenMode::kReadOnly, store);
+  OdStatus status = factory.open(path, OdDbStoreOpenMode::kReadOnly, store);
   if (!status.ok()) return {};
   std::optional<Content> content = storetest::readAll(*store);
   OdDbRecordView record;

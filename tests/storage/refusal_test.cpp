@@ -101,7 +101,7 @@ TEST_F(Refusals, EachHostileFileIsRefusedWithItsReason) {
     for (const OdDbStoreOpenMode mode :
          {OdDbStoreOpenMode::kReadOnly, OdDbStoreOpenMode::kReadWrite}) {
       std::unique_ptr<OdDbRecordStore> store;
-      const OdDbStoreStatus status = factory->open(path, mode, store);
+      const OdStatus status = factory->open(path, mode, store);
       EXPECT_EQ(store, nullptr);
       const std::string text = storetest::textOf(status);
       EXPECT_EQ(status.code, refusal.code) << text;

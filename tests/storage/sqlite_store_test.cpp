@@ -23,7 +23,7 @@ class SqliteStore : public storetest::FolderTest {
   StorePtr openReader() { return open(OdDbStoreOpenMode::kReadOnly); }
   void write(const Content& content) { EXPECT_STORE_OK(writeFile(*m_factory, m_path, content)); }
   void expectContent(const Content& expected) {
-    OdDbStoreStatus status;
+    OdStatus status;
     const auto found = storetest::readFile(*m_factory, m_path, &status);
     EXPECT_TRUE(found == expected) << storetest::textOf(status);
   }
@@ -50,7 +50,7 @@ TEST_F(SqliteStore, RoundTripsEveryKindOfContent) {
 
   const StorePtr store = open();
   OdDbRecordView absent;
-  const OdDbStoreStatus status = store->readRecord(53, absent);
+  const OdStatus status = store->readRecord(53, absent);
   EXPECT_EQ(status.code, eUnknownHandle);
   EXPECT_TRUE(status.text.isEmpty());
   EXPECT_EQ(store->maxHandle(), 0xFFFFFFFFFFFFFFFFU);
@@ -113,7 +113,7 @@ TEST_F(SqliteStore, SecondWriterIsRefusedAndReadersAreNot) {
   write(content);
   StorePtr writer = open();
   StorePtr second;
-  const OdDbStoreStatus status = m_factory->open(m_path, OdDbStoreOpenMode::kReadWrite, second);
+  const OdStatus status = m_factory->open(m_path, OdDbStoreOpenMode::kReadWrite, second);
   EXPECT_EQ(status.code, eFileLocked);
   EXPECT_NE(storetest::textOf(status).find("file is locked"), std::string::npos);
   EXPECT_EQ(writeFile(*m_factory, m_path, content).code, eFileLocked);

@@ -44,9 +44,8 @@ Record recordOf(const OdDbRecordView& view) {
 }
 
 /// Puts and removes what leads from `before` to `after` into the running save.
-static OdDbStoreStatus putChanges(OdDbRecordStore& store, const Content& before,
-                                  const Content& after) {
-  OdDbStoreStatus status;
+static OdStatus putChanges(OdDbRecordStore& store, const Content& before, const Content& after) {
+  OdStatus status;
   for (const auto& [key, value] : after.variables) {
     if (status.ok()) status = store.putVariable({key, value});
   }
@@ -64,32 +63,32 @@ static OdDbStoreStatus putChanges(OdDbRecordStore& store, const Content& before,
   return status;
 }
 
-OdDbStoreStatus putAll(OdDbRecordStore& store, const Content& content) {
+OdStatus putAll(OdDbRecordStore& store, const Content& content) {
   return putChanges(store, {}, content);
 }
 
-OdDbStoreStatus saveChanges(OdDbRecordStore& store, const Content& before, const Content& after) {
-  OdDbStoreStatus status = store.beginSave();
+OdStatus saveChanges(OdDbRecordStore& store, const Content& before, const Content& after) {
+  OdStatus status = store.beginSave();
   if (status.ok()) status = putChanges(store, before, after);
   if (status.ok()) return store.commitSave();
   store.rollbackSave();
   return status;
 }
 
-OdDbStoreStatus writeFile(OdDbRecordStoreFactory& factory, const std::string& path,
-                          const Content& content) {
+OdStatus writeFile(OdDbRecordStoreFactory& factory, const std::string& path,
+                   const Content& content) {
   std::unique_ptr<OdDbRecordStore> store;
-  OdDbStoreStatus status = factory.create(path, store);
+  OdStatus status = factory.create(path, store);
   if (status.ok()) status = putAll(*store, content);
   if (status.ok()) status = store->commitSave();
   return status;
 }
 
-std::optional<Content> readAll(OdDbRecordStore& store, OdDbStoreStatus* reason) {
+std::optional<Content> readAll(OdDbRecordStore& store, OdStatus* reason) {
   Content content;
   for (const OdDbStoredClass& item : store.classes()) content.classes[item.id] = item.value;
   for (const OdDbStoredVariable& item : store.variables()) content.variables[item.key] = item.value;
-  const OdDbStoreStatus status = store.readAll([&](const OdDbRecordView& record) {
+  const OdStatus status = store.readAll([&](const OdDbRecordView& record) {
     content.records[record.handle] = recordOf(record);
     return true;
   });
@@ -98,19 +97,19 @@ std::optional<Content> readAll(OdDbRecordStore& store, OdDbStoreStatus* reason) 
 }
 
 std::optional<Content> readFile(OdDbRecordStoreFactory& factory, const std::string& path,
-                                OdDbStoreStatus* reason) {
+                                OdStatus* reason) {
   std::unique_ptr<OdDbRecordStore> store;
-  const OdDbStoreStatus status = factory.open(path, OdDbStoreOpenMode::kReadOnly, store);
+  const OdStatus status = factory.open(path, OdDbStoreOpenMode::kReadOnly, store);
   if (reason != nullptr) *reason = status;
   return status.ok() ? readAll(*store, reason) : std::nullopt;
 }
 
-testing::AssertionResult isOk(const OdDbStoreStatus& status) {
+testing::AssertionResult isOk(const OdStatus& status) {
   return (status.ok() ? testing::AssertionSuccess() : testing::AssertionFailure())
          << textOf(status);
 }
 
-std::string textOf(const OdDbStoreStatus& status) {
+std::string textOf(const OdStatus& status) {
   return std::string(odResultName(status.code)) + " " + static_cast<const char*>(status.text);
 }
 

@@ -39,19 +39,19 @@ std::string noise(std::size_t size, std::uint32_t seed);
 OdDbRecordView viewOf(std::uint64_t handle, const Record& record);
 Record recordOf(const OdDbRecordView& view);
 /// Puts all of `content` into the running save of `store`.
-OdDbStoreStatus putAll(OdDbRecordStore& store, const Content& content);
+OdStatus putAll(OdDbRecordStore& store, const Content& content);
 /// Puts and removes what leads from `before` to `after` in a save of its own.
-OdDbStoreStatus saveChanges(OdDbRecordStore& store, const Content& before, const Content& after);
+OdStatus saveChanges(OdDbRecordStore& store, const Content& before, const Content& after);
 /// Creates the file with `content`; the store is gone afterwards.
-OdDbStoreStatus writeFile(OdDbRecordStoreFactory& factory, const std::string& path,
-                          const Content& content);
+OdStatus writeFile(OdDbRecordStoreFactory& factory, const std::string& path,
+                   const Content& content);
 /// Reads everything, digest included. Empty when anything fails; `reason` takes why.
-std::optional<Content> readAll(OdDbRecordStore& store, OdDbStoreStatus* reason = nullptr);
+std::optional<Content> readAll(OdDbRecordStore& store, OdStatus* reason = nullptr);
 std::optional<Content> readFile(OdDbRecordStoreFactory& factory, const std::string& path,
-                                OdDbStoreStatus* reason = nullptr);
+                                OdStatus* reason = nullptr);
 
-testing::AssertionResult isOk(const OdDbStoreStatus& status);
-std::string textOf(const OdDbStoreStatus& status);
+testing::AssertionResult isOk(const OdStatus& status);
+std::string textOf(const OdStatus& status);
 
 std::string readBytes(const std::string& path);
 void writeBytes(const std::string& path, const std::string& bytes);

@@ -71,8 +71,7 @@ bool TestHelper::addCopiesToUpdateData(VdmUpdateFeatureInterface*, OdDbObjectId 
   for (const auto& [id, matrices] : entities.subtractors) {
     for (const OdGeMatrix3d& matrix : matrices) {
       OdDbEntityPtr copy;
-      OdDbEntity::cast(id.openObject())
-          ->getTransformedCopy(entities.insert->blockTransform() * matrix, copy);
+      id.openAs<OdDbEntity>()->getTransformedCopy(entities.insert->blockTransform() * matrix, copy);
       appendSolidToSubtract(feature, entities.solid->objectId(), OdDb3dSolid::cast(copy));
     }
   }
@@ -107,8 +106,8 @@ UpdateTest::~UpdateTest() {
 }
 
 VdmDbFeatureManagerPtr UpdateTest::manager() const {
-  return VdmDbFeatureManager::cast(
-      VdmDbFeatureManager::getInstance(space(), true).openObject(OdDb::kForWrite));
+  return VdmDbFeatureManager::getInstance(space(), true)
+      .openAs<VdmDbFeatureManager>(OdDb::kForWrite);
 }
 
 OdDbObjectId UpdateTest::addFeature(const std::vector<OdDbFullSubentPathArray>& references) {
@@ -122,7 +121,7 @@ OdDbObjectId UpdateTest::addFeature(const std::vector<OdDbFullSubentPathArray>& 
 
 OdDbObjectIdArray UpdateTest::dependencies(const OdDbObjectId& feature, OdUInt32 reactor) {
   const OdDbObjectId id = VdmFeature::open(feature)->reactorIds()[reactor];
-  return VdmDbPersIdReactor::cast(id.openObject())->persIds();
+  return id.openAs<VdmDbPersIdReactor>()->persIds();
 }
 
 bool UpdateTest::pass(const OdDbObjectIdArray& ids, bool force, bool constraintsCalculated) {
@@ -144,14 +143,13 @@ bool UpdateTest::pass(const OdDbObjectIdArray& ids, bool force, bool constraints
 OdDbObjectId UpdateTest::addBlock(const wchar_t* name) {
   const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::createObject();
   block->setName(name);
-  return OdDbBlockTable::cast(m_database->getBlockTableId().safeOpenObject(OdDb::kForWrite))
-      ->add(block);
+  return m_database->getBlockTableId().safeOpenAs<OdDbBlockTable>(OdDb::kForWrite)->add(block);
 }
 
 OdDbObjectId UpdateTest::addTo(const OdDbObjectId& block, OdDbEntity* entity,
                                const wchar_t* layer) {
   const OdDbLayerTablePtr table =
-      OdDbLayerTable::cast(block.database()->getLayerTableId().safeOpenObject(OdDb::kForWrite));
+      block.database()->getLayerTableId().safeOpenAs<OdDbLayerTable>(OdDb::kForWrite);
   if (!table->has(layer)) {
     const OdDbLayerTableRecordPtr record = OdDbLayerTableRecord::createObject();
     record->setName(layer);

@@ -111,7 +111,7 @@ TEST_F(VdmFeatureUpdateDataTest, AFailedSolidRollsAllOfThemBackAndThePassGoesOn)
   const OdBinaryData before = bytesOf(solid(m_plate)->body());
   const OdDbObjectId all = onPlate("all");
   script(all).prepare = [&](VdmFeatureUpdateData& data) {
-    VdmOpeningEntities entities{OdDbBlockReference::cast(script(hole).ownIds[0].openObject()),
+    VdmOpeningEntities entities{script(hole).ownIds[0].openAs<OdDbBlockReference>(),
                                 {{larger, {OdGeMatrix3d::kIdentity}}},
                                 {},
                                 solid(block)};

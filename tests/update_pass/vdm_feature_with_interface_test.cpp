@@ -63,8 +63,7 @@ TEST_F(VdmFeatureWithInterfaceTest, AClonedOwnObjectTakesTheFeatureAlong) {
     const OdDbObjectId dictionary =
         blockRecord(block, OdDb::kForWrite)->createExtensionDictionary();
     ASSERT_EQ(m_database->deepCloneObjects({manager.ownerId()}, dictionary, *mapping), eOk);
-    const auto clone =
-        VdmDbFeatureManager::cast(vdmu::findClone(*mapping, manager).safeOpenObject());
+    const auto clone = vdmu::findClone(*mapping, manager).safeOpenAs<VdmDbFeatureManager>();
     EXPECT_EQ(clone->featureIds().size(), hasOpening ? 1u : 0u);
   }
 }
@@ -80,8 +79,8 @@ TEST_F(VdmFeatureWithInterfaceTest, MergingTakesTheFeatureOfAClonedInsert) {
   VdmDbReverseIdMapping reverse(*mapping);
   std::unordered_set<OdDbObjectId> merged;
   std::map<OdDbObjectId, OdDbObjectId> replaced;
-  const auto target = VdmDbFeatureManager::cast(
-      VdmDbFeatureManager::getInstance(addBlock(L"A"), true).safeOpenObject(OdDb::kForWrite));
+  const auto target = VdmDbFeatureManager::getInstance(addBlock(L"A"), true)
+                          .safeOpenAs<VdmDbFeatureManager>(OdDb::kForWrite);
   target->mergeManagers(manager(), *mapping, reverse, merged, /*keepAll=*/false, replaced);
   EXPECT_EQ(target->featureIds(), OdDbObjectIdArray{m_feature});
   EXPECT_EQ(merged, std::unordered_set<OdDbObjectId>{model});

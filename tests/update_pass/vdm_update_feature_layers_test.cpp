@@ -106,7 +106,7 @@ TEST_F(VdmUpdateFeatureLayersTest, ArraysGiveTheirSolidsWithTheItemsTransforms) 
   ASSERT_EQ(inSpace.size(), 1u);
   EXPECT_TRUE(inSpace[0].second[0].isEqualTo(OdGeMatrix3d::translation({10.0, 5.0, 1.0})));
 
-  OdDbEntity::cast(reference.safeOpenObject(OdDb::kForWrite))->setLayer(L"VC_SUBTRACT");
+  reference.safeOpenAs<OdDbEntity>(OdDb::kForWrite)->setLayer(L"VC_SUBTRACT");
   EXPECT_EQ(Interface::getSubtractorsOnDedicatedLayer(space(), false).size(), 2u)
       << "the whole array cuts";
   addBox(array, L"0");

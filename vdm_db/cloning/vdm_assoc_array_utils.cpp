@@ -14,7 +14,7 @@ constexpr const wchar_t* kArrayActionClass = L"OdDbAssocArrayActionBody";
 
 OdDbBlockTableRecordPtr blockOf(const OdDbObject* object) {
   if (const OdDbBlockReferencePtr insert = OdDbBlockReference::cast(object); !insert.isNull())
-    return OdDbBlockTableRecord::cast(insert->blockTableRecord().openObject());
+    return insert->blockTableRecord().openAs<OdDbBlockTableRecord>();
   return OdDbBlockTableRecord::cast(object);
 }
 
@@ -22,7 +22,7 @@ bool isArrayAction(const OdDbObjectId& id) {
   const OdRxClass* cls = id.objectClass();
   if (cls == nullptr || id.isErased()) return false;
   if (cls->isDerivedFrom(OdDbProxyObject::desc())) {
-    const OdSmartPtr<OdDbProxyObject> proxy = OdDbProxyObject::cast(id.openObject());
+    const OdSmartPtr<OdDbProxyObject> proxy = id.openAs<OdDbProxyObject>();
     return !proxy.isNull() && proxy->originalClassName() == kArrayActionClass;
   }
   for (; cls != nullptr; cls = cls->myParent()) {
@@ -34,8 +34,7 @@ bool isArrayAction(const OdDbObjectId& id) {
 // An item shows a block of its own drawing.
 bool isItem(const OdDbBlockReferencePtr& entity) {
   if (entity.isNull()) return false;
-  const OdDbBlockTableRecordPtr block =
-      OdDbBlockTableRecord::cast(entity->blockTableRecord().openObject());
+  const OdDbBlockTableRecordPtr block = entity->blockTableRecord().openAs<OdDbBlockTableRecord>();
   return !block.isNull() && !block->isLayout() && !block->isFromExternalReference();
 }
 

@@ -92,10 +92,9 @@ struct OpenedReference {
   OdDbBlockReferencePtr reference;
   OdDbBlockTableRecordPtr block;
 
-  explicit OpenedReference(const OdDbObjectId& id)
-      : reference(OdDbBlockReference::cast(id.openObject())) {
+  explicit OpenedReference(const OdDbObjectId& id) : reference(id.openAs<OdDbBlockReference>()) {
     if (reference.isNull()) return;
-    block = OdDbBlockTableRecord::cast(reference->blockTableRecord().openObject());
+    block = reference->blockTableRecord().openAs<OdDbBlockTableRecord>();
   }
   [[nodiscard]] bool isOpen() const { return !reference.isNull() && !block.isNull(); }
   // From the units of the block to those of the drawing.
@@ -113,7 +112,7 @@ namespace vdmu {
 OdDbObjectId createEmptyAnonymousBlock(OdDbDatabase* database) {
   if (database == nullptr) return OdDbObjectId::kNull;
   const OdDbBlockTablePtr table =
-      OdDbBlockTable::cast(database->getBlockTableId().openObject(OdDb::kForWrite));
+      database->getBlockTableId().openAs<OdDbBlockTable>(OdDb::kForWrite);
   if (table.isNull()) return OdDbObjectId::kNull;
   const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::createObject();
   block->setName(kVdmAnonymousBlockPrefix);
@@ -129,8 +128,8 @@ bool canBeMCADAnonymousBlock(const OdDbBlockTableRecord* block) {
 
 OdResult cloneBlock(OdDbObjectId source, OdDbObjectId target, bool deferXlation,
                     OdSmartPtr<OdDbIdMapping>& mapping, OdDbSelectionFilter* filter) {
-  const OdDbBlockTableRecordPtr from = source.safeOpenObject();
-  const OdDbBlockTableRecordPtr to = target.safeOpenObject(OdDb::kForWrite);
+  const OdDbBlockTableRecordPtr from = source.safeOpenAs<OdDbBlockTableRecord>();
+  const OdDbBlockTableRecordPtr to = target.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite);
   if (mapping.isNull()) mapping = OdDbIdMapping::createObject(OdDb::kDcObjects);
   OdDbTransaction transaction(to->database());
   const OdResult result = cloneContents(from, to, deferXlation, *mapping, filter);
@@ -140,14 +139,14 @@ OdResult cloneBlock(OdDbObjectId source, OdDbObjectId target, bool deferXlation,
 OdDbObjectId cloneBlock(OdDbObjectId source, bool deferXlation,
                         OdSmartPtr<OdDbIdMapping>& mapping) {
   if (source.isNull()) return OdDbObjectId::kNull;
-  const OdDbBlockTableRecordPtr from = source.safeOpenObject();
+  const OdDbBlockTableRecordPtr from = source.safeOpenAs<OdDbBlockTableRecord>();
   OdDbTransaction transaction(from->database());
   const OdDbObjectId block = createEmptyAnonymousBlock(from->database());
   if (block.isNull()) return OdDbObjectId::kNull;
   if (mapping.isNull()) mapping = OdDbIdMapping::createObject(OdDb::kDcObjects);
   {
     const ParameterCopyMode mode(from->database()->appServices(), kCopyParametersWithBlock);
-    const OdDbBlockTableRecordPtr to = block.safeOpenObject(OdDb::kForWrite);
+    const OdDbBlockTableRecordPtr to = block.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite);
     to->setOrigin(from->origin());
     to->setComments(from->comments());
     if (cloneContents(from, to, deferXlation, *mapping, nullptr) != eOk) return OdDbObjectId::kNull;
@@ -160,13 +159,13 @@ OdDbObjectId wblockBlock(OdDbObjectId source, OdDbDatabase* database, bool defer
                          OdSmartPtr<OdDbIdMapping> mapping, OdDbObjectId target) {
   OdDbDatabase* destination = target.isNull() ? database : target.database();
   if (source.isNull() || destination == nullptr) return OdDbObjectId::kNull;
-  const OdDbBlockTableRecordPtr from = source.safeOpenObject();
+  const OdDbBlockTableRecordPtr from = source.safeOpenAs<OdDbBlockTableRecord>();
   OdDbTransaction transaction(destination);
   OdDbObjectId block = target;
   if (block.isNull()) {
     block = createEmptyAnonymousBlock(destination);
     if (block.isNull()) return OdDbObjectId::kNull;
-    const OdDbBlockTableRecordPtr created = block.safeOpenObject(OdDb::kForWrite);
+    const OdDbBlockTableRecordPtr created = block.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite);
     created->setBlockInsertUnits(unitsOf(from));
     created->setOrigin(from->origin());
   }
@@ -185,8 +184,8 @@ OdDbObjectId findClone(const OdDbIdMapping& mapping, OdDbObjectId id) {
 }
 
 OdResult swapBlocksContent(const OdDbObjectId& a, const OdDbObjectId& b) {
-  const OdDbBlockTableRecordPtr first = OdDbBlockTableRecord::cast(a.openObject(OdDb::kForWrite));
-  const OdDbBlockTableRecordPtr second = OdDbBlockTableRecord::cast(b.openObject(OdDb::kForWrite));
+  const OdDbBlockTableRecordPtr first = a.openAs<OdDbBlockTableRecord>(OdDb::kForWrite);
+  const OdDbBlockTableRecordPtr second = b.openAs<OdDbBlockTableRecord>(OdDb::kForWrite);
   if (first.isNull() || second.isNull()) return eWrongObjectType;
   if (a == b) return eOk;
   const OdDbObjectIdArray ofFirst = liveEntities(first);

@@ -16,8 +16,7 @@ namespace {
 OdDbObjectId activeViewport(const OdDbDatabase* database) {
   OdDbObjectId active;
   OdInt16 least = 0;
-  const OdDbBlockTableRecordPtr paper =
-      OdDbBlockTableRecord::cast(database->getPaperSpaceId().openObject());
+  const OdDbBlockTableRecordPtr paper = database->getPaperSpaceId().openAs<OdDbBlockTableRecord>();
   if (paper.isNull()) return active;
   for (const OdDbObjectIteratorPtr it = paper->newIterator(); !it->done(); it->step()) {
     if (!it->objectId().objectClass()->isDerivedFrom(OdDbViewport::desc())) continue;
@@ -34,7 +33,7 @@ OdDbObjectId activeViewport(const OdDbDatabase* database) {
 class KeptViewport {
  public:
   explicit KeptViewport(OdDbDatabase* database) : m_database(database) {
-    const OdDbViewportPtr viewport = OdDbViewport::cast(activeViewport(database).openObject());
+    const OdDbViewportPtr viewport = activeViewport(database).openAs<OdDbViewport>();
     if (viewport.isNull()) return;
     m_copy = OdDbViewport::createObject();
     copyState(viewport, m_copy);
@@ -42,7 +41,7 @@ class KeptViewport {
   void putBack() const {
     if (m_copy.isNull()) return;
     const OdDbViewportPtr viewport =
-        OdDbViewport::cast(activeViewport(m_database).openObject(OdDb::kForWrite));
+        activeViewport(m_database).openAs<OdDbViewport>(OdDb::kForWrite);
     if (viewport.isNull()) return;  // it came only with what was rolled back
     const UndoRecordingOff off(m_database);
     copyState(m_copy, viewport);

@@ -21,7 +21,7 @@ OdDbObjectId entryOf(const OdDbObjectId& dictionaryId, const OdString& name) {
 }
 
 OdDbObjectId addEntry(const OdDbObjectId& dictionaryId, const OdString& name, OdDbObject* object) {
-  const OdDbDictionaryPtr dictionary = dictionaryId.safeOpenObject(OdDb::kForWrite);
+  const OdDbDictionaryPtr dictionary = dictionaryId.safeOpenAs<OdDbDictionary>(OdDb::kForWrite);
   return dictionary->setAt(name, object);
 }
 
@@ -123,7 +123,7 @@ OdDbObjectId getDict(OdDbDatabase* database, const OdString& name, OdDbObjectId 
 void deleteDict(OdDbDatabase* database, const OdString& name, OdDbObjectId owner) {
   if (database == nullptr || !eraseDictionary(findParent(database, owner), name)) return;
   if (owner.isNull()) return;
-  const OdDbObjectPtr object = owner.safeOpenObject(OdDb::kForWrite);
+  const OdDbObjectPtr object = owner.safeOpenAs<OdDbObject>(OdDb::kForWrite);
   object->releaseExtensionDictionary();
 }
 

@@ -28,7 +28,7 @@ OdGeMatrix3d paperToDisplay(const OdDbViewport* viewport) {
 }
 
 void markToRedraw(const OdDbObjectId& id) {
-  const OdDbEntityPtr entity = OdDbEntity::cast(id.openObject());
+  const OdDbEntityPtr entity = id.openAs<OdDbEntity>();
   if (entity.isNull() || entity->database()->isReadOnly()) return;
   entity->upgradeOpen();
   entity->recordGraphicsModified();
@@ -41,7 +41,7 @@ namespace vdmu {
 
 OdDbObjectId getVCSubtractLayer(OdDbDatabase* database) {
   if (database == nullptr) return OdDbObjectId::kNull;
-  const OdDbLayerTablePtr table = OdDbLayerTable::cast(database->getLayerTableId().openObject());
+  const OdDbLayerTablePtr table = database->getLayerTableId().openAs<OdDbLayerTable>();
   if (table.isNull()) return OdDbObjectId::kNull;
   if (const OdDbObjectId present = table->getAt(kSubtractLayer); !present.isNull()) return present;
   const OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();

@@ -46,7 +46,7 @@ void unloadXrefBlock(OdSmartPtr<OdDbBlockTableRecord> block) {
 }
 
 void eraseXrefBlock(OdDbObjectId id) {
-  const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(id.openObject());
+  const OdDbBlockTableRecordPtr block = id.openAs<OdDbBlockTableRecord>();
   if (block.isNull() || !block->isFromExternalReference()) return;
   if (block->hasBlockReferences()) return;
   block->upgradeOpen();
@@ -56,14 +56,13 @@ void eraseXrefBlock(OdDbObjectId id) {
 }
 
 OdDbObjectId getXrefBlock(OdDbObjectId id) {
-  const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(id.openObject());
+  const OdDbBlockTableRecordPtr block = id.openAs<OdDbBlockTableRecord>();
   const OdDbDatabase* database = block.isNull() ? nullptr : block->xrefDatabase();
   return database == nullptr ? id : database->getModelSpaceId();
 }
 
 OdSmartPtr<OdDbBlockTableRecord> openXrefBlock(OdDbObjectId id, bool forWrite) {
-  return OdDbBlockTableRecord::cast(
-      getXrefBlock(id).openObject(forWrite ? OdDb::kForWrite : OdDb::kForRead));
+  return getXrefBlock(id).openAs<OdDbBlockTableRecord>(forWrite ? OdDb::kForWrite : OdDb::kForRead);
 }
 
 }  // namespace vdmu

@@ -63,7 +63,7 @@ VdmDbConstraintManagerPEPtr VdmConstraint::getConstraintManagerPE() const {
 // ---- Telling of changes
 
 void VdmConstraint::notifyOwner(NotifyCode code) {
-  const auto manager = VdmDbConstraintManager::cast(m_owner.openObject(OdDb::kForWrite));
+  const auto manager = m_owner.openAs<VdmDbConstraintManager>(OdDb::kForWrite);
   if (!manager.isNull()) manager->notifyConstraintModify(this, code);
 }
 

@@ -36,7 +36,7 @@ VdmDbObjectPtr modelObjectOf(const OdDbObjectId& entity, const VdmDbConstraintMa
 template <class Call>
 void forEachManager(OdDbDatabase* database, const Call& call) {
   if (database == nullptr) return;
-  const auto table = OdDbBlockTable::cast(database->getBlockTableId().openObject());
+  const auto table = database->getBlockTableId().openAs<OdDbBlockTable>();
   if (table.isNull()) return;
   for (const auto iterator = table->newIterator(); !iterator->done(); iterator->step()) {
     const OdDbObjectId manager = getObjInExtDict(iterator->getRecordId(), kVdmDatabaseKey, nullptr);
@@ -62,7 +62,7 @@ OdDbObjectIdArray createConstrDependencies(VdmDbConstraintManager* manager,
 
 void markConstraintManagerChanged(const OdDbObjectId& id,
                                   VdmDbConstraintManager::ConstraintManagerStatus status) {
-  const auto manager = VdmDbConstraintManager::cast(id.openObject(OdDb::kForWrite));
+  const auto manager = id.openAs<VdmDbConstraintManager>(OdDb::kForWrite);
   if (manager.isNull()) return;
   if (status > manager->getStatus()) manager->setStatus(status);
   manager->invalidateTCCache();
@@ -107,10 +107,10 @@ OdString uniqueNameNumericSuffix(const OdString& name, std::set<OdString>& taken
 OdDbObjectIdArray getWatchedObjects(OdDbDatabase* database) {
   OdDbObjectIdArray entities;
   forEachManager(database, [&entities](const OdDbObjectId& id) {
-    const VdmDbConstraintManagerPtr manager = id.openObject();
+    const auto manager = id.openAs<VdmDbConstraintManager>();
     if (manager.isNull()) return;
     for (const OdDbObjectId& objectId : manager->vdmDbObjects()) {
-      const auto object = VdmDbObject::cast(objectId.openObject());
+      const auto object = objectId.openAs<VdmDbObject>();
       if (!object.isNull()) entities.append(object->attachedEntityId());
     }
   });
@@ -153,7 +153,7 @@ IdSet dependenciesOf(const VdmDbConstraintManager* manager) {
 /// Erases the constraint dependencies of the object that are not used. True when none of any kind
 /// is left.
 bool dropUnused(const OdDbObjectId& id, const IdSet& used) {
-  const auto object = VdmDbObject::cast(id.openObject(OdDb::kForRead));
+  const auto object = id.openAs<VdmDbObject>(OdDb::kForRead);
   if (object.isNull()) return false;
   OdDbObjectIdArray unused;
   for (const OdDbObjectId& dependency : object->constraintDependencies()) {
@@ -179,7 +179,7 @@ void cleanupVdmDbObjects(VdmDbConstraintManager* manager, const OdDbObjectIdArra
   if (dropped.isEmpty()) return;
   manager->dropFromRegistry(dropped);
   for (const OdDbObjectId& id : std::as_const(dropped)) {
-    const auto object = VdmDbObject::cast(id.openObject(OdDb::kForWrite));
+    const auto object = id.openAs<VdmDbObject>(OdDb::kForWrite);
     if (!object.isNull()) object->eraseWithSubObjects();
   }
 }
@@ -189,7 +189,7 @@ namespace {
 constexpr OdLong kTypeThatLosesArguments = 12;
 
 bool isResolved(const OdDbObjectId& id) {
-  const auto dependency = VdmDbObjectDependency::cast(id.openObject(OdDb::kForRead));
+  const auto dependency = id.openAs<VdmDbObjectDependency>(OdDb::kForRead);
   if (dependency.isNull()) return false;
   OdDbObjectIdArray ids;
   const EVdmPathRes result = dependency->compoundId().getFullPathEx(ids, /*openErased=*/false);

@@ -67,8 +67,7 @@ OdDbObjectId VdmDbConstraintManager::getInstanceImpl(const OdDbObjectId& blockTa
 
 void VdmDbConstraintManager::linkUnderRoot(const OdDbObjectId& manager) {
   const OdDbObjectId root = getRootCM(manager.database(), /*create=*/true);
-  VdmDbConstraintManagerPtr(root.safeOpenObject(OdDb::kForWrite))
-      ->addChildConstraintManager(manager);
+  root.safeOpenAs<VdmDbConstraintManager>(OdDb::kForWrite)->addChildConstraintManager(manager);
 }
 
 OdDbObjectId VdmDbConstraintManager::getRootCM(OdDbDatabase* database, bool create) {
@@ -78,7 +77,7 @@ OdDbObjectId VdmDbConstraintManager::getRootCM(OdDbDatabase* database, bool crea
 void VdmDbConstraintManager::notifyRootCM(OdDbDatabase* database) {
   const OdDbObjectId root = getRootCM(database, /*create=*/true);
   if (root.isNull()) return;
-  VdmDbConstraintManagerPtr(root.safeOpenObject(OdDb::kForWrite))->setStatus(kFullyModified);
+  root.safeOpenAs<VdmDbConstraintManager>(OdDb::kForWrite)->setStatus(kFullyModified);
 }
 
 OdDbObjectId VdmDbConstraintManager::blockId() const {
@@ -184,7 +183,7 @@ ExtendedDep VdmDbConstraintManager::dependencyOf(const VdmExtendedPath& path) {
   const OdDbObjectId entity = vdmu::getInsertId(path.path);
   if (!entity.isNull()) {
     const auto object =
-        VdmDbObject::cast(VdmDbObject::getInstance(entity, objectId()).openObject(OdDb::kForWrite));
+        VdmDbObject::getInstance(entity, objectId()).openAs<VdmDbObject>(OdDb::kForWrite);
     if (!object.isNull()) dependency.dependency = object->append(path.path);
   }
   if (dependency.dependency.isNull() && !dependency.isDefaultGeometry)
@@ -277,7 +276,7 @@ void VdmDbConstraintManager::markArgumentsModified(const VdmConstraint& constrai
   for (const OdDbObjectId& argument : constraint.argumentIds()) {
     OdDbFullSubentPath path;
     if (!argument.isNull()) {
-      const auto dependency = VdmDbObjectDependency::cast(argument.openObject());
+      const auto dependency = argument.openAs<VdmDbObjectDependency>();
       if (dependency.isNull() || dependency->getLinkObject(path, false) == vdmu::ePathInvalid)
         continue;
     }
@@ -356,7 +355,7 @@ void VdmDbConstraintManager::unfreezeVariables() {
     const OdDbObjectId id = waiting.last();
     waiting.removeLast();
     if (!seen.insert(id).second) continue;
-    const auto child = VdmDbConstraintManager::cast(id.openObject(OdDb::kForRead));
+    const auto child = id.openAs<VdmDbConstraintManager>(OdDb::kForRead);
     if (child.isNull()) continue;
     child->m_frozenVariables.clear();
     waiting.append(child->m_childManagers.ids());

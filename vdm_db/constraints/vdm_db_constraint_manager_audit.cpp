@@ -40,7 +40,7 @@ void tellExtension(VdmDbObject* object) {
 void auditReactors(OdDbEntity* entity, OdDbAuditInfo* info) {
   for (const OdDbObjectId& reactor : entity->getPersistentReactors()) {
     if (!isModelObject(reactor)) continue;
-    const auto object = VdmDbObject::cast(reactor.openObject(OdDb::kForRead));
+    const auto object = reactor.openAs<VdmDbObject>(OdDb::kForRead);
     if (object.isNull() || object->attachedEntityId() == entity->objectId()) continue;
     info->printInfo(OdString().format(L"%ls reactor %ls attached to %ls",
                                       entity->getDbHandle().ascii().c_str(),
@@ -60,7 +60,7 @@ void auditReactors(OdDbEntity* entity, OdDbAuditInfo* info) {
 
 void VdmDbConstraintManager::audit(OdDbAuditInfo* info) {
   OdDbObject::audit(info);
-  const auto block = OdDbBlockTableRecord::cast(blockId().openObject(OdDb::kForRead));
+  const auto block = blockId().openAs<OdDbBlockTableRecord>(OdDb::kForRead);
   if (block.isNull()) return;
   for (const auto iterator = block->newIterator(); !iterator->done(); iterator->step()) {
     const OdDbEntityPtr entity = vdmu::getPtrFromIterator<OdDbEntity>(iterator);
@@ -79,7 +79,7 @@ void VdmDbConstraintManager::auditRegistry() {
   OdDbObjectIdArray present;
   for (const OdDbObjectId& id : registered) {
     if (id.isErased()) continue;
-    const VdmDbObjectPtr object = id.safeOpenObject(OdDb::kForWrite);
+    const VdmDbObjectPtr object = id.safeOpenAs<VdmDbObject>(OdDb::kForWrite);
     mendReactor(object);
     tellExtension(object);
     present.append(id);

@@ -241,7 +241,7 @@ OdDbObjectIdArray VdmDbConstraintManager::objectsClonedWith(OdDbIdMapping& mappi
   const bool isBlockCloned = mapping.compute(ofBlock) && ofBlock.isCloned();
   OdDbObjectIdArray cloned;
   for (const OdDbObjectId& id : m_vdmDbObjects.ids()) {
-    const auto object = VdmDbObject::cast(id.openObject(OdDb::kForRead));
+    const auto object = id.openAs<VdmDbObject>(OdDb::kForRead);
     if (object.isNull()) continue;
     const OdDbObjectId entity = object->attachedEntityId();
     OdDbIdPair pair(entity);

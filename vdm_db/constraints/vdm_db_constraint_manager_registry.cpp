@@ -17,8 +17,8 @@ OdUInt64 g_nameGeneration = 1;
 /// The manager of the block that the object's entity inserts; null when it inserts none, or that
 /// block has none.
 OdDbObjectId managerOfInsertedBlock(const VdmDbObject* object) {
-  const auto reference = OdDbBlockReference::cast(
-      object->attachedEntityId().openObject(OdDb::kForRead, /*openErased=*/true));
+  const auto reference =
+      object->attachedEntityId().openAs<OdDbBlockReference>(OdDb::kForRead, /*openErased=*/true);
   if (reference.isNull()) return OdDbObjectId::kNull;
   return vdmu::getObjInExtDict(reference->blockTableRecord(), kVdmDatabaseKey, nullptr);
 }
@@ -76,7 +76,7 @@ void VdmDbConstraintManager::setVdmDbObjects(const OdDbObjectIdArray& objects) {
 OdString vdmNameBaseOf(const OdDbEntity* entity) {
   if (entity == nullptr) return OdString(L"Object");
   if (const auto reference = OdDbBlockReference::cast(entity); !reference.isNull()) {
-    const auto block = OdDbBlockTableRecord::cast(reference->blockTableRecord().openObject());
+    const auto block = reference->blockTableRecord().openAs<OdDbBlockTableRecord>();
     if (!block.isNull() && !block->isAnonymous()) return block->getName();
   }
   const OdRxClass* cls = entity->isA();
@@ -90,7 +90,7 @@ VdmDbConstraintManager::ObjectNames& VdmDbConstraintManager::presentNames() {
   m_names.reset();
   auto names = std::make_unique<ObjectNames>();
   for (const OdDbObjectId& id : m_vdmDbObjects.ids()) {
-    const auto object = VdmDbObject::cast(id.openObject(OdDb::kForRead));
+    const auto object = id.openAs<VdmDbObject>(OdDb::kForRead);
     if (!object.isNull()) names->taken.insert(odToUpper(object->name()));
   }
   names->generation = g_nameGeneration;  // opening may have loaded objects with their names
@@ -114,7 +114,7 @@ void VdmDbConstraintManager::generateVdmDbObjectNames() const {
   std::set<OdString> taken;
   OdDbObjectIdArray unnamed;
   for (const OdDbObjectId& id : m_vdmDbObjects.ids()) {
-    const auto object = VdmDbObject::cast(id.openObject(OdDb::kForRead));
+    const auto object = id.openAs<VdmDbObject>(OdDb::kForRead);
     if (object.isNull()) continue;
     if (object->name().isEmpty()) {
       unnamed.append(id);
@@ -123,10 +123,10 @@ void VdmDbConstraintManager::generateVdmDbObjectNames() const {
     }
   }
   for (const OdDbObjectId& id : unnamed) {
-    const auto object = VdmDbObject::cast(id.openObject(OdDb::kForRead));
+    const auto object = id.openAs<VdmDbObject>(OdDb::kForRead);
     if (object.isNull()) continue;
     const VdmOpenUpgrade upgrade(object);
-    const auto entity = OdDbEntity::cast(object->attachedEntityId().openObject());
+    const auto entity = object->attachedEntityId().openAs<OdDbEntity>();
     object->setName(vdmu::generateUniqueName(vdmu::removeNumericSuffix(vdmNameBaseOf(entity)),
                                              taken, /*start=*/1, /*tryBase=*/false));
   }

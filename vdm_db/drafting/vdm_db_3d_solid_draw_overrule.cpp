@@ -20,7 +20,7 @@ namespace {
 bool answersWithColor(const VdmFeature& feature, const OdDbObjectIdArray& watchers,
                       OdCmEntityColor& color) {
   for (const OdDbObjectId& id : watchers) {
-    const VdmDbPersIdReactorPtr reactor = VdmDbPersIdReactor::cast(id.openObject());
+    const VdmDbPersIdReactorPtr reactor = id.openAs<VdmDbPersIdReactor>();
     if (reactor.isNull() || reactor->ownerId() != feature.objectId()) continue;
     if (feature.overrideColor(static_cast<int>(reactor->mask()), color)) return true;
   }

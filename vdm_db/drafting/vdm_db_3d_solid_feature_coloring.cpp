@@ -16,7 +16,7 @@ constexpr int kValueCode = 1070;  // 16-bit integer
 constexpr OdInt16 kOn = 1;        // being there is what counts
 
 bool wouldDrawFeatureColors(const OdDbObjectId& id) {
-  const OdDb3dSolidPtr solid = OdDb3dSolid::cast(id.openObject(OdDb::kForRead));
+  const OdDb3dSolidPtr solid = id.openAs<OdDb3dSolid>(OdDb::kForRead);
   return VdmDb3dSolidDrawOverrule::needDrawOverride(solid, kOdGiStandardDisplay);
 }
 
@@ -62,8 +62,7 @@ void VdmDb3dSolidFeatureColoring::restoreColorAndMaterialAttr(const OdDbObjectId
 }
 
 void VdmDb3dSolidFeatureColoring::overrideColorForBlock(const OdDbObjectId& block, bool on) {
-  const OdDbBlockTableRecordPtr record =
-      OdDbBlockTableRecord::cast(block.openObject(OdDb::kForRead));
+  const OdDbBlockTableRecordPtr record = block.openAs<OdDbBlockTableRecord>(OdDb::kForRead);
   if (record.isNull()) return;
   record->database()->newRegApp(kVdmFeatureColors);
   if (hasMark(*record) == on) return;
@@ -72,7 +71,6 @@ void VdmDb3dSolidFeatureColoring::overrideColorForBlock(const OdDbObjectId& bloc
 }
 
 bool VdmDb3dSolidFeatureColoring::isOverridenColorForBlock(const OdDbObjectId& block) {
-  const OdDbBlockTableRecordPtr record =
-      OdDbBlockTableRecord::cast(block.openObject(OdDb::kForRead));
+  const OdDbBlockTableRecordPtr record = block.openAs<OdDbBlockTableRecord>(OdDb::kForRead);
   return !record.isNull() && hasMark(*record);
 }

@@ -19,14 +19,14 @@ std::recursive_mutex g_materialSection;
 
 OdDbDictionaryPtr openMaterials(OdDbDatabase* database, bool create) {
   const OdDbObjectId id = database->getMaterialDictionaryId(create);
-  return OdDbDictionary::cast(id.openObject(OdDb::kForRead));
+  return id.openAs<OdDbDictionary>(OdDb::kForRead);
 }
 
 bool isFeatureColorMaterial(const OdDbObjectId& id) {
-  const OdDbMaterialPtr material = OdDbMaterial::cast(id.openObject(OdDb::kForRead));
+  const OdDbMaterialPtr material = id.openAs<OdDbMaterial>(OdDb::kForRead);
   if (material.isNull()) return false;
   const OdDbDictionaryPtr extension =
-      OdDbDictionary::cast(material->extensionDictionary().openObject(OdDb::kForRead));
+      material->extensionDictionary().openAs<OdDbDictionary>(OdDb::kForRead);
   return !extension.isNull() && extension->has(kVdmFeatureColorMaterial);
 }
 

@@ -220,14 +220,13 @@ OdResult VdmDbFeatureData::subErase(bool erasing) {
 }
 
 void VdmDbFeatureData::invalidateNamesOfManager() const {
-  const VdmDbFeatureManagerPtr manager = VdmDbFeatureManager::cast(ownerId().openObject());
+  const VdmDbFeatureManagerPtr manager = ownerId().openAs<VdmDbFeatureManager>();
   if (!manager.isNull()) manager->onFeatureErased(objectId());
 }
 
 // The manager's list as filed leaves out erased features: it is to be filed anew.
 void VdmDbFeatureData::refileManager() const {
-  const VdmDbFeatureManagerPtr manager =
-      VdmDbFeatureManager::cast(ownerId().openObject(OdDb::kForWrite));
+  const VdmDbFeatureManagerPtr manager = ownerId().openAs<VdmDbFeatureManager>(OdDb::kForWrite);
   if (!manager.isNull()) manager->assertWriteEnabled(/*autoUndo=*/false, /*recordModified=*/false);
 }
 

@@ -273,7 +273,7 @@ bool dropLostReactors(const OdDbObjectId& featureId, VdmFeature& feature,
   bool broken = false;
   const OdDbObjectIdArray reactors = feature.reactors();
   for (const OdDbObjectId& id : reactors) {
-    const VdmDbFeatureReactorPtr reactor = VdmDbFeatureReactor::cast(id.openObject());
+    const VdmDbFeatureReactorPtr reactor = id.openAs<VdmDbFeatureReactor>();
     if (reactor.isNull() || reactor->doAudit()) continue;
     if (const VdmDbPersIdReactorPtr persIds = VdmDbPersIdReactor::cast(reactor.get());
         !persIds.isNull()) {

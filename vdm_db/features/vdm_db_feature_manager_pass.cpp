@@ -27,8 +27,7 @@ bool VdmDbFeatureManager::update(const OdDbObjectIdArray& ids, VdmFeatureUpdateD
   data.setConstraintsCalculated(/*calculated=*/false, /*successful=*/false);
   const bool changed = vdmRunFeatureUpdate(this, ids, input);
   for (const OdDbObjectId& id : std::as_const(input.depsToErase)) {
-    const VdmDbObjectDependencyPtr dependency =
-        VdmDbObjectDependency::cast(id.openObject(OdDb::kForWrite));
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>(OdDb::kForWrite);
     if (!dependency.isNull()) dependency->erase();
   }
   return changed;
@@ -84,8 +83,9 @@ constexpr Postprocessing kPostprocessings[] = {
 
 OdDbObjectId modelSpaceContext(OdDbDatabase* database) {
   if (database == nullptr) return OdDbObjectId::kNull;
-  const VdmDbFeatureManagerPtr manager = VdmDbFeatureManager::cast(
-      VdmDbFeatureManager::getInstance(database->getModelSpaceId(), /*create=*/false).openObject());
+  const VdmDbFeatureManagerPtr manager =
+      VdmDbFeatureManager::getInstance(database->getModelSpaceId(), /*create=*/false)
+          .openAs<VdmDbFeatureManager>();
   return manager.isNull() ? OdDbObjectId::kNull : manager->sheetMetalContext();
 }
 

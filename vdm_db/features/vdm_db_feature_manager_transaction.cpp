@@ -87,11 +87,10 @@ void VdmDbFeatureManagerTransaction::makeReferences() const {
 }
 
 OdDbObjectIdArray VdmDbFeatureManagerTransaction::makeIds() const {
-  const OdDbEntityPtr entity = OdDbEntity::cast(vdmu::getInsertId(m_paths.first()).openObject());
+  const OdDbEntityPtr entity = vdmu::getInsertId(m_paths.first()).openAs<OdDbEntity>();
   if (entity.isNull()) return {};
   const OdDbObjectId managerId = VdmDbPersIdManager::getInstance(entity->ownerId(), true);
-  const VdmDbPersIdManagerPtr manager =
-      VdmDbPersIdManager::cast(managerId.openObject(OdDb::kForWrite));
+  const VdmDbPersIdManagerPtr manager = managerId.openAs<VdmDbPersIdManager>(OdDb::kForWrite);
   return manager.isNull() ? OdDbObjectIdArray() : manager->append(m_paths, m_userIO);
 }
 
@@ -101,7 +100,7 @@ void VdmDbFeatureManagerTransaction::handOut(const OdDbObjectIdArray& ids) const
   const OdDbObjectId* next = ids.begin();
   for (const Entry& entry : m_entries) {
     const VdmDbPersIdReactorPtr reactor =
-        VdmDbPersIdReactor::cast(entry.reactorId.openObject(OdDb::kForWrite));
+        entry.reactorId.openAs<VdmDbPersIdReactor>(OdDb::kForWrite);
     if (reactor.isNull()) continue;
     OdDbObjectIdArray own;
     own.assign(next, next + entry.pathCount);

@@ -132,9 +132,9 @@ bool VdmDbFeatureReactor::classTellsChanges(const OdDbObjectId& reactor) {
 // ---- Place and life
 
 OdDbObjectId VdmDbFeatureReactor::blockId() const {
-  const VdmDbFeatureDataPtr carrier = VdmDbFeatureData::cast(ownerId().openObject());
+  const VdmDbFeatureDataPtr carrier = ownerId().openAs<VdmDbFeatureData>();
   if (carrier.isNull()) return OdDbObjectId::kNull;
-  const VdmDbFeatureManagerPtr manager = VdmDbFeatureManager::cast(carrier->ownerId().openObject());
+  const VdmDbFeatureManagerPtr manager = carrier->ownerId().openAs<VdmDbFeatureManager>();
   return manager.isNull() ? OdDbObjectId::kNull : manager->blockId();
 }
 

@@ -59,11 +59,11 @@ class VdmDbIterator final : public VdmDbIteratorBase {
   /// Null when the walk is done or the object does not open in that mode.
   [[nodiscard]] OdSmartPtr<T> object(OdDb::OpenMode mode = OdDb::kForRead) const {
     if (done()) return OdSmartPtr<T>();
-    return T::cast(objectId().openObject(mode));
+    return objectId().openAs<T>(mode);
   }
 
  protected:
   [[nodiscard]] bool opens(const OdDbObjectId& id) const override {
-    return !T::cast(id.openObject()).isNull();
+    return !id.openAs<T>().isNull();
   }
 };

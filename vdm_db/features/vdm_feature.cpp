@@ -58,7 +58,7 @@ VdmFeature::VdmFeature() = default;
 VdmFeature::~VdmFeature() = default;
 
 VdmFeaturePtr VdmFeature::open(const OdDbObjectId& carrier, OdDb::OpenMode mode) {
-  return VdmFeature::cast(carrier.openObject(mode));
+  return carrier.openAs<VdmFeature>(mode);
 }
 
 // ---- The carrier
@@ -117,7 +117,7 @@ OdResult VdmFeature::setName(const OdString& name) {
   assertWritable();
   const OdString oldName = m_name;
   m_name = name;
-  const VdmDbFeatureManagerPtr manager = VdmDbFeatureManager::cast(featureManagerId().openObject());
+  const VdmDbFeatureManagerPtr manager = featureManagerId().openAs<VdmDbFeatureManager>();
   if (manager.isNull()) return eOk;
   manager->namingService().registerName(name);
   if (name != oldName) manager->onFeatureRenamed(objectId(), oldName);
@@ -138,7 +138,7 @@ OdResult VdmFeature::setStatus(Status status) {
   if ((status & StatusNotifyEntities) != 0) notifyEntities();
   if ((status & StatusNeedEvaluate) != 0) {
     const VdmDbFeatureManagerPtr manager =
-        VdmDbFeatureManager::cast(featureManagerId().openObject(OdDb::kForWrite));
+        featureManagerId().openAs<VdmDbFeatureManager>(OdDb::kForWrite);
     if (!manager.isNull()) manager->needEvaluate(true);
   }
   m_status = status;
@@ -148,7 +148,7 @@ OdResult VdmFeature::setStatus(Status status) {
 void VdmFeature::notifyEntities() const {
   const OdDbObjectIdArray dependencies = getDependencies(-1, /*filtered=*/false);
   for (const OdDbObjectId& id : dependencies) {
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
     if (dependency.isNull()) continue;
     const VdmDbObjectPtr entity = VdmDbObject::openVdmDbObject(dependency->getInsertId());
     if (!entity.isNull()) entity->notifyAboutModifications(/*checkWatched=*/true);

@@ -26,13 +26,12 @@ bool isOfOneOf(const OdRxClass* cls, Classes classes) {
 // true; then the result is true.
 template <class Visit>
 bool visitFeatures(OdDbObjectId dependencyId, Classes classes, const Visit& visit) {
-  const VdmDbObjectDependencyPtr dependency =
-      VdmDbObjectDependency::cast(dependencyId.openObject());
+  const VdmDbObjectDependencyPtr dependency = dependencyId.openAs<VdmDbObjectDependency>();
   if (dependency.isNull()) return false;
   for (const OdDbObjectId& id : dependency->getPersistentReactors()) {
-    const VdmDbPersIdReactorPtr reactor = VdmDbPersIdReactor::cast(id.openObject());
+    const VdmDbPersIdReactorPtr reactor = id.openAs<VdmDbPersIdReactor>();
     if (reactor.isNull()) continue;
-    const VdmDbFeatureDataPtr carrier = VdmDbFeatureData::cast(reactor->ownerId().openObject());
+    const VdmDbFeatureDataPtr carrier = reactor->ownerId().openAs<VdmDbFeatureData>();
     if (carrier.isNull() || !isOfOneOf(carrier->adapterClass(), classes)) continue;
     if (visit(carrier->objectId(), *reactor)) return true;
   }
@@ -105,13 +104,14 @@ OdDbObjectId getFeature(OdDbObjectId entity, Classes classes) {
 }
 
 OdDbObjectIdArray getComponentFeatures(OdDbObjectId insert, Classes classes, bool first) {
-  const OdDbBlockReferencePtr reference = OdDbBlockReference::cast(insert.openObject());
+  const OdDbBlockReferencePtr reference = insert.openAs<OdDbBlockReference>();
   if (reference.isNull()) return {};
   OdDbObjectIdArray attached = reference->getPersistentReactors();
   if (attached.isEmpty()) return {};
   std::sort(attached.begin(), attached.end());
-  const VdmDbFeatureManagerPtr manager = VdmDbFeatureManager::cast(
-      VdmDbFeatureManager::getInstance(reference->ownerId(), /*create=*/false).openObject());
+  const VdmDbFeatureManagerPtr manager =
+      VdmDbFeatureManager::getInstance(reference->ownerId(), /*create=*/false)
+          .openAs<VdmDbFeatureManager>();
   if (manager.isNull()) return {};
 
   const auto isAttached = [&attached](const OdDbObjectId& id) {

@@ -22,7 +22,7 @@ bool vdmVisitReactors(const OdDbObjectIdArray& reactors, const Visit& visit) {
 inline OdDbObjectIdArray vdmEntitiesOf(const OdDbObjectIdArray& dependencies) {
   OdDbObjectIdArray entities(dependencies.size());
   for (const OdDbObjectId& id : dependencies) {
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
     if (!dependency.isNull()) entities.append(dependency->getInsertId());
   }
   return entities;

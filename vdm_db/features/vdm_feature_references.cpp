@@ -21,7 +21,7 @@ const OdDbObjectIdArray& VdmFeature::reactorIds() const {
 
 OdDbObjectId VdmFeature::addReactor(OdRxClass* cls, int mask, int tag) {
   const OdDbObjectId id = addReactor(cls, mask);
-  const VdmDbPersIdReactorPtr reactor = VdmDbPersIdReactor::cast(id.openObject(OdDb::kForWrite));
+  const VdmDbPersIdReactorPtr reactor = id.openAs<VdmDbPersIdReactor>(OdDb::kForWrite);
   if (!reactor.isNull()) reactor->setTag(tag);
   return id;
 }
@@ -105,7 +105,7 @@ void VdmFeature::updatePaths(int mask, const OdDbFullSubentPathArray& paths) {
   assertWritable();
   {
     const OdDbObjectId id = findPersIdReactor(mask, nullptr);
-    const VdmDbPersIdReactorPtr reactor = VdmDbPersIdReactor::cast(id.openObject(OdDb::kForWrite));
+    const VdmDbPersIdReactorPtr reactor = id.openAs<VdmDbPersIdReactor>(OdDb::kForWrite);
     if (!reactor.isNull()) reactor->removePersIds();
   }
   VdmDbFeatureManagerTransaction::createObject()->append(this, paths, mask);
@@ -170,7 +170,7 @@ OdResult VdmFeature::getTags(int mask, OdArray<int>& tags) const {
 OdDbFullSubentPathArray VdmFeature::getFSPfromDepencencies(const OdDbObjectIdArray& dependencies) {
   OdDbFullSubentPathArray paths(dependencies.size());
   for (const OdDbObjectId& id : dependencies) {
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
     if (dependency.isNull()) continue;
     OdDbObjectIdArray ids;
     if (dependency->compoundId().getFullPathEx(ids, /*openErased=*/false) == vdmu::ePathInvalid) {
@@ -197,7 +197,7 @@ bool VdmFeature::hasChanges(bool& needConstraintsRecalculation) const {
   bool changed = false;
   for (const OdDbObjectId& id : m_reactors) {
     if (!VdmDbFeatureReactor::classTellsChanges(id)) continue;
-    const VdmDbFeatureReactorPtr reactor = VdmDbFeatureReactor::cast(id.openObject());
+    const VdmDbFeatureReactorPtr reactor = id.openAs<VdmDbFeatureReactor>();
     if (reactor.isNull()) continue;
     changed |= reactor->hasChanges();
     needConstraintsRecalculation |= reactor->needConstraintsRecalculation();

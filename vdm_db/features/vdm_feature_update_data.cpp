@@ -20,7 +20,7 @@ namespace {
 
 OdDbBlockTableRecordPtr blockOf(const OdDbBlockReferencePtr& insert) {
   return insert.isNull() ? OdDbBlockTableRecordPtr()
-                         : OdDbBlockTableRecord::cast(insert->blockTableRecord().openObject());
+                         : insert->blockTableRecord().openAs<OdDbBlockTableRecord>();
 }
 
 bool isSuppressed(const OdDbBlockReferencePtr& insert) {
@@ -72,8 +72,8 @@ void VdmFeatureUpdateData::fillData(VdmUpdateFeatureInterface* updateInterface,
   appendFeatureEntity(feature, info.insertId);
   for (const auto& face : info.faces.faces) appendSubEntityToRemove(feature, face.path);
 
-  const OdDbBlockReferencePtr insert = OdDbBlockReference::cast(info.insertId.openObject());
-  const OdDb3dSolidPtr solid = OdDb3dSolid::cast(info.solidId.openObject());
+  const OdDbBlockReferencePtr insert = info.insertId.openAs<OdDbBlockReference>();
+  const OdDb3dSolidPtr solid = info.solidId.openAs<OdDb3dSolid>();
   const OdDbBlockTableRecordPtr block = blockOf(insert);
   if (insert.isNull() || solid.isNull() || block.isNull()) {
     appendFeatureToRemove(feature);

@@ -182,7 +182,7 @@ bool VdmFeatureUpdateDataHelper::runSolid(OdDb::BoolOperType type, const OdDbObj
                                           const ToolsBySource& sources) {
   Tools tools = joined(sources);
   if (tools.isEmpty()) return true;
-  OdDb3dSolidPtr solid = OdDb3dSolid::cast(solidId.openObject(OdDb::kForWrite));
+  OdDb3dSolidPtr solid = solidId.openAs<OdDb3dSolid>(OdDb::kForWrite);
   if (solid.isNull()) {
     reportLeftOut(type, solidId, "solid " + handleText(solidId) + " cannot be opened for write",
                   __LINE__);
@@ -194,7 +194,7 @@ bool VdmFeatureUpdateDataHelper::runSolid(OdDb::BoolOperType type, const OdDbObj
     reportLeftOut(type, solidId, "no tool for solid " + handleText(solidId), __LINE__);
     return true;
   }
-  OdModelerStatus status;
+  OdStatus status;
   {
     const vdmu::AutoSaveSolidProperties properties{OdDbEntityPtr(solid)};
     status = solid->booleanOper(type, *united);
@@ -228,7 +228,7 @@ OdSmartPtr<OdDb3dSolid> VdmFeatureUpdateDataHelper::uniteSolids(Tools& tools, Od
   }
   if (others.empty() || uniteAtOnce(result, others)) return result;
   for (const OdDb3dSolid* tool : others) {
-    const OdModelerStatus status = result->booleanOper(OdDb::kBoolUnite, *tool);
+    const OdStatus status = result->booleanOper(OdDb::kBoolUnite, *tool);
     if (!status.ok()) vdmcCallAssert("false", status.text, kSource, __LINE__);
   }
   return result;

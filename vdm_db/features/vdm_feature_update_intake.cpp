@@ -40,7 +40,7 @@ bool VdmFeatureUpdateData::init(const OdDbObjectIdArray& ids,
   m_replacementMap = &map;
   if (force) m_featureIds.reserve(m_featureIds.size() + ids.size());
   for (const OdDbObjectId& id : ids) {
-    OdSmartPtr<VdmFeature> feature = VdmFeature::cast(id.openObject());
+    OdSmartPtr<VdmFeature> feature = id.openAs<VdmFeature>();
     if (feature.isNull()) continue;
     const Intake intake = decideIntake(feature, force);
     if (!intake.taken) {
@@ -77,12 +77,12 @@ bool VdmFeatureUpdateData::featureHasChanges(const VdmFeature* feature, VdmUpdat
   const VdmDependenciesReplacementMap& map = *m_replacementMap;
   EntityCount entities;
   for (const OdDbObjectId& reactorId : feature->reactorIds()) {
-    const VdmDbPersIdReactorPtr reactor = VdmDbPersIdReactor::cast(reactorId.openObject());
+    const VdmDbPersIdReactorPtr reactor = reactorId.openAs<VdmDbPersIdReactor>();
     if (reactor.isNull()) continue;
     for (const OdDbObjectId& id : reactor->persIdsRef()) {
       if (map.contains(id)) return because(VdmUpdateReason::kDependencyReplaced);
       if (map.containsClone(id)) return because(VdmUpdateReason::kDependencyCloned);
-      const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+      const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
       if (dependency.isNull()) continue;
       const OdDbObjectId entity = dependency->getInsertId();
       entities.add(entity);
@@ -137,7 +137,7 @@ void VdmFeatureUpdateData::collectByEntity() {
 void VdmFeatureUpdateData::initGrossData(const OdDbObjectIdArray& ids) {
   m_grossMode = true;
   for (const OdDbObjectId& id : ids) {
-    const OdSmartPtr<VdmFeature> feature = VdmFeature::cast(id.openObject());
+    const OdSmartPtr<VdmFeature> feature = id.openAs<VdmFeature>();
     if (!feature.isNull()) feature->prepareUpdateData(*this, /*forced=*/true);
   }
 }

@@ -68,7 +68,7 @@ class VdmFeatureUpdateData::DependencyRemap {
     const OdDbObjectIdArray reactors = feature->reactors();
     SeenGroups seen;
     for (const OdDbObjectId& id : reactors) {
-      const VdmDbPersIdReactorPtr reactor = VdmDbPersIdReactor::cast(id.openObject());
+      const VdmDbPersIdReactorPtr reactor = id.openAs<VdmDbPersIdReactor>();
       if (reactor.isNull()) continue;
       for (const OdDbObjectId& dependency : reactor->persIds()) replace(reactor, dependency);
       // Alone, a reactor means the same as no other.
@@ -82,7 +82,7 @@ class VdmFeatureUpdateData::DependencyRemap {
   void replace(VdmDbPersIdReactor* reactor, const OdDbObjectId& id) const {
     const IdSet* replacements = m_map.find(id);
     if (replacements == nullptr || isReplacedByItself(id, *replacements)) return;
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
     if (dependency.isNull()) return;
     reactor->upgradeOpen();
     reactor->addPersIds(inStableOrder(*replacements));
@@ -98,7 +98,7 @@ void VdmFeatureUpdateData::removeUnusedDependencies(OdDbObjectIdArray& depsToEra
   const DependencyRemap remap(*m_replacementMap, depsToErase);
   OdDbObjectIdArray obsolete;
   for (const OdDbObjectId& id : m_featureIds) {
-    const OdSmartPtr<VdmFeature> feature = VdmFeature::cast(id.openObject());
+    const OdSmartPtr<VdmFeature> feature = id.openAs<VdmFeature>();
     if (feature.isNull()) continue;
     obsolete.clear();
     remap.detachDepsToBeErased(feature, obsolete);

@@ -36,7 +36,7 @@ void collectAllSubentsFromFSPs(const VdmFeatureUpdateData::PathSet& paths,
 bool hasLivingFeature(const OdDbObjectId& entity) {
   const OdDbObjectIdArray features = VdmFeatureManagerUtils::getFeatures(entity, {});
   return std::any_of(features.begin(), features.end(), [](const OdDbObjectId& id) {
-    return !VdmDbFeatureData::cast(id.openObject()).isNull();
+    return !id.openAs<VdmDbFeatureData>().isNull();
   });
 }
 
@@ -74,7 +74,7 @@ bool VdmFeatureUpdateData::removeUnusedGeometry() {
 }
 
 bool VdmFeatureUpdateData::removeSubentsOf(const OdDbObjectId& entity, const PathSet& paths) {
-  OdDbEntityPtr opened = OdDbEntity::cast(entity.openObject(OdDb::kForWrite));
+  OdDbEntityPtr opened = entity.openAs<OdDbEntity>(OdDb::kForWrite);
   if (opened.isNull()) return false;
   VdmFeatureSubentsToRemove record(entity);
   collectAllSubentsFromFSPs(paths, record.subents);
@@ -95,7 +95,7 @@ bool VdmFeatureUpdateData::removeSubentsWithFeatures(VdmFeatureSubentsToRemove& 
   if (record.subents.empty()) return false;
   bool removed = false;
   for (const OdDbObjectId& id : featuresOf(record)) {
-    const OdSmartPtr<VdmFeature> feature = VdmFeature::cast(id.openObject());
+    const OdSmartPtr<VdmFeature> feature = id.openAs<VdmFeature>();
     const VdmUpdateFeatureInterfacePtr active = VdmUpdateFeatureInterface::activeOf(feature);
     if (active.isNull()) continue;
     removed |= active->removeSubents(record, feature->getFeatureEntities(-1, /*filtered=*/false));

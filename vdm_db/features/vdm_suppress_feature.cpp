@@ -21,7 +21,7 @@ constexpr double kZeroTolerance = 1e-10;  // of the expression's value; it count
 
 /// Null when the drawing has no layer table.
 OdDbObjectId suppressLayerOf(OdDbDatabase* database) {
-  const auto table = OdDbLayerTable::cast(database->getLayerTableId().openObject());
+  const auto table = database->getLayerTableId().openAs<OdDbLayerTable>();
   if (table.isNull()) return OdDbObjectId::kNull;
   if (const OdDbObjectId present = table->getAt(kVdmSuppressLayer); !present.isNull())
     return present;
@@ -41,7 +41,7 @@ OdResult moveEntities(const std::unordered_set<OdDbObjectId>& entities, const Mo
   OdResult failure = eOk;
   for (const OdDbObjectId& id : ordered) {
     try {
-      const auto entity = OdDbEntity::cast(id.safeOpenObject(OdDb::kForWrite));
+      const OdDbEntityPtr entity = OdDbEntity::cast(id.safeOpenObject(OdDb::kForWrite));
       if (entity.isNull()) {
         failure = eWrongObjectType;
       } else {
@@ -110,7 +110,7 @@ OdResult VdmSuppressFeature::restoreLayers() {
 }
 
 void VdmSuppressFeature::updateFeaturesOfBlock() const {
-  const auto manager = VdmDbFeatureManager::cast(featureManagerId().openObject(OdDb::kForWrite));
+  const auto manager = featureManagerId().openAs<VdmDbFeatureManager>(OdDb::kForWrite);
   if (!manager.isNull()) manager->update(manager->getFeatures({VdmFeature::desc()}));
 }
 

@@ -40,13 +40,13 @@ ManagerPtr managerForNewFeatures(OdDbDatabase* database) {
   const OdDbObjectId id = vdmu::getObjInExtDict(database->getModelSpaceId(), kVdmFeatureManager,
                                                 VdmDbFeatureManager::desc());
   VdmDb3dSolidDrawOverrule::createFeatureColorMaterial(database);
-  return VdmDbFeatureManager::cast(id.openObject(OdDb::kForWrite));
+  return id.openAs<VdmDbFeatureManager>(OdDb::kForWrite);
 }
 
 // The new feature, open for write; null for a class that makes none.
 FeaturePtr addFeature(const ManagerPtr& manager, OdRxClass* cls) {
   const OdDbObjectId id = manager->createFeatureData(cls, OdString::kEmpty, false, false);
-  return VdmFeature::cast(id.openObject(OdDb::kForWrite));
+  return id.openAs<VdmFeature>(OdDb::kForWrite);
 }
 
 OdArray<VdmFeatureGroupFaces> groupsOfFeature(const OdDbFullSubentPath& basePath,
@@ -91,7 +91,7 @@ bool hasClass(const OdSmartPtr<T>& object, const OdRxClass* cls) {
 OdDbObjectIdArray activeFeatures(const OdDbObjectId& entity, const OdRxClass* cls) {
   OdDbObjectIdArray kept;
   for (const OdDbObjectId& id : VdmFeatureManagerUtils::getFeatures(entity, {})) {
-    const FeaturePtr feature = VdmFeature::cast(id.openObject());
+    const FeaturePtr feature = id.openAs<VdmFeature>();
     if (feature.isNull() || (cls != nullptr && !hasClass(feature, cls))) continue;
     if (!VdmUpdateFeatureInterface::activeOf(feature).isNull()) kept.append(id);
   }
@@ -142,7 +142,7 @@ OdDbObjectIdArray VdmUpdateFeatureInterface::createFeatures(const OdDbFullSubent
   VdmFeatureUpdateData data(manager);
   OdDbObjectIdArray accepted(ids.size());
   for (OdUInt32 i = 0; i < ids.size(); ++i) {
-    const FeaturePtr feature = VdmFeature::cast(ids[i].openObject());
+    const FeaturePtr feature = ids[i].openAs<VdmFeature>();
     const auto found = cast(feature.get());
     if (!found.isNull() && found->createForEntity(manager, basePath, entities[i], data)) {
       accepted.append(ids[i]);
@@ -160,12 +160,12 @@ OdDbObjectIdArray VdmUpdateFeatureInterface::createFeatures(const OdDbFullSubent
 OdSmartPtr<OdDbEntity> VdmUpdateFeatureInterface::getGrossSolid(OdDbObjectId entityId,
                                                                 OdRxClass* cls, Solids* subtractors,
                                                                 Solids* uniters) {
-  const OdDbEntityPtr entity = OdDbEntity::cast(entityId.openObject());
+  const OdDbEntityPtr entity = entityId.openAs<OdDbEntity>();
   if (entity.isNull()) return {};
   const OdDbEntityPtr clone = OdDbEntity::cast(entity->clone());
   if (clone.isNull()) return {};
-  const ManagerPtr manager = VdmDbFeatureManager::cast(
-      vdmu::getObjInExtDict(entity->ownerId(), kVdmFeatureManager, nullptr).openObject());
+  const ManagerPtr manager = vdmu::getObjInExtDict(entity->ownerId(), kVdmFeatureManager, nullptr)
+                                 .openAs<VdmDbFeatureManager>();
   if (manager.isNull()) return clone;
   const OdDbObjectIdArray kept = activeFeatures(entityId, cls);
   if (kept.isEmpty()) return clone;

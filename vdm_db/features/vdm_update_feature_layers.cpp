@@ -51,11 +51,11 @@ struct LayerScope {
 
 OdDbBlockTableRecordPtr namingBlock(const OdDbObjectId& blockId) {
   OdDbBlockTableRecordPtr block =
-      OdDbBlockTableRecord::cast(blockId.openObject(OdDb::kForRead, /*openErased=*/true));
+      blockId.openAs<OdDbBlockTableRecord>(OdDb::kForRead, /*openErased=*/true);
   if (block.isNull() || !vdmu::isAssociativeArray(block)) return block;
   const OdDbBlockReferencePtr source = vdmu::getAssocArraySourceBlockRef(block);
   if (source.isNull()) return block;
-  return OdDbBlockTableRecord::cast(source->blockTableRecord().openObject());
+  return source->blockTableRecord().openAs<OdDbBlockTableRecord>();
 }
 
 OdString prefixOf(const OdDbBlockTableRecordPtr& block) {
@@ -68,7 +68,7 @@ LayerScope scopeOf(const OdDbBlockTableRecordPtr& block) {
   LayerScope scope{block->database(), {}, false};
   if (scope.database == nullptr) return scope;
   const OdDbBlockTableRecordPtr attached =
-      OdDbBlockTableRecord::cast(scope.database->xrefBlockId().openObject());
+      scope.database->xrefBlockId().openAs<OdDbBlockTableRecord>();
   if (!attached.isNull())
     scope.prefix = prefixOf(attached);
   else
@@ -147,7 +147,7 @@ class SolidCollector {
 
   template <class Visit>
   static void forEachEntity(const OdDbObjectId& block, Visit visit) {
-    const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::cast(block.openObject());
+    const OdDbBlockTableRecordPtr record = block.openAs<OdDbBlockTableRecord>();
     if (record.isNull()) return;
     for (OdDbObjectIteratorPtr it = record->newIterator(); !it->done(); it->step()) {
       if (const OdDbEntityPtr entity = it->entity(); !entity.isNull()) visit(entity);
@@ -185,8 +185,7 @@ VdmUpdateFeatureInterface::LayerSet VdmUpdateFeatureInterface::findLayersByName(
   if (block.isNull() || names.isEmpty()) return found;
   const LayerScope scope = scopeOf(block);
   if (scope.database == nullptr) return found;
-  const OdDbLayerTablePtr table =
-      OdDbLayerTable::cast(scope.database->getLayerTableId().openObject());
+  const OdDbLayerTablePtr table = scope.database->getLayerTableId().openAs<OdDbLayerTable>();
   if (table.isNull()) return found;
   if (scope.stripCheckedOut)
     findCheckedOut(table, names, found);
@@ -247,7 +246,7 @@ VdmSolidOccurrences VdmUpdateFeatureInterface::getAdditionsOnDedicatedLayer(
 }
 
 bool VdmUpdateFeatureInterface::hasSubtrsOrUnitors(OdDbObjectId insert) {
-  const OdDbBlockReferencePtr reference = OdDbBlockReference::cast(insert.openObject());
+  const OdDbBlockReferencePtr reference = insert.openAs<OdDbBlockReference>();
   if (reference.isNull()) return false;
   const OdDbObjectId block = reference->blockTableRecord();
   return !getObjectsFromSubtractLayer(block, /*forWrite=*/false).isEmpty() ||

@@ -104,7 +104,7 @@ VdmDbExtensionDataPtr createExtensionData(OdDbObject* host) {
   }
   const VdmDbExtensionDataPtr created = VdmDbExtensionData::createObject();
   const OdDbObjectId id = dictionary->setAt(kVdmRegApp, created.get());
-  return VdmDbExtensionData::cast(id.safeOpenObject(OdDb::kForWrite));
+  return id.safeOpenAs<VdmDbExtensionData>(OdDb::kForWrite);
 }
 
 }  // namespace

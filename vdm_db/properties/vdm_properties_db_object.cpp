@@ -12,7 +12,7 @@ OdDbObjectId VdmProperties::regAppName(OdDbDatabase* database, bool create) {
   if (database == nullptr) return OdDbObjectId();
   if (create) database->newRegApp(kVdmRegApp);
   const OdDbRegAppTablePtr table =
-      OdDbRegAppTable::cast(database->getRegAppTableId().openObject(OdDb::kForRead));
+      database->getRegAppTableId().openAs<OdDbRegAppTable>(OdDb::kForRead);
   return table.isNull() ? OdDbObjectId() : table->getAt(kVdmRegApp);
 }
 

@@ -36,8 +36,8 @@ OdDbObjectId VdmDbObject::getInstance(const OdDbObjectId& entity, const OdDbObje
   if (const VdmDbObjectPtr present = openVdmDbObject(entity); !present.isNull()) {
     return present->objectId();
   }
-  const VdmDbConstraintManagerPtr owner = VdmDbConstraintManager::cast(manager.openObject());
-  const OdDbEntityPtr opened = OdDbEntity::cast(entity.openObject());
+  const VdmDbConstraintManagerPtr owner = manager.openAs<VdmDbConstraintManager>();
+  const OdDbEntityPtr opened = entity.openAs<OdDbEntity>();
   if (owner.isNull() || opened.isNull()) return OdDbObjectId::kNull;
   const VdmDbObjectPtr object = createModelObject();
   object->setName(owner->generateVdmDbObjectName(vdmNameBaseOf(opened)));
@@ -69,7 +69,7 @@ VdmDbObjectPtr VdmDbObject::openVdmDbObject(const OdDbObject* entity, OdDb::Open
   for (const OdDbObjectId reactor : entity->getPersistentReactors()) {
     const OdRxClass* cls = reactor.objectClass();
     if (cls == nullptr || !cls->isDerivedFrom(desc())) continue;
-    VdmDbObjectPtr object = VdmDbObject::cast(reactor.openObject(mode, openErased));
+    VdmDbObjectPtr object = reactor.openAs<VdmDbObject>(mode, openErased);
     if (object.isNull()) continue;
     vdmAssert(entity->database() == object->database(), "pEnt->database() == res->database()",
               L"entity " + entity->getDbHandle().ascii() + L", model object " +
@@ -163,8 +163,7 @@ bool VdmDbObject::isWatched() const {
 }
 
 void VdmDbObject::triggerObjectRedraw() {
-  const OdDbEntityPtr entity =
-      OdDbEntity::cast(implForRead().attachedEntity.openObject(OdDb::kForWrite));
+  const OdDbEntityPtr entity = implForRead().attachedEntity.openAs<OdDbEntity>(OdDb::kForWrite);
   if (entity.isNull()) return;
   recordStep(kUndoRedraw);
   entity->recordGraphicsModified();
@@ -177,7 +176,7 @@ void VdmDbObject::notifyAboutModifications(bool modified) {
     clearTransform();
   }
   const VdmDbConstraintManagerPtr manager =
-      VdmDbConstraintManager::cast(ownerId().openObject(OdDb::kForWrite));
+      ownerId().openAs<VdmDbConstraintManager>(OdDb::kForWrite);
   if (!manager.isNull()) manager->notifyAboutModifications(m_impl->attachedEntity, modified);
 }
 

@@ -19,7 +19,7 @@ bool isOwnedBy(OdDbObjectId dependency, OdDbObjectId manager) {
 }
 
 bool standsAt(OdDbObjectId id, const OdDbFullSubentPath& path) {
-  const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+  const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
   OdDbFullSubentPath present;
   return !dependency.isNull() &&
          dependency->getLinkObject(present, /*openErased=*/true) == vdmu::ePathOk &&
@@ -142,7 +142,7 @@ void VdmDbObject::removePersIdDependencies() {
 
 bool VdmDbObject::removeStalePersIdDependencies() {
   const auto isStale = [this](OdDbObjectId id) {
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
     return dependency.isNull() || dependency->getInsertId() != m_impl->attachedEntity;
   };
   return takeOutPersIds(implForRead().persIdDependencies.positionsWhere(isStale)) != 0;

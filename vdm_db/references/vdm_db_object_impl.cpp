@@ -26,7 +26,7 @@ bool filesTransform(const OdDbDwgFiler* filer) {
 
 void VdmDependencyPaths::enter(const OdDbObjectId& id) {
   if (id.isErased()) m_erased.append(id);
-  const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+  const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
   if (dependency.isNull()) return;
   OdDbFullSubentPath path;
   if (dependency->getLinkObject(path, /*openErased=*/true) == vdmu::ePathOk) {

@@ -28,7 +28,7 @@ class DependenciesByEntity {
  private:
   void add(const OdDbObjectId& id, bool withErased) {
     const VdmDbObjectDependencyPtr dependency =
-        VdmDbObjectDependency::cast(id.openObject(OdDb::kForRead, withErased));
+        id.openAs<VdmDbObjectDependency>(OdDb::kForRead, withErased);
     if (dependency.isNull()) return;
     const OdDbObjectId entity = dependency->getInsertId();
     if (entity.isNull()) return;
@@ -63,8 +63,7 @@ void VdmDbPersIdManager::attach(const OdDbObjectIdArray& dependencies) const {
   const OdDbObjectId manager = constraintManagerId();
   const DependenciesByEntity byEntity(dependencies, /*withErased=*/false);
   for (const auto& [entity, ids] : byEntity.groups()) {
-    const VdmDbObjectPtr object =
-        VdmDbObject::cast(VdmDbObject::getInstance(entity, manager).openObject());
+    const VdmDbObjectPtr object = VdmDbObject::getInstance(entity, manager).openAs<VdmDbObject>();
     if (object.isNull()) continue;
     const VdmOpenUpgrade upgrade(object);
     if (object->addPersIdDependencies(ids) != 0) {
@@ -89,7 +88,7 @@ void VdmDbPersIdManager::relist(const OdDbObjectIdArray& ids,
   OdDbObjectIdArray moved;
   std::map<OdDbObjectId, OdDbObjectIdArray, vdmu::ObjectIdLess> left;
   for (OdUInt32 i = 0; i < ids.size(); ++i) {
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(ids[i].openObject());
+    const VdmDbObjectDependencyPtr dependency = ids[i].openAs<VdmDbObjectDependency>();
     if (dependency.isNull() || dependency->getInsertId() == entitiesBefore[i]) continue;
     moved.append(ids[i]);
     left[entitiesBefore[i]].append(ids[i]);
@@ -118,9 +117,8 @@ void VdmDbPersIdManager::doAudit() {
 }
 
 void VdmDbPersIdManager::dropLostIds() {
-  takeOut(m_impl->dependencies.positionsWhere([](const OdDbObjectId& id) {
-    return VdmDbObjectDependency::cast(id.openObject()).isNull();
-  }));
+  takeOut(m_impl->dependencies.positionsWhere(
+      [](const OdDbObjectId& id) { return id.openAs<VdmDbObjectDependency>().isNull(); }));
 }
 
 // Each dependency is listed by the model object of its entity by now; what model objects list

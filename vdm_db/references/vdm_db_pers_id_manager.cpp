@@ -67,8 +67,7 @@ OdDbObjectId VdmDbPersIdManager::blockId() const { return vdmu::getOwningBlock(o
 OdDbObjectIdArray vdmu::getAllPersIdManagers(OdDbDatabase* database) {
   OdDbObjectIdArray managers;
   if (database == nullptr) return managers;
-  const OdDbBlockTablePtr blocks =
-      OdDbBlockTable::cast(database->getBlockTableId().safeOpenObject());
+  const OdDbBlockTablePtr blocks = database->getBlockTableId().safeOpenAs<OdDbBlockTable>();
   for (const OdDbSymbolTableIteratorPtr it = blocks->newIterator(); !it->done(); it->step()) {
     const OdDbObjectId manager = VdmDbPersIdManager::getInstance(it->getRecordId(), false);
     if (!manager.isNull()) managers.append(manager);
@@ -101,7 +100,7 @@ void VdmDbPersIdManager::onAppendToOwner(VdmDbObjectDependency* dependency) {
 OdDbObjectIdArray VdmDbPersIdManager::getUnusedDependencies() const {
   OdDbObjectIdArray unused;
   for (const OdDbObjectId& id : implForRead().dependencies.ids()) {
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
     if (!dependency.isNull() && !dependency->isWatched()) unused.append(id);
   }
   return unused;
@@ -117,7 +116,7 @@ void VdmDbPersIdManager::removeDependencies(const OdDbObjectIdArray& ids) {
 void VdmDbPersIdManager::eraseUnwatched(const OdDbObjectIdArray& ids) const {
   for (const OdDbObjectId& id : ids) {
     if (id.ownerId() != objectId()) continue;
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
     if (dependency.isNull() || dependency->isWatched()) continue;
     const VdmOpenUpgrade upgrade(dependency);
     dependency->erase();
@@ -212,8 +211,7 @@ void VdmDbPersIdManager::mergeManagers(VdmDbPersIdManager* source, OdDbIdMapping
   const OdDbObjectId block = blockId();
   OdDbObjectIdArray moved;
   for (const OdDbObjectId& id : ids) {
-    const VdmDbObjectDependencyPtr dependency =
-        VdmDbObjectDependency::cast(id.openObject(OdDb::kForWrite));
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>(OdDb::kForWrite);
     if (dependency.isNull()) continue;
     const OdDbObjectId top = dependency->getInsertId();
     const bool isWanted =

@@ -122,7 +122,7 @@ void VdmDbPersIdReactor::erased(const OdDbObject* object, bool erasing) {
 // The feature may be erased with this, or take the reactor away.
 void VdmDbPersIdReactor::loseLast() {
   {
-    const VdmFeaturePtr feature = VdmFeature::cast(ownerId().openObject(OdDb::kForWrite));
+    const VdmFeaturePtr feature = ownerId().openAs<VdmFeature>(OdDb::kForWrite);
     if (!feature.isNull()) feature->eraseReactor(objectId(), static_cast<int>(mask()), 0);
   }
   if (!isErased()) erase();
@@ -130,7 +130,7 @@ void VdmDbPersIdReactor::loseLast() {
 
 bool VdmDbPersIdReactor::doAudit() {
   const auto isLost = [](const OdDbObjectId& id) {
-    return VdmDbObjectDependency::cast(id.openObject()).isNull();
+    return id.openAs<VdmDbObjectDependency>().isNull();
   };
   const VdmIndexedIds& held = stateForRead().persIds;
   if (const OdArray<OdUInt32> lost = held.positionsWhere(isLost); !lost.isEmpty()) {

@@ -41,7 +41,7 @@ OdDbObjectIdArray VdmDbPersIdManager::append(const OdDbFullSubentPathArray& path
 void VdmDbPersIdManager::openPathsOf(const OdDbObjectIdArray& dependencies) {
   OdDbFullSubentPath path;
   for (const OdDbObjectId& id : dependencies) {
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
     if (dependency.isNull()) {
       throw OdError(eNotOpenForRead, L"dependency " + id.getHandle().ascii());
     }
@@ -87,7 +87,7 @@ void VdmDbPersIdManager::updateAll(VdmDbPersIdManagerPE* host, const OdDbObjectI
   ensureModelObjects(paths);
   OdDbObjectIdArray entitiesBefore(ids.size());
   for (OdUInt32 i = 0; i < ids.size(); ++i) {
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(ids[i].openObject());
+    const VdmDbObjectDependencyPtr dependency = ids[i].openAs<VdmDbObjectDependency>();
     entitiesBefore.append(dependency.isNull() ? OdDbObjectId::kNull : dependency->getInsertId());
   }
   for (OdUInt32 i = 0; i < ids.size(); ++i) host->updateDependency(this, ids[i], paths[i]);
@@ -99,8 +99,7 @@ void VdmDbPersIdManager::updateAll(VdmDbPersIdManagerPE* host, const OdDbObjectI
 OdDbObjectIdArray VdmDbPersIdManager::split(OdDbObjectId dependencyId,
                                             const OdDbFullSubentPathArray& paths,
                                             ReplacementMap& map) {
-  const VdmDbObjectDependencyPtr dependency =
-      VdmDbObjectDependency::cast(dependencyId.openObject());
+  const VdmDbObjectDependencyPtr dependency = dependencyId.openAs<VdmDbObjectDependency>();
   if (dependency.isNull()) return {};
   OdDbFullSubentPath present;
   dependency->getLinkObject(present, /*openErased=*/true);
@@ -166,7 +165,7 @@ using Group = std::vector<OdDbObjectId>;
 class EqualDependencies {
  public:
   void add(const OdDbObjectId& id) {
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
     if (dependency.isNull() || !dependency->isWatched()) return;
     OdDbFullSubentPath path;
     if (dependency->getLinkObject(path, /*openErased=*/false) != vdmu::ePathOk) return;
@@ -205,7 +204,7 @@ bool VdmDbPersIdManager::mergeEqual(ReplacementMap& map, bool isSecondPass) {
   OdDbObjectIdArray merged;
   for (const auto& [path, members] : equal.groups()) {
     if (members.size() < 2) continue;
-    const VdmDbObjectDependencyPtr first = VdmDbObjectDependency::cast(members[0].openObject());
+    const VdmDbObjectDependencyPtr first = members[0].openAs<VdmDbObjectDependency>();
     const OdDbObjectId id = addClone(first, path);
     merged.append(id);
     for (const OdDbObjectId& member : members) {
@@ -224,7 +223,7 @@ bool VdmDbPersIdManager::mergeEqual(ReplacementMap& map, bool isSecondPass) {
 bool VdmDbPersIdManager::removeLink(const OdDbFullSubentPath& path, OdLong tag) {
   assertWriteEnabled(/*autoUndo=*/false);
   const auto isOnPath = [&path, tag](const OdDbObjectId& id) {
-    const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
     if (dependency.isNull() || dependency->subentId() != path.subentId()) return false;
     if (tag != 0 && dependency->entityTag() != tag) return false;
     OdDbFullSubentPath present;  // the beginning of a path that leads nowhere is no match

@@ -50,14 +50,13 @@ vdmu::EVdmPathRes databaseShown(OdDbBlockTableRecord* block, OdDbDatabase*& data
 vdmu::EVdmPathRes resolveStep(const OdDbObjectId& id, const OdDbHandle& handle, bool openErased,
                               OdDbObjectId& next) {
   if (id.isNull()) return vdmu::ePathInvalid;
-  OdDbBlockReferencePtr reference =
-      OdDbBlockReference::cast(id.openObject(OdDb::kForRead, openErased));
+  OdDbBlockReferencePtr reference = id.openAs<OdDbBlockReference>(OdDb::kForRead, openErased);
   if (!VDM_ASSERT_MSG(!reference.isNull(), id.getHandle().ascii(), kSource, __LINE__)) {
     return vdmu::ePathInvalid;
   }
   const OdDbObjectId blockId = reference->blockTableRecord();
   const OdDbBlockTableRecordPtr block =
-      OdDbBlockTableRecord::cast(blockId.openObject(OdDb::kForRead, openErased));
+      blockId.openAs<OdDbBlockTableRecord>(OdDb::kForRead, openErased);
   if (!VDM_ASSERT_MSG(!block.isNull(), blockId.getHandle().ascii(), kSource, __LINE__)) {
     return vdmu::ePathInvalid;
   }
@@ -71,14 +70,13 @@ vdmu::EVdmPathRes resolveStep(const OdDbObjectId& id, const OdDbHandle& handle, 
 
 // The block in which what the reference shows has to stand; null when it is no block reference.
 OdDbObjectId blockShown(const OdDbObjectId& id, bool openErased) {
-  const OdDbBlockReferencePtr reference =
-      OdDbBlockReference::cast(id.openObject(OdDb::kForRead, openErased));
+  const OdDbBlockReferencePtr reference = id.openAs<OdDbBlockReference>(OdDb::kForRead, openErased);
   return reference.isNull() ? OdDbObjectId::kNull
                             : vdmu::getXrefBlock(reference->blockTableRecord());
 }
 
 OdDbEntityPtr openLeaf(const OdDbObjectIdArray& ids, bool openErased) {
-  return OdDbEntity::cast(ids.last().openObject(OdDb::kForRead, openErased));
+  return ids.last().openAs<OdDbEntity>(OdDb::kForRead, openErased);
 }
 
 }  // namespace
@@ -131,7 +129,7 @@ EVdmPathRes makeIdArray(const OdArray<OdDbHandle>& handles, OdArray<OdDbObjectId
 }
 
 OdString strFSPFromDependency(OdDbObjectId id, bool markErased) {
-  const VdmDbObjectDependencyPtr dependency = VdmDbObjectDependency::cast(id.openObject());
+  const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
   OdDbFullSubentPath path;
   if (dependency.isNull() || dependency->getLinkObject(path, markErased) != ePathOk) {
     return L"invalid path";

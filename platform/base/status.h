@@ -1,4 +1,4 @@
-// Outcome of a modeller operation.
+// Outcome of an operation that can fail on data.
 #pragma once
 
 #include "platform/base/result.h"
@@ -6,7 +6,7 @@
 
 /// A code and, when the operation failed, one clear line that names the thing and the values
 /// concerned. A failed operation leaves its outputs as they were.
-struct [[nodiscard]] OdModelerStatus {
+struct [[nodiscard]] OdStatus {
   OdResult code = eOk;
   OdString text;
 
