@@ -70,12 +70,13 @@ class UnknownClasses : public testing::Test {
       if (item.value.find(className) != std::string::npos) wanted = item.id;
     }
     Records records;
-    store->readAll([&records, wanted](const OdDbRecordView& record) {
+    const OdStatus readStatus = store->readAll([&records, wanted](const OdDbRecordView& record) {
       if (record.classId == wanted) {
         records[record.handle].assign(record.data, record.data + record.size);
       }
       return true;
     });
+    EXPECT_TRUE(readStatus.ok()) << readStatus.text.utf8();
     return records;
   }
   static std::size_t countProxies(OdDbDatabase* database) {
