@@ -14,6 +14,7 @@
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/db/units.h"
+#include "platform/ge/finite.h"
 
 namespace rendering {
 
@@ -36,8 +37,7 @@ std::string badOption(const RenderOptions& options) {
     return "deviation " + std::to_string(options.deviation) + " is less than 0 or no number";
   }
   for (const RenderLabel& label : options.labels) {
-    const OdGePoint3d& at = label.anchor;
-    if (!std::isfinite(at.x + at.y + at.z)) {
+    if (!odgeIsFinite(label.anchor)) {
       return "the anchor of label '" + label.text + "' is not finite";
     }
   }

@@ -7,6 +7,7 @@
 #include "platform/base/error.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
+#include "platform/ge/finite.h"
 #include "platform/gi/world_draw.h"
 
 OD_RX_DEFINE_DB(OdDbBlockReference, OdDbEntity, L"OdDbBlockReference", 0, 0, 0, L"INSERT",
@@ -18,25 +19,11 @@ namespace {
 
 constexpr OdUInt8 kVersion = 1;
 
-bool isFinite(const OdGeMatrix3d& matrix) {
-  for (int i = 0; i < 16; ++i) {
-    if (!std::isfinite(matrix.getElements()[i])) return false;
-  }
-  return true;
-}
-
 bool isAffine(const OdGeMatrix3d& matrix) {
   return matrix(3, 0) == 0.0 && matrix(3, 1) == 0.0 && matrix(3, 2) == 0.0 && matrix(3, 3) == 1.0;
 }
 
-bool isFinite(const OdGePoint3d& point) {
-  return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-}
-
-bool isScale(const OdGeScale3d& scale) {
-  return std::isfinite(scale.sx) && std::isfinite(scale.sy) && std::isfinite(scale.sz) &&
-         scale.isInvertible();
-}
+bool isScale(const OdGeScale3d& scale) { return odgeIsFinite(scale) && scale.isInvertible(); }
 
 // The frame of a normal: X by the arbitrary axis rule.
 void frameOf(const OdGeVector3d& normal, OdGeVector3d& xAxis, OdGeVector3d& yAxis) {
@@ -134,7 +121,7 @@ OdGePoint3d OdDbBlockReference::position() const {
 }
 
 void OdDbBlockReference::setPosition(const OdGePoint3d& position) {
-  if (!isFinite(position)) {
+  if (!odgeIsFinite(position)) {
     throw OdError(eInvalidInput,
                   OdString("position of reference ") + getDbHandle().ascii() + " is not finite");
   }
@@ -252,7 +239,7 @@ OdGeMatrix3d OdDbBlockReference::blockTransform() const {
 }
 
 OdResult OdDbBlockReference::setBlockTransform(const OdGeMatrix3d& transform) {
-  if (!isFinite(transform) || !isAffine(transform)) return eInvalidInput;
+  if (!odgeIsFinite(transform) || !isAffine(transform)) return eInvalidInput;
   if (transform.isSingular()) return eDegenerateGeometry;
   assertWriteEnabled();
   const OdGePoint3d origin = blockOrigin();
@@ -266,7 +253,7 @@ OdResult OdDbBlockReference::setBlockTransform(const OdGeMatrix3d& transform) {
 OdResult OdDbBlockReference::subTransformBy(const OdGeMatrix3d& transform) {
   if (!isAffine(transform)) return eInvalidInput;
   const OdGeMatrix3d moved = transform * placement();
-  if (!isFinite(moved)) return eInvalidInput;
+  if (!odgeIsFinite(moved)) return eInvalidInput;
   if (moved.isSingular()) return eDegenerateGeometry;
   setPlacement(moved);
   return eOk;
@@ -353,9 +340,9 @@ OdResult OdDbBlockReference::dwgInFields(OdDbDwgFiler* filer) {
   if (filer->rdBool()) {
     m_exact = std::make_unique<OdGeMatrix3d>();
     for (int i = 0; i < 12; ++i) m_exact->getElements()[i] = filer->rdDouble();
-    if (!isFinite(*m_exact)) return eCorruptData;
+    if (!odgeIsFinite(*m_exact)) return eCorruptData;
   }
-  const bool isSound = isFinite(m_position) && isScale(m_scale) && std::isfinite(m_rotation) &&
+  const bool isSound = odgeIsFinite(m_position) && isScale(m_scale) && std::isfinite(m_rotation) &&
                        m_normal.isUnitLength(OdGeTol(1e-6));
   if (!isSound) return eCorruptData;
   if (isTranslating(filer)) followBlock(oldBlock);

@@ -2,13 +2,13 @@
 // in block_links.cpp.
 #include "platform/db/block_table_record.h"
 
-#include <cmath>
 #include <string>
 
 #include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "platform/db/list_filing.h"
 #include "platform/db/units.h"
+#include "platform/ge/finite.h"
 #include "platform/gi/world_draw.h"
 
 OD_RX_DEFINE_DB(OdDbBlockTableRecord, OdDbSymbolTableRecord, L"OdDbBlockTableRecord", 0, 0, 0,
@@ -53,10 +53,6 @@ OdDbObjectIdArray readIds(OdDbDwgFiler* filer) {
   ids.reserve(count);
   for (OdUInt32 i = 0; i < count; ++i) ids.append(filer->rdSoftPointerId());
   return ids;
-}
-
-bool isFinite(const OdGePoint3d& point) {
-  return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
 }
 
 OdString blockText(const OdDbBlockTableRecord* block) {
@@ -318,7 +314,7 @@ OdGePoint3d OdDbBlockTableRecord::origin() const {
 }
 
 void OdDbBlockTableRecord::setOrigin(const OdGePoint3d& origin) {
-  if (!isFinite(origin)) {
+  if (!odgeIsFinite(origin)) {
     throw OdError(eInvalidInput, OdString("origin of ") + blockText(this) + " is not finite");
   }
   if (origin == m_origin) return;
@@ -462,7 +458,7 @@ OdResult OdDbBlockTableRecord::dwgInFields(OdDbDwgFiler* filer) {
   m_path = filer->rdString();
   m_overlay = filer->rdBool();
   const OdUInt8 status = filer->rdUInt8();
-  if (!isFinite(m_origin) || !oddbIsUnit(units) || status > OdDb::kXrfUnresolved) {
+  if (!odgeIsFinite(m_origin) || !oddbIsUnit(units) || status > OdDb::kXrfUnresolved) {
     return eCorruptData;
   }
   m_units = static_cast<OdDb::UnitsValue>(units);

@@ -1,12 +1,12 @@
 // OdDbEntity: properties, transforming, filing.
 #include "platform/db/entity.h"
 
-#include <cmath>
 #include <string>
 
 #include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "platform/db/layer_table.h"
+#include "platform/ge/finite.h"
 #include "platform/gi/sub_entity_traits.h"
 
 OD_RX_DEFINE_ABSTRACT(OdDbEntity, OdDbObject, L"OdDbEntity")
@@ -18,13 +18,6 @@ constexpr const wchar_t* kDefaultLayer = L"0";
 
 bool isLineWeight(OdInt16 weight) {
   return weight >= OdDb::kLnWtByLwDefault && weight <= OdDb::kLnWt211;
-}
-
-bool isFinite(const OdGeMatrix3d& matrix) {
-  for (int i = 0; i < 16; ++i) {
-    if (!std::isfinite(matrix.getElements()[i])) return false;
-  }
-  return true;
 }
 
 OdString entityText(const OdDbEntity* entity) {
@@ -155,7 +148,7 @@ void OdDbEntity::setPropertiesFrom(const OdDbEntity* source) {
 // ---- Geometry
 
 OdResult OdDbEntity::transformBy(const OdGeMatrix3d& transform) {
-  if (!isFinite(transform)) return eInvalidInput;
+  if (!odgeIsFinite(transform)) return eInvalidInput;
   if (transform.isSingular()) return eDegenerateGeometry;
   assertWriteEnabled();
   const OdResult result = subTransformBy(transform);

@@ -2,9 +2,9 @@
 #include "platform/db/line.h"
 
 #include <array>
-#include <cmath>
 
 #include "platform/base/error.h"
+#include "platform/ge/finite.h"
 #include "platform/gi/world_draw.h"
 
 OD_RX_DEFINE_DB(OdDbLine, OdDbEntity, L"OdDbLine", 0, 0, 0, L"LINE", OdString())
@@ -13,12 +13,8 @@ namespace {
 
 constexpr OdUInt8 kVersion = 1;
 
-bool isFinite(const OdGePoint3d& point) {
-  return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-}
-
 void checkPoint(const OdDbLine* line, const char* what, const OdGePoint3d& point) {
-  if (isFinite(point)) return;
+  if (odgeIsFinite(point)) return;
   throw OdError(eInvalidInput,
                 OdString(what) + " of line " + line->getDbHandle().ascii() + " is not finite");
 }
@@ -80,7 +76,7 @@ OdResult OdDbLine::subTransformBy(const OdGeMatrix3d& transform) {
   const OdGePoint3d start = transform * m_start;
   const OdGePoint3d end = transform * m_end;
   const OdGeVector3d normal = transform * m_normal;
-  if (!isFinite(start) || !isFinite(end)) return eInvalidInput;
+  if (!odgeIsFinite(start) || !odgeIsFinite(end)) return eInvalidInput;
   m_start = start;
   m_end = end;
   m_normal = normal / normal.length();
@@ -108,6 +104,7 @@ OdResult OdDbLine::dwgInFields(OdDbDwgFiler* filer) {
   m_start = filer->rdPoint3d();
   m_end = filer->rdPoint3d();
   m_normal = filer->rdVector3d();
-  const bool isSound = isFinite(m_start) && isFinite(m_end) && m_normal.isUnitLength(OdGeTol(1e-6));
+  const bool isSound =
+      odgeIsFinite(m_start) && odgeIsFinite(m_end) && m_normal.isUnitLength(OdGeTol(1e-6));
   return isSound ? eOk : eCorruptData;
 }

@@ -5,17 +5,13 @@
 #include <string>
 
 #include "platform/base/error.h"
+#include "platform/ge/finite.h"
 
 OD_RX_DEFINE_DB(OdDbViewport, OdDbEntity, L"OdDbViewport", 0, 0, 0, L"VIEWPORT", OdString())
 
 namespace {
 
 constexpr OdUInt8 kVersion = 1;
-
-bool isFinite(const OdGePoint3d& point) {
-  return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-}
-bool isFinite(const OdGePoint2d& point) { return std::isfinite(point.x) && std::isfinite(point.y); }
 
 bool isSize(double value) { return std::isfinite(value) && value > 0.0; }
 // The direction is kept as given; it has only to be one.
@@ -36,7 +32,7 @@ double checkedSize(const OdDbViewport* viewport, const char* what, double value)
 
 template <class Point>
 const Point& checkedPoint(const OdDbViewport* viewport, const char* what, const Point& point) {
-  if (!isFinite(point)) raiseValue(viewport, what, std::isfinite(point.x) ? point.y : point.x);
+  if (!odgeIsFinite(point)) raiseValue(viewport, what, std::isfinite(point.x) ? point.y : point.x);
   return point;
 }
 
@@ -113,7 +109,7 @@ OdResult OdDbViewport::getGeomExtents(OdGeExtents3d& extents) const {
 OdResult OdDbViewport::subTransformBy(const OdGeMatrix3d& transform) {
   const double factor = transform.scale();
   const OdGePoint3d center = transform * m_center;
-  if (!isFinite(center) || !isSize(m_width * factor) || !isSize(m_height * factor)) {
+  if (!odgeIsFinite(center) || !isSize(m_width * factor) || !isSize(m_height * factor)) {
     return eInvalidInput;
   }
   m_center = center;
@@ -164,9 +160,9 @@ OdResult OdDbViewport::dwgInFields(OdDbDwgFiler* filer) {
   m_twist = filer->rdDouble();
   m_number = filer->rdInt16();
   m_on = filer->rdBool();
-  const bool isSound = isFinite(m_center) && isSize(m_width) && isSize(m_height) &&
-                       isFinite(m_viewTarget) && isDirection(m_viewDirection) &&
-                       isFinite(m_viewCenter) && isSize(m_viewHeight) && std::isfinite(m_twist) &&
-                       m_number >= 0;
+  const bool isSound = odgeIsFinite(m_center) && isSize(m_width) && isSize(m_height) &&
+                       odgeIsFinite(m_viewTarget) && isDirection(m_viewDirection) &&
+                       odgeIsFinite(m_viewCenter) && isSize(m_viewHeight) &&
+                       std::isfinite(m_twist) && m_number >= 0;
   return isSound ? eOk : eCorruptData;
 }

@@ -1,10 +1,9 @@
 // A body under a transformation.
 #include <BRepBuilderAPI_GTransform.hxx>
 #include <BRepBuilderAPI_Transform.hxx>
-#include <algorithm>
-#include <cmath>
 #include <gp_GTrsf.hxx>
 
+#include "platform/ge/finite.h"
 #include "platform/modeler_occt/occt_body.h"
 #include "platform/modeler_occt/occt_bridge.h"
 #include "platform/modeler_occt/occt_convert.h"
@@ -15,11 +14,6 @@ namespace {
 
 // Relative: how far a matrix may be from rigid or uniform before free-form surfaces are needed.
 constexpr double kOrthogonalTolerance = 1e-9;
-
-bool allFinite(const OdGeMatrix3d& m) {
-  return std::all_of(m.getElements(), m.getElements() + 16,
-                     [](double v) { return std::isfinite(v); });
-}
 
 bool isRigid(const OdGeMatrix3d& m) {
   return m.isOrthonormal(OdGeTol(kOrthogonalTolerance)) && m.det() > 0.0;
@@ -49,7 +43,7 @@ TopoDS_Shape deformed(const TopoDS_Shape& shape, const OdGeMatrix3d& matrix) {
 }  // namespace
 
 OdStatus Body::transformed(const OdGeMatrix3d& matrix, OdModelerBodyPtr& result) const {
-  if (!allFinite(matrix) || matrix.isSingular()) {
+  if (!odgeIsFinite(matrix) || matrix.isSingular()) {
     OdString text;
     text.format(L"transform: the matrix is singular or not finite, determinant %g", matrix.det());
     return {eInvalidInput, text};

@@ -1,12 +1,14 @@
 // Vectors, matrices, planes and boxes: the identities that callers rely on.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <numbers>
 #include <random>
 
 #include "platform/base/error.h"
 #include "platform/ge/extents3d.h"
+#include "platform/ge/finite.h"
 #include "platform/ge/matrix3d.h"
 #include "platform/ge/plane.h"
 
@@ -107,6 +109,34 @@ TEST(OdGeMatrix3d, CoordinateSystemRoundTripsAndElementsAreRows) {
   EXPECT_EQ(OdGeMatrix3d().setCoordSystem(origin, x, y, z), m);
   EXPECT_EQ(m.getElements()[3], origin.x);
   EXPECT_EQ(m.getElements()[4], x.y);
+}
+
+// Every number counts, by itself: the sum and the length of the last values overflow.
+TEST(OdGeIsFinite, EveryNumberOfAValueCounts) {
+  const double large = std::numeric_limits<double>::max();
+  for (const double bad : {std::numeric_limits<double>::quiet_NaN(),
+                           std::numeric_limits<double>::infinity(), -HUGE_VAL}) {
+    for (unsigned at = 0; at < 16; ++at) {
+      OdGeMatrix3d m;
+      m.getElements()[at] = bad;
+      EXPECT_FALSE(odgeIsFinite(m)) << "entry " << at;
+    }
+    for (unsigned at = 0; at < 3; ++at) {
+      const auto put = [&](unsigned index) { return index == at ? bad : large; };
+      EXPECT_FALSE(odgeIsFinite(OdGePoint3d(put(0), put(1), put(2)))) << at;
+      EXPECT_FALSE(odgeIsFinite(OdGeVector3d(put(0), put(1), put(2)))) << at;
+      EXPECT_FALSE(odgeIsFinite(OdGeScale3d(put(0), put(1), put(2)))) << at;
+      if (at == 2) continue;
+      EXPECT_FALSE(odgeIsFinite(OdGePoint2d(put(0), put(1)))) << at;
+      EXPECT_FALSE(odgeIsFinite(OdGeVector2d(put(0), put(1)))) << at;
+    }
+  }
+  EXPECT_TRUE(odgeIsFinite(OdGeMatrix3d::scaling(large)));
+  EXPECT_TRUE(odgeIsFinite(OdGePoint3d(large, large, large)));
+  EXPECT_TRUE(odgeIsFinite(OdGeVector3d(-large, -large, -large)));
+  EXPECT_TRUE(odgeIsFinite(OdGeScale3d(large)));
+  EXPECT_TRUE(odgeIsFinite(OdGePoint2d(large, large)));
+  EXPECT_TRUE(odgeIsFinite(OdGeVector2d(-large, large)));
 }
 
 TEST(OdGePlane, NormalFollowsTheAxesAndDegenerateAxesAreRefused) {
