@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <png.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <filesystem>
@@ -60,10 +61,28 @@ nlohmann::json jsonOf(const std::string& glb) {
   return nlohmann::json::parse(glb.substr(20, size));
 }
 
-class RenderTest : public DrawingTest {
+/// The current folder for the time of a test: a new one, which goes with all that is in it.
+class WorkingFolder {
+ protected:
+  WorkingFolder()
+      : m_before(fs::current_path()),
+        m_folder(fs::temp_directory_path() / ("render_test_" + std::to_string(getpid()))) {
+    fs::create_directory(m_folder);
+    fs::current_path(m_folder);
+  }
+  ~WorkingFolder() {
+    fs::current_path(m_before);
+    fs::remove_all(m_folder);
+  }
+
+ private:
+  fs::path m_before;
+  fs::path m_folder;
+};
+
+class RenderTest : public WorkingFolder, public DrawingTest {
  protected:
   RenderTest() {
-    for (const auto& entry : fs::directory_iterator(".")) fs::remove_all(entry.path());
     m_options.width = 200;
     m_options.height = 100;
     m_options.viewDirection = {0, 0, 1};
