@@ -5,12 +5,11 @@
 #   VDM_TARGETS             all targets declared here
 #   VDM_HEADERS_<target>    headers of one target, relative to the repository root
 
-# vdm_add_folders(<folder>...): adds each folder that has a build file, in the given order.
+# vdm_add_folders(<folder>...): adds each folder, in the given order. A folder without a build file
+# is an error.
 function(vdm_add_folders)
   foreach(folder IN LISTS ARGN)
-    if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt")
-      add_subdirectory("${folder}")
-    endif()
+    add_subdirectory("${folder}")
   endforeach()
 endfunction()
 

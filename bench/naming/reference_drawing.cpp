@@ -18,8 +18,8 @@
 #include "platform/modeler_occt/occt_modeler.h"
 #include "platform/rx/dynamic_linker.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
-#include "vdm_db/references/vdm_db_pers_id_manager.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_pers_id_manager.h"
 
 namespace naming_bench {
 namespace {

@@ -10,7 +10,7 @@
 #include "host/cli/text_output.h"
 #include "host/modeling/component_feature.h"
 #include "host/modeling/component_library.h"
-#include "vdm_db/features/vdm_group_feature.h"
+#include "vdm_db/concrete_features/vdm_group_feature.h"
 
 namespace cli {
 

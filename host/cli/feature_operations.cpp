@@ -6,9 +6,9 @@
 #include "host/cli/operation.h"
 #include "host/cli/text_output.h"
 #include "host/modeling/component_query.h"
+#include "vdm_db/concrete_features/vdm_group_feature.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
-#include "vdm_db/features/vdm_group_feature.h"
-#include "vdm_db/references/vdm_db_pers_id_manager.h"
+#include "vdm_db/model/vdm_db_pers_id_manager.h"
 
 namespace cli {
 

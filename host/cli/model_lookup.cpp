@@ -14,7 +14,7 @@
 #include "platform/db/block_table_record.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
 
 namespace cli {
 

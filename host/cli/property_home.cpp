@@ -5,7 +5,7 @@
 #include "host/cli/text_output.h"
 #include "platform/db/dictionary.h"
 #include "platform/filer/memory_filer.h"
-#include "vdm_db/module/vdm_constants.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/properties/vdm_db_extension_data.h"
 
 namespace cli {

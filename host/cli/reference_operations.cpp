@@ -7,7 +7,7 @@
 #include "host/cli/text_lines.h"
 #include "host/naming/name_feature.h"
 #include "host/naming/subent_name.h"
-#include "vdm_db/references/vdm_db_pers_id_manager.h"
+#include "vdm_db/model/vdm_db_pers_id_manager.h"
 
 namespace cli {
 

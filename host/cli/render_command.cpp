@@ -14,7 +14,7 @@
 #include "host/cli/text_output.h"
 #include "host/rendering/render.h"
 #include "platform/db/block_table.h"
-#include "vdm_db/drafting/vdm_feature_colors.h"
+#include "vdm_db/features/vdm_feature_colors.h"
 
 namespace cli {
 

@@ -7,7 +7,7 @@
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/modeler/db_3d_solid.h"
-#include "vdm_db/references/vdm_db_pers_id_reactor.h"
+#include "vdm_db/features/vdm_db_pers_id_reactor.h"
 
 VDM_DEFINE_FEATURE_CLASS(VdmComponentFeature, VdmFeature, L"VdmComponentFeature")
 OD_RX_DEFINE_DB(VdmDbInsertReactor, VdmDbFeatureReactor, L"VdmDbInsertReactor", 33, 0,

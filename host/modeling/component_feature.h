@@ -7,9 +7,9 @@
 
 #include "host/modeling/residues.h"
 #include "platform/ge/matrix3d.h"
-#include "vdm_db/features/vdm_db_feature_reactor.h"
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/features/vdm_feature_impl.h"
+#include "vdm_db/model/vdm_db_feature_reactor.h"
 
 class VdmDbInsertReactorImpl;
 

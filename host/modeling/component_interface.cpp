@@ -7,9 +7,9 @@
 #include "host/naming/reference_record.h"
 #include "platform/db/block_reference.h"
 #include "platform/db/id_mapping.h"
-#include "vdm_db/features/vdm_feature_subents_to_remove.h"
-#include "vdm_db/features/vdm_feature_update_data.h"
-#include "vdm_db/references/vdm_db_pers_id_reactor.h"
+#include "vdm_db/features/vdm_db_pers_id_reactor.h"
+#include "vdm_db/update/vdm_feature_subents_to_remove.h"
+#include "vdm_db/update/vdm_feature_update_data.h"
 
 OD_RX_DEFINE(VdmComponentInterface, VdmUpdateFeatureInterface, L"VdmComponentInterface")
 

@@ -4,7 +4,7 @@
 #include "platform/db/block_table.h"
 #include "platform/db/block_table_record.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
-#include "vdm_db/references/vdm_db_pers_id_manager.h"
+#include "vdm_db/model/vdm_db_pers_id_manager.h"
 
 namespace vdm_host {
 

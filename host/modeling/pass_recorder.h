@@ -7,7 +7,7 @@
 
 #include "host/modeling/update_report.h"
 #include "platform/base/status.h"
-#include "vdm_db/features/vdm_update_observer.h"
+#include "vdm_db/update/vdm_update_observer.h"
 
 namespace vdm_host {
 

@@ -5,13 +5,13 @@
 
 #include "host/modeling/component_interface.h"
 #include "host/modeling/update_helper.h"
-#include "vdm_db/drafting/vdm_feature_colors.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
-#include "vdm_db/features/vdm_db_feature_manager_pe.h"
 #include "vdm_db/features/vdm_db_naming_policy_pe.h"
-#include "vdm_db/features/vdm_feature_update_data.h"
-#include "vdm_db/references/vdm_db_object.h"
-#include "vdm_db/references/vdm_db_object_pe.h"
+#include "vdm_db/features/vdm_feature_colors.h"
+#include "vdm_db/model/vdm_db_object.h"
+#include "vdm_db/model/vdm_db_object_pe.h"
+#include "vdm_db/update/vdm_db_feature_manager_pe.h"
+#include "vdm_db/update/vdm_feature_update_data.h"
 
 namespace vdm_host {
 namespace {

@@ -9,10 +9,10 @@
 #include "host/naming/reference_record.h"
 #include "platform/db/block_reference.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
-#include "vdm_db/features/vdm_feature_subents_to_remove.h"
-#include "vdm_db/features/vdm_feature_update_data.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
+#include "vdm_db/update/vdm_feature_subents_to_remove.h"
+#include "vdm_db/update/vdm_feature_update_data.h"
 
 namespace vdm_host {
 namespace {

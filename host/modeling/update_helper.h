@@ -11,7 +11,7 @@
 #include "host/modeling/component_tools.h"
 #include "host/modeling/residues.h"
 #include "platform/modeler/solid_journal.h"
-#include "vdm_db/features/vdm_feature_update_data_helper.h"
+#include "vdm_db/update/vdm_feature_update_data_helper.h"
 
 namespace vdm_host {
 

@@ -8,7 +8,7 @@
 #include "host/naming/reference_record.h"
 #include "host/naming/reference_update.h"
 #include "vdm_db/features/vdm_db_feature_manager_transaction.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
 
 namespace vdm_host {
 namespace {

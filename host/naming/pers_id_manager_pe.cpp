@@ -9,9 +9,9 @@
 #include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "platform/modeler/db_3d_solid.h"
-#include "vdm_db/references/vdm_db_object.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
-#include "vdm_db/references/vdm_db_pers_id_manager.h"
+#include "vdm_db/model/vdm_db_object.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_pers_id_manager.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
 namespace vdm_host {

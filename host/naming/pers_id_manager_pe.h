@@ -1,7 +1,7 @@
 // The extension through which the module finds and makes dependencies.
 #pragma once
 
-#include "vdm_db/references/vdm_db_pers_id_manager_pe.h"
+#include "vdm_db/model/vdm_db_pers_id_manager_pe.h"
 
 namespace vdm_host {
 

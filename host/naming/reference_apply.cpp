@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "host/naming/reference_update_impl.h"
-#include "vdm_db/references/vdm_db_pers_id_manager.h"
+#include "vdm_db/model/vdm_db_pers_id_manager.h"
 
 namespace vdm_host {
 

@@ -10,7 +10,7 @@
 #include "platform/db/database.h"
 #include "platform/db/dictionary.h"
 #include "platform/db/xrecord.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
 
 namespace vdm_host {
 

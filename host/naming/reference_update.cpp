@@ -9,7 +9,7 @@
 #include "host/naming/reference_update_impl.h"
 #include "platform/db/block_table_record.h"
 #include "platform/modeler/db_3d_solid.h"
-#include "vdm_db/references/vdm_db_object.h"
+#include "vdm_db/model/vdm_db_object.h"
 
 namespace vdm_host {
 

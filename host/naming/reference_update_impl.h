@@ -11,7 +11,7 @@
 #include "host/naming/lineage_match.h"
 #include "host/naming/reference_update.h"
 #include "host/naming/respawn_match.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
 
 namespace vdm_host {
 

@@ -20,9 +20,8 @@ constexpr std::array<std::string_view, 2> kUmbrellas{"platform/platform.h", "vdm
 
 constexpr std::string_view kBase = "platform/base", kRx = "platform/rx", kGe = "platform/ge",
                            kFiler = "platform/filer", kDb = "platform/db",
-                           kStorage = "platform/storage", kAssoc = "platform/assoc",
-                           kGi = "platform/gi", kModeler = "platform/modeler",
-                           kModelerOcct = "platform/modeler_occt";
+                           kStorage = "platform/storage", kGi = "platform/gi",
+                           kModeler = "platform/modeler", kModelerOcct = "platform/modeler_occt";
 
 bool isBelow(std::string_view path, std::string_view folder) {
   return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
@@ -172,35 +171,47 @@ class FileChecker {
 
 }  // namespace
 
+namespace {
+
+/// Appends a row for each room of a folder, in their order: a room may include what `below` lists
+/// and the rooms before it.
+void addRooms(std::vector<FolderRule>& table, std::vector<std::string_view> below,
+              std::initializer_list<std::string_view> rooms) {
+  for (const std::string_view room : rooms) {
+    table.push_back({room, below});
+    below.push_back(room);
+  }
+}
+
+std::vector<FolderRule> makeFolderRules() {
+  const std::vector<std::string_view> below{kBase, kRx, kGe, kFiler, kGi, kDb};
+  std::vector<FolderRule> table{
+      {kBase, {}},
+      {kRx, {kBase}},
+      {kGe, {kBase}},
+      {kFiler, {kBase, kRx, kGe}},
+      {kGi, {kBase, kRx, kGe, kFiler}},
+      {kDb, {kBase, kRx, kGe, kFiler, kGi}},
+      {kStorage, below},
+      {kModeler, below},
+      {kModelerOcct, {kBase, kRx, kGe, kFiler, kGi, kDb, kModeler}},
+      {"vdm_utils", below},
+  };
+  addRooms(table, {kBase, kRx, kGe, kFiler, kGi, kDb, kModeler, "vdm_utils"},
+           {"vdm_db/common", "vdm_db/properties", "vdm_db/drawing_utils", "vdm_db/references",
+            "vdm_db/model", "vdm_db/constraints", "vdm_db/features", "vdm_db/concrete_features",
+            "vdm_db/update", "vdm_db/feature_display", "vdm_db/cloning", "vdm_db/module"});
+  std::vector<std::string_view> everything;
+  for (const FolderRule& rule : table) everything.push_back(rule.folder);
+  addRooms(table, everything,
+           {"host/naming", "host/modeling", "host/rendering", "host/module", "host/cli"});
+  return table;
+}
+
+}  // namespace
+
 std::span<const FolderRule> folderRules() {
-  static const std::vector<FolderRule> rules = [] {
-    const std::vector<std::string_view> below{kBase, kRx, kGe, kFiler, kGi, kDb};
-    const std::vector<std::string_view> hostRooms{
-        "host/modeling", "host/solving", "host/drafting", "host/sheet_metal",
-        "host/naming",   "host/units",   "host/rendering"};
-    std::vector<FolderRule> table{
-        {kBase, {}},
-        {kRx, {kBase}},
-        {kGe, {kBase}},
-        {kFiler, {kBase, kRx, kGe}},
-        {kGi, {kBase, kRx, kGe, kFiler}},
-        {kDb, {kBase, kRx, kGe, kFiler, kGi}},
-        {kStorage, below},
-        {kAssoc, below},
-        {kModeler, below},
-        {kModelerOcct, {kBase, kRx, kGe, kFiler, kGi, kDb, kModeler}},
-        {"vdm_utils", below},
-        {"vdm_db", {kBase, kRx, kGe, kFiler, kGi, kDb, kAssoc, kModeler, "vdm_utils"}},
-    };
-    std::vector<std::string_view> everything = hostRooms;
-    for (const FolderRule& rule : table) everything.push_back(rule.folder);
-    for (const std::string_view room : hostRooms) {
-      table.push_back({room, everything});
-    }
-    for (const std::string_view room : {"host/module", "host/cli"})
-      table.push_back({room, everything});
-    return table;
-  }();
+  static const std::vector<FolderRule> rules = makeFolderRules();
   return rules;
 }
 
@@ -213,10 +224,7 @@ std::span<const ForeignRule> foreignRules() {
       {"ICU", {"unicode/"}, {kBase}},
       {"SQLite", {"sqlite3"}, {kStorage}},
       {"xxHash", {"xxh"}, {kStorage}},
-      {"muParser", {"muParser"}, {kAssoc}},
-      {"Open CASCADE",
-       {".hxx", ".lxx", ".gxx"},
-       {kModelerOcct, "host/modeling", "host/naming", "host/drafting"}},
+      {"Open CASCADE", {".hxx", ".lxx", ".gxx"}, {kModelerOcct}},
       {"CLI11", {"CLI/"}, {"host/cli"}},
       {"nlohmann-json", {"nlohmann/"}, {"host/cli", "host/rendering"}},
       {"libpng", {"png.h"}, {"host/rendering"}},
@@ -231,6 +239,18 @@ std::vector<std::string> checkTree(const fs::path& root) {
     FileChecker(root, file, violations).run();
   }
   return violations;
+}
+
+std::vector<std::string> missingFolders(const fs::path& root) {
+  std::set<std::string> named;
+  for (const FolderRule& rule : folderRules()) named.emplace(rule.folder);
+  for (const ForeignRule& rule : foreignRules())
+    named.insert(rule.allowedFolders.begin(), rule.allowedFolders.end());
+  std::vector<std::string> missing;
+  std::ranges::copy_if(named, std::back_inserter(missing), [&root](const std::string& folder) {
+    return !fs::is_directory(root / folder);
+  });
+  return missing;
 }
 
 std::set<std::string> headersOnDisk(const fs::path& root) {

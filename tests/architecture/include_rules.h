@@ -37,6 +37,9 @@ std::span<const ForeignRule> foreignRules();
 /// Returns one line per violation, naming file, line and what is wrong, ordered by path.
 std::vector<std::string> checkTree(const std::filesystem::path& root);
 
+/// Folders that a rule names and that are not below `root`, in alphabetical order.
+std::vector<std::string> missingFolders(const std::filesystem::path& root);
+
 /// All headers (`.h`) below `root` in the same folders, as paths from the root.
 std::set<std::string> headersOnDisk(const std::filesystem::path& root);
 

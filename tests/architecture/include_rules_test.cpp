@@ -1,6 +1,7 @@
 // Tests of the architecture: the real tree keeps its arrows, and the checker sees when one does
 // not.
 #include "tests/architecture/include_rules.h"
+#include "tests/architecture/tree_page.h"
 
 #include <gtest/gtest.h>
 
@@ -44,6 +45,17 @@ TEST(Architecture, TreeFollowsTheArrows) {
   EXPECT_EQ(lines(architecture::checkTree(VDM_SOURCE_DIR)), "");
 }
 
+TEST(Architecture, EveryFolderOfARuleIsThere) {
+  EXPECT_EQ(lines(architecture::missingFolders(VDM_SOURCE_DIR)), "");
+  const ArtificialTree empty;
+  EXPECT_EQ(architecture::missingFolders("artificial_tree").front(), "host");
+}
+
+TEST(Architecture, PageShowsTheTree) {
+  const fs::path root(VDM_SOURCE_DIR);
+  EXPECT_EQ(lines(architecture::checkTreePage(root, root / "docs/architecture.md")), "");
+}
+
 TEST(Architecture, EveryHeaderStandsInTheListOfATarget) {
   std::set<std::string> listed;
   std::ifstream in(VDM_HEADER_LIST);
@@ -63,8 +75,8 @@ TEST(IncludeChecker, AcceptsACleanTree) {
   tree.source("platform/rx/object.cpp", "\"platform/rx/object.h\"");
   tree.source("platform/storage/file.cpp", "<sqlite3.h>");
   tree.source("platform/rx/loader.cpp", "<dlfcn.h>");
-  tree.header("vdm_db/features/feature.h", "\"vdm_db/module/exports.h\"");
-  tree.header("vdm_db/module/exports.h");
+  tree.header("vdm_db/features/feature.h", "\"vdm_db/common/exports.h\"");
+  tree.header("vdm_db/common/exports.h");
   tree.header("platform/platform.h", "\"platform/rx/object.h\"");
   tree.source("host/cli/main.cpp", "\"platform/platform.h\"");
   EXPECT_EQ(lines(tree.check()), "");
@@ -82,9 +94,11 @@ TEST(IncludeChecker, SeesEachKindOfViolation) {
       {"platform/gi/a.cpp", "#  include \"platform/modeler/solid.h\" // why\n",
        "platform/gi/a.cpp:1: platform/gi may not include platform/modeler/solid.h"},
       {"vdm_db/features/a.cpp", "#include \"platform/storage/file.h\"\n",
-       "vdm_db/features/a.cpp:1: vdm_db may not include platform/storage/file.h"},
-      {"host/units/a.cpp", "#include \"host/cli/command.h\"\n",
-       "host/units/a.cpp:1: host/units may not include host/cli/command.h"},
+       "vdm_db/features/a.cpp:1: vdm_db/features may not include platform/storage/file.h"},
+      {"vdm_db/references/a.cpp", "#include \"vdm_db/model/manager.h\"\n",
+       "vdm_db/references/a.cpp:1: vdm_db/references may not include vdm_db/model/manager.h"},
+      {"host/naming/a.cpp", "#include \"host/cli/command.h\"\n",
+       "host/naming/a.cpp:1: host/naming may not include host/cli/command.h"},
       {"vdm_db/features/a.cpp", "#include \"platform/platform.h\"\n",
        "vdm_db/features/a.cpp:1: includes the umbrella header platform/platform.h, only hosts may"},
       {"platform/rx/a.cpp", "#include \"object.h\"\n",
@@ -105,12 +119,30 @@ TEST(IncludeChecker, SeesEachKindOfViolation) {
     ArtificialTree tree;
     for (const char* header :
          {"platform/rx/object.h", "platform/modeler/solid.h", "platform/storage/file.h",
-          "platform/platform.h", "host/cli/command.h"}) {
+          "platform/platform.h", "host/cli/command.h", "vdm_db/model/manager.h"}) {
       tree.header(header);
     }
     tree.write(row.path, row.text);
     EXPECT_EQ(lines(tree.check()), std::string(row.complaint) + "\n");
   }
+}
+
+TEST(TreePage, SeesWhatIsMissingOnEitherSide) {
+  ArtificialTree tree;
+  tree.header("platform/base/string.h");
+  tree.header("platform/colour/hue.h");
+  tree.write("platform/notes/page.md", "no code");
+  tree.write("page.md",
+             "text\n```\nplatform/      the runtime\n  base/\n  gone/        not here\n"
+             "examples/  tests/\n```\n");
+  fs::create_directories("artificial_tree/tests");
+  EXPECT_EQ(lines(architecture::checkTreePage("artificial_tree", "artificial_tree/page.md")),
+            "platform/base is shown without a text\n"
+            "platform/gone is shown, and there is no such folder\n"
+            "examples is shown, and there is no such folder\n"
+            "platform/colour is not shown\n");
+  EXPECT_EQ(lines(architecture::checkTreePage("artificial_tree", "artificial_tree/none.md")),
+            "none.md shows no tree\n");
 }
 
 }  // namespace

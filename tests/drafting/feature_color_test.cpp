@@ -9,12 +9,12 @@
 #include "platform/modeler_occt/occt_modeler.h"
 #include "tests/gi/recording_draw.h"
 #include "tests/references/model_testing.h"
-#include "vdm_db/drafting/vdm_auto_save_solid_properties.h"
-#include "vdm_db/drafting/vdm_db_3d_solid_draw_overrule.h"
-#include "vdm_db/drafting/vdm_db_3d_solid_feature_coloring.h"
-#include "vdm_db/drafting/vdm_feature_colors.h"
+#include "vdm_db/drawing_utils/vdm_auto_save_solid_properties.h"
+#include "vdm_db/feature_display/vdm_db_3d_solid_draw_overrule.h"
+#include "vdm_db/feature_display/vdm_db_3d_solid_feature_coloring.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_feature.h"
+#include "vdm_db/features/vdm_feature_colors.h"
 #include "vdm_db/features/vdm_feature_pe.h"
 
 namespace {

@@ -4,9 +4,9 @@
 #include "platform/filer/dxf_text_filer.h"
 #include "tests/features/feature_testing.h"
 #include "tests/support/dump_drawing.h"
+#include "vdm_db/features/vdm_db_sheet_metal_context_pe.h"
 #include "vdm_db/features/vdm_feature_pe.h"
 #include "vdm_db/features/vdm_feature_results.h"
-#include "vdm_db/sheet_metal/vdm_db_sheet_metal_context_pe.h"
 
 class VdmDbFeatureDataTest : public FeatureTest {};
 

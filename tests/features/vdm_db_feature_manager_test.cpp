@@ -1,11 +1,11 @@
 // Tests of feature managers: the list, walks, passes, audit, clone and merge.
 #include "tests/features/feature_testing.h"
 #include "tests/support/dump_drawing.h"
-#include "vdm_db/cloning/vdm_block_utils.h"
-#include "vdm_db/cloning/vdm_id_mappings.h"
+#include "vdm_db/drawing_utils/vdm_block_utils.h"
+#include "vdm_db/drawing_utils/vdm_id_mappings.h"
+#include "vdm_db/features/vdm_db_sheet_metal_context_pe.h"
+#include "vdm_db/features/vdm_sheet_metal_source.h"
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"
-#include "vdm_db/sheet_metal/vdm_db_sheet_metal_context_pe.h"
-#include "vdm_db/sheet_metal/vdm_sheet_metal_source.h"
 
 /// A sheet-metal context as far as managers look at it.
 class SheetContext : public OdDbObject, public VdmSheetMetalSource {

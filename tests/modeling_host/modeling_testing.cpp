@@ -9,7 +9,7 @@
 #include "platform/filer/memory_filer.h"
 #include "platform/rx/dynamic_linker.h"
 #include "platform/storage/sqlite_record_store.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
 
 using namespace vdm_host;
 

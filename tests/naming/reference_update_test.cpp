@@ -17,10 +17,10 @@
 #include "platform/storage/sqlite_record_store.h"
 #include "tests/naming/naming_fixture.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
-#include "vdm_db/references/vdm_db_object.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
-#include "vdm_db/references/vdm_db_pers_id_manager.h"
-#include "vdm_db/references/vdm_db_pers_id_reactor.h"
+#include "vdm_db/features/vdm_db_pers_id_reactor.h"
+#include "vdm_db/model/vdm_db_object.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_pers_id_manager.h"
 
 namespace vdm_host {
 namespace {

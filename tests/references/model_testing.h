@@ -9,12 +9,12 @@
 #include "platform/base/shared_ptr.h"
 #include "tests/references/reference_testing.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
-#include "vdm_db/references/vdm_db_object.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
-#include "vdm_db/references/vdm_db_object_pe.h"
-#include "vdm_db/references/vdm_db_pers_id_manager.h"
-#include "vdm_db/references/vdm_db_pers_id_manager_pe.h"
-#include "vdm_db/references/vdm_db_pers_id_reactor.h"
+#include "vdm_db/features/vdm_db_pers_id_reactor.h"
+#include "vdm_db/model/vdm_db_object.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_object_pe.h"
+#include "vdm_db/model/vdm_db_pers_id_manager.h"
+#include "vdm_db/model/vdm_db_pers_id_manager_pe.h"
 
 struct FilerBytes {
   OdDbFilerBuffer bytes;

@@ -1,10 +1,10 @@
 // Tests of making, copying and swapping of blocks, of effective scales and of reactors.
-#include "vdm_db/cloning/vdm_block_utils.h"
+#include "vdm_db/drawing_utils/vdm_block_utils.h"
 
 #include "platform/db/dictionary.h"
 #include "tests/references/reference_testing.h"
-#include "vdm_db/cloning/vdm_assoc_array_utils.h"
-#include "vdm_db/cloning/vdm_reactor_utils.h"
+#include "vdm_db/drawing_utils/vdm_assoc_array_utils.h"
+#include "vdm_db/drawing_utils/vdm_reactor_utils.h"
 
 /// The action that fills an array.
 class ArrayAction : public OdDbObject {

@@ -3,7 +3,7 @@
 
 #include "platform/db/xref_man.h"
 #include "tests/references/reference_testing.h"
-#include "vdm_db/cloning/vdm_block_utils.h"
+#include "vdm_db/drawing_utils/vdm_block_utils.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // Tests of dependencies: links, undo steps, forms of the record.
-#include "vdm_db/references/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
 
 #include "tests/references/model_testing.h"
 #include "vdm_db/references/vdm_path_utils.h"

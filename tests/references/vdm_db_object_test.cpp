@@ -1,5 +1,5 @@
 // Tests of model objects: attaching, dependencies by path, transforms, events, record.
-#include "vdm_db/references/vdm_db_object.h"
+#include "vdm_db/model/vdm_db_object.h"
 
 #include "tests/references/model_testing.h"
 

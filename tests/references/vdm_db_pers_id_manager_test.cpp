@@ -1,9 +1,9 @@
 // Tests of persistent id managers: making, remapping, audit, cloning and merging.
-#include "vdm_db/references/vdm_db_pers_id_manager.h"
+#include "vdm_db/model/vdm_db_pers_id_manager.h"
 
 #include "platform/db/id_mapping.h"
 #include "tests/references/model_testing.h"
-#include "vdm_db/cloning/vdm_id_mappings.h"
+#include "vdm_db/drawing_utils/vdm_id_mappings.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Tests of the reactors through which features refer to geometry.
-#include "vdm_db/references/vdm_db_pers_id_reactor.h"
+#include "vdm_db/features/vdm_db_pers_id_reactor.h"
 
 #include "tests/references/model_testing.h"
 #include "vdm_db/features/vdm_db_feature_data.h"

@@ -1,5 +1,5 @@
 // Tests of finding, making and deleting of objects in dictionaries.
-#include "vdm_db/cloning/vdm_dictionary_utils.h"
+#include "vdm_db/drawing_utils/vdm_dictionary_utils.h"
 
 #include "platform/db/xrecord.h"
 #include "tests/references/reference_testing.h"

@@ -1,5 +1,5 @@
 // Tests of layers, viewports and how entities are shown.
-#include "vdm_db/cloning/vdm_display_utils.h"
+#include "vdm_db/drawing_utils/vdm_display_utils.h"
 
 #include <numbers>
 

@@ -2,7 +2,7 @@
 #include "vdm_db/references/vdm_path_utils.h"
 
 #include "tests/references/reference_testing.h"
-#include "vdm_db/references/vdm_object_id_hash.h"
+#include "vdm_db/common/vdm_object_id_hash.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Tests of blocks that stand for external drawings.
-#include "vdm_db/cloning/vdm_xref_utils.h"
+#include "vdm_db/drawing_utils/vdm_xref_utils.h"
 
 #include "tests/references/reference_testing.h"
 

@@ -14,7 +14,7 @@
 #include "tests/support/dump_drawing.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
-#include "vdm_db/references/vdm_db_pers_id_manager.h"
+#include "vdm_db/model/vdm_db_pers_id_manager.h"
 
 using namespace vdm_host;
 

@@ -3,7 +3,7 @@
 
 #include "platform/rx/dynamic_linker.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
-#include "vdm_db/features/vdm_db_feature_manager_pe.h"
+#include "vdm_db/update/vdm_db_feature_manager_pe.h"
 #include "vdm_utils/vdmc_assert.h"
 
 Scene* Scene::current = nullptr;

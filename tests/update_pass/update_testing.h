@@ -11,12 +11,12 @@
 #include "tests/references/model_testing.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_feature_impl.h"
-#include "vdm_db/features/vdm_feature_subents_to_remove.h"
-#include "vdm_db/features/vdm_feature_update_data.h"
-#include "vdm_db/features/vdm_feature_update_data_helper.h"
-#include "vdm_db/features/vdm_feature_update_driver.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"
+#include "vdm_db/update/vdm_feature_subents_to_remove.h"
+#include "vdm_db/update/vdm_feature_update_data.h"
+#include "vdm_db/update/vdm_feature_update_data_helper.h"
+#include "vdm_db/update/vdm_feature_update_driver.h"
 
 /// What a feature and its interface do. What is not said is the simplest legal thing.
 struct Script {

@@ -1,10 +1,10 @@
 // What features and their managers ask an update interface outside of passes.
 #include "tests/update_pass/update_testing.h"
-#include "vdm_db/cloning/vdm_block_utils.h"
-#include "vdm_db/cloning/vdm_id_mappings.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
+#include "vdm_db/drawing_utils/vdm_block_utils.h"
+#include "vdm_db/drawing_utils/vdm_id_mappings.h"
 #include "vdm_db/features/vdm_feature_manager_utils.h"
-#include "vdm_db/references/vdm_db_object.h"
+#include "vdm_db/model/vdm_db_object.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Solids by layer: in blocks, external drawings, long transactions and associative arrays.
 #include "platform/db/long_transaction.h"
 #include "tests/update_pass/update_testing.h"
-#include "vdm_db/cloning/vdm_assoc_array_utils.h"
+#include "vdm_db/drawing_utils/vdm_assoc_array_utils.h"
 
 /// The action that fills an array.
 class ArrayAction : public OdDbObject {

@@ -1,11 +1,4 @@
 # Constraints: the record, their manager, the extensions that a solver's module attaches.
-list(APPEND VDM_DB_HEADERS
-  constraints/vdm_constraint.h
-  constraints/vdm_constraint_orientation.h
-  constraints/vdm_constraint_utils.h
-  constraints/vdm_db_assembly_pe.h
-  constraints/vdm_db_constraint_manager.h
-  constraints/vdm_db_constraint_manager_pe.h)
 list(APPEND VDM_DB_SOURCES
   constraints/vdm_constraint.cpp
   constraints/vdm_constraint_filing.cpp
@@ -15,6 +8,16 @@ list(APPEND VDM_DB_SOURCES
   constraints/vdm_db_constraint_manager_audit.cpp
   constraints/vdm_db_constraint_manager_filing.cpp
   constraints/vdm_db_constraint_manager_pe.cpp
-  constraints/vdm_db_constraint_manager_registry.cpp)
+  constraints/vdm_db_constraint_manager_registry.cpp
+)
+list(APPEND VDM_DB_HEADERS
+  constraints/vdm_constraint.h
+  constraints/vdm_constraint_orientation.h
+  constraints/vdm_constraint_utils.h
+  constraints/vdm_db_assembly_pe.h
+  constraints/vdm_db_constraint_manager.h
+  constraints/vdm_db_constraint_manager_pe.h
+)
 list(APPEND VDM_DB_PRIVATE_HEADERS
-  constraints/vdm_object_names.h)
+  constraints/vdm_db_constraint_manager_names.h
+)

@@ -6,9 +6,9 @@
 
 #include "platform/base/error.h"
 #include "platform/db/db_object.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
-#include "vdm_db/module/vdm_constants.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
 
 OD_RX_DEFINE(VdmConstraint, OdRxObject, L"VdmDbConstraint")
 

@@ -12,11 +12,11 @@
 #include "platform/filer/object_id.h"
 #include "platform/rx/rx_macros.h"
 #include "platform/rx/rx_object.h"
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/constraints/vdm_constraint_orientation.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager_pe.h"
 #include "vdm_db/properties/vdm_properties.h"
 #include "vdm_db/references/vdm_extended_path.h"
-#include "vdm_db/vdm_db_export.h"
 
 class OdDbDatabase;
 class VdmConstraint;

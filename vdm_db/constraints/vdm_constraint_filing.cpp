@@ -15,8 +15,8 @@
 #include <algorithm>
 
 #include "platform/base/error.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/constraints/vdm_constraint.h"
-#include "vdm_db/module/vdm_constants.h"
 #include "vdm_db/properties/vdm_dwg_utils.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/base/types.h"
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/common/vdm_db_export.h"
 
 /// Which side of an argument counts. Filed as one letter: "0", "+", "-", "K".
 enum HalfSpaceOrientation : OdInt32 {

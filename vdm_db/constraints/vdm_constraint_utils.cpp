@@ -10,12 +10,12 @@
 #include "platform/base/error.h"
 #include "platform/db/block_table.h"
 #include "platform/db/database.h"
-#include "vdm_db/cloning/vdm_dictionary_utils.h"
-#include "vdm_db/module/vdm_constants.h"
-#include "vdm_db/references/vdm_db_object.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
-#include "vdm_db/references/vdm_object_id_hash.h"
-#include "vdm_db/references/vdm_open_upgrade.h"
+#include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/common/vdm_object_id_hash.h"
+#include "vdm_db/drawing_utils/vdm_dictionary_utils.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
+#include "vdm_db/model/vdm_db_object.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
 namespace vdmu {

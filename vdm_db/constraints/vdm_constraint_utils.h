@@ -7,8 +7,8 @@
 #include "platform/base/string.h"
 #include "platform/db/subent.h"
 #include "platform/filer/object_id.h"
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
-#include "vdm_db/vdm_db_export.h"
 
 class OdDbDatabase;
 

@@ -3,7 +3,7 @@
 
 #include "platform/rx/rx_macros.h"
 #include "platform/rx/rx_object.h"
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/common/vdm_db_export.h"
 
 class VdmFeature;
 class VdmFeatureUpdateData;

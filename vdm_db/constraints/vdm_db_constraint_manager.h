@@ -9,13 +9,14 @@
 #include "platform/base/array.h"
 #include "platform/base/string.h"
 #include "platform/db/db_object.h"
+#include "vdm_db/common/vdm_db_export.h"
+#include "vdm_db/common/vdm_object_id_hash.h"
 #include "vdm_db/constraints/vdm_constraint.h"
+#include "vdm_db/model/vdm_block_managers.h"
 #include "vdm_db/properties/vdm_properties.h"
 #include "vdm_db/references/vdm_extended_path.h"
 #include "vdm_db/references/vdm_indexed_ids.h"
-#include "vdm_db/references/vdm_object_id_hash.h"
 #include "vdm_db/references/vdm_path_utils.h"
-#include "vdm_db/vdm_db_export.h"
 
 class VdmDbConstraintManager;
 class VdmDbObject;
@@ -49,7 +50,7 @@ using VdmDbConstraintManagerPtr = OdSmartPtr<VdmDbConstraintManager>;
 ///
 /// Only in states 1 and 2 is there a set of modified objects. Operations raise eNotOpenForRead (61)
 /// unless the manager is open for read; those that change it need it open for write, unless told.
-class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject {
+class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelObjectRegistry {
  public:
   OD_RX_DECLARE_MEMBERS(VdmDbConstraintManager)
 
@@ -121,7 +122,7 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject {
   [[nodiscard]] bool isUpToDate() const { return getStatus() == kUpToDate; }
   /// An object was modified, or (false) is finished: its change has been solved. The manager is
   /// upgraded for writing when it has to change.
-  void notifyAboutModifications(const OdDbObjectId& object, bool modified);
+  void notifyAboutModifications(const OdDbObjectId& object, bool modified) override;
   /// In rising handle order.
   [[nodiscard]] OdDbObjectIdArray getModifiedObjects() const;
   void setModifiedObjects(const OdDbObjectIdArray& objects);
@@ -142,8 +143,8 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject {
   /// Called by a model object when it comes under this manager and when it leaves it. The manager
   /// of the block that its entity inserts becomes a child, and is dropped from the children, even
   /// if another registered object inserts that block.
-  void registerVdmDbObject(const VdmDbObject* object);
-  void unregisterVdmDbObject(VdmDbObject* object);
+  void registerVdmDbObject(const VdmDbObject* object) override;
+  void unregisterVdmDbObject(VdmDbObject* object) override;
   /// Takes objects that are about to be erased out of the registry, in one step.
   void dropFromRegistry(const OdDbObjectIdArray& objects);
   void setVdmDbObjects(const OdDbObjectIdArray& objects);
@@ -153,13 +154,10 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject {
 
   /// `base` without its number, and the first number that makes it unique among the names of the
   /// registered objects, in any case: "LINE" gives "LINE_1", "LINE_2" and so on.
-  OdString generateVdmDbObjectName(const OdString& base);
+  [[nodiscard]] OdString generateVdmDbObjectName(const OdString& base) override;
   /// Gives names to the registered objects that have none; nothing happens without a
   /// VdmDbConstraintManagerPE.
   void generateVdmDbObjectNames() const;
-  /// Called by model objects of a drawing whenever a name of theirs changes, by undo and loading,
-  /// too: what managers remember of names is outdated then.
-  static void objectNamesChanged();
 
   // ---- Data of the solver's module
 

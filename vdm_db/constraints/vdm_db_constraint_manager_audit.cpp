@@ -4,13 +4,14 @@
 #include "platform/base/error.h"
 #include "platform/db/audit_info.h"
 #include "platform/db/block_table_record.h"
-#include "vdm_db/cloning/vdm_iterator_utils.h"
 #include "vdm_db/constraints/vdm_constraint_utils.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
-#include "vdm_db/constraints/vdm_object_names.h"
-#include "vdm_db/references/vdm_db_object.h"
-#include "vdm_db/references/vdm_db_object_pe.h"
-#include "vdm_db/references/vdm_open_upgrade.h"
+#include "vdm_db/constraints/vdm_db_constraint_manager_names.h"
+#include "vdm_db/drawing_utils/vdm_iterator_utils.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
+#include "vdm_db/model/vdm_db_object.h"
+#include "vdm_db/model/vdm_db_object_pe.h"
+#include "vdm_db/model/vdm_object_names.h"
 
 namespace {
 

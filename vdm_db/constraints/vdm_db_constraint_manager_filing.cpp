@@ -24,9 +24,10 @@
 #include "platform/base/error.h"
 #include "platform/db/id_mapping.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
-#include "vdm_db/constraints/vdm_object_names.h"
+#include "vdm_db/constraints/vdm_db_constraint_manager_names.h"
+#include "vdm_db/model/vdm_db_object.h"
+#include "vdm_db/model/vdm_object_names.h"
 #include "vdm_db/properties/vdm_dwg_utils.h"
-#include "vdm_db/references/vdm_db_object.h"
 
 namespace {
 

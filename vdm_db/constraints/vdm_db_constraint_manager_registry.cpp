@@ -2,17 +2,16 @@
 #include "platform/base/case_compare.h"
 #include "platform/db/block_reference.h"
 #include "platform/db/block_table_record.h"
-#include "vdm_db/cloning/vdm_dictionary_utils.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/constraints/vdm_constraint_utils.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
-#include "vdm_db/constraints/vdm_object_names.h"
-#include "vdm_db/module/vdm_constants.h"
-#include "vdm_db/references/vdm_db_object.h"
-#include "vdm_db/references/vdm_open_upgrade.h"
+#include "vdm_db/constraints/vdm_db_constraint_manager_names.h"
+#include "vdm_db/drawing_utils/vdm_dictionary_utils.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
+#include "vdm_db/model/vdm_db_object.h"
+#include "vdm_db/model/vdm_object_names.h"
 
 namespace {
-
-OdUInt64 g_nameGeneration = 1;
 
 /// The manager of the block that the object's entity inserts; null when it inserts none, or that
 /// block has none.
@@ -73,27 +72,16 @@ void VdmDbConstraintManager::setVdmDbObjects(const OdDbObjectIdArray& objects) {
 
 // ---- Names
 
-OdString vdmNameBaseOf(const OdDbEntity* entity) {
-  if (entity == nullptr) return OdString(L"Object");
-  if (const auto reference = OdDbBlockReference::cast(entity); !reference.isNull()) {
-    const auto block = reference->blockTableRecord().openAs<OdDbBlockTableRecord>();
-    if (!block.isNull() && !block->isAnonymous()) return block->getName();
-  }
-  const OdRxClass* cls = entity->isA();
-  return cls->dxfName().isEmpty() ? cls->name() : cls->dxfName();
-}
-
-void VdmDbConstraintManager::objectNamesChanged() { ++g_nameGeneration; }
-
 VdmDbConstraintManager::ObjectNames& VdmDbConstraintManager::presentNames() {
-  if (m_names && m_names->generation == g_nameGeneration) return *m_names;
+  if (m_names && m_names->generation == vdmObjectNamesGeneration()) return *m_names;
   m_names.reset();
   auto names = std::make_unique<ObjectNames>();
   for (const OdDbObjectId& id : m_vdmDbObjects.ids()) {
     const auto object = id.openAs<VdmDbObject>(OdDb::kForRead);
     if (!object.isNull()) names->taken.insert(odToUpper(object->name()));
   }
-  names->generation = g_nameGeneration;  // opening may have loaded objects with their names
+  names->generation =
+      vdmObjectNamesGeneration();  // opening may have loaded objects with their names
   m_names = std::move(names);
   return *m_names;
 }

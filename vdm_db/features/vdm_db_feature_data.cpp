@@ -2,16 +2,16 @@
 #include "vdm_db/features/vdm_db_feature_data.h"
 
 #include "platform/base/error.h"
-#include "vdm_db/cloning/vdm_display_utils.h"
-#include "vdm_db/drafting/vdm_feature_colors.h"
+#include "vdm_db/common/vdm_class_registration.h"
+#include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/drawing_utils/vdm_display_utils.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/features/vdm_feature_colors.h"
 #include "vdm_db/features/vdm_feature_pe.h"
 #include "vdm_db/features/vdm_feature_reactor_walk.h"
 #include "vdm_db/features/vdm_feature_results.h"
 #include "vdm_db/features/vdm_naming_service.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
-#include "vdm_db/module/vdm_class_registration.h"
-#include "vdm_db/module/vdm_constants.h"
 
 // ---- Run-time class: queries go on to the feature
 

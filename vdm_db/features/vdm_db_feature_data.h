@@ -5,9 +5,9 @@
 
 #include "platform/base/string.h"
 #include "platform/db/db_object.h"
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/properties/vdm_db_properties_base.h"
-#include "vdm_db/vdm_db_export.h"
 
 /// The state of a carrier: the bag, the class name of the feature, the feature.
 class VDM_DB_EXPORT VdmDbFeatureDataImpl : public VdmDbPropertiesBase {

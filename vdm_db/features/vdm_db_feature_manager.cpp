@@ -6,16 +6,16 @@
 
 #include "platform/base/error.h"
 #include "platform/db/database.h"
-#include "vdm_db/cloning/vdm_block_utils.h"
-#include "vdm_db/cloning/vdm_dictionary_utils.h"
-#include "vdm_db/drafting/vdm_db_3d_solid_draw_overrule.h"
+#include "vdm_db/common/vdm_class_registration.h"
+#include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/drawing_utils/vdm_block_utils.h"
+#include "vdm_db/drawing_utils/vdm_dictionary_utils.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager_impl.h"
 #include "vdm_db/features/vdm_db_naming_policy_pe.h"
+#include "vdm_db/features/vdm_feature_color_material.h"
 #include "vdm_db/features/vdm_feature_reactor_walk.h"
 #include "vdm_db/features/vdm_naming_service.h"
-#include "vdm_db/module/vdm_class_registration.h"
-#include "vdm_db/module/vdm_constants.h"
 
 VDM_DEFINE_DB_CLASS(VdmDbFeatureManager, OdDbObject, L"VdmDbFeatureManager", L"VDMDBFEATUREMANAGER",
                     L"features data")
@@ -62,7 +62,7 @@ VdmDbFeatureManagerImpl& VdmDbFeatureManager::implForRead() const {
 OdDbObjectId VdmDbFeatureManager::getInstance(const OdDbObjectId& blockId, bool create) {
   const OdDbObjectId id =
       vdmu::getObjInExtDict(blockId, kVdmFeatureManager, create ? desc() : nullptr);
-  if (create) VdmDb3dSolidDrawOverrule::createFeatureColorMaterial(blockId.database());
+  if (create) vdmu::createFeatureColorMaterial(blockId.database());
   return id;
 }
 

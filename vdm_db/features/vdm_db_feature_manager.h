@@ -8,9 +8,10 @@
 
 #include "platform/base/string.h"
 #include "platform/db/db_object.h"
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/features/vdm_db_iterator.h"
 #include "vdm_db/features/vdm_feature.h"
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/model/vdm_block_managers.h"
 
 class VdmDbFeatureManagerImpl;
 class VdmDbReverseIdMapping;
@@ -34,7 +35,7 @@ enum EPostprocessingOperationType : OdUInt32 {
 /// Readers raise OdError eNotOpenForRead (61) unless the manager is open for read; those that
 /// change it need it open for write. Adding and removing a feature records that step alone for
 /// undo.
-class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject {
+class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject, public VdmFeatureRegistry {
  public:
   OD_RX_DECLARE_MEMBERS(VdmDbFeatureManager)
 
@@ -45,7 +46,7 @@ class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject {
   /// colours with it; null without one otherwise.
   static OdDbObjectId getInstance(const OdDbObjectId& blockId, bool create);
   /// The block that holds the manager; null when it is in none.
-  [[nodiscard]] OdDbObjectId blockId() const;
+  [[nodiscard]] OdDbObjectId blockId() const override;
 
   // ---- Features
 

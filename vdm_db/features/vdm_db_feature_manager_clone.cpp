@@ -3,16 +3,16 @@
 #include <iterator>
 
 #include "platform/base/error.h"
-#include "vdm_db/cloning/vdm_id_mappings.h"
+#include "vdm_db/drawing_utils/vdm_id_mappings.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_db_feature_manager_impl.h"
 #include "vdm_db/features/vdm_feature_reactor_walk.h"
 #include "vdm_db/features/vdm_naming_service.h"
+#include "vdm_db/features/vdm_sheet_metal_source.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
-#include "vdm_db/references/vdm_db_object.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
-#include "vdm_db/sheet_metal/vdm_sheet_metal_source.h"
+#include "vdm_db/model/vdm_db_object.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
 
 namespace {
 

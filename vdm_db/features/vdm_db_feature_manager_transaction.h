@@ -6,7 +6,7 @@
 #include "platform/rx/rx_macros.h"
 #include "platform/rx/rx_object.h"
 #include "platform/rx/smart_ptr.h"
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/common/vdm_db_export.h"
 
 class OdDbUserIO;
 class VdmFeature;

@@ -6,7 +6,7 @@
 
 #include "platform/db/db_object.h"
 #include "platform/rx/smart_ptr.h"
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/common/vdm_db_export.h"
 
 /// Index and list of an iterator. The list is looked at as it is at each step: what is appended
 /// during the walk is met, and what is taken out shifts the rest.

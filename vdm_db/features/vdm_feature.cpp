@@ -3,6 +3,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/id_mapping.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_feature_impl.h"
@@ -10,9 +11,8 @@
 #include "vdm_db/features/vdm_feature_results.h"
 #include "vdm_db/features/vdm_naming_service.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
-#include "vdm_db/module/vdm_constants.h"
-#include "vdm_db/references/vdm_db_object.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_object.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
 
 // ---- Run-time class
 

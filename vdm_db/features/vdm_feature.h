@@ -11,9 +11,9 @@
 #include "platform/rx/rx_macros.h"
 #include "platform/rx/rx_object.h"
 #include "platform/rx/smart_ptr.h"
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/features/vdm_feature_group_faces.h"
 #include "vdm_db/properties/vdm_properties.h"
-#include "vdm_db/vdm_db_export.h"
 
 class OdDbDwgFiler;
 class OdDbDxfFiler;

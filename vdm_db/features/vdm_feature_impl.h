@@ -4,8 +4,8 @@
 #include <atomic>
 
 #include "platform/db/db_object.h"
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/features/vdm_feature.h"
-#include "vdm_db/vdm_db_export.h"
 
 /// A feature class with its reference count and its carrier. References to the feature are
 /// references of the carrier, too, of the same open mode; the carrier's own one, which is there

@@ -6,10 +6,10 @@
 #include "platform/db/block_reference.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/features/vdm_db_pers_id_reactor.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
-#include "vdm_db/references/vdm_db_object.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
-#include "vdm_db/references/vdm_db_pers_id_reactor.h"
+#include "vdm_db/model/vdm_db_object.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
 
 namespace {
 

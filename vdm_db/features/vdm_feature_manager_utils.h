@@ -7,8 +7,8 @@
 
 #include "platform/db/subent.h"
 #include "platform/filer/object_id.h"
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/references/vdm_path_utils.h"
-#include "vdm_db/vdm_db_export.h"
 
 class OdRxClass;
 

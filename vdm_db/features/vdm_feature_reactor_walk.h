@@ -1,9 +1,9 @@
 // Walks over the reactors of a feature that open nothing in vain.
 #pragma once
 
-#include "vdm_db/features/vdm_db_feature_reactor.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
-#include "vdm_db/references/vdm_db_pers_id_reactor.h"
+#include "vdm_db/features/vdm_db_pers_id_reactor.h"
+#include "vdm_db/model/vdm_db_feature_reactor.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
 
 // Calls visit(T*) for each reactor of class T or below, in order, opened for read, until it gives
 // true. The class is known without opening. True when the walk was ended by visit.

@@ -7,7 +7,7 @@
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/features/vdm_feature_reactor_walk.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
 // ---- Reactors

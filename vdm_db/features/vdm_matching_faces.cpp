@@ -2,7 +2,6 @@
 #include "vdm_db/features/vdm_matching_faces.h"
 
 #include "platform/base/error.h"
-#include "vdm_db/features/vdm_update_observer.h"
 
 namespace {
 
@@ -38,5 +37,3 @@ void VdmMatchingFaces::fillFacesToRemove(OdDbFullSubentPathArray& out) const {
 void VdmMatchingFaces::fillFacesToRemove(OdArray<VdmFeatureUpdateDataUtils::SolidFace>& out) const {
   forEachFaceToRemove(*this, [&out](const auto& face) { out.append(face); });
 }
-
-VdmUpdateObserver::~VdmUpdateObserver() = default;

@@ -10,7 +10,7 @@
 #include "platform/filer/object_id.h"
 #include "platform/ge/matrix3d.h"
 #include "platform/modeler/db_3d_solid.h"
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/common/vdm_db_export.h"
 
 class OdDbBlockReference;
 

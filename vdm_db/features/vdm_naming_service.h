@@ -5,7 +5,7 @@
 
 #include "platform/base/string.h"
 #include "platform/base/types.h"
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/common/vdm_db_export.h"
 
 class VdmDbFeatureManager;
 

@@ -3,8 +3,8 @@
 #include "vdm_db/features/vdm_update_feature_interface.h"
 
 #include "platform/rx/rx_class.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/features/vdm_feature.h"
-#include "vdm_db/module/vdm_constants.h"
 #include "vdm_db/properties/vdm_properties.h"
 #include "vdm_db/properties/vdm_properties_pe.h"
 

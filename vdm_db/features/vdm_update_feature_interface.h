@@ -7,10 +7,10 @@
 #include "platform/db/entity.h"
 #include "platform/db/subent.h"
 #include "platform/modeler/db_3d_solid.h"
+#include "vdm_db/common/vdm_db_export.h"
+#include "vdm_db/common/vdm_object_id_hash.h"
 #include "vdm_db/features/vdm_feature_pe.h"
 #include "vdm_db/features/vdm_matching_faces.h"
-#include "vdm_db/references/vdm_object_id_hash.h"
-#include "vdm_db/vdm_db_export.h"
 
 class OdDbIdMapping;
 class VdmDbFeatureManager;

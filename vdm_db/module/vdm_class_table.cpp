@@ -5,30 +5,30 @@
 #include <iterator>
 
 #include "vdm_db/cloning/vdm_remapping_bracket.h"
+#include "vdm_db/concrete_features/vdm_group_feature.h"
+#include "vdm_db/concrete_features/vdm_suppress_feature.h"
 #include "vdm_db/constraints/vdm_constraint.h"
 #include "vdm_db/constraints/vdm_db_assembly_pe.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager_pe.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
-#include "vdm_db/features/vdm_db_feature_manager_pe.h"
 #include "vdm_db/features/vdm_db_feature_manager_transaction.h"
-#include "vdm_db/features/vdm_db_feature_reactor.h"
 #include "vdm_db/features/vdm_db_naming_policy_pe.h"
+#include "vdm_db/features/vdm_db_pers_id_reactor.h"
+#include "vdm_db/features/vdm_db_sheet_metal_context_pe.h"
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/features/vdm_feature_pe.h"
-#include "vdm_db/features/vdm_group_feature.h"
-#include "vdm_db/features/vdm_suppress_feature.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
+#include "vdm_db/model/vdm_db_feature_reactor.h"
+#include "vdm_db/model/vdm_db_object.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_object_pe.h"
+#include "vdm_db/model/vdm_db_pers_id_manager.h"
+#include "vdm_db/model/vdm_db_pers_id_manager_pe.h"
 #include "vdm_db/properties/vdm_db_extension_data.h"
 #include "vdm_db/properties/vdm_properties_pe.h"
-#include "vdm_db/references/vdm_db_object.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
-#include "vdm_db/references/vdm_db_object_pe.h"
-#include "vdm_db/references/vdm_db_pers_id_manager.h"
-#include "vdm_db/references/vdm_db_pers_id_manager_pe.h"
-#include "vdm_db/references/vdm_db_pers_id_reactor.h"
-#include "vdm_db/sheet_metal/vdm_db_sheet_metal_context_pe.h"
+#include "vdm_db/update/vdm_db_feature_manager_pe.h"
 
 namespace {
 
@@ -100,9 +100,11 @@ class RegistrationGuard {
 void vdmRegisterClasses() {
   RegistrationGuard guard(std::begin(kClassRows));
   while (!guard.isDone()) guard.registerNext();
+  VdmModelObjectRegistry::installFinder(&VdmDbConstraintManager::getInstance);
 }
 
 void vdmReleaseClasses() {
+  VdmModelObjectRegistry::installFinder(nullptr);
   std::for_each(std::rbegin(kClassRows), std::rend(kClassRows),
                 [](const ClassRow& row) { row.uninit(); });
 }

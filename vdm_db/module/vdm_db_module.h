@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/rx/module.h"
-#include "vdm_db/drafting/vdm_db_3d_solid_draw_overrule.h"
+#include "vdm_db/feature_display/vdm_db_3d_solid_draw_overrule.h"
 
 // One object in the process, made by the entry point odrxCreateModuleObject. Objects of the
 // module's classes can be made between initApp and uninitApp.

@@ -5,7 +5,7 @@
 
 #include "platform/base/types.h"
 #include "platform/filer/object_id.h"
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/common/vdm_db_export.h"
 
 // A plain pair, copied as memory.
 struct VDM_DB_EXPORT OdDbTypedId {

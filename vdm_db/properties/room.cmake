@@ -18,7 +18,8 @@ list(APPEND VDM_DB_SOURCES
   properties/vdm_property_shape_registry.cpp
   properties/vdm_property_slots.cpp
   properties/vdm_serialized_object.cpp
-  properties/vdm_trans_dwg_filer.cpp)
+  properties/vdm_trans_dwg_filer.cpp
+)
 list(APPEND VDM_DB_HEADERS
   properties/db_typed_id.h
   properties/vdm_data_extension.h
@@ -34,9 +35,11 @@ list(APPEND VDM_DB_HEADERS
   properties/vdm_property_slots.h
   properties/vdm_property_types.h
   properties/vdm_serialized_object.h
-  properties/vdm_trans_dwg_filer.h)
+  properties/vdm_trans_dwg_filer.h
+)
 list(APPEND VDM_DB_PRIVATE_HEADERS
   properties/vdm_properties_templates.h
   properties/vdm_property_encoding.h
   properties/vdm_property_shape.h
-  properties/vdm_property_shape_registry.h)
+  properties/vdm_property_shape_registry.h
+)

@@ -1,7 +1,7 @@
 // VdmDataExtension: base of data that other modules keep beside the module's objects.
 #pragma once
 
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/common/vdm_db_export.h"
 
 // Has no state; whoever derives from it owns its objects.
 class VDM_DB_EXPORT VdmDataExtension {

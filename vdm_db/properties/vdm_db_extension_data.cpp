@@ -6,8 +6,8 @@
 
 #include "platform/base/error.h"
 #include "platform/db/dictionary.h"
-#include "vdm_db/module/vdm_class_registration.h"
-#include "vdm_db/module/vdm_constants.h"
+#include "vdm_db/common/vdm_class_registration.h"
+#include "vdm_db/common/vdm_constants.h"
 
 VDM_DEFINE_DB_CLASS(VdmDbExtensionData, OdDbObject, L"VdmDbExtensionData", L"VDMDBEXTENSIONDATA",
                     L"extension data")

@@ -4,8 +4,8 @@
 #include <cstddef>
 
 #include "platform/db/db_object.h"
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/properties/vdm_db_properties_base.h"
-#include "vdm_db/vdm_db_export.h"
 
 // The bag of an extension data object.
 class VDM_DB_EXPORT VdmDbExtensionDataImpl : public VdmDbPropertiesBase {};

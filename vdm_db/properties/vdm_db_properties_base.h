@@ -1,8 +1,8 @@
 // VdmDbPropertiesBase: base of the implementation objects, a property bag with its filing.
 #pragma once
 
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/properties/vdm_properties.h"
-#include "vdm_db/vdm_db_export.h"
 
 // Every filed class of the module keeps its state in an object derived from this one, which it
 // owns. The operations forward to the bag and give its results.

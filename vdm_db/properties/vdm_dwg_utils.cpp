@@ -5,7 +5,7 @@
 #include <array>
 
 #include "platform/base/error.h"
-#include "vdm_db/module/vdm_constants.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/properties/vdm_properties.h"
 
 namespace vdmu {

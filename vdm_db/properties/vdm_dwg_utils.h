@@ -3,7 +3,7 @@
 
 #include "platform/base/result.h"
 #include "platform/filer/dwg_filer.h"
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/common/vdm_db_export.h"
 
 class VdmProperties;
 

@@ -6,7 +6,7 @@
 #include "platform/filer/dwg_filer.h"
 #include "platform/filer/res_buf.h"
 #include "platform/rx/stream_buf.h"
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/common/vdm_db_export.h"
 
 // The bytes of the primitives, little-endian but for handles:
 //

@@ -11,10 +11,10 @@
 #include "platform/filer/dwg_filer.h"
 #include "platform/filer/dxf_filer.h"
 #include "platform/filer/object_id.h"
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/properties/vdm_property_data.h"
 #include "vdm_db/properties/vdm_property_slots.h"
 #include "vdm_db/properties/vdm_property_types.h"
-#include "vdm_db/vdm_db_export.h"
 
 class OdDbDatabase;
 class OdDbObject;

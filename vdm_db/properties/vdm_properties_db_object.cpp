@@ -3,7 +3,7 @@
 #include "platform/db/database.h"
 #include "platform/db/db_object.h"
 #include "platform/db/regapp_table.h"
-#include "vdm_db/module/vdm_constants.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/properties/vdm_db_extension_data.h"
 #include "vdm_db/properties/vdm_flat_filer.h"
 #include "vdm_db/properties/vdm_properties.h"

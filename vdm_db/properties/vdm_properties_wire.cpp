@@ -25,7 +25,7 @@
 #include <array>
 #include <vector>
 
-#include "vdm_db/module/vdm_constants.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/properties/vdm_properties.h"
 #include "vdm_db/properties/vdm_property_encoding.h"
 #include "vdm_db/properties/vdm_property_shape.h"

@@ -8,8 +8,8 @@
 #include "platform/filer/dwg_filer.h"
 #include "platform/ge/matrix3d.h"
 #include "platform/ge/point3d.h"
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/properties/vdm_property_types.h"
-#include "vdm_db/vdm_db_export.h"
 
 template <class T>
 class VdmPropertyConcreteData;

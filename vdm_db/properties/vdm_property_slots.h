@@ -6,9 +6,9 @@
 #include <string_view>
 
 #include "platform/base/types.h"
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/properties/vdm_property_data.h"
 #include "vdm_db/properties/vdm_property_types.h"
-#include "vdm_db/vdm_db_export.h"
 
 // Values that a slot can hold as bytes.
 template <class T>

@@ -15,7 +15,7 @@
 
 #include "platform/base/error.h"
 #include "platform/rx/rx_class.h"
-#include "vdm_db/module/vdm_constants.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/properties/vdm_db_extension_data.h"
 #include "vdm_db/properties/vdm_flat_filer.h"
 

@@ -3,7 +3,7 @@
 
 #include "platform/base/string.h"
 #include "platform/db/db_object.h"
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/common/vdm_db_export.h"
 
 // The object that VdmWriteSerializedObject left beside the host, as a new object in no database;
 // ids are not kept and read as null. Null when class or host is null, nothing is kept, the stored

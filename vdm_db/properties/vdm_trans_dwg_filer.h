@@ -3,7 +3,7 @@
 
 #include "platform/filer/dwg_filer.h"
 #include "platform/filer/dxf_filer.h"
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/common/vdm_db_export.h"
 
 // A local object of the call that uses it; borrows the DXF filer. Each primitive is one group:
 //

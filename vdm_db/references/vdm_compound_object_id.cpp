@@ -5,7 +5,7 @@
 
 #include "platform/base/error.h"
 #include "platform/filer/dwg_filer.h"
-#include "vdm_db/module/vdm_constants.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
 namespace {

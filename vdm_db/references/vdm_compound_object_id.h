@@ -7,8 +7,8 @@
 #include "platform/base/string.h"
 #include "platform/base/types.h"
 #include "platform/filer/object_id.h"
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/references/vdm_extended_path.h"
-#include "vdm_db/vdm_db_export.h"
 
 class OdDbDatabase;
 class OdDbDwgFiler;

@@ -8,7 +8,7 @@
 #include "platform/base/handle.h"
 #include "platform/db/database_reactor.h"
 #include "platform/filer/object_id.h"
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/common/vdm_db_export.h"
 
 namespace vdmu {
 

@@ -7,8 +7,8 @@
 #include "platform/base/array.h"
 #include "platform/filer/object_id.h"
 #include "platform/ge/matrix3d.h"
-#include "vdm_db/references/vdm_object_id_hash.h"
-#include "vdm_db/vdm_db_export.h"
+#include "vdm_db/common/vdm_db_export.h"
+#include "vdm_db/common/vdm_object_id_hash.h"
 
 /// Which dependency was replaced by which others, and what else happened to the drawing while
 /// geometry was computed anew. A plain value that belongs to one run. Arrays come in the order of

@@ -6,8 +6,8 @@
 
 #include "platform/base/types.h"
 #include "platform/db/subent.h"
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/references/vdm_path_utils.h"
-#include "vdm_db/vdm_db_export.h"
 
 class OdDbDwgFiler;
 

@@ -6,8 +6,7 @@
 #include "platform/db/database.h"
 #include "platform/db/entity.h"
 #include "platform/db/xref_man.h"
-#include "vdm_db/cloning/vdm_xref_utils.h"
-#include "vdm_db/references/vdm_db_object_dependency.h"
+#include "vdm_db/drawing_utils/vdm_xref_utils.h"
 #include "vdm_utils/vdmc_assert.h"
 
 namespace {
@@ -126,15 +125,6 @@ EVdmPathRes makeIdArray(const OdArray<OdDbHandle>& handles, OdArray<OdDbObjectId
     ids.append(id);
   }
   return ePathOk;
-}
-
-OdString strFSPFromDependency(OdDbObjectId id, bool markErased) {
-  const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
-  OdDbFullSubentPath path;
-  if (dependency.isNull() || dependency->getLinkObject(path, markErased) != ePathOk) {
-    return L"invalid path";
-  }
-  return formatFullSubentPath(path, markErased);
 }
 
 }  // namespace vdmu

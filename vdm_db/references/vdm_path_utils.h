@@ -6,8 +6,8 @@
 #include "platform/base/string.h"
 #include "platform/db/subent.h"
 #include "platform/filer/object_id.h"
+#include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/references/vdm_extended_path.h"
-#include "vdm_db/vdm_db_export.h"
 
 namespace vdmu {
 
@@ -118,9 +118,5 @@ VDM_DB_EXPORT EVdmPathRes makeIdArray(const OdArray<OdDbHandle>& handles,
                                                           bool markErased);
 /// Each path in that form, without marks, followed by " "; "empty" when there are none.
 [[nodiscard]] VDM_DB_EXPORT OdString strFullSubentPathArray(const OdDbFullSubentPathArray& paths);
-
-/// The path of a dependency in the form of formatFullSubentPath; "invalid path" when the id is none
-/// or its path cannot be resolved.
-[[nodiscard]] VDM_DB_EXPORT OdString strFSPFromDependency(OdDbObjectId id, bool markErased);
 
 }  // namespace vdmu

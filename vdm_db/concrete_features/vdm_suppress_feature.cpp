@@ -1,0 +1,119 @@
+// Features that switch entities off by a frozen layer.
+#include "vdm_db/concrete_features/vdm_suppress_feature.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "platform/base/error.h"
+#include "platform/db/database.h"
+#include "platform/db/layer_table.h"
+#include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
+#include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/references/vdm_path_utils.h"
+
+VDM_DEFINE_FEATURE_CLASS(VdmSuppressFeature, VdmGroupFeature, L"VdmSuppressFeature")
+
+namespace {
+
+constexpr auto kNotHandled = static_cast<OdResult>(5);
+constexpr double kZeroTolerance = 1e-10;  // of the expression's value; it counts as zero itself
+
+/// Null when the drawing has no layer table.
+OdDbObjectId suppressLayerOf(OdDbDatabase* database) {
+  const auto table = database->getLayerTableId().openAs<OdDbLayerTable>();
+  if (table.isNull()) return OdDbObjectId::kNull;
+  if (const OdDbObjectId present = table->getAt(kVdmSuppressLayer); !present.isNull())
+    return present;
+  const OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
+  layer->setIsOff(true);
+  layer->setIsFrozen(true);
+  layer->setName(kVdmSuppressLayer);
+  const VdmOpenUpgrade upgrade(table);
+  return table->add(layer);
+}
+
+/// Calls `move` for each entity, open for write, in the order of handles; the last failure.
+template <class Move>
+OdResult moveEntities(const std::unordered_set<OdDbObjectId>& entities, const Move& move) {
+  std::vector<OdDbObjectId> ordered(entities.begin(), entities.end());
+  std::sort(ordered.begin(), ordered.end(), vdmu::ObjectIdLess());
+  OdResult failure = eOk;
+  for (const OdDbObjectId& id : ordered) {
+    try {
+      const OdDbEntityPtr entity = OdDbEntity::cast(id.safeOpenObject(OdDb::kForWrite));
+      if (entity.isNull()) {
+        failure = eWrongObjectType;
+      } else {
+        move(entity);
+      }
+    } catch (const OdError& error) {
+      failure = error.code();
+    }
+  }
+  return failure;
+}
+
+}  // namespace
+
+void VdmSuppressFeature::subMapProperties(VdmProperties& bag) {
+  VdmGroupFeature::subMapProperties(bag);
+  bag.mapProperty(kVdmEntLayerKey, &m_entityLayers);
+}
+
+void VdmSuppressFeature::init(const OdDbFullSubentPathArray& paths) {
+  VdmGroupFeature::init(paths);
+  setStatus(StatusSuppressed);
+  setFrozenLayer();
+}
+
+bool VdmSuppressFeature::isSuppressed() const { return (getStatus() & StatusSuppressed) != 0; }
+
+OdResult VdmSuppressFeature::onPropertyModified(const OdString& key, double value) {
+  if (key != kVdmSuppress) return kNotHandled;
+  const bool wanted = value > kZeroTolerance || value < -kZeroTolerance;
+  if (wanted == ((getStatus() & StatusSuppressed) != 0)) return eOk;
+  setStatus(wanted ? StatusSuppressed : Status{});
+  return wanted ? setFrozenLayer() : restoreLayers();
+}
+
+OdResult VdmSuppressFeature::setFrozenLayer() {
+  OdDbObject* carrier = getDbObject();
+  OdDbDatabase* database = carrier == nullptr ? nullptr : carrier->database();
+  if (database == nullptr) return kNotHandled;
+  const OdDbObjectId layer = suppressLayerOf(database);
+  if (layer.isNull()) return kNotHandled;
+  carrier->assertWriteEnabled();
+  const OdResult result = moveEntities(getTopEntities(), [&](const OdDbEntityPtr& entity) {
+    const OdDbTypedId key(entity->objectId(), OdDb::kSoftPointerRef);
+    const bool isKept = entity->layerId() == layer && m_entityLayers.contains(key);
+    if (!isKept) m_entityLayers[key] = {entity->layerId(), OdDb::kSoftPointerRef};
+    entity->setLayer(layer);
+  });
+  updateFeaturesOfBlock();
+  return result;
+}
+
+OdResult VdmSuppressFeature::restoreLayers() {
+  OdDbObject* carrier = getDbObject();
+  OdDbDatabase* database = carrier == nullptr ? nullptr : carrier->database();
+  if (database == nullptr) return kNotHandled;
+  const OdResult result = moveEntities(getTopEntities(), [&](const OdDbEntityPtr& entity) {
+    const auto kept = m_entityLayers.find({entity->objectId(), OdDb::kSoftPointerRef});
+    const bool isKnown = kept != m_entityLayers.end() && !kept->second.id.isErased();
+    entity->setLayer(isKnown ? kept->second.id : database->getLayerZeroId());
+  });
+  carrier->assertWriteEnabled();
+  m_entityLayers.clear();
+  updateFeaturesOfBlock();
+  return result;
+}
+
+void VdmSuppressFeature::updateFeaturesOfBlock() const {
+  const auto manager = featureManagerId().openAs<VdmDbFeatureManager>(OdDb::kForWrite);
+  if (!manager.isNull()) manager->update(manager->getFeatures({VdmFeature::desc()}));
+}
+
+bool VdmSuppressFeature::isEntitySuppressed(const OdDbEntityPtr& entity) {
+  return !entity.isNull() && entity->layer() == kVdmSuppressLayer;
+}

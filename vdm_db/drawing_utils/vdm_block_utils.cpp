@@ -1,0 +1,245 @@
+// Blocks: making, copying, swapping, and how references show them.
+#include "vdm_db/drawing_utils/vdm_block_utils.h"
+
+#include <cmath>
+
+#include "platform/base/error.h"
+#include "platform/db/block_reference.h"
+#include "platform/db/block_table.h"
+#include "platform/db/database.h"
+#include "platform/db/host_app_services.h"
+#include "platform/db/selection_filter.h"
+#include "platform/db/units.h"
+#include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/drawing_utils/vdm_string_utils.h"
+
+namespace {
+
+constexpr double kScaleTolerance = 1e-10;  // a change of a double counts beyond this
+constexpr int kMaxOwnerDepth = 100000;     // owners above each other form a cycle beyond this
+constexpr int kCopyParametersWithBlock = 3;
+
+/// Sets the host's mode of copying parameters and puts the old one back.
+class ParameterCopyMode {
+ public:
+  ParameterCopyMode(OdDbHostAppServices* services, int mode)
+      : m_services(services), m_previous(services->parameterCopyMode()) {
+    m_services->setParameterCopyMode(mode);
+  }
+  ~ParameterCopyMode() { m_services->setParameterCopyMode(m_previous); }
+  ParameterCopyMode(const ParameterCopyMode&) = delete;
+  ParameterCopyMode& operator=(const ParameterCopyMode&) = delete;
+
+ private:
+  OdDbHostAppServices* m_services;
+  int m_previous;
+};
+
+bool isKind(const OdDbObjectId& id, const OdRxClass* cls) {
+  const OdRxClass* own = id.objectClass();
+  return own != nullptr && own->isDerivedFrom(cls);
+}
+
+OdDbObjectIdArray liveEntities(const OdDbBlockTableRecord* block) {
+  OdDbObjectIdArray ids;
+  for (const OdDbObjectIteratorPtr it = block->newIterator(); !it->done(); it->step()) {
+    ids.append(it->objectId());
+  }
+  return ids;
+}
+
+OdDbObjectIdArray entitiesToClone(const OdDbBlockTableRecord* source,
+                                  const OdDbSelectionFilter* filter) {
+  OdDbObjectIdArray ids;
+  for (const OdDbObjectIteratorPtr it = source->newIterator(); !it->done(); it->step()) {
+    if (isKind(it->objectId(), OdDbViewRepBlockReference::desc())) continue;
+    if (filter != nullptr) {
+      const OdDbEntityPtr entity = it->entity();
+      if (entity.isNull() || !filter->accepts(entity)) continue;
+    }
+    ids.append(it->objectId());
+  }
+  return ids;
+}
+
+OdDb::UnitsValue unitsOf(const OdDbBlockTableRecord* block) {
+  return block->isModelSpace() ? block->database()->getINSUNITS() : block->blockInsertUnits();
+}
+
+void enterBlocks(OdDbIdMapping& mapping, const OdDbObjectId& source, const OdDbObjectId& target) {
+  mapping.assign(OdDbIdPair(source, target, /*cloned=*/true));
+}
+
+// The phases that both forms of cloneBlock share.
+OdResult cloneContents(const OdDbBlockTableRecord* source, OdDbBlockTableRecord* target,
+                       bool deferXlation, OdDbIdMapping& mapping,
+                       const OdDbSelectionFilter* filter) {
+  const OdDbObjectIdArray ids = entitiesToClone(source, filter);
+  target->setBlockInsertUnits(unitsOf(source));
+  const OdResult result =
+      source->database()->deepCloneObjects(ids, target->objectId(), mapping, deferXlation);
+  if (result == eOk) enterBlocks(mapping, source->objectId(), target->objectId());
+  return result;
+}
+
+bool hasZero(const OdGeScale3d& scale) {
+  const auto isZero = [](double factor) { return std::abs(factor) <= kScaleTolerance; };
+  return isZero(scale.sx) || isZero(scale.sy) || isZero(scale.sz);
+}
+
+/// A reference and the block that it shows, both open for read.
+struct OpenedReference {
+  OdDbBlockReferencePtr reference;
+  OdDbBlockTableRecordPtr block;
+
+  explicit OpenedReference(const OdDbObjectId& id) : reference(id.openAs<OdDbBlockReference>()) {
+    if (reference.isNull()) return;
+    block = reference->blockTableRecord().openAs<OdDbBlockTableRecord>();
+  }
+  [[nodiscard]] bool isOpen() const { return !reference.isNull() && !block.isNull(); }
+  // From the units of the block to those of the drawing.
+  [[nodiscard]] double unitFactor() const {
+    return oddbGetUnitsConversion(block->blockInsertUnits(), reference->database()->getINSUNITS());
+  }
+};
+
+}  // namespace
+
+namespace vdmu {
+
+// ---- Anonymous blocks
+
+OdDbObjectId createEmptyAnonymousBlock(OdDbDatabase* database) {
+  if (database == nullptr) return OdDbObjectId::kNull;
+  const OdDbBlockTablePtr table =
+      database->getBlockTableId().openAs<OdDbBlockTable>(OdDb::kForWrite);
+  if (table.isNull()) return OdDbObjectId::kNull;
+  const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::createObject();
+  block->setName(kVdmAnonymousBlockPrefix);
+  block->setBlockInsertUnits(database->getINSUNITS());
+  return table->add(block);
+}
+
+bool canBeMCADAnonymousBlock(const OdDbBlockTableRecord* block) {
+  return block != nullptr && startsWith(block->getName(), kVdmAnonymousBlockPrefix);
+}
+
+// ---- Cloning
+
+OdResult cloneBlock(OdDbObjectId source, OdDbObjectId target, bool deferXlation,
+                    OdSmartPtr<OdDbIdMapping>& mapping, OdDbSelectionFilter* filter) {
+  const OdDbBlockTableRecordPtr from = source.safeOpenAs<OdDbBlockTableRecord>();
+  const OdDbBlockTableRecordPtr to = target.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite);
+  if (mapping.isNull()) mapping = OdDbIdMapping::createObject(OdDb::kDcObjects);
+  OdDbTransaction transaction(to->database());
+  const OdResult result = cloneContents(from, to, deferXlation, *mapping, filter);
+  return result == eOk ? transaction.commit() : result;
+}
+
+OdDbObjectId cloneBlock(OdDbObjectId source, bool deferXlation,
+                        OdSmartPtr<OdDbIdMapping>& mapping) {
+  if (source.isNull()) return OdDbObjectId::kNull;
+  const OdDbBlockTableRecordPtr from = source.safeOpenAs<OdDbBlockTableRecord>();
+  OdDbTransaction transaction(from->database());
+  const OdDbObjectId block = createEmptyAnonymousBlock(from->database());
+  if (block.isNull()) return OdDbObjectId::kNull;
+  if (mapping.isNull()) mapping = OdDbIdMapping::createObject(OdDb::kDcObjects);
+  {
+    const ParameterCopyMode mode(from->database()->appServices(), kCopyParametersWithBlock);
+    const OdDbBlockTableRecordPtr to = block.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite);
+    to->setOrigin(from->origin());
+    to->setComments(from->comments());
+    if (cloneContents(from, to, deferXlation, *mapping, nullptr) != eOk) return OdDbObjectId::kNull;
+  }
+  transaction.commit();
+  return block;
+}
+
+OdDbObjectId wblockBlock(OdDbObjectId source, OdDbDatabase* database, bool deferXlation,
+                         OdSmartPtr<OdDbIdMapping> mapping, OdDbObjectId target) {
+  OdDbDatabase* destination = target.isNull() ? database : target.database();
+  if (source.isNull() || destination == nullptr) return OdDbObjectId::kNull;
+  const OdDbBlockTableRecordPtr from = source.safeOpenAs<OdDbBlockTableRecord>();
+  OdDbTransaction transaction(destination);
+  OdDbObjectId block = target;
+  if (block.isNull()) {
+    block = createEmptyAnonymousBlock(destination);
+    if (block.isNull()) return OdDbObjectId::kNull;
+    const OdDbBlockTableRecordPtr created = block.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite);
+    created->setBlockInsertUnits(unitsOf(from));
+    created->setOrigin(from->origin());
+  }
+  if (mapping.isNull()) mapping = OdDbIdMapping::createObject(OdDb::kDcObjects);
+  const OdResult result = from->database()->wblockCloneObjects(
+      entitiesToClone(from, nullptr), block, *mapping, OdDb::kDrcIgnore, deferXlation);
+  if (result != eOk) return OdDbObjectId::kNull;
+  enterBlocks(*mapping, source, block);
+  transaction.commit();
+  return block;
+}
+
+OdDbObjectId findClone(const OdDbIdMapping& mapping, OdDbObjectId id) {
+  OdDbIdPair pair(id);
+  return mapping.compute(pair) ? pair.value() : OdDbObjectId::kNull;
+}
+
+OdResult swapBlocksContent(const OdDbObjectId& a, const OdDbObjectId& b) {
+  const OdDbBlockTableRecordPtr first = a.openAs<OdDbBlockTableRecord>(OdDb::kForWrite);
+  const OdDbBlockTableRecordPtr second = b.openAs<OdDbBlockTableRecord>(OdDb::kForWrite);
+  if (first.isNull() || second.isNull()) return eWrongObjectType;
+  if (a == b) return eOk;
+  const OdDbObjectIdArray ofFirst = liveEntities(first);
+  const OdDbObjectIdArray ofSecond = liveEntities(second);
+  OdDbTransaction transaction(first->database());
+  try {
+    OdResult result = second->assumeOwnershipOf(ofFirst);
+    if (result == eOk) result = first->assumeOwnershipOf(ofSecond);
+    return result == eOk ? transaction.commit() : result;
+  } catch (const OdError& error) {  // such as a block that would contain itself
+    return error.code();
+  }
+}
+
+// ---- Owners and references
+
+OdDbObjectId getOwner(OdDbObjectId id) { return id.ownerId(); }
+
+OdDbObjectId getOwningBlock(OdDbObjectId id) {
+  for (int depth = 0; depth < kMaxOwnerDepth && isKind(id, OdDbObject::desc()); ++depth) {
+    if (isKind(id, OdDbBlockTableRecord::desc())) return id;
+    id = id.ownerId();
+  }
+  return OdDbObjectId::kNull;
+}
+
+OdDbObjectIdArray getBlockReferenceIds(const OdDbBlockTableRecord* block, bool directOnly,
+                                       bool forceValidity) {
+  return block == nullptr ? OdDbObjectIdArray()
+                          : block->getBlockReferenceIds(directOnly, forceValidity);
+}
+
+// ---- Effective scale
+
+OdResult getEffectiveBlockRefScale(OdDbObjectId reference, OdGeScale3d& scale) {
+  const OpenedReference opened(reference);
+  if (!opened.isOpen()) return eWrongObjectType;
+  if (opened.block->blockInsertUnits() == OdDb::kUnitsUndefined) return eInvalidInput;
+  const OdGeScale3d effective =
+      opened.reference->scaleFactors() * OdGeScale3d(1.0 / opened.unitFactor());
+  if (hasZero(effective)) return eInvalidInput;
+  scale = effective;
+  return eOk;
+}
+
+OdResult setEffectiveBlockRefScale(OdDbObjectId reference, const OdGeScale3d& scale) {
+  const OpenedReference opened(reference);
+  if (!opened.isOpen()) return eWrongObjectType;
+  const OdGeScale3d factors = scale * OdGeScale3d(opened.unitFactor());
+  if (hasZero(factors)) return eInvalidInput;
+  opened.reference->upgradeOpen();
+  opened.reference->setScaleFactors(factors);
+  opened.reference->downgradeOpen();
+  return eOk;
+}
+
+}  // namespace vdmu

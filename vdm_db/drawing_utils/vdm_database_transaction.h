@@ -1,0 +1,38 @@
+// VdmDbDatabaseTransaction: guard that rolls a drawing back.
+#pragma once
+
+#include "platform/base/types.h"
+#include "vdm_db/common/vdm_db_export.h"
+
+class OdDbDatabase;
+
+/// Takes back every change since its construction unless setNoAbort() was called. Lives on the
+/// stack of its user, within the life of the drawing. A null drawing is legal: nothing happens
+/// then.
+///
+/// It works by a transaction of the drawing or, with `useUndo`, by undo steps that begin with it.
+/// Neither leaves an undo or redo step of what it rolls back. Undo steps need undo recording:
+/// without it nothing is rolled back.
+///
+/// With `keepViewport` a rollback leaves rectangle and view of the active viewport as they are at
+/// the end: the user who looked around meanwhile goes on looking there.
+class VDM_DB_EXPORT VdmDbDatabaseTransaction {
+ public:
+  VdmDbDatabaseTransaction(OdDbDatabase* database, bool keepViewport, bool useUndo);
+  ~VdmDbDatabaseTransaction();
+  VdmDbDatabaseTransaction(const VdmDbDatabaseTransaction&) = delete;
+  VdmDbDatabaseTransaction& operator=(const VdmDbDatabaseTransaction&) = delete;
+
+  /// The changes stay.
+  void setNoAbort() { m_abort = false; }
+
+ private:
+  void finish();
+  void rollBack();
+
+  bool m_abort = true;
+  bool m_useUndo;
+  bool m_keepViewport;
+  OdDbDatabase* m_database;
+  OdUInt32 m_stepsBefore = 0;  // undo steps at the start
+};

@@ -1,0 +1,59 @@
+// Persistent reactors of objects, and chains of result buffers.
+#include "vdm_db/drawing_utils/vdm_reactor_utils.h"
+
+#include <algorithm>
+
+#include "platform/db/db_object.h"
+#include "vdm_db/drawing_utils/vdm_block_utils.h"
+
+namespace {
+
+// The class first: most reactors need not be loaded.
+bool opensAs(const OdDbObjectId& id, const OdRxClass* cls) {
+  const OdRxClass* own = id.objectClass();
+  return own != nullptr && own->isDerivedFrom(cls) && !id.openObject().isNull();
+}
+
+void removeReactor(const OdDbObjectId& id, const OdDbObjectId& reactor) {
+  OdDbObjectPtr object = id.openObject();
+  if (object.isNull() || !object->hasPersistentReactor(reactor)) return;
+  object->upgradeOpen();
+  object->removePersistentReactor(reactor);
+  object->downgradeOpen();
+}
+
+}  // namespace
+
+namespace vdmu {
+
+bool hasReactorOfKind(const OdDbObject* object, const OdRxClass* cls) {
+  if (object == nullptr || cls == nullptr) return false;
+  const OdDbObjectIdArray reactors = object->getPersistentReactors();
+  return std::any_of(reactors.begin(), reactors.end(),
+                     [cls](const OdDbObjectId& id) { return opensAs(id, cls); });
+}
+
+bool hasReactor(OdDbObjectId id, std::initializer_list<OdRxClass*> classes) {
+  const OdDbObjectPtr object = id.openObject();
+  return std::any_of(classes.begin(), classes.end(),
+                     [&object](const OdRxClass* cls) { return hasReactorOfKind(object, cls); });
+}
+
+void detachReactor(const OdArray<OdDbObjectId>& objects, OdDbObjectId reactor,
+                   OdDbIdMapping* mapping) {
+  const OdDbObjectId clonedReactor =
+      mapping == nullptr ? OdDbObjectId::kNull : findClone(*mapping, reactor);
+  for (const OdDbObjectId& id : objects) {
+    removeReactor(id, reactor);
+    if (clonedReactor.isNull()) continue;
+    const OdDbObjectId clone = findClone(*mapping, id);
+    removeReactor(clone, reactor);
+    removeReactor(clone, clonedReactor);
+  }
+}
+
+void clearRbSequence(OdSmartPtr<OdResBuf>& chain) {
+  while (!chain.isNull()) chain = chain->next();
+}
+
+}  // namespace vdmu

@@ -1,0 +1,68 @@
+// Blocks that stand for external drawings.
+#include "vdm_db/drawing_utils/vdm_xref_utils.h"
+
+#include "platform/db/database.h"
+#include "platform/db/xref_man.h"
+#include "vdm_db/drawing_utils/undo_recording_off.h"
+
+namespace {
+
+/// Turns the drawing's notifications about external references off, and back as they were. Nothing
+/// of it is to be undone.
+class XrefNotificationsOff {
+ public:
+  explicit XrefNotificationsOff(OdDbDatabase* database)
+      : m_database(database), m_previous(database->getSysVar(kVariable)) {
+    const OdResBufPtr off = OdResBuf::newRb(m_previous->restype());
+    off->setInt16(0);
+    set(off);
+  }
+  ~XrefNotificationsOff() { set(m_previous); }
+  XrefNotificationsOff(const XrefNotificationsOff&) = delete;
+  XrefNotificationsOff& operator=(const XrefNotificationsOff&) = delete;
+
+ private:
+  static constexpr const wchar_t* kVariable = L"XREFNOTIFY";
+
+  void set(const OdResBuf* value) {
+    const UndoRecordingOff off(m_database);
+    m_database->setSysVar(kVariable, value);
+  }
+
+  OdDbDatabase* m_database;
+  OdResBufPtr m_previous;
+};
+
+}  // namespace
+
+namespace vdmu {
+
+void unloadXrefBlock(OdSmartPtr<OdDbBlockTableRecord> block) {
+  if (block.isNull() || block->database() == nullptr) return;
+  block->upgradeOpen();
+  const XrefNotificationsOff off(block->database());
+  OdDbXRefMan::unload(block);
+  block->downgradeOpen();
+}
+
+void eraseXrefBlock(OdDbObjectId id) {
+  const OdDbBlockTableRecordPtr block = id.openAs<OdDbBlockTableRecord>();
+  if (block.isNull() || !block->isFromExternalReference()) return;
+  if (block->hasBlockReferences()) return;
+  block->upgradeOpen();
+  if (block->xrefDatabase() != nullptr) unloadXrefBlock(block);
+  block->erase();
+  block->downgradeOpen();
+}
+
+OdDbObjectId getXrefBlock(OdDbObjectId id) {
+  const OdDbBlockTableRecordPtr block = id.openAs<OdDbBlockTableRecord>();
+  const OdDbDatabase* database = block.isNull() ? nullptr : block->xrefDatabase();
+  return database == nullptr ? id : database->getModelSpaceId();
+}
+
+OdSmartPtr<OdDbBlockTableRecord> openXrefBlock(OdDbObjectId id, bool forWrite) {
+  return getXrefBlock(id).openAs<OdDbBlockTableRecord>(forWrite ? OdDb::kForWrite : OdDb::kForRead);
+}
+
+}  // namespace vdmu

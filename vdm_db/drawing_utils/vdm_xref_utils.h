@@ -1,0 +1,23 @@
+// Blocks that stand for external drawings.
+#pragma once
+
+#include "platform/db/block_table_record.h"
+#include "platform/filer/object_id.h"
+#include "vdm_db/common/vdm_db_export.h"
+
+namespace vdmu {
+
+/// Closes the block's external drawing and keeps its path. The drawing's notifications about
+/// external references are off meanwhile. Nothing happens for null.
+VDM_DB_EXPORT void unloadXrefBlock(OdSmartPtr<OdDbBlockTableRecord> block);
+/// Unloads and erases a block that stands for an external drawing and that no reference shows;
+/// every other block is left alone.
+VDM_DB_EXPORT void eraseXrefBlock(OdDbObjectId id);
+/// The model space of the block's external drawing while that is loaded, otherwise the id itself.
+[[nodiscard]] VDM_DB_EXPORT OdDbObjectId getXrefBlock(OdDbObjectId id);
+/// Opens the block that getXrefBlock gives; null when it cannot be opened. External drawings are
+/// read-only: for write there is no opening them.
+[[nodiscard]] VDM_DB_EXPORT OdSmartPtr<OdDbBlockTableRecord> openXrefBlock(OdDbObjectId id,
+                                                                           bool forWrite);
+
+}  // namespace vdmu

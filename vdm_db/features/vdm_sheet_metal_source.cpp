@@ -1,0 +1,55 @@
+// What other rooms read from sheet-metal contexts.
+#include "vdm_db/features/vdm_sheet_metal_source.h"
+
+#include "platform/db/db_object.h"
+#include "vdm_db/common/vdm_constants.h"
+
+namespace {
+
+constexpr const wchar_t* kBendRadius = L"BendRadius";
+constexpr const wchar_t* kBendRadiusType = L"BendRadiusType";
+
+// Calls read(bag) when the context opens as one.
+template <class Read>
+void readContext(const OdDbObjectId& context, const Read& read) {
+  const OdDbObjectPtr object = context.openObject();
+  if (const auto* source = dynamic_cast<const VdmSheetMetalSource*>(object.get())) {
+    read(source->sheetMetalProperties());
+  }
+}
+
+struct Sheet {
+  explicit Sheet(const OdDbObjectId& context) {
+    readContext(context, [this](const VdmProperties& bag) {
+      bag.getProperty(kVdmThickness, thickness);
+      bag.getProperty(kBendRadius, bendRadius);
+      bag.getProperty(kBendRadiusType, bendRadiusType);
+    });
+  }
+  friend bool operator==(const Sheet&, const Sheet&) = default;
+
+  double thickness = 0;  // drawing units
+  double bendRadius = 0;
+  OdLong bendRadiusType = 0;
+};
+
+}  // namespace
+
+VdmSheetMetalSource::~VdmSheetMetalSource() = default;
+
+namespace vdmu {
+
+OdDbObjectIdArray sheetMetalVariables(const OdDbObjectId& context) {
+  OdDbObjectIdArray variables;
+  readContext(context, [&variables](const VdmProperties& bag) {
+    OdDbObjectId variable;
+    if (bag.getProperty(kVdmThicknessVar, variable) && !variable.isNull()) {
+      variables.append(variable);
+    }
+  });
+  return variables;
+}
+
+bool isSameSheetMetal(const OdDbObjectId& a, const OdDbObjectId& b) { return Sheet(a) == Sheet(b); }
+
+}  // namespace vdmu

@@ -1,0 +1,77 @@
+// VdmDbFeatureReactor: a link of a feature to something that it depends on.
+#pragma once
+
+#include <memory>
+
+#include "platform/db/db_object.h"
+#include "vdm_db/common/vdm_db_export.h"
+#include "vdm_db/properties/vdm_db_properties_base.h"
+
+class VdmDbFeatureReactor;
+
+/// The state of a reactor. A subclass of the reactor has its own, which binds its fields to the bag
+/// in its constructor and sets the version of the bag there.
+class VDM_DB_EXPORT VdmDbFeatureReactorImpl : public VdmDbPropertiesBase {
+ public:
+  VdmDbFeatureReactorImpl();
+  ~VdmDbFeatureReactorImpl() override;
+
+  /// The reactor is being erased. The result is not passed on.
+  virtual OdResult subErase(VdmDbFeatureReactor* reactor);
+  [[nodiscard]] virtual OdDbObjectIdArray getVariables(const VdmDbFeatureReactor* reactor);
+  [[nodiscard]] virtual OdDbObjectIdArray getDependentVariables(const VdmDbFeatureReactor* reactor);
+};
+
+/// Base of the objects through which a feature hears of what it depends on. A reactor is a
+/// persistent reactor of that object. The carrier of the feature owns it, and the feature lists it;
+/// it finds its feature through its owner. All its data are named properties of one bag.
+///
+/// Laws of a subclass:
+///
+/// 1. Its `modified` or `erased`, if the feature is to react, ends in a call of the feature:
+///    onPropertyModified, onReactorModified or eraseReactor.
+/// 2. hasChanges says that the feature must take part in the next update pass although none of its
+///    dependencies was replaced; needConstraintsRecalculation that it must once constraints were
+///    calculated. A class that overrides neither is not asked.
+/// 3. doAudit gives false when the reactor has lost what it exists for.
+/// 4. getVariables gives the variables that the reactor depends on, getDependentVariables those
+///    that depend on the feature.
+class VDM_DB_EXPORT VdmDbFeatureReactor : public OdDbObject {
+ public:
+  OD_RX_DECLARE_MEMBERS(VdmDbFeatureReactor)
+
+  VdmDbFeatureReactor();
+  ~VdmDbFeatureReactor() override;
+
+  [[nodiscard]] virtual bool hasChanges() const;
+  [[nodiscard]] virtual bool needConstraintsRecalculation() const;
+  virtual bool doAudit();
+  [[nodiscard]] virtual OdDbObjectIdArray getVariables();
+  [[nodiscard]] virtual OdDbObjectIdArray getDependentVariables();
+
+  /// Block of the manager of the feature; null when the carrier or the manager does not open.
+  [[nodiscard]] OdDbObjectId blockId() const;
+
+  /// Whether reactors of the class answer hasChanges or needConstraintsRecalculation themselves.
+  /// Known without opening anything, once one of them was looked at.
+  [[nodiscard]] static bool classTellsChanges(const OdDbObjectId& reactor);
+
+  OdResult subErase(bool erasing) override;
+  OdResult dwgInFields(OdDbDwgFiler* filer) override;
+  void dwgOutFields(OdDbDwgFiler* filer) const override;
+
+ protected:
+  /// With the state of the subclass.
+  explicit VdmDbFeatureReactor(std::unique_ptr<VdmDbFeatureReactorImpl> impl);
+
+  /// Raises OdError eNotOpenForRead unless the reactor is open for read.
+  const VdmDbFeatureReactorImpl& implForRead() const;
+  /// Records the whole state for undo.
+  VdmDbFeatureReactorImpl& implForWrite();
+  /// Without a check, for a subclass that records its steps itself.
+  VdmDbFeatureReactorImpl& impl() const { return *m_impl; }
+
+ private:
+  std::unique_ptr<VdmDbFeatureReactorImpl> m_impl;
+};
+using VdmDbFeatureReactorPtr = OdSmartPtr<VdmDbFeatureReactor>;

@@ -1,0 +1,143 @@
+// VdmFeatureUpdateData: which features take part in an update pass, and how they prepare.
+#include "vdm_db/update/vdm_feature_update_data.h"
+
+#include "vdm_db/features/vdm_db_feature_data.h"
+#include "vdm_db/features/vdm_db_pers_id_reactor.h"
+#include "vdm_db/features/vdm_feature.h"
+#include "vdm_db/features/vdm_update_feature_interface.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
+#include "vdm_db/references/vdm_dependencies_replacement_map.h"
+#include "vdm_db/update/vdm_feature_update_data_helper.h"
+
+namespace {
+
+bool wasMoved(const VdmDependenciesReplacementMap& map, const OdDbObjectId& object) {
+  const VdmDependenciesReplacementMap::TransformedData* entry = map.findTransformedObject(object);
+  return entry != nullptr && !entry->isMarked;
+}
+
+/// How many different entities a feature refers to, as far as it matters: none, one or several.
+class EntityCount {
+ public:
+  void add(const OdDbObjectId& entity) {
+    if (m_any && entity != m_first) m_several = true;
+    m_first = entity;
+    m_any = true;
+  }
+  [[nodiscard]] bool isExactlyOne() const { return m_any && !m_several; }
+
+ private:
+  OdDbObjectId m_first;
+  bool m_any = false;
+  bool m_several = false;
+};
+
+}  // namespace
+
+bool VdmFeatureUpdateData::init(const OdDbObjectIdArray& ids,
+                                const VdmDependenciesReplacementMap& map, bool force) {
+  if (ids.isEmpty()) return false;
+  m_replacementMap = &map;
+  if (force) m_featureIds.reserve(m_featureIds.size() + ids.size());
+  for (const OdDbObjectId& id : ids) {
+    OdSmartPtr<VdmFeature> feature = id.openAs<VdmFeature>();
+    if (feature.isNull()) continue;
+    const Intake intake = decideIntake(feature, force);
+    if (!intake.taken) {
+      if (m_observer != nullptr) m_observer->featureSkipped(id);
+      continue;
+    }
+    if (m_observer != nullptr) m_observer->featureTaken(id, intake.reason);
+    m_featureIds.append(id);
+    prepareFeature(id, feature, intake.forced);
+  }
+  if (m_helper) collectByEntity();
+  return true;
+}
+
+VdmFeatureUpdateData::Intake VdmFeatureUpdateData::decideIntake(const VdmFeature* feature,
+                                                                bool force) {
+  if (force) return {true, true, VdmUpdateReason::kForced};
+  if (m_constraintsCalculated) {
+    bool recalculated = false;
+    if (feature->hasChanges(recalculated) || recalculated)
+      return {true, true, VdmUpdateReason::kConstraint};
+  }
+  Intake intake;
+  intake.taken = featureHasChanges(feature, intake.reason);
+  return intake;
+}
+
+// Runs over every feature of a block in every pass: allocates nothing, and opens for read only.
+bool VdmFeatureUpdateData::featureHasChanges(const VdmFeature* feature, VdmUpdateReason& reason) {
+  const auto because = [&reason](VdmUpdateReason cause) {
+    reason = cause;
+    return true;
+  };
+  const VdmDependenciesReplacementMap& map = *m_replacementMap;
+  EntityCount entities;
+  for (const OdDbObjectId& reactorId : feature->reactorIds()) {
+    const VdmDbPersIdReactorPtr reactor = reactorId.openAs<VdmDbPersIdReactor>();
+    if (reactor.isNull()) continue;
+    for (const OdDbObjectId& id : reactor->persIdsRef()) {
+      if (map.contains(id)) return because(VdmUpdateReason::kDependencyReplaced);
+      if (map.containsClone(id)) return because(VdmUpdateReason::kDependencyCloned);
+      const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
+      if (dependency.isNull()) continue;
+      const OdDbObjectId entity = dependency->getInsertId();
+      entities.add(entity);
+      if (wasMoved(map, entity)) return because(VdmUpdateReason::kEntityTransformed);
+    }
+  }
+  if (!entities.isExactlyOne()) return because(VdmUpdateReason::kSeveralEntities);
+  return openingWasMoved(feature) && because(VdmUpdateReason::kInsertTransformed);
+}
+
+bool VdmFeatureUpdateData::openingWasMoved(const VdmFeature* feature) const {
+  if (!m_replacementMap->hasTransformedObjects()) return false;  // a query makes an object
+  const VdmUpdateFeatureInterfacePtr active = VdmUpdateFeatureInterface::activeOf(feature);
+  return !active.isNull() && wasMoved(*m_replacementMap, active->openingFaces().insertId());
+}
+
+void VdmFeatureUpdateData::prepareFeature(const OdDbObjectId& id, OdSmartPtr<VdmFeature>& feature,
+                                          bool forced) {
+  VdmUpdatePreparation result = VdmUpdatePreparation::kQueued;
+  if (feature->prepareUpdateData(*this, forced)) {
+    result = VdmUpdatePreparation::kDone;
+  } else if (featureMustBeRemoved(id)) {
+    m_featureIds.removeLast();
+    result = VdmUpdatePreparation::kCondemned;
+  } else {
+    removeUnusedReactors(feature);
+    m_featuresToUpdate.append(feature);
+  }
+  if (m_observer != nullptr) m_observer->featurePrepared(id, result);
+}
+
+void VdmFeatureUpdateData::removeUnusedReactors(VdmFeature* feature) {
+  if (m_reactorsToRemove.empty()) return;
+  const auto found = m_reactorsToRemove.find(feature->getDbObject()->objectId());
+  if (found == m_reactorsToRemove.end()) return;
+  feature->upgradeOpen();
+  for (const OdDbObjectId& reactor : found->second)
+    feature->removeReactor(reactor, /*eraseReactor=*/true);
+}
+
+// The helper may add features of entities meanwhile; those of new entities are not told.
+void VdmFeatureUpdateData::collectByEntity() {
+  std::vector<const IdMap<IdSet>::value_type*> entries;
+  entries.reserve(m_entToFeatures.size());
+  for (const auto& entry : m_entToFeatures) entries.push_back(&entry);
+  for (const auto* entry : entries) {
+    m_helper->collectForEntity(entry->first, entry->second);
+    m_helper->collectDependentsForEntity(entry->first, entry->second);
+  }
+}
+
+void VdmFeatureUpdateData::initGrossData(const OdDbObjectIdArray& ids) {
+  m_grossMode = true;
+  for (const OdDbObjectId& id : ids) {
+    const OdSmartPtr<VdmFeature> feature = id.openAs<VdmFeature>();
+    if (!feature.isNull()) feature->prepareUpdateData(*this, /*forced=*/true);
+  }
+}

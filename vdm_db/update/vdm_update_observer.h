@@ -1,0 +1,77 @@
+// VdmUpdateObserver: what an update pass does, told step by step.
+#pragma once
+
+#include "platform/base/string.h"
+#include "platform/base/types.h"
+#include "platform/filer/object_id.h"
+#include "vdm_db/common/vdm_db_export.h"
+
+class VdmDbFeatureManager;
+enum class OdModelerBooleanKind : OdInt32;
+
+/// Why a feature takes part in a pass: the first cause met.
+enum class VdmUpdateReason {
+  kForced,              ///< the caller asked for all features
+  kConstraint,          ///< a reactor of the feature reports changes after constraints were solved
+  kDependencyReplaced,  ///< one of its references was replaced
+  kDependencyCloned,    ///< one of its references was cloned
+  kEntityTransformed,   ///< the entity of one of its references was moved
+  kSeveralEntities,     ///< it refers to several entities, or to none: always updated
+  kInsertTransformed,   ///< the insert that makes its opening was moved
+};
+
+/// What came of a feature's prepareUpdateData.
+enum class VdmUpdatePreparation {
+  kDone,       ///< nothing more is due
+  kQueued,     ///< it waits for its update
+  kCondemned,  ///< it asked for its own removal
+};
+
+/// Phases in the order in which a pass runs them. Those of which there is nothing to do are run
+/// and told all the same; the operations behind a failed one are not.
+enum class VdmUpdatePhase {
+  kIntake,
+  kEarlyRemoval,
+  kPrepareSubtract,
+  kSubtract,
+  kUnite,
+  kUpdate,
+  kInitFeatures,
+  kLateRemoval,
+  kDependencies,
+};
+
+/// Hears what a pass does, on the pass's thread and while it runs. Must not change the drawing nor
+/// throw. Every passBegan is followed by one passEnded unless the pass ends by an exception. Ids of
+/// features are those of their carriers.
+class VDM_DB_EXPORT VdmUpdateObserver {
+ public:
+  virtual ~VdmUpdateObserver();
+
+  virtual void passBegan(VdmDbFeatureManager* /*manager*/, OdUInt32 /*numFeatures*/) {}
+  virtual void phaseBegan(VdmUpdatePhase /*phase*/) {}
+  virtual void phaseEnded(VdmUpdatePhase /*phase*/) {}
+
+  virtual void featureSkipped(const OdDbObjectId& /*feature*/) {}
+  virtual void featureTaken(const OdDbObjectId& /*feature*/, VdmUpdateReason /*reason*/) {}
+  virtual void featurePrepared(const OdDbObjectId& /*feature*/, VdmUpdatePreparation /*result*/) {}
+  /// Erased, because it asked for that or an interface did.
+  virtual void featureCondemned(const OdDbObjectId& /*feature*/) {}
+  /// `changed` is what its update returned.
+  virtual void featureUpdated(const OdDbObjectId& /*feature*/, bool /*changed*/) {}
+  /// Its update or its initAfterUpdate raised an error; the pass goes on with the next one.
+  virtual void featureFailed(const OdDbObjectId& /*feature*/, const OdString& /*text*/) {}
+
+  /// A solid took its tools; `sources` are those who queued them, in the order of the tools.
+  virtual void solidChanged(const OdDbObjectId& /*solid*/, OdModelerBooleanKind /*kind*/,
+                            const OdDbObjectIdArray& /*sources*/) {}
+  /// A solid could not take its tools, or was left out.
+  virtual void solidFailed(const OdDbObjectId& /*solid*/, OdModelerBooleanKind /*kind*/,
+                           const OdString& /*text*/) {}
+  /// The solid operations were rolled back because of this phase.
+  virtual void transactionAborted(VdmUpdatePhase /*phase*/) {}
+
+  /// A reference of a feature was dropped: it had come to mean the same as an earlier one.
+  virtual void reactorDropped(const OdDbObjectId& /*feature*/, const OdDbObjectId& /*reactor*/) {}
+  virtual void passEnded(bool /*changed*/) {}
+};
