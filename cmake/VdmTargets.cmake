@@ -35,6 +35,14 @@ function(_vdm_record_headers target)
   set_property(GLOBAL PROPERTY VDM_HEADERS_${target} "${headers}")
 endfunction()
 
+# The folders in which an installed target looks for its libraries, in the build tree too. A path
+# that the installation rewrites is padded with ":" at the end of the build, and the dynamic linker
+# takes such an empty entry for the current folder.
+function(_vdm_set_library_path target path)
+  set_target_properties(${target} PROPERTIES INSTALL_RPATH "${path}"
+                                             BUILD_WITH_INSTALL_RPATH ON)
+endfunction()
+
 function(_vdm_refuse_unknown_arguments name unparsed)
   if(unparsed)
     message(FATAL_ERROR "${name}: unknown arguments: ${unparsed}")
@@ -66,7 +74,8 @@ function(vdm_add_library target)
 
   # Calls inside one library need no detour through the dynamic linker's tables.
   target_compile_options(${target} PRIVATE -fno-semantic-interposition -fno-plt)
-  set_target_properties(${target} PROPERTIES EXPORT_NAME "${arg_ALIAS}" INSTALL_RPATH "$ORIGIN")
+  set_target_properties(${target} PROPERTIES EXPORT_NAME "${arg_ALIAS}")
+  _vdm_set_library_path(${target} "$ORIGIN")
   if(arg_HIDDEN_VISIBILITY)
     set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden
                                                VISIBILITY_INLINES_HIDDEN ON)
@@ -100,7 +109,7 @@ function(vdm_add_executable target)
   endif()
   if(arg_INSTALL)
     file(RELATIVE_PATH bin_to_lib "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
-    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+    _vdm_set_library_path(${target} "$ORIGIN/${bin_to_lib}")
     install(TARGETS ${target} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
   endif()
 endfunction()

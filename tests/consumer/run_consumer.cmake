@@ -1,4 +1,5 @@
-# Script of the consumer test: install, move, configure, build, run. Any failing step ends it.
+# Script of the consumer test: install, move, check the library paths, configure, build, run. Any
+# failing step ends it.
 cmake_minimum_required(VERSION 3.25)
 
 # step(<command>...): runs one command and stops with its output when it fails.
@@ -15,6 +16,8 @@ file(REMOVE_RECURSE "${WORK_DIR}")
 file(MAKE_DIRECTORY "${WORK_DIR}")
 step("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --config "${CONFIG}" --prefix "${WORK_DIR}/first")
 file(RENAME "${WORK_DIR}/first" "${WORK_DIR}/moved")  # the package must not know where it lay
+step("${CMAKE_COMMAND}" "-DREADELF=${READELF}"
+     "-DFOLDERS=${WORK_DIR}/moved/${LIBDIR}\;${WORK_DIR}/moved/${BINDIR}" -P "${PATH_CHECK}")
 
 step("${CMAKE_COMMAND}" -S "${PROJECT_DIR}" -B "${WORK_DIR}/build" -G "${GENERATOR}"
      "-DCMAKE_BUILD_TYPE=${CONFIG}" "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}"
