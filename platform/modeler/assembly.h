@@ -14,7 +14,7 @@ struct OdModelerOccurrence {
   OdUInt32 product = 0;  ///< index into the assembly's products
   OdGeMatrix3d placement;
   OdString name;
-  std::optional<OdModelerColor> color;  ///< goes before the colours of the product
+  std::optional<OdModelerColor> color;  ///< overrides the colours of the product
 };
 
 /// One part or sub-assembly, however many times it occurs. Names and colours of its bodies are the

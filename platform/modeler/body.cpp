@@ -1,4 +1,4 @@
-// A solid body as the drawing runtime sees it, whoever the modeller behind it is.
+// A solid body as the drawing runtime sees it.
 #include "platform/modeler/body.h"
 
 OdUInt32 OdModelerBody::numSubents(OdModelerSubentType type) const {

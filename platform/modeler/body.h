@@ -1,4 +1,4 @@
-// A solid body as the drawing runtime sees it, whoever the modeller behind it is.
+// A solid body as the drawing runtime sees it, whichever modeller made it.
 #pragma once
 
 #include <array>
@@ -94,7 +94,7 @@ struct OdModelerMassProperties {
 /// Laws of order:
 ///   1. faces, edges and vertices are numbered from 1 in the order of the stored boundary;
 ///   2. the order survives serialising, rigid and affine transformation, and attribute changes;
-///   3. what becomes of a number in a boolean or blend is told by the history, never by the number.
+///   3. the history of a boolean or blend says what became of a number; equal numbers mean nothing.
 /// A query with an index that the body does not have raises OdError_InvalidIndex.
 class OdModelerBody {
  public:
@@ -124,10 +124,10 @@ class OdModelerBody {
   [[nodiscard]] virtual OdModelerSurfaceKind surfaceKind(OdUInt32 face) const = 0;
   [[nodiscard]] virtual OdModelerCurveKind curveKind(OdUInt32 edge) const = 0;
 
-  /// A number that tells this boundary from others: counts, kinds and places of the subentities in
-  /// their order. Survives serialising; a boundary that was moved or changed has another one, but
-  /// for the chance of one in 2^64. Attributes take no part. Never 0. Cheap: a fraction of a
-  /// microsecond per subentity.
+  /// A hash of the boundary: counts, kinds and places of the subentities in their order. Survives
+  /// serialising; a boundary that was moved or changed has another one, but for the chance of one
+  /// in 2^64. Attributes do not enter it. Never 0. Cheap: a fraction of a microsecond per
+  /// subentity.
   [[nodiscard]] virtual OdUInt64 fingerprint() const = 0;
   /// A tight box around the exact geometry.
   [[nodiscard]] virtual OdGeExtents3d extents() const = 0;
@@ -142,17 +142,17 @@ class OdModelerBody {
   virtual OdStatus check() const = 0;
   /// eInvalidInput for a negative or non-finite option.
   virtual OdStatus tessellate(const OdModelerMeshOptions& options, OdModelerMesh& mesh) const = 0;
-  /// The mesh with default options, made once and shared by all who show the body. On failure
+  /// The mesh with default options, made once and shared by all views of the body. On failure
   /// `mesh` stays as it was.
   OdStatus displayMesh(std::shared_ptr<const OdModelerMesh>& mesh) const;
-  /// A memory estimate of the display mesh, in bytes; 0 before somebody asked for it.
+  /// A memory estimate of the display mesh, in bytes; 0 before the mesh is made.
   [[nodiscard]] std::size_t displayMeshSize() const;
 
   /// The body under a transformation. Rigid and uniformly scaled ones keep every surface and curve
   /// kind; other affine ones turn analytic surfaces into free-form ones. eInvalidInput for a
   /// singular matrix or one with entries that are no finite numbers.
   virtual OdStatus transformed(const OdGeMatrix3d& matrix, OdModelerBodyPtr& result) const = 0;
-  /// One face, edge or vertex as a body of its own. eInvalidInput if the body has none such.
+  /// One face, edge or vertex as a body of its own. eInvalidInput if the body does not have it.
   virtual OdStatus subentBody(OdModelerSubent subent, OdModelerBodyPtr& result) const = 0;
   /// The solids of the body as bodies of their own, in order, with the attributes of their faces.
   [[nodiscard]] virtual std::vector<OdModelerBodyPtr> solids() const = 0;

@@ -17,7 +17,7 @@ struct OdModelerColor {
 };
 
 /// Filed with the body. A face without an entry of its own has the colour of the body; no colour at
-/// all means the colour of whatever holds the body.
+/// all means the colour of the entity that holds the body.
 struct OdModelerBodyAttributes {
   OdString name;
   std::optional<OdModelerColor> color;

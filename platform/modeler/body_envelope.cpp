@@ -1,18 +1,24 @@
-// The stored form of a body: what surrounds the bytes of the modeller.
+// The stored form of a body: the envelope around the bytes of the modeller.
+//
+// Reading trusts nothing. The head and the checksum come first, so that a damaged body is refused
+// before its contents are looked at. The reader then only moves forward and never past the end: a
+// read beyond it gives zeros and sets a flag, which is tested once at the end. Each count is at
+// most what the bytes left can hold, so the loops end and memory grows with the size of the input
+// only.
 //
 //   offset  size  field
 //   0       4     "ODBY"
 //   4       2     version of this form, 1
 //   6       2     modeller that wrote the geometry
-//   8       8     checksum of everything behind it
+//   8       8     checksum of all bytes after it
 //   16            name: text
 //                 colour: flag byte (0 or 1), red, green, blue
 //                 face colours: count; each face index, then red, green, blue and a zero byte
 //                 face names: count; each face index, then a text
 //                 geometry: 8 bytes of length, bytes; nothing follows
 //
-// Numbers are little-endian and 4 bytes long where nothing else is said; a text is its length in
-// bytes and UTF-8; face indices rise.
+// Numbers are little-endian and have 4 bytes unless the table says otherwise; a text is its length
+// in bytes and its UTF-8; face indices rise.
 #include "platform/modeler/body_envelope.h"
 
 #include <cstring>
@@ -92,7 +98,7 @@ class Reader {
     c.blue = static_cast<OdUInt8>(number(1));
     return c;
   }
-  // A count of rows of at least `rowSize` bytes; 0 when so many are not there.
+  // A count of rows of at least `rowSize` bytes; 0 when the bytes left cannot hold them.
   OdUInt32 count(std::size_t rowSize) {
     const OdUInt32 rows = number32();
     if (rows <= m_bytes.size() / rowSize) return rows;

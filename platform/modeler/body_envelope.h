@@ -1,4 +1,4 @@
-// The stored form of a body: what surrounds the bytes of the modeller.
+// The stored form of a body: the envelope around the bytes of the modeller.
 #pragma once
 
 #include <span>
@@ -19,10 +19,9 @@ struct OdModelerEnvelope {
   std::string_view geometry;
 };
 
-/// Appends nothing, replaces `bytes`.
+/// Replaces `bytes`.
 void odWriteEnvelope(const OdModelerEnvelope& envelope, OdBinaryData& bytes);
 
-/// eCorruptData when the bytes are no body, cut short, or not those that were written;
-/// eUnsupportedVersion for a newer form. Every count is held against the bytes that are there
-/// before anything is allocated.
+/// eCorruptData when the bytes are no body, are cut short or were changed; eUnsupportedVersion for
+/// a newer form. Every count is compared with the number of bytes left before memory is allocated.
 OdStatus odReadEnvelope(std::span<const OdUInt8> bytes, OdModelerEnvelope& envelope);

@@ -37,7 +37,7 @@ OdDbMemoryFiler* sharingFiler(OdDbDwgFiler* filer) {
   return memory != nullptr && memory->isSharing() ? memory : nullptr;
 }
 
-// Whoever keeps a journal wants the history, also when the caller does not.
+// A journal needs the history, also when the caller does not.
 OdModelerHistory* wantedHistory(OdModelerHistory* asked, OdModelerHistory& own) {
   return asked == nullptr && OdSolidJournal::current() != nullptr ? &own : asked;
 }
@@ -114,7 +114,7 @@ void OdDb3dSolid::setBody(OdModelerBodyPtr body, OdSolidChange change) {
 void OdDb3dSolid::replaceBody(OdModelerBodyPtr body, OdSolidChange change) {
   if (OdSolidJournal* journal = OdSolidJournal::current()) {
     change.solid = objectId();
-    // Bytes that cannot be read are no body that anything could come from.
+    // A body that cannot be read has no faces that could be followed.
     const OdStatus known = getBody(change.before);
     if (!known.ok()) change.before = nullptr;
     change.after = body;
@@ -197,41 +197,41 @@ OdStatus OdDb3dSolid::operate(const char* name, OdSolidChangeKind kind,
   OdModelerBodyPtr old;
   OdModelerBodyPtr made;
   OdModelerHistory own;
-  OdModelerHistory* const told = wantedHistory(history, own);
+  OdModelerHistory* const fates = wantedHistory(history, own);
   OdStatus status = requireBody(name, old);
-  if (status.ok()) status = operation(old, made, told);
-  return adopt(std::move(status), std::move(made), changeWithHistory(kind, tools, told));
+  if (status.ok()) status = operation(old, made, fates);
+  return adopt(std::move(status), std::move(made), changeWithHistory(kind, tools, fates));
 }
 
 OdStatus OdDb3dSolid::booleanOper(OdModelerBooleanKind kind,
                                   std::span<const OdModelerBodyPtr> tools,
                                   OdModelerHistory* history) {
   return operate("boolean", OdSolidChangeKind::kBoolean, tools, history,
-                 [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* told) {
-                   return odModeler().boolean(kind, old, tools, made, told);
+                 [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* fates) {
+                   return odModeler().boolean(kind, old, tools, made, fates);
                  });
 }
 
 OdStatus OdDb3dSolid::filletEdges(std::span<const OdUInt32> edges, double radius,
                                   OdModelerHistory* history) {
   return operate("fillet", OdSolidChangeKind::kBlend, {}, history,
-                 [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* told) {
-                   return odModeler().fillet(old, edges, radius, made, told);
+                 [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* fates) {
+                   return odModeler().fillet(old, edges, radius, made, fates);
                  });
 }
 
 OdStatus OdDb3dSolid::chamferEdges(std::span<const OdUInt32> edges, double distance,
                                    OdModelerHistory* history) {
   return operate("chamfer", OdSolidChangeKind::kBlend, {}, history,
-                 [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* told) {
-                   return odModeler().chamfer(old, edges, distance, made, told);
+                 [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* fates) {
+                   return odModeler().chamfer(old, edges, distance, made, fates);
                  });
 }
 
 OdStatus OdDb3dSolid::removeFaces(std::span<const OdUInt32> faces, OdModelerHistory* history) {
   return operate("remove faces", OdSolidChangeKind::kBlend, {}, history,
-                 [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* told) {
-                   return odModeler().removeFaces(old, faces, made, told);
+                 [&](const OdModelerBodyPtr& old, OdModelerBodyPtr& made, OdModelerHistory* fates) {
+                   return odModeler().removeFaces(old, faces, made, fates);
                  });
 }
 
@@ -349,16 +349,16 @@ const OdBinaryData& OdDb3dSolid::storedBytes() const {
 //   count     int32    bytes that follow; 0 for an empty solid
 //   body      bytes    platform/modeler/body_envelope.h
 //
-// Undo keeps the body itself, which never changes and may be dear to turn into bytes:
+// Undo keeps the body itself, which never changes and is costly to turn into bytes:
 //
 //   version   uint8
-//   shared    bool     with a body, and then nothing but its pointer follows
+//   shared    bool     true: the pointer of a body follows, and nothing else
 
 void OdDb3dSolid::dwgOutFields(OdDbDwgFiler* filer) const {
   OdDbEntity::dwgOutFields(filer);
   filer->wrUInt8(kVersion);
   const OdDbDwgFiler::FilerType type = filer->filerType();
-  // Those who only collect ids need no bytes, which may be dear to make.
+  // Filers that only collect ids need no bytes, which are costly to make.
   if (type == OdDbDwgFiler::kIdFiler || type == OdDbDwgFiler::kPurgeFiler) return;
   if (OdDbMemoryFiler* sharing = sharingFiler(filer)) {
     sharing->wrBool(m_body != nullptr);
@@ -381,7 +381,7 @@ OdResult OdDb3dSolid::dwgInFields(OdDbDwgFiler* filer) {
   OdBinaryData bytes;
   bytes.resize(filer->rdCount());
   if (!bytes.isEmpty()) filer->rdBytes(bytes.asArrayPtr(), bytes.size());
-  // Undo brings back what the body was read from: then it need not be read again.
+  // The bytes that the present body was read from come back: it need not be read again.
   if (m_body && !bytes.isEmpty() && bytes == m_bytes) return eOk;
   m_body.reset();
   m_bytes = std::move(bytes);

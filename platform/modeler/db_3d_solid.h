@@ -29,8 +29,8 @@ void odModelerUninitialize();
 /// Operations report through a status; one that fails leaves the solid as it was, without an undo
 /// record. They need the modeller of the process (odSetModeler), and raise eNoModeler without it.
 ///
-/// A change of the body is written into the thread's journal (platform/modeler/solid_journal.h),
-/// if one is kept.
+/// A change of the body is recorded in the thread's journal (platform/modeler/solid_journal.h), if
+/// there is one.
 class OdDb3dSolid : public OdDbEntity {
  public:
   OD_RX_DECLARE_MEMBERS(OdDb3dSolid)
@@ -79,7 +79,7 @@ class OdDb3dSolid : public OdDbEntity {
   [[nodiscard]] OdCmColor getFaceColor(OdGsMarker face) const;
   /// A colour by value, or by layer to take the face's own colour away; others raise eInvalidInput.
   void setFaceColor(OdGsMarker face, const OdCmColor& color);
-  /// A solid in no database that holds the subentity alone, with this one's properties.
+  /// A solid in no database with the subentity alone and this solid's properties.
   [[nodiscard]] OdDbEntityPtr subentPtr(const OdDbFullSubentPath& path) const override;
   /// The markers of a subentity; those of all faces for the null subentity. eInvalidInput for one
   /// that is not there.
@@ -119,7 +119,9 @@ class OdDb3dSolid : public OdDbEntity {
   OdStatus requireBody(const char* operation, OdModelerBodyPtr& body) const;
   [[nodiscard]] const OdBinaryData& storedBytes() const;
 
-  // At least one of the two is there unless the solid is empty; where both are, they agree.
+  // The body, and the bytes it is stored as. A solid has at least one of them unless it is empty;
+  // where it has both, they agree. Either is made from the other when it is first asked for, by the
+  // one thread that uses the drawing.
   mutable OdModelerBodyPtr m_body;
   mutable OdBinaryData m_bytes;
 };

@@ -10,8 +10,9 @@
 /// The fate of one old subentity. Laws:
 ///   1. `images` are the new subentities of the same type that are what is left of it, in rising
 ///      order; one image that is untouched geometry has `changed` false;
-///   2. `generated` are new subentities that came into being because of it (a section edge from a
-///      face, a blend face from an edge), in rising order;
+///   2. `generated` are the new subentities that it gave rise to (a section edge from a face, a
+///   blend
+///      face from an edge), in rising order;
 ///   3. it is deleted exactly when it has no image.
 struct OdModelerFate {
   std::vector<OdUInt32> images;
@@ -29,7 +30,7 @@ struct OdModelerInputHistory {
 
   /// The fates of one type; an empty list for the null type.
   [[nodiscard]] const std::vector<OdModelerFate>& fates(OdModelerSubentType type) const;
-  /// The fate of one subentity, null when the input had none such.
+  /// The fate of one subentity; null when the input does not have it.
   [[nodiscard]] const OdModelerFate* find(OdModelerSubent subent) const;
 };
 

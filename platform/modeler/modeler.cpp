@@ -1,4 +1,4 @@
-// The solid modeller that the drawing runtime speaks to.
+// The interface of a solid modeller, and the modeller of the process.
 #include "platform/modeler/modeler.h"
 
 #include <utility>

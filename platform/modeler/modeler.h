@@ -1,4 +1,4 @@
-// The solid modeller that the drawing runtime speaks to.
+// The interface of a solid modeller.
 #pragma once
 
 #include <memory>
@@ -16,12 +16,12 @@ enum class OdModelerBooleanKind : OdInt32 { kUnite = 0, kIntersect = 1, kSubtrac
 
 /// A modeller makes bodies. One is installed per process with odSetModeler(). Operations report
 /// through their status, never through exceptions; on failure `result` and `history` stay as they
-/// were. All lengths are drawing units and all angles radians; primitives stand at the origin with
+/// were. All lengths are drawing units and all angles radians; primitives lie at the origin with
 /// their axis along z and are moved with OdModelerBody::transformed().
 ///
 /// Codes: eInvalidInput for sizes, indices and outlines that make no body, eDegenerateGeometry when
 /// nothing is left of a boolean, eModelerInvalidBody when the outcome is not a sound body,
-/// eModelerError when the modeller gave up.
+/// eModelerError for any other failure of the modeller.
 class OdModeler {
  public:
   virtual ~OdModeler() = default;
@@ -50,8 +50,9 @@ class OdModeler {
                            const OdGeVector3d& axis, double angle, OdModelerBodyPtr& result) = 0;
 
   // Operations. `history` may be null.
-  /// One body out of a base and tools. Faces of one surface that are brought together become one,
-  /// those that met in an input stay apart. Attributes are the base's; faces keep colour and name.
+  /// One body out of a base and tools. Faces of one surface that the boolean brings together become
+  /// one; those that meet in an input stay apart. Attributes are the base's; faces keep colour and
+  /// name.
   virtual OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
                            std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& result,
                            OdModelerHistory* history) = 0;
@@ -62,9 +63,9 @@ class OdModeler {
                            double distance, OdModelerBodyPtr& result,
                            OdModelerHistory* history) = 0;
 
-  /// Takes faces off and closes the body again by extending their neighbours: a hole's or a boss's
-  /// faces give the body without it. eModelerError when the neighbours do not meet,
-  /// eNotApplicable from a modeller that cannot do it.
+  /// Takes faces off and closes the body again by extending their neighbours: without the faces of
+  /// a hole or a boss the body is as if it never had one. eModelerError when the neighbours do not
+  /// meet, eNotApplicable from a modeller that cannot do it.
   virtual OdStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
                                OdModelerBodyPtr& result, OdModelerHistory* history);
 

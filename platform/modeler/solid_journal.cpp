@@ -1,4 +1,4 @@
-// What happened to the bodies of solids while somebody kept a journal.
+// The changes of the bodies of solids within a scope.
 #include "platform/modeler/solid_journal.h"
 
 #include <iterator>
@@ -6,6 +6,7 @@
 
 namespace {
 
+// Through the thread: see the class.
 thread_local OdSolidJournal* t_current = nullptr;
 
 }  // namespace
@@ -25,5 +26,3 @@ OdSolidJournal* OdSolidJournal::current() { return t_current; }
 void OdSolidJournal::dropSince(std::size_t mark) {
   if (mark < m_changes.size()) m_changes.resize(mark);
 }
-
-std::vector<OdSolidChange> OdSolidJournal::take() { return std::exchange(m_changes, {}); }

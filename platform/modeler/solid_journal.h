@@ -1,4 +1,4 @@
-// What happened to the bodies of solids while somebody kept a journal.
+// The changes of the bodies of solids within a scope.
 #pragma once
 
 #include <memory>
@@ -13,16 +13,16 @@
 
 /// How a body came out of another one.
 enum class OdSolidChangeKind : OdUInt8 {
-  kBoolean = 0,   ///< a history tells every fate; `tools` are its other inputs
-  kBlend = 1,     ///< fillet or chamfer: a history tells every fate
-  kMoved = 2,     ///< the numbers stay; `transform` tells the motion, which may be the identity
-  kReplaced = 3,  ///< nothing is known of how the old body and the new one relate
+  kBoolean = 0,   ///< `history` has every fate; `tools` are its other inputs
+  kBlend = 1,     ///< fillet, chamfer or removed faces: `history` has every fate
+  kMoved = 2,     ///< the numbers stay; `transform` is the motion, which may be the identity
+  kReplaced = 3,  ///< how the old body and the new one relate is not known
 };
 
 /// One change of one solid's body. Bodies are immutable and shared between solids, so what a body
 /// became, also within another solid, is traced by the body pointers of successive changes.
 struct OdSolidChange {
-  OdDbObjectId solid;  ///< null for a solid that stands in no drawing
+  OdDbObjectId solid;  ///< null for a solid in no drawing
   OdSolidChangeKind kind = OdSolidChangeKind::kReplaced;
   OdModelerBodyPtr before;              ///< null when the solid was empty
   std::vector<OdModelerBodyPtr> tools;  ///< kBoolean only
@@ -32,13 +32,18 @@ struct OdSolidChange {
   OdGeMatrix3d transform;  ///< kMoved: takes `before` to `after`
 };
 
-/// A scope in which every change of an OdDb3dSolid's body on this thread is written down, in the
-/// order in which they happen. Journals nest: the innermost one hears, and hands its changes to the
-/// one around it when it ends. Changes that undo, an aborted transaction or reading make are not
-/// reported: whoever rolls back drops what was written since (`mark`, `dropSince`).
+/// A scope that records every change of an OdDb3dSolid's body on this thread, in the order in which
+/// they happen. Journals nest: the innermost one records, and appends its changes to the journal
+/// around it when it ends. Undo, an aborted transaction and reading change bodies without a record:
+/// the code that rolls back also drops the records since then (`mark`, `dropSince`).
 ///
-/// Lives on the stack of one thread; ends in reverse order of beginning. The journal keeps the
-/// bodies that it names alive.
+/// A solid finds the journal through its thread and not through its database, because tools are
+/// made and united as solids in no drawing, and their changes must be recorded too: a face of the
+/// result is traced back to the component it came from. A drawing is used by one thread at a time,
+/// so the scope of the thread and the edit of the drawing are the same.
+///
+/// Lives on the stack of one thread; journals end in reverse order of their beginning. A journal
+/// keeps alive the bodies that it names.
 class OdSolidJournal {
  public:
   OdSolidJournal();
@@ -46,18 +51,16 @@ class OdSolidJournal {
   OdSolidJournal(const OdSolidJournal&) = delete;
   OdSolidJournal& operator=(const OdSolidJournal&) = delete;
 
-  /// The innermost journal of this thread, null when none is kept.
+  /// The innermost journal of this thread; null when there is none.
   static OdSolidJournal* current();
 
   [[nodiscard]] std::span<const OdSolidChange> changes() const { return m_changes; }
   void note(OdSolidChange change) { m_changes.push_back(std::move(change)); }
 
-  /// A place in the journal, to come back to.
+  /// The present end of the journal, for dropSince.
   [[nodiscard]] std::size_t mark() const { return m_changes.size(); }
-  /// Forgets what was written after `mark`.
+  /// Drops the changes after `mark`.
   void dropSince(std::size_t mark);
-  /// All changes; the journal is empty afterwards and goes on.
-  std::vector<OdSolidChange> take();
 
  private:
   OdSolidJournal* m_outer;

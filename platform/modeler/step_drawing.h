@@ -11,7 +11,7 @@ struct OdStepImportOptions {
   bool curves = false;  ///< wireframe and annotation curves
 };
 
-/// What an import or export did. `lines` tell what was left out or renamed, one line each.
+/// What an import or export did. `lines` name what was left out or renamed, one line each.
 struct OdStepReport {
   OdUInt32 products = 0;
   OdUInt32 solids = 0;
@@ -23,13 +23,13 @@ struct OdStepReport {
 };
 
 /// Brings a STEP file into model space. A product becomes a block, once, however many times it
-/// occurs; an occurrence a block reference with its placement; the file's roots stand in model
-/// space. A file of a single part without placement puts its bodies there directly. The colour of a
-/// body becomes the colour of its entity, colours of faces and names stay with the body; the name
-/// of a product as the file has it is the comment of its block, the name of an occurrence extended
-/// data of its reference under kOdStepRegApp.
+/// occurs; an occurrence becomes a block reference with its placement; the file's roots come into
+/// model space. A file of a single part without placement puts its bodies there directly. The
+/// colour of a body becomes the colour of its entity, colours of faces and names stay with the
+/// body; the name of a product as the file has it is the comment of its block, the name of an
+/// occurrence extended data of its reference under kOdStepRegApp.
 ///
-/// An empty drawing is set to millimetres; one with content keeps its unit, and what comes in is
+/// An empty drawing is set to millimetres; one with content keeps its unit, and the import is
 /// scaled to it. All happens in one transaction: on failure the drawing is as it was. Codes are
 /// those of OdModeler::importStep. `report` may be null.
 OdStatus importStepIntoDatabase(OdDbDatabase* database, const OdString& path,

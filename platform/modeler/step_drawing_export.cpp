@@ -94,7 +94,7 @@ class Exporter {
                           L", left out");
   }
 
-  // Products have their origin at zero: the block's is taken off here, as its references do.
+  // Products have their origin at zero: the block's origin is taken off, as its references do.
   static OdModelerBodyPtr moved(const OdModelerBodyPtr& body, const OdGePoint3d& origin) {
     OdModelerBodyPtr result;
     const OdStatus status =
@@ -122,7 +122,7 @@ class Exporter {
     if (shown.isNull() || shown.isErased()) return skip(reference, L"shows no block");
     OdDbBlockTableRecordPtr block = shown.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForRead);
     if (block->isFromExternalReference()) return skip(reference, L"shows an external drawing");
-    // The placement is the one of the block without its origin, which its product has lost.
+    // The product has its origin at zero, so the placement takes in the block's origin.
     const OdGeMatrix3d placement =
         OdGeMatrix3d::translation(OdGePoint3d::kOrigin - origin) * reference.blockTransform() *
         OdGeMatrix3d::translation(block->origin() - OdGePoint3d::kOrigin);
@@ -153,8 +153,8 @@ class Exporter {
   std::map<OdDbObjectId, OdUInt32> m_products;
 };
 
-// Products without any body below them say nothing and are refused by some readers. The number of
-// the others.
+// Removes occurrences of products without any body below them: some readers refuse such products.
+// Gives the number of the other products.
 OdUInt32 dropEmptyOccurrences(OdModelerAssembly& assembly) {
   std::vector<char> state(assembly.products.size(), 0);  // 0 unknown, 1 empty, 2 not
   const auto hasBody = [&](auto&& self, OdUInt32 index) -> bool {

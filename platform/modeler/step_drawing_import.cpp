@@ -17,7 +17,7 @@ OdCmColor toEntityColor(const OdModelerColor& color) {
   return OdCmColor::fromRGB(color.red, color.green, color.blue);
 }
 
-// A name that may stand in the block table: what may not is replaced by an underscore.
+// A valid name for the block table: characters that it refuses become underscores.
 OdString blockName(const OdString& name) {
   constexpr int kMaxLength = 200;
   std::wstring text = name.left(kMaxLength).toWide();
@@ -67,7 +67,7 @@ class Importer {
     return id.safeOpenAs<OdDbBlockTableRecord>(mode);
   }
 
-  // Blocks are made before what refers to them, sub-assemblies first.
+  // A block is made before the references to it, so sub-assemblies come first.
   OdDbObjectId blockOf(OdUInt32 index) {
     if (!m_blocks[index].isNull()) return m_blocks[index];
     const OdModelerProduct& product = m_assembly.products[index];
@@ -131,8 +131,8 @@ class Importer {
     m_report.lines.append(line);
   }
 
-  // The colour of the whole becomes that of the entity, where users look for it. A body without a
-  // name of its own goes by that of its product.
+  // The colour of the body becomes that of the entity, where users look for it. A body without a
+  // name takes that of its product.
   static void addBody(OdDbBlockTableRecord& block, const OdModelerBody& body,
                       const OdGeMatrix3d& placement, const OdString& productName) {
     OdModelerBodyPtr placed;

@@ -1,4 +1,4 @@
-// Faces, edges and vertices of a body by number, and the selection markers that stand for them.
+// Faces, edges and vertices of a body by number, and their selection markers.
 #pragma once
 
 #include <compare>
@@ -17,12 +17,12 @@ struct OdModelerSubent {
 };
 
 /// Selection markers: face i has 4 i + 1, edge i has 4 i + 2, vertex i has 4 i + 3. Markers 1 to 4
-/// and multiples of 4 stand for nothing.
+/// and multiples of 4 are no markers.
 constexpr OdInt64 odSubentToMarker(OdModelerSubent subent) {
   return subent.index == 0 ? 0 : OdInt64{4} * subent.index + static_cast<OdInt64>(subent.type);
 }
 
-/// The subentity behind a marker, without regard to how many a body has; a null one if none.
+/// The subentity of a marker, whether or not a body has so many; a null one for no marker.
 constexpr OdModelerSubent odSubentFromMarker(OdInt64 marker) {
   constexpr OdInt64 kLastMarker = OdInt64{4} * 0xFFFFFFFFLL + 3;
   if (marker < 5 || marker > kLastMarker || marker % 4 == 0) return {};

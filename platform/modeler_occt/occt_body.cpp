@@ -53,7 +53,7 @@ const Item& cached(std::vector<std::unique_ptr<Item>>& items, OdUInt32 index, Od
   return *item;
 }
 
-// A compound with a single content stands for its content.
+// The content of a compound with a single content, else the shape itself.
 TopoDS_Shape unwrapped(TopoDS_Shape shape) {
   while (!shape.IsNull() && shape.ShapeType() == TopAbs_COMPOUND) {
     TopoDS_Iterator it(shape);
@@ -103,8 +103,11 @@ void normaliseFlags(const TopoDS_Shape& shape) {
   }
 }
 
-Body::Body(const TopoDS_Shape& shape, OdModelerBodyAttributes attributes)
-    : m_shape(shape), m_attributes(std::move(attributes)) {
+Body::Body(const TopoDS_Shape& shape, OdModelerBodyAttributes attributes, BodyOrigin origin)
+    : m_shape(shape),
+      m_attributes(std::move(attributes)),
+      m_leftApart(origin.leftApart),
+      m_bytes(std::move(origin.bytes)) {
   if (m_attributes.faceColors.empty() && m_attributes.faceNames.empty()) return;
   const OdUInt32 count = numFaces();
   const auto unknown = [count](const auto& row) { return row.first < 1 || row.first > count; };
@@ -257,12 +260,11 @@ std::vector<OdModelerBodyPtr> Body::solids() const {
 }
 
 OdModelerBodyPtr Body::withAttributes(OdModelerBodyAttributes attributes) const {
-  auto result = std::make_shared<Body>(m_shape, std::move(attributes));
+  auto result = std::make_shared<Body>(m_shape, std::move(attributes), BodyOrigin{m_leftApart, {}});
   const std::scoped_lock lock(m_mutex);
   result->m_topology = m_topology;
   result->m_topologyReady.store(m_topology.get(), std::memory_order_release);
   result->m_fingerprint = m_fingerprint;
-  result->m_leftApart = m_leftApart;
   OdModelerEnvelope stored;
   // The geometry that was written once need not be written again.
   if (!m_bytes.isEmpty() && odReadEnvelope({m_bytes.asArrayPtr(), m_bytes.size()}, stored).ok()) {
@@ -280,6 +282,14 @@ std::size_t Body::approximateSize() const {
   return sizeof(Body) + faces * kBytesPerFace;
 }
 
+std::shared_ptr<const Body> bodyOf(const TopoDS_Shape& shape, OdModelerBodyAttributes attributes,
+                                   BodyOrigin origin) {
+  const TopoDS_Shape content = unwrapped(shape);
+  if (content.IsNull()) return nullptr;
+  normaliseFlags(content);
+  return std::make_shared<const Body>(content, std::move(attributes), std::move(origin));
+}
+
 const Body& asOcct(const OdModelerBody& body) {
   const auto* own = dynamic_cast<const Body*>(&body);
   if (own == nullptr) {
@@ -293,8 +303,5 @@ const Body& asOcct(const OdModelerBody& body) {
 const TopoDS_Shape& odOcctShape(const OdModelerBody& body) { return od_occt::asOcct(body).shape(); }
 
 OdModelerBodyPtr odBodyFromOcct(const TopoDS_Shape& shape, OdModelerBodyAttributes attributes) {
-  const TopoDS_Shape content = od_occt::unwrapped(shape);
-  if (content.IsNull()) return nullptr;
-  od_occt::normaliseFlags(content);
-  return std::make_shared<od_occt::Body>(content, std::move(attributes));
+  return od_occt::bodyOf(shape, std::move(attributes));
 }

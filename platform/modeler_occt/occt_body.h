@@ -28,19 +28,25 @@ struct Topology {
   [[nodiscard]] const TopTools_IndexedMapOfShape& map(OdModelerSubentType type) const;
 };
 
-/// Holds the shape; numbers and descriptions are made on demand and kept.
+/// What a body knows of its making beside the shape.
+struct BodyOrigin {
+  /// A boolean had to leave faces of one surface side by side: the next one may join them. Not
+  /// stored.
+  bool leftApart = false;
+  /// The bytes that the body was read from; empty for others.
+  OdBinaryData bytes;
+};
+
+/// Holds the shape. Shape, attributes and origin are fixed when the body is made; all else is
+/// computed when it is first asked for, under a mutex, and kept.
 class Body final : public OdModelerBody {
  public:
-  /// The shape is not null and its flags are normal; use odBodyFromOcct elsewhere.
-  Body(const TopoDS_Shape& shape, OdModelerBodyAttributes attributes);
+  /// The shape is not null and its flags are normal; use bodyOf elsewhere.
+  Body(const TopoDS_Shape& shape, OdModelerBodyAttributes attributes, BodyOrigin origin = {});
 
   const TopoDS_Shape& shape() const { return m_shape; }
   const Topology& topology() const;
-  /// Remembers the bytes that the body was read from. Only before others know the body.
-  void keepBytes(const OdBinaryData& bytes) { m_bytes = bytes; }
-  /// A boolean had to leave faces of one surface side by side: the next one may join them. Not
-  /// stored. To be set only before others know the body.
-  void setLeftApart(bool leftApart) { m_leftApart = leftApart; }
+  /// BodyOrigin::leftApart.
   [[nodiscard]] bool isLeftApart() const { return m_leftApart; }
 
   OdModelerBodyKind kind() const override;
@@ -75,9 +81,10 @@ class Body final : public OdModelerBody {
 
   TopoDS_Shape m_shape;
   OdModelerBodyAttributes m_attributes;
-  bool m_leftApart = false;
+  bool m_leftApart;
 
-  // Made on demand, under the mutex; what is there is never changed again.
+  // Made on demand, under the mutex. What is there is never changed or taken away again, so that
+  // references to it need no lock.
   mutable std::mutex m_mutex;
   mutable std::shared_ptr<const Topology> m_topology;  // shared with bodies of the same shape
   mutable std::atomic<const Topology*> m_topologyReady{nullptr};
@@ -87,8 +94,12 @@ class Body final : public OdModelerBody {
   mutable std::optional<OdUInt64> m_fingerprint;
   mutable std::optional<OdGeExtents3d> m_extents;
   mutable std::optional<OdModelerMassProperties> m_mass;
-  mutable OdBinaryData m_bytes;
+  mutable OdBinaryData m_bytes;  // the stored form
 };
+
+/// The body of a shape, as odBodyFromOcct makes it.
+std::shared_ptr<const Body> bodyOf(const TopoDS_Shape& shape,
+                                   OdModelerBodyAttributes attributes = {}, BodyOrigin origin = {});
 
 /// The body behind the interface; raises OdError eNotThatKindOfClass for another modeller's.
 const Body& asOcct(const OdModelerBody& body);

@@ -1,4 +1,21 @@
 // Booleans of solids, with their history.
+//
+// A boolean runs in five steps:
+//   1. intersect: all inputs are divided where they meet;
+//   2. select: the operation keeps the parts that it asks for;
+//   3. join (occt_simplify.h): faces of one surface and edges of one curve that the operation
+//   brought
+//      together become one;
+//   4. check (occt_check.cpp): the outcome is sound, at the cost of what the operation changed;
+//   5. history and attributes (occt_history.h): each part of an input gets its images.
+//
+// The modeller fails now and then, with an exception or an unsound body, where inputs nearly
+// coincide or where parts are joined. The operation is then tried again in another of the ways of
+// kAttempts, which ask less of it step by step. No way gives a body that fails the check, so that a
+// retry can cost edges and faces too many, but never a wrong body. There are six ways, so it ends.
+//
+// Time is the first step, which compares each face of an input with those of the others whose boxes
+// it meets; the other steps grow with the number of parts of the outcome.
 #include <BOPAlgo_PaveFiller.hxx>
 #include <BRepAlgoAPI_Common.hxx>
 #include <BRepAlgoAPI_Cut.hxx>
@@ -8,7 +25,6 @@
 #include <TopTools_ListOfShape.hxx>
 #include <TopoDS_Compound.hxx>
 #include <algorithm>
-#include <memory>
 #include <sstream>
 #include <utility>
 
@@ -16,6 +32,7 @@
 #include "platform/modeler_occt/occt_bridge.h"
 #include "platform/modeler_occt/occt_guard.h"
 #include "platform/modeler_occt/occt_history.h"
+#include "platform/modeler_occt/occt_kept_cut.h"
 #include "platform/modeler_occt/occt_operations.h"
 #include "platform/modeler_occt/occt_removed_part.h"
 #include "platform/modeler_occt/occt_simplify.h"
@@ -54,23 +71,9 @@ TopTools_ListOfShape shapesOf(std::span<const OdModelerBodyPtr> bodies) {
   return shapes;
 }
 
-using Intersections = std::shared_ptr<BOPAlgo_PaveFiller>;
-
-// What an intersection has computed, kept for the subtraction of the same tool that tends to
-// follow: whoever cuts and wants to know what went asks for both.
-struct LastIntersections {
-  std::vector<OdModelerBodyPtr> inputs;
-  Intersections met;
-  std::unique_ptr<BRepAlgoAPI_Cut> cut;  // done but not simplified; uses `met`
-};
-
-LastIntersections& lastIntersections() {
-  static thread_local LastIntersections last;
-  return last;
-}
-
-Intersections intersect(std::span<const OdModelerBodyPtr> inputs, double fuzz) {
-  auto met = std::make_shared<BOPAlgo_PaveFiller>();
+std::unique_ptr<BOPAlgo_PaveFiller> intersect(std::span<const OdModelerBodyPtr> inputs,
+                                              double fuzz) {
+  auto met = std::make_unique<BOPAlgo_PaveFiller>();
   met->SetArguments(shapesOf(inputs));
   met->SetRunParallel(Standard_False);
   met->SetNonDestructive(Standard_True);
@@ -96,7 +99,7 @@ OdString reportOf(const Algorithm& algorithm) {
   return report.trimRight();
 }
 
-// Bodies stand side by side; a single one stands alone.
+// Several shapes in a compound; a single shape as it is.
 TopoDS_Shape joined(const TopTools_ListOfShape& shapes) {
   if (shapes.Extent() == 1) return shapes.First();
   TopoDS_Compound whole;
@@ -106,7 +109,7 @@ TopoDS_Shape joined(const TopTools_ListOfShape& shapes) {
   return whole;
 }
 
-// What remains: the solids where all inputs are solid, else whatever there is.
+// The solids of the outcome where all inputs are solid, else all of the outcome.
 TopoDS_Shape remains(const TopoDS_Shape& outcome, bool solidsOnly) {
   if (!solidsOnly) return outcome;
   TopTools_ListOfShape solids;
@@ -142,9 +145,8 @@ struct Attempt {
   FacesToJoin faces;
 };
 
-// Nearly coincident geometry and its unification are where the modeller fails, with an exception or
-// an unsound body. Later ways give the same body with more edges or faces, or within a tolerance
-// that is a hundred times what it counts as one point.
+// Later ways give the same body with more edges or faces, or within a tolerance that is a hundred
+// times what the modeller counts as one point.
 constexpr Attempt kAttempts[] = {
     {0.0, true, FacesToJoin::kAll},     {0.0, false, FacesToJoin::kAll},
     {1e-5, true, FacesToJoin::kAll},    {0.0, true, FacesToJoin::kPlanes},
@@ -153,91 +155,116 @@ constexpr Attempt kAttempts[] = {
 
 bool isDone(const Operation& operation) { return operation.IsDone() && !operation.HasErrors(); }
 
-// The intersection of two solids by way of the cut, which is kept. Null when that does not tell it.
-OdModelerBodyPtr commonByCut(std::span<const OdModelerBodyPtr> inputs, const Intersections& met) {
-  if (inputs.size() != 2 || !allSolid(inputs)) return nullptr;
-  auto cut = std::make_unique<BRepAlgoAPI_Cut>(*met);
-  run(*cut, inputs);
-  if (!isDone(*cut)) return nullptr;
-  const TopoDS_Shape part =
-      removedPart(*cut, shapesOf(inputs.first(1)), shapesOf(inputs.subspan(1)));
-  const OdModelerBodyPtr body = part.IsNull() ? nullptr : odBodyFromOcct(part);
-  if (!body || !checkShape(asOcct(*body).shape()).ok()) return nullptr;
-  lastIntersections() = {{inputs.begin(), inputs.end()}, met, std::move(cut)};
-  return body->withAttributes({inputs.front()->attributes().name, {}, {}, {}});
-}
+/// One boolean of a base, the first input, and tools, the others.
+class Combination {
+ public:
+  Combination(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs, KeptCut& kept,
+              bool wantsHistory)
+      : m_kind(kind),
+        m_inputs(inputs),
+        m_needsHistory(wantsHistory || std::ranges::any_of(inputs, hasColors)),
+        m_kept(kept),
+        m_known(kept.take(inputs)) {}
 
-// The body is new, and nobody else knows it.
-OdModelerBodyPtr withNote(const OdModelerBodyPtr& body, bool leftApart,
-                          OdModelerBodyAttributes attributes) {
-  const_cast<Body&>(asOcct(*body)).setLeftApart(leftApart);
-  return body->withAttributes(std::move(attributes));
-}
-
-OdStatus attempt(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs,
-                 const Attempt& way, OdModelerBodyPtr& result, OdModelerHistory* history) {
-  const bool needsHistory = history != nullptr || std::ranges::any_of(inputs, hasColors);
-  // Whatever is kept is dropped by the next operation, whether that can use it or not.
-  LastIntersections last = std::exchange(lastIntersections(), {});
-  std::unique_ptr<Operation> operation;
-  if (kind == OdModelerBooleanKind::kSubtract && way.fuzz == 0.0 && last.cut &&
-      std::ranges::equal(last.inputs, inputs)) {
-    operation = std::move(last.cut);
-  } else {
-    last.met = intersect(inputs, way.fuzz);
-    if (last.met->HasErrors())
-      return {eModelerError, OdString(nameOf(kind)) + L": " + reportOf(*last.met)};
-    if (kind == OdModelerBooleanKind::kIntersect && way.fuzz == 0.0 && !needsHistory) {
-      if (const OdModelerBodyPtr common = commonByCut(inputs, last.met)) {
-        result = common;
-        return {};
-      }
+  /// `fates` stays empty where neither the caller nor the attributes need it.
+  OdStatus run(OdModelerBodyPtr& result, OdModelerHistory& fates) {
+    OdStatus first;
+    for (const Attempt& way : kAttempts) {
+      OdStatus status = guarded(nameOf(m_kind), [&] { return attempt(way, result, fates); });
+      if (status.ok() || status.code == eDegenerateGeometry || status.code == eOutOfMemory)
+        return status;
+      if (first.ok()) first = std::move(status);
     }
-    operation = newOperation(kind, *last.met);
-    run(*operation, inputs);
+    return first;
   }
-  if (!isDone(*operation))
-    return {eModelerError, OdString(nameOf(kind)) + L": " + reportOf(*operation)};
-  const Simplified outcome = simplified(*operation, inputs, way.faces, way.unifyEdges);
-  const OdModelerBodyPtr plain = odBodyFromOcct(remains(outcome.shape, allSolid(inputs)));
-  if (!plain || plain->numFaces() + plain->numEdges() == 0) {
-    return failure(eDegenerateGeometry, nameOf(kind), "nothing is left");
+
+ private:
+  OdStatus attempt(const Attempt& way, OdModelerBodyPtr& result, OdModelerHistory& fates) {
+    FinishedBoolean done;
+    if (canUseKnown(way)) {
+      done = std::move(m_known);
+    } else {
+      done.intersections = intersect(m_inputs, way.fuzz);
+      if (done.intersections->HasErrors()) return failed(reportOf(*done.intersections));
+      if (mayGoByCut(way) && commonByCut(done, result)) return {};
+      done.operation = newOperation(m_kind, *done.intersections);
+      od_occt::run(*done.operation, m_inputs);
+    }
+    if (!isDone(*done.operation)) return failed(reportOf(*done.operation));
+    return finish(*done.operation, way, result, fates);
   }
-  if (OdStatus sound = checkOutcome(asOcct(*plain), asOcct(*inputs.front())); !sound.ok()) {
-    return {eModelerInvalidBody, OdString(nameOf(kind)) + L": " + sound.text};
+
+  [[nodiscard]] bool canUseKnown(const Attempt& way) const {
+    return m_kind == OdModelerBooleanKind::kSubtract && way.fuzz == 0.0 && m_known.operation;
   }
-  if (!needsHistory) {
-    result = withNote(plain, outcome.leftApart, {inputs.front()->attributes().name, {}, {}, {}});
+  // Only the operation itself tells the history of an intersection.
+  [[nodiscard]] bool mayGoByCut(const Attempt& way) const {
+    return m_kind == OdModelerBooleanKind::kIntersect && way.fuzz == 0.0 && !m_needsHistory &&
+           m_inputs.size() == 2 && allSolid(m_inputs);
+  }
+
+  // The intersection put together from the cut, which is kept. Takes the intersections of `done` in
+  // that case. False where the parts of the cut do not bound the common part plainly.
+  bool commonByCut(FinishedBoolean& done, OdModelerBodyPtr& result) {
+    auto cut = std::make_unique<BRepAlgoAPI_Cut>(*done.intersections);
+    od_occt::run(*cut, m_inputs);
+    if (!isDone(*cut)) return false;
+    const TopoDS_Shape part =
+        removedPart(*cut, shapesOf(m_inputs.first(1)), shapesOf(m_inputs.subspan(1)));
+    const OdModelerBodyPtr body = part.IsNull() ? nullptr : odBodyFromOcct(part);
+    if (!body || !checkShape(asOcct(*body).shape()).ok()) return false;
+    done.operation = std::move(cut);
+    m_kept.keep(m_inputs, std::move(done));
+    result = body->withAttributes(namedAsBase());
+    return true;
+  }
+
+  OdStatus finish(Operation& operation, const Attempt& way, OdModelerBodyPtr& result,
+                  OdModelerHistory& fates) {
+    const Simplified outcome = simplified(operation, m_inputs, way.faces, way.unifyEdges);
+    const std::shared_ptr<const Body> plain =
+        bodyOf(remains(outcome.shape, allSolid(m_inputs)), {}, {outcome.leftApart, {}});
+    if (!plain || plain->numFaces() + plain->numEdges() == 0) {
+      return failure(eDegenerateGeometry, nameOf(m_kind), "nothing is left");
+    }
+    if (OdStatus sound = checkOutcome(*plain, asOcct(*m_inputs.front())); !sound.ok()) {
+      return {eModelerInvalidBody, OdString(nameOf(m_kind)) + L": " + sound.text};
+    }
+    if (!m_needsHistory) {
+      result = plain->withAttributes(namedAsBase());
+      return {};
+    }
+    fates = collectHistory(*outcome.history, m_inputs, *plain);
+    result = plain->withAttributes(inheritAttributes(m_inputs, fates));
     return {};
   }
-  OdModelerHistory fates = collectHistory(*outcome.history, inputs, asOcct(*plain));
-  result = withNote(plain, outcome.leftApart, inheritAttributes(inputs, fates));
-  if (history != nullptr) *history = std::move(fates);
-  return {};
-}
 
-OdStatus combine(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs,
-                 OdModelerBodyPtr& result, OdModelerHistory* history) {
-  OdStatus first;
-  for (const Attempt& way : kAttempts) {
-    OdStatus status =
-        guarded(nameOf(kind), [&] { return attempt(kind, inputs, way, result, history); });
-    if (status.ok() || status.code == eDegenerateGeometry || status.code == eOutOfMemory)
-      return status;
-    if (first.ok()) first = std::move(status);
+  [[nodiscard]] OdStatus failed(const OdString& report) const {
+    return {eModelerError, OdString(nameOf(m_kind)) + L": " + report};
   }
-  return first;
-}
+  [[nodiscard]] OdModelerBodyAttributes namedAsBase() const {
+    return {m_inputs.front()->attributes().name, {}, {}, {}};
+  }
+
+  OdModelerBooleanKind m_kind;
+  std::span<const OdModelerBodyPtr> m_inputs;
+  bool m_needsHistory;
+  KeptCut& m_kept;
+  FinishedBoolean m_known;  // the cut of these inputs, if it was kept
+};
 
 }  // namespace
 
 OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
-                 std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& result,
+                 std::span<const OdModelerBodyPtr> tools, KeptCut& kept, OdModelerBodyPtr& result,
                  OdModelerHistory* history) {
   std::vector<OdModelerBodyPtr> inputs{base};
   inputs.insert(inputs.end(), tools.begin(), tools.end());
   if (OdStatus status = checkInputs(kind, inputs); !status.ok()) return status;
-  return combine(kind, inputs, result, history);
+  OdModelerHistory fates;
+  OdStatus status = Combination(kind, inputs, kept, history != nullptr).run(result, fates);
+  if (status.ok() && history != nullptr) *history = std::move(fates);
+  return status;
 }
 
 OdStatus compound(std::span<const OdModelerBodyPtr> bodies, OdModelerBodyPtr& result) {

@@ -5,6 +5,7 @@
 #include <Message_Messenger.hxx>
 #include <Standard_Version.hxx>
 
+#include "platform/modeler_occt/occt_kept_cut.h"
 #include "platform/modeler_occt/occt_operations.h"
 
 namespace od_occt {
@@ -44,7 +45,7 @@ class Modeler final : public OdModeler {
   OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
                    std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& result,
                    OdModelerHistory* history) override {
-    return od_occt::boolean(kind, base, tools, result, history);
+    return od_occt::boolean(kind, base, tools, m_keptCut, result, history);
   }
   OdStatus fillet(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges, double radius,
                   OdModelerBodyPtr& result, OdModelerHistory* history) override {
@@ -70,6 +71,9 @@ class Modeler final : public OdModeler {
   OdStatus exportStep(const OdString& path, const OdModelerAssembly& assembly) override {
     return od_occt::exportStep(path, assembly);
   }
+
+ private:
+  KeptCut m_keptCut;
 };
 
 }  // namespace

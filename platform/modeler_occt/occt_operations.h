@@ -5,9 +5,9 @@
 
 #include "platform/modeler/modeler.h"
 
-class BRepBuilderAPI_MakeShape;
-
 namespace od_occt {
+
+class KeptCut;
 
 // occt_primitives.cpp
 OdStatus makeBox(double dx, double dy, double dz, OdModelerBodyPtr& result);
@@ -25,7 +25,7 @@ OdStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
 
 // occt_boolean.cpp
 OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
-                 std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& result,
+                 std::span<const OdModelerBodyPtr> tools, KeptCut& kept, OdModelerBodyPtr& result,
                  OdModelerHistory* history);
 OdStatus compound(std::span<const OdModelerBodyPtr> bodies, OdModelerBodyPtr& result);
 

@@ -23,7 +23,9 @@ constexpr BinTools_FormatVersion kShapeVersion = BinTools_FormatVersion_VERSION_
 class ViewBuffer : public std::streambuf {
  public:
   explicit ViewBuffer(std::string_view bytes) {
-    char* begin = const_cast<char*>(bytes.data());  // the get area is never written to
+    // The standard library has no buffer over constant bytes. This one never writes: it overrides
+    // neither overflow nor pbackfail, and has no put area.
+    char* begin = const_cast<char*>(bytes.data());
     setg(begin, begin, begin + bytes.size());
   }
 
@@ -110,9 +112,8 @@ OdStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result) {
     if (OdStatus status = checkShapeForm(envelope.geometry); !status.ok()) return status;
     const TopoDS_Shape shape = readShape(envelope.geometry);
     if (shape.IsNull()) return {eCorruptData, OdString(L"stored body: there is no shape in it")};
-    auto body = std::make_shared<Body>(shape, std::move(envelope.attributes));
-    body->keepBytes(bytes);
-    result = std::move(body);
+    result = std::make_shared<const Body>(shape, std::move(envelope.attributes),
+                                          BodyOrigin{false, bytes});
     return {};
   });
 }

@@ -20,7 +20,7 @@ TEST_F(OdSolidJournalTest, EachChangeIsWrittenWithWhatItCameFrom) {
   solid(id, OdDb::kForWrite)->setBody(start);
   const OdUInt32 none = 0;
   EXPECT_FALSE(solid(id, OdDb::kForWrite)->filletEdges({&none, 1}, 1.0).ok());
-  const std::vector<OdSolidChange> changes = journal.take();
+  const std::span<const OdSolidChange> changes = journal.changes();
   ASSERT_EQ(changes.size(), 4u) << "what failed is not written";
   using Kind = OdSolidChangeKind;
   const Kind kinds[] = {Kind::kBoolean, Kind::kMoved, Kind::kMoved, Kind::kReplaced};
@@ -34,7 +34,6 @@ TEST_F(OdSolidJournalTest, EachChangeIsWrittenWithWhatItCameFrom) {
   EXPECT_EQ(changes[0].history->inputs.size(), 2u);
   EXPECT_EQ(changes[1].transform, up);
   EXPECT_EQ(changes[2].transform, OdGeMatrix3d::kIdentity) << "a colour moves nothing";
-  EXPECT_TRUE(journal.changes().empty());
 }
 
 TEST_F(OdSolidJournalTest, InnerJournalsHandOnAndUndoWritesNothing) {
