@@ -50,6 +50,38 @@ TEST_F(OdModelerBoolean, VolumesFollowSetArithmeticAndInputsAreNotTouched) {
   EXPECT_EQ(bytesNow(b), before[1]);
 }
 
+TEST_F(OdModelerBoolean, WhatAnIntersectionLeavesServesItsOwnSubtractionOnly) {
+  const OdModelerBodyPtr a = box(10.0, 10.0, 10.0);
+  const OdModelerBodyPtr b = box(10.0, 10.0, 5.0, {5.0, 5.0, 5.0});
+  const OdModelerBodyPtr c = box(10.0, 10.0, 10.0, {9.0, 0.0, 0.0});
+  const auto volume = [](Kind kind, const OdModelerBodyPtr& base, const OdModelerBodyPtr& tool) {
+    return combine(kind, base, {tool})->massProperties().volume;
+  };
+  // The next operation has another tool, the inputs in another order, another kind, or comes later.
+  EXPECT_NEAR(volume(Kind::kIntersect, a, b), 125.0, 1e-6);
+  EXPECT_NEAR(volume(Kind::kSubtract, a, c), 900.0, 1e-6);
+  EXPECT_NEAR(volume(Kind::kIntersect, a, b), 125.0, 1e-6);
+  EXPECT_NEAR(volume(Kind::kSubtract, b, a), 375.0, 1e-6);
+  EXPECT_NEAR(volume(Kind::kIntersect, a, b), 125.0, 1e-6);
+  EXPECT_NEAR(volume(Kind::kUnite, a, b), 1375.0, 1e-6);
+  EXPECT_NEAR(volume(Kind::kSubtract, a, b), 875.0, 1e-6);
+  // The one that it serves has its own history, and the body of a fresh subtraction.
+  EXPECT_NEAR(volume(Kind::kIntersect, a, b), 125.0, 1e-6);
+  OdModelerHistory history;
+  const OdModelerBodyPtr cut = combine(Kind::kSubtract, a, {b}, &history);
+  expectSound(history, {a, b}, *cut);
+  EXPECT_EQ(cut->fingerprint(), combine(Kind::kSubtract, a, {b})->fingerprint());
+}
+
+TEST_F(OdModelerBoolean, FacesOfOnePlaneStayApartWhereTheyLieApart) {
+  // A step that is ten times what the modeller counts as one point, and one of a tenth of it.
+  for (const auto& [step, faces] : {std::pair(1e-6, 8u), std::pair(1e-8, 6u)}) {
+    const OdModelerBodyPtr both = combine(Kind::kUnite, box(10.0, 10.0, 10.0),
+                                          {box(10.0, 10.0, 10.0 + step, {10.0, 0.0, 0.0})});
+    EXPECT_EQ(both->numFaces(), faces) << step;
+  }
+}
+
 TEST_F(OdModelerBoolean, FacesOfOnePlaneMergeAndBothOldOnesPointToTheNewOne) {
   const OdModelerBodyPtr inputs[] = {box(10.0, 10.0, 10.0),
                                      box(10.0, 10.0, 10.0, {10.0, 0.0, 0.0})};

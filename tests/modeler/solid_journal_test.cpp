@@ -1,6 +1,8 @@
 // The journal of solids: what is written, and for whom.
 #include "platform/modeler/solid_journal.h"
 
+#include <functional>
+
 #include "tests/modeler/drawing_fixture.h"
 
 namespace {
@@ -34,6 +36,36 @@ TEST_F(OdSolidJournalTest, EachChangeIsWrittenWithWhatItCameFrom) {
   EXPECT_EQ(changes[0].history->inputs.size(), 2u);
   EXPECT_EQ(changes[1].transform, up);
   EXPECT_EQ(changes[2].transform, OdGeMatrix3d::kIdentity) << "a colour moves nothing";
+}
+
+TEST_F(OdSolidJournalTest, BlendsAndRemovedFacesAreNotWrittenAsBooleans) {
+  const OdModelerBodyPtr plate = plateWithHole();
+  const OdUInt32 wall = faceOfKind(*plate, OdModelerSurfaceKind::kCylinder);
+  const OdUInt32 edge = 1;
+  const std::function<OdStatus(OdDb3dSolid&)> operations[] = {
+      [&](OdDb3dSolid& s) {
+        return s.filletEdges({&edge, 1}, 1.0);
+      },
+      [&](OdDb3dSolid& s) {
+        return s.chamferEdges({&edge, 1}, 1.0);
+      },
+      [&](OdDb3dSolid& s) {
+        return s.removeFaces({&wall, 1});
+      },
+  };
+  OdSolidJournal journal;
+  for (const auto& operation : operations) {
+    journal.dropSince(0);
+    const OdDbObjectId id = addSolid(plate);
+    ASSERT_TRUE(succeeded(operation(*solid(id, OdDb::kForWrite))));
+    const OdSolidChange& change = journal.changes().back();
+    EXPECT_EQ(change.kind, OdSolidChangeKind::kBlend);
+    EXPECT_EQ(change.before, plate);
+    EXPECT_EQ(change.after, solid(id)->body());
+    EXPECT_TRUE(change.tools.empty());
+    ASSERT_EQ(change.history->inputs.size(), 1u);
+    EXPECT_EQ(change.history->inputs[0].faces.size(), plate->numFaces());
+  }
 }
 
 TEST_F(OdSolidJournalTest, InnerJournalsHandOnAndUndoWritesNothing) {

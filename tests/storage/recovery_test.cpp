@@ -116,6 +116,44 @@ TEST_F(Recovery, LeavesOutWhatWasErasedBeforeTheDamage) {
   EXPECT_TRUE(sink.content.records == second.records) << sink.lines;
 }
 
+TEST_F(Recovery, TakesTheVersionInTheTreeBeforeAnOlderOne) {
+  const Content first = makeContent(100, 300);
+  Content second = first;
+  second.records.at(5).data[10] ^= 1;
+  write(first);
+  const std::string before = m_bytes;
+  {
+    std::unique_ptr<OdDbRecordStore> store;
+    ASSERT_TRUE(m_factory->open(m_path, OdDbStoreOpenMode::kReadWrite, store).ok());
+    ASSERT_TRUE(saveChanges(*store, first, second).ok());
+  }
+  m_content = second;
+  m_bytes = storetest::readBytes(m_path);
+  // The page with the older version, to which nothing refers, and damage to another record.
+  const std::size_t page = before.find(first.records.at(5).data) / kPageSize;
+  m_bytes += before.substr(page * kPageSize, kPageSize);
+  m_bytes[m_bytes.find(second.records.at(0x2F).data) + 3] ^= 1;
+  EXPECT_TRUE(recover().content.records.contains(5));
+}
+
+TEST_F(Recovery, EndsWhereATreeRunsInACircle) {
+  write(makeContent(300, 300));
+  constexpr std::size_t kRoot = 4;
+  char* root = m_bytes.data() + (kRoot - 1) * kPageSize;
+  const auto number = [root](std::size_t at) {
+    return std::size_t{static_cast<unsigned char>(root[at])} << 8U |
+           static_cast<unsigned char>(root[at + 1]);
+  };
+  // Every child of the inner page, the last one included, becomes the page itself.
+  const auto pointTo = [root](std::size_t at) { *std::fill_n(root + at, 3, '\0') = char{kRoot}; };
+  ASSERT_EQ(root[0], 5);
+  for (std::size_t cell = 0; cell < number(3); ++cell) pointTo(number(12 + 2 * cell));
+  pointTo(8);
+  const CollectingSink sink = recover();
+  EXPECT_EQ(sink.content.records.size(), m_content.records.size()) << "found outside of the tree";
+  EXPECT_NE(sink.lines.find("page 4 is claimed twice"), std::string::npos) << sink.lines;
+}
+
 TEST_F(Recovery, RefusesWhatHoldsNothing) {
   CollectingSink sink;
   storetest::writeBytes(m_path, storetest::noise(50000, 3));
