@@ -16,16 +16,16 @@ struct VdmAssertion {
 
 using VdmAssertSink = std::function<void(const VdmAssertion&)>;
 
-// Reports a failed assertion to the sink and returns: the code behind an assertion handles the
+// Reports a failed assertion to the sink and returns: the code after an assertion handles the
 // failure itself. Usable in any thread.
 OD_API void vdmcCallAssert(const char* expression, const OdString& message, const char* source,
                            int line);
 
-// Replaces the receiver of all threads and returns the one before; an empty one stands for the
+// Replaces the receiver of all threads and returns the one before; an empty one means the
 // default, which writes a line to standard error. A receiver must not throw.
 OD_API VdmAssertSink setVdmAssertSink(VdmAssertSink sink);
 
-// Reports when `holds` is false; gives `holds`, so that it can stand in a condition.
+// Reports when `holds` is false; gives `holds`, so that it can be used in a condition.
 inline bool vdmAssert(bool holds, const char* expression, const OdString& message,
                       const char* source, int line) {
   if (!holds) [[unlikely]]

@@ -30,7 +30,7 @@ const MessageRow& rowOf(VdmuMessageId id) {
   return *row;
 }
 
-// The argument that a field "{n}" or "{n:c}" stands for.
+// The text of a field "{n}" or "{n:c}".
 OdString fieldText(std::string_view field, std::span<const VdmuMessageArgument> arguments) {
   const auto index = static_cast<std::size_t>(field[1] - '0');
   if (index >= arguments.size()) return OdString(L"?");

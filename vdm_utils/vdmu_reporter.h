@@ -1,4 +1,4 @@
-// Messages to whoever runs an operation: identifiers, texts and the receiver.
+// Messages to the caller of an operation: identifiers, texts and the receiver.
 #pragma once
 
 #include <concepts>
@@ -8,7 +8,7 @@
 #include "platform/base/export.h"
 #include "platform/base/string.h"
 
-// Message identifiers. The numbers are stable. The arguments stand in message_rows.inc.
+// Message identifiers. The numbers are stable. message_rows.inc lists their arguments.
 enum VdmuMessageId : int {
 #define VDMU_MESSAGE(number, id, severity, text) id = number,
 #include "vdm_utils/message_rows.inc"
@@ -17,7 +17,7 @@ enum VdmuMessageId : int {
 
 enum class VdmuSeverity { kWarning, kError };
 
-// A number or a text that goes into a message.
+// A number or a text in a message.
 class VdmuMessageArgument {
  public:
   VdmuMessageArgument(std::integral auto number) : m_number(static_cast<OdInt64>(number)) {}

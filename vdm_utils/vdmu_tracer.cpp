@@ -12,6 +12,7 @@ namespace {
 constexpr std::size_t kIndentWidth = 2;
 
 std::atomic<bool> g_enabled{false};
+// Calls of one thread nest; the indentation of one thread says nothing about another.
 thread_local std::size_t t_depth = 0;
 
 struct Output {

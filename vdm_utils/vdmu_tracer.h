@@ -1,4 +1,4 @@
-// Diagnostic output, one line at a time, that costs nothing to speak of while it is off.
+// Diagnostic output, one line at a time. While it is off it builds nothing.
 #pragma once
 
 #include <concepts>
@@ -96,7 +96,7 @@ class OD_API VdmuTracer {
 class OD_API VdmuTraceIndenter {
  public:
   VdmuTraceIndenter() noexcept;
-  // Traces a line first, which the lines that follow stand under.
+  // Traces `title` first, as the heading of the indented lines.
   explicit VdmuTraceIndenter(const OdString& title);
   ~VdmuTraceIndenter();
   VdmuTraceIndenter(const VdmuTraceIndenter&) = delete;

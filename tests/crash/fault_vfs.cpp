@@ -42,7 +42,7 @@ struct FaultFile {
 };
 
 FaultFile* faultFile(sqlite3_file* file) { return reinterpret_cast<FaultFile*>(file); }
-/// The system's file, which lies behind this layer's part.
+/// The system's file, after this layer's part in memory.
 sqlite3_file* realFile(sqlite3_file* file) {
   return reinterpret_cast<sqlite3_file*>(faultFile(file) + 1);
 }

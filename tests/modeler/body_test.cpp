@@ -1,4 +1,4 @@
-// What a body tells of itself: faces, edges, box, mass, mesh, transformations.
+// Bodies: faces, edges, box, mass, mesh, transformations.
 #include <algorithm>
 #include <cmath>
 #include <utility>

@@ -122,7 +122,7 @@ TEST_F(OdModelerStep, SameAssemblyGivesTheSameFile) {
     ASSERT_EQ(read(writeStep(colorful())), first) << "repetition " << i;
   }
   EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()), 1)
-      << "nothing else is left behind";
+      << "no other file is left";
 }
 
 TEST_F(OdModelerStep, OddNamesComeBackAndEqualOnesGetUniqueIds) {

@@ -12,7 +12,7 @@ namespace {
 
 using storetest::makeContent;
 
-/// Edits a drawing behind the store's back.
+/// Edits a drawing without the store.
 void execute(const std::string& path, const std::string& sql) {
   sqlite3* connection = nullptr;
   ASSERT_EQ(sqlite3_open(path.c_str(), &connection), SQLITE_OK);

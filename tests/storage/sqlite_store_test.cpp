@@ -1,4 +1,4 @@
-// Tests of the record store on SQLite: content, saving, locks and what stands beside the file.
+// Tests of the record store on SQLite: content, saving, locks and the files beside the drawing.
 #include <filesystem>
 
 #include "platform/storage/sqlite_record_store.h"

@@ -42,7 +42,7 @@ Record recordOf(const OdDbRecordView& view);
 OdStatus putAll(OdDbRecordStore& store, const Content& content);
 /// Puts and removes what leads from `before` to `after` in a save of its own.
 OdStatus saveChanges(OdDbRecordStore& store, const Content& before, const Content& after);
-/// Creates the file with `content`; the store is gone afterwards.
+/// Creates the file with `content`; the store is closed afterwards.
 OdStatus writeFile(OdDbRecordStoreFactory& factory, const std::string& path,
                    const Content& content);
 /// Reads everything, digest included. Empty when anything fails; `reason` takes why.
