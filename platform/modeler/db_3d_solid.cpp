@@ -129,53 +129,50 @@ OdStatus OdDb3dSolid::adopt(OdStatus status, OdModelerBodyPtr body, OdSolidChang
   return status;
 }
 
-OdStatus OdDb3dSolid::createBox(double dx, double dy, double dz) {
+template <class Make>
+OdStatus OdDb3dSolid::create(const Make& make) {
   OdModelerBodyPtr made;
-  OdStatus status = odModeler().box(dx, dy, dz, made);
+  OdStatus status = make(made);
   return adopt(std::move(status), std::move(made), {});
+}
+
+OdStatus OdDb3dSolid::createBox(double dx, double dy, double dz) {
+  return create([&](OdModelerBodyPtr& made) { return odModeler().box(dx, dy, dz, made); });
 }
 
 OdStatus OdDb3dSolid::createCylinder(double radius, double height) {
-  OdModelerBodyPtr made;
-  OdStatus status = odModeler().cylinder(radius, height, made);
-  return adopt(std::move(status), std::move(made), {});
+  return create([&](OdModelerBodyPtr& made) { return odModeler().cylinder(radius, height, made); });
 }
 
 OdStatus OdDb3dSolid::createCone(double bottomRadius, double topRadius, double height) {
-  OdModelerBodyPtr made;
-  OdStatus status = odModeler().cone(bottomRadius, topRadius, height, made);
-  return adopt(std::move(status), std::move(made), {});
+  return create([&](OdModelerBodyPtr& made) {
+    return odModeler().cone(bottomRadius, topRadius, height, made);
+  });
 }
 
 OdStatus OdDb3dSolid::createSphere(double radius) {
-  OdModelerBodyPtr made;
-  OdStatus status = odModeler().sphere(radius, made);
-  return adopt(std::move(status), std::move(made), {});
+  return create([&](OdModelerBodyPtr& made) { return odModeler().sphere(radius, made); });
 }
 
 OdStatus OdDb3dSolid::createTorus(double majorRadius, double minorRadius) {
-  OdModelerBodyPtr made;
-  OdStatus status = odModeler().torus(majorRadius, minorRadius, made);
-  return adopt(std::move(status), std::move(made), {});
+  return create(
+      [&](OdModelerBodyPtr& made) { return odModeler().torus(majorRadius, minorRadius, made); });
 }
 
 OdStatus OdDb3dSolid::createWedge(double dx, double dy, double dz, double topDx) {
-  OdModelerBodyPtr made;
-  OdStatus status = odModeler().wedge(dx, dy, dz, topDx, made);
-  return adopt(std::move(status), std::move(made), {});
+  return create([&](OdModelerBodyPtr& made) { return odModeler().wedge(dx, dy, dz, topDx, made); });
 }
 
 OdStatus OdDb3dSolid::extrude(const OdModelerProfile& profile, const OdGeVector3d& direction) {
-  OdModelerBodyPtr made;
-  OdStatus status = odModeler().extrude(profile, direction, made);
-  return adopt(std::move(status), std::move(made), {});
+  return create(
+      [&](OdModelerBodyPtr& made) { return odModeler().extrude(profile, direction, made); });
 }
 
 OdStatus OdDb3dSolid::revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
                               const OdGeVector3d& axis, double angle) {
-  OdModelerBodyPtr made;
-  OdStatus status = odModeler().revolve(profile, axisPoint, axis, angle, made);
-  return adopt(std::move(status), std::move(made), {});
+  return create([&](OdModelerBodyPtr& made) {
+    return odModeler().revolve(profile, axisPoint, axis, angle, made);
+  });
 }
 
 OdStatus OdDb3dSolid::requireBody(const char* operation, OdModelerBodyPtr& body) const {

@@ -112,6 +112,8 @@ class OdDb3dSolid : public OdDbEntity {
   void setBody(OdModelerBodyPtr body, OdSolidChange change);
   void replaceBody(OdModelerBodyPtr body, OdSolidChange change);
   OdStatus adopt(OdStatus status, OdModelerBodyPtr body, OdSolidChange change);
+  template <class Make>
+  OdStatus create(const Make& make);
   template <class Operation>
   OdStatus operate(const char* name, OdSolidChangeKind kind,
                    std::span<const OdModelerBodyPtr> tools, OdModelerHistory* history,

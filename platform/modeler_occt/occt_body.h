@@ -101,7 +101,7 @@ class Body final : public OdModelerBody {
 std::shared_ptr<const Body> bodyOf(const TopoDS_Shape& shape,
                                    OdModelerBodyAttributes attributes = {}, BodyOrigin origin = {});
 
-/// The body behind the interface; raises OdError eNotThatKindOfClass for another modeller's.
+/// The interface's body as ours; raises OdError eNotThatKindOfClass for another modeller's.
 const Body& asOcct(const OdModelerBody& body);
 
 // Descriptions, one source each.

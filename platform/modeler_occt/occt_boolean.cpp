@@ -197,7 +197,7 @@ class Combination {
   [[nodiscard]] bool canUseKnown(const Attempt& way) const {
     return m_kind == OdModelerBooleanKind::kSubtract && way.fuzz == 0.0 && m_known.operation;
   }
-  // Only the operation itself tells the history of an intersection.
+  // The cut has no history of the intersection.
   [[nodiscard]] bool mayGoByCut(const Attempt& way) const {
     return m_kind == OdModelerBooleanKind::kIntersect && way.fuzz == 0.0 && !m_needsHistory &&
            m_inputs.size() == 2 && allSolid(m_inputs);

@@ -1,4 +1,14 @@
 // Checking the outcome of an operation at the cost of what the operation changed.
+//
+// A full check of a body looks at every face; after drilling one hole into a part with a thousand
+// faces nearly all of that repeats an earlier check. An operation takes over the shapes that it
+// does not change, so a face that the base has is known to be sound. A face that was changed is
+// checked with its new boundaries only, and with those old ones whose boxes meet a new one: old
+// boundaries of one face were sound together. That the shell closes cannot be seen face by face, so
+// shells and solids are checked as a whole, which is cheap: only their edges are counted.
+//
+// The quick check may refuse a sound body and never decides alone: what it refuses, the full check
+// judges. Its laws are with the declaration (occt_body.h).
 #include <BRepBndLib.hxx>
 #include <BRepCheck_Analyzer.hxx>
 #include <BRepCheck_ListOfStatus.hxx>
@@ -43,8 +53,9 @@ Boundary boundaryOf(const TopoDS_Shape& wire, const Topology& before) {
   return boundary;
 }
 
-// The face with its new boundaries and those that may meet them; a single one when none is new. The
-// face itself when its boundaries come from several faces and so do not know each other.
+// The face with its new boundaries and the old ones that may meet them; with a single old one when
+// none is new. The whole face when its old boundaries come from different faces, since nothing is
+// known of how they lie to each other.
 TopoDS_Shape concerned(const TopoDS_Shape& face, const Topology& before) {
   std::vector<Boundary> boundaries;
   Bnd_Box fresh;
@@ -104,7 +115,7 @@ bool solidsAreSound(const TopoDS_Shape& shape) {
 
 }  // namespace
 
-// What the quick look doubts the full check decides, and names.
+// The full check decides where the quick one refuses, and names the fault.
 OdStatus checkOutcome(const Body& outcome, const Body& base) {
   const bool isSound = outcome.kind() == OdModelerBodyKind::kSolid &&
                        facesAreSound(outcome.topology(), base.topology()) &&

@@ -1,4 +1,4 @@
-// The number that tells one boundary from another.
+// The hash of a boundary.
 #include <BRepAdaptor_Curve.hxx>
 #include <BRepAdaptor_Surface.hxx>
 #include <BRep_Tool.hxx>
@@ -11,9 +11,9 @@
 namespace od_occt {
 namespace {
 
-// Coordinates count in steps of 2^-20 drawing units: stored directions may change their last bit
-// when they are read, which must not show, and decimal or inch sizes never lie on the border
-// between two steps.
+// Coordinates count in steps of 2^-20 drawing units, rounded. Directions may change their last bit
+// when they are stored and read; the hash must not change by that. Decimal and inch sizes do not
+// lie on the border between two steps.
 constexpr double kStepsPerUnit = 1048576.0;
 
 class Mixer {
@@ -41,7 +41,7 @@ void addEdge(const TopoDS_Edge& edge, Mixer& mixer) {
   if (BRep_Tool::Degenerated(edge)) return mixer.add(OdUInt64{255});
   const BRepAdaptor_Curve curve(edge);
   mixer.add(static_cast<OdUInt64>(curve.GetType()));
-  // The ends of a line tell all of it.
+  // The vertices are hashed, and a line has nothing else.
   if (curve.GetType() == GeomAbs_Line) return;
   mixer.add(curve.Value((curve.FirstParameter() + curve.LastParameter()) / 2.0));
 }

@@ -1,10 +1,22 @@
 // Histories of operations, and the attributes that follow them.
+//
+// The modeller's operations name what became of a shape that they are asked for; bodies name faces,
+// edges and vertices by number. Both number their shapes by one walk (Topology), so that each part
+// of an input is asked for once, and each answer is looked up in the map of the result: the cost is
+// linear in the parts of the inputs and their images.
+//
+// An answer that is not in the result is left out: operations also name intermediate shapes that a
+// later step took away. A part that an operation does not mention is its own image if the result
+// has it. So the laws of OdModelerFate hold whatever an operation answers: images exist, are of the
+// same type, rise, and occur once.
 #include "platform/modeler_occt/occt_history.h"
 
 #include <BRepBuilderAPI_MakeShape.hxx>
 #include <BRepTools_History.hxx>
 #include <TopTools_ListOfShape.hxx>
 #include <algorithm>
+
+#include "platform/modeler_occt/occt_guard.h"
 
 namespace od_occt {
 namespace {
@@ -26,8 +38,6 @@ OdModelerSubent findSubent(const Topology& topology, const TopoDS_Shape& shape) 
   return {};
 }
 
-// The operation is asked in this order because it tells nothing of what it did not touch: such a
-// part is in the result as it was.
 template <class Operation>
 OdModelerFate fateOf(Operation& operation, const TopoDS_Shape& old, OdModelerSubentType type,
                      const Topology& result) {
@@ -79,11 +89,6 @@ OdModelerHistory historyOf(Operation& operation, std::span<const OdModelerBodyPt
 
 }  // namespace
 
-OdModelerHistory collectHistory(BRepBuilderAPI_MakeShape& operation,
-                                std::span<const OdModelerBodyPtr> inputs, const Body& result) {
-  return historyOf(operation, inputs, result);
-}
-
 OdModelerHistory collectHistory(BRepTools_History& history,
                                 std::span<const OdModelerBodyPtr> inputs, const Body& result) {
   return historyOf(history, inputs, result);
@@ -111,6 +116,20 @@ OdModelerBodyAttributes inheritAttributes(std::span<const OdModelerBodyPtr> inpu
     }
   }
   return result;
+}
+
+OdStatus takeOutcome(const char* name, BRepBuilderAPI_MakeShape& operation,
+                     const OdModelerBodyPtr& input, OdModelerBodyPtr& result,
+                     OdModelerHistory* history) {
+  const std::shared_ptr<const Body> plain = bodyOf(operation.Shape());
+  if (!plain) return failure(eModelerError, name, "nothing came out");
+  if (OdStatus sound = checkShape(plain->shape()); !sound.ok()) {
+    return {eModelerInvalidBody, OdString(name) + L": " + sound.text};
+  }
+  OdModelerHistory fates = historyOf(operation, {&input, 1}, *plain);
+  result = plain->withAttributes(inheritAttributes({&input, 1}, fates));
+  if (history != nullptr) *history = std::move(fates);
+  return {};
 }
 
 }  // namespace od_occt

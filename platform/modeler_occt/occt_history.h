@@ -11,9 +11,8 @@ class BRepTools_History;
 
 namespace od_occt {
 
-/// What became of each subentity of the inputs in `result`, asked of the operation that made it.
-OdModelerHistory collectHistory(BRepBuilderAPI_MakeShape& operation,
-                                std::span<const OdModelerBodyPtr> inputs, const Body& result);
+/// What became of each subentity of the inputs in `result`, which an operation with this history
+/// made.
 OdModelerHistory collectHistory(BRepTools_History& history,
                                 std::span<const OdModelerBodyPtr> inputs, const Body& result);
 
@@ -22,5 +21,12 @@ OdModelerHistory collectHistory(BRepTools_History& history,
 /// colour of its own takes that.
 OdModelerBodyAttributes inheritAttributes(std::span<const OdModelerBodyPtr> inputs,
                                           const OdModelerHistory& history);
+
+/// The end of an operation on one body that has been built: checks the outcome as a whole, and
+/// gives the body with its attributes, and its history where that is wanted. `name` is for
+/// messages.
+OdStatus takeOutcome(const char* name, BRepBuilderAPI_MakeShape& operation,
+                     const OdModelerBodyPtr& input, OdModelerBodyPtr& result,
+                     OdModelerHistory* history);
 
 }  // namespace od_occt

@@ -1,4 +1,17 @@
 // Joins curved faces by building the joined face anew.
+//
+// Two curved faces belong together when they share an edge that must not stay and lie on one turned
+// surface. This relation is closed under chains, so the groups to join are the classes of a
+// union-find over the faces, with one union for each such edge. Each group becomes one face
+// (occt_rebuild_face.h), which replaces it in the shape.
+//
+// Rounds. Replacing a group changes edges that neighbouring groups share: those must see the
+// copies, and the ends of the new seam. So a round joins groups without common edges only, applies
+// the changes, and leaves the rest to the next round, which starts from the new shape.
+//
+// Why it ends: a round that joins a group lowers the number of faces. A group that cannot be joined
+// has its inner edges kept from then on, and is no group in a later round. A round that joins
+// nothing is the last one. A round costs one walk over the curved faces and their edges.
 #include "platform/modeler_occt/occt_join_curved.h"
 
 #include <BRepTools_ReShape.hxx>
@@ -27,7 +40,8 @@ struct Use {
   TopoDS_Edge edge;  // as it is oriented there
 };
 
-// Quick, and may be wrong about a trimmed one.
+// Looks at the stored surface only. A plane inside a trimmed surface passes for a curved one, which
+// haveOneTurnedSurface sorts out.
 bool isPlane(const TopoDS_Face& face) {
   TopLoc_Location location;
   return BRep_Tool::Surface(face, location)->IsKind(STANDARD_TYPE(Geom_Plane));
@@ -159,8 +173,6 @@ void keepApart(const FaceGroup& group, Simplified& outcome) {
   for (const EdgeOfFace& inner : group.inner) outcome.kept.Add(inner.edge);
 }
 
-// Groups that share an edge take turns: the next one is to see copies of it, and where the seam
-// ends.
 bool joinOneRound(Simplified& outcome) {
   TopTools_MapOfShape touched;
   const Handle(BRepTools_ReShape) changes = new BRepTools_ReShape;

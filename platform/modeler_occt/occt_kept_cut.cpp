@@ -1,4 +1,4 @@
-// The subtraction that an intersection leaves behind.
+// The subtraction that an intersection has computed.
 #include "platform/modeler_occt/occt_kept_cut.h"
 
 #include <BOPAlgo_PaveFiller.hxx>

@@ -1,4 +1,4 @@
-// The subtraction that an intersection leaves behind, for the caller who wants it next.
+// The subtraction that an intersection has computed, for the call that asks for it next.
 #pragma once
 
 #include <memory>
@@ -33,7 +33,8 @@ struct FinishedBoolean {
 ///
 /// Why the kept cut is right: it is given out for the same input bodies only, by identity and in
 /// their order. Bodies never change, and they are held, so that no other body can come to lie at
-/// the address of one of them. Nothing else goes into a subtraction without a tolerance of its own.
+/// the address of one of them. A subtraction within the modeller's own tolerance depends on nothing
+/// else.
 ///
 /// It lives until the next boolean of the modeller, which takes or drops it, and so holds the
 /// memory of one operation at most. Safe to use from several threads: the boolean of another thread

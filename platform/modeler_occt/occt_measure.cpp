@@ -22,9 +22,8 @@ namespace od_occt {
 namespace {
 
 // Relative error of integrals over each face where they are refined step by step. The plain Gauss
-// rule of the modeller does well for elementary outlines only: it was off by 1e-4 on an elliptic
-// hole. The
-// centroid, which is not refined on its own, follows to about 1e-5 of the size.
+// rule of the modeller is accurate for elementary outlines only: measured, it is off by 1e-4 on an
+// elliptic hole. The centroid is not refined on its own; it is right to about 1e-5 of the size.
 constexpr double kIntegralAccuracy = 1e-9;
 
 struct FaultName {
@@ -32,7 +31,7 @@ struct FaultName {
   const char* text;
 };
 
-// The faults that operations and imports produce in practice; others are told by number.
+// The faults that operations and imports produce in practice; others are named by their number.
 constexpr FaultName kFaults[] = {
     {BRepCheck_InvalidPointOnCurve, "a vertex is off its curve"},
     {BRepCheck_InvalidPointOnSurface, "a vertex is off its surface"},

@@ -82,8 +82,7 @@ class Modeler final : public OdModeler {
 std::shared_ptr<OdModeler> odCreateOcctModeler() { return std::make_shared<od_occt::Modeler>(); }
 
 void odInstallOcctModeler() {
-  // What the modeller has to say reaches the caller as a status; its console lines would only
-  // spoil the output of the program.
+  // Callers get a status; console lines of the modeller would only spoil the program's output.
   Message::DefaultMessenger()->ChangePrinters().Clear();
   odSetModeler(odCreateOcctModeler());
 }

@@ -39,7 +39,7 @@ OdStatus chamfer(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges, 
 OdStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
                      OdModelerBodyPtr& result, OdModelerHistory* history);
 
-// occt_serialise.cpp
+// occt_body_serialise.cpp
 OdStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result);
 
 // step_import.cpp, step_export.cpp

@@ -1,4 +1,28 @@
 // Builds one face over adjacent faces of one surface of revolution.
+//
+// The idea. In the parameters of such a surface, the angle u and the height v, the joined face is a
+// region of the strip between u = 0 and u = 2 pi. Both borders of the strip are one curve in space,
+// the seam. So one surface is chosen for the face, every edge of the boundary is brought into the
+// strip as a curve of its parameters (a trace), and the stretches of the seam that lie inside the
+// face are added, each once on either border. These edges bound the region without gaps.
+//
+//   1. boundary (addBoundary): the trace of an edge is mapped from the surface of its own face to
+//      the chosen one, divided where it passes the seam, and shifted by whole turns into the strip.
+//      Ends on the seam are noted.
+//   2. seam (addSeam): the noted vertices divide the seam into stretches. No boundary passes
+//   through
+//      a stretch, so it is inside the face as a whole or not at all, and its middle decides.
+//   3. area (buildArea): the modeller finds the region that all these edges bound.
+//
+// Why it is right. The traces are exact: one surface in two parametrisations differs by a turn, a
+// shift and reversals, which map curves to curves of the same kind. A wrong choice cannot pass: an
+// outcome counts only when there is one region, it uses every edge, and the modeller's own check
+// finds the face sound. Faces and edges of the group belong to bodies that never change, so edges
+// that must differ are replaced by copies.
+//
+// Which surface to take is a question of what has the fewest new edges; rebuildFace tries the
+// choices in the order of its laws. There is a fixed number of them, so it ends. Each costs one
+// trace per edge of the boundary and one classification per stretch of the seam.
 #include "platform/modeler_occt/occt_rebuild_face.h"
 
 #include <BOPAlgo_BuilderFace.hxx>
@@ -32,7 +56,7 @@ namespace od_occt {
 namespace {
 
 constexpr double kTurn = 2.0 * std::numbers::pi;
-constexpr int kMostTurns = 16;      // to vertices that have nothing to commend them
+constexpr int kMostTurns = 16;      // of the seam to plain vertices, each of which costs a try
 constexpr double kLeastGap = 1e-6;  // rad; above what tolerances of vertices span
 
 /// A curve in the parameters of a surface, with the part of it that an edge has.
@@ -86,7 +110,7 @@ enum class Passing { kRefused, kDivided };  // of an edge of the boundary that p
 /// One try to build the face, on the surface of one of the group.
 class FaceBuilder {
  public:
-  /// On the surface of `reference`, turned about its axis: its seam goes along.
+  /// On the surface of `reference`, turned about its axis together with its seam.
   FaceBuilder(const FaceGroup& group, const TopoDS_Face& reference, double turn, Passing passing)
       : m_group(group),
         m_reference(reference),
@@ -186,7 +210,7 @@ bool FaceBuilder::addBoundary(const EdgeOfFace& edge, RebuiltFace& result) {
   const TopAbs_Orientation orientation = onSurface(edge.edge);
   const double tolerance = BRep_Tool::Tolerance(edge.edge);
   if (!BRep_Tool::SameRange(edge.edge) || !BRep_Tool::SameParameter(edge.edge)) return false;
-  // An edge that was a seam has two traces, and needs to be told which one is meant.
+  // An edge that was a seam has two traces and cannot serve as it is: only one of them is meant.
   bool isAsItWas =
       parts.size() == 1 && isDefinedHere(edge.face) && !BRep_Tool::IsClosed(edge.edge, edge.face);
   ReplacedEdge replaced{edge.edge, {}};
@@ -201,8 +225,8 @@ bool FaceBuilder::addBoundary(const EdgeOfFace& edge, RebuiltFace& result) {
   return true;
 }
 
-// A pole belongs to one face, and all angles meet in it: its trace goes from seam to seam, whatever
-// seam it was made for.
+// A pole belongs to one face, and all angles meet in it. Its trace runs from one border of the
+// strip to the other; shifted to the start of the strip it does so for any seam.
 bool FaceBuilder::addPole(const TopoDS_Edge& edge, Trace trace) {
   const auto [low, high] = anglesOf(trace);
   if (std::abs(high - low - kTurn) > Precision::PConfusion()) return false;
@@ -274,8 +298,9 @@ std::vector<Part> FaceBuilder::partsOf(const TopoDS_Edge& edge, const Trace& tra
   return parts;
 }
 
-// Shifts the trace to the turn that starts at the seam; false when it leaves that. A trace that
-// runs along the seam is at its start or end as the face is to the left of it.
+// Shifts the trace by whole turns into the strip; false when it reaches beyond that. A trace along
+// the seam fits on either border: the face lies to the left of an edge, so a rising trace is on the
+// far border and a falling one on the near border.
 bool FaceBuilder::putIntoTurn(Trace& trace, TopAbs_Orientation orientation,
                               double tolerance) const {
   const double middle = trace.at(0.5).X();
@@ -321,8 +346,8 @@ void FaceBuilder::orderVertices() {
   m_onSeam.erase(rest.begin(), rest.end());
 }
 
-// No boundary passes through a stretch between neighbouring vertices: it is inside as its middle
-// is.
+// Stretches that the boundary runs along are edges of the face already. For the others the middle
+// decides.
 bool FaceBuilder::isInside(const Stretch& stretch) const {
   if (std::ranges::any_of(m_taken, [&](double v) { return stretch.has(v); })) return false;
   const gp_Pnt middle = pointAt({0.0, stretch.middle()});
@@ -355,8 +380,7 @@ void FaceBuilder::addSeam(const Stretch& stretch, RebuiltFace& result) {
   result.seams.push_back(std::move(seam));
 }
 
-// The modeller leaves out edges that do not close: then it is not the face that is sought. Nor is
-// one that it does not find sound itself.
+// The modeller leaves out edges that do not close. An area that lacks an edge is not the face.
 bool FaceBuilder::buildArea(RebuiltFace& result) const {
   TopoDS_Face whole;
   BRep_Builder().MakeFace(whole, m_surface, m_location, m_tolerance);
@@ -400,10 +424,11 @@ std::vector<double> FaceBuilder::anchors() const {
   return anchors;
 }
 
-// The angle in the middle of the widest gap, if any.
+// The angle in the middle of the widest gap between the spans, if there is a gap. One sweep in
+// rising order: `reach` is the greatest angle that is taken so far.
 std::optional<double> freeAngle(const std::vector<AngleSpan>& spans) {
   if (spans.empty()) return std::nullopt;
-  // The last ones may reach over the full turn.
+  // Spans that pass the full turn take up angles at its start.
   double reach = std::ranges::max(spans, {}, &AngleSpan::high).high - kTurn;
   AngleSpan widest;
   for (const auto& [low, high] : spans) {
@@ -414,7 +439,7 @@ std::optional<double> freeAngle(const std::vector<AngleSpan>& spans) {
   return 0.5 * (widest.low + widest.high);
 }
 
-// An edge that is to stay although both its faces are of the group.
+// An edge between two faces of the group that must stay. The joined face would have it inside.
 bool hasSlit(const FaceGroup& group) {
   TopTools_MapOfShape edges;
   return !std::ranges::all_of(group.boundary,

@@ -46,9 +46,9 @@ struct RebuiltFace {
 /// 1. on a surface whose seam meets the boundary at vertices only;
 /// 2. for faces that do not go all around, on one that is turned until its seam passes them by;
 /// 3. on one that has parts of its seam in or between the faces, edges of the boundary divided;
-/// 4. on one that is turned so that its seam goes on where that of a neighbour ends;
+/// 4. on one that is turned so that its seam continues that of a neighbour;
 /// 5. on any of the others, and last on one that is turned to one of the first vertices.
-/// False, and `result` is of no use, when none works. Nothing of the group is changed.
+/// False, with `result` undefined, when none works. Nothing of the group is changed.
 bool rebuildFace(const FaceGroup& group, RebuiltFace& result);
 
 }  // namespace od_occt

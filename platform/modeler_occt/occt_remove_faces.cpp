@@ -1,8 +1,11 @@
 // Taking faces off a body and closing it again, with the history.
+//
+// The modeller extends the neighbours of the faces and trims them where they meet. Where they do
+// not meet it leaves the faces in place and only warns; a warning is a failure here, so that a
+// success always means that the faces are off.
 #include <BRepAlgoAPI_Defeaturing.hxx>
 
 #include "platform/modeler_occt/occt_body.h"
-#include "platform/modeler_occt/occt_bridge.h"
 #include "platform/modeler_occt/occt_guard.h"
 #include "platform/modeler_occt/occt_history.h"
 #include "platform/modeler_occt/occt_operations.h"
@@ -33,17 +36,9 @@ OdStatus defeature(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces
   operation.SetRunParallel(Standard_False);
   operation.SetToFillHistory(Standard_True);
   operation.Build();
-  // Faces whose neighbours do not meet are left in place with a warning.
   if (!operation.IsDone() || operation.HasErrors() || operation.HasWarnings())
     return failure(eModelerError, kName, "the neighbours of the faces do not close the body");
-  const OdModelerBodyPtr plain = odBodyFromOcct(operation.Shape());
-  if (!plain) return failure(eModelerError, kName, "nothing came out");
-  if (OdStatus sound = checkShape(asOcct(*plain).shape()); !sound.ok())
-    return {eModelerInvalidBody, OdString(kName) + L": " + sound.text};
-  OdModelerHistory fates = collectHistory(operation, {&body, 1}, asOcct(*plain));
-  result = plain->withAttributes(inheritAttributes({&body, 1}, fates));
-  if (history != nullptr) *history = std::move(fates);
-  return {};
+  return takeOutcome(kName, operation, body, result, history);
 }
 
 }  // namespace

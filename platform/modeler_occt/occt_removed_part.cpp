@@ -1,4 +1,13 @@
 // The part that a cut takes away, put together from what the cut has computed anyway.
+//
+// To cut, the modeller divides the faces of base and tool where they meet, and takes those pieces
+// that bound the result. The part that is taken away is bounded by the other pieces of the base's
+// faces, and by the pieces of the tool's faces that bound the result too, seen from their other
+// side. Both lists are at hand, and only the solid has to be closed over them: a fraction of a
+// second intersection.
+//
+// This holds where every piece bounds the part on one side. Where faces of base and tool coincide,
+// or the part has a cavity, it may not; isPlain refuses such an outcome, and the caller intersects.
 #include "platform/modeler_occt/occt_removed_part.h"
 
 #include <BOPAlgo_MakerVolume.hxx>
@@ -21,7 +30,8 @@ void appendParts(const TopoDS_Shape& face, BRepAlgoAPI_Cut& cut, TopTools_ListOf
   for (const TopoDS_Shape& part : *images) parts.Append(part);
 }
 
-// Its boundary: what the base has lost of its faces, and what the cut has of the tool's.
+// The boundary of the part: pieces of the base's faces that the result lacks, and pieces of the
+// tool's faces that it has.
 TopTools_ListOfShape boundaryOf(BRepAlgoAPI_Cut& cut, const TopTools_ListOfShape& bases,
                                 const TopTools_ListOfShape& tools) {
   TopTools_IndexedMapOfShape left;

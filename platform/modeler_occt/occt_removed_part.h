@@ -8,9 +8,9 @@ class BRepAlgoAPI_Cut;
 
 namespace od_occt {
 
-/// What solids `bases` and `tools` have in common, after `cut` took the one from the other and
-/// before its result is simplified. Null when nothing is in common, and when it is not plainly
-/// told: the caller intersects then.
+/// The common part of the solids `bases` and `tools`, after `cut` subtracted the tools and before
+/// its result is simplified. Null when there is none, or when the faces do not bound it plainly:
+/// the caller then intersects.
 TopoDS_Shape removedPart(BRepAlgoAPI_Cut& cut, const TopTools_ListOfShape& bases,
                          const TopTools_ListOfShape& tools);
 

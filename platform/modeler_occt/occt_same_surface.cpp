@@ -1,4 +1,4 @@
-// Tells faces of one surface, and leads from the parameters of one to those of the other.
+// Whether faces lie on one surface, and the map from the parameters of one to those of the other.
 #include "platform/modeler_occt/occt_same_surface.h"
 
 #include <BRepAdaptor_Surface.hxx>
@@ -22,7 +22,7 @@ bool isSamePlane(const gp_Pln& a, const gp_Pln& b) {
 
 bool isCoaxial(const gp_Ax1& a, const gp_Ax1& b) { return a.IsCoaxial(b, kAngular, kLinear); }
 
-// Where a surface of revolution stands.
+// The position of a surface of revolution.
 std::optional<gp_Ax3> positionOf(const BRepAdaptor_Surface& surface) {
   switch (surface.GetType()) {
     case GeomAbs_Cylinder:
@@ -80,8 +80,10 @@ Handle(Geom2d_Curve) ParameterMap::operator()(const Handle(Geom2d_Curve) & curve
   return Handle(Geom2d_Curve)::DownCast(curve->Transformed(mapping));
 }
 
-// The angle u turns about the common axis. What v measures goes along it, or, on a sphere or torus,
-// is an angle above the middle: the sense of the axis decides.
+// Both surfaces have one axis, up to its sense. u is the angle about it: the starts of the angles
+// differ by a turn, and opposite senses reverse it. v is a length along the axis, or on a sphere or
+// torus an angle from the middle plane: opposite senses reverse it, and the origins of a cylinder
+// or cone differ by a shift. A left-handed position reverses u once more.
 std::optional<ParameterMap> parameterMap(const TopoDS_Face& from, const TopoDS_Face& to) {
   const BRepAdaptor_Surface s(from, Standard_False);
   const BRepAdaptor_Surface t(to, Standard_False);

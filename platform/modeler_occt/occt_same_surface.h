@@ -1,4 +1,4 @@
-// Tells faces of one surface, and leads from the parameters of one to those of the other.
+// Whether faces lie on one surface, and the map from the parameters of one to those of the other.
 #pragma once
 
 #include <Geom2d_Curve.hxx>
@@ -9,11 +9,11 @@
 namespace od_occt {
 
 /// Whether both faces lie on one surface, within the modeller's own measures of what is one point
-/// and one direction. Free-form surfaces count as one when there are two of them: there is no
-/// telling cheaply.
+/// and one direction. Two free-form surfaces always count as one: a comparison would cost too
+/// much.
 bool haveOneSurface(const TopoDS_Face& a, const TopoDS_Face& b);
 
-/// Leads from the parameters of a surface of revolution to those of the same surface with another
+/// The map from the parameters of a surface of revolution to those of the same surface with another
 /// origin, start of the angle or sense of the axis.
 struct ParameterMap {
   bool reversesU = false;

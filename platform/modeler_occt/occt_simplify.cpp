@@ -1,4 +1,20 @@
 // Joins what a boolean brought together.
+//
+// A boolean leaves faces of one surface side by side where parts of different inputs meet. They are
+// to be one face, but not those that were side by side in an input: an imported cylinder in two
+// halves keeps its halves. So the borders to keep are found first, in the inputs, and followed to
+// the outcome:
+//   - in the base, every edge between two faces of one surface, and every vertex where nothing but
+//     two edges of one border meet;
+//   - in a tool, such edges too, but only those that are connected with kept edges of the base. A
+//     piece that was cut out and is put back continues the border of the part; a tool of its own
+//     does not add borders to the part.
+// All other borders go: first those of curved faces (occt_join_curved.h), then, by the modeller's
+// own unification, those of planes and of edges. The history of each step is merged into that of
+// the boolean, so that one lookup leads from an input to the outcome.
+//
+// Following the borders of a tool takes passes over the edges that are still open, until a pass
+// connects none; each pass but the last takes one away, so it ends. Tools have few such edges.
 #include "platform/modeler_occt/occt_simplify.h"
 
 #include <BRepAdaptor_Surface.hxx>
@@ -29,7 +45,7 @@ bool partsOneSurface(const Topology& topology, std::size_t edge) {
                         TopoDS::Face(topology.faces(static_cast<int>(faces[1]))));
 }
 
-// Two open edges between the same faces meet there, and nothing else does.
+// Two open edges between the same two faces meet at the vertex, and no other edge does.
 bool partsOneBorder(const Topology& topology, std::size_t vertex) {
   const std::vector<OdUInt32>& edges = topology.edgesOfVertex[vertex];
   if (edges.size() != 2 ||
@@ -44,7 +60,7 @@ bool partsOneBorder(const Topology& topology, std::size_t vertex) {
   return true;
 }
 
-// What became of a part of an input before anything is joined.
+// Visits what the boolean made of a part of an input.
 template <class Visit>
 void visitImages(BRepAlgoAPI_BooleanOperation& operation, const TopoDS_Shape& part,
                  const Visit& visit) {
@@ -71,7 +87,7 @@ class Borders {
     }
   }
 
-  /// Those that go on from what is kept already.
+  /// Edges that continue a kept border, directly or through others.
   void keepOfTool(const Topology& tool) {
     if (m_ends.IsEmpty()) return;
     TopTools_ListOfShape open;
@@ -83,7 +99,7 @@ class Borders {
     for (bool found = true; found;) {
       found = false;
       for (TopTools_ListOfShape::Iterator it(open); it.More();) {
-        if (!goesOn(it.Value())) {
+        if (!continuesKept(it.Value())) {
           it.Next();
           continue;
         }
@@ -94,7 +110,7 @@ class Borders {
     }
   }
 
-  /// Those at which a curved face ends.
+  /// All edges of curved faces.
   void keepOfCurves(const TopoDS_Shape& outcome) {
     TopTools_IndexedDataMapOfShapeListOfShape facesOfEdge;
     TopExp::MapShapesAndAncestors(outcome, TopAbs_EDGE, TopAbs_FACE, facesOfEdge);
@@ -114,7 +130,7 @@ class Borders {
     m_ends.Add(TopExp::FirstVertex(TopoDS::Edge(edge)));
     m_ends.Add(TopExp::LastVertex(TopoDS::Edge(edge)));
   }
-  bool goesOn(const TopoDS_Shape& edge) const {
+  bool continuesKept(const TopoDS_Shape& edge) const {
     return m_ends.Contains(TopExp::FirstVertex(TopoDS::Edge(edge))) ||
            m_ends.Contains(TopExp::LastVertex(TopoDS::Edge(edge)));
   }

@@ -19,16 +19,16 @@ struct Simplified {
   TopTools_MapOfShape kept;  ///< edges at which faces stay apart, vertices at which edges do
   bool leftApart = false;    ///< faces that should have been joined may be side by side
 
-  /// Takes what a step has made of the shape.
+  /// Continues with the shape that a step made, and follows `kept` to it.
   void advance(const TopoDS_Shape& now, const Handle(BRepTools_History) & step);
 };
 
 enum class FacesToJoin { kNone, kPlanes, kAll };
 
 /// Joins faces of one surface, and edges of one curve, that meet in the outcome of the operation.
-/// What stood side by side in the base stays apart: an imported part may have a cylinder in two
-/// halves, and keeps them; so does what stood side by side in a tool and goes on from there, as in
-/// a piece that was cut out and is put back. With no faces to join the outcome is as it is.
+/// Faces that were side by side in the base stay apart: a part that was imported with a cylinder in
+/// two halves keeps them. So do those of a tool whose border continues such a border, as in a piece
+/// that was cut out and is put back. With FacesToJoin::kNone the outcome stays as it is.
 Simplified simplified(BRepAlgoAPI_BooleanOperation& operation,
                       std::span<const OdModelerBodyPtr> inputs, FacesToJoin faces, bool unifyEdges);
 

@@ -1,5 +1,11 @@
 // A check of the binary shape form before its reader sees it.
 //
+// The checker is the grammar below, one function per rule, in one pass without going back. Each
+// rule takes its bytes in order and refuses a value that the reader could not bear; nothing is
+// allocated but one byte per part. It ends: every loop takes at least one byte per round, and a
+// count is at most the number of bytes left. Rules that contain themselves (trimmed and offset
+// geometry) nest kMaxNesting deep at the most.
+//
 // The form, version 3 without triangulations; numbers are little-endian, "int" has 4 bytes:
 //
 //   empty line, then the line kTitle
@@ -200,16 +206,10 @@ class FormChecker {
 
   // ---- Curves and surfaces.
 
-  // One point or direction; directions follow the first one, and no frame has a null direction.
+  // A point, then directions.
   void vectors(unsigned dimension, unsigned howMany) {
-    for (unsigned v = 0; v < howMany; ++v) {
-      double square = 0.0;
-      for (unsigned i = 0; i < dimension; ++i) {
-        const double value = real();
-        square += value * value;
-      }
-      require(v == 0 || std::abs(square - 1.0) < 1e-3, "direction that is not of length 1");
-    }
+    reals(dimension);
+    for (unsigned v = 1; v < howMany; ++v) direction(dimension);
   }
 
   bool fixed(std::span<const FixedRow> rows, unsigned dimension, OdUInt8 type) {
@@ -239,16 +239,16 @@ class FormChecker {
         return curve(dimension, depth + 1);
       case 9:
         real();
-        if (dimension == 3) direction();
+        if (dimension == 3) direction(3);
         return curve(dimension, depth + 1);
       default:
         fail("kind of curve");
     }
   }
 
-  void direction() {
+  void direction(unsigned dimension) {
     double square = 0.0;
-    for (unsigned i = 0; i < 3; ++i) {
+    for (unsigned i = 0; i < dimension; ++i) {
       const double value = real();
       square += value * value;
     }
@@ -311,7 +311,7 @@ class FormChecker {
     if (fixed(kQuadrics, 3, type)) return;
     switch (type) {
       case 6:
-        direction();
+        direction(3);
         return curve(3, depth + 1);
       case 7:
         vectors(3, 2);

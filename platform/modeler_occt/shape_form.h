@@ -7,11 +7,11 @@
 
 namespace od_occt {
 
-/// The shape reader believes every index and count that it meets. This check follows the same form
-/// and refuses what would lead the reader astray: counts beyond the bytes, indices of things that
-/// are not there, parts of a kind that the whole cannot have, numbers that are not finite, splines
-/// whose knots do not fit their poles, bytes left over. eCorruptData with the position of the
-/// fault. It says nothing about whether the parts fit together in space: see Body::check().
+/// The shape reader trusts every index and count. This check follows the same form and refuses
+/// counts beyond the bytes, indices of missing items, parts of a kind that the whole cannot have,
+/// numbers that are not finite, splines whose knots do not fit their poles, and bytes left over.
+/// eCorruptData with the position of the fault. Whether the parts fit together in space is for
+/// Body::check().
 OdStatus checkShapeForm(std::string_view bytes);
 
 }  // namespace od_occt

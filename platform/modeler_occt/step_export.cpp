@@ -94,7 +94,7 @@ class DocumentBuilder {
     return {};
   }
 
-  // A shape with a location would become an occurrence of a product without a name.
+  // The writer makes an unnamed product of a shape that has a location.
   static TopoDS_Shape wholeOf(const std::vector<OdModelerBodyPtr>& bodies) {
     if (bodies.size() == 1 && asOcct(*bodies.front()).shape().Location().IsIdentity()) {
       return asOcct(*bodies.front()).shape();
@@ -194,7 +194,7 @@ class DocumentBuilder {
 
 // ---- The file.
 
-// Nothing in the header tells where or when the file was written.
+// A header without place and time, so that one assembly gives one file.
 void neutralHeader(STEPCAFControl_Writer& writer) {
   const Handle(StepData_StepModel) model = writer.ChangeWriter().Model();
   APIHeaderSection_MakeHeader header(model);
@@ -208,7 +208,7 @@ void neutralHeader(STEPCAFControl_Writer& writer) {
   header.SetAuthorisation(text(""));
 }
 
-// The writer numbers occurrences by a counter of the process: they are numbered anew.
+// Numbers the occurrences from 1. The writer takes the numbers from a counter of the process.
 void numberOccurrences(const StepData_StepModel& model) {
   int number = 0;
   for (int i = 1; i <= model.NbEntities(); ++i) {
@@ -244,9 +244,11 @@ class EntityOrder {
   std::vector<Handle(Standard_Transient)> m_order;
 };
 
-// The colours of each product follow all geometry, as a block per product; the writer takes the
-// products in the order of their addresses, and the first one to use a colour holds it. The blocks
-// are put into the order of the products' geometric contexts, and what is in them follows.
+// Puts the entities of the file into an order that depends on the assembly alone. The writer
+// appends the colours as one block per product, in the order of the products' addresses in memory,
+// and the first block that uses a colour defines it. Here the blocks are sorted by the numbers of
+// the products' geometric contexts, which are in the order of the geometry, and a walk along the
+// references from each block places its contents. One walk over all entities.
 void orderColors(const Handle(StepData_StepModel) & model) {
   using Block = StepVisual_MechanicalDesignGeometricPresentationRepresentation;
   std::vector<Handle(Block)> blocks;
@@ -267,7 +269,7 @@ void orderColors(const Handle(StepData_StepModel) & model) {
   for (const Handle(Standard_Transient) & entity : entities) model->AddEntity(entity);
 }
 
-// Characters outside of ASCII as the escapes that every reader knows; the writer leaves them as
+// Replaces characters outside of ASCII by the escapes that every reader knows. The writer puts out
 // UTF-8, which only the newest edition of the format allows.
 std::string escaped(const std::string& text) {
   std::string result;

@@ -190,8 +190,8 @@ class Collector {
     return index;
   }
 
-  // A product may have several representations: they come as components that have no name because
-  // they are no products. Their content belongs to the product itself.
+  // Several representations of one product arrive as components without a name. They are no
+  // products; their content belongs to the product itself.
   void addContent(OdUInt32 product, const TDF_Label& label, const gp_Trsf& placement) {
     if (!XCAFDoc_ShapeTool::IsAssembly(label)) {
       addBodies(product, label, placement);

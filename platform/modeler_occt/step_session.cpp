@@ -1,4 +1,4 @@
-// What STEP import and export share: the lock, the settings and a document without application.
+// The common part of STEP import and export: lock, settings and a document without application.
 #include "platform/modeler_occt/step_session.h"
 
 #include <Interface_Static.hxx>
@@ -45,7 +45,7 @@ StepSession::StepSession() : m_lock(sessionMutex()) {
   STEPCAFControl_Controller::Init();
   for (const Setting& row : kSettings) Interface_Static::SetCVal(row.name, row.value);
   for (const Switch& row : kSwitches) Interface_Static::SetIVal(row.name, row.value);
-  // A label without a name of its own must stay so: it tells bodies from products.
+  // Labels of bodies must stay without a name: that is how import knows them from products.
   XCAFDoc_ShapeTool::SetAutoNaming(Standard_False);
   m_document = new TDocStd_Document("BinXCAF");
   m_shapes = XCAFDoc_DocumentTool::ShapeTool(m_document->Main());

@@ -1,4 +1,4 @@
-// What STEP import and export share: the lock, the settings and a document without application.
+// The common part of STEP import and export: lock, settings and a document without application.
 #pragma once
 
 #include <TDocStd_Document.hxx>

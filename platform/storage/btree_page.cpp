@@ -1,4 +1,8 @@
 // Pages and rows of a SQLite table tree.
+//
+// Every offset, size and count comes from the page and may be wrong. Each is compared with the
+// bytes that are there before it is used, and views never reach beyond their page or payload:
+// whatever the bytes are, reading them gives a row or false.
 #include "platform/storage/btree_page.h"
 
 #include <array>

@@ -1,4 +1,14 @@
 // A fresh file that takes a drawing's place.
+//
+// The order of the steps is what makes a replacement safe at any moment of a kill or power loss:
+//   1. the whole content is written to a temporary file, which nothing reads under its name;
+//   2. the content is synced: after a renaming without it, a power loss could leave an empty file
+//      under the drawing's name;
+//   3. an interrupted save of the old file is undone and its side files are removed: SQLite would
+//      apply an old journal to the new file;
+//   4. rename, which is atomic: the name leads to the old file or to the new one;
+//   5. the folder is synced: from here on a power loss cannot bring the old file back.
+// The old file stays locked from step 3 to 4, so that no other program saves in between.
 #include "platform/storage/file_replacement.h"
 
 #include <cerrno>
@@ -62,7 +72,7 @@ OdStatus FileReplacement::create(TargetLock lock) {
     error = fileOps().createExclusive(path);
     if (error == 0) {
       m_temporary = path;
-      // Before there is content: nobody may read a private drawing while it is saved.
+      // Before there is content: a private drawing must not be readable while it is saved.
       return takeAttributes(info);
     }
     if (error != EEXIST) break;
@@ -110,14 +120,14 @@ OdStatus FileReplacement::takeAttributes(const OdStoreFileInfo& info) {
                     : systemFailure(error, m_target, "taking over the file's permissions");
 }
 
-/// Also undoes an interrupted save of the target: its journal must not meet the new file.
+/// Takes the write lock of the target. Also undoes an interrupted save of it.
 OdStatus FileReplacement::lockTarget(Connection& connection) {
   OdStatus status =
       connection.open(m_target, ConnectionMode::kReadWrite, m_environment->connection);
   if (!status.ok() || !usesRollbackJournal(connection)) return status;
   status = connection.configure();
   if (status.ok()) status = connection.execute("BEGIN IMMEDIATE", "replacing the file");
-  // A damaged drawing may be replaced: nothing in it can be lost that SQLite could still read.
+  // A damaged drawing may be replaced: SQLite could not read it anyway.
   if (status.code == eCorruptData || status.code == eNotADrawing) return {};
   return status;
 }

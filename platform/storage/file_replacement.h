@@ -18,7 +18,7 @@ struct StoreEnvironment {
 
 /// Who holds the write lock of the file that is replaced.
 enum class TargetLock {
-  kTake,  ///< nobody: it is taken for the moment of replacement
+  kTake,  ///< no store of ours: it is taken for the moment of replacement
   kHeld,  ///< the caller
 };
 
@@ -32,15 +32,14 @@ class FileReplacement {
   FileReplacement(const FileReplacement&) = delete;
   FileReplacement& operator=(const FileReplacement&) = delete;
 
-  [[nodiscard]] const std::string& target() const { return m_target; }
   [[nodiscard]] const std::string& temporary() const { return m_temporary; }
 
   /// Creates the empty temporary file ".<name>.<16 random hex digits>.tmp" with the permissions of
   /// the file it will replace. Refuses a target that could not be replaced, before any work was
-  /// done for it. A process that is killed leaves the temporary file behind; nothing ever reads it.
+  /// done for it. A process that is killed leaves the temporary file; nothing ever reads it.
   OdStatus create(TargetLock lock);
   /// Puts the complete, closed temporary file durably in the target's place. Permissions of a
-  /// replaced file are kept. eFileLocked when somebody has the target open for writing.
+  /// replaced file are kept. eFileLocked when another store has the target open for writing.
   OdStatus replaceTarget(TargetLock lock);
   /// Removes the temporary file.
   void discard();

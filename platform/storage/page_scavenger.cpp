@@ -1,4 +1,24 @@
 // Finds the intact rows of a damaged drawing file.
+//
+// The idea. A row carries the checksum of all its columns, so it proves by itself that it is
+// intact, wherever it is found. Finding it needs no trust in the pages around it.
+//
+//   1. walkTrees: from the fixed roots down, as far as pages and their links are sound. This finds
+//      the present version of each row. A broken link costs the rows below it, and is reported with
+//      the span of their keys.
+//   2. searchLostPages: every page that no tree reached is read as a leaf, if it looks like one.
+//   This
+//      finds the rows below broken links, and may find older versions of rows. Free pages are
+//      skipped when the list of them is whole: they hold rows that were erased.
+//   3. emit: of several versions of a row, one from a tree wins; the others come in the order of
+//      their pages. Chosen rows are read again, since holding them all would need the file's size
+//      in memory.
+//
+// Why it ends, whatever the pages claim: a page counts as visited before its children are walked
+// and is never walked twice; chains of overflow pages are limited by the size that the row claims,
+// by the number of pages, and over a phase by m_overflowBudget, so that many rows which claim the
+// same long chain cannot make the search quadratic. Only a row whose checksum is right marks its
+// overflow pages as visited. Time and memory are linear in the size of the file.
 #include "platform/storage/page_scavenger.h"
 
 #include <algorithm>
@@ -60,18 +80,13 @@ bool PageScavenger::readPage(std::uint32_t number, Page& page) const {
   return isPage(number) && m_file.readFile(page.data(), page.size(), offset) == SQLITE_OK;
 }
 
-void PageScavenger::damage(const std::string& line) {
-  m_isDamaged = true;
-  m_report(line);
-}
-
 void PageScavenger::lostSpan(std::uint32_t number, const char* why, KeySpan keys) {
   std::string line = "page " + std::to_string(number) + " " + why;
   if (keys.first != kFirstKey || keys.last != kLastKey) {
     line += ", it held the rows from " + handleText(static_cast<OdUInt64>(keys.first)) + " to " +
             handleText(static_cast<OdUInt64>(keys.last));
   }
-  damage(line);
+  m_report(line);
 }
 
 // --- Phase 1: trees ------------------------------------------------------------------------------
@@ -103,8 +118,8 @@ void PageScavenger::walkInterior(const TreePage& page, std::uint32_t number, std
   for (std::size_t i = 0; i < page.cellCount(); ++i) {
     TreePage::InteriorCell cell;
     if (!page.interiorCell(i, cell)) {
-      damage("page " + std::to_string(number) + " is damaged: entry " + std::to_string(i) +
-             " lies outside of it");
+      m_report("page " + std::to_string(number) + " is damaged: entry " + std::to_string(i) +
+               " lies outside of it");
       continue;
     }
     walkPage(cell.child, depth + 1, {first, cell.key});
@@ -120,8 +135,8 @@ void PageScavenger::collectLeaf(const TreePage& page, std::uint32_t number, bool
     TreePage::LeafCell cell;
     const bool isNamed =
         page.leafCell(i, cell) && readPayload(cell) && decodeRow(cell.key, m_payload, row);
-    damage((isNamed ? rowName(row) : "row " + std::to_string(i)) + " on page " +
-           std::to_string(number) + " is damaged");
+    m_report((isNamed ? rowName(row) : "row " + std::to_string(i)) + " on page " +
+             std::to_string(number) + " is damaged");
   }
 }
 
@@ -179,8 +194,8 @@ void PageScavenger::searchLostPages() {
   }
 }
 
-/// Free pages hold rows that were erased long ago. They are left out when the list of them is
-/// sound; otherwise it could hide pages that are needed.
+/// Marks the pages of the free list as visited: they hold rows that were erased. A list that is
+/// damaged marks nothing, since it could hide pages that are needed.
 void PageScavenger::markFreePages() {
   Page bytes;
   if (!readPage(1, bytes)) return;
@@ -205,7 +220,7 @@ void PageScavenger::markFreePages() {
 
 // --- Phase 3: what was found ---------------------------------------------------------------------
 
-/// One row per key: from the tree before from elsewhere, else from the earliest page.
+/// Keeps one row per key: the one from a tree, else the one from the earliest page.
 void PageScavenger::sortRows() {
   std::stable_sort(m_rows.begin(), m_rows.end(), [](const Place& a, const Place& b) {
     return std::tuple(a.table, a.key, !a.fromTree) < std::tuple(b.table, b.key, !b.fromTree);
@@ -218,16 +233,16 @@ void PageScavenger::sortRows() {
       continue;
     }
     if (previous->sum == place.sum || (previous->fromTree && !place.fromTree)) continue;
-    damage("two versions of row " + handleText(place.key) + " on pages " +
-           std::to_string(previous->page) + " and " + std::to_string(place.page) +
-           ", the first one was taken");
+    m_report("two versions of row " + handleText(place.key) + " on pages " +
+             std::to_string(previous->page) + " and " + std::to_string(place.page) +
+             ", the first one was taken");
   }
   m_rows.resize(kept);
 }
 
 void PageScavenger::emit(const std::function<void(const StoredRow&)>& visit) {
   sortRows();
-  // Every row is read a second time: holding all their bytes would need the file's size in memory.
+  // Rows that were found are intact: their chains are as long as their contents.
   m_overflowBudget = std::numeric_limits<std::uint64_t>::max();
   Page bytes;
   std::uint32_t inMemory = 0;

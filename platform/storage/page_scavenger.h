@@ -12,25 +12,24 @@
 
 namespace odstorage {
 
-/// Walks the trees as far as they hold together, then looks through the pages that no tree
-/// reaches. A row counts as found when its checksum is right; of two versions of a row the one in
-/// the tree is taken. Time and memory grow with the file's size only, whatever its pages claim.
+/// Walks the trees as far as they are sound, then searches the pages that no tree reaches. A row is
+/// found when its checksum is right; of two versions of a row the one in the tree is taken. Time
+/// and memory grow with the file's size only, whatever its pages claim.
 class PageScavenger {
  public:
   using Report = std::function<void(const std::string&)>;
 
-  /// `file` needs to be open only; nothing is read through SQL.
+  /// `file` is open and need not be configured; nothing is read through SQL.
   PageScavenger(const Connection& file, Report report);
 
   /// Phase 1: the rows that the trees of the three tables reach.
   void walkTrees();
   /// Phase 2: intact rows of pages that are neither in a tree nor free. Fills what phase 1 missed.
   void searchLostPages();
-  /// Phase 3: hands out all rows that were found: variables, classes, then objects in rising
-  /// unsigned order of handles. Rows die after the call.
+  /// Phase 3: visits all rows that were found: variables, classes, then objects in rising unsigned
+  /// order of handles. A row is valid during the call only.
   void emit(const std::function<void(const StoredRow&)>& visit);
 
-  [[nodiscard]] bool isDamaged() const { return m_isDamaged; }
   [[nodiscard]] std::size_t rowCount() const { return m_rows.size(); }
 
  private:
@@ -55,7 +54,6 @@ class PageScavenger {
   bool readPayload(const TreePage::LeafCell& cell);
   void markFreePages();
   void sortRows();
-  void damage(const std::string& line);
   void lostSpan(std::uint32_t number, const char* why, KeySpan keys);
   [[nodiscard]] bool readPage(std::uint32_t number, Page& page) const;
   [[nodiscard]] bool isPage(std::uint32_t number) const {
@@ -71,7 +69,6 @@ class PageScavenger {
   std::vector<char> m_overflowed;
   std::string_view m_payload;
   std::vector<Place> m_rows;
-  bool m_isDamaged = false;
 };
 
 }  // namespace odstorage

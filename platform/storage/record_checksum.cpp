@@ -9,7 +9,8 @@ namespace odstorage {
 
 namespace {
 
-/// Tables never share checksums: a row that strayed into another table is not taken for one of it.
+/// The kind enters the checksum, so that a row found in the wrong table is not taken for a row of
+/// it.
 enum class RowKind : std::uint64_t { kObject = 1, kClass = 2, kVariable = 3 };
 
 /// The content is hashed by itself and enters the row's hash with the columns beside it.

@@ -1,4 +1,13 @@
-// Bringing back what is intact of a damaged drawing file.
+// Recovery of the intact contents of a damaged drawing file.
+//
+// Two ways, the second only where the first fails on the content of the file:
+//   1. takeWholeFile reads the file as any reader does, checking each row and the digests. A file
+//      whose last save was interrupted is whole after SQLite has undone that save, so this way must
+//      come first: its pages alone would give a mixture of two states.
+//   2. takeIntactRows collects intact rows from the pages (page_scavenger.h). The state row has the
+//      number of rows that were saved and the sum of their checksums; comparing them with what was
+//      found says whether anything is missing, or is there in an older state.
+// Failures that say nothing about the content, such as a lock or a missing file, end the recovery.
 #include "platform/storage/recovery.h"
 
 #include "platform/storage/page_scavenger.h"
@@ -33,8 +42,8 @@ bool isOutside(const OdStatus& status) {
   }
 }
 
-/// Hands out everything of a file that is whole. Nothing is handed out before all of it was read
-/// once, so that a failure leaves the sink untouched.
+/// Passes on everything of a file that is whole. The file is read twice: the first pass only
+/// checks, so that a failure leaves the sink untouched.
 OdStatus takeWholeFile(SqliteStore& store, OdDbRecoverySink& sink) {
   OdStatus status = store.openExisting(OdDbStoreOpenMode::kReadOnly);
   if (status.ok()) status = store.readAll([](const OdDbRecordView&) { return true; });
@@ -47,7 +56,7 @@ OdStatus takeWholeFile(SqliteStore& store, OdDbRecoverySink& sink) {
   });
 }
 
-/// Sums up what was handed out and compares it with the state row.
+/// Passes rows on, sums up their checksums and compares the sums with the state row.
 class Harvest {
  public:
   explicit Harvest(OdDbRecoverySink& sink) : m_sink(sink) {}
@@ -68,7 +77,7 @@ class Harvest {
 
   void reportLosses() const {
     if (!m_hasState) {
-      return m_sink.lost("the state row is lost: whether records are missing cannot be told");
+      return m_sink.lost("the state row is lost: it is not known whether records are missing");
     }
     report("records", m_objects, m_state.objects);
     report("classes and variables", m_names, m_state.names);

@@ -1,4 +1,4 @@
-// Bringing back what is intact of a damaged drawing file.
+// Recovery of the intact contents of a damaged drawing file.
 #pragma once
 
 #include <memory>
@@ -8,9 +8,9 @@
 
 namespace odstorage {
 
-/// Hands every intact class, variable and record of the file to `sink`, in this order, and tells
-/// it line by line what is lost. First through SQLite, which also undoes an interrupted save; when
-/// that does not give everything, from the pages of the file itself.
+/// Passes every intact variable, class and record of the file to `sink`, in this order, and reports
+/// line by line what is lost. First it reads through SQLite, which also undoes an interrupted save;
+/// when that does not give everything, it reads the pages of the file itself.
 OdStatus recoverDrawing(const std::shared_ptr<const StoreEnvironment>& environment,
                         const std::string& path, OdDbRecoverySink& sink);
 

@@ -72,8 +72,8 @@ inline constexpr std::array<std::string_view, static_cast<std::size_t>(Sql::kCou
 /// own.
 OdStatus createSchema(Connection& connection);
 
-/// Compares the schema with kTables: exactly these tables and nothing else. With `isNewer` other
-/// plain tables and indexes may stand beside them. eCorruptData names what does not belong.
+/// Compares the schema with kTables: exactly these tables and nothing else. With `isNewer` there
+/// may be other plain tables and indexes. eCorruptData names an entry that a drawing does not have.
 OdStatus checkSchema(Connection& connection, bool isNewer);
 
 /// Brings the tables from `version` to the present one, step by step, in the running transaction.

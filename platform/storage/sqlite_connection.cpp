@@ -50,7 +50,7 @@ struct LimitRow {
   int value;
 };
 
-/// What a drawing needs and no more; the rest of SQLite's reach is closed to hostile files.
+/// What a drawing needs and no more: hostile files can use nothing else of SQLite.
 constexpr LimitRow kLimitRows[] = {
     {SQLITE_LIMIT_LENGTH, static_cast<int>(kMaxRowBytes)},
     {SQLITE_LIMIT_SQL_LENGTH, 4096},
@@ -65,12 +65,12 @@ constexpr LimitRow kLimitRows[] = {
 /// a page is first read.
 constexpr const char* kGuardPragmas = "PRAGMA trusted_schema=OFF;PRAGMA cell_size_check=ON;";
 
-/// EXTRA syncs the folder after the journal is gone: a save that was reported is never undone by a
-/// power loss. Costs one more sync than FULL, measured within the noise of a commit.
+/// EXTRA syncs the folder after the journal is removed: a power loss never undoes a save that was
+/// reported. Costs one more sync than FULL; measured, that is within the noise of a commit.
 constexpr const char* kWriterPragmas =
     "PRAGMA synchronous=EXTRA;PRAGMA secure_delete=FAST;PRAGMA temp_store=MEMORY;";
 
-/// Nobody else sees a fresh file before it is complete, synced and renamed.
+/// No other program reads a fresh file before it is complete, synced and renamed.
 constexpr const char* kFreshPragmas =
     "PRAGMA page_size=4096;PRAGMA auto_vacuum=NONE;PRAGMA encoding='UTF-8';"
     "PRAGMA locking_mode=EXCLUSIVE;PRAGMA journal_mode=OFF;PRAGMA synchronous=OFF;"

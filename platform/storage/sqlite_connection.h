@@ -67,7 +67,7 @@ class StatementScope {
 enum class ConnectionMode {
   kReadOnly,
   kReadWrite,
-  /// A fresh file that nobody else knows: no journal, no syncs, no shared locks.
+  /// A fresh file that no other program reads: no journal, no syncs, no shared locks.
   kFreshFile,
 };
 
@@ -110,9 +110,9 @@ class Connection {
   /// Reads bytes of the file itself, below SQLite's cache. Short reads give zeros.
   /// SQLITE_OK, SQLITE_IOERR_SHORT_READ or another failure.
   int readFile(void* target, std::size_t size, std::int64_t offset) const;
-  /// Size of the file in bytes; 0 when it cannot be told.
+  /// Size of the file in bytes; 0 when the system does not give it.
   [[nodiscard]] std::int64_t fileSize() const;
-  /// True when the open file no longer stands under its path.
+  /// True when the open file is no longer the one at its path.
   [[nodiscard]] bool hasMoved() const;
 
  private:

@@ -60,8 +60,8 @@ void SqliteStore::releaseHeldRecord() {
   m_heldStatement = nullptr;
 }
 
-/// A reader has no lock between its calls; what it reads must belong to the state it opened.
-/// Called while a statement holds the read lock.
+/// A reader has no lock between its calls, so another program may have saved since it opened the
+/// file. Called while a statement holds the read lock.
 OdStatus SqliteStore::checkUnchanged() {
   if (!isReadOnly() || m_connection.dataVersion() == m_dataVersion) return {};
   m_unusable = fail(eFileChanged, "another program saved the file since it was opened");
@@ -126,9 +126,10 @@ OdStatus SqliteStore::checkRow(const Statement& row, OdDbRecordView& record) {
   return {};
 }
 
-/// A record that is not found although its neighbours are out of order was lost to a damaged inner
-/// page of the tree: the search was led astray. Costs two more searches on a miss, and tells
-/// damage from absence without a walk over the file.
+/// Distinguishes a record that is absent from one that cannot be found because an inner page of the
+/// tree is damaged. A search in a sound tree ends between two neighbours of the key; one that a
+/// damaged page misled ends elsewhere. Costs two more searches on a miss, and no walk over the
+/// file.
 OdStatus SqliteStore::checkNeighbours(std::int64_t key) {
   for (const Sql sql : {Sql::kNextHandle, Sql::kPreviousHandle}) {
     Statement* row = nullptr;
@@ -199,7 +200,7 @@ OdStatus SqliteStore::checkDigest(const RowSetDigest& digest) {
 OdStatus SqliteStore::readAll(const std::function<bool(const OdDbRecordView&)>& visit) {
   RowSetDigest digest;
   bool stopped = false;
-  // A walk comes to each page once: a large cache would only lie scattered among what is loaded.
+  // A walk reads each page once. A large cache would only scatter the memory of what is loaded.
   constexpr int kWalkCacheKiB = 256;
   OdStatus status = checkUsable();
   if (status.ok()) status = m_connection.setCacheSize(kWalkCacheKiB);
@@ -216,7 +217,7 @@ OdStatus SqliteStore::readAll(const std::function<bool(const OdDbRecordView&)>& 
   return status.ok() && !stopped ? checkDigest(digest) : status;
 }
 
-/// The data stays unread: the digest is formed of the stored checksums.
+/// Reads no data: the digest is formed from the stored checksums.
 OdStatus SqliteStore::listRecords(
     const std::function<bool(OdUInt64 handle, OdUInt32 classId, OdUInt64 owner, std::size_t size)>&
         visit) {

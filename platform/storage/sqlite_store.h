@@ -21,7 +21,7 @@ namespace odstorage {
 ///  - read-only: every call reads the file under a lock of its own and holds none between calls;
 ///  - for writing: one transaction with the write lock is always open, so that a second writer is
 ///    refused from the start, reads need no lock calls, and a save is the commit of it;
-///  - fresh (from create() until commitSave()): a temporary file that nobody else knows.
+///  - fresh (from create() until commitSave()): a temporary file that no other program reads.
 class SqliteStore final : public OdDbRecordStore {
  public:
   explicit SqliteStore(std::shared_ptr<const StoreEnvironment> environment, OdString givenPath,
@@ -32,8 +32,8 @@ class SqliteStore final : public OdDbRecordStore {
 
   /// Opens the existing file. Called once, on a new store.
   OdStatus openExisting(OdDbStoreOpenMode mode);
-  /// Starts the fresh file that will replace the path. `lock` says who holds the lock of what
-  /// stands there. Called once, on a new store.
+  /// Starts the fresh file that will replace the file at the path. `lock` says who holds the lock
+  /// of that file. Called once, on a new store.
   OdStatus startFresh(TargetLock lock);
 
   [[nodiscard]] OdString path() const override { return m_givenPath; }
@@ -78,6 +78,7 @@ class SqliteStore final : public OdDbRecordStore {
   OdStatus checkFile();
   OdStatus loadNames();
   OdStatus loadVariables(RowSetDigest& digest);
+  OdStatus checkVariableRow(const Statement& row, const std::string& what) const;
   OdStatus loadClasses(RowSetDigest& digest);
   OdStatus loadStateRow(std::int64_t id, std::string_view value);
   OdStatus findMaxHandle();
@@ -98,6 +99,8 @@ class SqliteStore final : public OdDbRecordStore {
   // Saving.
   OdStatus checkSaving();
   OdStatus findSum(OdUInt64 handle, bool& exists, std::uint64_t& sum);
+  [[nodiscard]] OdStatus checkClassLimits(const OdDbStoredClass& item, bool exists) const;
+  [[nodiscard]] OdStatus checkVariableLimits(const OdDbStoredVariable& item, bool exists) const;
   OdStatus writeClass(Sql sql, const OdDbStoredClass& item, std::uint64_t sum);
   OdStatus writeVariable(Sql sql, std::int64_t id, std::string_view key, std::string_view value,
                          std::uint64_t sum);
@@ -106,6 +109,7 @@ class SqliteStore final : public OdDbRecordStore {
   OdStatus commitExisting();
   void abandonSave();
   OdStatus takeWriteLock();
+  OdStatus lockForReplacing(const std::string& doing);
   OdStatus copyAllTo(SqliteStore& target);
 
   OdStatus statement(Sql sql, Statement*& prepared);

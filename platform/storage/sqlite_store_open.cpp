@@ -1,4 +1,8 @@
 // Opening of a drawing file: from the path to a store that has read nothing but the names.
+//
+// openExisting() runs the steps in the order in which trust grows: the file's own bytes before
+// SQLite looks at it, its schema before a row is read, the state row and the digest of classes and
+// variables before anything is handed out. Objects are checked when they are read.
 #include <limits>
 #include <utility>
 
@@ -80,7 +84,7 @@ OdStatus SqliteStore::configureConnection() {
   return status;
 }
 
-/// A reader may not write, so a second connection undoes the save that was interrupted.
+/// A reading connection may not write, so a second one undoes the interrupted save.
 OdStatus SqliteStore::undoInterruptedSave() {
   Connection writer;
   OdStatus status = writer.open(m_path, ConnectionMode::kReadWrite, m_environment->connection);
@@ -125,23 +129,11 @@ OdStatus SqliteStore::loadVariables(RowSetDigest& digest) {
   int code = rows->step();
   for (; code == SQLITE_ROW; code = rows->step()) {
     const std::int64_t id = rows->integer(0);
-    const std::string what = "header row " + std::to_string(id);
-    if (!rows->hasType(1, SQLITE_TEXT) || !rows->hasType(2, SQLITE_INTEGER) ||
-        !rows->hasType(3, SQLITE_BLOB)) {
-      return fail(eCorruptData, what + " is damaged: its columns have other types");
-    }
-    status = checkNameSize(m_path, "key of " + what, rows->size(1), kMaxVariableKeyBytes);
-    if (status.ok()) status = checkNameSize(m_path, what, rows->size(3), kMaxVariableBytes);
-    if (status.ok() && m_variables.size() >= kMaxVariables) {
-      status = fail(eLimitExceeded, "the file has more than " + std::to_string(kMaxVariables) +
-                                        " drawing variables");
-    }
+    status = checkVariableRow(*rows, "header row " + std::to_string(id));
     if (!status.ok()) return status;
-
     const std::string_view key = rows->bytes(1);
     const std::string_view value = rows->bytes(3);
     const auto sum = static_cast<std::uint64_t>(rows->integer(2));
-    if (sum != variableChecksum(id, key, value)) return nameDamaged(m_path, what);
     if (id == kStateRowId) {
       status = loadStateRow(id, value);
       if (!status.ok()) return status;
@@ -157,6 +149,24 @@ OdStatus SqliteStore::loadVariables(RowSetDigest& digest) {
   }
   if (code != SQLITE_DONE) return m_connection.translate(code, kReadingNames);
   return hasState ? OdStatus{} : fail(eCorruptData, "the state row is missing");
+}
+
+OdStatus SqliteStore::checkVariableRow(const Statement& row, const std::string& what) const {
+  if (!row.hasType(1, SQLITE_TEXT) || !row.hasType(2, SQLITE_INTEGER) ||
+      !row.hasType(3, SQLITE_BLOB)) {
+    return fail(eCorruptData, what + " is damaged: its columns have other types");
+  }
+  OdStatus status = checkNameSize(m_path, "key of " + what, row.size(1), kMaxVariableKeyBytes);
+  if (status.ok()) status = checkNameSize(m_path, what, row.size(3), kMaxVariableBytes);
+  if (!status.ok()) return status;
+  if (m_variables.size() >= kMaxVariables) {
+    return fail(eLimitExceeded,
+                "the file has more than " + std::to_string(kMaxVariables) + " drawing variables");
+  }
+  const auto sum = static_cast<std::uint64_t>(row.integer(2));
+  if (sum != variableChecksum(row.integer(0), row.bytes(1), row.bytes(3)))
+    return nameDamaged(m_path, what);
+  return {};
 }
 
 OdStatus SqliteStore::loadStateRow(std::int64_t id, std::string_view value) {

@@ -1,4 +1,17 @@
 // The record store on SQLite: saving and compaction.
+//
+// A save of an existing file is the commit of one transaction, which SQLite makes atomic with its
+// journal. The steps of a save (put, remove) write their rows at once and keep the state row's
+// digests up to date in memory; the commit writes the state row last. A step that fails is
+// remembered and makes the commit fail, so a file never gets half of a save. Nothing is read but
+// the old checksums of rows that are replaced.
+//
+// A fresh file needs no journal: it is not read before it is complete, and takes its place by the
+// steps of file_replacement.h. Compaction is a fresh file with the rows of the present one.
+//
+// The write lock is held from the opening on, and taken again at once after a commit. Between the
+// two another program can save; the data version shows that, and the next save here is refused
+// instead of overwriting it.
 #include <algorithm>
 #include <tuple>
 #include <utility>
@@ -56,8 +69,8 @@ OdStatus SqliteStore::commitFresh() {
 
 // --- Save ----------------------------------------------------------------------------------------
 
-/// Takes the write lock, unless it is held already, and makes sure that nobody saved since this
-/// store last had it.
+/// Takes the write lock, unless it is held already. eFileChanged when another program saved since
+/// this store last had it.
 OdStatus SqliteStore::takeWriteLock() {
   if (m_hasWriteLock) return {};
   OdStatus status = m_connection.execute("BEGIN IMMEDIATE", "opening for writing");
@@ -98,7 +111,7 @@ OdStatus SqliteStore::noteSaveFailure(OdStatus status) {
   return status;
 }
 
-/// Records above the greatest handle are new for sure and need no search.
+/// The checksum of a stored record. Handles above the greatest one are new and need no search.
 OdStatus SqliteStore::findSum(OdUInt64 handle, bool& exists, std::uint64_t& sum) {
   exists = false;
   if (handle > m_maxHandle) return {};
@@ -170,16 +183,7 @@ OdStatus SqliteStore::removeRecord(OdUInt64 handle) {
 
 // --- Classes and variables -----------------------------------------------------------------------
 
-OdStatus SqliteStore::putClass(const OdDbStoredClass& item) {
-  OdStatus status = checkSaving();
-  if (!status.ok()) return status;
-  const auto found =
-      std::lower_bound(m_classes.begin(), m_classes.end(), item.id,
-                       [](const OdDbStoredClass& stored, OdUInt32 id) { return stored.id < id; });
-  const auto index = found - m_classes.begin();
-  const bool exists = found != m_classes.end() && found->id == item.id;
-  if (exists && found->value == item.value) return {};
-
+OdStatus SqliteStore::checkClassLimits(const OdDbStoredClass& item, bool exists) const {
   if (item.id == 0) return fail(eInvalidInput, "a class with number 0 cannot be saved");
   if (item.value.size() > kMaxClassBytes) {
     return fail(eLimitExceeded, "class " + std::to_string(item.id) + " has " +
@@ -191,6 +195,21 @@ OdStatus SqliteStore::putClass(const OdDbStoredClass& item) {
                                     " cannot be saved: there are " + std::to_string(kMaxClasses) +
                                     " classes already");
   }
+  return {};
+}
+
+OdStatus SqliteStore::putClass(const OdDbStoredClass& item) {
+  OdStatus status = checkSaving();
+  if (!status.ok()) return status;
+  const auto found =
+      std::lower_bound(m_classes.begin(), m_classes.end(), item.id,
+                       [](const OdDbStoredClass& stored, OdUInt32 id) { return stored.id < id; });
+  const auto index = found - m_classes.begin();
+  const bool exists = found != m_classes.end() && found->id == item.id;
+  if (exists && found->value == item.value) return {};
+
+  status = checkClassLimits(item, exists);
+  if (!status.ok()) return status;
   const std::uint64_t sum = classChecksum(item.id, item.value);
   status = writeClass(exists ? Sql::kUpdateClass : Sql::kInsertClass, item, sum);
   if (!status.ok()) return noteSaveFailure(status);
@@ -217,13 +236,7 @@ OdStatus SqliteStore::writeClass(Sql sql, const OdDbStoredClass& item, std::uint
   return m_connection.translate(row->run(), kSaving);
 }
 
-OdStatus SqliteStore::putVariable(const OdDbStoredVariable& item) {
-  OdStatus status = checkSaving();
-  if (!status.ok()) return status;
-  const auto found = m_variableIndex.find(item.key);
-  const bool exists = found != m_variableIndex.end();
-  if (exists && m_variables[found->second].value == item.value) return {};
-
+OdStatus SqliteStore::checkVariableLimits(const OdDbStoredVariable& item, bool exists) const {
   const std::string what = "variable \"" + item.key + "\"";
   if (item.key.empty() || item.key.size() > kMaxVariableKeyBytes) {
     return fail(eInvalidInput, what + " cannot be saved: its name has " +
@@ -239,6 +252,18 @@ OdStatus SqliteStore::putVariable(const OdDbStoredVariable& item) {
     return fail(eLimitExceeded, what + " cannot be saved: there are " +
                                     std::to_string(kMaxVariables) + " variables already");
   }
+  return {};
+}
+
+OdStatus SqliteStore::putVariable(const OdDbStoredVariable& item) {
+  OdStatus status = checkSaving();
+  if (!status.ok()) return status;
+  const auto found = m_variableIndex.find(item.key);
+  const bool exists = found != m_variableIndex.end();
+  if (exists && m_variables[found->second].value == item.value) return {};
+
+  status = checkVariableLimits(item, exists);
+  if (!status.ok()) return status;
   const std::size_t index = exists ? found->second : m_variables.size();
   const std::int64_t lastId = m_variableRows.empty() ? kStateRowId : m_variableRows.back().id;
   const std::int64_t id = exists ? m_variableRows[index].id : lastId + 1;
@@ -297,8 +322,8 @@ OdStatus SqliteStore::commitExisting() {
       abandonSave();
       return status;
     }
-    // The next save begins at once, so that nobody else's can come between. When somebody was
-    // quicker this save still stands, and the next one finds out.
+    // The lock is taken again at once. Where another program was quicker, this save is done all the
+    // same, and the next one reports the change.
     m_hasWriteLock = false;
     m_dataVersion = m_connection.dataVersion();
     std::ignore = takeWriteLock();
@@ -313,8 +338,8 @@ void SqliteStore::rollbackSave() {
   abandonSave();
 }
 
-/// Takes everything back that was done since beginSave(). A store whose fresh file is gone, or
-/// that cannot return to the saved state, is not usable any more.
+/// Undoes everything since beginSave(). A store that loses its fresh file by that, or cannot return
+/// to the saved state, is not usable any more.
 void SqliteStore::abandonSave() {
   m_isSaving = false;
   if (m_fresh != nullptr) {
@@ -334,19 +359,24 @@ void SqliteStore::abandonSave() {
   if (!status.ok()) m_unusable = status;
 }
 
-OdStatus SqliteStore::createReplacement(std::unique_ptr<OdDbRecordStore>& store) {
-  store.reset();
+/// Holds the write lock of the file at the path afterwards.
+OdStatus SqliteStore::lockForReplacing(const std::string& doing) {
   OdStatus status = checkUsable();
   if (!status.ok()) return status;
-  if (isReadOnly())
-    return fail(eReadOnlyDatabase, "replacing failed: the file is open for reading");
-  if (m_isSaving) return fail(eInvalidOpenState, "replacing failed: a save is running");
+  if (isReadOnly()) return fail(eReadOnlyDatabase, doing + " failed: the file is open for reading");
+  if (m_isSaving) return fail(eInvalidOpenState, doing + " failed: a save is running");
   status = takeWriteLock();
-  if (!status.ok()) return status;
-  if (m_connection.hasMoved()) {
+  if (status.ok() && m_connection.hasMoved()) {
     return fail(eFileChanged,
-                "replacing failed: the file was moved or replaced since it was opened");
+                doing + " failed: the file was moved or replaced since it was opened");
   }
+  return status;
+}
+
+OdStatus SqliteStore::createReplacement(std::unique_ptr<OdDbRecordStore>& store) {
+  store.reset();
+  OdStatus status = lockForReplacing("replacing");
+  if (!status.ok()) return status;
   auto fresh = std::make_unique<SqliteStore>(m_environment, m_givenPath, m_path);
   status = fresh->startFresh(TargetLock::kHeld);
   if (status.ok()) store = std::move(fresh);
@@ -356,24 +386,15 @@ OdStatus SqliteStore::createReplacement(std::unique_ptr<OdDbRecordStore>& store)
 // --- Compaction ----------------------------------------------------------------------------------
 
 OdStatus SqliteStore::compact() {
-  OdStatus status = checkUsable();
+  OdStatus status = lockForReplacing("compacting");
   if (!status.ok()) return status;
-  if (isReadOnly())
-    return fail(eReadOnlyDatabase, "compacting failed: the file is open for reading");
-  if (m_isSaving) return fail(eInvalidOpenState, "compacting failed: a save is running");
-  status = takeWriteLock();
-  if (!status.ok()) return status;
-  if (m_connection.hasMoved()) {
-    return fail(eFileChanged,
-                "compacting failed: the file was moved or replaced since it was opened");
-  }
   {
     SqliteStore fresh(m_environment, m_givenPath, m_path);
     status = fresh.startFresh(TargetLock::kHeld);
     if (status.ok()) status = copyAllTo(fresh);
     if (status.ok()) status = fresh.commitSave();
-    // Replaced or not, is seen from the path: a failure before the renaming leaves this store as
-    // it was.
+    // A failure before the renaming leaves the file in its place and this store as it was. After
+    // it, the store must open the new file, whatever failed then.
     if (!status.ok() && !m_connection.hasMoved()) return status;
   }
   closeConnection();

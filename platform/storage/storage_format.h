@@ -12,7 +12,7 @@
 //     the objects and once for classes and variables, so that a row that vanished, came back or
 //     exists twice is noticed even though every remaining row is sound.
 //  3. Handles are unsigned; SQLite stores the same 64 bits as a signed key, so handles from 2^63
-//     on lie before the others in the tree. Listings start with the non-negative keys.
+//     on come before the others in the tree. Listings start with the non-negative keys.
 //  4. A change of the file is one transaction, or a fresh file that is renamed over the old one.
 #pragma once
 
