@@ -9,9 +9,8 @@
 //   1. boundary (addBoundary): the trace of an edge is mapped from the surface of its own face to
 //      the chosen one, divided where it passes the seam, and shifted by whole turns into the strip.
 //      Ends on the seam are noted.
-//   2. seam (addSeam): the noted vertices divide the seam into stretches. No boundary passes
-//   through
-//      a stretch, so it is inside the face as a whole or not at all, and its middle decides.
+//   2. seam (addSeam): the noted vertices divide the seam into stretches. The boundary does not
+//      pass through a stretch, so all of it is inside the face or none: its middle decides.
 //   3. area (buildArea): the modeller finds the region that all these edges bound.
 //
 // Why it is right. The traces are exact: one surface in two parametrisations differs by a turn, a

@@ -7,8 +7,7 @@
 //      the present version of each row. A broken link costs the rows below it, and is reported with
 //      the span of their keys.
 //   2. searchLostPages: every page that no tree reached is read as a leaf, if it looks like one.
-//   This
-//      finds the rows below broken links, and may find older versions of rows. Free pages are
+//      This finds the rows below broken links, and may find older versions of rows. Free pages are
 //      skipped when the list of them is whole: they hold rows that were erased.
 //   3. emit: of several versions of a row, one from a tree wins; the others come in the order of
 //      their pages. Chosen rows are read again, since holding them all would need the file's size
