@@ -65,6 +65,7 @@
 #include "platform/modeler/modeler.h"
 #include "platform/modeler/step_drawing.h"
 #include "platform/rx/dynamic_linker.h"
+#include "platform/rx/memory_stream.h"
 #include "platform/rx/module.h"
 #include "platform/rx/overrule.h"
 #include "platform/rx/rx_class.h"

@@ -4,10 +4,10 @@
 #include <iterator>
 
 #include "platform/base/error.h"
+#include "platform/rx/memory_stream.h"
 #include "platform/rx/module.h"
 #include "platform/rx/overrule.h"
 #include "platform/rx/rx_class.h"
-#include "platform/rx/stream_buf.h"
 
 namespace {
 

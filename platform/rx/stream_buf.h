@@ -1,4 +1,4 @@
-// Byte streams: the interface, and streams over memory.
+// The interface of byte streams.
 #pragma once
 
 #include "platform/base/export.h"
@@ -20,7 +20,7 @@ class OD_API OdStreamBuf : public OdRxObject {
   virtual OdUInt64 tell() const = 0;
   virtual OdUInt64 length() const = 0;
   // Moves the position and returns it. Raises OdError(eInvalidInput), and stays, for a position
-  // before the start; OdError(eEndOfStream) for one behind the end.
+  // before the start; OdError(eEndOfStream) for one after the end.
   virtual OdUInt64 seek(OdInt64 offset, OdDb::FilerSeekType whence) = 0;
   void rewind() { seek(0, OdDb::kSeekFromStart); }
 
@@ -37,25 +37,3 @@ class OD_API OdStreamBuf : public OdRxObject {
   void copyDataTo(OdStreamBuf* target, OdUInt64 count);
 };
 using OdStreamBufPtr = OdSmartPtr<OdStreamBuf>;
-
-// A stream that grows in memory as it is written.
-class OD_API OdMemoryStream : public OdStreamBuf {
-  OD_RX_DECLARE_MEMBERS(OdMemoryStream)
-
-  // Grows in multiples of `pageSize` bytes at least; raises OdError(eInvalidInput) for 0.
-  static OdSmartPtr<OdMemoryStream> createNew(OdUInt32 pageSize = 0x800);
-
-  // The bytes in one piece; null when there are none. Valid until the next write.
-  virtual const OdUInt8* data() const = 0;
-  virtual void reserve(OdUInt64 size) = 0;
-};
-using OdMemoryStreamPtr = OdSmartPtr<OdMemoryStream>;
-
-// A stream over memory of somebody else, which must outlive it. Its length is fixed; truncate()
-// raises OdError(eNotImplementedForClass).
-class OD_API OdFlatMemStream : public OdStreamBuf {
-  OD_RX_DECLARE_MEMBERS(OdFlatMemStream)
-
-  static OdSmartPtr<OdFlatMemStream> createNew(void* memory, OdUInt64 size);
-};
-using OdFlatMemStreamPtr = OdSmartPtr<OdFlatMemStream>;
