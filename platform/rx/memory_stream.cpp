@@ -1,11 +1,12 @@
 // Streams over memory: one that grows, one over memory of somebody else.
+#include "platform/rx/memory_stream.h"
+
 #include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "platform/base/error.h"
-#include "platform/rx/stream_buf.h"
 
 OD_RX_DEFINE_ABSTRACT(OdMemoryStream, OdStreamBuf, L"OdMemoryStream")
 OD_RX_DEFINE_ABSTRACT(OdFlatMemStream, OdStreamBuf, L"OdFlatMemStream")

@@ -1,4 +1,4 @@
-// Byte streams: the interface, and streams over memory.
+// Byte streams: the interface.
 #pragma once
 
 #include "platform/base/export.h"
@@ -37,25 +37,3 @@ class OD_API OdStreamBuf : public OdRxObject {
   void copyDataTo(OdStreamBuf* target, OdUInt64 count);
 };
 using OdStreamBufPtr = OdSmartPtr<OdStreamBuf>;
-
-// A stream that grows in memory as it is written.
-class OD_API OdMemoryStream : public OdStreamBuf {
-  OD_RX_DECLARE_MEMBERS(OdMemoryStream)
-
-  // Grows in multiples of `pageSize` bytes at least; raises OdError(eInvalidInput) for 0.
-  static OdSmartPtr<OdMemoryStream> createNew(OdUInt32 pageSize = 0x800);
-
-  // The bytes in one piece; null when there are none. Valid until the next write.
-  virtual const OdUInt8* data() const = 0;
-  virtual void reserve(OdUInt64 size) = 0;
-};
-using OdMemoryStreamPtr = OdSmartPtr<OdMemoryStream>;
-
-// A stream over memory of somebody else, which must outlive it. Its length is fixed; truncate()
-// raises OdError(eNotImplementedForClass).
-class OD_API OdFlatMemStream : public OdStreamBuf {
-  OD_RX_DECLARE_MEMBERS(OdFlatMemStream)
-
-  static OdSmartPtr<OdFlatMemStream> createNew(void* memory, OdUInt64 size);
-};
-using OdFlatMemStreamPtr = OdSmartPtr<OdFlatMemStream>;

@@ -1,5 +1,5 @@
 // Tests of memory streams.
-#include "platform/rx/stream_buf.h"
+#include "platform/rx/memory_stream.h"
 
 #include <gtest/gtest.h>
 

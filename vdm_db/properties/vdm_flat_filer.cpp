@@ -10,6 +10,7 @@
 #include <typeinfo>
 
 #include "platform/base/error.h"
+#include "platform/rx/memory_stream.h"
 
 static_assert(std::endian::native == std::endian::little,
               "the flat form is little-endian, and numbers are copied as they are");
