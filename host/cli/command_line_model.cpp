@@ -107,7 +107,7 @@ CLI::App* addOperation(CLI::App& app, CommandRun& line, ModelCommandLine& model,
     line.run = [&line, &model, &values] {
       const Arguments arguments = argumentsOf(values);
       requireArguments(*values.operation, arguments);
-      return runOperation(line.session, model.edit, *values.operation, arguments);
+      return runOperation(line.settings, model.edit, *values.operation, arguments);
     };
   });
   return command;
@@ -119,33 +119,33 @@ void addGroupList(CLI::App* command, CommandRun& line, ModelCommandLine& model,
   command->add_flag("--list", model.listGroups, "list the groups of the drawing");
   command->callback([&line, &model, &values] {
     line.run = [&line, &model, &values] {
-      if (model.listGroups) return runGroupList(line.session, model.edit.input);
+      if (model.listGroups) return runGroupList(line.settings, model.edit.input);
       const Arguments arguments = argumentsOf(values);
       requireArguments(*values.operation, arguments);
-      return runOperation(line.session, model.edit, *values.operation, arguments);
+      return runOperation(line.settings, model.edit, *values.operation, arguments);
     };
   });
 }
 
-using ListAction = int (*)(const SessionOptions&, const std::string&);
+using ListAction = int (*)(const SessionSettings&, const std::string&);
 
 void addList(CLI::App& parent, CommandRun& line, ModelCommandLine& model, const char* purpose,
              const std::string& example, ListAction action) {
   CLI::App* command = addCommand(parent, line, "list", purpose, example);
   addInput(command, model.listInput);
   command->callback([&line, &model, action] {
-    line.run = [&line, &model, action] { return action(line.session, model.listInput); };
+    line.run = [&line, &model, action] { return action(line.settings, model.listInput); };
   });
 }
 
-using RefsAction = int (*)(const SessionOptions&, const RefsOptions&);
+using RefsAction = int (*)(const SessionSettings&, const RefsOptions&);
 
 CLI::App* addRefsAction(CLI::App& refs, CommandRun& line, ModelCommandLine& model, const char* name,
                         const char* purpose, const char* example, RefsAction action) {
   CLI::App* command = addCommand(refs, line, name, purpose, example);
   addInput(command, model.refs.input);
   command->callback([&line, &model, action] {
-    line.run = [&line, &model, action] { return action(line.session, model.refs); };
+    line.run = [&line, &model, action] { return action(line.settings, model.refs); };
   });
   return command;
 }
@@ -174,7 +174,7 @@ void addEdit(CLI::App& app, CommandRun& line, ModelCommandLine& model) {
       ->type_name("SCRIPT");
   addEditOptions(command, model, /*updates=*/true);
   command->callback([&line, &model] {
-    line.run = [&] { return runScript(line.session, model.edit, model.script); };
+    line.run = [&] { return runScript(line.settings, model.edit, model.script); };
   });
 }
 
@@ -199,7 +199,7 @@ void addRender(CLI::App& app, CommandRun& line, ModelCommandLine& model) {
   command->add_option("--block", render.block, "block to draw instead of model space")
       ->type_name("NAME");
   command->callback(
-      [&line, &model] { line.run = [&] { return runRender(line.session, model.render); }; });
+      [&line, &model] { line.run = [&] { return runRender(line.settings, model.render); }; });
 }
 
 }  // namespace

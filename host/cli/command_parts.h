@@ -12,7 +12,7 @@ namespace cli {
 
 /// What parsing leaves: the common options, and what is to run.
 struct CommandRun {
-  SessionOptions session;
+  SessionSettings settings;
   std::function<int()> run;
 };
 

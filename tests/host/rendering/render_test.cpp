@@ -3,7 +3,6 @@
 
 #include <gmock/gmock.h>
 #include <png.h>
-#include <unistd.h>
 
 #include <cstring>
 #include <filesystem>
@@ -17,6 +16,7 @@
 #include "platform/gi/drawable_overrule.h"
 #include "platform/gi/world_draw.h"
 #include "tests/support/solid_drawing_testing.h"
+#include "tests/support/test_folder.h"
 
 namespace rendering {
 namespace {
@@ -25,11 +25,6 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-std::string read(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 struct Picture {
   int width = 0;
@@ -61,23 +56,15 @@ nlohmann::json jsonOf(const std::string& glb) {
   return nlohmann::json::parse(glb.substr(20, size));
 }
 
-/// The current folder for the time of a test: a new one, which goes with all that is in it.
+/// A new folder that is the current one for the time of a test.
 class WorkingFolder {
  protected:
-  WorkingFolder()
-      : m_before(fs::current_path()),
-        m_folder(fs::temp_directory_path() / ("render_test_" + std::to_string(getpid()))) {
-    fs::create_directory(m_folder);
-    fs::current_path(m_folder);
-  }
-  ~WorkingFolder() {
-    fs::current_path(m_before);
-    fs::remove_all(m_folder);
-  }
+  WorkingFolder() : m_before(fs::current_path()) { fs::current_path(m_folder.path()); }
+  ~WorkingFolder() { fs::current_path(m_before); }
 
  private:
   fs::path m_before;
-  fs::path m_folder;
+  const TestFolder m_folder;
 };
 
 class RenderTest : public WorkingFolder, public DrawingTest {
@@ -132,7 +119,7 @@ TEST_F(RenderTest, TheSameDrawingGivesTheSameBytes) {
   for (const Render render : {Render(&renderPng), Render(&renderSvg), Render(&renderGlb)}) {
     ASSERT_EQ(render(*m_database, "one", m_options), "");
     ASSERT_EQ(render(*m_database, "two", m_options), "");
-    EXPECT_EQ(read("one"), read("two"));
+    EXPECT_EQ(readBytes("one"), readBytes("two"));
   }
 }
 
@@ -141,7 +128,7 @@ TEST_F(RenderTest, SvgHoldsOutlinesAndLabels) {
   m_options.width = 600;
   m_options.labels = {{{5, 5, 10}, "A<B & \"C\"", {1, 2, 3}}, {{9, 5, 10}, "other", {}}};
   ASSERT_EQ(renderSvg(*m_database, "a.svg", m_options), "");
-  const std::string svg = read("a.svg");
+  const std::string svg = readBytes("a.svg");
   EXPECT_THAT(svg, HasSubstr(">A&lt;B &amp; \"C\"</text>"));
   EXPECT_THAT(svg, HasSubstr("fill=\"#010203\""));
   EXPECT_THAT(svg, HasSubstr(">other</text>"));
@@ -160,7 +147,7 @@ TEST_F(RenderTest, ModelsShareTheMeshOfABlock) {
   const OdDbObjectId part =
       addReferences({OdGeMatrix3d(), OdGeMatrix3d::translation({10, 0, 0}), sheared});
   ASSERT_EQ(renderGlb(*m_database, "a.glb", m_options), "");
-  const std::string file = read("a.glb");
+  const std::string file = readBytes("a.glb");
   EXPECT_EQ(file.substr(0, 4), "glTF");
   std::uint32_t size = 0;
   std::memcpy(&size, file.data() + 8, sizeof size);
@@ -200,7 +187,7 @@ TEST_F(RenderTest, TrianglesOfAShellMayDifferInColour) {
   OdStaticRxObject<SquareOverrule> square;
   OdRxOverrule::addOverrule(OdDbLine::desc(), &square);
   ASSERT_EQ(renderGlb(*m_database, "a.glb", m_options), "");
-  const nlohmann::json model = jsonOf(read("a.glb"));
+  const nlohmann::json model = jsonOf(readBytes("a.glb"));
   EXPECT_EQ(model["meshes"][0]["primitives"].size(), 3u);  // red, blue, the outline
   EXPECT_EQ(model["meshes"][0]["primitives"][2]["mode"], 3);
   EXPECT_EQ(model["accessors"][0]["count"], 3);
@@ -223,7 +210,7 @@ TEST_F(RenderTest, RefusalsNameTheReasonAndLeaveTheFileAlone) {
   m_options.viewDirection = {0, 1, 0};
   m_options.block = m_database->getLayerZeroId();
   EXPECT_THAT(renderPng(*m_database, "a.png", m_options), HasSubstr("as block"));
-  EXPECT_EQ(read("a.png"), "old");
+  EXPECT_EQ(readBytes("a.png"), "old");
   m_options.block = {};
   EXPECT_THAT(renderPng(*m_database, "missing/a.png", m_options), HasSubstr("'missing/a.png'"));
   EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 1);

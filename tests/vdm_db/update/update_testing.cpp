@@ -82,6 +82,7 @@ UpdateTest::UpdateTest()
     : m_assertionSink([this](const VdmAssertion& assertion) {
         m_assertions.emplace_back(assertion.message.utf8());
       }) {
+  ScriptedInterface::rxInit();
   ScriptedFeature::desc()->addX(VdmUpdateFeatureInterface::desc(),
                                 ScriptedInterface::createObject());
   VdmDbFeatureManager::desc()->addX(VdmDbFeatureManagerPE::desc(),
@@ -96,6 +97,7 @@ UpdateTest::~UpdateTest() {
   VdmDbPersIdManager::desc()->delX(VdmDbPersIdManagerPE::desc());
   VdmDbFeatureManager::desc()->delX(VdmDbFeatureManagerPE::desc());
   ScriptedFeature::desc()->delX(VdmUpdateFeatureInterface::desc());
+  ScriptedInterface::rxUninit();
 }
 
 VdmDbFeatureManagerPtr UpdateTest::manager() const {

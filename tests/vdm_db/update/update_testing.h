@@ -145,7 +145,6 @@ class Recorder : public VdmUpdateObserver {
 class UpdateTest : public virtual SolidRuntime,
                    public virtual VdmModule,
                    public RegisteredClass<ScriptedFeature>,
-                   public RegisteredClass<ScriptedInterface>,
                    public DrawingTest {
  protected:
   UpdateTest();
