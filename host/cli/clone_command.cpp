@@ -187,7 +187,7 @@ void cloneEntity(const Drawings& drawings, const OdDbObjectId& id, OdDbIdMapping
   outcome.what = classNameOf(*outcome.clone.safeOpenObject());
 }
 
-/// What was cloned, and which blocks of the target stand in for those of the source.
+/// What was cloned, and which blocks of the target replace those of the source.
 void describeMapping(OdDbIdMapping& mapping, const Drawings& drawings, Outcome& outcome) {
   for (const OdDbIdMappingIterPtr it = mapping.newIterator(); !it->done(); it->next()) {
     OdDbIdPair pair;

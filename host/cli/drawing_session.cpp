@@ -22,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kModuleFile = "vdm_db.tx";
-/// Stands beside the module: naming and components.
+/// In the folder of the module: naming and components.
 constexpr const char* kHostModuleFile = "vdm_host.tx";
 
 fs::path programFolder() {
@@ -31,7 +31,7 @@ fs::path programFolder() {
   return program.parent_path();
 }
 
-/// Where the module may stand when nobody says so: beside the program's folder as built, and as
+/// Where the module is looked for by default: beside the program's folder as built, and as
 /// installed.
 std::vector<fs::path> usualModulePaths() {
   const fs::path folder = programFolder();

@@ -17,8 +17,8 @@ struct SessionSettings {
   std::string modulePath;  ///< file or folder of the module; empty: beside the program
 };
 
-/// Starts the runtime and stops it again. One at a time in a process; all drawings that it gave
-/// are gone before it goes. Failures raise CliError with one line.
+/// Starts the runtime and stops it again. One at a time in a process; it outlives its drawings.
+/// Failures raise CliError with one line.
 class DrawingSession {
  public:
   enum class Access { kRead, kWrite };

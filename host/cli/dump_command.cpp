@@ -39,7 +39,7 @@ class Writer {
   virtual void end() = 0;
 };
 
-/// One line for each value. No path and no time stand in it, so that two dumps differ exactly where
+/// One line for each value. It holds no path and no time, so that two dumps differ exactly where
 /// the drawings do.
 class TextWriter : public Writer {
  public:
@@ -57,7 +57,7 @@ class TextWriter : public Writer {
     for (const auto& [kind, value] : dump.fields) text += "  " + kind + " " + value + "\n";
     for (const auto& [key, node] : dump.properties) {
       text +=
-          "  property " + oneLine(key) + " = " + specText(node.spec) + " " + nodeText(node) + "\n";
+          "  property " + oneLine(key) + " = " + kindText(node.kind) + " " + nodeText(node) + "\n";
     }
     if (!dump.fault.empty()) text += "  unreadable: " + oneLine(dump.fault) + "\n";
     put(text);

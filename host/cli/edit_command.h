@@ -11,7 +11,7 @@ namespace cli {
 /// What all edits share.
 struct EditOptions {
   std::string input;
-  bool dryRun = false;   ///< do it, tell what happened, save nothing
+  bool dryRun = false;   ///< do it, show what happened, save nothing
   bool explain = false;  ///< reasons, phases and times
 };
 

@@ -51,23 +51,23 @@ PropertyNode nodeAt(const PropertyHome& home, const VdmProperties& properties,
 
 /// The type that a new value is read by. Open parts of `array` and `map` are taken from the present
 /// value where that is of the same type.
-PropertySpec wantedSpec(const PropsOptions& options, const std::optional<PropertySpec>& present) {
+PropertyKind wantedKind(const PropsOptions& options, const std::optional<PropertyKind>& present) {
   if (options.type.empty()) {
-    return present ? *present : PropertySpec{VdmPropertyType::kString, {}, {}};
+    return present ? *present : PropertyKind{VdmPropertyType::kString, {}, {}};
   }
-  const PropertySpec spec = parseSpec(options.type);
-  const bool open = (spec.type == VdmPropertyType::kArray || spec.type == VdmPropertyType::kMap) &&
-                    spec.element == VdmPropertyType{};
-  return open && present && present->type == spec.type ? *present : spec;
+  const PropertyKind kind = parseKind(options.type);
+  const bool open = (kind.type == VdmPropertyType::kArray || kind.type == VdmPropertyType::kMap) &&
+                    kind.element == VdmPropertyType{};
+  return open && present && present->type == kind.type ? *present : kind;
 }
 
-PropertyNode newValue(const PropsOptions& options, const std::optional<PropertySpec>& present,
+PropertyNode newValue(const PropsOptions& options, const std::optional<PropertyKind>& present,
                       const OdDbDatabase& drawing) {
   if (options.jsonValue) return parseTypedJson(*options.jsonValue, drawing);
-  const PropertySpec spec = wantedSpec(options, present);
-  const bool listed = spec.type == VdmPropertyType::kArray || spec.type == VdmPropertyType::kMap;
-  return listed ? parseBareJson(spec, *options.value, drawing)
-                : parseScalar(spec.type, *options.value, drawing);
+  const PropertyKind kind = wantedKind(options, present);
+  const bool listed = kind.type == VdmPropertyType::kArray || kind.type == VdmPropertyType::kMap;
+  return listed ? parseBareJson(kind, *options.value, drawing)
+                : parseScalar(kind.type, *options.value, drawing);
 }
 
 void checkForm(const PropsOptions& options) {
@@ -86,17 +86,17 @@ void checkForm(const PropsOptions& options) {
         "--type " + quote(options.type) + " is given beside --json-value, which has its own type",
         kWrongUsage);
   }
-  if (!options.type.empty()) static_cast<void>(parseSpec(options.type));
+  if (!options.type.empty()) static_cast<void>(parseKind(options.type));
 }
 
 void checkValue(const PropertyHome& home, const std::string& key, const PropertyNode& value,
-                const std::optional<PropertySpec>& present) {
+                const std::optional<PropertyKind>& present) {
   const std::string what = "property " + quote(key) + " of object " + home.name();
-  if (present && *present != value.spec) {
-    throw CliError(what + " is of type " + specText(*present) + ", not " + specText(value.spec));
+  if (present && *present != value.kind) {
+    throw CliError(what + " is of type " + kindText(*present) + ", not " + kindText(value.kind));
   }
   if (holdsIds(value) && !home.keepsIds()) {
-    throw CliError(what + " cannot be of type " + specText(value.spec) +
+    throw CliError(what + " cannot be of type " + kindText(value.kind) +
                    ": ids in extended data read back as null, use type handle");
   }
 }
@@ -126,7 +126,7 @@ std::string changeText(const PropertyChange& change) {
     line += nodeText(*change.after);
   }
   const PropertyNode& shown = change.after != nullptr ? *change.after : *change.before;
-  const std::string type = " (" + specText(shown.spec) + ")";
+  const std::string type = " (" + kindText(shown.kind) + ")";
   return shortened(line, kTextWidth - columnsOf(type)) + type + "\n";
 }
 
@@ -149,7 +149,7 @@ std::string propertiesText(const PropertyHome& home) {
                    {"VALUE", TextTable::Align::kLeft}});
   for (const auto& [key, data] : home.read()) {
     const PropertyNode node = toNode(data.get());
-    table.addRow({oneLine(key.utf8()), specText(node.spec), nodeText(node)});
+    table.addRow({oneLine(key.utf8()), kindText(node.kind), nodeText(node)});
   }
   return table.isEmpty() ? "object " + home.name() + " has no properties\n" : table.text();
 }
@@ -181,15 +181,15 @@ int runPropsSet(const SessionSettings& settings, const PropsOptions& options) {
   const VdmPropertyDataPtr present = properties.getProperty(key);
   const bool isNew = present.isNull();
   const PropertyNode before = toNode(present.get());
-  const std::optional<PropertySpec> spec =
-      isNew ? std::nullopt : std::optional<PropertySpec>(before.spec);
+  const std::optional<PropertyKind> kind =
+      isNew ? std::nullopt : std::optional<PropertyKind>(before.kind);
   PropertyNode after;
   try {
-    after = newValue(options, spec, opened.drawing());
+    after = newValue(options, kind, opened.drawing());
   } catch (const CliError& error) {
     throw CliError("property " + quote(options.key) + ": " + error.what(), error.code());
   }
-  checkValue(opened.home(), options.key, after, spec);
+  checkValue(opened.home(), options.key, after, kind);
   properties.setProperty(key, toProperty(after));
   after = toNode(properties.getProperty(key).get());  // maps in their own order
   opened.save(properties);

@@ -137,7 +137,7 @@ std::string auditText(const std::vector<ReferenceEntry>& entries,
   if (findings.waiting != 0)
     headline += "; " + std::to_string(findings.waiting) + " of suppressed components";
   if (findings.unneeded != 0)
-    headline += "; " + std::to_string(findings.unneeded) + " needed by nobody";
+    headline += "; " + std::to_string(findings.unneeded) + " without a watcher";
   TextTable table = referenceTable();
   for (const ReferenceText& text : findings.lost) addRow(table, text);
   return headline + "\n" + table.text();
@@ -147,7 +147,7 @@ std::string storyText(const ReferenceText& text, const vdm_host::ReferenceStory&
   std::string head = "reference " + text.handle;
   if (!text.name.empty()) head += " " + quote(text.name);
   head += ": " + text.subent + (text.subent.empty() ? "" : " of ") + "solid " +
-          (text.solid.empty() ? "that is gone" : solidText(story.now.solid));
+          (text.solid.empty() ? "that was erased" : solidText(story.now.solid));
   if (!text.geometry.empty()) head += ", " + text.geometry;
   std::string out = wrapped(head, "");
   if (!text.watchers.empty()) out += wrapped("watched by " + joined(text.watchers), "  ");

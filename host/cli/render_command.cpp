@@ -105,7 +105,7 @@ OdGePoint3d anchorOf(const OdModelerBody& body, const OdDbSubentId& subent) {
   }
 }
 
-/// The named references into solids that stand in the block itself.
+/// Labels for the named references into solids of the block itself.
 void addLabels(OdDbDatabase& drawing, const OdDbObjectId& block,
                rendering::RenderOptions& options) {
   const OdDbObjectId space = block.isNull() ? drawing.getModelSpaceId() : block;

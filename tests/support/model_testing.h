@@ -52,7 +52,7 @@ class ManagerHost : public OdRxObjectImpl<VdmDbPersIdManagerPE> {
                           OdDbObjectIdArray& existing) override;
 };
 
-/// Answers every change with `matters`; closes a sum of transforms when told.
+/// Answers every change with `matters`; closes a sum of transforms when `closesTransforms` says so.
 class ObjectHost : public OdRxObjectImpl<VdmDbObjectPE> {
  public:
   bool matters = true;

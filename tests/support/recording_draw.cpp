@@ -1,4 +1,4 @@
-// A drawing context that writes down what it is told.
+// A drawing context that records its calls as lines.
 #include "tests/support/recording_draw.h"
 
 #include <algorithm>

@@ -19,7 +19,7 @@ namespace cli {
 
 // A plain memberwise comparison; ids by what they name.
 bool operator==(const PropertyNode& a, const PropertyNode& b) {
-  return a.spec == b.spec && a.scalar == b.scalar && a.items == b.items && a.keys == b.keys;
+  return a.kind == b.kind && a.scalar == b.scalar && a.items == b.items && a.keys == b.keys;
 }
 
 namespace {
@@ -29,16 +29,16 @@ using Type = VdmPropertyType;
 constexpr Type kPlain[] = {Type::kString, Type::kLong,   Type::kDouble, Type::kBool,
                            Type::kInt8,   Type::kHandle, Type::kTypedId};
 /// Every kind of value that a property can have: 8 plain ones, 9 arrays, 63 maps.
-std::vector<PropertySpec> allSpecs() {
-  std::vector<PropertySpec> specs{{Type::kBlob, {}, {}}};
-  for (const Type type : kPlain) specs.push_back({type, {}, {}});
+std::vector<PropertyKind> allKinds() {
+  std::vector<PropertyKind> kinds{{Type::kBlob, {}, {}}};
+  for (const Type type : kPlain) kinds.push_back({type, {}, {}});
   std::vector<Type> elements{Type::kProperty, Type::kBlob};
   elements.insert(elements.end(), std::begin(kPlain), std::end(kPlain));
   for (const Type element : elements) {
-    specs.push_back({Type::kArray, element, {}});
-    for (const Type key : kPlain) specs.push_back({Type::kMap, element, key});
+    kinds.push_back({Type::kArray, element, {}});
+    for (const Type key : kPlain) kinds.push_back({Type::kMap, element, key});
   }
-  return specs;
+  return kinds;
 }
 
 class PropertyValues : public virtual Runtime, public testing::Test {
@@ -94,26 +94,26 @@ class PropertyValues : public virtual Runtime, public testing::Test {
     return bytes;
   }
 
-  PropertyNode anyNode(const PropertySpec& spec, int depth = 0) {
+  PropertyNode anyNode(const PropertyKind& kind, int depth = 0) {
     PropertyNode node;
-    node.spec = spec;
-    if (spec.type != Type::kArray && spec.type != Type::kMap) {
-      node.scalar = anyScalar(spec.type);
+    node.kind = kind;
+    if (kind.type != Type::kArray && kind.type != Type::kMap) {
+      node.scalar = anyScalar(kind.type);
       return node;
     }
     for (int i = below(4); i > 0; --i) {
-      if (spec.type == Type::kMap) node.keys.push_back(anyNode({spec.key, {}, {}}, depth));
-      node.items.push_back(anyNode(elementSpec(spec.element, depth), depth + 1));
+      if (kind.type == Type::kMap) node.keys.push_back(anyNode({kind.key, {}, {}}, depth));
+      node.items.push_back(anyNode(elementKind(kind.element, depth), depth + 1));
     }
     return node;
   }
 
   /// A nested value may be anything, but not for ever.
-  PropertySpec elementSpec(Type element, int depth) {
+  PropertyKind elementKind(Type element, int depth) {
     if (element != Type::kProperty) return {element, {}, {}};
-    static const std::vector<PropertySpec> kSpecs = allSpecs();
+    static const std::vector<PropertyKind> kKinds = allKinds();
     if (depth > 3) return {Type::kLong, {}, {}};
-    return kSpecs[static_cast<std::size_t>(below(static_cast<int>(kSpecs.size())))];
+    return kKinds[static_cast<std::size_t>(below(static_cast<int>(kKinds.size())))];
   }
 
   std::mt19937 m_random{20260101};
@@ -124,33 +124,33 @@ class PropertyValues : public virtual Runtime, public testing::Test {
 };
 
 TEST_F(PropertyValues, EveryTypeSurvivesTheValueItsJsonAndItsText) {
-  const std::vector<PropertySpec> specs = allSpecs();
-  ASSERT_EQ(specs.size(), 80u);
-  for (const PropertySpec& spec : specs) {
+  const std::vector<PropertyKind> kinds = allKinds();
+  ASSERT_EQ(kinds.size(), 80u);
+  for (const PropertyKind& kind : kinds) {
     for (int round = 0; round < 50; ++round) {
       // Through a value first: it puts maps in order and takes twin keys out.
-      const VdmPropertyDataPtr data = toProperty(anyNode(spec));
-      ASSERT_FALSE(data.isNull()) << specText(spec);
+      const VdmPropertyDataPtr data = toProperty(anyNode(kind));
+      ASSERT_FALSE(data.isNull()) << kindText(kind);
       const PropertyNode node = toNode(data.get());
-      ASSERT_EQ(node.spec, spec) << specText(spec);
-      EXPECT_TRUE(toNode(toProperty(node).get()) == node) << specText(spec);
+      ASSERT_EQ(node.kind, kind) << kindText(kind);
+      EXPECT_TRUE(toNode(toProperty(node).get()) == node) << kindText(kind);
       const std::string json = typedJson(node).dump();
       EXPECT_TRUE(parseTypedJson(json, drawing()) == node) << json;
-      if (spec.type == Type::kArray || spec.type == Type::kMap) continue;
-      EXPECT_TRUE(parseScalar(spec.type, plainText(node), drawing()) == node) << plainText(node);
+      if (kind.type == Type::kArray || kind.type == Type::kMap) continue;
+      EXPECT_TRUE(parseScalar(kind.type, plainText(node), drawing()) == node) << plainText(node);
     }
   }
 }
 
 TEST_F(PropertyValues, TypeTextsReadBackAndOthersAreRefused) {
-  for (const PropertySpec& spec : allSpecs()) EXPECT_EQ(parseSpec(specText(spec)), spec);
-  EXPECT_EQ(parseSpec("array"), (PropertySpec{Type::kArray, {}, {}}));
-  EXPECT_EQ(parseSpec("map"), (PropertySpec{Type::kMap, {}, {}}));
+  for (const PropertyKind& kind : allKinds()) EXPECT_EQ(parseKind(kindText(kind)), kind);
+  EXPECT_EQ(parseKind("array"), (PropertyKind{Type::kArray, {}, {}}));
+  EXPECT_EQ(parseKind("map"), (PropertyKind{Type::kMap, {}, {}}));
   for (const char* text :
        {"", ":", "int", "Long", "long:", "long:long", "value", "array:", "array:array", "array:map",
         "array:long:long", "map:long", "map:value:long", "map:blob:long", "map:long:array",
         "map:long:long:long"}) {
-    EXPECT_THROW(static_cast<void>(parseSpec(text)), CliError) << text;
+    EXPECT_THROW(static_cast<void>(parseKind(text)), CliError) << text;
   }
 }
 
@@ -188,7 +188,7 @@ TEST_F(PropertyValues, OpenElementTypesAreTakenFromTheValues) {
   struct Row {
     const char* type;
     const char* json;
-    const char* spec;  // empty: refused
+    const char* kind;  // empty: refused
   };
   const Row rows[] = {
       {"array", "[1, 2]", "array:long"},
@@ -210,9 +210,9 @@ TEST_F(PropertyValues, OpenElementTypesAreTakenFromTheValues) {
   for (const Row& row : rows) {
     PropertyNode node;
     const std::string error =
-        errorOf([&] { return node = parseBareJson(parseSpec(row.type), row.json, drawing()); });
-    EXPECT_EQ(error.empty(), *row.spec != '\0') << row.json << ": " << error;
-    EXPECT_EQ(error.empty() ? specText(node.spec) : "", row.spec) << row.json;
+        errorOf([&] { return node = parseBareJson(parseKind(row.type), row.json, drawing()); });
+    EXPECT_EQ(error.empty(), *row.kind != '\0') << row.json << ": " << error;
+    EXPECT_EQ(error.empty() ? kindText(node.kind) : "", row.kind) << row.json;
   }
 }
 

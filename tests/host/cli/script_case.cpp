@@ -33,7 +33,7 @@ bool isWordCharacter(char c) {
   return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '.' || c == '-';
 }
 
-/// The name in @name@ at the start of a pattern; empty when something else stands there.
+/// The name in @name@ at the start of a pattern; empty when there is something else.
 std::string_view nameAt(std::string_view pattern) {
   const std::size_t end = pattern.find('@', 1);
   if (pattern.empty() || pattern[0] != '@' || end == std::string_view::npos) return {};

@@ -13,11 +13,11 @@ namespace cli_testing {
 //   # text            a remark
 //   $ command         a shell command, run in the script's own folder; the program `vdm` is on the
 //                     path, and $SAMPLES names the folder with the samples of make_samples
-//   > pattern         the next line of standard output; "> ..." stands for any number of lines
+//   > pattern         the next line of standard output; "> ..." matches any number of lines
 //   ! pattern         the next line of standard error
 //   = number          the exit code, 0 when it is not given
 //
-// In patterns * stands for any text. @name@ stands for a word, which later lines and commands of
+// In patterns * matches any text. @name@ matches a word, which later lines and commands of
 // the script use by the same name.
 
 /// One command of a script with what is expected of it.
@@ -32,7 +32,7 @@ struct Step {
 /// Raises std::runtime_error naming the line that cannot be read, or a script without commands.
 std::vector<Step> readScript(const std::filesystem::path& path);
 
-/// What a command left behind.
+/// The results of a command.
 struct Outcome {
   int exitCode = -1;
   std::vector<std::string> output;

@@ -25,7 +25,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Writes its name in front of what comes behind it.
+/// Writes its name, then lets the next one draw.
 class NamedOverrule : public OdGiDrawableOverrule {
  public:
   explicit NamedOverrule(std::string name) : m_name(std::move(name)) {}

@@ -3,6 +3,8 @@
 #include "tests/vdm_db/features/feature_testing.h"
 #include "vdm_db/drawing_utils/vdm_block_utils.h"
 #include "vdm_db/drawing_utils/vdm_id_mappings.h"
+#include "vdm_db/features/vdm_db_sheet_metal_context_pe.h"
+#include "vdm_db/features/vdm_sheet_metal_source.h"
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"
 
 /// A sheet-metal context as far as managers look at it.

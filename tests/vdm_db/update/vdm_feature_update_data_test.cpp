@@ -1,6 +1,7 @@
 // The update pass: its order, who takes part, what it removes, rolls back and repairs.
 #include "platform/base/error.h"
 #include "tests/vdm_db/update/update_testing.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/constraints/vdm_db_assembly_pe.h"
 
 namespace {

@@ -1,5 +1,6 @@
 // The registry of component features, extensions of objects, making of features, gross solids.
 #include "tests/vdm_db/update/update_testing.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/properties/vdm_properties.h"
 #include "vdm_db/properties/vdm_properties_pe.h"
