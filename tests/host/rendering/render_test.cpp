@@ -110,6 +110,53 @@ TEST_F(RenderTest, PicturesShowTheNearestSurfaceInItsColour) {
   }
 }
 
+TEST_F(RenderTest, SeenFromTheFrontZPointsUp) {
+  addBox({0, 0, 0}, OdCmColor::fromRGB(250, 0, 0));
+  addBox({0, 0, 20}, OdCmColor::fromRGB(0, 0, 250));
+  m_options.viewDirection = {0, -1, 0};
+  ASSERT_EQ(renderPng(*m_database, "a.png", m_options), "");
+  const Picture picture = readPng("a.png");
+  EXPECT_GT(picture.at(100, 20).blue, picture.at(100, 20).red + 50);
+  EXPECT_GT(picture.at(100, 80).red, picture.at(100, 80).blue + 50);
+}
+
+TEST_F(RenderTest, SurfacesHideLinesThatAreFartherAway) {
+  addBox({0, 0, 0}, OdCmColor::fromRGB(250, 0, 0));
+  const OdDbObjectId line = addLine(m_database->getModelSpaceId(), {2, 20, 5}, {8, 20, 5});
+  edit<OdDbEntity>(line)->setColor(OdCmColor::fromRGB(0, 250, 0));
+  m_options.viewDirection = {0, -1, 0};
+  const auto hasGreen = [&] {
+    EXPECT_EQ(renderPng(*m_database, "a.png", m_options), "");
+    const Picture picture = readPng("a.png");
+    for (int y = 0; y < picture.height; ++y) {
+      for (int x = 0; x < picture.width; ++x) {
+        if (picture.at(x, y).green > picture.at(x, y).red + 50) return true;
+      }
+    }
+    return false;
+  };
+  m_options.background = {255, 255, 255};
+  EXPECT_FALSE(hasGreen());
+  edit<OdDbEntity>(line)->transformBy(OdGeMatrix3d::translation({0, -25, 0}));
+  EXPECT_TRUE(hasGreen());
+}
+
+TEST_F(RenderTest, SmallOccurrencesHaveNoDarkOutlines) {
+  addSolid(box(100, 100, 100));
+  addSolid(box(4, 4, 4, {150, 50, 0}));
+  ASSERT_EQ(renderPng(*m_database, "a.png", m_options), "");
+  const Picture picture = readPng("a.png");
+  const auto numDark = [&](int fromX, int toX) {
+    int count = 0;
+    for (int y = 0; y < picture.height; ++y) {
+      for (int x = fromX; x < toX; ++x) count += picture.at(x, y).red < 60 ? 1 : 0;
+    }
+    return count;
+  };
+  EXPECT_GT(numDark(0, 140), 100);
+  EXPECT_EQ(numDark(140, 200), 0);
+}
+
 TEST_F(RenderTest, TheSameDrawingGivesTheSameBytes) {
   addBox({0, 0, 0}, OdCmColor::fromIndex(3));
   addSolid(cylinder(3, 30));
@@ -164,6 +211,43 @@ TEST_F(RenderTest, ModelsShareTheMeshOfABlock) {
   EXPECT_TRUE(model["nodes"][1]["name"].get<std::string>().ends_with("/" + handle));
   EXPECT_EQ(model["accessors"][0]["max"], (std::vector<double>{1, 2, 3}));
   EXPECT_EQ(model["nodes"][0]["matrix"][0], 0.001);
+}
+
+TEST_F(RenderTest, ModelsHaveLinearColoursAndFrontsOutside) {
+  OdGeMatrix3d mirrored = OdGeMatrix3d::scaling(OdGeScale3d(-1, 1, 1));
+  mirrored(0, 1) = 0.5;  // written in world coordinates
+  const OdDbObjectId part = addReferences({mirrored});
+  solid(part, OdDb::kForWrite)->setColor(OdCmColor::fromRGB(188, 10, 255));
+  ASSERT_EQ(renderGlb(*m_database, "a.glb", m_options), "");
+  const std::string file = readBytes("a.glb");
+  const nlohmann::json model = jsonOf(file);
+  const auto& color = model["materials"][0]["pbrMetallicRoughness"]["baseColorFactor"];
+  EXPECT_NEAR(color[0].get<double>(), 0.503, 0.001);
+  EXPECT_NEAR(color[1].get<double>(), 10.0 / 255 / 12.92, 1e-6);
+  EXPECT_EQ(color[2], 1.0);
+  // A triangle turns anticlockwise when it is seen from where its normal points.
+  std::uint32_t jsonSize = 0;
+  std::memcpy(&jsonSize, file.data() + 12, sizeof jsonSize);
+  const auto bytesOfView = [&](const nlohmann::json& accessor) {
+    const auto& view =
+        model["bufferViews"]
+             [model["accessors"][accessor.get<std::size_t>()]["bufferView"].get<std::size_t>()];
+    return file.data() + 28 + jsonSize + view["byteOffset"].get<std::size_t>();
+  };
+  const auto& primitive = model["meshes"][0]["primitives"][0];
+  const char* const positions = bytesOfView(primitive["attributes"]["POSITION"]);
+  const char* const normals = bytesOfView(primitive["attributes"]["NORMAL"]);
+  std::uint32_t corners[3];
+  std::memcpy(corners, bytesOfView(primitive["indices"]), sizeof corners);
+  const auto vectorAt = [](const char* values, std::uint32_t index) {
+    float value[3];
+    std::memcpy(value, values + sizeof value * index, sizeof value);
+    return OdGeVector3d(double(value[0]), double(value[1]), double(value[2]));
+  };
+  const OdGeVector3d first = vectorAt(positions, corners[0]);
+  const OdGeVector3d turn = (vectorAt(positions, corners[1]) - first)
+                                .crossProduct(vectorAt(positions, corners[2]) - first);
+  EXPECT_GT(turn.dotProduct(vectorAt(normals, corners[0])), 0.0);
 }
 
 /// Draws a square of a red and a blue triangle, then a red outline.
@@ -264,7 +348,7 @@ TEST(RegionTraceTest, RegionsHaveClosedOutlinesAndHoles) {
   ASSERT_EQ(picture.regions[1].loops.size(), 1u);
   EXPECT_EQ(picture.regions[1].loops[0].size(), 4u);
   EXPECT_EQ(area(picture.regions[1].loops[0]), 16.0);
-  // Both squares stand out from what is behind them.
+  // Both squares differ from the surface under them.
   EXPECT_EQ(picture.outlines.size(), 4u);
 }
 

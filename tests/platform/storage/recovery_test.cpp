@@ -128,7 +128,7 @@ TEST_F(Recovery, TakesTheVersionInTheTreeBeforeAnOlderOne) {
     ASSERT_TRUE(saveChanges(*store, first, second).ok());
   }
   m_content = second;
-  m_bytes = storetest::readBytes(m_path);
+  m_bytes = readBytes(m_path);
   // The page with the older version, to which nothing refers, and damage to another record.
   const std::size_t page = before.find(first.records.at(5).data) / kPageSize;
   m_bytes += before.substr(page * kPageSize, kPageSize);
