@@ -102,7 +102,7 @@ OdModelerBodyPtr makeBracket() {
                {60, 110, 180});
 }
 
-/// The shank points down from the origin, the head stands on it.
+/// The shank points down from the origin, the head is above it.
 OdModelerBodyPtr makeBolt() {
   const OdModelerBodyPtr shank = movedTo(cylinder(4.0, kBoltLength), 0.0, 0.0, -kBoltLength);
   const OdModelerBodyPtr head = cylinder(kBoltHeadRadius, kBoltHeadHeight);

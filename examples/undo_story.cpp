@@ -103,7 +103,7 @@ void run(const char* path, const char* handle) {
   std::printf("saved %s\n", path);
 }
 
-/// The module stands in the lib folder beside the one of this program.
+/// The module is in the lib folder beside the folder of this program.
 OdString modulePath() {
   const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
   return OdString((program.parent_path().parent_path() / "lib" / "vdm_db.tx").string());

@@ -7,7 +7,7 @@
 
 using FuzzInput = std::vector<std::uint8_t>;
 
-/// Takes any bytes. Returns 0; whatever is wrong with the code ends the process.
+/// Takes any bytes. Returns 0; a fault of the code ends the process.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 /// Sound inputs, made by the project's own code; at least one.

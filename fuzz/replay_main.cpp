@@ -137,7 +137,7 @@ void writeCorpus(const std::vector<FuzzInput>& corpus, const std::string& folder
 // ---- The run
 
 void play(const FuzzInput& input) {
-  // A copy of exactly this size, so that the sanitizers see every read behind it.
+  // A copy of exactly this size, so that the sanitizers see every read past its end.
   const auto exact = std::make_unique<std::uint8_t[]>(input.size());
   std::copy(input.begin(), input.end(), exact.get());
   LLVMFuzzerTestOneInput(exact.get(), input.size());

@@ -1,9 +1,8 @@
 // `vdm audit`: checks a drawing, and mends it when asked to.
 #include "host/cli/audit_command.h"
 
-#include "host/cli/cli_error.h"
+#include "host/cli/opened_drawing.h"
 #include "host/cli/paths.h"
-#include "host/cli/progress.h"
 #include "host/cli/report.h"
 #include "host/cli/text_lines.h"
 #include "platform/db/audit_info.h"
@@ -26,23 +25,20 @@ void saveMended(OdDbDatabase& drawing, const OdDbAuditInfo& mended) {
 
 }  // namespace
 
-int runAudit(const SessionOptions& session, const AuditOptions& options) {
-  checkInput(options.input);
-  DrawingSession runtime(session);
-  const OdDbDatabasePtr drawing = runtime.open(
-      options.input, options.fix ? DrawingSession::Access::kWrite : DrawingSession::Access::kRead);
+int runAudit(const SessionSettings& settings, const AuditOptions& options) {
+  using Access = DrawingSession::Access;
+  const OpenedDrawing drawing(settings, options.input,
+                              options.fix ? Access::kWrite : Access::kRead);
   OdDbAuditInfo findings(options.fix);
   OdDbAuditInfo rest;
   std::string damage;
-  {
-    const Progress progress("checking " + options.input);
+  withProgress("checking " + options.input, [&] {
     damage = fileFinding(*drawing);
     drawing->audit(&findings);
-    if (options.fix) {
-      drawing->audit(&rest);
-      saveMended(*drawing, findings);
-    }
-  }
+    if (!options.fix) return;
+    drawing->audit(&rest);
+    saveMended(*drawing, findings);
+  });
   const std::uint64_t damages = damage.empty() ? 0 : 1;
   const std::uint64_t remaining = damages + (options.fix ? rest.numErrors() : findings.numErrors());
   std::vector<std::string> lines = linesOf(findings.lines());
@@ -54,8 +50,8 @@ int runAudit(const SessionOptions& session, const AuditOptions& options) {
       .add("mended", std::uint64_t{findings.numFixes()})
       .add("remaining", remaining)
       .addLines("lines", std::move(lines))
-      .print(session.json);
-  return remaining == 0 ? kDone : kNotSound;
+      .print(settings.json);
+  return exitCodeFor(remaining == 0);
 }
 
 }  // namespace cli

@@ -13,6 +13,6 @@ struct AuditOptions {
 };
 
 /// kNotSound when findings remain.
-int runAudit(const SessionOptions& session, const AuditOptions& options);
+int runAudit(const SessionSettings& settings, const AuditOptions& options);
 
 }  // namespace cli

@@ -1,12 +1,10 @@
 // `vdm clone`: a copy of a block or an entity, in its drawing or in another one.
 #include "host/cli/clone_command.h"
 
-#include "host/cli/cli_error.h"
 #include "host/cli/drawing_facts.h"
 #include "host/cli/find_object.h"
-#include "host/cli/progress.h"
+#include "host/cli/opened_drawing.h"
 #include "host/cli/report.h"
-#include "host/cli/text_output.h"
 #include "platform/base/error.h"
 #include "platform/cloning/id_mapping.h"
 #include "platform/db/block_table.h"
@@ -189,7 +187,7 @@ void cloneEntity(const Drawings& drawings, const OdDbObjectId& id, OdDbIdMapping
   outcome.what = classNameOf(*outcome.clone.safeOpenObject());
 }
 
-/// What was cloned, and which blocks of the target stand in for those of the source.
+/// What was cloned, and which blocks of the target replace those of the source.
 void describeMapping(OdDbIdMapping& mapping, const Drawings& drawings, Outcome& outcome) {
   for (const OdDbIdMappingIterPtr it = mapping.newIterator(); !it->done(); it->next()) {
     OdDbIdPair pair;
@@ -247,25 +245,24 @@ Outcome cloneObject(const Drawings& drawings, const CloneOptions& options) {
 
 }  // namespace
 
-int runClone(const SessionOptions& session, const CloneOptions& options) {
+int runClone(const SessionSettings& settings, const CloneOptions& options) {
   if (options.output) {
     checkOutput(*options.output, options.input);
     checkOutput(*options.output, options.into);
   }
-  DrawingSession runtime(session);
+  DrawingSession runtime(settings);
   const Drawings drawings = openDrawings(runtime, options);
-  Outcome outcome;
-  std::string file = str(drawings.target->getFilename());
-  {
-    const Progress progress("cloning from " + options.input);
-    outcome = cloneObject(drawings, options);
+  const std::string file =
+      options.output ? options.output->path : str(drawings.target->getFilename());
+  Outcome outcome = withProgress("cloning from " + options.input, [&] {
+    Outcome made = cloneObject(drawings, options);
     if (options.output) {
-      file = options.output->path;
       saveDrawingAs(*drawings.target, file);
     } else {
       saveDrawing(*drawings.target);
     }
-  }
+    return made;
+  });
   const std::string handle = str(outcome.clone.getHandle());
   Report("cloned " + outcome.what + " " + options.handle + " as " + handle +
          (outcome.name.empty() ? "" : " '" + outcome.name + "'") + " into " + file)
@@ -275,7 +272,7 @@ int runClone(const SessionOptions& session, const CloneOptions& options) {
       .add("objects", outcome.objects)
       .addLines("handles", std::move(outcome.handles))
       .addLines("notes", std::move(outcome.notes))
-      .print(session.json);
+      .print(settings.json);
   return kDone;
 }
 

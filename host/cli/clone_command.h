@@ -17,6 +17,6 @@ struct CloneOptions {
   std::optional<OutputFile> output;  ///< where the result is saved; otherwise in its own file
 };
 
-int runClone(const SessionOptions& session, const CloneOptions& options);
+int runClone(const SessionSettings& settings, const CloneOptions& options);
 
 }  // namespace cli

@@ -80,7 +80,7 @@ void addNew(CLI::App& app, CommandLine& line) {
       ->capture_default_str()
       ->type_name("UNITS");
   addForce(command, line.newDrawing.output);
-  command->callback([&line] { line.run = [&] { return runNew(line.session, line.newDrawing); }; });
+  setAction(command, line, runNew, line.newDrawing);
 }
 
 void addImport(CLI::App& app, CommandLine& line) {
@@ -89,28 +89,27 @@ void addImport(CLI::App& app, CommandLine& line) {
   addInput(command, line.importStep.input, "IN", "STEP file");
   addOutput(command, line.importStep.output, "drawing to create")->required();
   command->add_flag("--curves", line.importStep.curves, "take over wireframe and curves, too");
-  command->callback(
-      [&line] { line.run = [&] { return runImport(line.session, line.importStep); }; });
+  setAction(command, line, runImport, line.importStep);
 }
 
 void addReaders(CLI::App& app, CommandLine& line) {
   CLI::App* info =
       addCommand(app, line, "info", "Show what a drawing holds", "vdm info bracket.vdm --json");
   addInput(info, line.info.input);
-  info->callback([&line] { line.run = [&] { return runInfo(line.session, line.info); }; });
+  setAction(info, line, runInfo, line.info);
 
   CLI::App* tree =
       addCommand(app, line, "tree", "Show the product structure of a drawing", "vdm tree pump.vdm");
   addInput(tree, line.tree.input);
-  tree->callback([&line] { line.run = [&] { return runTree(line.session, line.tree); }; });
+  setAction(tree, line, runTree, line.tree);
 
   CLI::App* dump = addCommand(app, line, "dump", "Print every object as text that can be compared",
                               "vdm dump before.vdm > before.txt");
   addInput(dump, line.dump.input);
-  dump->callback([&line] { line.run = [&] { return runDump(line.session, line.dump); }; });
+  setAction(dump, line, runDump, line.dump);
 }
 
-using PropsAction = int (*)(const SessionOptions&, const PropsOptions&);
+using PropsAction = int (*)(const SessionSettings&, const PropsOptions&);
 
 CLI::App* addPropsAction(CLI::App& props, CommandLine& line, const char* name, const char* purpose,
                          const char* example, PropsAction action, bool withKey) {
@@ -118,8 +117,7 @@ CLI::App* addPropsAction(CLI::App& props, CommandLine& line, const char* name, c
   addInput(command, line.props.input);
   addInput(command, line.props.handle, "HANDLE", "object, in hexadecimal");
   if (withKey) addInput(command, line.props.key, "KEY", "name of the property");
-  command->callback(
-      [&line, action] { line.run = [&line, action] { return action(line.session, line.props); }; });
+  setAction(command, line, action, line.props);
   return command;
 }
 
@@ -138,7 +136,7 @@ void addProps(CLI::App& app, CommandLine& line) {
       "  vdm props set bracket.vdm 21 label -- -odd-text-",
       runPropsSet, /*withKey=*/true);
   set->add_option("VALUE", line.propsValue,
-                  "value: text, or JSON for arrays and maps; behind -- when it begins with a dash")
+                  "value: text, or JSON for arrays and maps; after -- when it begins with a dash")
       ->type_name("");
   set->add_option("--type", line.props.type, std::string("type of a new property: ") + kTypeHelp)
       ->type_name("TYPE");
@@ -148,7 +146,7 @@ void addProps(CLI::App& app, CommandLine& line) {
   set->callback([&line, set] {
     if (set->count("VALUE") != 0) line.props.value = line.propsValue;
     if (set->count("--json-value") != 0) line.props.jsonValue = line.propsJsonValue;
-    line.run = [&line] { return runPropsSet(line.session, line.props); };
+    line.run = [&line] { return runPropsSet(line.settings, line.props); };
   });
   addPropsAction(*props, line, "remove", "Remove a property",
                  "vdm props remove bracket.vdm 21 material", runPropsRemove, /*withKey=*/true);
@@ -159,8 +157,7 @@ void addExport(CLI::App& app, CommandLine& line) {
                                  "vdm export bracket.vdm -o bracket.step");
   addInput(command, line.exportStep.input);
   addOutput(command, line.exportStep.output, "STEP file to write")->required();
-  command->callback(
-      [&line] { line.run = [&] { return runExport(line.session, line.exportStep); }; });
+  setAction(command, line, runExport, line.exportStep);
 }
 
 void addKeepers(CLI::App& app, CommandLine& line) {
@@ -169,7 +166,7 @@ void addKeepers(CLI::App& app, CommandLine& line) {
                  "vdm audit bracket.vdm --fix");
   addInput(audit, line.audit.input);
   audit->add_flag("--fix", line.audit.fix, "mend what can be mended and save");
-  audit->callback([&line] { line.run = [&] { return runAudit(line.session, line.audit); }; });
+  setAction(audit, line, runAudit, line.audit);
 
   CLI::App* recover = addCommand(app, line, "recover",
                                  "Save what is intact in a damaged drawing; exit code 3 when "
@@ -177,12 +174,12 @@ void addKeepers(CLI::App& app, CommandLine& line) {
                                  "vdm recover damaged.vdm -o rescued.vdm");
   addInput(recover, line.recover.input, "FILE", "damaged drawing");
   addOutput(recover, line.recover.output, "drawing to create")->required();
-  recover->callback([&line] { line.run = [&] { return runRecover(line.session, line.recover); }; });
+  setAction(recover, line, runRecover, line.recover);
 
   CLI::App* compact = addCommand(app, line, "compact", "Free unused space of a drawing file",
                                  "vdm compact bracket.vdm");
   addInput(compact, line.compact.input);
-  compact->callback([&line] { line.run = [&] { return runCompact(line.session, line.compact); }; });
+  setAction(compact, line, runCompact, line.compact);
 }
 
 void addClone(CLI::App& app, CommandLine& line) {
@@ -198,7 +195,7 @@ void addClone(CLI::App& app, CommandLine& line) {
       addOutput(command, line.cloneOutput, "save the result here instead of in place");
   command->callback([&line, output] {
     if (output->count() != 0) line.clone.output = line.cloneOutput;
-    line.run = [&line] { return runClone(line.session, line.clone); };
+    line.run = [&line] { return runClone(line.settings, line.clone); };
   });
 }
 

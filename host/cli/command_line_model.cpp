@@ -84,11 +84,18 @@ Arguments argumentsOf(const OperationLine& line) {
 }
 
 void addEditOptions(CLI::App* command, ModelCommandLine& model, bool updates) {
-  command->add_flag("--dry-run", model.edit.dryRun, "tell what would happen, save nothing");
+  command->add_flag("--dry-run", model.edit.dryRun, "show what would happen, save nothing");
   if (updates) {
     command->add_flag("--explain", model.edit.explain,
-                      "tell all that the update did, with reasons and times");
+                      "show all that the update did, with reasons and times");
   }
+}
+
+/// Runs an operation with what the command line gave for it.
+int runGiven(const CommandRun& line, const ModelCommandLine& model, const OperationLine& values) {
+  const Arguments arguments = argumentsOf(values);
+  requireArguments(*values.operation, arguments);
+  return runOperation(line.settings, model.edit, *values.operation, arguments);
 }
 
 CLI::App* addOperation(CLI::App& app, CommandRun& line, ModelCommandLine& model,
@@ -104,11 +111,7 @@ CLI::App* addOperation(CLI::App& app, CommandRun& line, ModelCommandLine& model,
   }
   addEditOptions(command, model, operation.updates);
   command->callback([&line, &model, &values] {
-    line.run = [&line, &model, &values] {
-      const Arguments arguments = argumentsOf(values);
-      requireArguments(*values.operation, arguments);
-      return runOperation(line.session, model.edit, *values.operation, arguments);
-    };
+    line.run = [&line, &model, &values] { return runGiven(line, model, values); };
   });
   return command;
 }
@@ -119,43 +122,38 @@ void addGroupList(CLI::App* command, CommandRun& line, ModelCommandLine& model,
   command->add_flag("--list", model.listGroups, "list the groups of the drawing");
   command->callback([&line, &model, &values] {
     line.run = [&line, &model, &values] {
-      if (model.listGroups) return runGroupList(line.session, model.edit.input);
-      const Arguments arguments = argumentsOf(values);
-      requireArguments(*values.operation, arguments);
-      return runOperation(line.session, model.edit, *values.operation, arguments);
+      return model.listGroups ? runGroupList(line.settings, model.edit.input)
+                              : runGiven(line, model, values);
     };
   });
 }
 
-using ListAction = int (*)(const SessionOptions&, const std::string&);
+using ListAction = int (*)(const SessionSettings&, const std::string&);
 
 void addList(CLI::App& parent, CommandRun& line, ModelCommandLine& model, const char* purpose,
              const std::string& example, ListAction action) {
   CLI::App* command = addCommand(parent, line, "list", purpose, example);
   addInput(command, model.listInput);
-  command->callback([&line, &model, action] {
-    line.run = [&line, &model, action] { return action(line.session, model.listInput); };
-  });
+  setAction(command, line, action, model.listInput);
 }
 
-using RefsAction = int (*)(const SessionOptions&, const RefsOptions&);
+using RefsAction = int (*)(const SessionSettings&, const RefsOptions&);
 
 CLI::App* addRefsAction(CLI::App& refs, CommandRun& line, ModelCommandLine& model, const char* name,
                         const char* purpose, const char* example, RefsAction action) {
   CLI::App* command = addCommand(refs, line, name, purpose, example);
   addInput(command, model.refs.input);
-  command->callback([&line, &model, action] {
-    line.run = [&line, &model, action] { return action(line.session, model.refs); };
-  });
+  setAction(command, line, action, model.refs);
   return command;
 }
 
 void addRefsReaders(CLI::App& refs, CommandRun& line, ModelCommandLine& model) {
   addRefsAction(refs, line, model, "list", "List all references with their grades",
                 "vdm refs list plate.vdm", runRefsList);
-  CLI::App* explain = addRefsAction(refs, line, model, "explain",
-                                    "Tell where a reference comes from and what decided on its way",
-                                    "vdm refs explain plate.vdm top", runRefsExplain);
+  CLI::App* explain =
+      addRefsAction(refs, line, model, "explain",
+                    "Show where a reference comes from and how each change was decided",
+                    "vdm refs explain plate.vdm top", runRefsExplain);
   addInput(explain, model.refs.reference, "REFERENCE", "reference, a name or handle");
   addRefsAction(refs, line, model, "audit",
                 "Count references by grade; exit code 3 when some are lost or ambiguous",
@@ -174,7 +172,7 @@ void addEdit(CLI::App& app, CommandRun& line, ModelCommandLine& model) {
       ->type_name("SCRIPT");
   addEditOptions(command, model, /*updates=*/true);
   command->callback([&line, &model] {
-    line.run = [&] { return runScript(line.session, model.edit, model.script); };
+    line.run = [&] { return runScript(line.settings, model.edit, model.script); };
   });
 }
 
@@ -198,8 +196,7 @@ void addRender(CLI::App& app, CommandRun& line, ModelCommandLine& model) {
                     "faces in the colours of their solids");
   command->add_option("--block", render.block, "block to draw instead of model space")
       ->type_name("NAME");
-  command->callback(
-      [&line, &model] { line.run = [&] { return runRender(line.session, model.render); }; });
+  setAction(command, line, runRender, model.render);
 }
 
 }  // namespace

@@ -7,11 +7,11 @@ CLI::App* addCommand(CLI::App& parent, CommandRun& line, const char* name, const
                      const std::string& example) {
   CLI::App* command = parent.add_subcommand(name, purpose);
   command->footer("Example:\n  " + example);
-  command->add_flag("--json", line.session.json, "print JSON");
-  command->add_flag("--no-modules", line.session.noModules,
+  command->add_flag("--json", line.settings.json, "print JSON");
+  command->add_flag("--no-modules", line.settings.noModules,
                     "do not load the modules; their objects stay proxies");
   command
-      ->add_option("--module", line.session.modulePath,
+      ->add_option("--module", line.settings.modulePath,
                    "file or folder of the module, instead of the one beside the program")
       ->envname("VDM_MODULE_PATH")
       ->type_name("PATH");

@@ -10,13 +10,22 @@
 
 namespace cli {
 
-/// What parsing leaves: the common options, and what is to run.
+/// What parsing gives: the settings that all commands share, and what is to run.
 struct CommandRun {
-  SessionOptions session;
+  SessionSettings settings;
   std::function<int()> run;
 };
 
-/// A command with the options that every command has. `example` stands below its help text.
+/// Naming `command` makes `action` run with the settings and its own options.
+template <class Options>
+void setAction(CLI::App* command, CommandRun& line,
+               int (*action)(const SessionSettings&, const Options&), const Options& options) {
+  command->callback([&line, action, &options] {
+    line.run = [&line, action, &options] { return action(line.settings, options); };
+  });
+}
+
+/// A command with the options that every command has. Its help ends with `example`.
 CLI::App* addCommand(CLI::App& parent, CommandRun& line, const char* name, const char* purpose,
                      const std::string& example);
 void addInput(CLI::App* command, std::string& path, const char* name = "FILE",

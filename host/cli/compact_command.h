@@ -11,6 +11,6 @@ struct CompactOptions {
   std::string input;
 };
 
-int runCompact(const SessionOptions& session, const CompactOptions& options);
+int runCompact(const SessionSettings& settings, const CompactOptions& options);
 
 }  // namespace cli

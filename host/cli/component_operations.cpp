@@ -111,7 +111,7 @@ StepResult addComponent(Editing& editing, const Arguments& arguments) {
 
 // Inserting.
 
-/// Where a component goes when only a reference is given: the middle of what it leads to.
+/// The place of a component when only a reference is given: the middle of its geometry.
 OdGePoint3d middleOf(const OdModelerBody& body, OdModelerSubent subent) {
   if (subent.type == OdModelerSubentType::kFace) {
     const OdModelerFace& face = body.face(subent.index);
@@ -128,7 +128,7 @@ bool isSolidHandle(OdDbDatabase& drawing, const std::string& text) {
          !drawing.getOdDbObjectId(handle).openAs<OdDb3dSolid>().isNull();
 }
 
-/// Solid, face and middle of the reference on which the component is to stand.
+/// Solid, face and middle of the reference that receives the component.
 void placeOnReference(Editing& editing, const std::string& on,
                       vdm_host::ComponentPlacement& placement) {
   const vdm_host::ResolvedReference found =

@@ -22,7 +22,7 @@ bool isOf(const OdDbObjectId& id, const OdRxClass* base) {
   return itsClass != nullptr && itsClass->isDerivedFrom(base);
 }
 
-/// A solid that stands in a block; features keep others for themselves.
+/// A solid of a block; features own others, which no block shows.
 bool isShownSolid(const OdDbObjectId& id) {
   return isOf(id, OdDb3dSolid::desc()) && isOf(id.ownerId(), OdDbBlockTableRecord::desc());
 }
@@ -134,7 +134,7 @@ DrawingFacts gatherFacts(OdDbDatabase& drawing) {
     return true;
   });
   DrawingFacts facts = std::move(gatherer).facts();
-  // What the drawing itself noted tells more than what came back from opening.
+  // The drawing's own note says more than the status of opening.
   if (!drawing.loadErrors().isEmpty()) facts.faults = linesOf(drawing.loadErrors());
   facts.units = unitsName(drawing);
   facts.unitsSymbol = str(oddbUnitsSymbol(drawing.getINSUNITS()));

@@ -22,7 +22,7 @@ struct BlockFacts {
   std::string xrefPath;  ///< of an external drawing; empty otherwise
 };
 
-/// One solid. Volume and area are in millimetres whatever the units of drawing and block are.
+/// One solid. Volume and area are in millimetres for any units of drawing and block.
 struct SolidFacts {
   OdDbHandle handle;
   std::string block;
@@ -41,7 +41,7 @@ struct DrawingFacts {
   std::string unitsSymbol;  ///< empty where there is none
   std::uint64_t objects = 0;
   std::uint64_t proxies = 0;
-  std::map<std::string, std::uint64_t> proxyClasses;  ///< objects by the class they stand for
+  std::map<std::string, std::uint64_t> proxyClasses;  ///< objects by the class that is not there
   std::uint64_t inserts = 0;
   std::vector<std::string> layers;
   std::vector<BlockFacts> blocks;   ///< in rising handle order

@@ -22,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kModuleFile = "vdm_db.tx";
-/// Stands beside the module: naming and components.
+/// In the folder of the module: naming and components.
 constexpr const char* kHostModuleFile = "vdm_host.tx";
 
 fs::path programFolder() {
@@ -31,7 +31,7 @@ fs::path programFolder() {
   return program.parent_path();
 }
 
-/// Where the module may stand when nobody says so: beside the program's folder as built, and as
+/// Where the module is looked for by default: beside the program's folder as built, and as
 /// installed.
 std::vector<fs::path> usualModulePaths() {
   const fs::path folder = programFolder();
@@ -65,13 +65,13 @@ void require(const OdStatus& status, const std::string& path) {
 
 }  // namespace
 
-DrawingSession::DrawingSession(const SessionOptions& options) : m_options(options) {
+DrawingSession::DrawingSession(const SessionSettings& settings) : m_settings(settings) {
   oddbInitialize();
   odModelerInitialize();
   odInstallOcctModeler();
   try {
     m_services = std::make_unique<OdDbHostAppServices>(createSqliteStoreFactory());
-    if (!m_options.noModules) loadModules();
+    if (!m_settings.noModules) loadModules();
   } catch (...) {
     stop();
     throw;
@@ -98,7 +98,7 @@ void DrawingSession::stop() {
 }
 
 void DrawingSession::loadModules() {
-  const fs::path module = findModule(m_options.modulePath);
+  const fs::path module = findModule(m_settings.modulePath);
   loadModule(module.string());
   // The program is linked with the module's classes: another copy would register its own ones.
   if (VdmDbExtensionData::desc() == nullptr) {
@@ -144,11 +144,6 @@ int DrawingSession::formatVersion(const std::string& path) {
       m_services->recordStoreFactory()->open(OdString(path), OdDbStoreOpenMode::kReadOnly, store),
       path);
   return store->formatVersion();
-}
-
-void requireModules(const SessionOptions& session) {
-  if (!session.noModules) return;
-  throw CliError("the command needs the modules, --no-modules cannot be given", kWrongUsage);
 }
 
 void saveDrawing(OdDbDatabase& drawing) { require(drawing.save(), str(drawing.getFilename())); }

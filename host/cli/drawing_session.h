@@ -10,20 +10,20 @@
 
 namespace cli {
 
-/// Options that all commands share.
-struct SessionOptions {
+/// What all commands share.
+struct SessionSettings {
   bool json = false;       ///< output for machines
   bool noModules = false;  ///< do not load the modules: their objects are proxies then
   std::string modulePath;  ///< file or folder of the module; empty: beside the program
 };
 
-/// Starts the runtime and stops it again. One at a time in a process; all drawings that it gave
-/// are gone before it goes. Failures raise CliError with one line.
+/// Starts the runtime and stops it again. One at a time in a process; it outlives its drawings.
+/// Failures raise CliError with one line.
 class DrawingSession {
  public:
   enum class Access { kRead, kWrite };
 
-  explicit DrawingSession(const SessionOptions& options);
+  explicit DrawingSession(const SessionSettings& settings);
   ~DrawingSession();
   DrawingSession(const DrawingSession&) = delete;
   DrawingSession& operator=(const DrawingSession&) = delete;
@@ -42,14 +42,11 @@ class DrawingSession {
   void loadModule(const std::string& path);
   void stop();
 
-  const SessionOptions& m_options;
+  const SessionSettings& m_settings;
   std::unique_ptr<OdDbHostAppServices> m_services;
   std::vector<OdString> m_modules;  ///< in the order of loading
 };
 
-/// Raises CliError of kWrongUsage for a session without modules: references and features would be
-/// proxies, which looks as if there were none.
-void requireModules(const SessionOptions& session);
 /// Writes the drawing to its own file.
 void saveDrawing(OdDbDatabase& drawing);
 /// Rewrites the drawing's file without its free space.

@@ -3,13 +3,11 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/cli/cli_error.h"
-#include "host/cli/json_text.h"
 #include "host/cli/object_dump.h"
+#include "host/cli/opened_drawing.h"
 #include "host/cli/paths.h"
 #include "host/cli/property_json.h"
 #include "host/cli/property_text.h"
-#include "host/cli/text_output.h"
 #include "platform/db/db_variables.h"
 
 namespace cli {
@@ -41,7 +39,7 @@ class Writer {
   virtual void end() = 0;
 };
 
-/// One line for each value. No path and no time stand in it, so that two dumps differ exactly where
+/// One line for each value. It holds no path and no time, so that two dumps differ exactly where
 /// the drawings do.
 class TextWriter : public Writer {
  public:
@@ -59,7 +57,7 @@ class TextWriter : public Writer {
     for (const auto& [kind, value] : dump.fields) text += "  " + kind + " " + value + "\n";
     for (const auto& [key, node] : dump.properties) {
       text +=
-          "  property " + oneLine(key) + " = " + specText(node.spec) + " " + nodeText(node) + "\n";
+          "  property " + oneLine(key) + " = " + kindText(node.kind) + " " + nodeText(node) + "\n";
     }
     if (!dump.fault.empty()) text += "  unreadable: " + oneLine(dump.fault) + "\n";
     put(text);
@@ -111,13 +109,11 @@ class JsonWriter : public Writer {
 
 }  // namespace
 
-int runDump(const SessionOptions& session, const DumpOptions& options) {
-  checkInput(options.input);
-  DrawingSession runtime(session);
-  const OdDbDatabasePtr drawing = runtime.open(options.input, DrawingSession::Access::kRead);
+int runDump(const SessionSettings& settings, const DumpOptions& options) {
+  const OpenedDrawing drawing(settings, options.input, DrawingSession::Access::kRead);
   TextWriter text;
   JsonWriter json;
-  Writer& writer = session.json ? static_cast<Writer&>(json) : text;
+  Writer& writer = settings.json ? static_cast<Writer&>(json) : text;
   for (const OdDbVariableRow& row : OdDbVariables::rows()) {
     writer.variable(row.name, numberOf(*drawing->getSysVar(OdString(row.name))));
   }
@@ -129,7 +125,7 @@ int runDump(const SessionOptions& session, const DumpOptions& options) {
     return true;
   });
   writer.end();
-  return sound ? kDone : kNotSound;
+  return exitCodeFor(sound);
 }
 
 }  // namespace cli

@@ -12,6 +12,6 @@ struct DumpOptions {
 };
 
 /// kNotSound when objects cannot be read.
-int runDump(const SessionOptions& session, const DumpOptions& options);
+int runDump(const SessionSettings& settings, const DumpOptions& options);
 
 }  // namespace cli

@@ -3,13 +3,10 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/cli/cli_error.h"
 #include "host/cli/edit_script.h"
-#include "host/cli/json_text.h"
+#include "host/cli/opened_drawing.h"
 #include "host/cli/paths.h"
-#include "host/cli/progress.h"
 #include "host/cli/step_output.h"
-#include "host/cli/text_output.h"
 #include "platform/base/error.h"
 
 namespace cli {
@@ -20,8 +17,7 @@ using Json = nlohmann::ordered_json;
 
 void save(OdDbDatabase& drawing, const EditOptions& options) {
   if (options.dryRun || !drawing.isModified()) return;
-  const Progress progress("writing " + options.input);
-  saveDrawing(drawing);
+  withProgress("writing " + options.input, [&] { saveDrawing(drawing); });
 }
 
 StepResult runStep(Editing& editing, const ScriptStep& step, const StepValues& values) {
@@ -47,6 +43,12 @@ std::vector<StepResult> runSteps(OdDbDatabase& drawing, const std::vector<Script
   return results;
 }
 
+Json operationJson(const EditOptions& options, const Operation& operation, const StepResult& step) {
+  Json json{{"file", options.input}, {"op", operation.name}, {"saved", !options.dryRun}};
+  json.update(stepJson(step));
+  return json;
+}
+
 Json scriptJson(const EditOptions& options, const std::vector<ScriptStep>& steps,
                 const std::vector<StepResult>& results, bool sound) {
   Json list = Json::array();
@@ -64,56 +66,48 @@ Json scriptJson(const EditOptions& options, const std::vector<ScriptStep>& steps
 
 constexpr const char* kDryRunLine = "nothing was saved, this was a dry run\n";
 
-}  // namespace
-
-int runOperation(const SessionOptions& session, const EditOptions& options,
-                 const Operation& operation, const Arguments& arguments) {
-  requireModules(session);
-  checkInput(options.input);
-  DrawingSession runtime(session);
-  const OdDbDatabasePtr drawing = runtime.open(options.input, DrawingSession::Access::kWrite);
-  StepResult step;
-  {
-    const Progress progress(std::string(operation.name) + " in " + options.input);
-    Editing editing(*drawing);
-    step = operation.run(editing, arguments);
-  }
-  save(*drawing, options);
-  if (session.json) {
-    Json json{{"file", options.input}, {"op", operation.name}, {"saved", !options.dryRun}};
-    json.update(stepJson(step));
-    printOut(jsonText(json));
-  } else {
-    printOut(stepText(step, options.explain) + (options.dryRun ? kDryRunLine : ""));
-  }
-  return isSound(step) ? kDone : kNotSound;
-}
-
-int runScript(const SessionOptions& session, const EditOptions& options,
-              const std::string& script) {
-  requireModules(session);
-  checkInput(options.input);
-  const std::vector<ScriptStep> steps = readScript(script);
-  DrawingSession runtime(session);
-  const OdDbDatabasePtr drawing = runtime.open(options.input, DrawingSession::Access::kWrite);
-  std::vector<StepResult> results;
-  {
-    const Progress progress(counted(steps.size(), "step") + " in " + options.input);
-    results = runSteps(*drawing, steps);
-  }
-  save(*drawing, options);
-  bool sound = true;
+std::string scriptText(const EditOptions& options, const std::vector<ScriptStep>& steps,
+                       const std::vector<StepResult>& results) {
   std::string text;
   for (std::size_t i = 0; i < steps.size(); ++i) {
-    sound = sound && isSound(results[i]);
     text += std::to_string(steps[i].number) + ". " + stepText(results[i], options.explain);
   }
-  if (session.json) {
-    printOut(jsonText(scriptJson(options, steps, results, sound)));
-  } else {
-    printOut(text + (options.dryRun ? kDryRunLine : ""));
-  }
-  return sound ? kDone : kNotSound;
+  return text + (options.dryRun ? kDryRunLine : "");
+}
+
+}  // namespace
+
+int runOperation(const SessionSettings& settings, const EditOptions& options,
+                 const Operation& operation, const Arguments& arguments) {
+  const OpenedDrawing drawing(settings, options.input, DrawingSession::Access::kWrite,
+                              Modules::kRequired);
+  const StepResult step = withProgress(std::string(operation.name) + " in " + options.input, [&] {
+    Editing editing(*drawing);
+    return operation.run(editing, arguments);
+  });
+  save(*drawing, options);
+  printResult(
+      settings, [&] { return operationJson(options, operation, step); },
+      [&] { return stepText(step, options.explain) + (options.dryRun ? kDryRunLine : ""); });
+  return exitCodeFor(isSound(step));
+}
+
+int runScript(const SessionSettings& settings, const EditOptions& options,
+              const std::string& script) {
+  requireModules(settings);
+  checkInput(options.input);
+  const std::vector<ScriptStep> steps = readScript(script);
+  const OpenedDrawing drawing(settings, options.input, DrawingSession::Access::kWrite);
+  const std::vector<StepResult> results =
+      withProgress(counted(steps.size(), "step") + " in " + options.input,
+                   [&] { return runSteps(*drawing, steps); });
+  save(*drawing, options);
+  const bool sound =
+      std::ranges::all_of(results, [](const StepResult& step) { return isSound(step); });
+  printResult(
+      settings, [&] { return scriptJson(options, steps, results, sound); },
+      [&] { return scriptText(options, steps, results); });
+  return exitCodeFor(sound);
 }
 
 }  // namespace cli

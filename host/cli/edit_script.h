@@ -10,8 +10,8 @@
 namespace cli {
 
 /// One step: {"op": "insert", "component": "m8", "on": "21", "at": [30, 20, 10], "as": "first"}.
-/// Keys are the parameters of the operation; what earlier steps gave stands in for texts as
-/// "$first" (the first value of that step) or "$first.feature".
+/// Keys are the parameters of the operation. The text "$first" means the first value of the step
+/// of that name, "$first.feature" another one of its values.
 struct ScriptStep {
   std::size_t number = 0;  ///< from 1
   const Operation* operation = nullptr;

@@ -7,9 +7,8 @@
 #include "host/cli/operation.h"
 #include "host/cli/paths.h"
 #include "host/cli/text_lines.h"
+#include "host/modeling/step_solids.h"
 #include "host/naming/reference_update.h"
-#include "platform/db/units.h"
-#include "platform/modeler/modeler.h"
 
 namespace cli {
 
@@ -55,7 +54,7 @@ StepResult rotate(Editing& editing, const Arguments& arguments) {
                 entity);
 }
 
-/// References into an erased entity that somebody still watches.
+/// Notes the references into an erased entity that still have a watcher.
 void noteLost(const OdDbObjectIdArray& references, StepResult& step) {
   for (const OdDbObjectId& id : references) {
     if (id.isErased()) continue;
@@ -85,31 +84,13 @@ StepResult suppress(Editing& editing, const Arguments& arguments) {
 
 // Bodies.
 
-void collectBodies(const OdModelerAssembly& assembly, OdUInt32 product,
-                   const OdGeMatrix3d& placement, std::vector<OdModelerBodyPtr>& bodies) {
-  for (const OdModelerBodyPtr& body : assembly.products[product].bodies) {
-    if (body->kind() != OdModelerBodyKind::kSolid) continue;
-    OdModelerBodyPtr placed;
-    requireModelled(body->transformed(placement, placed));
-    bodies.push_back(std::move(placed));
-  }
-  for (const OdModelerOccurrence& part : assembly.products[product].occurrences) {
-    collectBodies(assembly, part.product, placement * part.placement, bodies);
-  }
-}
-
 /// The one solid of a STEP file, in the given units.
 OdModelerBodyPtr readPart(const std::string& path, OdDb::UnitsValue units) {
   checkInput(path);
-  OdModelerAssembly assembly;
-  requireModelled(odModeler().importStep(OdString(path), assembly));
-  const double scale = oddbGetUnitsConversion(OdDb::kUnitsMillimeters, units);
-  std::vector<OdModelerBodyPtr> bodies;
-  for (const OdModelerOccurrence& root : assembly.roots) {
-    collectBodies(assembly, root.product, OdGeMatrix3d::scaling(scale) * root.placement, bodies);
-  }
-  if (bodies.size() == 1) return bodies.front();
-  throw CliError("file " + quote(path) + " holds " + counted(bodies.size(), "solid") +
+  std::vector<OdModelerBodyPtr> solids;
+  requireModelled(vdm_host::readStepSolids(OdString(path), units, solids));
+  if (solids.size() == 1) return solids.front();
+  throw CliError("file " + quote(path) + " holds " + counted(solids.size(), "solid") +
                  ", one is needed");
 }
 
@@ -139,23 +120,26 @@ std::vector<OdDbObjectId> edgesOf(Editing& editing, const Arguments& arguments) 
   return edges;
 }
 
-StepResult fillet(Editing& editing, const Arguments& arguments) {
-  const std::vector<OdDbObjectId> edges = edgesOf(editing, arguments);
-  const double radius = arguments.number("radius");
-  const OdDbObjectId solid = vdm_host::resolveReference(edges.front()).solid;
-  return edited(editing.editor.filletReferences(edges, radius),
-                "rounded " + counted(edges.size(), "edge") + " of " + solidText(solid) +
-                    " with radius " + roundedNumber(radius),
-                solid);
-}
+/// An operation that replaces edges of a solid by faces, and the words of its headline.
+struct BlendKind {
+  EditResult (vdm_host::ModelEditor::*run)(std::span<const OdDbObjectId> edges, double size);
+  const char* size;  ///< the parameter
+  const char* done;
+  const char* by;
+};
+constexpr BlendKind kFillet{&vdm_host::ModelEditor::filletReferences, "radius", "rounded",
+                            "with radius"};
+constexpr BlendKind kChamfer{&vdm_host::ModelEditor::chamferReferences, "distance", "chamfered",
+                             "by"};
 
-StepResult chamfer(Editing& editing, const Arguments& arguments) {
+template <const BlendKind& kind>
+StepResult blend(Editing& editing, const Arguments& arguments) {
   const std::vector<OdDbObjectId> edges = edgesOf(editing, arguments);
-  const double distance = arguments.number("distance");
+  const double size = arguments.number(kind.size);
   const OdDbObjectId solid = vdm_host::resolveReference(edges.front()).solid;
-  return edited(editing.editor.chamferReferences(edges, distance),
-                "chamfered " + counted(edges.size(), "edge") + " of " + solidText(solid) + " by " +
-                    roundedNumber(distance),
+  return edited((editing.editor.*kind.run)(edges, size),
+                std::string(kind.done) + " " + counted(edges.size(), "edge") + " of " +
+                    solidText(solid) + " " + kind.by + " " + roundedNumber(size),
                 solid);
 }
 
@@ -213,9 +197,10 @@ constexpr Operation kOperations[] = {
      "vdm suppress plate.vdm Counterbore_1 --off", kSuppressParameters, suppress},
     {"replace", "Exchange the body of a solid; its components are cut into the new one",
      "vdm replace plate.vdm 21 plate_rev_b.step", kReplaceParameters, replace},
-    {"fillet", "Round edges", "vdm fillet plate.vdm rim --radius 2", kFilletParameters, fillet},
+    {"fillet", "Round edges", "vdm fillet plate.vdm rim --radius 2", kFilletParameters,
+     blend<kFillet>},
     {"chamfer", "Chamfer edges", "vdm chamfer plate.vdm rim --distance 1", kChamferParameters,
-     chamfer},
+     blend<kChamfer>},
     {"update", "Bring components and references up to date after edits of other programs",
      "vdm update plate.vdm --explain", kUpdateParameters, update},
 };

@@ -13,6 +13,6 @@ struct ExportOptions {
   OutputFile output;
 };
 
-int runExport(const SessionOptions& session, const ExportOptions& options);
+int runExport(const SessionSettings& settings, const ExportOptions& options);
 
 }  // namespace cli

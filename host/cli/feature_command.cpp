@@ -3,11 +3,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/cli/cli_error.h"
-#include "host/cli/json_text.h"
 #include "host/cli/model_lookup.h"
+#include "host/cli/opened_drawing.h"
 #include "host/cli/paths.h"
-#include "host/cli/text_output.h"
 #include "host/modeling/component_feature.h"
 #include "host/modeling/component_library.h"
 #include "vdm_db/concrete_features/vdm_group_feature.h"
@@ -22,19 +20,17 @@ using Align = TextTable::Align;
 using Collect = void (*)(OdDbDatabase&, TextTable&, Json&);
 
 /// One list: opens, collects, prints.
-int runList(const SessionOptions& session, const std::string& input, const char* key,
+int runList(const SessionSettings& settings, const std::string& input, const char* key,
             TextTable table, Collect collect) {
-  requireModules(session);
-  checkInput(input);
-  DrawingSession runtime(session);
-  const OdDbDatabasePtr drawing = runtime.open(input, DrawingSession::Access::kRead);
+  const OpenedDrawing drawing(settings, input, DrawingSession::Access::kRead, Modules::kRequired);
   Json list = Json::array();
   collect(*drawing, table, list);
-  if (session.json) {
-    printOut(jsonText({{"file", input}, {key, std::move(list)}}));
-  } else {
-    printOut(table.isEmpty() ? input + " has no " + key + "\n" : table.text());
-  }
+  printResult(
+      settings,
+      [&] {
+        return Json{{"file", input}, {key, std::move(list)}};
+      },
+      [&] { return table.isEmpty() ? input + " has no " + key + "\n" : table.text(); });
   return kDone;
 }
 
@@ -135,8 +131,8 @@ void collectGroups(OdDbDatabase& drawing, TextTable& table, Json& list) {
 
 }  // namespace
 
-int runFeatureList(const SessionOptions& session, const std::string& input) {
-  return runList(session, input, "features",
+int runFeatureList(const SessionSettings& settings, const std::string& input) {
+  return runList(settings, input, "features",
                  TextTable({{"HANDLE", Align::kRight},
                             {"NAME", Align::kLeft},
                             {"KIND", Align::kLeft},
@@ -148,8 +144,8 @@ int runFeatureList(const SessionOptions& session, const std::string& input) {
                  collectFeatures);
 }
 
-int runComponentList(const SessionOptions& session, const std::string& input) {
-  return runList(session, input, "components",
+int runComponentList(const SessionSettings& settings, const std::string& input) {
+  return runList(settings, input, "components",
                  TextTable({{"BLOCK", Align::kRight},
                             {"NAME", Align::kLeft},
                             {"CUTTING", Align::kRight},
@@ -158,8 +154,8 @@ int runComponentList(const SessionOptions& session, const std::string& input) {
                  collectComponents);
 }
 
-int runGroupList(const SessionOptions& session, const std::string& input) {
-  return runList(session, input, "groups",
+int runGroupList(const SessionSettings& settings, const std::string& input) {
+  return runList(settings, input, "groups",
                  TextTable({{"HANDLE", Align::kRight},
                             {"NAME", Align::kLeft},
                             {"MEMBERS", Align::kLeft},

@@ -7,8 +7,8 @@
 
 namespace cli {
 
-int runFeatureList(const SessionOptions& session, const std::string& input);
-int runComponentList(const SessionOptions& session, const std::string& input);
-int runGroupList(const SessionOptions& session, const std::string& input);
+int runFeatureList(const SessionSettings& settings, const std::string& input);
+int runComponentList(const SessionSettings& settings, const std::string& input);
+int runGroupList(const SessionSettings& settings, const std::string& input);
 
 }  // namespace cli

@@ -117,7 +117,7 @@ StepResult auditFeatures(Editing& editing, const Arguments& arguments) {
   const std::uint64_t referencesAfter = countReferences(editing.drawing);
   if (referencesAfter < referencesBefore) {
     step.notes.push_back(counted(referencesBefore - referencesAfter, "reference") +
-                         " that nobody watches or that lead to nothing");
+                         " that have no watcher or lead to nothing");
   }
   if (fix) transaction.commit();
   const bool sound = step.notes.empty();
@@ -181,7 +181,7 @@ StepResult makeGroup(Editing& editing, const Arguments& arguments) {
     const OdDbObjectId entity = path.objectIds().first();
     if (entity.ownerId() == space) continue;
     throw CliError(
-        "members of a group stand in one block: " + objectText(paths.first().objectIds().first()) +
+        "members of a group are in one block: " + objectText(paths.first().objectIds().first()) +
         " and " + objectText(entity) + " do not");
   }
   OdDbTransaction transaction(&editing.drawing);

@@ -13,7 +13,7 @@ namespace cli {
 OdDbObjectPtr openByHandle(const OdDbDatabase& drawing, const std::string& handle,
                            OdDb::OpenMode mode);
 
-/// Name of an object's class; of a proxy the class that it stands for.
+/// Name of an object's class; for a proxy, of the class that it replaces.
 [[nodiscard]] std::string classNameOf(const OdDbObject& object);
 
 }  // namespace cli

@@ -1,33 +1,28 @@
 // `vdm import`: a STEP file as a drawing.
 #include "host/cli/import_command.h"
 
-#include "host/cli/cli_error.h"
 #include "host/cli/drawing_facts.h"
-#include "host/cli/progress.h"
+#include "host/cli/opened_drawing.h"
 #include "host/cli/report.h"
 #include "host/cli/text_lines.h"
-#include "host/cli/text_output.h"
 #include "platform/modeler/step_drawing.h"
 
 namespace cli {
 
-int runImport(const SessionOptions& session, const ImportOptions& options) {
+int runImport(const SessionSettings& settings, const ImportOptions& options) {
   checkInput(options.input);
   checkOutput(options.output, options.input);
-  DrawingSession runtime(session);
+  DrawingSession runtime(settings);
   const OdDbDatabasePtr drawing = runtime.create();
   OdStepReport step;
   OdStepImportOptions stepOptions;
   stepOptions.curves = options.curves;
-  {
-    const Progress progress("reading " + options.input);
+  withProgress("reading " + options.input, [&] {
     requireModelled(
         importStepIntoDatabase(drawing.get(), OdString(options.input), &step, stepOptions));
-  }
-  {
-    const Progress progress("writing " + options.output.path);
-    saveDrawingAs(*drawing, options.output.path);
-  }
+  });
+  withProgress("writing " + options.output.path,
+               [&] { saveDrawingAs(*drawing, options.output.path); });
   const DrawingCounts counts = countDrawing(*drawing);
   Report("imported " + options.input + " into " + options.output.path)
       .add("file", options.output.path)
@@ -38,7 +33,7 @@ int runImport(const SessionOptions& session, const ImportOptions& options) {
       .add("units", unitsName(*drawing))
       .add("source_units", str(step.sourceUnit))
       .addLines("notes", linesOf(step.lines))
-      .print(session.json);
+      .print(settings.json);
   return kDone;
 }
 

@@ -14,6 +14,6 @@ struct ImportOptions {
   bool curves = false;  ///< take over wireframe, too
 };
 
-int runImport(const SessionOptions& session, const ImportOptions& options);
+int runImport(const SessionSettings& settings, const ImportOptions& options);
 
 }  // namespace cli

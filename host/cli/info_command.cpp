@@ -4,12 +4,9 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "host/cli/cli_error.h"
 #include "host/cli/drawing_facts.h"
-#include "host/cli/json_text.h"
+#include "host/cli/opened_drawing.h"
 #include "host/cli/paths.h"
-#include "host/cli/progress.h"
-#include "host/cli/text_output.h"
 #include "platform/db/db_variables.h"
 
 namespace cli {
@@ -72,22 +69,20 @@ Json listJson(const std::vector<T>& items, const Make& make) {
   return json;
 }
 
-std::string infoJson(const FileFacts& file, const DrawingFacts& facts,
-                     const OdDbDatabase& drawing) {
-  Json json{{"file", file.path},
-            {"format", file.format},
-            {"bytes", file.bytes},
-            {"units", facts.units},
-            {"objects", facts.objects},
-            {"proxies", facts.proxies},
-            {"proxy_classes", facts.proxyClasses},
-            {"variables", variablesJson(drawing)},
-            {"layers", facts.layers},
-            {"blocks", listJson(facts.blocks, blockJson)},
-            {"inserts", facts.inserts},
-            {"solids", listJson(facts.solids, solidJson)},
-            {"faults", facts.faults}};
-  return jsonText(json);
+Json infoJson(const FileFacts& file, const DrawingFacts& facts, const OdDbDatabase& drawing) {
+  return {{"file", file.path},
+          {"format", file.format},
+          {"bytes", file.bytes},
+          {"units", facts.units},
+          {"objects", facts.objects},
+          {"proxies", facts.proxies},
+          {"proxy_classes", facts.proxyClasses},
+          {"variables", variablesJson(drawing)},
+          {"layers", facts.layers},
+          {"blocks", listJson(facts.blocks, blockJson)},
+          {"inserts", facts.inserts},
+          {"solids", listJson(facts.solids, solidJson)},
+          {"faults", facts.faults}};
 }
 
 // Text.
@@ -164,19 +159,16 @@ bool isSound(const DrawingFacts& facts) {
 
 }  // namespace
 
-int runInfo(const SessionOptions& session, const InfoOptions& options) {
-  checkInput(options.input);
-  DrawingSession runtime(session);
-  const FileFacts file{options.input, runtime.formatVersion(options.input),
+int runInfo(const SessionSettings& settings, const InfoOptions& options) {
+  OpenedDrawing drawing(settings, options.input, DrawingSession::Access::kRead);
+  const FileFacts file{options.input, drawing.session().formatVersion(options.input),
                        fileSize(options.input)};
-  const OdDbDatabasePtr drawing = runtime.open(options.input, DrawingSession::Access::kRead);
-  DrawingFacts facts;
-  {
-    const Progress progress("measuring " + options.input);
-    facts = gatherFacts(*drawing);
-  }
-  printOut(session.json ? infoJson(file, facts, *drawing) : infoText(file, facts));
-  return isSound(facts) ? kDone : kNotSound;
+  const DrawingFacts facts =
+      withProgress("measuring " + options.input, [&] { return gatherFacts(*drawing); });
+  printResult(
+      settings, [&] { return infoJson(file, facts, *drawing); },
+      [&] { return infoText(file, facts); });
+  return exitCodeFor(isSound(facts));
 }
 
 }  // namespace cli

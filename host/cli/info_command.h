@@ -12,6 +12,6 @@ struct InfoOptions {
 };
 
 /// kNotSound when objects cannot be read.
-int runInfo(const SessionOptions& session, const InfoOptions& options);
+int runInfo(const SessionSettings& settings, const InfoOptions& options);
 
 }  // namespace cli

@@ -97,7 +97,7 @@ std::vector<OdDbObjectId> findReferences(OdDbDatabase& drawing, const std::strin
   const VdmNameFeaturePtr name = VdmNameFeature::cast(VdmFeature::open(feature).get());
   if (name.isNull()) throw CliError(objectText(feature) + " is no name of a reference");
   const OdDbObjectIdArray ids = name->referenceIds();
-  if (ids.isEmpty()) throw CliError("the reference " + quote(text) + " is gone");
+  if (ids.isEmpty()) throw CliError("the reference " + quote(text) + " was erased");
   return {ids.begin(), ids.end()};
 }
 

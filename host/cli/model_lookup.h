@@ -10,7 +10,7 @@
 
 namespace cli {
 
-// All take a handle or, where things have names, a name, which goes before a handle. CliError names
+// All take a handle or, where things have names, a name, which is tried first. CliError names
 // the text when nothing is found, when it is something else, or when several have the name.
 
 /// A solid by its handle.
@@ -50,7 +50,7 @@ struct ReferenceText {
   std::string note;                   ///< why it leads nowhere
   std::string name;                   ///< that a user gave; empty for none
   std::vector<std::string> watchers;  ///< names of features, without the name itself
-  /// It leads nowhere because all that watch it are suppressed, or nobody does: no loss.
+  /// It leads nowhere because all its watchers are suppressed or it has none: no loss.
   bool isExpected = false;
 };
 [[nodiscard]] ReferenceText referenceText(const vdm_host::ReferenceEntry& entry);

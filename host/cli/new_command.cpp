@@ -34,10 +34,10 @@ OdDb::UnitsValue parseUnits(const std::string& text) {
 
 }  // namespace
 
-int runNew(const SessionOptions& session, const NewOptions& options) {
+int runNew(const SessionSettings& settings, const NewOptions& options) {
   const OdDb::UnitsValue units = parseUnits(options.units);
   checkOutput(options.output, "");
-  DrawingSession runtime(session);
+  DrawingSession runtime(settings);
   const OdDbDatabasePtr drawing = runtime.create();
   drawing->setINSUNITS(units);
   saveDrawingAs(*drawing, options.output.path);
@@ -45,7 +45,7 @@ int runNew(const SessionOptions& session, const NewOptions& options) {
       .add("file", options.output.path)
       .add("units", unitsName(*drawing))
       .add("objects", drawing->approxNumObjects())
-      .print(session.json);
+      .print(settings.json);
   return kDone;
 }
 

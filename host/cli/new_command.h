@@ -13,6 +13,6 @@ struct NewOptions {
   std::string units = "mm";  ///< name or symbol
 };
 
-int runNew(const SessionOptions& session, const NewOptions& options);
+int runNew(const SessionSettings& settings, const NewOptions& options);
 
 }  // namespace cli

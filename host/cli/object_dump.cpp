@@ -18,7 +18,7 @@ namespace cli {
 
 namespace {
 
-/// Longer runs of bytes are told by their size and a hash.
+/// Longer runs of bytes are shown by their size and a hash.
 constexpr OdUInt32 kShownBytes = 32;
 
 /// FNV-1a, 64 bits: the published offset basis and prime.

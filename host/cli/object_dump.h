@@ -1,4 +1,4 @@
-// One object as text lines: everything that it files, whatever its class.
+// One object of any class as text lines: everything that it files.
 #pragma once
 
 #include <string>
@@ -25,7 +25,7 @@ struct ObjectDump {
   std::string fault;  ///< why there is no more than this
 };
 
-/// Never raises for an object that cannot be read: its `fault` tells why.
+/// Never raises for an object that cannot be read: its `fault` says why.
 [[nodiscard]] ObjectDump dumpObject(const OdDbObjectId& id);
 
 }  // namespace cli

@@ -21,8 +21,8 @@ enum class ParameterKind {
   kTexts,  ///< one or more
 };
 
-/// One parameter. On the command line those that are positional stand behind the drawing in their
-/// order, the others are options; in a script all are keys of the step.
+/// One parameter. On the command line positional ones follow the drawing in their order, and the
+/// others are options; in a script all are keys of the step.
 struct Parameter {
   const char* name;
   ParameterKind kind = ParameterKind::kText;
@@ -31,7 +31,7 @@ struct Parameter {
   const char* help = "";
 };
 
-/// Values by parameter. Whoever gives them has checked them against the parameters.
+/// Values by parameter. The caller has checked them against the parameters.
 class Arguments {
  public:
   void add(const std::string& name, std::string value) { m_values[name].push_back(value); }
@@ -62,7 +62,7 @@ struct StepResult {
   std::vector<std::pair<std::string, std::string>> values;
   std::vector<std::string> notes;
   std::optional<vdm_host::UpdateReport> report;  ///< of operations that end with an update
-  bool sound = true;                             ///< false: exit code 3 whatever the report says
+  bool sound = true;                             ///< false: exit code 3 with any report
 };
 
 /// The drawing under edit. A failed operation raises CliError and leaves it as it was; within a

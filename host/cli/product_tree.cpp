@@ -1,4 +1,11 @@
 // The product structure of a drawing.
+//
+// A walk from model space through inserts into their blocks. A drawing is a graph without cycles,
+// and as a tree it can be exponentially larger: n blocks that each insert the next one twice have
+// 2^n occurrences. The contents of a block are therefore shown at its first insert only, in the
+// order of the walk; later inserts are marked as repeated. Each block is entered once, so that the
+// walk ends and costs time in proportion to the entities of the drawing, even when a damaged file
+// holds a cycle. The depth is limited, since nodes and walk are recursive.
 #include "host/cli/product_tree.h"
 
 #include <algorithm>
@@ -16,7 +23,7 @@ namespace cli {
 
 namespace {
 
-/// Assemblies deeper than this are cut there: recursion ends before the stack does.
+/// An assembly is cut at this depth: a recursion of this many levels fits the usual stack.
 constexpr int kMaxDepth = 1000;
 
 class TreeMaker {

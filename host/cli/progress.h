@@ -7,7 +7,7 @@
 namespace cli {
 
 /// Shows "<what> ... <seconds> s" on one line, from the first second on and only on a terminal;
-/// the line is wiped when the object goes. Runs a thread of its own, which touches nothing else.
+/// the destructor wipes the line. Runs a thread of its own, which touches nothing else.
 class Progress {
  public:
   explicit Progress(std::string what);

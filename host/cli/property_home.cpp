@@ -16,7 +16,7 @@ bool hasOwnBag(const OdDbObject& object) {
   return VdmDbExtensionData::desc() != nullptr && object.isKindOf(VdmDbExtensionData::desc());
 }
 
-/// Something stands where a bag would, readable or not.
+/// There is something at the place of a bag, readable or not.
 bool carriesBag(const OdDbObject& object) {
   const OdResBufPtr data = object.xData(kVdmRegApp);
   if (!data.isNull() && !data->next().isNull()) return true;

@@ -42,10 +42,10 @@ Json itemJson(const PropertyNode& node, VdmPropertyType element) {
 }
 
 Json mapJson(const PropertyNode& node) {
-  const bool byText = node.spec.key == VdmPropertyType::kString;
+  const bool byText = node.kind.key == VdmPropertyType::kString;
   Json json = byText ? Json::object() : Json::array();
   for (std::size_t i = 0; i < node.items.size(); ++i) {
-    Json item = itemJson(node.items[i], node.spec.element);
+    Json item = itemJson(node.items[i], node.kind.element);
     if (byText) {
       json[plainText(node.keys[i])] = std::move(item);
     } else {
@@ -56,10 +56,10 @@ Json mapJson(const PropertyNode& node) {
 }
 
 Json bareJson(const PropertyNode& node) {
-  if (node.spec.type == VdmPropertyType::kMap) return mapJson(node);
-  if (node.spec.type != VdmPropertyType::kArray) return std::visit(JsonOfScalar(), node.scalar);
+  if (node.kind.type == VdmPropertyType::kMap) return mapJson(node);
+  if (node.kind.type != VdmPropertyType::kArray) return std::visit(JsonOfScalar(), node.scalar);
   Json json = Json::array();
-  for (const PropertyNode& item : node.items) json.push_back(itemJson(item, node.spec.element));
+  for (const PropertyNode& item : node.items) json.push_back(itemJson(item, node.kind.element));
   return json;
 }
 
@@ -102,20 +102,20 @@ class Reader {
       throw CliError(quote(shortened(sample(json), 40)) +
                      " is not an object with \"type\" and \"value\"");
     }
-    PropertyNode node = bare(specIn(json), json["value"]);
+    PropertyNode node = bare(kindIn(json), json["value"]);
     --m_nesting;
     return node;
   }
 
-  PropertyNode bare(PropertySpec spec, const Json& json) {
-    if (spec.type == VdmPropertyType::kArray) return array(spec, json);
-    if (spec.type == VdmPropertyType::kMap) return map(spec, json);
-    return scalar(spec.type, json);
+  PropertyNode bare(PropertyKind kind, const Json& json) {
+    if (kind.type == VdmPropertyType::kArray) return array(kind, json);
+    if (kind.type == VdmPropertyType::kMap) return map(kind, json);
+    return scalar(kind.type, json);
   }
 
  private:
   /// The fields "type", "key" and "of" are the parts of a type text.
-  static PropertySpec specIn(const Json& json) {
+  static PropertyKind kindIn(const Json& json) {
     std::string text;
     for (const char* field : {"type", "key", "of"}) {
       if (!json.contains(field)) continue;
@@ -126,7 +126,7 @@ class Reader {
       text += (text.empty() ? "" : ":") + json[field].get<std::string>();
     }
     try {
-      return parseSpec(text);
+      return parseKind(text);
     } catch (const CliError& error) {
       throw CliError(error.what());
     }
@@ -158,37 +158,37 @@ class Reader {
     throw CliError(mismatchText(sample(json), type));
   }
 
-  PropertyNode array(PropertySpec spec, const Json& json) {
-    if (!json.is_array()) throw CliError(mismatchText(sample(json), spec.type));
-    if (spec.element == VdmPropertyType{}) {
-      spec.element = commonType(pointersTo(json));
+  PropertyNode array(PropertyKind kind, const Json& json) {
+    if (!json.is_array()) throw CliError(mismatchText(sample(json), kind.type));
+    if (kind.element == VdmPropertyType{}) {
+      kind.element = commonType(pointersTo(json));
     }
     PropertyNode node;
-    node.spec = spec;
-    for (const Json& element : json) node.items.push_back(item(spec.element, element));
+    node.kind = kind;
+    for (const Json& element : json) node.items.push_back(item(kind.element, element));
     return node;
   }
 
-  PropertyNode map(PropertySpec spec, const Json& json) {
-    const bool open = spec.key == VdmPropertyType{};
-    const bool byText = open || spec.key == VdmPropertyType::kString;
+  PropertyNode map(PropertyKind kind, const Json& json) {
+    const bool open = kind.key == VdmPropertyType{};
+    const bool byText = open || kind.key == VdmPropertyType::kString;
     if (byText ? !json.is_object() : !json.is_array()) {
-      throw CliError(mismatchText(sample(json), spec.type) + " for keys of type " +
-                     specText({open ? VdmPropertyType::kString : spec.key, {}, {}}));
+      throw CliError(mismatchText(sample(json), kind.type) + " for keys of type " +
+                     kindText({open ? VdmPropertyType::kString : kind.key, {}, {}}));
     }
     if (open) {
-      spec.key = VdmPropertyType::kString;
-      spec.element = commonType(pointersTo(json));
+      kind.key = VdmPropertyType::kString;
+      kind.element = commonType(pointersTo(json));
     }
     PropertyNode node;
-    node.spec = spec;
+    node.kind = kind;
     std::set<std::string> keys;
     const auto add = [&](PropertyNode key, const Json& value) {
       if (!keys.insert(plainText(key)).second) {
         throw CliError("key " + quote(plainText(key)) + " comes twice");
       }
       node.keys.push_back(std::move(key));
-      node.items.push_back(item(spec.element, value));
+      node.items.push_back(item(kind.element, value));
     };
     if (byText) {
       for (const auto& entry : json.items()) {
@@ -200,7 +200,7 @@ class Reader {
       if (!pair.is_array() || pair.size() != 2) {
         throw CliError(quote(shortened(sample(pair), 40)) + " is not a pair [key, value]");
       }
-      add(scalar(spec.key, pair[0]), pair[1]);
+      add(scalar(kind.key, pair[0]), pair[1]);
     }
     return node;
   }
@@ -226,7 +226,7 @@ class Reader {
       return VdmPropertyType::kProperty;
     }
     throw CliError(values.empty()
-                       ? "an empty list does not tell its element type, give it as in array:double"
+                       ? "an empty list does not show its element type, give it as in array:double"
                        : "the values are of several kinds, give their type as in array:double");
   }
 
@@ -237,11 +237,11 @@ class Reader {
 }  // namespace
 
 nlohmann::ordered_json typedJson(const PropertyNode& node) {
-  if (node.spec.type == VdmPropertyType{}) return nullptr;
+  if (node.kind.type == VdmPropertyType{}) return nullptr;
   Json json;
-  json["type"] = specText({node.spec.type, {}, {}});
-  if (node.spec.key != VdmPropertyType{}) json["key"] = specText({node.spec.key, {}, {}});
-  if (node.spec.element != VdmPropertyType{}) json["of"] = specText({node.spec.element, {}, {}});
+  json["type"] = kindText({node.kind.type, {}, {}});
+  if (node.kind.key != VdmPropertyType{}) json["key"] = kindText({node.kind.key, {}, {}});
+  if (node.kind.element != VdmPropertyType{}) json["of"] = kindText({node.kind.element, {}, {}});
   json["value"] = bareJson(node);
   return json;
 }
@@ -250,9 +250,9 @@ PropertyNode parseTypedJson(const std::string& text, const OdDbDatabase& drawing
   return Reader(drawing).typed(parseText(text));
 }
 
-PropertyNode parseBareJson(const PropertySpec& spec, const std::string& text,
+PropertyNode parseBareJson(const PropertyKind& kind, const std::string& text,
                            const OdDbDatabase& drawing) {
-  return Reader(drawing).bare(spec, parseText(text));
+  return Reader(drawing).bare(kind, parseText(text));
 }
 
 }  // namespace cli

@@ -18,7 +18,7 @@ namespace cli {
 //
 // Handles, ids ("soft-pointer:1F") and blobs (hexadecimal) are strings as on the command line. An
 // element or value of kind "value" is itself an object of the typed form. The bare form is what
-// stands under "value".
+// is the member "value".
 
 /// The typed form.
 [[nodiscard]] nlohmann::ordered_json typedJson(const PropertyNode& node);
@@ -27,7 +27,7 @@ namespace cli {
 [[nodiscard]] PropertyNode parseTypedJson(const std::string& text, const OdDbDatabase& drawing);
 /// Arrays and maps from the bare form. An open element or key type is taken from the values when
 /// they are all of one kind: text, truth, integer (long), number (double), or typed object.
-[[nodiscard]] PropertyNode parseBareJson(const PropertySpec& spec, const std::string& text,
+[[nodiscard]] PropertyNode parseBareJson(const PropertyKind& kind, const std::string& text,
                                          const OdDbDatabase& drawing);
 
 }  // namespace cli

@@ -21,7 +21,7 @@ bool anyType(Visit&& visit) {
 template <class T>
 PropertyNode nodeOf(const T& value) {
   PropertyNode node;
-  node.spec.type = vdmElementType<T>();
+  node.kind.type = vdmElementType<T>();
   node.scalar = value;
   return node;
 }
@@ -39,7 +39,7 @@ template <class E>
 bool arrayToNode(const VdmPropertyData* data, PropertyNode& node) {
   const auto* concrete = vdmPropertyCast<VdmArray<E>>(data);
   if (concrete == nullptr) return false;
-  node.spec.element = vdmElementType<E>();
+  node.kind.element = vdmElementType<E>();
   for (const E& element : concrete->value()) node.items.push_back(nodeOf(element));
   return true;
 }
@@ -48,8 +48,8 @@ template <class K, class V>
 bool mapToNode(const VdmPropertyData* data, PropertyNode& node) {
   const auto* concrete = vdmPropertyCast<std::map<K, V>>(data);
   if (concrete == nullptr) return false;
-  node.spec.key = vdmElementType<K>();
-  node.spec.element = vdmElementType<V>();
+  node.kind.key = vdmElementType<K>();
+  node.kind.element = vdmElementType<V>();
   for (const auto& [key, value] : concrete->value()) {
     node.keys.push_back(nodeOf(key));
     node.items.push_back(nodeOf(value));
@@ -103,7 +103,7 @@ VdmPropertyDataPtr scalarFromNode(const PropertyNode& node) {
 PropertyNode toNode(const VdmPropertyData* data) {
   PropertyNode node;
   if (data == nullptr) return node;
-  node.spec.type = data->type();
+  node.kind.type = data->type();
   if (data->type() == VdmPropertyType::kArray) {
     anyType<VdmElementTypes>([&]<class E>() { return arrayToNode<E>(data, node); });
   } else if (data->type() == VdmPropertyType::kMap) {
@@ -118,17 +118,17 @@ PropertyNode toNode(const VdmPropertyData* data) {
 
 VdmPropertyDataPtr toProperty(const PropertyNode& node) {
   VdmPropertyDataPtr made;
-  if (node.spec.type == VdmPropertyType::kArray) {
+  if (node.kind.type == VdmPropertyType::kArray) {
     anyType<VdmElementTypes>([&]<class E>() {
-      if (vdmElementType<E>() != node.spec.element) return false;
+      if (vdmElementType<E>() != node.kind.element) return false;
       made = arrayFromNode<E>(node);
       return true;
     });
-  } else if (node.spec.type == VdmPropertyType::kMap) {
+  } else if (node.kind.type == VdmPropertyType::kMap) {
     anyType<VdmPlainTypes>([&]<class K>() {
-      if (vdmElementType<K>() != node.spec.key) return false;
+      if (vdmElementType<K>() != node.kind.key) return false;
       return anyType<VdmElementTypes>([&]<class V>() {
-        if (vdmElementType<V>() != node.spec.element) return false;
+        if (vdmElementType<V>() != node.kind.element) return false;
         made = mapFromNode<K, V>(node);
         return true;
       });
@@ -139,12 +139,10 @@ VdmPropertyDataPtr toProperty(const PropertyNode& node) {
   return made;
 }
 
-PropertySpec specOf(const VdmPropertyData& data) { return toNode(&data).spec; }
-
 bool holdsIds(const PropertyNode& node) {
-  if (node.spec.type == VdmPropertyType::kTypedId ||
-      node.spec.element == VdmPropertyType::kTypedId ||
-      node.spec.key == VdmPropertyType::kTypedId) {
+  if (node.kind.type == VdmPropertyType::kTypedId ||
+      node.kind.element == VdmPropertyType::kTypedId ||
+      node.kind.key == VdmPropertyType::kTypedId) {
     return true;
   }
   return std::ranges::any_of(node.items, holdsIds);

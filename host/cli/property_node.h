@@ -10,21 +10,21 @@
 namespace cli {
 
 /// Kind of a value: its type, and what arrays and maps hold.
-struct PropertySpec {
+struct PropertyKind {
   VdmPropertyType type{};
   VdmPropertyType element{};  ///< of arrays; value type of maps
   VdmPropertyType key{};      ///< of maps
 
-  friend bool operator==(const PropertySpec&, const PropertySpec&) = default;
+  friend bool operator==(const PropertyKind&, const PropertyKind&) = default;
 };
 
-/// One value. A nested value (element type kProperty) has a spec of its own; one whose type is 0 is
+/// One value. A nested value (element type kProperty) has a kind of its own; one whose type is 0 is
 /// a null pointer, which a damaged stream can leave behind.
 struct PropertyNode {
   using Scalar = std::variant<std::monostate, OdString, OdLong, double, bool, signed char,
                               OdDbHandle, OdDbTypedId, VdmBlob>;
 
-  PropertySpec spec;
+  PropertyKind kind;
   Scalar scalar;                    ///< of everything but arrays and maps
   std::vector<PropertyNode> items;  ///< elements of an array, values of a map
   std::vector<PropertyNode> keys;   ///< of a map, one for each item
@@ -32,13 +32,10 @@ struct PropertyNode {
 
 /// The value as a tree; `data` may be null.
 [[nodiscard]] PropertyNode toNode(const VdmPropertyData* data);
-/// A new value. The tree is well formed: scalars have the types that the specs name.
+/// A new value. The tree is well formed: scalars have the types that their kinds name.
 [[nodiscard]] VdmPropertyDataPtr toProperty(const PropertyNode& node);
 
-/// The kind of a value without its content.
-[[nodiscard]] PropertySpec specOf(const VdmPropertyData& data);
-
-/// True when an object id stands anywhere in the value.
+/// True when the value holds an object id at any depth.
 [[nodiscard]] bool holdsIds(const PropertyNode& node);
 
 }  // namespace cli

@@ -72,7 +72,7 @@ std::optional<T> parseNumber(std::string_view text) {
 template <class T>
 PropertyNode scalarNode(VdmPropertyType type, T value) {
   PropertyNode node;
-  node.spec.type = type;
+  node.kind.type = type;
   node.scalar = std::move(value);
   return node;
 }
@@ -147,54 +147,56 @@ struct TextOfScalar {
 
 /// Strings inside of arrays and maps are quoted, so that their commas are theirs.
 std::string itemText(const PropertyNode& node) {
-  return node.spec.type == VdmPropertyType::kString ? "'" + nodeText(node) + "'" : nodeText(node);
+  return node.kind.type == VdmPropertyType::kString ? "'" + nodeText(node) + "'" : nodeText(node);
+}
+
+/// The types that a text names, with a colon between them; none when a part names no type.
+std::vector<VdmPropertyType> typesIn(const std::string& text) {
+  std::vector<VdmPropertyType> types;
+  for (std::size_t start = 0; start <= text.size();) {
+    const std::size_t end = std::min(text.find(':', start), text.size());
+    const std::optional<VdmPropertyType> type = typeOfName(text.substr(start, end - start));
+    if (!type) return {};
+    types.push_back(*type);
+    start = end + 1;
+  }
+  return types;
+}
+
+/// `array` and `map` may be alone; the types of their elements and keys are open then.
+std::optional<PropertyKind> kindOfTypes(const std::vector<VdmPropertyType>& types) {
+  if (types.empty() || types.front() == VdmPropertyType::kProperty) return {};
+  if (types.size() == 1) return PropertyKind{types.front(), {}, {}};
+  const bool isArray = types.front() == VdmPropertyType::kArray;
+  const bool isMap = types.front() == VdmPropertyType::kMap;
+  if (isArray && types.size() == 2 && isElement(types[1])) {
+    return PropertyKind{types[0], types[1], {}};
+  }
+  if (isMap && types.size() == 3 && isKey(types[1]) && isElement(types[2])) {
+    return PropertyKind{types[0], types[2], types[1]};
+  }
+  return {};
 }
 
 }  // namespace
 
-std::string specText(const PropertySpec& spec) {
-  if (spec.type == VdmPropertyType{}) return "null";
-  std::string text(rowOf(spec.type).name);
-  for (const VdmPropertyType part : {spec.key, spec.element}) {
+std::string kindText(const PropertyKind& kind) {
+  if (kind.type == VdmPropertyType{}) return "null";
+  std::string text(rowOf(kind.type).name);
+  for (const VdmPropertyType part : {kind.key, kind.element}) {
     if (part != VdmPropertyType{}) text += ":" + std::string(rowOf(part).name);
   }
   return text;
 }
 
-PropertySpec parseSpec(const std::string& text) {
-  std::vector<VdmPropertyType> parts;
-  std::size_t start = 0;
-  while (start <= text.size()) {
-    const std::size_t end = std::min(text.find(':', start), text.size());
-    const std::optional<VdmPropertyType> type = typeOfName(text.substr(start, end - start));
-    if (!type) break;
-    parts.push_back(*type);
-    start = end + 1;
-  }
-  PropertySpec spec;
-  bool good = start == text.size() + 1;  // every part was a name
-  if (good) {
-    spec.type = parts.front();
-    if (spec.type == VdmPropertyType::kArray) {
-      good = parts.size() == 1 || (parts.size() == 2 && isElement(parts[1]));
-      if (good && parts.size() == 2) spec.element = parts[1];
-    } else if (spec.type == VdmPropertyType::kMap) {
-      good = parts.size() == 1 || (parts.size() == 3 && isKey(parts[1]) && isElement(parts[2]));
-      if (good && parts.size() == 3) {
-        spec.key = parts[1];
-        spec.element = parts[2];
-      }
-    } else {
-      good = parts.size() == 1 && spec.type != VdmPropertyType::kProperty;
-    }
-  }
-  if (!good) throw CliError("type " + quote(text) + " is none of " + kTypeHelp, kWrongUsage);
-  return spec;
+PropertyKind parseKind(const std::string& text) {
+  if (const auto kind = kindOfTypes(typesIn(text))) return *kind;
+  throw CliError("type " + quote(text) + " is none of " + kTypeHelp, kWrongUsage);
 }
 
 std::string plainText(const PropertyNode& node) {
-  const bool map = node.spec.type == VdmPropertyType::kMap;
-  if (!map && node.spec.type != VdmPropertyType::kArray) {
+  const bool map = node.kind.type == VdmPropertyType::kMap;
+  if (!map && node.kind.type != VdmPropertyType::kArray) {
     return std::visit(TextOfScalar(), node.scalar);
   }
   std::string text(1, map ? '{' : '[');

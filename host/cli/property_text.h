@@ -15,10 +15,10 @@ inline constexpr const char* kTypeHelp =
     "(ELEMENT and VALUE: a type, or value for nested ones)";
 
 /// "double", "array:double", "map:string:value".
-[[nodiscard]] std::string specText(const PropertySpec& spec);
+[[nodiscard]] std::string kindText(const PropertyKind& kind);
 /// The reverse; "array" and "map" alone leave element and key open (0). CliError (kWrongUsage) for
 /// any other text.
-[[nodiscard]] PropertySpec parseSpec(const std::string& text);
+[[nodiscard]] PropertyKind parseKind(const std::string& text);
 
 /// The value for people, on one line without control characters.
 [[nodiscard]] std::string nodeText(const PropertyNode& node);

@@ -3,14 +3,12 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/cli/cli_error.h"
 #include "host/cli/find_object.h"
-#include "host/cli/json_text.h"
+#include "host/cli/opened_drawing.h"
 #include "host/cli/paths.h"
 #include "host/cli/property_home.h"
 #include "host/cli/property_json.h"
 #include "host/cli/property_text.h"
-#include "host/cli/text_output.h"
 
 namespace cli {
 
@@ -22,9 +20,8 @@ using Access = DrawingSession::Access;
 /// The drawing and the object of a command line.
 class OpenedHome {
  public:
-  OpenedHome(const SessionOptions& session, const PropsOptions& options, Access access)
-      : m_runtime(session),
-        m_drawing(openDrawing(options, access)),
+  OpenedHome(const SessionSettings& settings, const PropsOptions& options, Access access)
+      : m_drawing(settings, options.input, access),
         m_home(openByHandle(*m_drawing, options.handle,
                             access == Access::kWrite ? OdDb::kForWrite : OdDb::kForRead)) {}
 
@@ -37,13 +34,7 @@ class OpenedHome {
   }
 
  private:
-  OdDbDatabasePtr openDrawing(const PropsOptions& options, Access access) {
-    checkInput(options.input);
-    return m_runtime.open(options.input, access);
-  }
-
-  DrawingSession m_runtime;
-  OdDbDatabasePtr m_drawing;
+  OpenedDrawing m_drawing;
   PropertyHome m_home;
 };
 
@@ -60,23 +51,23 @@ PropertyNode nodeAt(const PropertyHome& home, const VdmProperties& properties,
 
 /// The type that a new value is read by. Open parts of `array` and `map` are taken from the present
 /// value where that is of the same type.
-PropertySpec wantedSpec(const PropsOptions& options, const std::optional<PropertySpec>& present) {
+PropertyKind wantedKind(const PropsOptions& options, const std::optional<PropertyKind>& present) {
   if (options.type.empty()) {
-    return present ? *present : PropertySpec{VdmPropertyType::kString, {}, {}};
+    return present ? *present : PropertyKind{VdmPropertyType::kString, {}, {}};
   }
-  const PropertySpec spec = parseSpec(options.type);
-  const bool open = (spec.type == VdmPropertyType::kArray || spec.type == VdmPropertyType::kMap) &&
-                    spec.element == VdmPropertyType{};
-  return open && present && present->type == spec.type ? *present : spec;
+  const PropertyKind kind = parseKind(options.type);
+  const bool open = (kind.type == VdmPropertyType::kArray || kind.type == VdmPropertyType::kMap) &&
+                    kind.element == VdmPropertyType{};
+  return open && present && present->type == kind.type ? *present : kind;
 }
 
-PropertyNode newValue(const PropsOptions& options, const std::optional<PropertySpec>& present,
+PropertyNode newValue(const PropsOptions& options, const std::optional<PropertyKind>& present,
                       const OdDbDatabase& drawing) {
   if (options.jsonValue) return parseTypedJson(*options.jsonValue, drawing);
-  const PropertySpec spec = wantedSpec(options, present);
-  const bool listed = spec.type == VdmPropertyType::kArray || spec.type == VdmPropertyType::kMap;
-  return listed ? parseBareJson(spec, *options.value, drawing)
-                : parseScalar(spec.type, *options.value, drawing);
+  const PropertyKind kind = wantedKind(options, present);
+  const bool listed = kind.type == VdmPropertyType::kArray || kind.type == VdmPropertyType::kMap;
+  return listed ? parseBareJson(kind, *options.value, drawing)
+                : parseScalar(kind.type, *options.value, drawing);
 }
 
 void checkForm(const PropsOptions& options) {
@@ -95,107 +86,125 @@ void checkForm(const PropsOptions& options) {
         "--type " + quote(options.type) + " is given beside --json-value, which has its own type",
         kWrongUsage);
   }
-  if (!options.type.empty()) static_cast<void>(parseSpec(options.type));
+  if (!options.type.empty()) static_cast<void>(parseKind(options.type));
 }
 
 void checkValue(const PropertyHome& home, const std::string& key, const PropertyNode& value,
-                const std::optional<PropertySpec>& present) {
+                const std::optional<PropertyKind>& present) {
   const std::string what = "property " + quote(key) + " of object " + home.name();
-  if (present && *present != value.spec) {
-    throw CliError(what + " is of type " + specText(*present) + ", not " + specText(value.spec));
+  if (present && *present != value.kind) {
+    throw CliError(what + " is of type " + kindText(*present) + ", not " + kindText(value.kind));
   }
   if (holdsIds(value) && !home.keepsIds()) {
-    throw CliError(what + " cannot be of type " + specText(value.spec) +
+    throw CliError(what + " cannot be of type " + kindText(value.kind) +
                    ": ids in extended data read back as null, use type handle");
   }
 }
 
-void printChange(const SessionOptions& session, const std::string& handle, const std::string& key,
-                 const PropertyNode* before, const PropertyNode* after) {
-  if (session.json) {
-    printOut(jsonText({{"handle", handle},
-                       {"key", key},
-                       {"before", before != nullptr ? typedJson(*before) : Json()},
-                       {"after", after != nullptr ? typedJson(*after) : Json()}}));
-    return;
-  }
-  const PropertyNode& shown = after != nullptr ? *after : *before;
-  std::string line = oneLine(key) + " of " + handle + ": ";
-  if (after == nullptr) {
-    line += "removed, was " + nodeText(*before);
+/// What an edit did to one property; null where there was none or is none.
+struct PropertyChange {
+  std::string handle;
+  std::string key;
+  const PropertyNode* before = nullptr;
+  const PropertyNode* after = nullptr;
+};
+
+Json changeJson(const PropertyChange& change) {
+  const auto valueOf = [](const PropertyNode* node) { return node ? typedJson(*node) : Json(); };
+  return {{"handle", change.handle},
+          {"key", change.key},
+          {"before", valueOf(change.before)},
+          {"after", valueOf(change.after)}};
+}
+
+std::string changeText(const PropertyChange& change) {
+  std::string line = oneLine(change.key) + " of " + change.handle + ": ";
+  if (change.after == nullptr) {
+    line += "removed, was " + nodeText(*change.before);
   } else {
-    if (before != nullptr) line += nodeText(*before) + " -> ";
-    line += nodeText(*after);
+    if (change.before != nullptr) line += nodeText(*change.before) + " -> ";
+    line += nodeText(*change.after);
   }
-  const std::string type = " (" + specText(shown.spec) + ")";
-  printOut(shortened(line, kTextWidth - columnsOf(type)) + type + "\n");
+  const PropertyNode& shown = change.after != nullptr ? *change.after : *change.before;
+  const std::string type = " (" + kindText(shown.kind) + ")";
+  return shortened(line, kTextWidth - columnsOf(type)) + type + "\n";
+}
+
+void printChange(const SessionSettings& settings, const PropertyChange& change) {
+  printResult(
+      settings, [&] { return changeJson(change); }, [&] { return changeText(change); });
+}
+
+Json propertiesJson(const PropertyHome& home) {
+  Json values = Json::object();
+  for (const auto& [key, data] : home.read()) values[str(key)] = typedJson(toNode(data.get()));
+  return {{"handle", home.name()},
+          {"class", classNameOf(*home.object())},
+          {"properties", std::move(values)}};
+}
+
+std::string propertiesText(const PropertyHome& home) {
+  TextTable table({{"KEY", TextTable::Align::kLeft},
+                   {"TYPE", TextTable::Align::kLeft},
+                   {"VALUE", TextTable::Align::kLeft}});
+  for (const auto& [key, data] : home.read()) {
+    const PropertyNode node = toNode(data.get());
+    table.addRow({oneLine(key.utf8()), kindText(node.kind), nodeText(node)});
+  }
+  return table.isEmpty() ? "object " + home.name() + " has no properties\n" : table.text();
 }
 
 }  // namespace
 
-int runPropsList(const SessionOptions& session, const PropsOptions& options) {
-  OpenedHome opened(session, options, Access::kRead);
-  const PropertyHome& home = opened.home();
-  const VdmProperties properties = home.read();
-  if (session.json) {
-    Json values = Json::object();
-    for (const auto& [key, data] : properties) values[str(key)] = typedJson(toNode(data.get()));
-    printOut(jsonText({{"handle", home.name()},
-                       {"class", classNameOf(*home.object())},
-                       {"properties", std::move(values)}}));
-    return kDone;
-  }
-  TextTable table({{"KEY", TextTable::Align::kLeft},
-                   {"TYPE", TextTable::Align::kLeft},
-                   {"VALUE", TextTable::Align::kLeft}});
-  for (const auto& [key, data] : properties) {
-    const PropertyNode node = toNode(data.get());
-    table.addRow({oneLine(key.utf8()), specText(node.spec), nodeText(node)});
-  }
-  printOut(table.isEmpty() ? "object " + home.name() + " has no properties\n" : table.text());
+int runPropsList(const SessionSettings& settings, const PropsOptions& options) {
+  OpenedHome opened(settings, options, Access::kRead);
+  printResult(
+      settings, [&] { return propertiesJson(opened.home()); },
+      [&] { return propertiesText(opened.home()); });
   return kDone;
 }
 
-int runPropsGet(const SessionOptions& session, const PropsOptions& options) {
-  OpenedHome opened(session, options, Access::kRead);
+int runPropsGet(const SessionSettings& settings, const PropsOptions& options) {
+  OpenedHome opened(settings, options, Access::kRead);
   const PropertyNode node = nodeAt(opened.home(), opened.home().read(), options.key);
-  printOut(session.json ? jsonText(typedJson(node)) : plainText(node) + "\n");
+  printResult(
+      settings, [&] { return typedJson(node); }, [&] { return plainText(node) + "\n"; });
   return kDone;
 }
 
-int runPropsSet(const SessionOptions& session, const PropsOptions& options) {
+int runPropsSet(const SessionSettings& settings, const PropsOptions& options) {
   checkForm(options);
-  OpenedHome opened(session, options, Access::kWrite);
+  OpenedHome opened(settings, options, Access::kWrite);
   const std::string handle = opened.home().name();
   VdmProperties properties = opened.home().read();
   const OdString key(options.key);
   const VdmPropertyDataPtr present = properties.getProperty(key);
   const bool isNew = present.isNull();
   const PropertyNode before = toNode(present.get());
-  const std::optional<PropertySpec> spec =
-      isNew ? std::nullopt : std::optional<PropertySpec>(before.spec);
+  const std::optional<PropertyKind> kind =
+      isNew ? std::nullopt : std::optional<PropertyKind>(before.kind);
   PropertyNode after;
   try {
-    after = newValue(options, spec, opened.drawing());
+    after = newValue(options, kind, opened.drawing());
   } catch (const CliError& error) {
     throw CliError("property " + quote(options.key) + ": " + error.what(), error.code());
   }
-  checkValue(opened.home(), options.key, after, spec);
+  checkValue(opened.home(), options.key, after, kind);
   properties.setProperty(key, toProperty(after));
   after = toNode(properties.getProperty(key).get());  // maps in their own order
   opened.save(properties);
-  printChange(session, handle, options.key, isNew ? nullptr : &before, &after);
+  printChange(settings, {handle, options.key, isNew ? nullptr : &before, &after});
   return kDone;
 }
 
-int runPropsRemove(const SessionOptions& session, const PropsOptions& options) {
-  OpenedHome opened(session, options, Access::kWrite);
+int runPropsRemove(const SessionSettings& settings, const PropsOptions& options) {
+  OpenedHome opened(settings, options, Access::kWrite);
   const std::string handle = opened.home().name();
   VdmProperties properties = opened.home().read();
   const PropertyNode before = nodeAt(opened.home(), properties, options.key);
   properties.removeProperty(OdString(options.key));
   opened.save(properties);
-  printChange(session, handle, options.key, &before, nullptr);
+  printChange(settings, {handle, options.key, &before, nullptr});
   return kDone;
 }
 

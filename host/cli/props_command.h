@@ -18,10 +18,10 @@ struct PropsOptions {
   std::string type;                      ///< set: empty keeps the present type, string when new
 };
 
-int runPropsList(const SessionOptions& session, const PropsOptions& options);
-int runPropsGet(const SessionOptions& session, const PropsOptions& options);
+int runPropsList(const SessionSettings& settings, const PropsOptions& options);
+int runPropsGet(const SessionSettings& settings, const PropsOptions& options);
 /// A value of another type than the present one is refused, and nothing changes.
-int runPropsSet(const SessionOptions& session, const PropsOptions& options);
-int runPropsRemove(const SessionOptions& session, const PropsOptions& options);
+int runPropsSet(const SessionSettings& settings, const PropsOptions& options);
+int runPropsRemove(const SessionSettings& settings, const PropsOptions& options);
 
 }  // namespace cli

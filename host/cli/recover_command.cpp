@@ -1,25 +1,23 @@
 // `vdm recover`: what is intact in a damaged drawing, as a new one.
 #include "host/cli/recover_command.h"
 
-#include "host/cli/cli_error.h"
 #include "host/cli/drawing_facts.h"
-#include "host/cli/progress.h"
+#include "host/cli/opened_drawing.h"
 #include "host/cli/report.h"
 #include "host/cli/text_lines.h"
 
 namespace cli {
 
-int runRecover(const SessionOptions& session, const RecoverOptions& options) {
+int runRecover(const SessionSettings& settings, const RecoverOptions& options) {
   checkInput(options.input);
   checkOutput(options.output, options.input);
-  DrawingSession runtime(session);
+  DrawingSession runtime(settings);
   OdStringArray lost;
-  OdDbDatabasePtr drawing;
-  {
-    const Progress progress("recovering " + options.input);
-    drawing = runtime.recover(options.input, lost);
-    saveDrawingAs(*drawing, options.output.path);
-  }
+  const OdDbDatabasePtr drawing = withProgress("recovering " + options.input, [&] {
+    OdDbDatabasePtr recovered = runtime.recover(options.input, lost);
+    saveDrawingAs(*recovered, options.output.path);
+    return recovered;
+  });
   const DrawingCounts counts = countDrawing(*drawing);
   Report("recovered " + options.input + " as " + options.output.path)
       .add("file", options.output.path)
@@ -29,8 +27,8 @@ int runRecover(const SessionOptions& session, const RecoverOptions& options) {
       .add("inserts", counts.inserts)
       .add("losses", std::uint64_t{lost.size()})
       .addLines("lines", linesOf(lost))
-      .print(session.json);
-  return lost.isEmpty() ? kDone : kNotSound;
+      .print(settings.json);
+  return exitCodeFor(lost.isEmpty());
 }
 
 }  // namespace cli

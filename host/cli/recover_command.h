@@ -14,6 +14,6 @@ struct RecoverOptions {
 };
 
 /// kNotSound when something was lost.
-int runRecover(const SessionOptions& session, const RecoverOptions& options);
+int runRecover(const SessionSettings& settings, const RecoverOptions& options);
 
 }  // namespace cli

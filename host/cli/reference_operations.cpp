@@ -1,4 +1,4 @@
-// Operations on references: name a face, edge or vertex, and let go of a name.
+// Operations on references: name a face, edge or vertex, and remove a name.
 #include <algorithm>
 
 #include "host/cli/cli_error.h"
@@ -163,7 +163,7 @@ constexpr Parameter kRemoveParameters[] = {
 };
 
 constexpr Operation kOperations[] = {
-    {"refs add", "Name a face, edge or vertex, to find it again whatever happens to the solid",
+    {"refs add", "Name a face, edge or vertex, to find it again after changes of the solid",
      "vdm refs add plate.vdm 21 --at 60,40,10 --face --name top", kAddParameters, addReference,
      /*updates=*/false},
     {"refs remove", "Let go of a name that was given to a reference",

@@ -4,12 +4,9 @@
 #include <array>
 #include <nlohmann/json.hpp>
 
-#include "host/cli/cli_error.h"
-#include "host/cli/json_text.h"
 #include "host/cli/model_lookup.h"
+#include "host/cli/opened_drawing.h"
 #include "host/cli/paths.h"
-#include "host/cli/progress.h"
-#include "host/cli/text_output.h"
 
 namespace cli {
 
@@ -19,8 +16,7 @@ using Json = nlohmann::ordered_json;
 using vdm_host::ReferenceEntry;
 
 std::vector<ReferenceEntry> readReferences(OdDbDatabase& drawing, const std::string& input) {
-  const Progress progress("reading " + input);
-  return vdm_host::listReferences(&drawing);
+  return withProgress("reading " + input, [&] { return vdm_host::listReferences(&drawing); });
 }
 
 std::string joined(const std::vector<std::string>& texts) {
@@ -81,48 +77,77 @@ Json gradesJson(const GradeCounts& counts) {
 }
 
 /// The drawing of a command, open for reading.
-class OpenedModel {
+class OpenedModel : public OpenedDrawing {
  public:
-  OpenedModel(const SessionOptions& session, const RefsOptions& options)
-      : m_runtime(session), m_drawing(open(session, options)) {}
-
-  OdDbDatabase& drawing() { return *m_drawing; }
-
- private:
-  OdDbDatabasePtr open(const SessionOptions& session, const RefsOptions& options) {
-    requireModules(session);
-    checkInput(options.input);
-    return m_runtime.open(options.input, DrawingSession::Access::kRead);
-  }
-
-  DrawingSession m_runtime;
-  OdDbDatabasePtr m_drawing;
+  OpenedModel(const SessionSettings& settings, const RefsOptions& options)
+      : OpenedDrawing(settings, options.input, DrawingSession::Access::kRead, Modules::kRequired) {}
 };
 
-}  // namespace
-
-int runRefsList(const SessionOptions& session, const RefsOptions& options) {
-  OpenedModel model(session, options);
-  const std::vector<ReferenceEntry> entries = readReferences(model.drawing(), options.input);
-  if (session.json) {
-    Json list = Json::array();
-    for (const ReferenceEntry& entry : entries) list.push_back(referenceJson(referenceText(entry)));
-    printOut(jsonText({{"file", options.input}, {"references", std::move(list)}}));
-    return kDone;
-  }
+std::string listText(const RefsOptions& options, const std::vector<ReferenceEntry>& entries) {
   TextTable table = referenceTable();
   for (const ReferenceEntry& entry : entries) addRow(table, referenceText(entry));
-  printOut(table.isEmpty() ? options.input + " has no references\n" : table.text());
-  return kDone;
+  return table.isEmpty() ? options.input + " has no references\n" : table.text();
 }
 
-namespace {
+Json listJson(const RefsOptions& options, const std::vector<ReferenceEntry>& entries) {
+  Json list = Json::array();
+  for (const ReferenceEntry& entry : entries) list.push_back(referenceJson(referenceText(entry)));
+  return {{"file", options.input}, {"references", std::move(list)}};
+}
+
+/// References that lead to no geometry, apart from those that need not.
+struct ReferenceFindings {
+  std::vector<ReferenceText> lost;
+  std::uint64_t waiting = 0;   ///< for suppressed components
+  std::uint64_t unneeded = 0;  ///< without a watcher
+};
+
+ReferenceFindings findLost(const std::vector<ReferenceEntry>& entries) {
+  ReferenceFindings findings;
+  for (const ReferenceEntry& entry : entries) {
+    if (entry.now.resolved()) continue;
+    ReferenceText text = referenceText(entry);
+    if (!text.isExpected) {
+      findings.lost.push_back(std::move(text));
+    } else {
+      ++(text.watchers.empty() ? findings.unneeded : findings.waiting);
+    }
+  }
+  return findings;
+}
+
+Json auditJson(const RefsOptions& options, const std::vector<ReferenceEntry>& entries,
+               const ReferenceFindings& findings) {
+  Json list = Json::array();
+  for (const ReferenceText& text : findings.lost) list.push_back(referenceJson(text));
+  return {{"file", options.input},
+          {"references", entries.size()},
+          {"waiting", findings.waiting},
+          {"unneeded", findings.unneeded},
+          {"grades", gradesJson(countGrades(entries))},
+          {"sound", findings.lost.empty()},
+          {"findings", std::move(list)}};
+}
+
+std::string auditText(const std::vector<ReferenceEntry>& entries,
+                      const ReferenceFindings& findings) {
+  std::string headline = findings.lost.empty() ? "sound: " : "not sound: ";
+  headline += counted(entries.size(), "reference");
+  if (!entries.empty()) headline += ", " + gradesText(countGrades(entries));
+  if (findings.waiting != 0)
+    headline += "; " + std::to_string(findings.waiting) + " of suppressed components";
+  if (findings.unneeded != 0)
+    headline += "; " + std::to_string(findings.unneeded) + " without a watcher";
+  TextTable table = referenceTable();
+  for (const ReferenceText& text : findings.lost) addRow(table, text);
+  return headline + "\n" + table.text();
+}
 
 std::string storyText(const ReferenceText& text, const vdm_host::ReferenceStory& story) {
   std::string head = "reference " + text.handle;
   if (!text.name.empty()) head += " " + quote(text.name);
   head += ": " + text.subent + (text.subent.empty() ? "" : " of ") + "solid " +
-          (text.solid.empty() ? "that is gone" : solidText(story.now.solid));
+          (text.solid.empty() ? "that was erased" : solidText(story.now.solid));
   if (!text.geometry.empty()) head += ", " + text.geometry;
   std::string out = wrapped(head, "");
   if (!text.watchers.empty()) out += wrapped("watched by " + joined(text.watchers), "  ");
@@ -140,58 +165,43 @@ Json storyJson(const ReferenceText& text, const vdm_host::ReferenceStory& story)
 
 }  // namespace
 
-int runRefsExplain(const SessionOptions& session, const RefsOptions& options) {
-  OpenedModel model(session, options);
+int runRefsList(const SessionSettings& settings, const RefsOptions& options) {
+  const OpenedModel model(settings, options);
+  const std::vector<ReferenceEntry> entries = readReferences(*model, options.input);
+  printResult(
+      settings, [&] { return listJson(options, entries); },
+      [&] { return listText(options, entries); });
+  return kDone;
+}
+
+int runRefsExplain(const SessionSettings& settings, const RefsOptions& options) {
+  const OpenedModel model(settings, options);
   bool resolved = true;
   std::string text;
   Json list = Json::array();
-  for (const OdDbObjectId& id : findReferences(model.drawing(), options.reference)) {
+  for (const OdDbObjectId& id : findReferences(*model, options.reference)) {
     const vdm_host::ReferenceStory story = vdm_host::explainReference(id);
     resolved = resolved && story.now.resolved();
     text += storyText(referenceText(id), story);
     list.push_back(storyJson(referenceText(id), story));
   }
-  printOut(session.json ? jsonText({{"file", options.input}, {"references", std::move(list)}})
-                        : text);
-  return resolved ? kDone : kNotSound;
+  printResult(
+      settings,
+      [&] {
+        return Json{{"file", options.input}, {"references", std::move(list)}};
+      },
+      [&] { return text; });
+  return exitCodeFor(resolved);
 }
 
-int runRefsAudit(const SessionOptions& session, const RefsOptions& options) {
-  OpenedModel model(session, options);
-  const std::vector<ReferenceEntry> entries = readReferences(model.drawing(), options.input);
-  const GradeCounts counts = countGrades(entries);
-  Json findings = Json::array();
-  std::uint64_t waiting = 0;   // for suppressed components
-  std::uint64_t unneeded = 0;  // nobody watches them
-  TextTable table = referenceTable();
-  for (const ReferenceEntry& entry : entries) {
-    if (entry.now.resolved()) continue;
-    const ReferenceText text = referenceText(entry);
-    if (text.isExpected) {
-      ++(text.watchers.empty() ? unneeded : waiting);
-      continue;
-    }
-    findings.push_back(referenceJson(text));
-    addRow(table, text);
-  }
-  const bool sound = findings.empty();
-  if (session.json) {
-    printOut(jsonText({{"file", options.input},
-                       {"references", entries.size()},
-                       {"waiting", waiting},
-                       {"unneeded", unneeded},
-                       {"grades", gradesJson(counts)},
-                       {"sound", sound},
-                       {"findings", std::move(findings)}}));
-  } else {
-    std::string headline = sound ? "sound: " : "not sound: ";
-    headline += counted(entries.size(), "reference");
-    if (!entries.empty()) headline += ", " + gradesText(counts);
-    if (waiting != 0) headline += "; " + std::to_string(waiting) + " of suppressed components";
-    if (unneeded != 0) headline += "; " + std::to_string(unneeded) + " needed by nobody";
-    printOut(headline + "\n" + table.text());
-  }
-  return sound ? kDone : kNotSound;
+int runRefsAudit(const SessionSettings& settings, const RefsOptions& options) {
+  const OpenedModel model(settings, options);
+  const std::vector<ReferenceEntry> entries = readReferences(*model, options.input);
+  const ReferenceFindings findings = findLost(entries);
+  printResult(
+      settings, [&] { return auditJson(options, entries, findings); },
+      [&] { return auditText(entries, findings); });
+  return exitCodeFor(findings.lost.empty());
 }
 
 }  // namespace cli

@@ -13,10 +13,10 @@ struct RefsOptions {
 };
 
 /// All references with their grades and what watches them.
-int runRefsList(const SessionOptions& session, const RefsOptions& options);
+int runRefsList(const SessionSettings& settings, const RefsOptions& options);
 /// One reference: where it comes from and what decided on its way. kNotSound when it leads nowhere.
-int runRefsExplain(const SessionOptions& session, const RefsOptions& options);
+int runRefsExplain(const SessionSettings& settings, const RefsOptions& options);
 /// Counts by grade, and the references that lead nowhere: kNotSound when there are any.
-int runRefsAudit(const SessionOptions& session, const RefsOptions& options);
+int runRefsAudit(const SessionSettings& settings, const RefsOptions& options);
 
 }  // namespace cli

@@ -6,12 +6,10 @@
 #include <charconv>
 #include <filesystem>
 
-#include "host/cli/cli_error.h"
 #include "host/cli/model_lookup.h"
+#include "host/cli/opened_drawing.h"
 #include "host/cli/operation.h"
-#include "host/cli/progress.h"
 #include "host/cli/report.h"
-#include "host/cli/text_output.h"
 #include "host/rendering/render.h"
 #include "platform/db/block_table.h"
 #include "vdm_db/features/vdm_feature_colors.h"
@@ -107,7 +105,7 @@ OdGePoint3d anchorOf(const OdModelerBody& body, const OdDbSubentId& subent) {
   }
 }
 
-/// The named references into solids that stand in the block itself.
+/// Labels for the named references into solids of the block itself.
 void addLabels(OdDbDatabase& drawing, const OdDbObjectId& block,
                rendering::RenderOptions& options) {
   const OdDbObjectId space = block.isNull() ? drawing.getModelSpaceId() : block;
@@ -130,33 +128,31 @@ bool colorsOff() { return false; }
 
 }  // namespace
 
-int runRender(const SessionOptions& session, const RenderCommandOptions& options) {
+int runRender(const SessionSettings& settings, const RenderCommandOptions& options) {
   rendering::RenderOptions picture;
   const Writer write = writerFor(options.output.path);
   picture.viewDirection = viewDirection(options.view);
   readSize(options.size, picture);
-  if (options.labels) requireModules(session);
+  if (options.labels) requireModules(settings);
   checkInput(options.input);
   checkOutput(options.output, options.input);
-  DrawingSession runtime(session);
-  if (options.noFeatureColors && !session.noModules) vdmu::GetFEATURECOLORS::setImpl(&colorsOff);
-  const OdDbDatabasePtr drawing = runtime.open(options.input, DrawingSession::Access::kRead);
+  const OpenedDrawing drawing(settings, options.input, DrawingSession::Access::kRead);
+  if (options.noFeatureColors && !settings.noModules) vdmu::GetFEATURECOLORS::setImpl(&colorsOff);
   std::vector<std::string> warnings;
   picture.block = blockNamed(*drawing, options.block);
   picture.warnings = &warnings;
   if (options.labels) addLabels(*drawing, picture.block, picture);
-  {
-    const Progress progress("drawing " + options.output.path);
+  withProgress("drawing " + options.output.path, [&] {
     const std::string failure = write(*drawing, options.output.path, picture);
     if (!failure.empty()) throw CliError(failure);
-  }
+  });
   Report(options.input + " drawn into " + options.output.path)
       .add("file", options.output.path)
       .add("labels", std::uint64_t{picture.labels.size()})
       .add("bytes", std::uint64_t{fileSize(options.output.path)})
       .addLines("warnings", warnings)
-      .print(session.json);
-  return warnings.empty() ? kDone : kNotSound;
+      .print(settings.json);
+  return exitCodeFor(warnings.empty());
 }
 
 }  // namespace cli

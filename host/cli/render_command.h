@@ -19,6 +19,6 @@ struct RenderCommandOptions {
 };
 
 /// kNotSound when something could not be drawn.
-int runRender(const SessionOptions& session, const RenderCommandOptions& options);
+int runRender(const SessionSettings& settings, const RenderCommandOptions& options);
 
 }  // namespace cli

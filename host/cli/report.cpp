@@ -14,8 +14,6 @@ namespace {
 struct TextOf {
   std::string operator()(const std::string& value) const { return oneLine(value); }
   std::string operator()(std::int64_t value) const { return std::to_string(value); }
-  std::string operator()(double value) const { return roundedNumber(value); }
-  std::string operator()(bool value) const { return value ? "yes" : "no"; }
   std::string operator()(const std::vector<std::string>&) const { return {}; }
 };
 

@@ -1,4 +1,4 @@
-// What a command tells when it is done: named values, for people and for machines.
+// The result of a command as named values, for people and for machines.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@ namespace cli {
 /// text, where empty values are left out.
 class Report {
  public:
-  using Value = std::variant<std::string, std::int64_t, double, bool, std::vector<std::string>>;
+  using Value = std::variant<std::string, std::int64_t, std::vector<std::string>>;
 
   /// Headline of the text; not part of the JSON.
   explicit Report(std::string headline) : m_headline(std::move(headline)) {}
@@ -21,9 +21,7 @@ class Report {
   Report& add(std::string key, std::uint64_t value) {
     return put(std::move(key), static_cast<std::int64_t>(value));
   }
-  Report& addNumber(std::string key, double value) { return put(std::move(key), value); }
-  Report& addSwitch(std::string key, bool value) { return put(std::move(key), value); }
-  /// Each line stands below the rows of the text, indented.
+  /// The text shows the lines below its rows, indented.
   Report& addLines(std::string key, std::vector<std::string> lines) {
     return put(std::move(key), std::move(lines));
   }

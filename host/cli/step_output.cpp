@@ -90,7 +90,7 @@ std::vector<ReferenceReport> mergedByReference(const UpdateReport& report) {
   return merged;
 }
 
-/// Ambiguous or lost now, and somebody misses it.
+/// Became ambiguous or lost, and something refers to it.
 bool isLoss(const ReferenceReport& report) {
   return report.needsAttention && !referenceText(report.reference).isExpected;
 }

@@ -105,7 +105,7 @@ std::string wrapped(std::string_view text, std::string_view indent, std::size_t 
   while (!text.empty()) {
     std::size_t end = text.size();
     if (columnsOf(text) + indent.size() > width) {
-      // The last blank within the width, or the first one behind it.
+      // The last blank within the width, otherwise the first one after it.
       std::size_t columns = indent.size();
       std::size_t blank = std::string_view::npos;
       for (std::size_t i = 0; i < text.size(); ++i) {

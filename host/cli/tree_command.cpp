@@ -5,13 +5,10 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-#include "host/cli/cli_error.h"
 #include "host/cli/drawing_facts.h"
-#include "host/cli/json_text.h"
+#include "host/cli/opened_drawing.h"
 #include "host/cli/paths.h"
 #include "host/cli/product_tree.h"
-#include "host/cli/progress.h"
-#include "host/cli/text_output.h"
 
 namespace cli {
 
@@ -126,24 +123,20 @@ std::string treeText(const ProductNode& root, const std::string& input, OdDbData
   return text;
 }
 
-std::string treeJson(const ProductNode& root, const std::string& input, OdDbDatabase& drawing) {
-  return jsonText({{"file", input}, {"units", unitsName(drawing)}, {"tree", nodeJson(root)}});
+Json treeJson(const ProductNode& root, const std::string& input, OdDbDatabase& drawing) {
+  return {{"file", input}, {"units", unitsName(drawing)}, {"tree", nodeJson(root)}};
 }
 
 }  // namespace
 
-int runTree(const SessionOptions& session, const TreeOptions& options) {
-  checkInput(options.input);
-  DrawingSession runtime(session);
-  const OdDbDatabasePtr drawing = runtime.open(options.input, DrawingSession::Access::kRead);
-  ProductNode root;
-  {
-    const Progress progress("reading " + options.input);
-    root = productTree(*drawing);
-  }
-  printOut(session.json ? treeJson(root, options.input, *drawing)
-                        : treeText(root, options.input, *drawing));
-  return isSound(root) ? kDone : kNotSound;
+int runTree(const SessionSettings& settings, const TreeOptions& options) {
+  const OpenedDrawing drawing(settings, options.input, DrawingSession::Access::kRead);
+  const ProductNode root =
+      withProgress("reading " + options.input, [&] { return productTree(*drawing); });
+  printResult(
+      settings, [&] { return treeJson(root, options.input, *drawing); },
+      [&] { return treeText(root, options.input, *drawing); });
+  return exitCodeFor(isSound(root));
 }
 
 }  // namespace cli

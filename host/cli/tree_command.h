@@ -12,6 +12,6 @@ struct TreeOptions {
 };
 
 /// kNotSound when something cannot be read.
-int runTree(const SessionOptions& session, const TreeOptions& options);
+int runTree(const SessionSettings& settings, const TreeOptions& options);
 
 }  // namespace cli

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/modeling/component_kind.h"
+#include "host/modeling/step_solids.h"
 #include "platform/base/error.h"
 #include "platform/db/block_table.h"
 #include "platform/db/block_table_record.h"
@@ -217,38 +218,10 @@ OdStatus makeFromBlock(OdDbDatabase* database, const OdString& blockName, Compon
   });
 }
 
-namespace {
-
-// Bodies of a product and of what it consists of, in drawing units.
-OdStatus collectBodies(const OdModelerAssembly& assembly, OdUInt32 product,
-                       const OdGeMatrix3d& placement, Bodies& bodies) {
-  for (const OdModelerBodyPtr& body : assembly.products[product].bodies) {
-    if (body->kind() != OdModelerBodyKind::kSolid) continue;
-    OdModelerBodyPtr there;
-    OdStatus status = body->transformed(placement, there);
-    if (!status.ok()) return status;
-    bodies.push_back(std::move(there));
-  }
-  for (const OdModelerOccurrence& part : assembly.products[product].occurrences) {
-    OdStatus status = collectBodies(assembly, part.product, placement * part.placement, bodies);
-    if (!status.ok()) return status;
-  }
-  return {};
-}
-
-}  // namespace
-
 OdStatus makeFromStep(OdDbDatabase* database, const OdString& name, const OdString& path,
                       ComponentRole role, OdDbObjectId& block) {
-  OdModelerAssembly assembly;
-  OdStatus status = odModeler().importStep(path, assembly);
-  const double unit = oddbGetUnitsConversion(OdDb::kUnitsMillimeters, database->getINSUNITS());
   Bodies bodies;
-  for (const OdModelerOccurrence& root : assembly.roots) {
-    if (status.ok())
-      status = collectBodies(assembly, root.product, OdGeMatrix3d::scaling(unit) * root.placement,
-                             bodies);
-  }
+  const OdStatus status = readStepSolids(path, database->getINSUNITS(), bodies);
   if (!status.ok()) return status;
   if (bodies.empty()) return {eInvalidInput, path + L": there are no solids"};
   return makeBlock(database, name, name.c_str(), role, bodies, block);

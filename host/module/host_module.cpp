@@ -3,7 +3,7 @@
 #include "host/naming/pers_id_manager_pe.h"
 #include "platform/rx/module.h"
 
-/// Loaded behind the module that holds the classes of references and features.
+/// Loaded after the module that holds the classes of references and features.
 class VdmHostModule : public OdRxModule {
  public:
   void initApp() override {

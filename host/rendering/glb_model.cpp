@@ -1,4 +1,17 @@
 // GLB models (binary glTF 2.0).
+//
+// The file is a JSON document and one binary chunk. The document is a graph by number: a node names
+// a mesh, a mesh its primitives, a primitive its accessors and its material, an accessor a view, a
+// view a range of the chunk. Each object is appended when it is first needed, and its number is its
+// place in its list. The order is that of the scene: the same scene gives the same bytes.
+//
+// A mesh is shared by all instances of its shape. The exception is an instance with shear: the
+// matrix of a node must be a product of translation, rotation and scale, so that its mesh is
+// written in world coordinates instead. The root node turns Z up into Y up and scales to metres,
+// and all others keep drawing units.
+//
+// All values of the chunk have four bytes, so that every view is aligned. The chunk is collected in
+// memory: the model may not exceed the 4 GiB that its header can count.
 #include "host/rendering/glb_model.h"
 
 #include <bit>
@@ -31,12 +44,13 @@ constexpr int kLineStrip = 3;
 
 constexpr double kShearTolerance = 1e-6;  // cosine between axes that count as perpendicular
 
+// From sRGB (IEC 61966-2-1) to the linear values of the format.
 double linear(std::uint8_t component) {
   const double value = component / 255.0;
   return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
 }
 
-// A node's matrix has to be a product of scale, rotation and translation.
+// Whether the axes of a matrix are not perpendicular to each other.
 bool hasShear(const OdGeMatrix3d& matrix) {
   const OdGeVector3d x = matrix.getCsXAxis().normal();
   const OdGeVector3d y = matrix.getCsYAxis().normal();
@@ -111,6 +125,7 @@ class GlbWriter {
   }
 
   Json addSurface(const Surface& surface, const OdGeMatrix3d& matrix) {
+    // Normals are covariant: the inverse transpose keeps them square to a scaled surface.
     const OdGeMatrix3d normalMatrix = matrix.inverse().transpose();
     const bool flips = matrix.det() < 0.0;
     std::vector<float> normals;
@@ -139,7 +154,7 @@ class GlbWriter {
             {"material", materialOf({line.color, 1.0, 0.0})}};
   }
 
-  // With the box that the format asks for.
+  // The format requires the box of the points.
   std::size_t addPositions(const std::vector<OdGePoint3d>& points, const OdGeMatrix3d& matrix) {
     constexpr float kFar = std::numeric_limits<float>::infinity();
     std::vector<float> values;
@@ -195,7 +210,8 @@ class GlbWriter {
     return known->second;
   }
 
-  // Header, the JSON chunk filled with spaces and the binary one with zeros to multiples of four.
+  // The header and both chunks. A chunk is a multiple of four bytes long: spaces fill the JSON,
+  // zeros the binary one.
   std::string container(std::string json) const {
     std::string binary = m_binary;
     json.resize((json.size() + 3) / 4 * 4, ' ');

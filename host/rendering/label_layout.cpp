@@ -1,4 +1,16 @@
-// Where the labels of a picture stand.
+// Places the labels of a picture.
+//
+// A label belongs to the side of the model on which its anchor is. In each column the labels keep
+// the order of their anchors from top to bottom, so that leaders of one column do not cross on
+// their level parts. The heights come from two sweeps. The first one goes down and pushes each
+// label below the one before it; the second one goes up from the lower margin and lifts what was
+// pushed out of the picture. The second sweep ends at the first label that needs no lifting: the
+// labels above it are at the right distance already. When a column has more labels than lines, the
+// topmost ones leave the picture; none is dropped.
+//
+// The side is decided with the unfitted camera: the columns determine the area of the model, and
+// the area determines the fit, but moving and scaling do not change which side of the middle a
+// point is on. The cost is that of sorting the labels.
 #include "host/rendering/label_layout.h"
 
 #include <algorithm>
@@ -31,7 +43,7 @@ std::string shortened(const std::string& text, double width, double height) {
   return std::string(wide.utf8()) + kCut;
 }
 
-/// Moves the lines apart, the order kept, within the height of the picture as far as it goes.
+/// Moves the lines apart in their order, within the height of the picture as far as there is room.
 void spread(std::vector<PlacedLabel>& column, double distance, double top, double bottom) {
   double least = top;
   for (PlacedLabel& label : column) {
@@ -97,7 +109,7 @@ void LabelLayout::placeColumn(const Camera& camera, bool isLeft,
     label.isLeft = isLeft;
     label.baseLine = label.anchor.y + m_textHeight / 2;
     const double own = widthOf(label.text, m_textHeight);
-    // Both columns are flush with the side of the model.
+    // The texts of a column are aligned at the edge that faces the model.
     const double edge = isLeft ? m_textHeight + width : m_options.width - m_textHeight - width;
     label.textLeft = isLeft ? edge - own : edge;
     label.textRight = label.textLeft + own;

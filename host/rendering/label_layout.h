@@ -1,4 +1,4 @@
-// Where the labels of a picture stand.
+// Places the labels of a picture.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace rendering {
 
-/// A label in pixels. The leader goes from the anchor to the elbow and on to the end of the text.
+/// A label in pixels. Its leader runs from the anchor to the elbow and on to the end of the text.
 struct PlacedLabel {
   std::string text;  ///< shortened where its column is too narrow
   RenderColor color;
@@ -18,11 +18,11 @@ struct PlacedLabel {
   double textLeft = 0.0;
   double textRight = 0.0;
   double baseLine = 0.0;
-  bool isLeft = false;  ///< stands left of the model
+  bool isLeft = false;  ///< of the model
 };
 
-/// Labels stand in a column on each side of the model, in the order of their anchors, and never
-/// over each other as long as the picture is high enough for them.
+/// Puts labels into a column on each side of the model, in the order of their anchors. They do not
+/// overlap as long as the picture is high enough for them.
 class LabelLayout {
  public:
   LabelLayout(const Scene& scene, const RenderOptions& options);

@@ -1,4 +1,18 @@
 // Surfaces and lines as samples with depth.
+//
+// A depth buffer: each sample keeps the nearest surface that was drawn over it. A triangle covers
+// the samples whose centre it contains. The test and the values at the centre come from the same
+// three shares, the areas of the triangles that the centre forms with the sides, divided by the
+// whole: none of them is negative inside, and their sum is 1. Depth and light are linear over the
+// picture, since the projection is parallel. Of two surfaces at one depth the first one stays, so
+// that the picture depends on the order of drawing alone, which is that of the drawing.
+//
+// Lines walk one sample at a time along their longer direction and paint a span across it, which
+// leaves no holes at any slope. Coordinates are clamped to the picture before they become integers:
+// a point far outside costs no time and cannot overflow.
+//
+// The cost of a triangle is that of its bounding box within the picture, that of a line its length
+// within the picture times its width.
 #include "host/rendering/raster.h"
 
 #include <algorithm>
@@ -33,8 +47,7 @@ int clampedFloor(double value, int low, int high) {
   return static_cast<int>(std::floor(std::clamp(value, double(low), double(high))));
 }
 
-// Calls `paint(x, y, depth)` for the samples of a line, each once for each step along its longer
-// direction.
+// Calls `paint(x, y, depth)` once for each sample of a line.
 template <class Paint>
 void walkLine(const PicturePoint& from, const PicturePoint& to, double width, int pictureWidth,
               int pictureHeight, const Paint& paint) {
@@ -83,6 +96,7 @@ void Raster::triangle(const LitPoint (&corners)[3], const RenderColor& color, st
   const LitPoint* b = &corners[1];
   const LitPoint* c = &corners[2];
   double area = turn(a->at, b->at, c->at.x, c->at.y);
+  // Both sides of a surface are drawn: a mesh need not be closed, and a section shows its inside.
   if (area < 0.0) {
     std::swap(b, c);
     area = -area;
@@ -103,7 +117,7 @@ void Raster::triangle(const LitPoint (&corners)[3], const RenderColor& color, st
       const auto depth =
           static_cast<float>(shareA * a->at.depth + shareB * b->at.depth + shareC * c->at.depth);
       Sample& sample = m_samples[indexOf(x, y)];
-      if (!(depth > sample.depth)) continue;
+      if (!(depth > sample.depth)) continue;  // also refuses NaN
       double diffuse = shareA * a->diffuse + shareB * b->diffuse + shareC * c->diffuse;
       double specular = shareA * a->specular + shareB * b->specular + shareC * c->specular;
       if (m_lightLevels > 0) {
@@ -149,6 +163,7 @@ bool Raster::isOutline(const Sample& a, const Sample& b, double gap) {
 }
 
 void Raster::drawOutlines(double gap, const RenderColor& color) {
+  // Marked first and coloured afterwards: isOutline must see the picture without outlines.
   std::vector<std::size_t> marked;
   const auto compare = [&](std::size_t one, std::size_t other) {
     if (!isOutline(m_samples[one], m_samples[other], gap)) return;

@@ -10,15 +10,15 @@
 
 namespace rendering {
 
-/// A corner of a triangle: its place in samples, and how much light falls back from it.
+/// A corner of a triangle: its place in samples, and how much light it reflects.
 struct LitPoint {
   PicturePoint at;
   double diffuse = 1.0;   ///< share of the surface's colour
   double specular = 0.0;  ///< share of white added to it
 };
 
-/// A picture in samples, the nearest surface at each. Parts are numbers from 1 that tell surfaces
-/// apart; 0 is the background.
+/// A picture in samples, the nearest surface at each. Surfaces have different parts, which are
+/// numbers from 1; 0 is the background.
 class Raster {
  public:
   struct Sample {
@@ -28,7 +28,7 @@ class Raster {
     bool isOutlined = false;  ///< its part is large enough for an outline
   };
 
-  /// With `lightLevels` the light of a surface takes only so many values, 0: any.
+  /// `lightLevels`: number of values that the light of a surface is rounded to; 0 does not round.
   Raster(int width, int height, const RenderColor& background, int lightLevels = 0);
 
   [[nodiscard]] int width() const { return m_width; }
@@ -37,19 +37,20 @@ class Raster {
 
   void triangle(const LitPoint (&corners)[3], const RenderColor& color, std::uint32_t part,
                 bool isOutlined);
-  /// A line of a width in samples, where nothing lies more than `bias` drawing units before it.
+  /// A line of a width in samples. It is hidden where something is more than `bias` drawing units
+  /// nearer.
   void line(const PicturePoint& from, const PicturePoint& to, double width, double bias,
             const RenderColor& color);
-  /// The same in front of everything.
+  /// The same without hiding.
   void lineOnTop(const PicturePoint& from, const PicturePoint& to, double width,
                  const RenderColor& color);
-  /// A round dot in front of everything.
+  /// A round dot that nothing hides.
   void dotOnTop(const PicturePoint& at, double diameter, const RenderColor& color);
-  /// Whether a point lies at most `bias` behind the surface at its sample; false outside.
+  /// Whether a point is at most `bias` farther than the surface at its sample; false outside.
   [[nodiscard]] bool sees(const PicturePoint& point, double bias) const;
-  /// Whether the outline of a surface runs between two neighbours: one is of a part that has
-  /// outlines, and they are of different parts and
-  /// `gap` apart in depth, or of one and three times that. The background is infinitely far.
+  /// Whether the outline of a surface runs between two neighbours: at least one is of a part that
+  /// has outlines, and their depths differ by more than `gap` when they are of different parts, by
+  /// more than three times that when they are of one. The background is infinitely far.
   [[nodiscard]] static bool isOutline(const Sample& a, const Sample& b, double gap);
   /// Colours the samples on both sides of outlines, the background's excepted.
   void drawOutlines(double gap, const RenderColor& color);

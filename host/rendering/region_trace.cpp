@@ -1,4 +1,26 @@
 // Outlines of the regions of a raster.
+//
+// A region is a set of samples of one part and colour that are connected by their sides. Its border
+// runs along the grid between samples and is a set of closed loops of unit steps, each with the
+// region at its right. The work has three phases.
+//
+// 1. LabelMap numbers the regions by flood fill: each sample is pushed once.
+// 2. Tracer walks the loops. Every step is a pair (corner, direction), and a bit for each pair says
+//    whether it was walked. A walk always takes the first border step to the right, ahead or to the
+//    left. Each border step thus has exactly one successor and one predecessor, so a walk can only
+//    close at its start, and every step lies in one loop. A loop that turns back on itself has
+//    steps to the east and to the west, so starting at the horizontal steps finds all of them.
+// 3. Loops are cut at junctions, the corners where more than two borders meet, and each piece is
+//    straightened by itself (the farthest point from a chord is kept, then both halves are treated
+//    alike). Two neighbours walk the piece between two junctions in opposite directions. Distances
+//    from a chord do not depend on the direction, so that both keep the same points and neither a
+//    gap nor an overlap appears between them. Where two points are equally far each neighbour keeps
+//    the one that it meets first; the two lines then differ by less than the tolerance. A loop
+//    without two junctions is cut at two corners that do not depend on where its walk began: the
+//    first in reading order and the one farthest from it.
+//
+// Filling and walking cost time in proportion to the samples. Straightening costs n log n for usual
+// pieces of n steps and n squared at worst.
 #include "host/rendering/region_trace.h"
 
 #include <algorithm>
@@ -49,6 +71,8 @@ class LabelMap {
   [[nodiscard]] bool isJunction(const Corner& corner) const {
     const std::array<Label, 4> around{at(corner.x - 1, corner.y - 1), at(corner.x, corner.y - 1),
                                       at(corner.x, corner.y), at(corner.x - 1, corner.y)};
+    // Round a corner on one border the label changes twice; more often means three or more regions,
+    // or two that touch only here.
     int changes = 0;
     for (std::size_t i = 0; i < 4; ++i) changes += around[i] != around[(i + 1) % 4] ? 1 : 0;
     return changes > 2;
@@ -108,6 +132,7 @@ void straighten(const std::vector<Corner>& line, double tolerance,
   while (!spans.empty()) {
     const auto [first, last] = spans.back();
     spans.pop_back();
+    // Position 0 is kept already, so that 0 can mean that all lie within the tolerance.
     double most = tolerance;
     std::size_t farthest = 0;
     for (std::size_t i = first + 1; i < last; ++i) {
@@ -223,6 +248,7 @@ class Tracer {
         piece.push_back(loop[at]);
         if (isOutline(loop[at], directions[at])) ++outlineSteps;
       }
+      // A piece ends where the next one begins; the shared point is added by the next one.
       piece.push_back(loop[(first + count) % loop.size()]);
       std::vector<OutlinePoint> straight;
       straighten(piece, m_tolerance, straight);

@@ -23,7 +23,7 @@ struct SurfaceLook {
   friend auto operator<=>(const SurfaceLook&, const SurfaceLook&) = default;
 };
 
-/// Triangles of one look. `parts` tells for each triangle the number of its face within the shape.
+/// Triangles of one look. `parts` holds for each triangle the number of its face in the shape.
 struct Surface {
   SurfaceLook look;
   std::vector<OdGePoint3d> points;
@@ -35,7 +35,7 @@ struct Surface {
 struct Line {
   std::vector<OdGePoint3d> points;
   RenderColor color;
-  bool isEdge = false;  ///< bounds faces, rather than standing for itself
+  bool isEdge = false;  ///< bounds faces; otherwise an entity of its own
 };
 
 /// One entity in the coordinates of its block.

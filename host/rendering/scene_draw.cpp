@@ -1,4 +1,20 @@
-// Draws a block into a scene: the drawing context behind the pictures.
+// Draws a block into a scene: the drawing context of the pictures.
+//
+// The block's drawable walks its entities and calls back with primitives; a block reference pushes
+// its transform and walks the entities of its block in turn. What arrives is sorted into shapes,
+// one for each entity and look, and instances, one for each place at which a shape appears. Shapes
+// are in the coordinates of their block. An entity that comes again with the same settled look
+// (colour, layer, material) is not drawn again: a part that is inserted a thousand times costs one
+// mesh and a thousand matrices.
+//
+// The key of a shape must hold everything from outside the entity that its primitives depend on.
+// That is the look of the reference around it, which only enters through attributes "by block", and
+// these are settled before the key is made. Transforms stay out of it: primitives are taken back
+// through the transform that was in force when the shape began.
+//
+// An entity that raises is left out with a warning. The stack of transforms and the traits return
+// to what they were before it, so that the entities after it are drawn as if it were not there.
+// The cost is one pass over the entities of each occurrence and over the primitives of each shape.
 #include <map>
 #include <optional>
 #include <tuple>
@@ -28,7 +44,7 @@ std::string handleText(const OdDbObjectId& id) {
   return static_cast<const char*>(id.getHandle().ascii());
 }
 
-// Index 7 is whatever stands out from the background.
+// Index 7 is the colour that contrasts with the background: black on white, white on black.
 constexpr OdUInt16 kForeground = 7;
 constexpr RenderColor kPlainSurface{186, 196, 208};
 constexpr RenderColor kPlainLine{30, 32, 36};
@@ -136,7 +152,7 @@ class SceneDraw : public OdGiWorldDraw, public OdGiWorldGeometry, public OdGiCon
   Scene m_scene;
   std::map<ShapeKey, std::size_t> m_known;
   Shape m_shape;                 // being drawn
-  std::size_t m_shapeLevel = 1;  // transforms on the stack when it began
+  std::size_t m_shapeLevel = 1;  // transforms on the stack when the shape began
 };
 
 OdDbDisplayAttributes SceneDraw::settled() const {
@@ -249,6 +265,8 @@ void SceneDraw::polygon(std::span<const OdGePoint3d> points) {
   outline.push_back(outline.front());
   polyline(outline);
   if (m_traits.fillType() == OdGiFillType::kFillNever) return;
+  // The sum of the fan's normals is twice the signed area. A triangle that turns the other way
+  // proves the outline concave, and a fan would fill more than it bounds.
   OdGeVector3d normal;
   for (std::size_t i = 1; i + 1 < points.size(); ++i) {
     normal += (points[i] - points[0]).crossProduct(points[i + 1] - points[0]);
@@ -291,11 +309,13 @@ class ShellPlacer {
 
   void add(std::size_t index, Surface& surface, OdGsMarker marker) {
     std::array<OdUInt32, 3> corners = m_shell.triangles[index];
+    // A mirror turns the order of corners round; swapping two keeps the front in front.
     if (m_flips) std::swap(corners[1], corners[2]);
     const OdGePoint3d& first = m_points[corners[0]];
     const OdGeVector3d across =
         (m_points[corners[1]] - first).crossProduct(m_points[corners[2]] - first);
     const double area = across.length();
+    // A triangle without area has no normal and covers no sample; this drops NaN as well.
     if (!(area > 0.0)) return;
     std::vector<std::uint32_t>& placed = placedIn(surface.look);
     std::array<std::uint32_t, 3> triangle{};
@@ -343,6 +363,7 @@ void SceneDraw::shell(const OdGiShell& shell) {
   ShellPlacer placer(shell, toShape());
   SurfaceLook look = lookOf(settled());
   for (std::size_t i = 0; i < shell.triangles.size(); ++i) {
+    // Neighbours mostly share their colour; settling a look opens layer and material.
     if (!faces.colors.empty() && (i == 0 || faces.colors[i] != faces.colors[i - 1])) {
       m_traits.setTrueColor(faces.colors[i]);
       look = lookOf(settled());

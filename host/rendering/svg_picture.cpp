@@ -54,7 +54,7 @@ std::string escaped(const std::string& text) {
         result += "&gt;";
         break;
       default:
-        // Control characters cannot stand in the file at all.
+        // The format does not allow control characters, not even escaped.
         result += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
     }
   }
@@ -167,7 +167,7 @@ class SvgWriter {
     return std::hypot(a.x - b.x, a.y - b.y) < kShortest;
   }
 
-  // On a silhouette the sample itself may show what lies behind, or its neighbour.
+  // On a silhouette the sample itself may show a surface farther away, or its neighbour does.
   [[nodiscard]] bool isNearSeen(const Raster& raster, const PicturePoint& point) const {
     constexpr PicturePoint kAround[] = {{0, 0, 0}, {1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}};
     for (const PicturePoint& off : kAround) {

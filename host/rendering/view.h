@@ -23,7 +23,7 @@ struct View {
 
   View(const Scene& scene, const RenderOptions& options, int samplesPerSide);
 
-  /// Depth by which a line may lie behind a surface and still be on it, drawing units.
+  /// A line that is farther than a surface by at most this depth counts as on it, drawing units.
   [[nodiscard]] double lineBias() const;
   /// Depth between surfaces from which on an outline parts them.
   [[nodiscard]] double outlineGap() const;
@@ -38,8 +38,8 @@ struct View {
 [[nodiscard]] Raster rasterise(const Scene& scene, const View& view, const RenderOptions& options,
                                int lightLevels);
 
-/// Calls `draw(from, to, color)` for each piece of the scene's lines: those that stand for
-/// themselves, and edges where they are asked for and would not cover what they bound.
+/// Calls `draw(from, to, color)` for each piece of the scene's lines: entities of their own, and
+/// edges where they are asked for and are large enough not to cover their faces.
 template <class Draw>
 void forEachLine(const Scene& scene, const View& view, bool withEdges, const Draw& draw) {
   for (std::size_t index = 0; index < scene.instances.size(); ++index) {

@@ -6,7 +6,7 @@
 namespace rendering {
 
 /// Writes the bytes beside the path and renames the file to it. The result is empty, or the reason
-/// with the path; nothing is left behind then and an old file stays.
+/// with the path; no other file is left then and an old one stays.
 [[nodiscard]] std::string writeWholeFile(const std::string& path, const std::string& bytes);
 
 }  // namespace rendering

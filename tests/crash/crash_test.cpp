@@ -6,7 +6,7 @@
 
 #include "tests/crash/fault_vfs.h"
 #include "tests/crash/power_loss.h"
-#include "tests/storage/store_testing.h"
+#include "tests/platform/storage/store_testing.h"
 
 namespace {
 
@@ -86,24 +86,24 @@ class Crash : public storetest::FolderTest {
   }
   [[nodiscard]] PowerLoss::Files files() const {
     PowerLoss::Files found;
-    for (const auto& entry : std::filesystem::directory_iterator(folder())) {
-      found[entry.path().string()] = storetest::readBytes(entry.path().string());
+    for (const auto& entry : std::filesystem::directory_iterator(m_folder.path().string())) {
+      found[entry.path().string()] = readBytes(entry.path().string());
     }
     return found;
   }
   /// Makes the folder's files these.
   void putFiles(const PowerLoss::Files& wanted) {
-    for (const auto& entry : std::filesystem::directory_iterator(folder())) {
+    for (const auto& entry : std::filesystem::directory_iterator(m_folder.path().string())) {
       if (!wanted.contains(entry.path().string())) std::filesystem::remove(entry.path());
     }
-    for (const auto& [path, bytes] : wanted) storetest::writeBytes(path, bytes);
+    for (const auto& [path, bytes] : wanted) writeBytes(path, bytes);
   }
   /// True when the drawing is as after, false as before; anything else is a failure.
   bool isAfter(const Scenario& scenario) {
     if (!scenario.hasFile && !std::filesystem::exists(m_path)) return false;
     OdStatus status;
     const auto found = storetest::readFile(*m_sound, m_path, &status);
-    EXPECT_TRUE(found.has_value()) << storetest::textOf(status);
+    EXPECT_TRUE(found.has_value()) << textOf(status);
     const bool matchesAfter = found == scenario.after;
     EXPECT_TRUE(matchesAfter || (scenario.hasFile && found == scenario.before));
     return matchesAfter;
@@ -202,11 +202,11 @@ TEST_F(Crash, DiskFullAtAnyOperationIsReportedAndLosesNothing) {
       finished = faultState().count <= at;
       faultState().start(FaultMode::kNone);
       if (status.code == eDiskFull) ++diskFull;
-      const std::string text = storetest::textOf(status);
+      const std::string text = textOf(status);
       EXPECT_TRUE(status.ok() || !finished) << text;
       EXPECT_TRUE(status.ok() || text.find(m_path + ":") != std::string::npos) << text;
       EXPECT_TRUE(isAfter(scenario) || !status.ok());
-      EXPECT_EQ(listing().find(".tmp"), std::string::npos) << listing();
+      EXPECT_EQ(m_folder.listing().find(".tmp"), std::string::npos) << m_folder.listing();
     }
     EXPECT_GT(diskFull, 0U);
   }

@@ -4,8 +4,9 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "tests/random/module_session.h"
 #include "tests/random/script_check.h"
+#include "tests/support/module_testing.h"
+#include "tests/support/test_seed.h"
 
 namespace {
 
@@ -15,9 +16,9 @@ class RandomScripts : public testing::Test {
   static bool isLong() { return std::getenv("VDM_LONG_TESTS") != nullptr; }
 
   static void play(ScriptOptions options, int scripts) {
-    const ModuleSession session;
-    if (const char* seed = std::getenv("VDM_RANDOM_SEED")) {
-      options.seed = std::strtoull(seed, nullptr, 10);
+    const VdmModule module;
+    if (const auto seed = requestedSeed()) {
+      options.seed = *seed;
       scripts = 1;
     }
     std::cout << "seeds " << options.seed << " to "

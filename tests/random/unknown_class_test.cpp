@@ -1,47 +1,32 @@
 // Objects of the module's classes pass through programs that do not know the module.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <map>
 
-#include "platform/cloning/id_mapping.h"
 #include "platform/db/database.h"
 #include "platform/db/dictionary.h"
-#include "platform/db/host_app_services.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/proxy_object.h"
-#include "platform/storage/sqlite_record_store.h"
 #include "tests/random/edit_script.h"
-#include "tests/random/module_session.h"
+#include "tests/support/drawing_testing.h"
 #include "tests/support/dump_drawing.h"
+#include "tests/support/module_testing.h"
+#include "tests/support/test_folder.h"
 #include "vdm_db/properties/vdm_db_extension_data.h"
 
 namespace {
 
 using Records = std::map<OdUInt64, std::vector<OdUInt8>>;
 
-class UnknownClasses : public testing::Test {
+class UnknownClasses : public virtual VdmModule, public DrawingVerbs, public testing::Test {
  protected:
-  UnknownClasses() : m_services(createSqliteStoreFactory()) {}
-  ~UnknownClasses() override {
-    for (const char* file : {"made.vdm", "known.vdm", "unknown.vdm"}) std::filesystem::remove(file);
-  }
-
-  OdDbDatabasePtr open(const char* path) {
-    OdStatus status;
-    OdDbDatabasePtr database = m_services.readFile(OdString(path), status);
-    EXPECT_TRUE(status.ok()) << status.text.utf8();
-    return database;
-  }
-  static void saveAs(const OdDbDatabasePtr& database, const char* path) {
-    const OdStatus status = database->saveAs(OdString(path));
-    ASSERT_TRUE(status.ok()) << status.text.utf8();
-  }
+  OdDbDatabasePtr openFile(const char* name) { return read(m_services, m_folder.odFile(name)); }
   // A drawing that has been edited at random; every dictionary in it is whole.
   void make(std::uint64_t seed) {
     const OdDbDatabasePtr database = m_services.createDatabase();
     EditScript script(seed);
     for (int edits = 0; edits < 40; ++edits) script.edit(database.get());
-    saveAs(database, "made.vdm");
+    saveAs(database, m_folder.odFile("made.vdm"));
   }
   // Every element of the root dictionary, with all that it owns.
   static OdResult cloneEverything(OdDbDatabase* database) {
@@ -55,16 +40,15 @@ class UnknownClasses : public testing::Test {
     return ids.isEmpty() ? eOk
                          : database->deepCloneObjects(ids, root, *OdDbIdMapping::createObject());
   }
-  static void cloneAndSave(const OdDbDatabasePtr& database, const char* path) {
+  void cloneAndSave(const OdDbDatabasePtr& database, const char* name) {
     ASSERT_EQ(cloneEverything(database.get()), eOk);
-    saveAs(database, path);
+    saveAs(database, m_folder.odFile(name));
   }
   // The stored bytes of all objects of a class.
-  Records recordsOf(const char* path, std::string_view className) {
+  Records recordsOf(const char* name, std::string_view className) {
     std::unique_ptr<OdDbRecordStore> store;
-    const OdStatus status =
-        m_services.recordStoreFactory()->open(OdString(path), OdDbStoreOpenMode::kReadOnly, store);
-    EXPECT_TRUE(status.ok()) << status.text.utf8();
+    EXPECT_TRUE(succeeded(m_services.recordStoreFactory()->open(
+        m_folder.file(name), OdDbStoreOpenMode::kReadOnly, store)));
     OdUInt32 wanted = 0;
     for (const OdDbStoredClass& item : store->classes()) {
       if (item.value.find(className) != std::string::npos) wanted = item.id;
@@ -88,8 +72,8 @@ class UnknownClasses : public testing::Test {
     return count;
   }
 
-  const ModuleSession m_session;
-  OdDbHostAppServices m_services;
+  const TestFolder m_folder;
+  FilingHost m_services;
 };
 
 TEST_F(UnknownClasses, KeepEveryByteThroughLoadCloneAndSave) {
@@ -97,15 +81,15 @@ TEST_F(UnknownClasses, KeepEveryByteThroughLoadCloneAndSave) {
   for (std::uint64_t seed = 500; seed < 530; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     make(seed);
-    cloneAndSave(open("made.vdm"), "known.vdm");
+    cloneAndSave(openFile("made.vdm"), "known.vdm");
 
-    ModuleSession::unload();
+    unload();
     {
-      const OdDbDatabasePtr database = open("made.vdm");
+      const OdDbDatabasePtr database = openFile("made.vdm");
       proxies += countProxies(database.get());
       cloneAndSave(database, "unknown.vdm");
     }
-    ModuleSession::load();
+    load();
 
     const Records before = recordsOf("made.vdm", "VdmDbExtensionData");
     const Records after = recordsOf("unknown.vdm", "VdmDbExtensionData");
@@ -115,8 +99,8 @@ TEST_F(UnknownClasses, KeepEveryByteThroughLoadCloneAndSave) {
       EXPECT_EQ(kept->second, bytes) << handle;
     }
     // Cloned without the module as with it: same handles, same values, same references.
-    const std::string known = dumpDrawing(open("known.vdm").get(), DumpScope::kInFile);
-    const std::string unknown = dumpDrawing(open("unknown.vdm").get(), DumpScope::kInFile);
+    const std::string known = dumpDrawing(openFile("known.vdm").get(), DumpScope::kInFile);
+    const std::string unknown = dumpDrawing(openFile("unknown.vdm").get(), DumpScope::kInFile);
     ASSERT_EQ(firstDifference(known, unknown), "");
   }
   EXPECT_GT(proxies, 30u);

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "tests/modeling_host/modeling_testing.h"
+#include "tests/host/modeling/failing_modeler.h"
+#include "tests/host/modeling/modeling_testing.h"
 #include "tests/support/dump_drawing.h"
 
 using namespace vdm_host;

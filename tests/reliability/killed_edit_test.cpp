@@ -6,7 +6,7 @@
 
 #include "platform/storage/sqlite_record_store.h"
 #include "tests/crash/fault_vfs.h"
-#include "tests/modeling_host/modeling_testing.h"
+#include "tests/host/modeling/modeling_testing.h"
 #include "tests/support/dump_drawing.h"
 
 using namespace vdm_host;
@@ -20,7 +20,7 @@ class KilledEdit : public ModelingTest {
     m_insert = insert(block, 100.0, 100.0).created.getHandle();
     put(block, 115.0, 100.0);
     put(boss(L"B", 40.0, 20.0), 120.0, 120.0);
-    EXPECT_TRUE(m_database->saveAs(OdString(kStart)).ok());
+    saveAs(m_database, OdString(kStart));
     m_editor.reset();
     m_database.release();
   }
@@ -28,10 +28,8 @@ class KilledEdit : public ModelingTest {
     for (const char* file : {kStart, kFile}) std::filesystem::remove(file);
   }
 
-  static std::string stateOf(OdDbHostAppServices& services) {
-    OdStatus status;
-    const OdDbDatabasePtr database = services.readFile(OdString(kFile), status);
-    EXPECT_TRUE(status.ok()) << status.text.utf8();
+  static std::string stateOfFile(OdDbHostAppServices& services) {
+    const OdDbDatabasePtr database = read(services, OdString(kFile));
     return database.isNull() ? std::string() : dumpDrawing(database.get());
   }
   /// Opens the file, moves the insert and saves; ends at file operation `at` of all that.
@@ -66,17 +64,17 @@ class KilledEdit : public ModelingTest {
 
 TEST_F(KilledEdit, IsSavedWhollyOrNotAtAll) {
   std::filesystem::copy_file(kStart, kFile, std::filesystem::copy_options::overwrite_existing);
-  const std::string before = stateOf(m_files);
+  const std::string before = stateOfFile(m_files);
   ASSERT_EQ(runKilledAt(std::size_t(-1)), 0);
-  const std::string after = stateOf(m_files);
+  const std::string after = stateOfFile(m_files);
   ASSERT_NE(before, after);
   std::size_t kills = 0;
   for (int code = runKilledAt(kills); code != 0; code = runKilledAt(++kills)) {
     ASSERT_EQ(code, crashtest::kKilledExitCode) << kills;
-    const std::string found = stateOf(m_files);
+    const std::string found = stateOfFile(m_files);
     ASSERT_TRUE(found == before || found == after) << kills << firstDifference(after, found);
   }
-  EXPECT_EQ(stateOf(m_files), after);
+  EXPECT_EQ(stateOfFile(m_files), after);
   EXPECT_GT(kills, 5U);
 }
 

@@ -2,12 +2,11 @@
 #include <filesystem>
 
 #include "host/naming/name_feature.h"
-#include "platform/cloning/id_mapping.h"
-#include "platform/db/dictionary.h"
-#include "platform/db/proxy_object.h"
 #include "platform/entities/block_reference.h"
-#include "platform/rx/dynamic_linker.h"
-#include "tests/modeling_host/modeling_testing.h"
+#include "platform/db/dictionary.h"
+#include "platform/cloning/id_mapping.h"
+#include "platform/db/proxy_object.h"
+#include "tests/host/modeling/modeling_testing.h"
 #include "tests/support/dump_drawing.h"
 
 using namespace vdm_host;
@@ -28,7 +27,7 @@ class MissingClasses : public ModelingTest, public testing::WithParamInterface<M
         m_plate, OdDbSubentId(OdDb::kFaceSubentType, openingFace(made.feature, 1)));
     OdDbObjectId name;
     EXPECT_EQ(nameReference(wall, OdString(L"wall"), name), eOk);
-    EXPECT_TRUE(m_database->saveAs(OdString(kMade)).ok());
+    save(kMade);
     m_made = reopen(kMade);
   }
   ~MissingClasses() override {
@@ -44,9 +43,8 @@ class MissingClasses : public ModelingTest, public testing::WithParamInterface<M
   /// Gives the state of the file.
   std::string reopen(const char* path) {
     close();
-    OdStatus status;
-    m_database = m_files.readFile(OdString(path), status);
-    if (m_database.isNull()) throw std::runtime_error(std::string(status.text.utf8()));
+    m_database = read(m_files, OdString(path));
+    if (m_database.isNull()) throw std::runtime_error("no drawing");
     m_plate = m_database->getOdDbObjectId(m_plateHandle);
     m_editor = std::make_unique<ModelEditor>(m_database.get());
     return dump();
@@ -54,15 +52,13 @@ class MissingClasses : public ModelingTest, public testing::WithParamInterface<M
   [[nodiscard]] std::string dump() const { return dumpDrawing(m_database.get()); }
   std::string reopenWithout(const char* path) {
     close();
-    m_isMissing = true;
-    odrxDynamicLinker()->unloadModule(OdString(VDM_HOST_MODULE_FILE));
-    if (GetParam() == Missing::kAll) odrxDynamicLinker()->unloadModule(OdString(VDM_MODULE_FILE));
+    VdmHostModule::unload();
+    if (GetParam() == Missing::kAll) VdmModule::unload();
     return reopen(path);
   }
   void loadAgain() {
-    if (!std::exchange(m_isMissing, false)) return;
-    if (GetParam() == Missing::kAll) odrxDynamicLinker()->loadModule(OdString(VDM_MODULE_FILE));
-    odrxDynamicLinker()->loadModule(OdString(VDM_HOST_MODULE_FILE));
+    VdmModule::load();
+    VdmHostModule::load();
   }
   std::string reopenWith(const char* path) {
     close();
@@ -83,14 +79,13 @@ class MissingClasses : public ModelingTest, public testing::WithParamInterface<M
         .safeOpenAs<OdDbBlockReference>(OdDb::kForWrite)
         ->transformBy(OdGeMatrix3d::translation({30.0, 20.0, 0.0}));
   }
-  void save(const char* path) const { ASSERT_TRUE(m_database->saveAs(OdString(path)).ok()); }
+  void save(const char* path) const { saveAs(m_database, OdString(path)); }
 
   static constexpr const char* kMade = "missing_made.vdm";
   static constexpr const char* kSaved = "missing_saved.vdm";
   OdDbHandle m_insert;
   OdDbHandle m_plateHandle;
   std::string m_made;
-  bool m_isMissing = false;
 };
 
 TEST_P(MissingClasses, AreKeptByLoadingUndoAndSavingAndWorkAgain) {
@@ -156,7 +151,7 @@ TEST_P(MissingClasses, GoIntoAnotherDrawingWithTheirBlock) {
   reopenWithout(kMade);
   OdDbDatabasePtr copy = m_database->wblock(m_database->getModelSpaceId());
   ASSERT_FALSE(copy.isNull());
-  ASSERT_TRUE(copy->saveAs(OdString(kSaved)).ok());
+  saveAs(copy, OdString(kSaved));
   copy.release();
   reopenWith(kSaved);
   m_plate = entities<OdDb3dSolid>(m_database->getModelSpaceId()).at(0)->objectId();

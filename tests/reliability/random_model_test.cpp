@@ -3,8 +3,9 @@
 #include <filesystem>
 #include <iostream>
 
-#include "tests/modeling_host/modeling_testing.h"
+#include "tests/host/modeling/modeling_testing.h"
 #include "tests/reliability/model_play.h"
+#include "tests/support/test_seed.h"
 
 namespace {
 
@@ -38,9 +39,7 @@ TEST_F(RandomModels, KeepAllLawsThroughEveryScript) {
   const bool isLong = std::getenv("VDM_LONG_TESTS") != nullptr;
   std::uint64_t seed = 1;
   std::uint64_t last = isLong ? 300 : 5;
-  if (const char* wanted = std::getenv("VDM_RANDOM_SEED")) {
-    seed = last = std::strtoull(wanted, nullptr, 10);
-  }
+  if (const auto wanted = requestedSeed()) seed = last = *wanted;
   const ModelParts parts{m_base, importedPart()};
   ReferenceTally tally;
   for (; seed <= last; ++seed) {

@@ -1,0 +1,18 @@
+// Solids of a STEP file.
+#pragma once
+
+#include <vector>
+
+#include "platform/base/status.h"
+#include "platform/base/string.h"
+#include "platform/db/units.h"
+#include "platform/modeler/body.h"
+
+namespace vdm_host {
+
+/// All solids that the file places, in the given units, at their places in the assembly. A part
+/// that occurs twice gives two bodies. Sheets and wires are left out.
+[[nodiscard]] OdStatus readStepSolids(const OdString& path, OdDb::UnitsValue units,
+                                      std::vector<OdModelerBodyPtr>& solids);
+
+}  // namespace vdm_host

@@ -1,0 +1,54 @@
+// Drawings with components, edits of them, and what they are to be compared with.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/modeling/component_feature.h"
+#include "host/modeling/component_library.h"
+#include "host/modeling/model_editor.h"
+#include "tests/support/module_testing.h"
+#include "tests/support/solid_drawing_testing.h"
+
+/// Loads the host's module; its end unloads it.
+class VdmHostModule : public LoadedModule {
+ public:
+  VdmHostModule();
+};
+
+/// A drawing with a plate of 300 x 200 x 10, its corner at the origin; the modules are loaded.
+class ModelingTest : public virtual SolidRuntime,
+                     public virtual VdmModule,
+                     public virtual VdmHostModule,
+                     public DrawingTest {
+ protected:
+  ModelingTest();
+  ~ModelingTest() override;
+
+  OdDbObjectId hole(const std::wstring& name, double diameter, std::optional<double> depth = {});
+  OdDbObjectId boss(const std::wstring& name, double diameter, double height);
+  /// Inserts at a point of the plate's top; fails the test when that cannot be done.
+  vdm_host::EditResult insert(const OdDbObjectId& block, double x, double y, double z = 10.0);
+  void put(const OdDbObjectId& block, double x, double y) { (void)insert(block, x, y); }
+  static testing::AssertionResult done(const vdm_host::EditResult& result);
+
+  OdModelerBodyPtr plateBody() const { return solid(m_plate)->body(); }
+  double volume() const { return plateBody()->massProperties().volume; }
+  OdUInt32 numFaces() const { return plateBody()->numFaces(); }
+  VdmComponentFeaturePtr component(const OdDbObjectId& feature) const;
+  /// Index of the face that the only reference of the tool's face stands for; 0 when unresolved.
+  OdUInt32 openingFace(const OdDbObjectId& feature, int toolFace) const;
+  OdDbObjectId openingReference(const OdDbObjectId& feature, int toolFace) const;
+  [[nodiscard]] std::map<OdUInt64, std::string> snapshot() const { return statesOf(*m_database); }
+  /// The plate without components, all fills, less all cuts, made by the modeller directly.
+  OdModelerBodyPtr freshBody(const OdModelerBodyPtr& base) const;
+  /// The plate and `fresh` are the same in volume and number of faces, and the plate is sound.
+  testing::AssertionResult isAsFresh(const OdModelerBodyPtr& base) const;
+
+  FilingHost m_files;
+  OdDbObjectId m_plate;
+  OdModelerBodyPtr m_base;
+  std::unique_ptr<vdm_host::ModelEditor> m_editor;
+};

@@ -1,0 +1,92 @@
+// Undo, redo, marks and transactions.
+#include "tests/platform/db/core_testing.h"
+
+class OdDbUndoLogTest : public CoreTest {
+ protected:
+  void step(const std::function<void()>& work) {
+    database->startUndoRecord();
+    work();
+  }
+};
+
+TEST_F(OdDbUndoLogTest, ANewChangeForgetsWhatCouldBeRedone) {
+  OdDbObjectId a;
+  step([&] { a = addCell(L"a"); });
+  step([&] { addCell(L"gone"); });
+  ASSERT_EQ(database->undo(), eOk);
+  EXPECT_TRUE(database->hasRedo());
+  step([&] { setNumber(a, 5); });
+  EXPECT_FALSE(database->hasRedo());
+  EXPECT_EQ(database->redo(), eNothingToUndo);
+  ASSERT_EQ(database->undo(), eOk);
+  EXPECT_EQ(open(a)->number(), 0);
+}
+
+TEST_F(OdDbUndoLogTest, UndoBackReturnsToTheMarkOverManySteps) {
+  OdDbObjectId a;
+  step([&] { a = addCell(L"a"); });
+  const std::string marked = dumpDrawing(database.get());
+  database->setUndoMark();
+  for (int i = 1; i < 6; ++i) step([&] { setNumber(a, i); });
+  EXPECT_EQ(database->numUndoSteps(), 6u);
+  EXPECT_EQ(database->undoBack(), eOk);
+  EXPECT_EQ(dumpDrawing(database.get()), marked);
+  EXPECT_FALSE(database->hasUndoMark());
+  EXPECT_EQ(database->undoBack(), eNothingToUndo);
+}
+
+TEST_F(OdDbUndoLogTest, NestedTransactionsAbortByThemselves) {
+  OdDbObjectId a;
+  step([&] { a = addCell(L"a"); });
+  database->startUndoRecord();
+  {
+    OdDbTransaction outer(database.get());
+    setText(a, L"outer");
+    {
+      OdDbTransaction inner(database.get());
+      setText(a, L"inner");
+      setNumber(a, 7);
+      addCell(L"inner cell");
+    }
+    EXPECT_EQ(open(a)->text(), L"outer");
+    EXPECT_EQ(open(a)->number(), 0);
+    {
+      OdDbTransaction inner(database.get());
+      setNumber(a, 8);
+      EXPECT_EQ(inner.commit(), eOk);
+    }
+    EXPECT_EQ(outer.commit(), eOk);
+  }
+  EXPECT_EQ(open(a)->number(), 8);
+  EXPECT_EQ(database->endTransaction(), eTransactionMismatch);
+  ASSERT_EQ(database->undo(), eOk);
+  EXPECT_EQ(open(a)->text(), L"a");
+  EXPECT_EQ(open(a)->number(), 0);
+}
+
+TEST_F(OdDbUndoLogTest, AStepOlderThanTheTransactionCannotBeUndoneInIt) {
+  OdDbObjectId a;
+  step([&] { a = addCell(L"a"); });
+  const OdDbTransaction transaction(database.get());
+  EXPECT_EQ(database->undo(), eTransactionMismatch);
+  step([&] { setNumber(a, 4); });
+  EXPECT_EQ(database->undo(), eOk);
+  EXPECT_EQ(open(a)->number(), 0);
+}
+
+TEST_F(OdDbUndoLogTest, WithoutRecordingTransactionsStillAbortAndUndoKeepsNoRedo) {
+  OdDbObjectId a;
+  step([&] { a = addCell(L"a"); });
+  step([&] { setNumber(a, 1); });
+  database->disableUndoRecording(true);
+  {
+    const OdDbTransaction aborted(database.get());
+    setNumber(a, 9);
+  }
+  EXPECT_EQ(open(a)->number(), 1);
+  EXPECT_EQ(database->numUndoSteps(), 2u);
+  EXPECT_EQ(database->undo(), eOk);
+  database->disableUndoRecording(false);
+  EXPECT_EQ(open(a)->number(), 0);
+  EXPECT_FALSE(database->hasRedo());
+}

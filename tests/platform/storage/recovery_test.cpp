@@ -1,0 +1,169 @@
+// Recovery brings back every intact record of a damaged drawing and says what is lost.
+#include <algorithm>
+
+#include "platform/storage/storage_format.h"
+#include "tests/platform/storage/store_testing.h"
+
+namespace {
+
+using odstorage::kPageSize;
+using storetest::Content;
+using storetest::makeContent;
+
+/// What a recovery found.
+class CollectingSink : public OdDbRecoverySink {
+ public:
+  void classFound(const OdDbStoredClass& item) override { content.classes[item.id] = item.value; }
+  void variableFound(const OdDbStoredVariable& item) override {
+    content.variables[item.key] = item.value;
+  }
+  void recordFound(const OdDbRecordView& record) override {
+    EXPECT_TRUE(content.records.empty() || content.records.rbegin()->first < record.handle);
+    content.records[record.handle] = storetest::recordOf(record);
+  }
+  void lost(const OdString& line) override { (lines += static_cast<const char*>(line)) += '\n'; }
+
+  Content content;
+  std::string lines;
+};
+
+class Recovery : public storetest::FolderTest {
+ protected:
+  void write(const Content& content) {
+    m_content = content;
+    ASSERT_TRUE(writeFile(*m_factory, m_path, content).ok());
+    m_bytes = readBytes(m_path);
+  }
+  void overwritePage(std::size_t number, char value) {
+    std::fill_n(m_bytes.begin() + static_cast<std::ptrdiff_t>((number - 1) * kPageSize), kPageSize,
+                value);
+  }
+  /// Recovers the present bytes. What comes back must be a part of the content.
+  CollectingSink recover() {
+    writeBytes(m_path, m_bytes);
+    CollectingSink sink;
+    EXPECT_TRUE(succeeded(m_factory->recover(m_path, sink)));
+    for (const auto& [handle, record] : sink.content.records) {
+      EXPECT_TRUE(record == m_content.records.at(handle)) << handle;
+    }
+    return sink;
+  }
+  /// Number of records that start in the page. Roots keep remains of rows that moved elsewhere.
+  std::size_t recordsInPage(std::size_t number) const {
+    const std::string_view page(m_bytes.data() + (number - 1) * kPageSize, kPageSize);
+    return static_cast<std::size_t>(
+        std::count_if(m_content.records.begin(), m_content.records.end(), [&](const auto& item) {
+          return page.find(std::string_view(item.second.data).substr(0, 40)) !=
+                 std::string_view::npos;
+        }));
+  }
+
+  std::unique_ptr<OdDbRecordStoreFactory> m_factory = createSqliteStoreFactory();
+  std::string m_path = file("drawing.vdm");
+  Content m_content;
+  std::string m_bytes;
+};
+
+TEST_F(Recovery, LosesOnlyWhatStoodInTheDamagedPage) {
+  Content content = makeContent(300, 300);
+  content.records[301] = {1, 1, storetest::noise(50000, 77)};
+  write(content);
+  const std::string sound = m_bytes;
+  for (std::size_t page = 1; page <= sound.size() / kPageSize; ++page) {
+    SCOPED_TRACE(page);
+    m_bytes = sound;
+    const std::size_t inPage = recordsInPage(page);
+    const bool isOverflow = page > 4 && inPage == 0;
+    overwritePage(page, '\x5A');
+    const CollectingSink sink = recover();
+    EXPECT_GE(sink.content.records.size(),
+              m_content.records.size() - inPage - (isOverflow ? 1 : 0));
+    EXPECT_NE(sink.lines, "");
+    if (page > 4 && inPage > 0) {
+      EXPECT_NE(sink.lines.find("301 were saved, " + std::to_string(301 - inPage)),
+                std::string::npos)
+          << sink.lines;
+    }
+  }
+}
+
+TEST_F(Recovery, NamesTheRecordThatIsDamaged) {
+  write(makeContent(100, 300));
+  const std::size_t offset = m_bytes.find(m_content.records.at(0x2F).data);
+  ASSERT_NE(offset, std::string::npos);
+  m_bytes[offset + 3] ^= 1;
+  const CollectingSink sink = recover();
+  EXPECT_EQ(sink.content.records.size(), 99U);
+  EXPECT_FALSE(sink.content.records.contains(0x2F));
+  EXPECT_TRUE(sink.content.classes == m_content.classes);
+  EXPECT_TRUE(sink.content.variables == m_content.variables);
+  EXPECT_NE(sink.lines.find("record 2F on page"), std::string::npos) << sink.lines;
+}
+
+TEST_F(Recovery, LeavesOutWhatWasErasedBeforeTheDamage) {
+  const Content first = makeContent(300, 300);
+  Content second = first;
+  std::erase_if(second.records, [](const auto& item) { return item.first > 150; });
+  write(first);
+  {
+    std::unique_ptr<OdDbRecordStore> store;
+    ASSERT_TRUE(m_factory->open(m_path, OdDbStoreOpenMode::kReadWrite, store).ok());
+    ASSERT_TRUE(saveChanges(*store, first, second).ok());
+  }
+  m_bytes = readBytes(m_path);
+  overwritePage(4, '\0');  // the root of the objects: every record must be searched for
+  const CollectingSink sink = recover();
+  EXPECT_TRUE(sink.content.records == second.records) << sink.lines;
+}
+
+TEST_F(Recovery, TakesTheVersionInTheTreeBeforeAnOlderOne) {
+  const Content first = makeContent(100, 300);
+  Content second = first;
+  second.records.at(5).data[10] ^= 1;
+  write(first);
+  const std::string before = m_bytes;
+  {
+    std::unique_ptr<OdDbRecordStore> store;
+    ASSERT_TRUE(m_factory->open(m_path, OdDbStoreOpenMode::kReadWrite, store).ok());
+    ASSERT_TRUE(saveChanges(*store, first, second).ok());
+  }
+  m_content = second;
+  m_bytes = readBytes(m_path);
+  // The page with the older version, to which nothing refers, and damage to another record.
+  const std::size_t page = before.find(first.records.at(5).data) / kPageSize;
+  m_bytes += before.substr(page * kPageSize, kPageSize);
+  m_bytes[m_bytes.find(second.records.at(0x2F).data) + 3] ^= 1;
+  EXPECT_TRUE(recover().content.records.contains(5));
+}
+
+TEST_F(Recovery, EndsWhereATreeRunsInACircle) {
+  write(makeContent(300, 300));
+  constexpr std::size_t kRoot = 4;
+  char* root = m_bytes.data() + (kRoot - 1) * kPageSize;
+  const auto number = [root](std::size_t at) {
+    return std::size_t{static_cast<unsigned char>(root[at])} << 8U |
+           static_cast<unsigned char>(root[at + 1]);
+  };
+  // Every child of the inner page, the last one included, becomes the page itself.
+  const auto pointTo = [root](std::size_t at) { *std::fill_n(root + at, 3, '\0') = char{kRoot}; };
+  ASSERT_EQ(root[0], 5);
+  for (std::size_t cell = 0; cell < number(3); ++cell) pointTo(number(12 + 2 * cell));
+  pointTo(8);
+  const CollectingSink sink = recover();
+  EXPECT_EQ(sink.content.records.size(), m_content.records.size()) << "found outside of the tree";
+  EXPECT_NE(sink.lines.find("page 4 is claimed twice"), std::string::npos) << sink.lines;
+}
+
+TEST_F(Recovery, RefusesWhatHoldsNothing) {
+  CollectingSink sink;
+  writeBytes(m_path, storetest::noise(50000, 3));
+  EXPECT_EQ(m_factory->recover(m_path, sink).code, eNotADrawing);
+  write(makeContent(0, 0));
+  m_bytes.resize(100);
+  writeBytes(m_path, m_bytes);
+  EXPECT_EQ(m_factory->recover(m_path, sink).code, eRecoveryFailed);
+  EXPECT_EQ(m_factory->recover(file("missing.vdm"), sink).code, eFileNotFound);
+  EXPECT_TRUE(sink.content == Content{});
+}
+
+}  // namespace

@@ -1,0 +1,160 @@
+// Files that are no drawings, or not ones to trust, are refused with an error that says why.
+#include <sqlite3.h>
+
+#include <cstdio>
+#include <functional>
+
+#include "platform/storage/record_checksum.h"
+#include "platform/storage/storage_format.h"
+#include "tests/platform/storage/store_testing.h"
+
+namespace {
+
+using storetest::makeContent;
+
+/// Edits a drawing without the store.
+void execute(const std::string& path, const std::string& sql) {
+  sqlite3* connection = nullptr;
+  ASSERT_EQ(sqlite3_open(path.c_str(), &connection), SQLITE_OK);
+  char* message = nullptr;
+  EXPECT_EQ(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, &message), SQLITE_OK)
+      << sql << ": " << (message != nullptr ? message : "");
+  sqlite3_free(message);
+  sqlite3_close(connection);
+}
+
+struct Refusal {
+  std::function<void(const std::string& path)> prepare;
+  OdResult code;
+  const char* text;  ///< part of the message
+};
+
+std::function<void(const std::string&)> sql(const std::string& text) {
+  return [text](const std::string& path) { execute(path, text); };
+}
+
+std::function<void(const std::string&)> bytes(const std::string& content) {
+  return [content](const std::string& path) { writeBytes(path, content); };
+}
+
+std::function<void(const std::string&)> poke(std::size_t offset, char value) {
+  return [=](const std::string& path) {
+    std::string content = readBytes(path);
+    content[offset] = value;
+    writeBytes(path, content);
+  };
+}
+
+/// A file that only readers of version 7 understand.
+void makeNewer(const std::string& path) {
+  odstorage::StoreState state;
+  state.minReaderVersion = 7;
+  const auto encoded = state.encode();
+  const std::string_view value(reinterpret_cast<const char*>(encoded.data()), encoded.size());
+  const std::uint64_t sum =
+      odstorage::variableChecksum(odstorage::kStateRowId, odstorage::kStateRowKey, value);
+  std::string hex;
+  for (const std::uint8_t byte : encoded) {
+    char digits[3];
+    std::snprintf(digits, sizeof(digits), "%02X", byte);
+    hex += digits;
+  }
+  execute(path, "PRAGMA user_version=7;UPDATE header SET value=x'" + hex +
+                    "',sum=" + std::to_string(static_cast<std::int64_t>(sum)) + " WHERE id=1");
+}
+
+class Refusals : public storetest::FolderTest {};
+
+TEST_F(Refusals, EachHostileFileIsRefusedWithItsReason) {
+  const Refusal kRefusals[] = {
+      {bytes(std::string(9000, 'x')), eNotADrawing, "does not start like one"},
+      {bytes(""), eNotADrawing, "shorter than the header"},
+      {sql("PRAGMA application_id=1234"), eNotADrawing, "0x000004D2, a drawing has 0x56444D31"},
+      {makeNewer, eNewerFormat, "version 7, this program knows"},
+      {sql("PRAGMA user_version=0"), eUnsupportedVersion, "version 0"},
+      {poke(16, 0x20), eCorruptData, "page size is 8192, expected 4096"},
+      {poke(18, 2), eCorruptData, "write version is 2"},
+      {poke(80, 1), eCorruptData, "unused bytes"},
+      {sql("CREATE TRIGGER evil AFTER INSERT ON objects BEGIN SELECT 1; END"), eCorruptData,
+       "trigger \"evil\""},
+      {sql("CREATE VIEW v AS SELECT 1"), eCorruptData, "view \"v\""},
+      {sql("CREATE TABLE more(x)"), eCorruptData, "table \"more\""},
+      {sql("ALTER TABLE objects ADD COLUMN extra"), eCorruptData,
+       "table \"objects\" is not defined"},
+      {sql("DROP TABLE classes"), eCorruptData, "2 of the 3 tables"},
+      {sql("DELETE FROM header WHERE id=1"), eCorruptData, "state row is missing"},
+      {sql("UPDATE header SET value=x'00' WHERE id=2"), eChecksumMismatch, "header row 2"},
+      {sql("DELETE FROM header WHERE id=2"), eChecksumMismatch, "3 rows"},
+      {sql("DELETE FROM classes WHERE id=1"), eChecksumMismatch, "4 were saved"},
+      {sql("UPDATE classes SET record=CAST(record AS TEXT)"), eCorruptData, "class 1 is damaged"},
+      {sql("UPDATE classes SET record=zeroblob(1048577) WHERE id=1"), eLimitExceeded,
+       "1048577 bytes"},
+      {sql("UPDATE header SET key=printf('%.300c','k') WHERE id=2"), eLimitExceeded, "300 bytes"},
+  };
+  const auto factory = createSqliteStoreFactory();
+  for (const Refusal& refusal : kRefusals) {
+    SCOPED_TRACE(refusal.text);
+    const std::string path = file("drawing.vdm");
+    ASSERT_TRUE(writeFile(*factory, path, makeContent(20, 200)).ok());
+    refusal.prepare(path);
+    const std::string before = readBytes(path);
+    for (const OdDbStoreOpenMode mode :
+         {OdDbStoreOpenMode::kReadOnly, OdDbStoreOpenMode::kReadWrite}) {
+      std::unique_ptr<OdDbRecordStore> store;
+      const OdStatus status = factory->open(path, mode, store);
+      EXPECT_EQ(store, nullptr);
+      const std::string text = textOf(status);
+      EXPECT_EQ(status.code, refusal.code) << text;
+      EXPECT_NE(text.find(refusal.text), std::string::npos) << text;
+      EXPECT_NE(text.find(path), std::string::npos) << text;
+    }
+    EXPECT_TRUE(before == readBytes(path)) << "the file was changed";
+  }
+}
+
+TEST_F(Refusals, RecordsThatWereTamperedWithAreNamed) {
+  /// With the code of reading record 5.
+  const std::pair<const char*, OdResult> kTamperings[] = {
+      {"UPDATE objects SET owner=9 WHERE handle=5", eChecksumMismatch},
+      {"UPDATE objects SET class=9 WHERE handle=5", eChecksumMismatch},
+      {"UPDATE objects SET class=-1 WHERE handle=5", eCorruptData},
+      {"UPDATE objects SET sum=sum+1 WHERE handle=5", eChecksumMismatch},
+      {"UPDATE objects SET data=substr(data,2) WHERE handle=5", eChecksumMismatch},
+      {"UPDATE objects SET data='text' WHERE handle=5", eCorruptData},
+      {"UPDATE objects SET handle=500 WHERE handle=5", eUnknownHandle},
+      {"DELETE FROM objects WHERE handle=5", eUnknownHandle},
+  };
+  const auto factory = createSqliteStoreFactory();
+  const std::string path = file("drawing.vdm");
+  for (const auto& [change, code] : kTamperings) {
+    SCOPED_TRACE(change);
+    ASSERT_TRUE(writeFile(*factory, path, makeContent(20, 200)).ok());
+    execute(path, change);
+    std::unique_ptr<OdDbRecordStore> store;
+    ASSERT_TRUE(factory->open(path, OdDbStoreOpenMode::kReadOnly, store).ok());
+    OdDbRecordView record;
+    EXPECT_EQ(store->readRecord(5, record).code, code);
+    EXPECT_EQ(record.data, nullptr);
+    EXPECT_TRUE(succeeded(store->readRecord(6, record)));
+    EXPECT_FALSE(storetest::readAll(*store).has_value());
+  }
+}
+
+/// A newer format says in its state row which readers understand it.
+TEST_F(Refusals, NewerFormatOpensForReadingWhenItSaysSo) {
+  const auto factory = createSqliteStoreFactory();
+  const std::string path = file("newer.vdm");
+  const storetest::Content content = makeContent(20, 200);
+  ASSERT_TRUE(writeFile(*factory, path, content).ok());
+  execute(path, "CREATE TABLE more(x);PRAGMA user_version=2");
+  std::unique_ptr<OdDbRecordStore> store;
+  EXPECT_EQ(factory->open(path, OdDbStoreOpenMode::kReadWrite, store).code, eNewerFormat);
+  EXPECT_TRUE(succeeded(factory->open(path, OdDbStoreOpenMode::kReadOnly, store)));
+  ASSERT_NE(store, nullptr);
+  EXPECT_EQ(store->formatVersion(), 2);
+  EXPECT_TRUE(storetest::readAll(*store) == content);
+  execute(path, "CREATE VIEW v AS SELECT 1");
+  EXPECT_EQ(factory->open(path, OdDbStoreOpenMode::kReadOnly, store).code, eCorruptData);
+}
+
+}  // namespace

@@ -1,5 +1,0 @@
-// The class of test objects.
-#include "clone_testing.h"
-
-OD_RX_DEFINE_DB(CloneNode, OdDbObject, L"CloneNode", 0, 0, kOdRxEraseAllowed, L"CLONE_NODE",
-                L"Clone tests")

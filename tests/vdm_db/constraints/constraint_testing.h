@@ -1,0 +1,78 @@
+// A drawing with constraints, a solver's extension, and verbs for the tests of both.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/db/audit_info.h"
+#include "tests/support/model_testing.h"
+
+/// Types from 10 on are parametric. Counts what it hears.
+class TestSolver : public OdStaticRxObject<VdmDbConstraintManagerPE> {
+ public:
+  bool isParametric(const VdmConstraint* constraint) override { return constraint->type() >= 10; }
+  bool isLinearDimension(const VdmConstraint*) override { return false; }
+  bool isAngularDimension(const VdmConstraint*) override { return false; }
+  bool attachmentWanted() override { return false; }
+  void reservedOperationA() override {}
+  bool dropUnmappedConstraint() override { return false; }
+  void constraintsRemoved(const OdStringArray& names, const OdDbObjectId&) override {
+    removed = names;
+  }
+  OdString generateConstraintName(OdString& name, VdmDbConstraintManager*, VdmConstraint*,
+                                  const OdString& wanted, bool) override {
+    return name = wanted;
+  }
+  bool skipRemapping(VdmConstraint*, OdInt32) override { return false; }
+  void invalidateTCCache(OdDbDatabase*) override { ++invalidations; }
+  void reservedOperationB() override {}
+  bool getAlignmentFromDrawing(const VdmConstraint*, AlignmentOrientation&) override {
+    return false;
+  }
+  bool getHalfSpacesFromDrawing(const VdmConstraint*, std::vector<HalfSpaceOrientation>&) override {
+    return false;
+  }
+  VdmConstraintOrientationProperties getConstraintOrientationProperties(
+      const VdmConstraint*) override {
+    return {};
+  }
+
+  OdStringArray removed;
+  int invalidations = 0;
+};
+
+/// The stored form of a constraint in memory.
+struct ConstraintRecord {
+  OdDbFilerBuffer buffer;
+
+  explicit ConstraintRecord(const VdmConstraint& constraint);
+  /// Of an older version: name "old", type, no arguments, node id 0.
+  ConstraintRecord(OdInt16 version, OdLong type, const std::vector<std::string>& map);
+  VdmConstraintPtr read(OdResult expected = eOk);
+  /// The type in the stream.
+  [[nodiscard]] OdLong storedType();
+};
+
+/// Constraints of the model space.
+class ConstraintTest : public ModelTest {
+ protected:
+  using Manager = VdmDbConstraintManager;
+
+  ConstraintTest();
+  ~ConstraintTest() override;
+
+  OdDbObjectId newLine() { return addLine(m_modelSpace); }
+  static VdmExtendedPath argument(OdDbObjectId entity);
+  /// A constraint with an argument in each entity.
+  VdmConstraintPtr addConstraint(OdLong type, const std::vector<OdDbObjectId>& entities,
+                                 const OdString& name = L"C");
+  [[nodiscard]] VdmDbConstraintManagerPtr manager(OdDb::OpenMode mode = OdDb::kForRead) const {
+    return open<Manager>(m_constraints, mode);
+  }
+  [[nodiscard]] VdmDbConstraintManagerPtr editManager() const { return manager(OdDb::kForWrite); }
+  void setStatus(Manager::ConstraintManagerStatus status) { editManager()->setStatus(status); }
+  [[nodiscard]] OdDbObjectIdArray registry() const { return manager()->vdmDbObjects(); }
+  [[nodiscard]] std::vector<OdULong> nodeIds() const;
+
+  TestSolver m_solver;
+};
