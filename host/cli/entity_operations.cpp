@@ -7,7 +7,7 @@
 #include "host/cli/operation.h"
 #include "host/cli/paths.h"
 #include "host/cli/text_lines.h"
-#include "host/naming/reference_update.h"
+#include "host/naming/dependencies_into.h"
 #include "platform/db/units.h"
 #include "platform/modeler/modeler.h"
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/naming/read_ahead.h"
+#include "host/naming/solid_stamp.h"
 #include "host/naming/subent_name.h"
 #include "platform/db/database.h"
 #include "platform/modeler/db_3d_solid.h"
