@@ -1,7 +1,7 @@
 // Signatures of the subentities of a body.
 //
 // A signature must not depend on what two builds of one part do differently: the order in which
-// subentities are numbered, the seam at which a closed curve begins, the point that stands for an
+// subentities are numbered, the seam at which a closed curve begins, the point that fixes an
 // axis. Neighbours are therefore added up as a hash without order, closed conics have their centre
 // for a place, and the points of planes and axes are moved next to the middle of the face.
 #include "host/naming/body_signature.h"

@@ -44,7 +44,8 @@ Decision decisionFor(const Reference& reference, LineageCause cause) {
   return decision;
 }
 
-// READPORTION
+// Reads a portion of references. Those that are renumbered will be written soon afterwards; what
+// that needs is fetched here (read_ahead.h).
 void readPortion(std::span<const OdDbObjectId> ids, std::vector<Reference>& references) {
   references.clear();
   readAhead(ids);
@@ -52,7 +53,7 @@ void readPortion(std::span<const OdDbObjectId> ids, std::vector<Reference>& refe
     const VdmDbObjectDependencyPtr dependency = openDependency(id);
     if (dependency.isNull() || dependency->subentId().type() == OdDb::kNullSubentType) continue;
     references.push_back(referenceOf(*dependency));
-    (void)dependency->hasPersistentReactor(id);
+    readReactorsAhead(*dependency);
   }
 }
 

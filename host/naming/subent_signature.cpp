@@ -1,6 +1,6 @@
 // What a face, edge or vertex looks like and where it lies: how it is known without a history.
 //
-// The idea: a subentity is told from others by its surface or curve (kind, direction, radii, where
+// The idea: a subentity differs from others by its surface or curve (kind, direction, radii, where
 // it lies in space) and by its part of that (measure and middle). The two halves are compared
 // apart: liesOnSame() asks for the carrier alone, so that a face that was cut still lies on its
 // plane; isIdentical() asks for both.
