@@ -4,10 +4,10 @@
 //   1. where an answer exists, naming it is right. A method that can name several subentities must
 //      name all parts of a split one and nothing else; one that can name only one, any part;
 //   2. merged subentities are right when they name the merged one;
-//   3. what is gone is right when it is reported lost;
+//   3. for what was removed, lost is right;
 //   4. what is built to be ambiguous is right when it is reported ambiguous;
 //   5. naming anything else is wrong: a part of what it should be, something else, or something
-//      where there is nothing or nobody can tell;
+//      where there is nothing or no way to tell;
 //   6. reporting lost or ambiguous where that is not the truth counts as lost or ambiguous.
 #pragma once
 

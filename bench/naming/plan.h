@@ -35,7 +35,7 @@ enum class FeatureKind {
   kRib,          ///< length along x, width along y, height
 };
 
-/// One feature. The frame stands on the surface with z out of the material.
+/// One feature. Its frame has its origin on the surface and z out of the material.
 struct Feature {
   std::string name;
   FeatureKind kind = FeatureKind::kHole;
@@ -74,7 +74,7 @@ struct Plan {
   std::vector<OdGeMatrix3d> symmetry;  ///< what maps the part onto itself, the identity left out
 
   [[nodiscard]] const Feature* find(const std::string& name) const;
-  /// Where a feature stands in space.
+  /// The frame of a feature in space.
   [[nodiscard]] OdGeMatrix3d frameOf(const Feature& feature) const {
     return placement * feature.frame;
   }

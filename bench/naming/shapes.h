@@ -1,4 +1,4 @@
-// The modeller's own shapes behind the subentities of a body.
+// The modeller's own shapes of the subentities of a body.
 #pragma once
 
 #include <TopoDS_Shape.hxx>

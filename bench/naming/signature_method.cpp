@@ -1,6 +1,6 @@
 // Naming by signature alone: the new subentity of the same kind whose parameters, size and place
-// are nearest, within a bound. It is told of motions of the whole part, as a program would know
-// them, and nothing else.
+// are nearest, within a bound. It knows motions of the whole part, as a program would, and
+// nothing else.
 #include <algorithm>
 #include <array>
 #include <cmath>

@@ -34,8 +34,9 @@ struct Part {
 struct Respawn {
   std::string feature;
   std::vector<std::vector<OdUInt32>> before;  ///< faces of the body before the edit
-  std::vector<std::vector<OdUInt32>> after;   ///< faces of the body after it; empty when it is gone
-  OdGeMatrix3d motion;                        ///< of the tool
+  std::vector<std::vector<OdUInt32>>
+      after;            ///< faces of the body after it; empty when none is left
+  OdGeMatrix3d motion;  ///< of the tool
 };
 
 /// One operation, so that it can be done again.

@@ -136,7 +136,7 @@ class Judgement {
       if (overlap(subent, image, motion)) truth.subents.push_back(image);
     }
     if (!truth.subents.empty()) return truth;
-    // Gone only if each image is somebody else's.
+    // Removed only if each image belongs to another one.
     const bool allTaken = std::ranges::all_of(images, [&](OdModelerSubent image) {
       return std::ranges::any_of(rivals, [&](OdModelerSubent rival) {
         return rival != subent && overlap(rival, image, motionOf(rival));

@@ -15,7 +15,7 @@ namespace naming_bench {
 enum class TruthKind {
   kAnswer,     ///< these subentities, one or several
   kGone,       ///< nothing is left of it
-  kAmbiguous,  ///< built so that nobody can tell
+  kAmbiguous,  ///< built so that there is no way to tell
   kUndecided,  ///< the construction does not tell either; not judged
 };
 
@@ -30,7 +30,7 @@ struct EditMeaning {
   std::map<std::string, std::string> successors;
   /// Surfaces that two others replace, none of which is nearer to it.
   std::set<std::string> twins;
-  /// The part stands at a place that nobody knows: its symmetries cannot be told apart.
+  /// The place of the part is unknown, so its symmetries cannot be distinguished.
   bool anywhere = false;
   /// Sizes changed, so that pieces of one surface are paired by their order of distance only.
   bool resized = false;
@@ -65,9 +65,9 @@ class NamedBody {
 /// Truths for `subents` of the old part, in their order. Laws:
 ///   1. a face is its carrier; an edge or vertex is the set of carriers that meet in it;
 ///   2. one old subentity of a set is all new ones of the same set: split if there are several;
-///   3. several old ones of a set are told apart by lying on each other, after the motion of the
+///   3. several old ones of a set are distinguished by lying on each other, after the motion of the
 ///      feature that they belong to; where sizes changed, by distance, when that pairs them all;
-///   4. a set that does not exist any more is gone;
+///   4. a set that does not exist any more was removed;
 ///   5. with the place unknown, what a symmetry of the part maps elsewhere is ambiguous.
 [[nodiscard]] std::vector<Truth> truthsOf(const Plan& oldPlan, const NamedBody& before,
                                           const Plan& newPlan, const NamedBody& now,

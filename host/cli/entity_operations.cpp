@@ -8,7 +8,7 @@
 #include "host/cli/paths.h"
 #include "host/cli/text_lines.h"
 #include "host/modeling/step_solids.h"
-#include "host/naming/reference_update.h"
+#include "host/naming/dependencies_into.h"
 
 namespace cli {
 

@@ -1,4 +1,4 @@
-// What became of the subentities of a body through any number of changes.
+// What became of bodies and their subentities through any number of changes.
 #pragma once
 
 #include <optional>
@@ -6,54 +6,20 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/naming/body_trace.h"
 #include "platform/filer/object_id.h"
 #include "platform/modeler/solid_journal.h"
 
 namespace vdm_host {
 
-/// What became of one subentity.
-struct SubentFate {
-  std::vector<OdUInt32> images;  ///< new indices, rising; empty when nothing is left
-  bool changed = false;  ///< geometry was touched on the way: another boundary, or part of another
-};
-
-/// What became of one body in another. Subentities are followed one by one when they are asked for,
-/// so that a few cost little in a large body. The lineage that it comes from outlives it.
-class BodyTrace {
- public:
-  OdGeMatrix3d motion;      ///< what moved on the way, all of it together
-  OdUInt32 operations = 0;  ///< booleans and blends on the way
-  bool blends = false;      ///< a fillet or chamfer among them
-
-  /// The fate of a subentity of the old body, into a value that the caller uses again and again;
-  /// without images when the old body has none such.
-  void follow(OdModelerSubent subent, SubentFate& fate) const;
-  /// How many old subentities each new one comes from, by new index - 1; at least `count` long.
-  /// Follows all that there are.
-  [[nodiscard]] std::vector<OdUInt32> sourceCounts(OdModelerSubentType type, OdUInt32 count) const;
-
- private:
-  friend class BodyLineage;
-  /// One operation on one of the ways. Bodies on the way are counted from 0, the old one.
-  struct Step {
-    OdUInt32 from = 0;
-    OdUInt32 to = 0;
-    const OdModelerInputHistory* history = nullptr;  ///< null when all stays
-  };
-  void keepWaysTo(OdUInt32 body);
-  void followChain(OdModelerSubent subent, SubentFate& fate) const;
-  void followWays(OdModelerSubent subent, SubentFate& fate) const;
-
-  OdModelerBodyPtr m_old;
-  std::vector<Step> m_steps;  // in the order in which they happened
-  OdUInt32 m_bodies = 1;
-  OdUInt32 m_last = 0;
-  bool m_isChain = true;  // one way, each step going on where the one before ended
-};
-
-/// A reading of a journal. Bodies are followed from change to change by their identity, also from a
-/// tool into the solid that it cut and through the union of tools that came first. A body that was
-/// read again from its bytes in between counts as the same (OdModelerBody::fingerprint).
+/// A reading of a journal. Laws:
+///   1. a body is itself in every change in which it takes part, as the body that is changed or as
+///      a tool: so a tool is followed into the solid that it cut, also through a union of tools;
+///   2. a body that was read again from its bytes between two changes of its solid is the body that
+///      was there before (equal OdModelerBody::fingerprint);
+///   3. a replacement ends all ways: nothing leads from the old body of a replaced solid to the new
+///      one;
+///   4. where several ways lead from one body to another, what came by each is united.
 class BodyLineage {
  public:
   /// Copies what it needs of the changes; bodies stay alive with it.
@@ -76,7 +42,7 @@ class BodyLineage {
   /// rising. Empty when it left none.
   [[nodiscard]] std::vector<OdUInt32> facesFrom(const OdModelerBodyPtr& tool, OdUInt32 face,
                                                 const OdModelerBodyPtr& to) const;
-  /// All changes, as told.
+  /// All changes, in the order in which they happened.
   [[nodiscard]] std::span<const OdSolidChange> changes() const { return m_changes; }
 
  private:
@@ -89,6 +55,8 @@ class BodyLineage {
     std::size_t change = 0;
     std::size_t input = 0;
   };
+  class Walk;
+  void noteEnds(std::size_t change);
   void linkRereadBody(const OdSolidChange& change, const Ends& ends);
   void noteUses(std::size_t change);
   [[nodiscard]] const OdModelerBody* same(const OdModelerBody* body) const;
@@ -96,9 +64,9 @@ class BodyLineage {
   std::vector<OdSolidChange> m_changes;
   std::vector<OdDbObjectId> m_solids;
   std::unordered_map<OdDbObjectId, Ends> m_ends;
-  // Bodies that were read again stand for the one that was there before.
+  // From a body that was read again to the one that it equals.
   std::unordered_map<const OdModelerBody*, const OdModelerBody*> m_same;
-  // In which changes a body goes in, rising.
+  // The changes that a body is an input of, rising.
   std::unordered_map<const OdModelerBody*, std::vector<Use>> m_uses;
 };
 

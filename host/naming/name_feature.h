@@ -18,7 +18,7 @@ class VdmNameFeature : public VdmFeature {
 
   [[nodiscard]] const OdArray<int>& masks() const override;
   [[nodiscard]] bool isRequiredDependency(int mask, int tag) override;
-  /// One; several where it was split, none when it is gone.
+  /// One; several where it was split, none when the dependency was erased.
   [[nodiscard]] OdDbObjectIdArray referenceIds() const;
 };
 using VdmNameFeaturePtr = OdSmartPtr<VdmNameFeature>;
@@ -29,6 +29,7 @@ namespace vdm_host {
 /// not there. An empty name becomes "Reference 1" or the next free number. `feature` gets the
 /// VdmNameFeature. Works within the caller's transaction. eInvalidInput for a path without
 /// entities, eKeyNotFound when the reference cannot be made.
-OdResult nameReference(const OdDbFullSubentPath& path, const OdString& name, OdDbObjectId& feature);
+[[nodiscard]] OdResult nameReference(const OdDbFullSubentPath& path, const OdString& name,
+                                     OdDbObjectId& feature);
 
 }  // namespace vdm_host

@@ -4,8 +4,10 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "host/naming/body_signature.h"
 #include "host/naming/name_feature.h"
 #include "host/naming/reference_update.h"
+#include "host/naming/solid_stamp.h"
 #include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "platform/modeler/db_3d_solid.h"

@@ -1,11 +1,11 @@
-// Signatures by place: who lies within a radius of a point.
+// Signatures by place: which lie within a radius of a point.
 #pragma once
 
 #include <span>
 #include <unordered_map>
 #include <vector>
 
-#include "host/naming/body_signature.h"
+#include "host/naming/subent_signature.h"
 
 namespace vdm_host {
 
@@ -16,7 +16,7 @@ class PlaceGrid {
   explicit PlaceGrid(std::span<const SubentSignature> items);
 
   /// Calls `visit(index)`, counted from 0, for each signature whose place is at most `radius` from
-  /// `point`, in order of no meaning.
+  /// `point`, in any order.
   template <class Visit>
   void within(const OdGePoint3d& point, double radius, const Visit& visit) const;
 

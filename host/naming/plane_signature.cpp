@@ -1,8 +1,23 @@
-// The signature of a planar face from its edges: area and centroid in closed form.
+// The signature of a planar face from its edges, without the modeller's integrals.
+//
+// The idea: by Green's theorem the area and the first moments of a plane region are sums over its
+// boundary. A line adds the triangle between the origin and its ends, an arc adds that and the
+// piece between itself and its chord; both have closed forms.
+//
+// The edges of a face come in no order and in no direction. Loops are put together by walking from
+// vertex to vertex. The precondition is that exactly two edges end at each vertex: then each walk
+// has one way to go on, uses every edge once and comes back to where it began. Faces that touch
+// themselves in a vertex do not have that, and are refused. A loop is turned to run around a
+// positive area. The largest loop bounds the face and all others are holes in it, because the
+// loops of one face do not cross and a face is connected.
+//
+// Right without knowing the surface, since every edge is held against the known plane. The cost is
+// linear in the number of edges, about a microsecond where the modeller takes 20 for each edge.
+#include "host/naming/plane_signature.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <optional>
 #include <span>
 #include <unordered_map>
 #include <utility>
@@ -37,11 +52,13 @@ struct Moments {
   }
 };
 
-/// A plane with coordinates of its own. Points off the plane are told.
+/// A plane with coordinates of its own, and whether points lie in it.
 class PlaneFrame {
  public:
   PlaneFrame(const OdGePoint3d& origin, const OdGeVector3d& normal)
-      : m_origin(origin), m_normal(normal), m_tolerance(toleranceAt(origin)) {
+      : m_origin(origin),
+        m_normal(normal),
+        m_tolerance(MatchTolerance::lengthAt(origin.asVector().length())) {
     const bool isUpright = std::abs(normal.z) < 0.9;
     m_u = (isUpright ? OdGeVector3d::kZAxis : OdGeVector3d::kXAxis).crossProduct(normal).normal();
     m_v = normal.crossProduct(m_u);
@@ -61,11 +78,6 @@ class PlaneFrame {
   [[nodiscard]] OdGePoint3d point(Point p) const { return m_origin + m_u * p.x + m_v * p.y; }
 
  private:
-  // As MatchTolerance has it, around one point.
-  static double toleranceAt(const OdGePoint3d& point) {
-    return std::max(MatchTolerance().length, 1e-12 * point.asVector().length());
-  }
-
   OdGePoint3d m_origin;
   OdGeVector3d m_normal;
   double m_tolerance;
@@ -233,7 +245,7 @@ std::optional<SubentSignature> signatureOfPlane(const OdModelerBody& body, OdUIn
   SubentSignature s = known;
   s.size = moments->area;
   s.place = s.anchor = frame.point({moments->x / moments->area, moments->y / moments->area});
-  s.bounds = static_cast<OdUInt16>(std::min<std::size_t>(edges.size(), 0xFFFF));
+  s.bounds = boundsOf(edges.size());
   s.neighbours = kindsAround(body, face, edges);
   return s;
 }

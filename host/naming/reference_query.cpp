@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/naming/read_ahead.h"
+#include "host/naming/solid_stamp.h"
 #include "host/naming/subent_name.h"
 #include "platform/db/database.h"
 #include "platform/modeler/db_3d_solid.h"
@@ -143,7 +144,7 @@ ResolvedReference resolveReference(const OdDbObjectId& dependency) {
   return Resolver().resolve(dependency);
 }
 
-// In portions: dependencies and their records lie anywhere in memory, and are fetched together.
+// In portions, whose dependencies and records are fetched together (read_ahead.h).
 std::vector<ResolvedReference> resolveReferences(std::span<const OdDbObjectId> dependencies) {
   constexpr std::size_t kPortion = 64;
   struct Fetched {

@@ -23,9 +23,9 @@ struct ResolvedReference {
   [[nodiscard]] bool resolved() const { return isResolved(grade); }
 };
 
-/// A reference whose solid was changed without its being told (stamp and body differ) is graded
-/// lost with a note that says so: an update finds it again or not. A path that ends in a whole
-/// entity is exact. Opens the drawing's objects for read only.
+/// A reference whose solid was changed without an update (stamp and body differ) is graded lost
+/// with a note that says so: an update finds it again or not. A path that ends in a whole entity is
+/// exact. Opens the drawing's objects for read only.
 [[nodiscard]] ResolvedReference resolveReference(const OdDbObjectId& dependency);
 
 /// Many of them, in order: each solid that they lead into is looked at once.

@@ -1,15 +1,22 @@
 // What a persistent reference remembers of itself: its stored lineage.
+//
+// The order of fields is that of the table in the header, once in encode() and once in decode().
+// Reading is safe for any bytes: a count is never believed further than the bytes reach, a number
+// that does not fit makes the reader bad, and a record counts only when its last field ends exactly
+// where the bytes do. A damaged record is never half read, since the record is replaced as a whole
+// at the end. What is bad in one record costs that record alone: its reference keeps its number and
+// is found without a signature.
+//
+// The size is bounded, however often a reference is decided about: of all steps the first is kept,
+// which says where the reference comes from, and the last seven. Adding a step costs the same in
+// the first and in the thousandth edit.
 #include "host/naming/reference_record.h"
 
 #include <algorithm>
 #include <array>
-#include <bit>
-#include <cstring>
 #include <utility>
 
-#include "platform/db/database.h"
-#include "platform/db/dictionary.h"
-#include "platform/db/xrecord.h"
+#include "host/naming/record_bytes.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
 
 namespace vdm_host {
@@ -17,8 +24,6 @@ namespace vdm_host {
 namespace {
 
 constexpr std::size_t kUsualSize = 256;  // bytes of a record, most of them
-constexpr const wchar_t* kStampKey = L"VDM_NAMING";
-constexpr int kStampCode = 310;  // a binary chunk
 
 // Bits of the record's and of the signature's flags.
 constexpr OdUInt8 kHasBirth = 1;
@@ -30,88 +35,6 @@ const OdString& lineageKey() {
   static const OdString key(L"lineage");
   return key;
 }
-
-class ByteWriter {
- public:
-  void byte(OdUInt64 value) { m_bytes.push_back(static_cast<char>(value & 0xFFU)); }
-  void fixed(OdUInt64 value, std::size_t count) {
-    char bytes[sizeof(value)];
-    for (std::size_t i = 0; i < count; ++i, value >>= 8U) {
-      bytes[i] = static_cast<char>(value & 0xFFU);
-    }
-    m_bytes.insert(m_bytes.end(), bytes, bytes + count);
-  }
-  void varint(OdUInt64 value) {
-    for (; value >= 0x80U; value >>= 7U) byte(value | 0x80U);
-    byte(value);
-  }
-  void real(double value) { fixed(std::bit_cast<OdUInt64>(value), 8); }
-  template <class Xyz>
-  void xyz(const Xyz& v) {
-    for (const double value : {v.x, v.y, v.z}) real(value);
-  }
-  /// Keeps room for that many bytes.
-  explicit ByteWriter(std::size_t size = 0) { m_bytes.reserve(size); }
-  std::vector<char> take() { return std::move(m_bytes); }
-
- private:
-  std::vector<char> m_bytes;
-};
-
-// Reads zeros where the bytes do not suffice and remembers that it did.
-class ByteReader {
- public:
-  ByteReader(const char* bytes, std::size_t count) : m_bytes(bytes), m_count(count) {}
-
-  [[nodiscard]] bool good() const { return m_good; }
-  [[nodiscard]] bool atEnd() const { return m_good && m_next == m_count; }
-  OdUInt8 byte() {
-    if (m_next < m_count) return static_cast<OdUInt8>(m_bytes[m_next++]);
-    m_good = false;
-    return 0;
-  }
-  OdUInt64 fixed(std::size_t count) {
-    if (m_count - m_next < count) {
-      m_next = m_count;
-      m_good = false;
-      return 0;
-    }
-    OdUInt64 value = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-      value |= OdUInt64{static_cast<OdUInt8>(m_bytes[m_next + i])} << (8U * i);
-    }
-    m_next += count;
-    return value;
-  }
-  OdUInt64 varint() {
-    OdUInt64 value = 0;
-    for (unsigned shift = 0; shift < 64; shift += 7) {
-      const OdUInt64 part = byte();
-      value |= (part & 0x7FU) << shift;
-      if ((part & 0x80U) == 0) return value;
-    }
-    m_good = false;
-    return 0;
-  }
-  OdUInt32 number() {
-    const OdUInt64 value = varint();
-    m_good &= value <= 0xFFFFFFFFU;
-    return static_cast<OdUInt32>(value);
-  }
-  double real() { return std::bit_cast<double>(fixed(8)); }
-  template <class Xyz>
-  void xyz(Xyz& v) {
-    v.x = real();
-    v.y = real();
-    v.z = real();
-  }
-
- private:
-  const char* m_bytes;
-  std::size_t m_count;
-  std::size_t m_next = 0;
-  bool m_good = true;
-};
 
 void writeSignature(ByteWriter& out, const SubentSignature& s) {
   out.byte(s.kind);
@@ -174,7 +97,7 @@ OdString causeName(LineageCause cause) {
 void ReferenceRecord::addStep(const LineageStep& step) {
   grade = step.grade;
   ++stepCount;
-  // The first step tells where the reference comes from: it is never dropped.
+  // The first step says where the reference comes from and is never dropped.
   if (steps.size() == kKeptSteps) steps.erase(steps.begin() + 1);
   steps.push_back(step);
 }
@@ -246,90 +169,6 @@ void ReferenceRecord::writeTo(VdmDbObjectDependency& dependency) const {
   if (signature.type != OdModelerSubentType::kNull) {
     dependency.setBodyHash(static_cast<OdLong>(signature.shapeHash()));
   }
-}
-
-// ---- SolidStamp
-
-namespace {
-
-constexpr int kFrameRows = 3;
-constexpr std::size_t kShortStamp = 12;
-constexpr std::size_t kLongStamp = kShortStamp + 12 * sizeof(double);
-
-OdBinaryData stampBytes(const SolidStamp& stamp) {
-  ByteWriter out;
-  out.fixed(stamp.fingerprint, 8);
-  out.fixed(stamp.operations, 4);
-  if (stamp.frame != OdGeMatrix3d::kIdentity) {
-    for (unsigned r = 0; r < kFrameRows; ++r) {
-      for (unsigned c = 0; c < 4; ++c) out.real(stamp.frame(r, c));
-    }
-  }
-  const std::vector<char> bytes = out.take();
-  OdBinaryData data;
-  data.resize(static_cast<OdUInt32>(bytes.size()));
-  std::memcpy(data.asArrayPtr(), bytes.data(), bytes.size());
-  return data;
-}
-
-OdDbXrecordPtr stampRecord(const OdDbObjectId& solid, OdDb::OpenMode mode) {
-  const OdDbObjectPtr object = solid.openObject();
-  if (object.isNull()) return {};
-  const OdDbDictionaryPtr dictionary = object->extensionDictionary().openAs<OdDbDictionary>();
-  if (dictionary.isNull()) return {};
-  return dictionary->getAt(kStampKey).openAs<OdDbXrecord>(mode);
-}
-
-OdDbXrecordPtr makeStampRecord(const OdDbObjectId& solid) {
-  // Solids of external drawings are not written to: there the numbers count as they are.
-  const OdDbObjectPtr object = solid.openObject();
-  if (object.isNull() || object->database()->isReadOnly()) return {};
-  object->upgradeOpen();
-  const OdDbDictionaryPtr dictionary =
-      object->createExtensionDictionary().openAs<OdDbDictionary>(OdDb::kForWrite);
-  if (dictionary.isNull()) return {};
-  OdDbXrecordPtr record = OdDbXrecord::createObject();
-  dictionary->setAt(kStampKey, record);
-  return record;
-}
-
-}  // namespace
-
-SolidStamp SolidStamp::read(const OdDbObjectId& solid) {
-  SolidStamp stamp;
-  const OdDbXrecordPtr record = stampRecord(solid, OdDb::kForRead);
-  if (record.isNull()) return stamp;
-  const OdResBufPtr chain = record->rbChain();
-  if (chain.isNull() || chain->restype() != kStampCode) return stamp;
-  const OdBinaryData& data = chain->getBinaryChunk();
-  if (data.size() != kShortStamp && data.size() != kLongStamp) return stamp;
-  ByteReader in(reinterpret_cast<const char*>(data.asArrayPtr()), data.size());
-  stamp.fingerprint = in.fixed(8);
-  stamp.operations = static_cast<OdUInt32>(in.fixed(4));
-  if (data.size() == kShortStamp) return stamp;
-  for (unsigned r = 0; r < kFrameRows; ++r) {
-    for (unsigned c = 0; c < 4; ++c) stamp.frame(r, c) = in.real();
-  }
-  return stamp;
-}
-
-bool SolidStamp::write(const OdDbObjectId& solid) const {
-  const OdBinaryData data = stampBytes(*this);
-  OdDbXrecordPtr record = stampRecord(solid, OdDb::kForRead);
-  if (record.isNull()) {
-    record = makeStampRecord(solid);
-  } else {
-    const OdResBufPtr present = record->rbChain();
-    if (!present.isNull() && present->restype() == kStampCode &&
-        present->getBinaryChunk() == data) {
-      return true;
-    }
-    record->upgradeOpen();
-  }
-  if (record.isNull()) return false;
-  const OdResBufPtr chain = OdResBuf::newRb(kStampCode);
-  chain->setBinaryChunk(data);
-  return record->setFromRbChain(chain) == eOk;
 }
 
 OdInt64 unresolvedIndexOf(const OdDbObjectId& dependency) {

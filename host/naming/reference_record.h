@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "host/naming/body_signature.h"
 #include "host/naming/reference_grade.h"
+#include "host/naming/subent_signature.h"
 #include "platform/base/handle.h"
 #include "platform/filer/object_id.h"
 
@@ -12,12 +12,12 @@ class VdmDbObjectDependency;
 
 namespace vdm_host {
 
-/// Why a reference was looked at. Numbers are stored.
+/// What led to a decision. Numbers are stored.
 enum class LineageCause : OdUInt8 {
   kCreated = 0,
   kBoolean = 1,
   kBlend = 2,
-  kReplaced = 3,   ///< the body was replaced, or edited by somebody who kept no journal
+  kReplaced = 3,   ///< the body was replaced, or edited without a journal
   kRespawned = 4,  ///< its opening was cut again
   kHealed = 5,     ///< its opening was closed
   kSplit = 6,
@@ -29,7 +29,7 @@ enum class LineageCause : OdUInt8 {
 /// "merged", "found again".
 [[nodiscard]] OdString causeName(LineageCause cause);
 
-/// One decision. Exact ones leave no trace.
+/// One decision. Exact ones are not recorded, except the first.
 struct LineageStep {
   LineageCause cause = LineageCause::kCreated;
   ReferenceGrade grade = ReferenceGrade::kExact;
@@ -86,21 +86,6 @@ struct ReferenceRecord {
   /// Also makes the dependency's hash that of the signature. Open for write. A record of later
   /// rules stays as it is.
   void writeTo(VdmDbObjectDependency& dependency) const;
-};
-
-/// Stored once for each solid that references lead into: for which body the numbers hold. The
-/// xrecord "VDM_NAMING" in the solid's extension dictionary, one binary value: uint64 fingerprint,
-/// uint32 operations, and 12 float64 (the upper rows of the frame) unless that is the identity.
-struct SolidStamp {
-  OdUInt64 fingerprint = 0;  ///< of the body; 0 when there is no stamp
-  OdUInt32 operations = 0;   ///< booleans, blends and replacements that references went through
-  OdGeMatrix3d frame;        ///< from where the signatures were taken to where the solid is
-
-  /// A default one when the solid has none.
-  static SolidStamp read(const OdDbObjectId& solid);
-  /// Writes nothing that is there already. False, with nothing written, for a null id and for a
-  /// solid that cannot be opened for write.
-  bool write(const OdDbObjectId& solid) const;
 };
 
 /// Numbers of references that lead nowhere: no body has such a number, and no two references of a

@@ -1,58 +1,15 @@
 // Brings the persistent references of solids up to date after their bodies changed.
 #include "host/naming/reference_update.h"
 
-#include <algorithm>
 #include <iterator>
 #include <optional>
-#include <unordered_set>
+#include <utility>
 
+#include "host/naming/dependencies_into.h"
 #include "host/naming/reference_update_impl.h"
-#include "platform/db/block_table_record.h"
 #include "platform/modeler/db_3d_solid.h"
-#include "vdm_db/model/vdm_db_object.h"
 
 namespace vdm_host {
-
-namespace {
-
-OdDbObjectId leafOf(const VdmDbObjectDependency& dependency) {
-  if (dependency.compoundId().isSimpleObjectId()) return dependency.compoundId().topId();
-  const OdDbFullSubentPath path = dependency.getLinkObject(/*openErased=*/false);
-  return path.objectIds().isEmpty() ? OdDbObjectId::kNull : path.objectIds().last();
-}
-
-// Block references through which the entity is seen, at any depth.
-void collectReferences(const OdDbObjectId& block, std::unordered_set<OdDbObjectId>& found) {
-  const OdDbBlockTableRecordPtr record = block.openAs<OdDbBlockTableRecord>();
-  if (record.isNull() || !record->hasBlockReferences()) return;
-  for (const OdDbObjectId& reference : record->getBlockReferenceIds()) {
-    if (found.insert(reference).second) collectReferences(reference.ownerId(), found);
-  }
-}
-
-OdDbObjectIdArray dependenciesOf(const OdDbObjectId& top) {
-  const VdmDbObjectPtr object = VdmDbObject::openVdmDbObject(top);
-  return object.isNull() ? OdDbObjectIdArray() : object->dependencies();
-}
-}  // namespace
-
-OdDbObjectIdArray dependenciesInto(const OdDbObjectId& entity) {
-  OdDbObjectIdArray ids = dependenciesOf(entity);
-  std::unordered_set<OdDbObjectId> references;
-  collectReferences(entity.ownerId(), references);
-  for (const OdDbObjectId& reference : references) {
-    for (const OdDbObjectId& id : dependenciesOf(reference)) {
-      const VdmDbObjectDependencyPtr dependency = openDependency(id);
-      if (!dependency.isNull() && leafOf(*dependency) == entity) ids.append(id);
-    }
-  }
-  if (!references.empty()) {
-    std::sort(ids.begin(), ids.end(), [](const OdDbObjectId& a, const OdDbObjectId& b) {
-      return OdUInt64(a.getHandle()) < OdUInt64(b.getHandle());
-    });
-  }
-  return ids;
-}
 
 void ReferenceUpdateReport::add(ReferenceUpdateReport other) {
   looked += other.looked;
@@ -62,6 +19,7 @@ void ReferenceUpdateReport::add(ReferenceUpdateReport other) {
   changes.insert(changes.end(), std::make_move_iterator(other.changes.begin()),
                  std::make_move_iterator(other.changes.end()));
 }
+
 // ---- The run
 
 ReferenceUpdateReport ReferenceUpdate::Impl::settle(std::span<const OdSolidChange> changes) {
@@ -101,9 +59,11 @@ void ReferenceUpdate::Impl::settleSolid(const OdDbObjectId& id, const BodyLineag
   solid.stamp = SolidStamp::read(id);
   m_report.looked += solid.dependencies.size();
   m_map.appendModifiedEnt(id);
+  // References are settled against the body that they were settled against before, or not at all.
   const bool numbersHold = solid.before && (solid.stamp.fingerprint == 0 ||
                                             solid.stamp.fingerprint == solid.before->fingerprint());
   const std::optional<BodyTrace> trace = lineage.trace(solid.before, solid.now);
+  // From most to least that is known: a history, the old body, the records alone.
   if (!solid.now) {
     decideLost(solid);
   } else if (numbersHold && trace) {
@@ -162,8 +122,6 @@ void ReferenceUpdate::nameTool(const OdModelerBodyPtr& tool, OdDbHandle feature)
 void ReferenceUpdate::addRespawn(const OdDbObjectId& solid, FaceRespawn respawn) {
   m_impl->respawns[solid].push_back(std::move(respawn));
 }
-
-void ReferenceUpdate::setSecondPass(bool isSecond) { m_impl->isSecondPass = isSecond; }
 
 ReferenceUpdateReport ReferenceUpdate::settle(std::span<const OdSolidChange> changes) {
   return m_impl->settle(changes);

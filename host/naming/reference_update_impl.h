@@ -8,18 +8,19 @@
 #include <vector>
 
 #include "host/naming/body_lineage.h"
-#include "host/naming/lineage_match.h"
+#include "host/naming/lineage_matcher.h"
 #include "host/naming/reference_update.h"
-#include "host/naming/respawn_match.h"
+#include "host/naming/respawn_matcher.h"
+#include "host/naming/solid_stamp.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
 
 namespace vdm_host {
 
-/// Where a reference leads so far.
+/// A reference before the decision.
 struct Reference {
   OdDbObjectId dependency;
   OdModelerSubent old;   ///< index 0 when it was unresolved
-  bool isPlain = false;  ///< its path is the solid alone
+  bool isPlain = false;  ///< its path is the solid alone, without block references
 };
 
 /// What was decided for one reference.
@@ -36,8 +37,9 @@ struct Decision : Reference {
   return id.openAs<VdmDbObjectDependency>(mode);
 }
 
-/// Three sources: reference_update.cpp (the run, solid by solid), reference_decide.cpp and
-/// reference_apply.cpp.
+/// One run: for each solid the decisions (reference_update_decide.cpp) and then their execution
+/// (reference_update_apply.cpp); at the end merges (reference_update_merge.cpp). The run itself is
+/// in reference_update.cpp.
 class ReferenceUpdate::Impl {
  public:
   explicit Impl(VdmDependenciesReplacementMap& map) : m_map(map) {}
@@ -47,7 +49,6 @@ class ReferenceUpdate::Impl {
 
   std::unordered_map<const OdModelerBody*, OdDbHandle> toolFeatures;
   std::unordered_map<OdDbObjectId, std::vector<FaceRespawn>> respawns;
-  bool isSecondPass = false;
 
  private:
   using Type = OdModelerSubentType;
@@ -62,39 +63,30 @@ class ReferenceUpdate::Impl {
     OdDbObjectIdArray dependencies;
     std::vector<Decision> decisions;  ///< those that change something
   };
-  /// A reference that leads where another one leads, too.
+  /// A reference that leads to the same subentity as another one.
   struct Meeting {
     OdDbObjectId dependency;
     OdDbObjectId solid;
     OdModelerSubent subent;
   };
-  /// Who was first to claim each subentity of the new body.
+  /// The first reference that leads to each subentity of the new body.
   class Claims {
    public:
     explicit Claims(const OdModelerBody& body) : m_body(body) {}
-    /// The earlier claimant, null when there is none.
-    OdDbObjectId claim(OdModelerSubent subent, const OdDbObjectId& id) {
-      std::vector<OdUInt32>& row = m_rows[static_cast<std::size_t>(subent.type) - 1];
-      if (row.empty()) row.resize(std::size_t{m_body.numSubents(subent.type)} + 1);
-      if (subent.index >= row.size()) return {};
-      OdUInt32& claimant = row[subent.index];
-      if (claimant != 0) return m_claimants[claimant - 1];
-      m_claimants.push_back(id);
-      claimant = static_cast<OdUInt32>(m_claimants.size());
-      return {};
-    }
+    /// The reference that claimed it before; null for the first claim, which is noted.
+    [[nodiscard]] OdDbObjectId claim(OdModelerSubent subent, const OdDbObjectId& id);
 
    private:
     const OdModelerBody& m_body;
     std::array<std::vector<OdUInt32>, 3> m_rows;  // by type and index: place in m_claimants + 1
     std::vector<OdDbObjectId> m_claimants;
   };
-  /// Dependencies of one solid that get another path, by their managers.
+  /// Dependencies of one solid that get another path, collected by manager.
   class LinkMoves {
    public:
     /// `isPlain`: the path is the solid alone.
     void add(const OdDbObjectId& dependency, bool isPlain, OdDbSubentId subent);
-    /// All of a manager in one call. Nothing is left to move afterwards.
+    /// One call for each manager. Empty afterwards.
     void carryOut();
     explicit LinkMoves(const OdDbObjectId& solid) { m_direct.append(solid); }
 
@@ -106,7 +98,7 @@ class ReferenceUpdate::Impl {
     };
     OdDbObjectIdArray m_direct;
     std::map<OdUInt64, Row> m_rows;  // by the manager's handle
-    Row* m_row = nullptr;            // that of the manager that was met last
+    Row* m_row = nullptr;            // of the manager that add() was called for last
   };
 
   // The run.
@@ -124,8 +116,8 @@ class ReferenceUpdate::Impl {
   void decideLost(Solid& solid);
   template <class Visit>
   static void forEachSubent(const Solid& solid, const Visit& visit);
-  void goOn(LineageWork& work, Decision& decision) const;
-  static void comeBack(LineageWork& work, Decision& decision);
+  void decideResolved(LineageWork& work, Decision& decision) const;
+  static void decideUnresolved(LineageWork& work, Decision& decision);
 
   bool isManaged(const OdDbObjectId& dependency);
   void noteMeeting(const OdDbObjectId& first, const OdDbObjectId& other, const OdDbObjectId& solid,
@@ -138,19 +130,26 @@ class ReferenceUpdate::Impl {
   static void setLink(const OdDbObjectId& id, const OdDbFullSubentPath& path);
   void writeRecords(Solid& solid);
   void writeSplit(Solid& solid, const Decision& decision);
-  void writeRecord(const OdDbObjectId& id, const Decision& decision, const ReferenceRecord& from,
-                   OdUInt32 image, const Solid& solid) const;
-  void tell(const Solid& solid, const Decision& decision, ReferenceGrade before);
-  void finish();
-  void writeMerged();
+  [[nodiscard]] OdDbObjectIdArray splitByManager(const Decision& decision);
+  static void writeRecord(const OdDbObjectId& id, const Decision& decision,
+                          const ReferenceRecord& from, OdUInt32 image, const Solid& solid);
+  void report(const Solid& solid, const Decision& decision, ReferenceGrade before);
   static OdDbFullSubentPath pathTo(const OdDbObjectId& dependency, const OdDbSubentId& subent);
+
+  // Merging.
+  void finish();
+  void sortMeetings();
+  void writeMerged();
+  void reportMerged(const Meeting& meeting, const OdDbObjectIdArray& by, ReferenceGrade before);
+  void writeMergedRecord(const Meeting& meeting, const OdDbObjectId& fresh, OdUInt32 parts,
+                         ReferenceRecord record) const;
 
   ReplacementMap& m_map;
   ReferenceUpdateReport m_report;
   OdDbHandle m_feature;
-  std::map<OdUInt64, OdDbObjectId> m_managers;  // touched and to be finished, by handle
+  std::map<OdUInt64, OdDbObjectId> m_managers;  // whose splits and merges wait for finish()
   std::vector<Meeting> m_meetings;
-  // The owner that isManaged() was asked for last, and its answer.
+  // The owner in the last call of isManaged(), and its answer.
   OdDbObjectId m_lastOwner;
   bool m_lastIsManager = false;
 };

@@ -13,8 +13,8 @@ namespace vdm_host {
 [[nodiscard]] OdString subentName(OdModelerSubent subent);
 
 /// The face, edge or vertex of `body` nearest to a point; `tolerance` in drawing units is how far
-/// it may be, and how much nearer than the next one it must be. With the null type a vertex goes
-/// before an edge and an edge before a face where the point is within the tolerance of it.
+/// it may be, and how much nearer than the next one it must be. With the null type a vertex has
+/// precedence over an edge and an edge over a face where both are within the tolerance.
 /// eInvalidInput when nothing is near, or two are equally near: the text names both and their
 /// distances.
 OdStatus findSubentNear(const OdModelerBody& body, const OdGePoint3d& point,

@@ -6,10 +6,10 @@
 #include <TopExp_Explorer.hxx>
 #include <TopoDS.hxx>
 #include <TopoDS_Iterator.hxx>
-#include <algorithm>
 #include <utility>
 
 #include "platform/base/error.h"
+#include "platform/base/sort_unique.h"
 #include "platform/modeler/body_envelope.h"
 #include "platform/modeler_occt/occt_bridge.h"
 #include "platform/modeler_occt/occt_convert.h"
@@ -36,8 +36,7 @@ void collectBounds(const TopTools_IndexedMapOfShape& wholes,
     for (; it.More(); it.Next()) {
       found.push_back(static_cast<OdUInt32>(parts.FindIndex(it.Current())));
     }
-    std::ranges::sort(found);
-    found.erase(std::unique(found.begin(), found.end()), found.end());
+    odSortUnique(found);
     for (const OdUInt32 part : found) wholesOfPart[part - 1].push_back(whole);
     if (partsOfWhole != nullptr) (*partsOfWhole)[whole - 1] = std::move(found);
   }

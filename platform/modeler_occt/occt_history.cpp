@@ -14,7 +14,8 @@
 #include <BRepBuilderAPI_MakeShape.hxx>
 #include <BRepTools_History.hxx>
 #include <TopTools_ListOfShape.hxx>
-#include <algorithm>
+
+#include "platform/base/sort_unique.h"
 
 #include "platform/modeler_occt/occt_guard.h"
 
@@ -23,12 +24,6 @@ namespace {
 
 constexpr OdModelerSubentType kTypes[] = {OdModelerSubentType::kFace, OdModelerSubentType::kEdge,
                                           OdModelerSubentType::kVertex};
-
-template <class Item>
-void sortUnique(std::vector<Item>& items) {
-  std::ranges::sort(items);
-  items.erase(std::unique(items.begin(), items.end()), items.end());
-}
 
 OdModelerSubent findSubent(const Topology& topology, const TopoDS_Shape& shape) {
   for (const OdModelerSubentType type : kTypes) {
@@ -56,8 +51,8 @@ OdModelerFate fateOf(Operation& operation, const TopoDS_Shape& old, OdModelerSub
     const OdModelerSubent found = findSubent(result, shape);
     if (found.index != 0) fate.generated.push_back(found);
   }
-  sortUnique(fate.images);
-  sortUnique(fate.generated);
+  odSortUnique(fate.images);
+  odSortUnique(fate.generated);
   return fate;
 }
 

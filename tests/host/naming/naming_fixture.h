@@ -6,7 +6,7 @@
 
 #include "host/naming/body_lineage.h"
 #include "host/naming/body_signature.h"
-#include "host/naming/lineage_match.h"
+#include "host/naming/lineage_matcher.h"
 #include "platform/modeler/solid_journal.h"
 #include "tests/support/modeler_testing.h"
 

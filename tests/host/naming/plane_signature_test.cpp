@@ -1,5 +1,6 @@
 // Planar faces measured by their edges: held against the modeller's own integrals.
-#include "host/naming/body_signature.h"
+#include "host/naming/plane_signature.h"
+
 #include "tests/host/naming/naming_fixture.h"
 
 namespace vdm_host {

@@ -245,7 +245,59 @@ TEST_F(VdmReferenceUpdate, SignaturesOfLargeFacesAreRenewedByAndBy) {
   expectRenewed(74);
 }
 
-TEST_F(VdmReferenceUpdate, SplitsAndMergesAreToldToTheModule) {
+TEST_F(VdmReferenceUpdate, PartsOfALargeFaceGetSignaturesOfTheirOwn) {
+  const OdDbObjectId entity = addSolid(drilled(drills(12, 6)));
+  const OdDbObjectId top = refer(entity, Type::kFace, {5, 100, 10});
+  // Nearly all edges stay on one side of the slot.
+  cutSolid(entity, {box(20.0, 220.0, 5.0, {265.0, -10.0, 5.0})});
+  const OdDbObjectIdArray parts = m_map.getReplacedWith(top);
+  ASSERT_EQ(parts.size(), 2u);
+  const OdModelerBodyPtr body = bodyOfSolid(entity);
+  for (const OdDbObjectId& part : parts) {
+    const ReferenceStory story = explainReference(part);
+    const OdInt64 index = story.now.path.subentId().index();
+    const SubentSignature now = signatureOf(*body, {Type::kFace, static_cast<OdUInt32>(index)});
+    EXPECT_TRUE(isIdentical(story.record.signature, now, MatchTolerance::of(*body))) << index;
+    EXPECT_EQ(story.record.signature.bounds, now.bounds);
+    EXPECT_EQ(story.record.lastIndex, index);
+  }
+}
+
+TEST_F(VdmReferenceUpdate, BlendsAreTheCauseOfWhatTheyTouch) {
+  const OdDbObjectId entity = addSolid(plate());
+  const OdDbObjectId top = refer(entity, Type::kFace, {150, 100, 10});
+  const OdDbObjectId side = refer(entity, Type::kFace, {300, 100, 5});
+  const OdDbObjectId corner = refer(entity, Type::kEdge, {0, 0, 5});
+  const OdUInt32 edge = edgeAt(*bodyOfSolid(entity), {0, 0, 5});
+  const ReferenceUpdateReport report = edit([&](ReferenceUpdate&) {
+    ASSERT_TRUE(succeeded(solid(entity)->filletEdges({&edge, 1}, 3.0)));
+  });
+  ASSERT_EQ(report.changes.size(), 2u) << "the side keeps its boundary";
+  EXPECT_EQ(report.lost, 1u);
+  for (const ReferenceChange& change : report.changes) {
+    EXPECT_EQ(change.cause, LineageCause::kBlend);
+    const LineageStep step = explainReference(change.dependency).record.steps.back();
+    EXPECT_EQ(step.cause, LineageCause::kBlend);
+    EXPECT_EQ(step.grade, change.grade);
+  }
+  EXPECT_EQ(gradeOf(top), ReferenceGrade::kByLineage);
+  EXPECT_EQ(gradeOf(side), ReferenceGrade::kExact);
+  EXPECT_EQ(gradeOf(corner), ReferenceGrade::kLost);
+  // A cut before the blend in the same edit does not hide it, nor does one after it.
+  const ReferenceUpdateReport mixed = edit([&](ReferenceUpdate&) {
+    const auto cutWith = [&](const OdModelerBodyPtr& tool) {
+      ASSERT_TRUE(succeeded(solid(entity)->booleanOper(BooleanKind::kSubtract, {&tool, 1})));
+    };
+    cutWith(cylinder(4.0, 20.0, {60.0, 60.0, -5.0}));
+    const OdUInt32 next = edgeAt(*bodyOfSolid(entity), {300, 200, 5});
+    ASSERT_TRUE(succeeded(solid(entity)->filletEdges({&next, 1}, 3.0)));
+    cutWith(cylinder(4.0, 20.0, {90.0, 60.0, -5.0}));
+  });
+  ASSERT_FALSE(mixed.changes.empty());
+  for (const ReferenceChange& change : mixed.changes) EXPECT_EQ(change.cause, LineageCause::kBlend);
+}
+
+TEST_F(VdmReferenceUpdate, SplitsAndMergesReachTheModule) {
   const OdDbObjectId entity = addSolid(plate());
   const OdDbObjectId top = refer(entity, Type::kFace, {150, 100, 10});
   cutSolid(entity, {box(20.0, 220.0, 5.0, {140.0, -10.0, 5.0})});
@@ -286,7 +338,7 @@ TEST_F(VdmReferenceUpdate, DependenciesOfConstraintsFollowToo) {
   cutSolid(entity, {box(20.0, 220.0, 5.0, {200.0, -10.0, 5.0})});
   EXPECT_TRUE(leadsTo(side, {300, 100, 5}));
   EXPECT_TRUE(leadsTo(sameSide, {300, 100, 5}));
-  EXPECT_TRUE(leadsTo(top, {100, 100, 10})) << "nobody would follow two: the larger part";
+  EXPECT_TRUE(leadsTo(top, {100, 100, 10})) << "nothing would follow two: the larger part";
   EXPECT_EQ(gradeOf(top), ReferenceGrade::kSplit);
   EXPECT_TRUE(m_map.isEmptyReplacementDeps()) << "what meets is not merged across owners";
 }
@@ -303,7 +355,7 @@ TEST_F(VdmReferenceUpdate, OpeningsMoveSwapCloseAndComeBack) {
   expectAtHole(refsA, a2.centre);
   expectAtHole(refsB, b.centre);
   EXPECT_EQ(gradeOf(refsA.wall), ReferenceGrade::kByLineage);
-  // Two exchange their places: each reference goes with its hole.
+  // Two exchange their places: each reference follows its hole.
   const Hole aAtB = holeAt(160, 60, 0x71);
   const Hole bAtA = holeAt(200, 150, 0x72);
   recut(entity, {{a2, aAtB}, {b, bAtA}});
@@ -328,7 +380,7 @@ TEST_F(VdmReferenceUpdate, BodiesReplacedWithAndWithoutAJournal) {
   const std::vector<OdModelerBodyPtr> tools = drills(4, 3);
   const OdDbObjectId entity = addSolid(drilled(tools));
   const OdDbObjectId wall = refer(entity, Type::kFace, {26, 30, 5});
-  const OdDbObjectId gone = refer(entity, Type::kFace, {46, 30, 5});
+  const OdDbObjectId closed = refer(entity, Type::kFace, {46, 30, 5});
   const OdDbObjectId rim = refer(entity, Type::kEdge, {26, 30, 10});
   std::vector<OdModelerBodyPtr> fewer = tools;
   fewer.erase(fewer.begin() + 3);
@@ -339,8 +391,8 @@ TEST_F(VdmReferenceUpdate, BodiesReplacedWithAndWithoutAJournal) {
   EXPECT_TRUE(leadsTo(wall, {26, 30, 5}));
   EXPECT_TRUE(leadsTo(rim, {26, 30, 10}));
   EXPECT_EQ(gradeOf(wall), ReferenceGrade::kBySignature);
-  EXPECT_EQ(gradeOf(gone), ReferenceGrade::kLost);
-  // The solid moves under a journal, then somebody works on it who keeps none.
+  EXPECT_EQ(gradeOf(closed), ReferenceGrade::kLost);
+  // The solid moves under a journal, then it is edited without one.
   const OdGeMatrix3d motion = OdGeMatrix3d::rotation(0.3, OdGeVector3d::kZAxis, {1000, 0, 0});
   edit([&](ReferenceUpdate&) { ASSERT_EQ(solid(entity)->transformBy(motion), eOk); });
   EXPECT_TRUE(leadsTo(wall, motion * OdGePoint3d(26, 30, 5)));
@@ -348,11 +400,11 @@ TEST_F(VdmReferenceUpdate, BodiesReplacedWithAndWithoutAJournal) {
                                                {box(20.0, 20.0, 30.0, {280.0, 180.0, -5.0})}),
                                        motion);
   solid(entity)->setBody(other);
-  EXPECT_FALSE(resolveReference(wall).resolved()) << "nobody has looked since";
+  EXPECT_FALSE(resolveReference(wall).resolved()) << "nothing has looked since";
   ReferenceUpdate(m_map).settleByStamp(entity);
   EXPECT_TRUE(leadsTo(wall, motion * OdGePoint3d(26, 30, 5)));
   EXPECT_TRUE(leadsTo(rim, motion * OdGePoint3d(26, 30, 10)));
-  EXPECT_TRUE(leadsTo(gone, motion * OdGePoint3d(46, 30, 5))) << "its hole is there again";
+  EXPECT_TRUE(leadsTo(closed, motion * OdGePoint3d(46, 30, 5))) << "its hole is there again";
 }
 
 TEST_F(VdmReferenceUpdate, PathsThroughBlockReferencesAndStoredDrawings) {

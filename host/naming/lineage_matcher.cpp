@@ -1,12 +1,53 @@
 // Which subentities of a body are those of another one, by the history of what was done.
-#include "host/naming/lineage_match.h"
+//
+// The idea: a history is believed in what it says, and doubted in what it says was deleted.
+// Modellers delete and build anew what an operation left as it was: edges whose faces were
+// rebuilt, seams, edges that two operations took apart and put together. Such a subentity is looked
+// for among the orphans, the new subentities that no old one became. So a wrong image would have to
+// be new, without another origin, and identical in place and measure.
+//
+// The work: most references follow one fate and end there. Counting origins, which finds the
+// orphans, follows every subentity of a type once, and is done for the first reference that needs
+// it. Only orphans of the wanted kind are measured.
+#include "host/naming/lineage_matcher.h"
 
 #include <algorithm>
 #include <iterator>
 
-#include "host/naming/body_match.h"
+#include "host/naming/body_signature.h"
+#include "platform/base/sort_unique.h"
 
 namespace vdm_host {
+
+namespace {
+
+// What bounds a face or an edge: its edges, or its ends.
+std::vector<OdModelerSubent> borderOf(const OdModelerBody& body, OdModelerSubent subent) {
+  std::vector<OdModelerSubent> border;
+  if (subent.type == OdModelerSubentType::kFace) {
+    for (const OdUInt32 edge : body.edgesOfFace(subent.index)) {
+      border.push_back({OdModelerSubentType::kEdge, edge});
+    }
+  } else if (subent.type == OdModelerSubentType::kEdge) {
+    const OdModelerEdge& edge = body.edge(subent.index);
+    border.push_back({OdModelerSubentType::kVertex, edge.startVertex});
+    border.push_back({OdModelerSubentType::kVertex, edge.endVertex});
+  }
+  return border;
+}
+
+// The kind of a subentity, as in its signature, without measuring it.
+OdUInt8 kindOf(const OdModelerBody& body, OdModelerSubent subent) {
+  if (subent.type == OdModelerSubentType::kFace) {
+    return static_cast<OdUInt8>(body.surfaceKind(subent.index));
+  }
+  if (subent.type == OdModelerSubentType::kEdge) {
+    return static_cast<OdUInt8>(body.curveKind(subent.index));
+  }
+  return 0;
+}
+
+}  // namespace
 
 LineageMatcher::LineageMatcher(OdModelerBodyPtr before, OdModelerBodyPtr now,
                                const BodyTrace& trace)
@@ -36,28 +77,16 @@ const std::vector<OdUInt32>& LineageMatcher::sources(OdModelerSubentType type) {
   return *counts;
 }
 
-// What bounds a face or an edge: its edges, or its ends.
-static std::vector<OdModelerSubent> borderOf(const OdModelerBody& body, OdModelerSubent subent) {
-  std::vector<OdModelerSubent> border;
-  if (subent.type == OdModelerSubentType::kFace) {
-    for (const OdUInt32 edge : body.edgesOfFace(subent.index))
-      border.push_back({OdModelerSubentType::kEdge, edge});
-  } else if (subent.type == OdModelerSubentType::kEdge) {
-    const OdModelerEdge& edge = body.edge(subent.index);
-    border.push_back({OdModelerSubentType::kVertex, edge.startVertex});
-    border.push_back({OdModelerSubentType::kVertex, edge.endVertex});
-  }
-  return border;
-}
-
 // Neighbours that were put together and taken apart again on the way share their images. Each is
-// then the part on its own side: the one whose border is its own, as far as that is whole.
+// then the part on its own side: the one that has a piece of its old border, as far as that is
+// whole.
 SubentMatch LineageMatcher::partsOf(OdModelerSubent subent, std::span<const OdUInt32> images) {
   const std::vector<OdUInt32>& counts = sources(subent.type);
   SubentMatch all{ReferenceGrade::kSplit, {images.begin(), images.end()}};
   const auto isShared = [&counts](OdUInt32 image) { return counts[image - 1] > 1; };
   if (!m_before->hasSubent(subent) || std::ranges::none_of(images, isShared)) return all;
 
+  // Only a border with a single image says which side it is on.
   std::vector<OdModelerSubent> kept;
   for (const OdModelerSubent border : borderOf(*m_before, subent)) {
     m_trace.follow(border, m_fate);
@@ -75,21 +104,7 @@ SubentMatch LineageMatcher::partsOf(OdModelerSubent subent, std::span<const OdUI
   return own;
 }
 
-namespace {
-
-// The kind of a subentity, as in its signature, without measuring it.
-OdUInt8 kindOf(const OdModelerBody& body, OdModelerSubent subent) {
-  if (subent.type == OdModelerSubentType::kFace)
-    return static_cast<OdUInt8>(body.surfaceKind(subent.index));
-  if (subent.type == OdModelerSubentType::kEdge)
-    return static_cast<OdUInt8>(body.curveKind(subent.index));
-  return 0;
-}
-
-}  // namespace
-
-// New subentities that come from no old one: among them those that the modeller built anew. Only
-// what can be the wanted one is measured.
+// New subentities that come from no old one, among them those that the modeller built anew.
 const LineageMatcher::Orphans& LineageMatcher::orphans(OdModelerSubentType type, OdUInt8 kind) {
   const auto [place, isNew] = m_orphans.try_emplace({type, kind});
   Orphans& row = place->second;
@@ -116,27 +131,36 @@ SubentMatch LineageMatcher::rebuilt(OdModelerSubent subent) {
   return match;
 }
 
-// Pieces of an edge that were put together again: a new edge of the same faces that runs along the
-// same curve and over the middle of the old one.
+// Pieces of an edge that were put together are a new edge of the same faces, which runs along the
+// same curve and over the middle of the old one (law 4).
 SubentMatch LineageMatcher::grownEdge(OdModelerSubent subent, const SubentSignature& wanted) {
   const OdGePoint3d middle = m_trace.motion * m_before->edge(subent.index).midPoint;
-  const std::vector<OdUInt32>& fresh = orphans(wanted.type, wanted.kind).indices;
+  const auto isOver = [&](OdUInt32 edge) {
+    const OdModelerSubent other{OdModelerSubentType::kEdge, edge};
+    return liesOnSame(wanted, signatureOf(*m_now, other), tolerance()) &&
+           m_now->distanceTo(other, middle) <= tolerance().length;
+  };
   std::vector<OdUInt32> found;
-  for (const OdUInt32 face : m_before->facesOfEdge(subent.index)) {
-    m_trace.follow({OdModelerSubentType::kFace, face}, m_fate);
-    for (const OdUInt32 image : m_fate.images) {
-      for (const OdUInt32 edge : m_now->edgesOfFace(image)) {
-        if (!std::ranges::binary_search(fresh, edge)) continue;
-        if (std::ranges::count(found, edge) != 0) continue;
-        const SubentSignature item = signatureOf(*m_now, {OdModelerSubentType::kEdge, edge});
-        if (!liesOnSame(wanted, item, tolerance())) continue;
-        const double distance = m_now->distanceTo({OdModelerSubentType::kEdge, edge}, middle);
-        if (distance <= tolerance().length) found.push_back(edge);
-      }
-    }
+  for (const OdUInt32 edge : newEdgesAtImages(subent, wanted.kind)) {
+    if (isOver(edge)) found.push_back(edge);
   }
   if (found.size() == 1) return {ReferenceGrade::kByLineage, std::move(found)};
   return found.empty() ? SubentMatch() : SubentMatch{ReferenceGrade::kAmbiguous, {}};
+}
+
+// Edges of a kind that come from no old one and bound an image of a face of the old edge.
+std::vector<OdUInt32> LineageMatcher::newEdgesAtImages(OdModelerSubent subent, OdUInt8 kind) {
+  const std::vector<OdUInt32>& fresh = orphans(OdModelerSubentType::kEdge, kind).indices;
+  std::vector<OdUInt32> edges;
+  for (const OdUInt32 face : m_before->facesOfEdge(subent.index)) {
+    m_trace.follow({OdModelerSubentType::kFace, face}, m_fate);
+    for (const OdUInt32 image : m_fate.images) {
+      std::ranges::copy_if(m_now->edgesOfFace(image), std::back_inserter(edges),
+                           [&](OdUInt32 edge) { return std::ranges::binary_search(fresh, edge); });
+    }
+  }
+  odSortUnique(edges);
+  return edges;
 }
 
 SubentMatch LineageMatcher::findNew(const SubentSignature& wanted) {

@@ -6,13 +6,13 @@
 #include <unordered_map>
 #include <vector>
 
-#include "host/naming/lineage_match.h"
+#include "host/naming/face_respawn.h"
+#include "host/naming/lineage_matcher.h"
 #include "host/naming/reference_record.h"
-#include "host/naming/reference_update.h"
 
 namespace vdm_host {
 
-/// What came of a reference that touches an opening.
+/// What became of a reference that touches an opening.
 struct RespawnMatch {
   SubentMatch match;
   LineageBirth birth;
@@ -20,30 +20,32 @@ struct RespawnMatch {
 };
 
 /// Laws:
-///   1. an old face of an opening is what the same face of the tool left in the new body; of
-///      several such faces the one that lies as the old one does after the tool's motion, else all;
-///      a face in which several openings had met is all of theirs;
+///   1. an old face of an opening is what the same face of the tool left in the new body. Of
+///      several such faces it is the one that lies as the old one does after the tool's motion;
+///      otherwise it is all of them. A face in which several openings had merged is all of theirs;
 ///   2. an edge or vertex that touches such a face is the one where the images of all its old faces
-///      meet and no others; of several the one that lies as the old one did after the motion, or
-///      lies nearest by far; else it is ambiguous. Where they meet nowhere, because the opening
-///      went to other faces, it is the one at the opening that lies exactly as the old one did;
-///   3. what touches a face that is not there any more is lost until the opening comes back; an
-///      edge or vertex comes back where it lies exactly as it did.
-///   4. what a tool's face left is never another face, though it lie in that one's old place.
+///      meet and no other face does. Of several it is the one that lies as the old one did after
+///      the motion, or the one that is nearest, when the next is at least twice as far; otherwise
+///      it is ambiguous. Where the images meet nowhere, because the opening was cut into other
+///      faces, it is the one at the opening that lies exactly as the old one did;
+///   3. what touches a face that was closed is lost until the opening comes back. An edge or vertex
+///      comes back where it lies exactly as it did;
+///   4. what a face of a tool left is never the image of another face, even where it lies in that
+///      face's old place.
 class RespawnMatcher {
  public:
-  /// The rows are those of one solid. All arguments outlive this; `lineage` tells the faces that
-  /// are not of openings.
+  /// The rows are those of one solid. All arguments outlive this; `lineage` decides about faces
+  /// that are not of openings.
   RespawnMatcher(std::span<const FaceRespawn> rows, const OdModelerBody& before,
                  const OdModelerBody& now, LineageMatcher& lineage);
 
   [[nodiscard]] bool empty() const { return m_rows.empty(); }
-  /// Whether match() has something to tell about it.
+  /// Whether match() decides about it.
   [[nodiscard]] bool touches(OdModelerSubent subent) const { return rowAt(subent) != nullptr; }
   /// None when the subentity touches no opening of the rows.
   [[nodiscard]] std::optional<RespawnMatch> match(OdModelerSubent subent);
   /// A reference that was lost with its opening. `wanted` is its signature where the solid is now;
-  /// faces need none. None when no row is of its birth.
+  /// faces need none. None when the opening was not cut again.
   [[nodiscard]] std::optional<RespawnMatch> comeBack(const LineageBirth& birth,
                                                      const SubentSignature& wanted);
 

@@ -1,10 +1,21 @@
-// Carries out what was decided: links, records, splits and merges, and the report.
+// ReferenceUpdate: carries out what was decided.
+//
+// The order matters. Links change first and for all references, one call for each manager, since a
+// manager keeps its references in order of their paths and may not see half of them moved. Records
+// follow, and with them the splits, which need the records of the old references for the new ones.
+//
+// Laws of what is written:
+//   1. nothing for an exact decision but the number;
+//   2. one step, the grade and the cause for every other decision, and a fresh signature where it
+//      leads somewhere. A lost reference keeps its signature: by that it is found again;
+//   3. a split is a reference for each part where a manager can make them, else the largest part.
 #include <algorithm>
+#include <functional>
 #include <optional>
-#include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
+#include "host/naming/body_signature.h"
+#include "host/naming/plane_signature.h"
 #include "host/naming/reference_update_impl.h"
 #include "vdm_db/model/vdm_db_pers_id_manager.h"
 
@@ -12,9 +23,8 @@ namespace vdm_host {
 
 namespace {
 
-/// Measuring a face takes the modeller about 0.02 ms for each of its edges, and one between lines
-/// and circles about 1 us. A face with more than this many keeps the signature that it has until
-/// it has an eighth more or fewer of them.
+/// The modeller measures a face in about 0.02 ms for each of its edges, signatureOfPlane() in about
+/// 1 us. A face with more edges than this keeps its signature until it has an eighth more or fewer.
 constexpr std::size_t kManyEdges = 64;
 constexpr std::size_t kManyParts = 8;
 
@@ -23,8 +33,8 @@ bool isAsLargeAs(std::size_t edges, std::size_t before) {
   return difference * kManyParts <= edges;
 }
 
-// The signature of what a reference leads to now; none when the known one does. Both lie where the
-// body does.
+// The signature of what a reference leads to; none when the known one is good enough. Both lie
+// where the body does.
 std::optional<SubentSignature> renewed(const SubentSignature& known, const OdModelerBody& body,
                                        OdModelerSubent subent, LineageCause cause) {
   if (known.type != OdModelerSubentType::kFace) return signatureOf(body, subent);
@@ -32,13 +42,28 @@ std::optional<SubentSignature> renewed(const SubentSignature& known, const OdMod
   const bool hasMany = edges > kManyEdges;
   const bool isPart = cause == LineageCause::kSplit;
   if (hasMany && !isPart && isAsLargeAs(edges, known.bounds)) return std::nullopt;
-  // What an operation leaves of a plane lies in it, with the same side out.
+  // What a boolean or blend leaves of a plane lies in it, with the same side out. Any other cause
+  // may lead to another plane.
   if (isPart || cause == LineageCause::kBoolean || cause == LineageCause::kBlend) {
     std::optional<SubentSignature> plane = signatureOfPlane(body, subent.index, known);
     if (plane) return plane;
   }
   if (hasMany) return std::nullopt;
   return signatureOf(body, subent);
+}
+
+OdUInt32 largestOf(const OdModelerBody& body, OdModelerSubentType type,
+                   const std::vector<OdUInt32>& indices) {
+  const auto sizeOf = [&](OdUInt32 index) { return signatureOf(body, {type, index}).size; };
+  return *std::ranges::max_element(indices, std::ranges::less(), sizeOf);
+}
+
+// What a reference remembers; a default record, which is exact, when it has none.
+ReferenceRecord recordOf(const OdDbObjectId& id) {
+  ReferenceRecord record;
+  const VdmDbObjectDependencyPtr dependency = openDependency(id);
+  if (!dependency.isNull()) (void)record.readFrom(*dependency);
+  return record;
 }
 
 }  // namespace
@@ -57,7 +82,7 @@ void ReferenceUpdate::Impl::apply(Solid& solid) {
   writeRecords(solid);
 }
 
-// A dependency that no manager has.
+// For a dependency that no manager owns.
 void ReferenceUpdate::Impl::setLink(const OdDbObjectId& id, const OdDbFullSubentPath& path) {
   const VdmDbObjectDependencyPtr dependency = openDependency(id, OdDb::kForWrite);
   if (!dependency.isNull()) dependency->setLinkObject(path);
@@ -88,7 +113,7 @@ void ReferenceUpdate::Impl::LinkMoves::carryOut() {
   }
 }
 
-// The reference leads to another number, or with 0 to none.
+// The reference leads to another number, or with 0 nowhere.
 void ReferenceUpdate::Impl::renumber(LinkMoves& moves, const Reference& reference, OdUInt32 image) {
   const OdInt64 index = image == 0 ? unresolvedIndexOf(reference.dependency) : OdInt64{image};
   if (index == OdInt64{reference.old.index}) return;
@@ -97,7 +122,7 @@ void ReferenceUpdate::Impl::renumber(LinkMoves& moves, const Reference& referenc
   m_report.renumbered += image != 0 ? 1U : 0U;
 }
 
-// One image, or none: the reference itself goes there.
+// One image or none: the reference itself is changed.
 void ReferenceUpdate::Impl::setLinks(const Solid& solid) {
   LinkMoves moves(solid.id);
   for (const Decision& decision : solid.decisions) {
@@ -113,21 +138,17 @@ void ReferenceUpdate::Impl::writeRecords(Solid& solid) {
       writeSplit(solid, decision);
       continue;
     }
-    // Nothing was decided: no more than the number changed.
     if (decision.match.grade == ReferenceGrade::kExact) continue;
-    const VdmDbObjectDependencyPtr dependency = openDependency(decision.dependency);
-    ReferenceRecord record;
-    const bool hasRecord = record.readFrom(*dependency);
-    const ReferenceGrade before = hasRecord ? record.grade : ReferenceGrade::kExact;
+    const ReferenceRecord record = recordOf(decision.dependency);
     const OdUInt32 image = decision.match.images.empty() ? 0 : decision.match.images.front();
     writeRecord(decision.dependency, decision, record, image, solid);
-    tell(solid, decision, before);
+    report(solid, decision, record.grade);
   }
 }
 
 void ReferenceUpdate::Impl::writeRecord(const OdDbObjectId& id, const Decision& decision,
                                         const ReferenceRecord& from, OdUInt32 image,
-                                        const Solid& solid) const {
+                                        const Solid& solid) {
   ReferenceRecord record = from;
   record.addStep({decision.cause, decision.match.grade, decision.old.index, image,
                   static_cast<OdUInt32>(decision.match.images.size()), decision.feature});
@@ -143,44 +164,45 @@ void ReferenceUpdate::Impl::writeRecord(const OdDbObjectId& id, const Decision& 
   if (!dependency.isNull()) record.writeTo(*dependency);
 }
 
-// Several images: clones take the place of the reference. One that nobody watches goes to the
-// largest part, since nobody would follow the clones.
-void ReferenceUpdate::Impl::writeSplit(Solid& solid, const Decision& decision) {
+// Clones of the reference, one for each image; none when no manager can make them.
+OdDbObjectIdArray ReferenceUpdate::Impl::splitByManager(const Decision& decision) {
   const auto type = static_cast<OdDb::SubentType>(decision.old.type);
   OdDbFullSubentPathArray paths;
   for (const OdUInt32 image : decision.match.images) {
     paths.append(pathTo(decision.dependency, OdDbSubentId(type, image)));
   }
-  const VdmDbObjectDependencyPtr dependency = openDependency(decision.dependency);
-  ReferenceRecord record;
-  const bool hasRecord = record.readFrom(*dependency);
-  const ReferenceGrade before = hasRecord ? record.grade : ReferenceGrade::kExact;
-  const OdDbObjectId managerId = decision.dependency.ownerId();
-  const VdmDbPersIdManagerPtr manager = managerId.openAs<VdmDbPersIdManager>(OdDb::kForWrite);
-  OdDbObjectIdArray ids;
-  if (!manager.isNull()) ids = manager->split(decision.dependency, paths, m_map);
+  const OdDbObjectId id = decision.dependency.ownerId();
+  const VdmDbPersIdManagerPtr manager = id.openAs<VdmDbPersIdManager>(OdDb::kForWrite);
+  if (manager.isNull()) return {};
+  OdDbObjectIdArray parts = manager->split(decision.dependency, paths, m_map);
+  if (parts.size() != paths.size()) return {};
+  m_managers[id.getHandle()] = id;
+  return parts;
+}
+
+// Several images: clones replace the reference. One that nothing watches follows the largest part,
+// since nothing would follow the clones.
+void ReferenceUpdate::Impl::writeSplit(Solid& solid, const Decision& decision) {
+  const std::vector<OdUInt32>& images = decision.match.images;
+  const ReferenceRecord record = recordOf(decision.dependency);
+  const OdDbObjectIdArray parts = splitByManager(decision);
   Decision part = decision;
   part.match.grade = ReferenceGrade::kSplit;
   part.cause = decision.birth ? decision.cause : LineageCause::kSplit;
-  if (ids.size() == decision.match.images.size()) {
-    m_managers[managerId.getHandle()] = managerId;
-    for (OdUInt32 i = 0; i < ids.size(); ++i) {
-      writeRecord(ids[i], part, record, decision.match.images[i], solid);
-    }
-  } else {
-    const auto sizeOf = [&](OdUInt32 image) {
-      return signatureOf(*solid.now, {decision.old.type, image}).size;
-    };
-    const OdUInt32 largest = *std::ranges::max_element(
-        decision.match.images, [&](OdUInt32 a, OdUInt32 b) { return sizeOf(a) < sizeOf(b); });
+  for (OdUInt32 i = 0; i < parts.size(); ++i) {
+    writeRecord(parts[i], part, record, images[i], solid);
+  }
+  if (parts.isEmpty()) {
+    const OdUInt32 largest = largestOf(*solid.now, decision.old.type, images);
+    const auto type = static_cast<OdDb::SubentType>(decision.old.type);
     setLink(decision.dependency, pathTo(decision.dependency, OdDbSubentId(type, OdInt64{largest})));
     writeRecord(decision.dependency, part, record, largest, solid);
   }
-  tell(solid, part, before);
+  report(solid, part, record.grade);
 }
 
-void ReferenceUpdate::Impl::tell(const Solid& solid, const Decision& decision,
-                                 ReferenceGrade before) {
+void ReferenceUpdate::Impl::report(const Solid& solid, const Decision& decision,
+                                   ReferenceGrade before) {
   ReferenceChange change;
   change.dependency = decision.dependency;
   change.solid = solid.id;
@@ -199,71 +221,6 @@ void ReferenceUpdate::Impl::tell(const Solid& solid, const Decision& decision,
     m_report.ambiguous += change.grade == ReferenceGrade::kAmbiguous ? 1U : 0U;
   }
   m_report.changes.push_back(std::move(change));
-}
-
-// ---- Splits and merges are finished, manager by manager
-
-void ReferenceUpdate::Impl::finish() {
-  for (const auto& [handle, id] : m_managers) {
-    const VdmDbPersIdManagerPtr manager = id.openAs<VdmDbPersIdManager>(OdDb::kForWrite);
-    if (manager.isNull()) continue;
-    if (isSecondPass) {
-      manager->finishRemap2(m_map);
-    } else {
-      manager->finishRemap(m_map);
-    }
-  }
-  writeMerged();
-  m_managers.clear();
-  m_meetings.clear();
-}
-
-// The new object that stands for several goes on with the memory of the first of them.
-void ReferenceUpdate::Impl::writeMerged() {
-  const auto sameReference = [](const Meeting& a, const Meeting& b) {
-    return a.dependency == b.dependency;
-  };
-  std::ranges::stable_sort(m_meetings, [](const Meeting& a, const Meeting& b) {
-    return OdUInt64(a.dependency.getHandle()) < OdUInt64(b.dependency.getHandle());
-  });
-  m_meetings.erase(std::unique(m_meetings.begin(), m_meetings.end(), sameReference),
-                   m_meetings.end());
-  std::unordered_map<OdDbObjectId, OdUInt32> parts;  // references behind each new object
-  for (const Meeting& meeting : m_meetings) {
-    if (!m_map.contains(meeting.dependency)) continue;
-    for (const OdDbObjectId& by : m_map.getReplacedWith(meeting.dependency)) ++parts[by];
-  }
-  std::unordered_set<OdDbObjectId> written;
-  for (const Meeting& meeting : m_meetings) {
-    if (!m_map.contains(meeting.dependency)) continue;
-    const OdDbObjectIdArray by = m_map.getReplacedWith(meeting.dependency);
-    if (by.size() != 1 || parts[by[0]] < 2) continue;
-    const bool isFirst = written.insert(by[0]).second;
-    const VdmDbObjectDependencyPtr old =
-        meeting.dependency.openAs<VdmDbObjectDependency>(OdDb::kForRead, /*openErased=*/true);
-    ReferenceRecord record;
-    if (old.isNull() || !record.readFrom(*old)) continue;
-    const ReferenceGrade before = record.grade;
-    const OdUInt32 image = meeting.subent.index;
-    if (isFirst) {
-      record.addStep(
-          {LineageCause::kMerged, ReferenceGrade::kMerged, image, image, parts[by[0]], m_feature});
-      if (const VdmDbObjectDependencyPtr fresh = openDependency(by[0], OdDb::kForWrite);
-          !fresh.isNull()) {
-        record.writeTo(*fresh);
-      }
-    }
-    ReferenceChange change;
-    change.dependency = meeting.dependency;
-    change.solid = meeting.solid;
-    change.type = meeting.subent.type;
-    change.from = change.to = image;
-    change.gradeBefore = before;
-    change.grade = ReferenceGrade::kMerged;
-    change.cause = LineageCause::kMerged;
-    change.replacedBy = by;
-    m_report.changes.push_back(std::move(change));
-  }
 }
 
 }  // namespace vdm_host

@@ -1,8 +1,28 @@
 // Openings that were cut again: which new faces, edges and vertices are the old ones.
-#include "host/naming/respawn_match.h"
+//
+// The idea: a history cannot follow an opening that is closed and cut anew, since to the modeller
+// the old faces were deleted and the new ones come from a tool. But the tool is the same one,
+// perhaps moved. A face of an opening is therefore named by (feature, face of the tool), and that
+// name is the same before and after. Each row (FaceRespawn) is one such name with the old face and
+// the new faces that it stands for.
+//
+// Edges and vertices have no name of their own: an edge is where its faces meet. Its image is the
+// new edge where an image of each of its faces meets, and no face that is not an image of them.
+// The second half keeps an edge from becoming one that another cut made at the same opening.
+//
+// Why it is right: a name leads to what its own tool left and to nothing else (law 4), so two
+// openings that exchange their places exchange their references too. Where names do not suffice,
+// the place after the tool's motion decides, and only when it is exact or clearly nearest.
+//
+// The cost: a reference that touches no opening costs one look into a hash table for each face at
+// it. Images of a face are computed once; candidates are the edges at the new faces of one row.
+#include "host/naming/respawn_matcher.h"
 
 #include <algorithm>
 #include <limits>
+
+#include "host/naming/body_signature.h"
+#include "platform/base/sort_unique.h"
 
 namespace vdm_host {
 
@@ -12,11 +32,6 @@ using Type = OdModelerSubentType;
 
 /// The next candidate is at least this many times as far away.
 constexpr double kClearlyNearer = 2.0;
-
-void sortUnique(std::vector<OdUInt32>& items) {
-  std::ranges::sort(items);
-  items.erase(std::unique(items.begin(), items.end()), items.end());
-}
 
 SubentMatch single(OdUInt32 image) { return {ReferenceGrade::kByLineage, {image}}; }
 
@@ -33,7 +48,8 @@ RespawnMatcher::RespawnMatcher(std::span<const FaceRespawn> rows, const OdModele
     : m_rows(rows), m_before(before), m_now(now), m_lineage(lineage) {
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (rows[i].oldFace == 0) continue;
-    // Of openings that had met in a face, one that is cut again tells where that is.
+    // A face in which openings had merged has several rows: one that was cut again leads further
+    // than one that was not.
     const auto [place, isNew] = m_byOldFace.emplace(rows[i].oldFace, i);
     if (!isNew && rows[place->second].newFaces.empty()) place->second = i;
   }
@@ -44,13 +60,13 @@ const FaceRespawn* RespawnMatcher::rowOf(OdUInt32 oldFace) const {
   return found == m_byOldFace.end() ? nullptr : &m_rows[found->second];
 }
 
-// Measured when it is needed: it takes a look at every vertex.
+// Measured when it is first needed: that costs a look at every vertex.
 const MatchTolerance& RespawnMatcher::tolerance() const {
   if (!m_tolerance) m_tolerance = MatchTolerance::of(m_before, m_now);
   return *m_tolerance;
 }
 
-// That of the face, or of the first face around an edge or vertex that is of an opening.
+// The row of the face, or of the first face at an edge or vertex that is of an opening.
 const FaceRespawn* RespawnMatcher::rowAt(OdModelerSubent subent) const {
   if (m_byOldFace.empty() || !m_before.hasSubent(subent)) return nullptr;
   if (subent.type == Type::kFace) return rowOf(subent.index);
@@ -76,7 +92,8 @@ std::optional<RespawnMatch> RespawnMatcher::match(OdModelerSubent subent) {
   RespawnMatch result;
   result.birth = {row->feature, row->toolFace};
   if (row->newFaces.empty()) {
-    // Not cut again; perhaps not closed either.
+    // The opening was not cut again, but it may not be closed either: the plug may have been cut
+    // by something else.
     result.match = stayed(subent);
     result.closed = result.match.images.empty();
   } else if (subent.type == Type::kFace) {
@@ -102,15 +119,15 @@ std::optional<RespawnMatch> RespawnMatcher::comeBack(const LineageBirth& birth,
   if (wanted.type == Type::kFace) {
     result.match = matchFace(*row, moved);
   } else {
-    // What else had met there is not known any more.
+    // A record does not name the other faces that met there: only the exact place counts.
     result.match =
         chooseIdentical(wanted.type, candidatesAround(wanted.type, row->newFaces), moved);
   }
   return result;
 }
 
-// A face in which several openings had met comes apart when one of them goes elsewhere: it is what
-// each of those that are cut again left, and what stays of the others.
+// A face in which several openings had merged comes apart when one of them is cut elsewhere. Its
+// images are those of each opening that was cut again, and what is left of the others.
 void RespawnMatcher::addOthers(const FaceRespawn& row, OdModelerSubent face, SubentMatch& match) {
   if (match.images.empty()) return;
   const auto add = [&match](OdUInt32 image) {
@@ -123,6 +140,7 @@ void RespawnMatcher::addOthers(const FaceRespawn& row, OdModelerSubent face, Sub
     const SubentSignature wanted = signatureOf(m_before, face).movedBy(other.motion);
     for (const OdUInt32 image : matchFace(other, wanted).images) add(image);
   }
+  // The lineage follows the face where it lies; what a tool left there has its own row.
   for (const OdUInt32 image : m_lineage.match(face).images) {
     if (!isOpening(image)) add(image);
   }
@@ -134,12 +152,13 @@ bool RespawnMatcher::isOpening(OdUInt32 face) const {
                              [&](const FaceRespawn& row) { return contains(row.newFaces, face); });
 }
 
-// What the lineage tells, without what another face of a tool left in the old place.
+// The images by lineage, without those that another face of a tool left in the old place (law 4).
 SubentMatch RespawnMatcher::stayed(OdModelerSubent subent) const {
   const auto facesAt = [](const OdModelerBody& body, OdModelerSubent at) {
     return at.type == Type::kFace ? std::vector{at.index} : facesAround(body, at);
   };
   const std::vector<OdUInt32> oldFaces = facesAt(m_before, subent);
+  // A face that a tool left, but not the tool's face that left one of the old faces.
   const auto isForeign = [&](OdUInt32 face) {
     const auto left = [face](const FaceRespawn& row) { return contains(row.newFaces, face); };
     const auto leftAsOld = [&](const FaceRespawn& row) {
@@ -163,7 +182,7 @@ SubentMatch RespawnMatcher::matchFace(const FaceRespawn& row, const SubentSignat
   return {ReferenceGrade::kSplit, row.newFaces};
 }
 
-// What an old face around the subentity is now.
+// The new faces that an old face at an edge or vertex is.
 const std::vector<OdUInt32>& RespawnMatcher::imagesOfFace(OdUInt32 oldFace) {
   const auto [place, isNew] = m_images.try_emplace(oldFace);
   if (!isNew) return place->second;
@@ -174,8 +193,8 @@ const std::vector<OdUInt32>& RespawnMatcher::imagesOfFace(OdUInt32 oldFace) {
     return images;
   }
   for (const FaceRespawn& each : m_rows) {
-    if (each.oldFace == oldFace)
-      images.insert(images.end(), each.newFaces.begin(), each.newFaces.end());
+    if (each.oldFace != oldFace) continue;
+    images.insert(images.end(), each.newFaces.begin(), each.newFaces.end());
   }
   return images;
 }
@@ -185,11 +204,11 @@ SubentMatch RespawnMatcher::matchAround(OdModelerSubent subent, const FaceRespaw
   const std::vector<OdUInt32> atOpening = candidatesAround(subent.type, row.newFaces);
   const std::vector<OdUInt32> meeting = whereImagesMeet(subent, atOpening);
   if (!meeting.empty()) return chooseByPlace(subent.type, meeting, wanted);
-  // The opening left its neighbours: there is only the motion to go by.
+  // The opening was cut into other faces: only its motion says where the old place is.
   return chooseIdentical(subent.type, atOpening, wanted);
 }
 
-// Those of the candidates where the images of all old faces meet and no others.
+// Those of the candidates where an image of each old face meets, and no other face (law 2).
 std::vector<OdUInt32> RespawnMatcher::whereImagesMeet(OdModelerSubent subent,
                                                       std::span<const OdUInt32> candidates) {
   std::vector<OdUInt32> allowed;
@@ -212,6 +231,7 @@ std::vector<OdUInt32> RespawnMatcher::whereImagesMeet(OdModelerSubent subent,
   return found;
 }
 
+// Edges or vertices at the faces.
 std::vector<OdUInt32> RespawnMatcher::candidatesAround(Type type,
                                                        std::span<const OdUInt32> faces) const {
   std::vector<OdUInt32> found;
@@ -227,11 +247,12 @@ std::vector<OdUInt32> RespawnMatcher::candidatesAround(Type type,
       if (edge.endVertex != 0) found.push_back(edge.endVertex);
     }
   }
-  sortUnique(found);
+  odSortUnique(found);
   return found;
 }
 
-// One candidate of the same kind is it; of several the one in the old place, or nearest by far.
+// One candidate of the same kind is it. Of several it is the one in the old place, else the nearest
+// when the next is clearly farther away.
 SubentMatch RespawnMatcher::chooseByPlace(Type type, const std::vector<OdUInt32>& candidates,
                                           const SubentSignature& wanted) const {
   OdUInt32 nearest = 0;
@@ -240,6 +261,7 @@ SubentMatch RespawnMatcher::chooseByPlace(Type type, const std::vector<OdUInt32>
   std::vector<OdUInt32> identical;
   for (const OdUInt32 candidate : candidates) {
     const SubentSignature item = signatureOf(m_now, {type, candidate});
+    // A seam or an arc is never the line that it meets at the same opening.
     if (item.kind != wanted.kind || item.closed != wanted.closed) continue;
     if (isIdentical(wanted, item, tolerance())) identical.push_back(candidate);
     const double d = item.place.distanceTo(wanted.place);

@@ -1,5 +1,5 @@
 // Following subentities through histories: every claim of the history is held against geometry.
-#include "host/naming/lineage_match.h"
+#include "host/naming/lineage_matcher.h"
 
 #include <algorithm>
 

@@ -8,21 +8,27 @@
 #include <utility>
 #include <vector>
 
-#include "host/naming/body_lineage.h"
-#include "host/naming/body_match.h"
+#include "host/naming/body_trace.h"
 #include "host/naming/place_grid.h"
+#include "host/naming/subent_match.h"
 
 namespace vdm_host {
 
-/// Reads the fates of a trace. A subentity that the history calls deleted is looked for where it
-/// was: modellers build parts anew that did not change. Work beyond reading is done only for those.
+/// Reads the fates of a trace. Laws:
+///   1. one image: it is exact when nothing touched it, by lineage otherwise;
+///   2. several images: split. Where another old subentity shares one of them, each is the part on
+///      its own side, the one whose boundary is its own;
+///   3. no image: the one new subentity that comes from no old one and is identical is it, exactly,
+///      because modellers build parts anew that did not change; several are ambiguous;
+///   4. an edge without an image by law 3 is the new edge of the same faces on the same curve that
+///      runs over its middle, by lineage; else it is lost.
 /// The trace outlives this.
 class LineageMatcher {
  public:
   /// Neither body is null.
   LineageMatcher(OdModelerBodyPtr before, OdModelerBodyPtr now, const BodyTrace& trace);
 
-  /// The number of a subentity that nothing touched; 0 when there is more to tell about it.
+  /// The number of a subentity that nothing touched; 0 when match() has more to decide.
   [[nodiscard]] OdUInt32 untouched(OdModelerSubent subent);
   /// Exact, by lineage, split (all images), ambiguous or lost.
   [[nodiscard]] SubentMatch match(OdModelerSubent subent);
@@ -42,13 +48,14 @@ class LineageMatcher {
   const Orphans& orphans(OdModelerSubentType type, OdUInt8 kind);
   [[nodiscard]] SubentMatch rebuilt(OdModelerSubent subent);
   [[nodiscard]] SubentMatch grownEdge(OdModelerSubent subent, const SubentSignature& wanted);
+  [[nodiscard]] std::vector<OdUInt32> newEdgesAtImages(OdModelerSubent subent, OdUInt8 kind);
   const MatchTolerance& tolerance();
 
   OdModelerBodyPtr m_before;
   OdModelerBodyPtr m_now;
   const BodyTrace& m_trace;
   std::optional<MatchTolerance> m_tolerance;
-  SubentFate m_fate;                                                     // of what was asked last
+  SubentFate m_fate;  // memory for follow(), used again and again
   std::map<std::pair<OdModelerSubentType, OdUInt8>, Orphans> m_orphans;  // by type and kind
   std::array<std::optional<std::vector<OdUInt32>>, 3> m_sources;  // old ones each new one is of
 };

@@ -1,4 +1,16 @@
-// Decides what the references of a solid stand for in its new body.
+// ReferenceUpdate: what the references of a solid mean in its new body.
+//
+// The idea: for each reference the strongest evidence that there is decides, and only that: the row
+// of its opening, then the history, then (for a replaced body) the geometry of both bodies, then
+// the signature in its record. Weaker evidence never overrules a stronger one, so a reference that
+// the history calls lost is not rescued by something that merely looks like it.
+//
+// Deciding changes nothing but numbers. In a large solid nearly every reference only gets another
+// number: that is done at once, in portions. All else is collected in Solid::decisions and carried
+// out afterwards, since splits and merges make and erase references while this walks over them.
+//
+// Two references that a manager owns and that come to mean the same subentity are noted as a
+// meeting; the merge is the manager's work.
 #include <algorithm>
 #include <span>
 #include <utility>
@@ -32,8 +44,8 @@ Decision decisionFor(const Reference& reference, LineageCause cause) {
   return decision;
 }
 
-// Dependencies lie anywhere in memory: all that writing them will need is looked at in one go, so
-// that the processor waits for it together.
+// Reads a portion of references. Those that are renumbered will be written soon afterwards; what
+// that needs is fetched here (read_ahead.h).
 void readPortion(std::span<const OdDbObjectId> ids, std::vector<Reference>& references) {
   references.clear();
   readAhead(ids);
@@ -41,7 +53,7 @@ void readPortion(std::span<const OdDbObjectId> ids, std::vector<Reference>& refe
     const VdmDbObjectDependencyPtr dependency = openDependency(id);
     if (dependency.isNull() || dependency->subentId().type() == OdDb::kNullSubentType) continue;
     references.push_back(referenceOf(*dependency));
-    (void)dependency->hasPersistentReactor(id);
+    readReactorsAhead(*dependency);
   }
 }
 
@@ -53,11 +65,11 @@ LineageCause causeOf(const BodyTrace& trace) {
 
 /// What decideByLineage() works with.
 struct ReferenceUpdate::Impl::LineageWork {
-  LineageWork(Solid& changed, const BodyTrace& way, std::span<const FaceRespawn> told)
+  LineageWork(Solid& changed, const BodyTrace& way, std::span<const FaceRespawn> rows)
       : solid(changed),
         trace(way),
         lineage(changed.before, changed.now, way),
-        respawn(told, *changed.before, *changed.now, lineage),
+        respawn(rows, *changed.before, *changed.now, lineage),
         claims(*changed.now),
         moves(changed.id) {}
 
@@ -69,16 +81,26 @@ struct ReferenceUpdate::Impl::LineageWork {
   LinkMoves moves;
 };
 
-// In portions, which are written while they are still at hand: nearly all references only get
-// another number.
+OdDbObjectId ReferenceUpdate::Impl::Claims::claim(OdModelerSubent subent, const OdDbObjectId& id) {
+  std::vector<OdUInt32>& row = m_rows[static_cast<std::size_t>(subent.type) - 1];
+  if (row.empty()) row.resize(std::size_t{m_body.numSubents(subent.type)} + 1);
+  if (subent.index >= row.size()) return {};
+  OdUInt32& claimant = row[subent.index];
+  if (claimant != 0) return m_claimants[claimant - 1];
+  m_claimants.push_back(id);
+  claimant = static_cast<OdUInt32>(m_claimants.size());
+  return {};
+}
+
+// In portions, which are renumbered while they are in the processor's caches.
 void ReferenceUpdate::Impl::decideByLineage(Solid& solid, const BodyTrace& trace) {
   constexpr std::size_t kPortion = 256;
   const auto rows = respawns.find(solid.id);
-  const std::span<const FaceRespawn> told =
+  const std::span<const FaceRespawn> openings =
       rows == respawns.end() ? std::span<const FaceRespawn>() : rows->second;
-  LineageWork work(solid, trace, told);
   // Nothing but a motion: the numbers stay, and nothing can have come back.
-  if (trace.operations == 0 && told.empty()) return;
+  if (trace.operations == 0 && openings.empty()) return;
+  LineageWork work(solid, trace, openings);
   const OdDbObjectIdArray& ids = std::as_const(solid.dependencies);
   const std::span<const OdDbObjectId> all(ids.begin(), ids.size());
   std::vector<Reference> portion;
@@ -91,7 +113,7 @@ void ReferenceUpdate::Impl::decideByLineage(Solid& solid, const BodyTrace& trace
   }
 }
 
-// Most references: nothing touched what they lead to, there is no more to it than a number.
+// Most references: nothing touched what they lead to, only the number can have changed.
 bool ReferenceUpdate::Impl::isOnlyRenumbered(LineageWork& work, const Reference& reference) {
   if (reference.old.index == 0 || work.respawn.touches(reference.old)) return false;
   const OdUInt32 image = work.lineage.untouched(reference.old);
@@ -104,20 +126,21 @@ bool ReferenceUpdate::Impl::isOnlyRenumbered(LineageWork& work, const Reference&
 void ReferenceUpdate::Impl::decideOne(LineageWork& work, const Reference& reference) {
   Decision decision = decisionFor(reference, causeOf(work.trace));
   if (reference.old.index == 0) {
-    comeBack(work, decision);
+    decideUnresolved(work, decision);
     if (decision.match.images.empty()) return;
   } else {
-    goOn(work, decision);
+    decideResolved(work, decision);
   }
-  for (const OdUInt32 image : decision.match.images)
+  for (const OdUInt32 image : decision.match.images) {
     claim(work, reference.dependency, {reference.old.type, image});
+  }
   const bool stays = decision.match.grade == ReferenceGrade::kExact &&
                      decision.match.images.front() == decision.old.index;
   if (!stays) work.solid.decisions.push_back(std::move(decision));
 }
 
-// Who claims what another one of a manager's has already comes to mean the same. Managers merge
-// what meets; dependencies of constraints are owned otherwise and stay apart.
+// Managers merge their references that lead to the same subentity. Dependencies of constraints are
+// owned otherwise and stay apart.
 void ReferenceUpdate::Impl::claim(LineageWork& work, const OdDbObjectId& dependency,
                                   OdModelerSubent subentNow) {
   if (!isManaged(dependency)) return;
@@ -142,7 +165,7 @@ void ReferenceUpdate::Impl::noteMeeting(const OdDbObjectId& first, const OdDbObj
   }
 }
 
-void ReferenceUpdate::Impl::goOn(LineageWork& work, Decision& decision) const {
+void ReferenceUpdate::Impl::decideResolved(LineageWork& work, Decision& decision) const {
   decision.feature = m_feature;
   if (std::optional<RespawnMatch> found = work.respawn.match(decision.old)) {
     decision.match = std::move(found->match);
@@ -154,8 +177,8 @@ void ReferenceUpdate::Impl::goOn(LineageWork& work, Decision& decision) const {
   }
 }
 
-// A reference that led nowhere: its opening was cut again, or what it stood for is there again.
-void ReferenceUpdate::Impl::comeBack(LineageWork& work, Decision& decision) {
+// A reference that led nowhere: its opening may be cut again, or its subentity may be there again.
+void ReferenceUpdate::Impl::decideUnresolved(LineageWork& work, Decision& decision) {
   ReferenceRecord record;
   const VdmDbObjectDependencyPtr dependency = openDependency(decision.dependency);
   if (dependency.isNull() || !record.readFrom(*dependency)) return;
@@ -172,7 +195,7 @@ void ReferenceUpdate::Impl::comeBack(LineageWork& work, Decision& decision) {
   if (!decision.match.images.empty()) decision.match.grade = ReferenceGrade::kBySignature;
 }
 
-// References into a subentity, each with the beginning of a decision.
+// Calls visit(dependency, decision) for each reference to a subentity; nothing is decided yet.
 template <class Visit>
 void ReferenceUpdate::Impl::forEachSubent(const Solid& solid, const Visit& visit) {
   for (const OdDbObjectId& id : solid.dependencies) {
@@ -185,6 +208,7 @@ void ReferenceUpdate::Impl::forEachSubent(const Solid& solid, const Visit& visit
 void ReferenceUpdate::Impl::decideBySignature(Solid& solid) {
   const BodyMatch match = matchBySignature(*solid.before, *solid.now);
   solid.stamp.frame = match.motion * solid.stamp.frame;
+  // The old body says nothing of references that led nowhere in it: these go by their records.
   std::vector<Decision> unresolved;
   std::vector<SubentSignature> wanted;
   forEachSubent(solid, [&](const VdmDbObjectDependency& dependency, Decision decision) {
@@ -207,7 +231,7 @@ void ReferenceUpdate::Impl::decideBySignature(Solid& solid) {
   }
 }
 
-// Nothing is left of the body that the numbers were of: each reference goes by what it remembers.
+// The old body is not there: each reference is looked for by the signature in its record.
 void ReferenceUpdate::Impl::decideByRecords(Solid& solid) {
   std::vector<SubentSignature> wanted;
   forEachSubent(solid, [&](const VdmDbObjectDependency& dependency, Decision decision) {
@@ -220,7 +244,7 @@ void ReferenceUpdate::Impl::decideByRecords(Solid& solid) {
   for (std::size_t i = 0; i < matches.size(); ++i) {
     solid.decisions[i].match = std::move(matches[i]);
   }
-  // What was unresolved and still is stays as it is.
+  // A reference that stays unresolved keeps its record.
   std::erase_if(solid.decisions, [](const Decision& decision) {
     return decision.old.index == 0 && decision.match.images.empty();
   });

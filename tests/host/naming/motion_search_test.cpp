@@ -1,0 +1,99 @@
+// The motion that lays one body on another, law by law.
+#include "host/naming/motion_search.h"
+
+#include <algorithm>
+#include <numbers>
+
+#include "tests/host/naming/naming_fixture.h"
+
+namespace vdm_host {
+namespace {
+
+class VdmMotionSearch : public NamingTest {
+ protected:
+  static std::vector<OdGeMatrix3d> motions(const OdModelerBodyPtr& before,
+                                           const OdModelerBodyPtr& now) {
+    const std::vector<SubentSignature> old = signaturesOf(*before, Type::kFace);
+    const std::vector<SubentSignature> fresh = signaturesOf(*now, Type::kFace);
+    const PlaceGrid grid(fresh);
+    std::vector<OdGeMatrix3d> found;
+    for (const BodyMotion& motion :
+         findMotions(old, fresh, grid, MatchTolerance::of(*before, *now))) {
+      found.push_back(motion.matrix);
+    }
+    return found;
+  }
+  static OdGeMatrix3d by(double x, double y = 0.0) {
+    return OdGeMatrix3d::translation({x, y, 0.0});
+  }
+  static bool isOnly(const std::vector<OdGeMatrix3d>& found, const OdGeMatrix3d& motion) {
+    return found.size() == 1 && found.front().isEqualTo(motion, OdGeTol(1e-6));
+  }
+  static bool has(const std::vector<OdGeMatrix3d>& found, const OdGeMatrix3d& motion) {
+    return std::ranges::any_of(
+        found, [&](const OdGeMatrix3d& m) { return m.isEqualTo(motion, OdGeTol(1e-6)); });
+  }
+  /// Blind holes, no two alike and on no line: with them the plate has no symmetry.
+  static std::vector<OdModelerBodyPtr> unequalHoles() {
+    std::vector<OdModelerBodyPtr> tools;
+    for (int i = 0; i < 4; ++i) {
+      tools.push_back(cylinder(3.0 + 0.5 * i, 20.0, {30.0 + 30.0 * i, 40.0 + 9.0 * i * i, 4.0}));
+    }
+    return tools;
+  }
+};
+
+TEST_F(VdmMotionSearch, Law1AMotionLaysThreeQuartersOfTheFaces) {
+  const OdModelerBodyPtr before = drilled(unequalHoles());
+  EXPECT_TRUE(isOnly(motions(before, moved(before, by(700.0, 20.0))), by(700.0, 20.0)));
+  // The holes move within the plate: with top and bottom the motion lays 10 of 14 faces.
+  std::vector<OdModelerBodyPtr> tools;
+  for (const OdModelerBodyPtr& tool : unequalHoles()) tools.push_back(moved(tool, by(20.0)));
+  EXPECT_TRUE(isOnly(motions(before, drilled(tools)), {}));
+}
+
+TEST_F(VdmMotionSearch, Law2EqualMotionsAreAllReturned) {
+  const OdModelerBodyPtr block = box(100.0, 60.0, 10.0);
+  EXPECT_EQ(motions(block, moved(block, by(500.0))).size(), 8u) << "turns and mirrors of a box";
+  EXPECT_TRUE(isOnly(motions(block, block), {})) << "in its place, none wins";
+}
+
+TEST_F(VdmMotionSearch, Law3OfSeveralTheOneThatMovesVeryLittleIsTaken) {
+  const OdModelerBodyPtr block = box(100.0, 60.0, 10.0);
+  EXPECT_TRUE(isOnly(motions(block, moved(block, by(0.5))), by(0.5)));
+  EXPECT_GT(motions(block, moved(block, by(3.0))).size(), 1u) << "2.6 % of the size";
+}
+
+TEST_F(VdmMotionSearch, Law4NoneStaysPossibleWhereItLaysHalfOfTheFaces) {
+  // A slot moves by 5 within the plate: 8 of 10 faces move, and 6 of 10 stay.
+  const auto slotted = [](double x) {
+    return combine(BooleanKind::kSubtract, plate(), {box(2.0, 40.0, 20.0, {x, 50.0, -5.0})});
+  };
+  const std::vector<OdGeMatrix3d> slot = motions(slotted(100.0), slotted(95.0));
+  EXPECT_TRUE(has(slot, by(-5.0)));
+  EXPECT_TRUE(has(slot, {}));
+  // The whole plate moves by the pitch of its holes: 5 of 10 faces lie on faces as before.
+  const OdModelerBodyPtr four = drilled(drills(4, 1, 90.0));
+  const std::vector<OdGeMatrix3d> whole = motions(four, moved(four, by(20.0)));
+  EXPECT_TRUE(has(whole, by(20.0)));
+  EXPECT_FALSE(has(whole, {})) << "it lays fewer than three quarters, another one lays all";
+}
+
+TEST_F(VdmMotionSearch, Law5AMotionThatLaysFewerThanNoneDoesNotCount) {
+  // A row of ten equal holes is displaced by its pitch: "none" lays nine of them and the plate.
+  EXPECT_TRUE(isOnly(motions(drilled(drills(10, 1, 30.0)), drilled(drills(10, 1, 50.0))), {}));
+}
+
+TEST_F(VdmMotionSearch, MirrorsAndTurnsAreFoundApart) {
+  const OdModelerBodyPtr before = drilled(unequalHoles());
+  const OdGeMatrix3d mirror =
+      OdGeMatrix3d::mirroring(OdGePlane(OdGePoint3d(400.0, 0.0, 0.0), OdGeVector3d::kXAxis));
+  const OdGeMatrix3d turn =
+      OdGeMatrix3d::rotation(std::numbers::pi / 3.0, OdGeVector3d::kZAxis, {500.0, 0.0, 0.0});
+  for (const OdGeMatrix3d& motion : {mirror, turn}) {
+    EXPECT_TRUE(isOnly(motions(before, moved(before, motion)), motion));
+  }
+}
+
+}  // namespace
+}  // namespace vdm_host
