@@ -1,5 +1,5 @@
 // Tests of the guard that rolls a drawing back.
-#include "vdm_db/drawing_utils/vdm_database_transaction.h"
+#include "vdm_db/drawing_utils/vdm_db_database_transaction.h"
 
 #include "platform/db/viewport.h"
 #include "tests/references/reference_testing.h"
