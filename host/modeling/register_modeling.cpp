@@ -7,6 +7,7 @@
 #include "host/modeling/update_helper.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_db_naming_policy_pe.h"
+#include "vdm_db/features/vdm_feature_color_pe.h"
 #include "vdm_db/features/vdm_feature_colors.h"
 #include "vdm_db/model/vdm_db_object.h"
 #include "vdm_db/model/vdm_db_object_pe.h"

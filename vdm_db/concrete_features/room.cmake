@@ -1,9 +1,11 @@
 # Features that bind entities: groups, differences, suppression.
 list(APPEND VDM_DB_SOURCES
+  concrete_features/vdm_diff_feature.cpp
   concrete_features/vdm_group_feature.cpp
   concrete_features/vdm_suppress_feature.cpp
 )
 list(APPEND VDM_DB_HEADERS
+  concrete_features/vdm_diff_feature.h
   concrete_features/vdm_group_feature.h
   concrete_features/vdm_suppress_feature.h
 )

@@ -7,7 +7,6 @@
 #include "vdm_db/references/vdm_path_utils.h"
 
 VDM_DEFINE_FEATURE_CLASS(VdmGroupFeature, VdmFeature, L"VdmGroupFeature")
-VDM_DEFINE_FEATURE_CLASS(VdmDiffFeature, VdmGroupFeature, L"VdmDiffFeature")
 
 namespace {
 

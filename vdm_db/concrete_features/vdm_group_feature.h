@@ -1,4 +1,4 @@
-// VdmGroupFeature, VdmDiffFeature: entities under one name.
+// VdmGroupFeature: entities under one name.
 #pragma once
 
 #include <unordered_set>
@@ -26,9 +26,3 @@ class VDM_DB_EXPORT VdmGroupFeature : public VdmFeature {
   [[nodiscard]] const OdArray<int>& masks() const override;
 };
 using VdmGroupFeaturePtr = OdSmartPtr<VdmGroupFeature>;
-
-/// A group that says what is taken away from a solid.
-class VDM_DB_EXPORT VdmDiffFeature : public VdmGroupFeature {
- public:
-  VDM_DECLARE_FEATURE_MEMBERS(VdmDiffFeature)
-};

@@ -6,31 +6,23 @@
 
 #include "platform/base/error.h"
 #include "platform/db/database.h"
-#include "platform/db/layer_table.h"
 #include "vdm_db/common/vdm_constants.h"
-#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
+#include "vdm_db/drawing_utils/vdm_layer_utils.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/features/vdm_feature_results.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
 VDM_DEFINE_FEATURE_CLASS(VdmSuppressFeature, VdmGroupFeature, L"VdmSuppressFeature")
 
 namespace {
 
-constexpr auto kNotHandled = static_cast<OdResult>(5);
 constexpr double kZeroTolerance = 1e-10;  // of the expression's value; it counts as zero itself
 
-/// Null when the drawing has no layer table.
-OdDbObjectId suppressLayerOf(OdDbDatabase* database) {
-  const auto table = database->getLayerTableId().openAs<OdDbLayerTable>();
-  if (table.isNull()) return OdDbObjectId::kNull;
-  if (const OdDbObjectId present = table->getAt(kVdmSuppressLayer); !present.isNull())
-    return present;
-  const OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
-  layer->setIsOff(true);
-  layer->setIsFrozen(true);
-  layer->setName(kVdmSuppressLayer);
-  const VdmOpenUpgrade upgrade(table);
-  return table->add(layer);
+OdDbObjectId suppressLayerOf(const OdDbDatabase* database) {
+  return vdmu::findOrAddLayer(database, kVdmSuppressLayer, [](OdDbLayerTableRecord& layer) {
+    layer.setIsOff(true);
+    layer.setIsFrozen(true);
+  });
 }
 
 /// Calls `move` for each entity, open for write, in the order of handles; the last failure.
@@ -70,7 +62,7 @@ void VdmSuppressFeature::init(const OdDbFullSubentPathArray& paths) {
 bool VdmSuppressFeature::isSuppressed() const { return (getStatus() & StatusSuppressed) != 0; }
 
 OdResult VdmSuppressFeature::onPropertyModified(const OdString& key, double value) {
-  if (key != kVdmSuppress) return kNotHandled;
+  if (key != kVdmSuppress) return kVdmNotSuppressing;
   const bool wanted = value > kZeroTolerance || value < -kZeroTolerance;
   if (wanted == ((getStatus() & StatusSuppressed) != 0)) return eOk;
   setStatus(wanted ? StatusSuppressed : Status{});
@@ -80,9 +72,9 @@ OdResult VdmSuppressFeature::onPropertyModified(const OdString& key, double valu
 OdResult VdmSuppressFeature::setFrozenLayer() {
   OdDbObject* carrier = getDbObject();
   OdDbDatabase* database = carrier == nullptr ? nullptr : carrier->database();
-  if (database == nullptr) return kNotHandled;
+  if (database == nullptr) return kVdmNotSuppressing;
   const OdDbObjectId layer = suppressLayerOf(database);
-  if (layer.isNull()) return kNotHandled;
+  if (layer.isNull()) return kVdmNotSuppressing;
   carrier->assertWriteEnabled();
   const OdResult result = moveEntities(getTopEntities(), [&](const OdDbEntityPtr& entity) {
     const OdDbTypedId key(entity->objectId(), OdDb::kSoftPointerRef);
@@ -97,7 +89,7 @@ OdResult VdmSuppressFeature::setFrozenLayer() {
 OdResult VdmSuppressFeature::restoreLayers() {
   OdDbObject* carrier = getDbObject();
   OdDbDatabase* database = carrier == nullptr ? nullptr : carrier->database();
-  if (database == nullptr) return kNotHandled;
+  if (database == nullptr) return kVdmNotSuppressing;
   const OdResult result = moveEntities(getTopEntities(), [&](const OdDbEntityPtr& entity) {
     const auto kept = m_entityLayers.find({entity->objectId(), OdDb::kSoftPointerRef});
     const bool isKnown = kept != m_entityLayers.end() && !kept->second.id.isErased();

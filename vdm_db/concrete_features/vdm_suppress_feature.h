@@ -8,10 +8,10 @@
 #include "vdm_db/concrete_features/vdm_group_feature.h"
 #include "vdm_db/properties/db_typed_id.h"
 
-/// While the feature is suppressed, which its status tells, its entities are on the layer
-/// "*SUPPRESS", which is off and frozen; the feature remembers the layers that they come from. The
-/// update pass leaves inserts on that layer out of the solids. The value of the property "suppress"
-/// switches it: suppressed outside the interval from -1e-10 to 1e-10.
+/// A group whose entities can be switched off. While its status holds StatusSuppressed, its
+/// entities are on the layer "*SUPPRESS", which is off and frozen, and the feature keeps their
+/// former layers. The update pass leaves inserts on that layer out of the solids. The value of the
+/// property "suppress" switches it: suppressed outside the interval from -1e-10 to 1e-10.
 class VDM_DB_EXPORT VdmSuppressFeature : public VdmGroupFeature {
  public:
   VDM_DECLARE_FEATURE_MEMBERS(VdmSuppressFeature)
@@ -26,7 +26,7 @@ class VDM_DB_EXPORT VdmSuppressFeature : public VdmGroupFeature {
 
   /// Moves the entities to the layer, which is made when it is missing, and back to their own; to
   /// layer "0" where that is unknown or erased. Then all features of the block are updated. An
-  /// entity that cannot be moved does not keep the others: the last result that is not eOk is
+  /// entity that cannot be moved does not stop the walk: the last result that is not eOk is
   /// returned. 5 without a database.
   OdResult setFrozenLayer();
   OdResult restoreLayers();

@@ -1,4 +1,4 @@
-// Constraints: their arguments, properties, and what their managers are told.
+// Constraints: their arguments and properties, and the signals of their changes.
 #include "vdm_db/constraints/vdm_constraint.h"
 
 #include <cmath>
@@ -16,13 +16,13 @@ namespace {
 
 /// Raises for what is no dependency and for what cannot be opened.
 VdmDbObjectDependencyPtr openArgument(const OdDbObjectId& id) {
-  const OdDbObjectPtr object = id.openObject(OdDb::kForRead);
+  const OdDbObjectPtr object = id.openObject();
   if (object.isNull())
     throw OdError(eNotOpenForRead, OdString("constraint argument ") + id.getHandle().ascii());
-  return VdmDbObjectDependencyPtr(object);
+  return VdmDbObjectDependencyPtr(object);  // raises for another class
 }
 
-/// Stores a number in place of whatever stands there.
+/// Stores a number, also in place of a value of another type.
 void putNumber(VdmProperties& properties, const OdString& key, OdLong number) {
   if (properties.setProperty(key, number)) return;
   properties.removeProperty(key);
@@ -55,12 +55,11 @@ OdDbDatabase* VdmConstraint::database() const { return m_owner.database(); }
 
 VdmDbConstraintManagerPEPtr VdmConstraint::getConstraintManagerPE() const {
   const OdDbObjectPtr manager = m_owner.openObject(OdDb::kForRead);
-  return manager.isNull()
-             ? VdmDbConstraintManagerPEPtr()
-             : VdmDbConstraintManagerPE::cast(static_cast<const OdRxObject*>(manager.get()));
+  return manager.isNull() ? VdmDbConstraintManagerPEPtr()
+                          : VdmDbConstraintManagerPE::cast(manager.get());
 }
 
-// ---- Telling of changes
+// ---- Signals of changes
 
 void VdmConstraint::notifyOwner(NotifyCode code) {
   const auto manager = m_owner.openAs<VdmDbConstraintManager>(OdDb::kForWrite);

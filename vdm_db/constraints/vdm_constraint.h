@@ -22,23 +22,22 @@ class OdDbDatabase;
 class VdmConstraint;
 using VdmConstraintPtr = OdSmartPtr<VdmConstraint>;
 
-/// A type code, arguments that name geometry through VdmDbObjectDependency objects, a value, and a
-/// bag of typed properties. It is no database object: a VdmDbConstraintManager holds it by
-/// reference, files it within its own record and records its changes for undo. Undo, redo and
-/// reading make new objects and set the owner of the old ones to null, so hold a constraint by its
-/// node id over them. What a type code means is told by VdmDbConstraintManagerPE.
+/// One 3D constraint: a type code, arguments that refer to geometry by VdmDbObjectDependency
+/// objects, a value, and a bag of typed properties. It is no database object: a
+/// VdmDbConstraintManager holds it by reference, files it within its own record and records its
+/// changes for undo. Undo, redo and reading make new objects and set the owner of the old ones to
+/// null, so users keep the node id across them and not the object. VdmDbConstraintManagerPE gives
+/// type codes their meaning. A variable that carries the value is kept by its id only. Used on the
+/// thread that holds the drawing.
 ///
-/// The class covers the record, its arguments and properties. A variable that carries the value is
-/// kept by its id only.
-///
-/// Every change of a filed field goes: kBeforeModify, store, kDataChanged, kAfterModify; changing
-/// the name and removing a property leave kDataChanged out, so that no solution is outdated by
-/// them.
+/// A change of a filed field is four steps: kBeforeModify, store, kDataChanged, kAfterModify.
+/// Changing the name and removing a property leave kDataChanged out, because they do not outdate a
+/// solution.
 class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
  public:
   OD_RX_DECLARE_MEMBERS(VdmConstraint)
 
-  /// What the manager is told of a change.
+  /// Signals of a change to the manager.
   enum NotifyCode : OdInt32 {
     kBeforeModify = 0,  ///< the manager is made ready for writing
     kAfterModify = 1,
@@ -121,7 +120,7 @@ class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
   /// True when it was there.
   bool removeProperty(const OdString& key);
 
-  // ---- Filing; the form is told in vdm_constraint_filing.cpp
+  // ---- Filing; vdm_constraint_filing.cpp has the form
 
   void dwgOutFields(OdDbDwgFiler* filer) const;
   /// eCorruptData (83) for a version above 3 and for a map that cannot be read; the result of the

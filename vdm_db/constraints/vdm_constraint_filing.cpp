@@ -1,17 +1,4 @@
 // The stored form of constraints, within the record of their manager.
-//
-//   1  version      wrInt16          3
-//   2  name         wrString
-//   3  stream type  wrInt32          0 where only a newer reader understands the constraint
-//   4  reserved     wrInt32          kept as it was read
-//   5  value        wrDouble
-//   6  count        wrInt32          of arguments
-//   7  arguments    wrHardPointerId  each; read as soft pointers
-//   8               wrHardPointerId  null; read as a soft pointer and dropped
-//   9  enabled      wrBool
-//   10 properties   VdmProperties::dwgOutFields
-//
-// Version 2 has the properties as a map of strings, older ones have none.
 #include <algorithm>
 
 #include "platform/base/error.h"
@@ -44,6 +31,21 @@ OdLong VdmConstraint::streamType() const {
                         m_properties.getProperty(kVdmExType, exType);
   return isMarked && (m_type == 0 || m_type == exType) ? 0 : m_type;
 }
+
+// ---- Record
+//
+//   1  version      wrInt16          3
+//   2  name         wrString
+//   3  stream type  wrInt32          0 where only a newer reader understands the constraint
+//   4  reserved     wrInt32          kept as it was read
+//   5  value        wrDouble
+//   6  count        wrInt32          of arguments
+//   7  arguments    wrHardPointerId  each; read as soft pointers
+//   8               wrHardPointerId  null; read as a soft pointer and dropped
+//   9  enabled      wrBool
+//   10 properties   VdmProperties::dwgOutFields
+//
+// Version 2 has the properties as a map of strings, older ones have none.
 
 void VdmConstraint::dwgOutFields(OdDbDwgFiler* filer) const {
   filer->wrInt16(kVersion);

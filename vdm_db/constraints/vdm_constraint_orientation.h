@@ -13,7 +13,7 @@ enum HalfSpaceOrientation : OdInt32 {
   kHalfSpaceNotSpecified = 0,
   kHalfSpacePositive = 1,
   kHalfSpaceNegative = 2,
-  kHalfSpaceKeep = 3,  ///< as the drawing shows; also what stands where nothing was set
+  kHalfSpaceKeep = 3,  ///< as the drawing shows; also the letter where nothing was set
 };
 
 /// How two directions align. The numbers are stored.

@@ -1,4 +1,4 @@
-// Utilities around constraint managers: dependencies, names, what is watched, cleaning up.
+// Constraint managers of a drawing: their dependencies, status and contents.
 #pragma once
 
 #include <set>
@@ -26,27 +26,7 @@ createConstrDependencies(VdmDbConstraintManager* manager, const OdDbFullSubentPa
 VDM_DB_EXPORT void markConstraintManagerChanged(
     const OdDbObjectId& manager, VdmDbConstraintManager::ConstraintManagerStatus status);
 
-// ---- Names. Sets of names that are taken hold upper-case text.
-
-/// Adds the names of all constraints of the manager.
-VDM_DB_EXPORT void getConstraintNamesSet(VdmDbConstraintManager* manager,
-                                         std::set<OdString>& names);
-/// "<base>_<number>" with the first number from `start` on that is not taken; it is taken then.
-/// With `tryBase` the base itself where it is free; the set is unchanged then.
-[[nodiscard]] VDM_DB_EXPORT OdString generateUniqueName(const OdString& base,
-                                                        std::set<OdString>& taken, int start,
-                                                        bool tryBase);
-/// The same, counting in `number`: it is the number that was used afterwards.
-[[nodiscard]] VDM_DB_EXPORT OdString takeNumberedName(const OdString& base,
-                                                      std::set<OdString>& taken, int& number);
-/// Without the digits at its end, and then without one "_".
-[[nodiscard]] VDM_DB_EXPORT OdString removeNumericSuffix(const OdString& name);
-/// The name itself when it is free, otherwise one of the same base, counted from the number of
-/// names that are taken. It is taken then.
-[[nodiscard]] VDM_DB_EXPORT OdString uniqueNameNumericSuffix(const OdString& name,
-                                                             std::set<OdString>& taken);
-
-// ---- What is there
+// ---- Contents
 
 /// The entities that constraints of any block depend on, block by block. Empty for null.
 [[nodiscard]] VDM_DB_EXPORT OdDbObjectIdArray getWatchedObjects(OdDbDatabase* database);
@@ -56,16 +36,5 @@ VDM_DB_EXPORT void getConstraintNamesSet(VdmDbConstraintManager* manager,
 /// tolerance.
 [[nodiscard]] VDM_DB_EXPORT OdArray<double> getUniqueConstraintValues(
     const OdArray<VdmConstraintPtr>& constraints, double tolerance);
-
-// ---- Cleaning up
-
-/// Drops what no constraint uses of the model objects `candidates`: their dependencies, and those
-/// that have none left, with their place in the registry. The manager is open for write.
-VDM_DB_EXPORT void cleanupVdmDbObjects(VdmDbConstraintManager* manager,
-                                       const OdDbObjectIdArray& candidates);
-/// Removes constraints whose arguments are gone, and tells the VdmDbConstraintManagerPE their
-/// names. A constraint of type 12 loses single arguments; one of a newer version is left alone. The
-/// manager is upgraded for writing when it has to change.
-VDM_DB_EXPORT void removeInvalidConstraints(VdmDbConstraintManager* manager);
 
 }  // namespace vdmu

@@ -1,8 +1,5 @@
-// Constraint managers: finding them, their constraints, status and data of the solver's module.
+// Constraint managers: finding them, their constraints and data of the solver's module.
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
-
-#include <algorithm>
-#include <utility>
 
 #include "platform/base/error.h"
 #include "platform/db/block_table_record.h"
@@ -10,13 +7,10 @@
 #include "platform/db/dictionary.h"
 #include "vdm_db/common/vdm_class_registration.h"
 #include "vdm_db/common/vdm_constants.h"
-#include "vdm_db/constraints/vdm_constraint_utils.h"
+#include "vdm_db/constraints/vdm_constraint_cleanup.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager_names.h"
 #include "vdm_db/drawing_utils/vdm_dictionary_utils.h"
-#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
-#include "vdm_db/model/vdm_db_object.h"
-#include "vdm_db/model/vdm_db_object_dependency.h"
-#include "vdm_db/model/vdm_object_names.h"
+#include "vdm_db/drawing_utils/vdm_object_id_class.h"
 #include "vdm_utils/vdmc_assert.h"
 
 VDM_DEFINE_DB_CLASS(VdmDbConstraintManager, OdDbObject, L"VdmDbConstraintManager",
@@ -25,22 +19,6 @@ VDM_DEFINE_DB_CLASS(VdmDbConstraintManager, OdDbObject, L"VdmDbConstraintManager
 namespace {
 
 constexpr const char* kSource = "vdm_db/vdm_db_constraint_manager";
-
-bool keepsModifiedObjects(VdmDbConstraintManager::ConstraintManagerStatus status) {
-  return status == VdmDbConstraintManager::kSolvedWithChanges ||
-         status == VdmDbConstraintManager::kPartlyModified;
-}
-
-/// Equal to the last part; the order of paths takes default geometry by its number alone.
-bool isSamePath(const VdmExtendedPath& a, const VdmExtendedPath& b) {
-  return a.isDefaultGeometry == b.isDefaultGeometry &&
-         (!a.isDefaultGeometry || a.defaultGeometry == b.defaultGeometry) && a.path == b.path;
-}
-
-bool holdsPath(const VdmExtendedPathArray& paths, const VdmExtendedPath& path) {
-  return std::any_of(paths.begin(), paths.end(),
-                     [&path](const VdmExtendedPath& held) { return isSamePath(held, path); });
-}
 
 }  // namespace
 
@@ -51,15 +29,11 @@ VdmDbConstraintManager::~VdmDbConstraintManager() = default;
 
 // ---- Finding managers
 
-OdDbObjectId VdmDbConstraintManager::getInstance(const OdDbObjectId& blockId, bool create) {
-  return getInstanceImpl(blockId, create, /*link=*/true);
-}
-
-OdDbObjectId VdmDbConstraintManager::getInstanceImpl(const OdDbObjectId& blockTableRecordId,
-                                                     bool create, bool link) {
+OdDbObjectId VdmDbConstraintManager::getInstance(const OdDbObjectId& blockTableRecordId,
+                                                 bool create) {
   const OdDbObjectId manager =
       vdmu::getObjInExtDict(blockTableRecordId, kVdmDatabaseKey, create ? desc() : nullptr);
-  if (manager.isNull() || !link || !create) return manager;
+  if (manager.isNull() || !create) return manager;
   VDM_ASSERT_AT(blockTableRecordId != blockTableRecordId.database()->getPaperSpaceId(), kSource,
                 __LINE__);
   linkUnderRoot(manager);
@@ -83,16 +57,12 @@ void VdmDbConstraintManager::notifyRootCM(OdDbDatabase* database) {
 
 OdDbObjectId VdmDbConstraintManager::blockId() const {
   assertReadEnabled();
-  const auto isOf = [](const OdDbObjectId& id, const OdRxClass* cls) {
-    const OdRxClass* idClass = id.objectClass();
-    return idClass != nullptr && idClass->isDerivedFrom(cls);
-  };
   const OdDbObjectId subDictionary = ownerId();
-  if (!isOf(subDictionary, OdDbDictionary::desc())) return OdDbObjectId::kNull;
+  if (!vdmu::isIdOf<OdDbDictionary>(subDictionary)) return OdDbObjectId::kNull;
   const OdDbObjectId extensionDictionary = subDictionary.ownerId();
-  if (!isOf(extensionDictionary, OdDbDictionary::desc())) return OdDbObjectId::kNull;
+  if (!vdmu::isIdOf<OdDbDictionary>(extensionDictionary)) return OdDbObjectId::kNull;
   const OdDbObjectId block = extensionDictionary.ownerId();
-  return isOf(block, OdDbBlockTableRecord::desc()) ? block : OdDbObjectId::kNull;
+  return vdmu::isIdOf<OdDbBlockTableRecord>(block) ? block : OdDbObjectId::kNull;
 }
 
 // ---- Child managers
@@ -175,176 +145,6 @@ void VdmDbConstraintManager::setConstraintName(VdmConstraint* constraint, const 
   if (constraint != nullptr) constraint->setName(name);
 }
 
-// ---- Arguments
-
-ExtendedDep VdmDbConstraintManager::dependencyOf(const VdmExtendedPath& path) {
-  ExtendedDep dependency;
-  dependency.isDefaultGeometry = path.isDefaultGeometry;
-  dependency.defaultGeometry = path.defaultGeometry;
-  const OdDbObjectId entity = vdmu::getInsertId(path.path);
-  if (!entity.isNull()) {
-    const auto object =
-        VdmDbObject::getInstance(entity, objectId()).openAs<VdmDbObject>(OdDb::kForWrite);
-    if (!object.isNull()) dependency.dependency = object->append(path.path);
-  }
-  if (dependency.dependency.isNull() && !dependency.isDefaultGeometry)
-    throw OdError(OdString("Failed to create dependency"));
-  return dependency;
-}
-
-void VdmDbConstraintManager::addArguments(VdmConstraint* constraint,
-                                          const VdmExtendedPathArray& paths,
-                                          VdmExtendedPathArray& added) {
-  assertWriteEnabled(/*autoUndo=*/false);
-  invalidateTCCache();
-  if (constraint == nullptr) return;
-  std::vector<ExtendedDep> dependencies = constraint->dependencies();
-  VdmExtendedPathArray held = constraint->getExtArguments();
-  VdmExtendedPathArray fresh;
-  for (const VdmExtendedPath& path : paths) {
-    if (holdsPath(held, path)) continue;
-    dependencies.push_back(dependencyOf(path));
-    held.append(path);
-    fresh.append(path);
-  }
-  constraint->setDependencies(dependencies);
-  added.append(fresh);
-}
-
-void VdmDbConstraintManager::removeArguments(VdmConstraint* constraint,
-                                             const VdmExtendedPathArray& paths) {
-  assertWriteEnabled(/*autoUndo=*/false);
-  invalidateTCCache();
-  if (constraint == nullptr) return;
-  const std::vector<ExtendedDep> dependencies = constraint->dependencies();
-  std::vector<ExtendedDep> kept;
-  VdmExtendedPath path;
-  for (OdUInt32 i = 0; i < dependencies.size(); ++i) {
-    const bool goes = constraint->getExtArgument(i, path) && holdsPath(paths, path);
-    if (!goes) kept.push_back(dependencies[i]);
-  }
-  constraint->setDependencies(kept);
-}
-
-void VdmDbConstraintManager::replaceConstraintDependencies(
-    const VdmDbObject* object, const std::map<OdDbObjectId, OdDbObjectId>& replacements,
-    const std::map<OdDbObjectId, OdDbObjectId>& chained) {
-  const OdDbObjectIdArray ofObject = object->dependencies();
-  const std::set<OdDbObjectId> replaceable(ofObject.begin(), ofObject.end());
-  for (const auto& [nodeId, constraint] : m_constraints) {
-    if (constraint.isNull()) continue;
-    std::vector<ExtendedDep> dependencies = constraint->dependencies();
-    bool anyReplaced = false;
-    for (ExtendedDep& dependency : dependencies) {
-      if (dependency.dependency.isNull() || !replaceable.contains(dependency.dependency)) continue;
-      const auto replacement = replacements.find(dependency.dependency);
-      if (replacement == replacements.end()) continue;
-      const auto final = chained.find(replacement->second);
-      dependency.dependency = final == chained.end() ? replacement->second : final->second;
-      anyReplaced = true;
-    }
-    if (anyReplaced) constraint->setDependencies(dependencies);
-  }
-}
-
-// ---- Status
-
-void VdmDbConstraintManager::setStatus(ConstraintManagerStatus status) {
-  if (status == m_status) return;
-  changeState(status, {}, keepsModifiedObjects(status) ? ModifiedObjects() : m_modifiedObjects);
-}
-
-VdmDbConstraintManager::ConstraintManagerStatus VdmDbConstraintManager::getStatus() const {
-  assertReadEnabled();
-  return m_status;
-}
-
-void VdmDbConstraintManager::notifyConstraintModify(VdmConstraint* constraint,
-                                                    VdmConstraint::NotifyCode code) {
-  if (code == VdmConstraint::kBeforeModify) assertWriteEnabled();
-  if (code != VdmConstraint::kDataChanged) return;
-  assertReadEnabled();
-  if (m_status < kNotEvaluated) {
-    markArgumentsModified(*constraint);
-  } else {
-    setStatus(kFullyModified);
-  }
-}
-
-// An argument that refers to nothing adds a null id, one that cannot be resolved adds none.
-void VdmDbConstraintManager::markArgumentsModified(const VdmConstraint& constraint) {
-  ModifiedObjects added;
-  for (const OdDbObjectId& argument : constraint.argumentIds()) {
-    OdDbFullSubentPath path;
-    if (!argument.isNull()) {
-      const auto dependency = argument.openAs<VdmDbObjectDependency>();
-      if (dependency.isNull() || dependency->getLinkObject(path, false) == vdmu::ePathInvalid)
-        continue;
-    }
-    const OdDbObjectId object = vdmu::getInsertId(path);
-    if (!m_modifiedObjects.contains(object)) added.insert(object);
-  }
-  if (!added.empty() || m_status < kPartlyModified)
-    changeState(std::max(m_status, kPartlyModified), added, {});
-}
-
-void VdmDbConstraintManager::notifyAboutModifications(const OdDbObjectId& object, bool modified) {
-  invalidateTCCache();
-  if (m_status >= kNotEvaluated) {
-    if (m_status == kFullyModified) return;
-    const VdmOpenUpgrade upgrade(this);
-    setStatus(kFullyModified);
-  } else if (modified) {
-    markModified(object);
-  } else {
-    markFinished(object);
-  }
-}
-
-void VdmDbConstraintManager::markModified(const OdDbObjectId& object) {
-  ModifiedObjects added;
-  if (!m_modifiedObjects.contains(object)) added.insert(object);
-  if (added.empty() && m_status == kPartlyModified) return;
-  const VdmOpenUpgrade upgrade(this);
-  changeState(kPartlyModified, added, {});
-}
-
-void VdmDbConstraintManager::markFinished(const OdDbObjectId& object) {
-  ModifiedObjects removed;
-  if (m_modifiedObjects.contains(object)) removed.insert(object);
-  ConstraintManagerStatus status = m_status;
-  if (status == kSolvedWithChanges) status = kPartlyModified;
-  if (status == kPartlyModified && m_modifiedObjects.size() == removed.size()) status = kUpToDate;
-  if (removed.empty() && status == m_status) return;
-  const VdmOpenUpgrade upgrade(this);
-  changeState(status, {}, removed);
-}
-
-OdDbObjectIdArray VdmDbConstraintManager::getModifiedObjects() const {
-  assertReadEnabled();
-  OdDbObjectIdArray objects;
-  for (const OdDbObjectId& object : m_modifiedObjects) objects.append(object);
-  return objects;
-}
-
-void VdmDbConstraintManager::setModifiedObjects(const OdDbObjectIdArray& objects) {
-  ModifiedObjects next;
-  for (const OdDbObjectId& object : objects) next.insert(object);
-  if (m_status == kNotEvaluated) {
-    m_modifiedObjects = std::move(next);
-    return;
-  }
-  ModifiedObjects added;
-  ModifiedObjects removed;
-  const vdmu::ObjectIdLess less;
-  std::set_difference(next.begin(), next.end(), m_modifiedObjects.begin(), m_modifiedObjects.end(),
-                      std::inserter(added, added.end()), less);
-  std::set_difference(m_modifiedObjects.begin(), m_modifiedObjects.end(), next.begin(), next.end(),
-                      std::inserter(removed, removed.end()), less);
-  const VdmOpenUpgrade upgrade(this);
-  changeState(m_status, added, removed);
-}
-
 // ---- Variables
 
 void VdmDbConstraintManager::unfreezeVariables() {
@@ -381,6 +181,6 @@ void VdmDbConstraintManager::setDesignIntentOptions(const OdString& options) {
 
 void VdmDbConstraintManager::invalidateTCCache() {
   m_tcCache.clear();
-  const auto pe = VdmDbConstraintManagerPE::cast(static_cast<const OdRxObject*>(this));
+  const auto pe = VdmDbConstraintManagerPE::cast(this);
   if (!pe.isNull()) pe->invalidateTCCache(database());
 }

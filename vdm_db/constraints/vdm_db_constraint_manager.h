@@ -23,22 +23,22 @@ class VdmDbObject;
 using VdmDbConstraintManagerPtr = OdSmartPtr<VdmDbConstraintManager>;
 
 /// Holds the 3D constraints of one block, registers the model objects (VdmDbObject) that these
-/// reach, and knows what a solver has to solve again. There are two kinds of instance:
+/// reach, and records what a solver has to solve again. It does not solve. There are two kinds of
+/// instance:
 ///
-/// - A block's manager stands in the block's extension dictionary, in the sub-dictionary
+/// - A block's manager lies in the block's extension dictionary, in the sub-dictionary
 ///   "VDM_DATABASE" under the key "VDM_DATABASE". It owns its constraints and its model objects.
-/// - The root manager stands in the same way below the named objects dictionary. It owns no
-///   constraints; its children are all managers of the drawing, and its status tells that some
-///   block changed.
+/// - The root manager has the same keys below the named objects dictionary. It owns no constraints;
+///   its children are all managers of the drawing, and its status says that some block changed.
 ///
 /// The children of a block's manager are the managers of the blocks that its model objects insert.
 /// Others refer to managers by id.
 ///
 /// The class covers constraints, registry, status, design intent, names of model objects and audit.
-/// A constraint keeps the id of a variable that carries its value; making, evaluating and removing
-/// variables is not part of this class.
+/// A constraint keeps the id of a variable that carries its value; this class does not make,
+/// evaluate or remove variables.
 ///
-/// The solver has brought a block up to date when it sets kUpToDate. From then on:
+/// The solver sets kUpToDate when it has solved a block. From then on:
 ///
 ///   from  event                                              to
 ///   0, 1  data of a constraint changed, object modified      2
@@ -48,8 +48,9 @@ using VdmDbConstraintManagerPtr = OdSmartPtr<VdmDbConstraintManager>;
 ///   3     data changed, object modified or finished          4
 ///   not 4 notifyRootCM(), of the root manager                4
 ///
-/// Only in states 1 and 2 is there a set of modified objects. Operations raise eNotOpenForRead (61)
-/// unless the manager is open for read; those that change it need it open for write, unless told.
+/// The set of modified objects is used in the states 1 and 2 only. Readers raise eNotOpenForRead
+/// (61) unless the manager is open for read; operations that change it need it open for write,
+/// except where their comment says that they upgrade it.
 class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelObjectRegistry {
  public:
   OD_RX_DECLARE_MEMBERS(VdmDbConstraintManager)
@@ -62,7 +63,7 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
     kNotEvaluated = 3,
     kFullyModified = 4,
   };
-  /// What comes of checking the expression of a constraint.
+  /// Result of checking the expression of a constraint.
   enum ExpressionStatus : OdInt32 {
     kExpressionOk = 0,
     kExpressionSyntaxError = 1,
@@ -78,7 +79,7 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   /// under the root manager. Null without one, and for a null id.
   static OdDbObjectId getInstance(const OdDbObjectId& blockId, bool create);
   static OdDbObjectId getRootCM(OdDbDatabase* database, bool create);
-  /// Tells the root manager, which is made if need be, that everything is to be solved.
+  /// Sets the status of the root manager to kFullyModified; a missing root manager is made.
   static void notifyRootCM(OdDbDatabase* database);
   /// The block that this manager belongs to; null for the root manager.
   [[nodiscard]] OdDbObjectId blockId() const;
@@ -127,7 +128,7 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   [[nodiscard]] OdDbObjectIdArray getModifiedObjects() const;
   void setModifiedObjects(const OdDbObjectIdArray& objects);
 
-  // ---- Variables that stand still while a model is updated; not filed
+  // ---- Variables that keep their values while a model is updated; not filed
 
   void freezeVariable(const OdDbObjectId& variable) { m_frozenVariables.insert(variable); }
   [[nodiscard]] bool isVariableFrozen(const OdDbObjectId& variable) const {
@@ -169,12 +170,12 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   [[nodiscard]] static OdString defaultDesignIntentString();
   /// Node ids that the solver's module keeps here; not filed.
   [[nodiscard]] OdArray<OdULong>& getTCCache() { return m_tcCache; }
-  /// Empties it, and tells the VdmDbConstraintManagerPE.
+  /// Empties it, and notifies the VdmDbConstraintManagerPE.
   void invalidateTCCache();
 
   // ---- Audit
 
-  /// Mends what the manager refers to: reactors of entities, erased and repeated entries, invalid
+  /// Repairs the reactors of entities, takes out erased and repeated entries, and removes invalid
   /// constraints. Raises OdError for a registered object without entity.
   void doAudit();
   /// Finds entities with the model object of another entity as a reactor.
@@ -205,16 +206,12 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
 
  private:
   friend class VdmConstraint;
-  friend class VdmConstraintManagerServices;
-  friend class VdmDbPersIdManager;
-  friend class VdmFeatureUpdateData;
 
   using ModifiedObjects = std::set<OdDbObjectId, vdmu::ObjectIdLess>;
   enum UndoStep : OdUInt8 { kStateStep = 0, kRegistryStep = 1, kChildStep = 2 };
   struct ObjectNames;
   class RegistryOfClone;
 
-  static OdDbObjectId getInstanceImpl(const OdDbObjectId& blockId, bool create, bool link);
   static void linkUnderRoot(const OdDbObjectId& manager);
 
   OdDbDwgFiler* beginStep(UndoStep step);

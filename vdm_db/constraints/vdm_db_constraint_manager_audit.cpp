@@ -1,24 +1,18 @@
-// Constraint managers: finding and mending what does not fit together.
+// Constraint managers: finding and repairing what does not fit together.
 #include <unordered_set>
 
 #include "platform/base/error.h"
 #include "platform/db/audit_info.h"
 #include "platform/db/block_table_record.h"
-#include "vdm_db/constraints/vdm_constraint_utils.h"
+#include "vdm_db/constraints/vdm_constraint_cleanup.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
-#include "vdm_db/constraints/vdm_db_constraint_manager_names.h"
 #include "vdm_db/drawing_utils/vdm_iterator_utils.h"
+#include "vdm_db/drawing_utils/vdm_object_id_class.h"
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 #include "vdm_db/model/vdm_db_object.h"
 #include "vdm_db/model/vdm_db_object_pe.h"
-#include "vdm_db/model/vdm_object_names.h"
 
 namespace {
-
-bool isModelObject(const OdDbObjectId& id) {
-  const OdRxClass* cls = id.objectClass();
-  return cls != nullptr && cls->isDerivedFrom(VdmDbObject::desc());
-}
 
 /// The entity knows its model object as a reactor afterwards. Raises without an entity.
 void mendReactor(const VdmDbObject* object) {
@@ -30,8 +24,8 @@ void mendReactor(const VdmDbObject* object) {
   entity->addPersistentReactor(object->objectId());
 }
 
-void tellExtension(VdmDbObject* object) {
-  const auto pe = VdmDbObjectPE::cast(static_cast<const OdRxObject*>(object));
+void notifyExtension(VdmDbObject* object) {
+  const auto pe = VdmDbObjectPE::cast(object);
   if (pe.isNull()) return;
   const OdDbObjectPtr entity = object->attachedEntityId().openObject(OdDb::kForRead);
   if (!entity.isNull()) pe->entityChanged(entity.get(), object->objectId());
@@ -40,7 +34,7 @@ void tellExtension(VdmDbObject* object) {
 /// Counts, and with fixing removes, reactors of the entity that belong to another entity.
 void auditReactors(OdDbEntity* entity, OdDbAuditInfo* info) {
   for (const OdDbObjectId& reactor : entity->getPersistentReactors()) {
-    if (!isModelObject(reactor)) continue;
+    if (!vdmu::isIdOf<VdmDbObject>(reactor)) continue;
     const auto object = reactor.openAs<VdmDbObject>(OdDb::kForRead);
     if (object.isNull() || object->attachedEntityId() == entity->objectId()) continue;
     info->printInfo(OdString().format(L"%ls reactor %ls attached to %ls",
@@ -82,7 +76,7 @@ void VdmDbConstraintManager::auditRegistry() {
     if (id.isErased()) continue;
     const VdmDbObjectPtr object = id.safeOpenAs<VdmDbObject>(OdDb::kForWrite);
     mendReactor(object);
-    tellExtension(object);
+    notifyExtension(object);
     present.append(id);
   }
   if (present.size() != registered.size()) setVdmDbObjects(present);

@@ -1,26 +1,4 @@
-// Constraint managers: stored form, undo, clones.
-//
-// Behind the base's fields:
-//
-//   1  version         wrInt16            2
-//   2  model objects   id array           hard ownership
-//   3  reserved ids    id array           hard ownership; kept as they were read
-//   4  child managers  id array           soft pointers
-//   5  count           wrInt32            of constraints
-//   6  constraints     wrString           run-time class name,
-//                      record             vdm_constraint_filing.cpp; in rising node id
-//   7  properties      VdmProperties::dwgOutFields; from version 2 on
-//   8  status          wrInt32            undo and page filers only
-//      count           wrInt32            of modified objects
-//      objects         wrHardPointerId    each; read as soft pointers
-//   9  mark            wrInt16            0; all but file filers
-//
-// Undo records of parts: a byte that says which, then
-//
-//   0  state           status, and two lists of ids: those to take from the modified objects, those
-//                      to put back
-//   1  model objects   an edit of the list (vdm_indexed_ids.h)
-//   2  child managers  likewise
+// Constraint managers: stored form and undo.
 #include "platform/base/error.h"
 #include "platform/cloning/id_mapping.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
@@ -61,7 +39,20 @@ VdmConstraintPtr createConstraint(const OdString& className) {
 
 }  // namespace
 
-// ---- Writing
+// ---- Record: the base's fields, then
+//
+//   1  version         wrInt16            2
+//   2  model objects   id array           hard ownership
+//   3  reserved ids    id array           hard ownership; kept as they were read
+//   4  child managers  id array           soft pointers
+//   5  count           wrInt32            of constraints
+//   6  constraints     wrString           run-time class name,
+//                      record             vdm_constraint_filing.cpp; in rising node id
+//   7  properties      VdmProperties::dwgOutFields; from version 2 on
+//   8  status          wrInt32            undo and page filers only
+//      count           wrInt32            of modified objects
+//      objects         wrHardPointerId    each; read as soft pointers
+//   9  mark            wrInt16            0; all but file filers
 
 void VdmDbConstraintManager::dwgOutFields(OdDbDwgFiler* filer) const {
   assertReadEnabled();
@@ -85,8 +76,6 @@ void VdmDbConstraintManager::writeState(OdDbDwgFiler* filer) const {
   filer->wrInt32(static_cast<OdInt32>(m_modifiedObjects.size()));
   for (const OdDbObjectId& object : m_modifiedObjects) filer->wrHardPointerId(object);
 }
-
-// ---- Reading
 
 OdResult VdmDbConstraintManager::dwgInFields(OdDbDwgFiler* filer) {
   assertWriteEnabled();
@@ -157,7 +146,12 @@ void VdmDbConstraintManager::readState(OdDbDwgFiler* filer) {
   m_modifiedObjects.erase(OdDbObjectId::kNull);
 }
 
-// ---- Undo of parts
+// ---- Undo of parts: a byte that says which, then
+//
+//   0  state           status, and two lists of ids: those to take from the modified objects, those
+//                      to put back
+//   1  model objects   an edit of the list (vdm_indexed_ids.h)
+//   2  child managers  likewise
 
 OdDbDwgFiler* VdmDbConstraintManager::beginStep(UndoStep step) {
   assertWriteEnabled(/*autoUndo=*/false);
@@ -213,62 +207,6 @@ void VdmDbConstraintManager::subSwapIdWith(const OdDbObjectId& otherId, bool swa
 
 void VdmDbConstraintManager::subIdSwapped() {
   for (const auto& [nodeId, constraint] : m_constraints) constraint->setOwner(objectId());
-}
-
-// ---- Cloning
-
-/// Puts another list in place of the registry while a clone hook of the base reads the manager.
-class VdmDbConstraintManager::RegistryOfClone {
- public:
-  RegistryOfClone(VdmIndexedIds& registry, const OdDbObjectIdArray& ids)
-      : m_registry(registry), m_whole(registry.ids()) {
-    m_registry.array() = ids;
-  }
-  ~RegistryOfClone() { m_registry.array() = m_whole; }
-  RegistryOfClone(const RegistryOfClone&) = delete;
-  RegistryOfClone& operator=(const RegistryOfClone&) = delete;
-
- private:
-  VdmIndexedIds& m_registry;
-  OdDbObjectIdArray m_whole;
-};
-
-// An entity is cloned when it is in the mapping, or will be together with the whole block: what
-// hangs on a block is cloned before the block's entities.
-OdDbObjectIdArray VdmDbConstraintManager::objectsClonedWith(OdDbIdMapping& mapping) const {
-  if (mapping.deepCloneContext() == OdDb::kDcInsertCopy) return m_vdmDbObjects.ids();
-  const OdDbObjectId block = blockId();
-  OdDbIdPair ofBlock(block);
-  const bool isBlockCloned = mapping.compute(ofBlock) && ofBlock.isCloned();
-  OdDbObjectIdArray cloned;
-  for (const OdDbObjectId& id : m_vdmDbObjects.ids()) {
-    const auto object = id.openAs<VdmDbObject>(OdDb::kForRead);
-    if (object.isNull()) continue;
-    const OdDbObjectId entity = object->attachedEntityId();
-    OdDbIdPair pair(entity);
-    const bool followsBlock = isBlockCloned && !entity.isErased() && entity.ownerId() == block;
-    if (followsBlock || mapping.compute(pair)) cloned.append(id);
-  }
-  return cloned;
-}
-
-/// The constraints of a clone were read before it had an id.
-OdDbObjectPtr VdmDbConstraintManager::withOwnConstraints(OdDbObjectPtr clone) {
-  const auto manager = VdmDbConstraintManager::cast(clone);
-  if (!manager.isNull()) manager->subIdSwapped();
-  return clone;
-}
-
-OdDbObjectPtr VdmDbConstraintManager::subDeepClone(OdDbIdMapping& mapping, OdDbObject* owner,
-                                                   bool isPrimary) const {
-  const RegistryOfClone filtered(m_vdmDbObjects, objectsClonedWith(mapping));
-  return withOwnConstraints(OdDbObject::subDeepClone(mapping, owner, isPrimary));
-}
-
-OdDbObjectPtr VdmDbConstraintManager::subWblockClone(OdDbIdMapping& mapping, OdDbObject* owner,
-                                                     bool isPrimary) const {
-  const RegistryOfClone filtered(m_vdmDbObjects, objectsClonedWith(mapping));
-  return withOwnConstraints(OdDbObject::subWblockClone(mapping, owner, isPrimary));
 }
 
 std::size_t VdmDbConstraintManager::approximateSize() const {

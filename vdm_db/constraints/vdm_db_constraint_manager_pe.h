@@ -1,4 +1,4 @@
-// VdmDbConstraintManagerPE: what a solver's module tells about constraints.
+// VdmDbConstraintManagerPE: what a solver's module knows about constraints.
 #pragma once
 
 #include <vector>
@@ -32,7 +32,8 @@ class VDM_DB_EXPORT VdmDbConstraintManagerPE : public OdRxObject {
   virtual void reservedOperationA() = 0;
   /// A merge drops a constraint whose arguments could not be mapped.
   virtual bool dropUnmappedConstraint() = 0;
-  /// Constraints were removed because their arguments are gone; their names. The id is null.
+  /// Constraints were removed because their arguments do not resolve; `names` are their names. The
+  /// id is null.
   virtual void constraintsRemoved(const OdStringArray& names, const OdDbObjectId& id) = 0;
   /// A name for a new constraint; returns it, too.
   virtual OdString generateConstraintName(OdString& name, VdmDbConstraintManager* manager,

@@ -1,9 +1,21 @@
 // Constraint managers: the registry of model objects, and their names.
+//
+// The registry lists each model object once, in the order in which they came; VdmIndexedIds gives a
+// hashed look-up and undo records of single edits, so registering n objects costs n steps. With an
+// object whose entity inserts a block, the manager of that block becomes a child, and it leaves the
+// children with the first such object that leaves.
+//
+// A name is a stem and the least number that is free. To find it without a walk over all objects,
+// ObjectNames keeps the names in use in upper case, and for each stem the number below which none
+// is free. Numbers only become free when an object leaves or is renamed, and each of these either
+// drops ObjectNames (here) or raises the generation of names (renaming, undo, loading), after which
+// it is built again: the kept number is therefore never too high. A new name costs one look-up for
+// each number that was taken since the last one of its stem.
 #include "platform/base/case_compare.h"
 #include "platform/db/block_table_record.h"
 #include "platform/entities/block_reference.h"
 #include "vdm_db/common/vdm_constants.h"
-#include "vdm_db/constraints/vdm_constraint_utils.h"
+#include "vdm_db/constraints/vdm_constraint_names.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager_names.h"
 #include "vdm_db/drawing_utils/vdm_dictionary_utils.h"
@@ -80,8 +92,8 @@ VdmDbConstraintManager::ObjectNames& VdmDbConstraintManager::presentNames() {
     const auto object = id.openAs<VdmDbObject>(OdDb::kForRead);
     if (!object.isNull()) names->taken.insert(odToUpper(object->name()));
   }
-  names->generation =
-      vdmObjectNamesGeneration();  // opening may have loaded objects with their names
+  // Read after the walk: opening objects may have loaded them, which raises the generation.
+  names->generation = vdmObjectNamesGeneration();
   m_names = std::move(names);
   return *m_names;
 }
@@ -97,7 +109,7 @@ OdString VdmDbConstraintManager::generateVdmDbObjectName(const OdString& base) {
 }
 
 void VdmDbConstraintManager::generateVdmDbObjectNames() const {
-  const auto pe = VdmDbConstraintManagerPE::cast(static_cast<const OdRxObject*>(this));
+  const auto pe = VdmDbConstraintManagerPE::cast(this);
   if (pe.isNull()) return;
   std::set<OdString> taken;
   OdDbObjectIdArray unnamed;

@@ -17,7 +17,7 @@ namespace vdmu {
 /// The block, or the block that the reference shows, is an associative array: it has the action as
 /// a reactor, and all its entities are references to blocks of the same drawing.
 [[nodiscard]] VDM_DB_EXPORT bool isAssociativeArray(const OdDbObject* object);
-/// A block whose first reference stands in an associative array.
+/// A block whose first reference lies in an associative array.
 [[nodiscard]] VDM_DB_EXPORT bool isAssocArrayElement(const OdDbObject* object);
 /// The reference of the source, open for read: the first one in the element block of the first
 /// item. Null for anything else than an associative array, and for one without items.

@@ -11,6 +11,8 @@
 #include "platform/db/units.h"
 #include "platform/entities/block_reference.h"
 #include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/drawing_utils/vdm_object_id_class.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 #include "vdm_db/drawing_utils/vdm_string_utils.h"
 
 namespace {
@@ -35,11 +37,7 @@ class ParameterCopyMode {
   int m_previous;
 };
 
-bool isKind(const OdDbObjectId& id, const OdRxClass* cls) {
-  const OdRxClass* own = id.objectClass();
-  return own != nullptr && own->isDerivedFrom(cls);
-}
-
+// Without erased ones.
 OdDbObjectIdArray liveEntities(const OdDbBlockTableRecord* block) {
   OdDbObjectIdArray ids;
   for (const OdDbObjectIteratorPtr it = block->newIterator(); !it->done(); it->step()) {
@@ -52,7 +50,7 @@ OdDbObjectIdArray entitiesToClone(const OdDbBlockTableRecord* source,
                                   const OdDbSelectionFilter* filter) {
   OdDbObjectIdArray ids;
   for (const OdDbObjectIteratorPtr it = source->newIterator(); !it->done(); it->step()) {
-    if (isKind(it->objectId(), OdDbViewRepBlockReference::desc())) continue;
+    if (vdmu::isIdOf<OdDbViewRepBlockReference>(it->objectId())) continue;
     if (filter != nullptr) {
       const OdDbEntityPtr entity = it->entity();
       if (entity.isNull() || !filter->accepts(entity)) continue;
@@ -183,6 +181,10 @@ OdDbObjectId findClone(const OdDbIdMapping& mapping, OdDbObjectId id) {
   return mapping.compute(pair) ? pair.value() : OdDbObjectId::kNull;
 }
 
+// Entities change owners and keep their ids, so that references to them stay valid. Both moves are
+// one transaction: the second can fail when the first has succeeded, as when a block would come to
+// contain itself, and then the drawing is as before. The lists are taken before the first move,
+// which adds to the second block. The cost is linear in the number of entities.
 OdResult swapBlocksContent(const OdDbObjectId& a, const OdDbObjectId& b) {
   const OdDbBlockTableRecordPtr first = a.openAs<OdDbBlockTableRecord>(OdDb::kForWrite);
   const OdDbBlockTableRecordPtr second = b.openAs<OdDbBlockTableRecord>(OdDb::kForWrite);
@@ -205,8 +207,8 @@ OdResult swapBlocksContent(const OdDbObjectId& a, const OdDbObjectId& b) {
 OdDbObjectId getOwner(OdDbObjectId id) { return id.ownerId(); }
 
 OdDbObjectId getOwningBlock(OdDbObjectId id) {
-  for (int depth = 0; depth < kMaxOwnerDepth && isKind(id, OdDbObject::desc()); ++depth) {
-    if (isKind(id, OdDbBlockTableRecord::desc())) return id;
+  for (int depth = 0; depth < kMaxOwnerDepth && isIdOf<OdDbObject>(id); ++depth) {
+    if (isIdOf<OdDbBlockTableRecord>(id)) return id;
     id = id.ownerId();
   }
   return OdDbObjectId::kNull;
@@ -236,9 +238,8 @@ OdResult setEffectiveBlockRefScale(OdDbObjectId reference, const OdGeScale3d& sc
   if (!opened.isOpen()) return eWrongObjectType;
   const OdGeScale3d factors = scale * OdGeScale3d(opened.unitFactor());
   if (hasZero(factors)) return eInvalidInput;
-  opened.reference->upgradeOpen();
+  const VdmOpenUpgrade upgrade(opened.reference);
   opened.reference->setScaleFactors(factors);
-  opened.reference->downgradeOpen();
   return eOk;
 }
 

@@ -30,7 +30,7 @@ VDM_DB_EXPORT OdDbObjectId createEmptyAnonymousBlock(OdDbDatabase* database);
 VDM_DB_EXPORT OdResult cloneBlock(OdDbObjectId source, OdDbObjectId target, bool deferXlation,
                                   OdSmartPtr<OdDbIdMapping>& mapping, OdDbSelectionFilter* filter);
 /// The same into a new anonymous block, with the origin and comments of `source`. Parameters are
-/// copied in the host's mode 3 meanwhile. Returns the new block; null, and nothing changes, when
+/// copied in the host's mode 3. Returns the new block; null, and nothing changes, when
 /// `source` is null or cloning fails.
 VDM_DB_EXPORT OdDbObjectId cloneBlock(OdDbObjectId source, bool deferXlation,
                                       OdSmartPtr<OdDbIdMapping>& mapping);
@@ -41,7 +41,7 @@ VDM_DB_EXPORT OdDbObjectId cloneBlock(OdDbObjectId source, bool deferXlation,
 VDM_DB_EXPORT OdDbObjectId wblockBlock(OdDbObjectId source, OdDbDatabase* database,
                                        bool deferXlation, OdSmartPtr<OdDbIdMapping> mapping,
                                        OdDbObjectId target);
-/// What stands for the id in the mapping; null when that has no pair of it.
+/// The value of the id's pair in the mapping; null when it has none.
 [[nodiscard]] VDM_DB_EXPORT OdDbObjectId findClone(const OdDbIdMapping& mapping, OdDbObjectId id);
 
 /// Moves the entities of each block to the other; ids stay. eWrongObjectType when one of them is no
@@ -49,7 +49,7 @@ VDM_DB_EXPORT OdDbObjectId wblockBlock(OdDbObjectId source, OdDbDatabase* databa
 VDM_DB_EXPORT OdResult swapBlocksContent(const OdDbObjectId& a, const OdDbObjectId& b);
 
 [[nodiscard]] VDM_DB_EXPORT OdDbObjectId getOwner(OdDbObjectId id);
-/// The block that the id is, or in which it stands at whatever depth; null when it stands in none.
+/// The id itself when it is a block, else the nearest block among its owners; null without one.
 /// Loads nothing.
 [[nodiscard]] VDM_DB_EXPORT OdDbObjectId getOwningBlock(OdDbObjectId id);
 /// See OdDbBlockTableRecord::getBlockReferenceIds; empty for null.

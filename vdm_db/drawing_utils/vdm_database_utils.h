@@ -3,11 +3,12 @@
 
 #include "vdm_db/drawing_utils/vdm_assoc_array_utils.h"
 #include "vdm_db/drawing_utils/vdm_block_utils.h"
-#include "vdm_db/drawing_utils/vdm_database_transaction.h"
+#include "vdm_db/drawing_utils/vdm_db_database_transaction.h"
 #include "vdm_db/drawing_utils/vdm_dictionary_utils.h"
 #include "vdm_db/drawing_utils/vdm_display_utils.h"
 #include "vdm_db/drawing_utils/vdm_iterator_utils.h"
 #include "vdm_db/drawing_utils/vdm_long_transaction_utils.h"
 #include "vdm_db/drawing_utils/vdm_reactor_utils.h"
+#include "vdm_db/drawing_utils/vdm_res_buf_utils.h"
 #include "vdm_db/drawing_utils/vdm_string_utils.h"
 #include "vdm_db/drawing_utils/vdm_xref_utils.h"

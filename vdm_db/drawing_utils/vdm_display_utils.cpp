@@ -2,12 +2,12 @@
 #include "vdm_db/drawing_utils/vdm_display_utils.h"
 
 #include "platform/db/database.h"
-#include "platform/db/layer_table.h"
 #include "platform/ge/plane.h"
+#include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/drawing_utils/vdm_layer_utils.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 
 namespace {
-
-constexpr const wchar_t* kSubtractLayer = L"VC_SUBTRACT";
 
 // Points of the display plane to world points: the plane through the view target, turned by the
 // twist about the direction of view.
@@ -30,9 +30,8 @@ OdGeMatrix3d paperToDisplay(const OdDbViewport* viewport) {
 void markToRedraw(const OdDbObjectId& id) {
   const OdDbEntityPtr entity = id.openAs<OdDbEntity>();
   if (entity.isNull() || entity->database()->isReadOnly()) return;
-  entity->upgradeOpen();
+  const VdmOpenUpgrade upgrade(entity);
   entity->recordGraphicsModified();
-  entity->downgradeOpen();
 }
 
 }  // namespace
@@ -41,18 +40,11 @@ namespace vdmu {
 
 OdDbObjectId getVCSubtractLayer(OdDbDatabase* database) {
   if (database == nullptr) return OdDbObjectId::kNull;
-  const OdDbLayerTablePtr table = database->getLayerTableId().openAs<OdDbLayerTable>();
-  if (table.isNull()) return OdDbObjectId::kNull;
-  if (const OdDbObjectId present = table->getAt(kSubtractLayer); !present.isNull()) return present;
-  const OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
-  layer->setIsFrozen(true);
-  layer->setIsHidden(true);
-  layer->setName(kSubtractLayer);
-  layer->setColor(OdCmColor::fromRGB(255, 0, 0));
-  table->upgradeOpen();
-  const OdDbObjectId id = table->add(layer);
-  table->downgradeOpen();
-  return id;
+  return findOrAddLayer(database, kVdmSubtractLayer, [](OdDbLayerTableRecord& layer) {
+    layer.setIsFrozen(true);
+    layer.setIsHidden(true);
+    layer.setColor(OdCmColor::fromRGB(255, 0, 0));
+  });
 }
 
 void markEntToRedraw(const OdArray<OdDbObjectId>& ids) {

@@ -1,25 +1,25 @@
-// Persistent reactors of objects, and chains of result buffers.
+// Persistent reactors of objects.
 #include "vdm_db/drawing_utils/vdm_reactor_utils.h"
 
 #include <algorithm>
 
 #include "platform/db/db_object.h"
 #include "vdm_db/drawing_utils/vdm_block_utils.h"
+#include "vdm_db/drawing_utils/vdm_object_id_class.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 
 namespace {
 
 // The class first: most reactors need not be loaded.
 bool opensAs(const OdDbObjectId& id, const OdRxClass* cls) {
-  const OdRxClass* own = id.objectClass();
-  return own != nullptr && own->isDerivedFrom(cls) && !id.openObject().isNull();
+  return vdmu::isIdOf(id, cls) && !id.openObject().isNull();
 }
 
 void removeReactor(const OdDbObjectId& id, const OdDbObjectId& reactor) {
-  OdDbObjectPtr object = id.openObject();
+  const OdDbObjectPtr object = id.openObject();
   if (object.isNull() || !object->hasPersistentReactor(reactor)) return;
-  object->upgradeOpen();
+  const VdmOpenUpgrade upgrade(object);
   object->removePersistentReactor(reactor);
-  object->downgradeOpen();
 }
 
 }  // namespace
@@ -50,10 +50,6 @@ void detachReactor(const OdArray<OdDbObjectId>& objects, OdDbObjectId reactor,
     removeReactor(clone, reactor);
     removeReactor(clone, clonedReactor);
   }
-}
-
-void clearRbSequence(OdSmartPtr<OdResBuf>& chain) {
-  while (!chain.isNull()) chain = chain->next();
 }
 
 }  // namespace vdmu

@@ -1,10 +1,9 @@
-// Persistent reactors of objects, and chains of result buffers.
+// Persistent reactors of objects.
 #pragma once
 
 #include <initializer_list>
 
 #include "platform/filer/object_id.h"
-#include "platform/filer/res_buf.h"
 #include "vdm_db/common/vdm_db_export.h"
 
 class OdDbIdMapping;
@@ -24,7 +23,5 @@ namespace vdmu {
 /// that cannot be opened are skipped.
 VDM_DB_EXPORT void detachReactor(const OdArray<OdDbObjectId>& objects, OdDbObjectId reactor,
                                  OdDbIdMapping* mapping);
-/// Releases the chain from its front, so that its length does not matter; the pointer is null then.
-VDM_DB_EXPORT void clearRbSequence(OdSmartPtr<OdResBuf>& chain);
 
 }  // namespace vdmu

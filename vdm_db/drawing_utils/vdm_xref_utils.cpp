@@ -1,14 +1,15 @@
-// Blocks that stand for external drawings.
+// Blocks of external references.
 #include "vdm_db/drawing_utils/vdm_xref_utils.h"
 
 #include "platform/cloning/xref_man.h"
 #include "platform/db/database.h"
 #include "vdm_db/drawing_utils/undo_recording_off.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 
 namespace {
 
-/// Turns the drawing's notifications about external references off, and back as they were. Nothing
-/// of it is to be undone.
+/// Turns the drawing's notifications about external references off and restores them at its end.
+/// Neither change is recorded for undo.
 class XrefNotificationsOff {
  public:
   explicit XrefNotificationsOff(OdDbDatabase* database)
@@ -39,20 +40,18 @@ namespace vdmu {
 
 void unloadXrefBlock(OdSmartPtr<OdDbBlockTableRecord> block) {
   if (block.isNull() || block->database() == nullptr) return;
-  block->upgradeOpen();
+  const VdmOpenUpgrade upgrade(block);
   const XrefNotificationsOff off(block->database());
   OdDbXRefMan::unload(block);
-  block->downgradeOpen();
 }
 
 void eraseXrefBlock(OdDbObjectId id) {
   const OdDbBlockTableRecordPtr block = id.openAs<OdDbBlockTableRecord>();
   if (block.isNull() || !block->isFromExternalReference()) return;
   if (block->hasBlockReferences()) return;
-  block->upgradeOpen();
+  const VdmOpenUpgrade upgrade(block);
   if (block->xrefDatabase() != nullptr) unloadXrefBlock(block);
   block->erase();
-  block->downgradeOpen();
 }
 
 OdDbObjectId getXrefBlock(OdDbObjectId id) {

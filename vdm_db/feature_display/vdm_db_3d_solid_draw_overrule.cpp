@@ -1,11 +1,23 @@
 // VdmDb3dSolidDrawOverrule: draws solids in the colours of their features.
+//
+// The solid draws itself, and knows nothing of features: the overrule gives it a context whose
+// traits are replaced (Vdm3dSolidAdaptedWorldDraw). Before each face the solid sets a selection
+// marker; at that moment the traits look the face up among the dependencies of the solid's model
+// object, ask the features that hold the dependency, and send the feature's colour and material to
+// the real traits instead of the solid's. What the solid sets during that time is remembered and
+// sent with the next marker that has no feature colour, and at the end. So the real traits always
+// end as the solid left them, and nothing is stored on the solid.
+//
+// needDrawOverride() asks the cheap questions first, because it runs for every solid of every
+// picture. A solid without features then costs no look-up by face; one with features costs a hashed
+// look-up for each face, and opens features for those faces only to which they refer.
 #include "vdm_db/feature_display/vdm_db_3d_solid_draw_overrule.h"
 
 #include "platform/db/database.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "vdm_db/drawing_utils/vdm_dictionary_utils.h"
 #include "vdm_db/drawing_utils/vdm_reactor_utils.h"
-#include "vdm_db/feature_display/vdm_3d_solid_adapted_draw.h"
+#include "vdm_db/feature_display/vdm_3d_solid_adapted_world_draw.h"
 #include "vdm_db/feature_display/vdm_db_3d_solid_feature_coloring.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_db_pers_id_reactor.h"

@@ -4,9 +4,9 @@
 #include "platform/filer/object_id.h"
 #include "vdm_db/common/vdm_db_export.h"
 
-/// Hooks through which a host writes feature colours into a solid, for as long as somebody needs
-/// them there (an export, say), and the marks of blocks whose solids are drawn in feature colours.
-/// The hooks are set at start-up.
+/// Hooks through which a host writes feature colours into a solid for as long as they are needed
+/// there (during an export, say), and the marks of blocks whose solids are drawn in feature
+/// colours. The hooks are set at start-up.
 class VDM_DB_EXPORT VdmDb3dSolidFeatureColoring {
  public:
   /// Called with the id of a solid.
@@ -31,7 +31,7 @@ class VDM_DB_EXPORT VdmDb3dSolidFeatureColoring {
   static void setMethodOverwriteAttr(Method method) { m_methodOverwriteAttr = method; }
   static void setMethodRecoverAttr(Method method) { m_methodRecoverAttr = method; }
 
-  /// Calls the overwrite hook, whatever the solid.
+  /// Calls the overwrite hook for any solid.
   static void setOverriddenAttr(const OdDbObjectId& solid);
   /// Calls the recover hook for a solid that would be drawn in feature colours; nothing without
   /// `condition`.

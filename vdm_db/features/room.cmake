@@ -2,7 +2,9 @@
 list(APPEND VDM_DB_SOURCES
   features/vdm_db_feature_data.cpp
   features/vdm_db_feature_manager.cpp
+  features/vdm_db_feature_manager_audit.cpp
   features/vdm_db_feature_manager_clone.cpp
+  features/vdm_db_feature_manager_impl.cpp
   features/vdm_db_feature_manager_transaction.cpp
   features/vdm_db_iterator.cpp
   features/vdm_db_naming_policy_pe.cpp
@@ -10,7 +12,9 @@ list(APPEND VDM_DB_SOURCES
   features/vdm_db_sheet_metal_context_pe.cpp
   features/vdm_feature.cpp
   features/vdm_feature_color_material.cpp
+  features/vdm_feature_color_pe.cpp
   features/vdm_feature_colors.cpp
+  features/vdm_feature_external_pe.cpp
   features/vdm_feature_manager_utils.cpp
   features/vdm_feature_pe.cpp
   features/vdm_feature_references.cpp
@@ -29,7 +33,9 @@ list(APPEND VDM_DB_HEADERS
   features/vdm_db_pers_id_reactor.h
   features/vdm_db_sheet_metal_context_pe.h
   features/vdm_feature.h
+  features/vdm_feature_color_pe.h
   features/vdm_feature_colors.h
+  features/vdm_feature_external_pe.h
   features/vdm_feature_group_faces.h
   features/vdm_feature_impl.h
   features/vdm_feature_manager_utils.h

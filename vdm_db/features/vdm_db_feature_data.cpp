@@ -5,8 +5,10 @@
 #include "vdm_db/common/vdm_class_registration.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/drawing_utils/vdm_display_utils.h"
+#include "vdm_db/drawing_utils/vdm_erase_utils.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_feature_colors.h"
+#include "vdm_db/features/vdm_feature_external_pe.h"
 #include "vdm_db/features/vdm_feature_pe.h"
 #include "vdm_db/features/vdm_feature_reactor_walk.h"
 #include "vdm_db/features/vdm_feature_results.h"
@@ -127,7 +129,7 @@ OdString VdmDbFeatureData::featureType() const {
 }
 
 // ---- Filing: the base's part, then the bag, then what the feature adds; in DXF the subclass
-// marker (group 100) stands before the bag
+// marker (group 100) precedes the bag
 
 OdResult VdmDbFeatureData::dwgInFields(OdDbDwgFiler* filer) {
   assertWriteEnabled();
@@ -241,9 +243,6 @@ OdResult VdmDbFeatureData::eraseOwnObjects() {
   const VdmUpdateFeatureInterfacePtr active = VdmUpdateFeatureInterface::activeOf(feature);
   if (!active.isNull() && active->erasesOwnObjects()) owned.append(active->ownObjectIds());
   for (const OdDbObjectId& id : reactors) feature->removeReactor(id, /*eraseReactor=*/false);
-  for (const OdDbObjectId& id : owned) {
-    const OdDbObjectPtr object = id.openObject(OdDb::kForWrite);
-    if (!object.isNull()) object->erase();
-  }
+  vdmu::eraseObjects(owned);
   return eOk;
 }

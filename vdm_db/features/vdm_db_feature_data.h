@@ -28,12 +28,13 @@ class VDM_DB_EXPORT VdmDbFeatureDataImpl : public VdmDbPropertiesBase {
   [[nodiscard]] VdmFeaturePtr makeOfStoredType() const;
 
   OdString m_featureType;
-  VdmFeaturePtr m_feature;  // the one reference that does not count for the carrier
+  VdmFeaturePtr m_feature;  // the one reference that does not hold the carrier open
 };
 
-/// Carries a feature in the drawing: a property bag, and the VdmFeature that works on it. Owned by
-/// the VdmDbFeatureManager of the block; it owns the feature's reactors. Opened as VdmFeature, or
-/// the feature's class, it gives the feature, which keeps it open.
+/// Carries a feature in the drawing: a property bag, and the VdmFeature whose fields lie in that
+/// bag. The VdmDbFeatureManager of the block owns it; it owns the feature's reactors. Others refer
+/// to the feature by the id of its carrier. Opened as VdmFeature, or as the feature's class, it
+/// gives the feature, which keeps it open.
 class VDM_DB_EXPORT VdmDbFeatureData : public OdDbObject {
  public:
   OD_RX_DECLARE_MEMBERS(VdmDbFeatureData)
@@ -57,7 +58,7 @@ class VDM_DB_EXPORT VdmDbFeatureData : public OdDbObject {
   [[nodiscard]] OdRxObject* queryAdapter(const OdRxClass* cls) const;
   /// Name of the class that the feature was made as, whether that is there or not.
   [[nodiscard]] OdString featureType() const;
-  /// The feature without a reference; whoever asks has the carrier open, or only looks.
+  /// The feature without a reference. The caller holds the carrier open, or only reads the class.
   [[nodiscard]] const VdmFeature* adapter() const { return m_impl->feature(); }
 
   OdResult dwgInFields(OdDbDwgFiler* filer) override;

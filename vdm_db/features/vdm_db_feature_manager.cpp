@@ -2,7 +2,6 @@
 #include "vdm_db/features/vdm_db_feature_manager.h"
 
 #include <algorithm>
-#include <functional>
 
 #include "platform/base/error.h"
 #include "platform/db/database.h"
@@ -22,30 +21,12 @@ VDM_DEFINE_DB_CLASS(VdmDbFeatureManager, OdDbObject, L"VdmDbFeatureManager", L"V
 
 namespace {
 
-constexpr const wchar_t* kFeatures = L"Features";
-constexpr const wchar_t* kSheetMetalContext = L"SheetMetalContext";
-constexpr const wchar_t* kColorPolicy = L"ColorPolicy";
-
 // What a partial undo record begins with.
 enum UndoStep : OdUInt8 { kUndoFeatures = 0, kUndoNeedEvaluate = 1 };
 
 }  // namespace
 
 // ---- State
-
-VdmDbFeatureManagerImpl::VdmDbFeatureManagerImpl() {
-  m_properties.setConfig(VdmProperties::kDropErasedIds);
-  m_properties.setVersion(1);
-  m_properties.mapProperty(kFeatures, &features.array(), OdDb::kHardOwnershipRef);
-  m_properties.mapProperty(kSheetMetalContext, &sheetMetalContext, OdDb::kHardOwnershipRef);
-  m_properties.mapProperty(kColorPolicy, &colorPolicy, OdDb::kHardOwnershipRef);
-}
-
-OdResult VdmDbFeatureManagerImpl::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = VdmDbPropertiesBase::dwgInFields(filer);
-  features.replaced();
-  return result;
-}
 
 VdmDbFeatureManager::VdmDbFeatureManager()
     : m_impl(std::make_unique<VdmDbFeatureManagerImpl>()),
@@ -260,62 +241,6 @@ OdDbObjectId VdmDbFeatureManager::colorPolicy() const { return implForRead().col
 void VdmDbFeatureManager::setColorPolicy(const OdDbObjectId& policy) {
   assertWriteEnabled();
   m_impl->colorPolicy = policy;
-}
-
-// ---- Audit
-
-namespace {
-
-// Removes the reactors that have lost what they exist for. True when the feature cannot be without
-// one of them.
-bool dropLostReactors(const OdDbObjectId& featureId, VdmFeature& feature,
-                      const std::function<void(VdmFeature&, const OdDbObjectId&)>& remove) {
-  bool broken = false;
-  const OdDbObjectIdArray reactors = feature.reactors();
-  for (const OdDbObjectId& id : reactors) {
-    const VdmDbFeatureReactorPtr reactor = id.openAs<VdmDbFeatureReactor>();
-    if (reactor.isNull() || reactor->doAudit()) continue;
-    if (const VdmDbPersIdReactorPtr persIds = VdmDbPersIdReactor::cast(reactor.get());
-        !persIds.isNull()) {
-      broken |= feature.isRequiredDependency(static_cast<int>(persIds->mask()), persIds->tag());
-    }
-    const VdmFeaturePtr writable = VdmFeature::open(featureId, OdDb::kForWrite);
-    if (!writable.isNull()) remove(*writable, id);
-    const OdDbObjectPtr object = id.openObject(OdDb::kForWrite);
-    if (!object.isNull()) object->erase();
-  }
-  return broken;
-}
-
-void eraseAll(const OdDbObjectIdArray& ids) {
-  for (const OdDbObjectId& id : ids) {
-    const OdDbObjectPtr object = id.openObject(OdDb::kForWrite);
-    if (!object.isNull()) object->erase();
-  }
-}
-
-}  // namespace
-
-void VdmDbFeatureManager::doAudit() {
-  OdDbObjectIdArray ids;
-  for (VdmDbIterator<VdmFeature> it = newFeatureIterator(); !it.done(); it.next()) {
-    ids.append(it.objectId());
-  }
-  OdDbObjectIdArray broken;
-  const auto removeReactor = [](VdmFeature& feature, const OdDbObjectId& reactor) {
-    feature.removeReactor(reactor, /*eraseReactor=*/false);
-  };
-  for (const OdDbObjectId& id : ids) {
-    const VdmFeaturePtr feature = VdmFeature::open(id);
-    if (feature.isNull()) continue;
-    const bool lost = dropLostReactors(id, *feature, removeReactor);
-    if (!lost && !feature->reactorIds().isEmpty()) continue;
-    eraseAll(feature->reactors());
-    broken.append(id);
-  }
-  assertWriteEnabled(/*autoUndo=*/false);
-  takeOut(broken);
-  eraseAll(broken);
 }
 
 // ---- Filing: the base's part, then the bag

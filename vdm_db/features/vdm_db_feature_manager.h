@@ -29,7 +29,7 @@ enum EPostprocessingOperationType : OdUInt32 {
 };
 
 /// Owns the carriers of all features of a block, in the order in which they were made, and the
-/// block's sheet-metal context and colour policy. Stands under "FEATURE_MANAGER" in "VDM_DATABASE"
+/// block's sheet-metal context and colour policy. It lies under "FEATURE_MANAGER" in "VDM_DATABASE"
 /// of the block's extension dictionary. Every update pass over the features begins here.
 ///
 /// Readers raise OdError eNotOpenForRead (61) unless the manager is open for read; those that
@@ -81,7 +81,8 @@ class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject, public VdmFeatureRe
   bool updateFeatures(const VdmDependenciesReplacementMap& map, bool constraintsWereCalculated,
                       bool constraintsWereCalculatedSuccesfully,
                       EPostprocessingOperationType& postFlags);
-  /// Some feature waits for evaluate(). Stored as a property that is there only while it is set.
+  /// Whether some feature waits for evaluate(). Stored as a property that is present only while
+  /// true.
   void needEvaluate(bool flag);
   [[nodiscard]] bool isNeedEvaluate() const;
   /// Has the waiting features evaluate themselves.
@@ -107,13 +108,14 @@ class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject, public VdmFeatureRe
 
   // ---- Upkeep
 
-  /// Removes reactors that have lost what they exist for, and features that cannot be without them
-  /// or have none left. Tells nobody.
+  /// Removes reactors that have lost what they exist for, and features that need one of these or
+  /// have no reactor left. It reports nothing.
   void doAudit();
   /// Takes over the features of `source`, which is erased: those that refer to clones of the
   /// reverse mapping, all with `keepAll`. None when both blocks have sheet-metal contexts of
   /// different thickness or bend radius. `mergedObjects` gets model objects of inserts, `replaced`
-  /// the ids that stand for others now. Raises OdError eNullPointer for a null source.
+  /// pairs of an old id and the one that replaces it. Raises OdError eNullPointer for a null
+  /// source.
   void mergeManagers(VdmDbFeatureManager* source, OdDbIdMapping& mapping,
                      VdmDbReverseIdMapping& reverse,
                      std::unordered_set<OdDbObjectId>& mergedObjects, bool keepAll,
@@ -138,6 +140,7 @@ class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject, public VdmFeatureRe
   OdDbDwgFiler* recordList();
   void appendFeature(const OdDbObjectId& feature);
   void takeOut(const OdDbObjectIdArray& features);
+  static bool dropLostReactors(VdmFeature& feature);
   void recordNeedEvaluate();
   [[nodiscard]] OdString finalName(OdRxClass* cls, const OdString& name, bool numberGiven,
                                    bool trim);

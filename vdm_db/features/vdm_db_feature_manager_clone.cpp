@@ -1,9 +1,24 @@
-// Which features go with a clone, their variables, and the merging of managers.
+// Feature managers: which features a clone takes along, their variables, and merging.
+//
+// Cloning. A clone of a block takes those features along that work on something cloned. Ownership
+// alone would take all, since the manager owns every carrier. The manager therefore files only the
+// wanted carriers while the base clones it: the list is exchanged for the filtered one and put back
+// at the end of the scope, also when cloning raises. The base then clones exactly the carriers that
+// the filed list owns, and the clone's list has exactly their clones. The filter opens each feature
+// once and looks ids up in the mapping.
+//
+// Merging. Cloning into a block that has a manager gives the block a second one. mergeManagers
+// moves the features of that one (the source) which refer to clones into this one and erases the
+// source with the rest. A moved feature keeps its id, so references to it stay valid; it gets a new
+// name, which is unique here. `replaced` gets the old and new ids of the manager, the sheet-metal
+// context and its variable, by which the caller corrects references to these. Blocks of different
+// sheet metal are not merged: a bend that was computed for one thickness is wrong for another.
 #include <algorithm>
 #include <iterator>
 
 #include "platform/base/error.h"
-#include "vdm_db/drawing_utils/vdm_id_mappings.h"
+#include "vdm_db/drawing_utils/vdm_db_reverse_id_mapping.h"
+#include "vdm_db/drawing_utils/vdm_erase_utils.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_db_feature_manager_impl.h"
@@ -36,7 +51,8 @@ bool anyOf(const OdDbObjectIdArray& ids, const Predicate& holds) {
 
 namespace {
 
-// The entities that the feature depends on, or what depends on it, are known to `isMapped`.
+// Whether one of the entities that the feature depends on, or a variable that depends on it, is
+// mapped.
 template <class IsMapped>
 bool dependsOnMapped(const OdDbObjectIdArray& dependencies, const OdDbObjectIdArray& variables,
                      const IsMapped& isMapped) {
@@ -71,7 +87,7 @@ OdDbObjectIdArray VdmDbFeatureManager::featuresToClone(const OdDbIdMapping& mapp
   return taken;
 }
 
-// While the list is the filtered one, the manager files those features only.
+// The list is the filtered one while the base files and clones the manager.
 template <class Clone>
 OdDbObjectPtr VdmDbFeatureManager::cloneWithFeatures(const OdDbIdMapping& mapping,
                                                      const Clone& clone) const {
@@ -155,11 +171,6 @@ OdDbObjectId firstOrNull(const OdDbObjectIdArray& ids) {
   return ids.isEmpty() ? OdDbObjectId::kNull : ids.first();
 }
 
-void eraseObject(const OdDbObjectId& id) {
-  const OdDbObjectPtr object = id.openObject(OdDb::kForWrite);
-  if (!object.isNull()) object->erase();
-}
-
 }  // namespace
 
 void VdmDbFeatureManager::mergeManagers(VdmDbFeatureManager* source, OdDbIdMapping& /*mapping*/,
@@ -200,7 +211,7 @@ void VdmDbFeatureManager::adoptFeatures(const VdmDbFeatureManager& source,
   }
 }
 
-// Features that stay behind go with their manager.
+// Features that were not taken over are erased with their manager.
 void VdmDbFeatureManager::leaveMerged(VdmDbFeatureManager& source,
                                       std::map<OdDbObjectId, OdDbObjectId>& replaced) {
   replaced[source.objectId()] = objectId();
@@ -211,11 +222,11 @@ void VdmDbFeatureManager::leaveMerged(VdmDbFeatureManager& source,
     if (!variable.isNull()) {
       replaced[variable] = firstOrNull(vdmu::sheetMetalVariables(sheetMetalContext()));
     }
-    eraseObject(theirs);
+    vdmu::eraseObject(theirs);
   }
   const OdDbObjectIdArray features = source.featureIds();
   for (const OdDbObjectId& id : features) {
-    if (id.ownerId() == source.objectId()) eraseObject(id);
+    if (id.ownerId() == source.objectId()) vdmu::eraseObject(id);
   }
   source.m_impl->sheetMetalContext.setNull();
   source.m_impl->features.array().clear();

@@ -1,18 +1,21 @@
-// State of feature managers.
+// VdmDbFeatureManagerImpl: the state of a feature manager. For its own sources.
 #pragma once
 
+#include "vdm_db/model/vdm_bag_with_ids.h"
 #include "vdm_db/properties/vdm_db_properties_base.h"
 #include "vdm_db/references/vdm_indexed_ids.h"
 
-// Bag keys: "Features", "SheetMetalContext", "ColorPolicy", all hard ownership; "needEvaluate", a
-// boolean that is there only while a feature waits.
-class VdmDbFeatureManagerImpl : public VdmDbPropertiesBase {
+/// A bag of version 1 that drops erased ids on save. "Features", "SheetMetalContext" and
+/// "ColorPolicy" are mapped, all by hard ownership; "needEvaluate" is a boolean that is present
+/// only while a feature waits.
+class VdmDbFeatureManagerImpl : public VdmBagWithIds<VdmDbPropertiesBase> {
  public:
   VdmDbFeatureManagerImpl();
-
-  OdResult dwgInFields(OdDbDwgFiler* filer) override;
 
   VdmIndexedIds features;
   OdDbObjectId sheetMetalContext;
   OdDbObjectId colorPolicy;
+
+ private:
+  void idsWereRead() override { features.replaced(); }
 };

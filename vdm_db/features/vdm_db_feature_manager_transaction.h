@@ -12,12 +12,14 @@ class OdDbUserIO;
 class VdmFeature;
 
 /// Gathers paths of features, and makes the persistent references for all of them when its last
-/// pointer goes. There is one active transaction at a time, and whoever makes one while it is held
-/// gets that one, so that the references are made when the outermost owner lets go.
+/// pointer is released. One transaction is active at a time: createObject() gives that one while it
+/// is held, so the outermost owner decides when the references are made. Used on the thread that
+/// holds the drawing.
 ///
 /// All paths of a transaction begin in one block: that of the first path's first id. Errors that
-/// arise when the references are made are reported as an assertion, and the reactors stay empty;
-/// so they do, without a report, when the manager of references does not give one id for each path.
+/// arise when the references are made are reported as an assertion, and the reactors stay empty.
+/// They also stay empty, without a report, when the manager of references does not give one id for
+/// each path.
 class VDM_DB_EXPORT VdmDbFeatureManagerTransaction : public OdRxObject {
  public:
   OD_RX_DECLARE_MEMBERS(VdmDbFeatureManagerTransaction)

@@ -35,18 +35,6 @@ VdmDbPersIdReactorImpl::VdmDbPersIdReactorImpl() {
   m_properties.mapProperty(kVdmPersIds, &persIds.array(), OdDb::kSoftPointerRef);
 }
 
-OdResult VdmDbPersIdReactorImpl::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = VdmDbFeatureReactorImpl::dwgInFields(filer);
-  persIds.replaced();
-  return result;
-}
-
-OdResult VdmDbPersIdReactorImpl::dxfInFields(OdDbDxfFiler* filer) {
-  const OdResult result = VdmDbFeatureReactorImpl::dxfInFields(filer);
-  persIds.replaced();
-  return result;
-}
-
 OdResult VdmDbPersIdReactorImpl::subErase(VdmDbFeatureReactor* reactor) {
   if (reactor->isUndoing()) return eOk;
   for (const OdDbObjectId& id : persIds.ids()) detach(id, reactor->objectId());

@@ -5,11 +5,12 @@
 #include "platform/base/types.h"
 #include "platform/filer/object_id.h"
 #include "vdm_db/common/vdm_db_export.h"
+#include "vdm_db/model/vdm_bag_with_ids.h"
 #include "vdm_db/model/vdm_db_feature_reactor.h"
 #include "vdm_db/references/vdm_indexed_ids.h"
 
 /// State: the bag keys "mask", "tag" and "pers_ids".
-class VDM_DB_EXPORT VdmDbPersIdReactorImpl : public VdmDbFeatureReactorImpl {
+class VDM_DB_EXPORT VdmDbPersIdReactorImpl : public VdmBagWithIds<VdmDbFeatureReactorImpl> {
  public:
   VdmDbPersIdReactorImpl();
 
@@ -17,16 +18,18 @@ class VDM_DB_EXPORT VdmDbPersIdReactorImpl : public VdmDbFeatureReactorImpl {
   OdLong tag = 0;
   VdmIndexedIds persIds;
 
-  OdResult dwgInFields(OdDbDwgFiler* filer) override;
-  OdResult dxfInFields(OdDbDxfFiler* filer) override;
-  /// Leaves the dependencies.
+  /// Detaches the reactor from its dependencies.
   OdResult subErase(VdmDbFeatureReactor* reactor) override;
+
+ private:
+  void idsWereRead() override { persIds.replaced(); }
 };
 
-/// Holds the dependencies that a feature refers to, and is a persistent reactor of each: that is
-/// what watches them. The mask is a set of bits that says what kind of reference it is, the tag an
-/// exact number that tells reactors of one kind apart. When its last dependency is erased it tells
-/// the feature, and goes.
+/// The references of a feature to geometry. It holds ids of dependencies and is a persistent
+/// reactor of each, which keeps them watched. The mask is a set of bits that says what kind of
+/// reference it is; the tag is an exact number that distinguishes reactors of one kind. The carrier
+/// of the feature owns it. When its last dependency is erased it calls eraseReactor() of the
+/// feature and erases itself.
 class VDM_DB_EXPORT VdmDbPersIdReactor : public VdmDbFeatureReactor {
  public:
   OD_RX_DECLARE_MEMBERS(VdmDbPersIdReactor)
@@ -34,7 +37,7 @@ class VDM_DB_EXPORT VdmDbPersIdReactor : public VdmDbFeatureReactor {
   VdmDbPersIdReactor();
 
   void setMask(int mask);
-  /// True for -1, whatever the reactor's mask; otherwise when the two have a bit in common.
+  /// True when the two masks have a bit in common, and for -1 always.
   [[nodiscard]] bool hasMask(int mask) const;
   [[nodiscard]] unsigned int mask() const;
   void setTag(int tag);
@@ -52,12 +55,12 @@ class VDM_DB_EXPORT VdmDbPersIdReactor : public VdmDbFeatureReactor {
   /// The same for those of `ids` that are held.
   void removePersIds(const OdDbObjectIdArray& ids);
 
-  /// A dependency is gone: the reactor lets it go, and with the last one tells the feature and
-  /// erases itself. Also called for a dependency that has been replaced. Nothing happens while it
-  /// is undoing, and when it comes back.
+  /// A dependency was erased, or replaced: takes it out. With the last one the reactor calls
+  /// eraseReactor() of its feature and erases itself. Nothing happens while the dependency is
+  /// undoing, and when it is unerased.
   void erased(const OdDbObject* object, bool erasing) override;
-  /// Lets dependencies go that cannot be opened and attaches itself to the others; false when none
-  /// is left.
+  /// Takes out dependencies that do not open and attaches itself to the others; false when none is
+  /// left.
   bool doAudit() override;
 
  private:

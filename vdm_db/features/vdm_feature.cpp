@@ -6,6 +6,8 @@
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/features/vdm_feature_color_pe.h"
+#include "vdm_db/features/vdm_feature_external_pe.h"
 #include "vdm_db/features/vdm_feature_impl.h"
 #include "vdm_db/features/vdm_feature_pe.h"
 #include "vdm_db/features/vdm_feature_results.h"
@@ -21,7 +23,7 @@ namespace {
 // Takes over the reference of a smart pointer, as queryX hands it out.
 OdRxObject* handOut(OdRxObjectPtr object) { return object.detach(); }
 
-// A pattern of a VdmFeaturePE stands for one new object for each query.
+// Each query of a VdmFeaturePE gives a new object, bound to the feature.
 OdRxObject* bindTo(const VdmFeature* feature, const OdRxObjectPtr& extension) {
   const VdmFeaturePE* pattern = nullptr;
   if (extension->isKindOf(VdmFeaturePE::desc())) {

@@ -33,19 +33,19 @@ using VdmFeaturePtr = OdSmartPtr<VdmFeature>;
 /// feature by the id of the carrier and open it as VdmFeature. A reference to a feature keeps the
 /// carrier open in the mode in which that was opened.
 ///
-/// A feature class derives from this one or another feature class, stands in its own module, is
+/// A feature class derives from this one or another feature class, may lie in its own module, is
 /// declared and defined with the macros of vdm_feature_impl.h, and binds its fields to the bag in
 /// subMapProperties(); it needs no filing of its own. A drawing whose feature class is not there
 /// keeps the feature as a plain VdmFeature with all its data.
 ///
-/// References. What a feature refers to hangs on reactors that its carrier owns. A reactor of
-/// geometry has a mask, which is a set of bits that says what kind of reference it is, and a tag
-/// that tells reactors of one kind apart. A mask that is asked for matches when it has a bit in
-/// common; -1 matches all. Tags are compared as they are.
+/// References. A feature refers to things by reactors that its carrier owns. A reactor of geometry
+/// has a mask, which is a set of bits that says what kind of reference it is, and a tag that
+/// distinguishes reactors of one kind. A requested mask matches when it has a bit in common; -1
+/// matches all. Tags are compared for equality.
 ///
-/// Unless told otherwise readers raise OdError eNotOpenForRead (61) without a carrier that is open
-/// for read, and writers need it open for write; the carrier records its state for undo. Setters of
-/// subclasses begin with assertWritable(), getters with assertReadable().
+/// Where no comment says otherwise readers raise OdError eNotOpenForRead (61) without a carrier
+/// that is open for read, and writers need it open for write; the carrier records its state for
+/// undo. Setters of subclasses begin with assertWritable(), getters with assertReadable().
 class VDM_DB_EXPORT VdmFeature : public OdRxObject {
  public:
   OD_RX_DECLARE_MEMBERS(VdmFeature)
@@ -62,7 +62,7 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
   ~VdmFeature() override;
 
   // ---- Virtual operations. Their order is that of the slots, which classes of other modules rely
-  // ---- on: new ones come behind the last.
+  // ---- on: new ones are added after the last.
 
   // Name.
   [[nodiscard]] virtual OdString name() const;
@@ -105,7 +105,7 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
   /// Whether a reactor says that the feature must take part in the next pass. The argument is set:
   /// whether one says that it must once constraints were calculated.
   virtual bool hasChanges(bool& needConstraintsRecalculation) const;
-  /// The base gives 3, which means that nobody reacted.
+  /// The base gives 3, which means that the event was not handled.
   virtual OdResult onPropertyModified(const OdString& key, double value);
   virtual OdResult onReactorModified(OdDbObject* object);
 
@@ -115,7 +115,7 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
   virtual void evaluate();
 
   // Filing.
-  /// Called from the filing of the carrier, behind the bag; nothing in the base.
+  /// The carrier calls these after it has filed its bag; nothing in the base.
   virtual void dwgOutFields(OdDbDwgFiler* filer) const;
   virtual OdResult dwgInFields(OdDbDwgFiler* filer);
   virtual void dxfOutFields(OdDbDxfFiler* filer) const;
@@ -129,7 +129,7 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
   virtual void subMapProperties(VdmProperties& bag);
 
   // The carrier.
-  /// Null before attach() and behind the carrier's end.
+  /// Null before attach() and after the carrier's end.
   virtual OdDbObject* getDbObject() = 0;
   [[nodiscard]] virtual const OdDbObject* getDbObject() const = 0;
 
@@ -156,7 +156,7 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
 
   // ---- The carrier
 
-  /// Has the carrier open for write until it is closed.
+  /// Upgrades the carrier to write until it is closed.
   void upgradeOpen();
   /// Id of the carrier; null outside a database.
   [[nodiscard]] OdDbObjectId objectId() const;
@@ -164,8 +164,8 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
   [[nodiscard]] OdDbObjectId featureManagerId() const;
   [[nodiscard]] Status getStatus() const;
   /// Replaces the whole word; a suppressed feature takes only 0 and ignores the rest. With
-  /// StatusNotifyEntities the entities hear that they were modified, with StatusNeedEvaluate the
-  /// manager notes that a feature waits. eOk always.
+  /// StatusNotifyEntities the model objects of the entities count as modified, with
+  /// StatusNeedEvaluate the manager records that a feature waits. eOk always.
   OdResult setStatus(Status status);
 
   // ---- References
@@ -224,8 +224,8 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
   /// Paths of the dependencies; one that leads to nothing or does not open is left out.
   [[nodiscard]] static OdDbFullSubentPathArray getFSPfromDepencencies(
       const OdDbObjectIdArray& dependencies);
-  /// Takes the reactor out and has a reactor of geometry let go what it holds. Without
-  /// `eraseReactor` the object stays; null is ignored.
+  /// Takes the reactor out of the list; a reactor of geometry drops its dependencies. With
+  /// `eraseReactor` the object is erased. Null is ignored.
   void removeReactor(OdDbObjectId reactor, bool eraseReactor);
   /// Takes a key out of the carrier's bag; true when it was there.
   bool removeProperty(const OdString& key);

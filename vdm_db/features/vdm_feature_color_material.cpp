@@ -9,6 +9,7 @@
 #include "platform/db/material.h"
 #include "platform/db/xrecord.h"
 #include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 
 namespace {
 
@@ -50,17 +51,20 @@ OdString freeAnonymousName(const OdDbDictionary& materials) {
 
 void createXrecord(OdDbMaterial& material, const OdString& key) {
   const OdDbDictionaryPtr extension =
-      material.createExtensionDictionary().safeOpenObject(OdDb::kForWrite);
+      material.createExtensionDictionary().safeOpenAs<OdDbDictionary>(OdDb::kForWrite);
   extension->setAt(key, OdDbXrecord::createObject());
+}
+
+OdDbObjectId addTo(OdDbDictionary& materials, const OdString& name, OdDbMaterial* material) {
+  const VdmOpenUpgrade upgrade(&materials);
+  return materials.setAt(name, material);
 }
 
 OdDbObjectId createIn(OdDbDictionary& materials) {
   const OdString name = freeAnonymousName(materials);
   const OdDbMaterialPtr material = OdDbMaterial::cast(OdDbMaterial::desc()->create());
   material->setName(name);
-  materials.upgradeOpen();
-  const OdDbObjectId id = materials.setAt(name, material);
-  materials.downgradeOpen();
+  const OdDbObjectId id = addTo(materials, name, material);
   createXrecord(*material, kVdmFeatureColorMaterial);
   return id;
 }

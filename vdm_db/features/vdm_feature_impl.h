@@ -9,7 +9,7 @@
 
 /// A feature class with its reference count and its carrier. References to the feature are
 /// references of the carrier, too, of the same open mode; the carrier's own one, which is there
-/// before it attaches itself, is not. TBase is the class below T that is completed, mostly T.
+/// before it attaches itself, is not. TBase is the class that is completed: T or one below it.
 template <class T, class TBase = T>
 class VdmFeatureImpl final : public TBase {
  public:
@@ -41,7 +41,7 @@ class VdmFeatureImpl final : public TBase {
   VdmFeatureImpl() = default;
   ~VdmFeatureImpl() override = default;
 
-  // False when that was the last one and the object is gone.
+  // False when that was the last one, and the object was deleted.
   bool dropReference() {
     if (m_references.fetch_sub(1, std::memory_order_acq_rel) != 1) return true;
     delete this;

@@ -16,8 +16,8 @@ namespace vdmu {
 using OdDbObjectIdLess = ObjectIdLess;
 }
 
-/// Features are given by the ids of their carriers. `classes` are those that features must be of or
-/// derive from; none stands for all. Sets are added to.
+/// Features are given by the ids of their carriers. They must be of one of `classes`, or derive
+/// from one; an empty list accepts all. Results are added to the sets.
 namespace VdmFeatureManagerUtils {
 
 using IdSet = std::set<OdDbObjectId, vdmu::OdDbObjectIdLess>;

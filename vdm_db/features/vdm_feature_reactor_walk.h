@@ -1,24 +1,25 @@
-// Walks over the reactors of a feature that open nothing in vain.
+// Walks over the reactors of a feature, which open only reactors of the wanted class.
 #pragma once
 
+#include "vdm_db/drawing_utils/vdm_object_id_class.h"
 #include "vdm_db/features/vdm_db_pers_id_reactor.h"
 #include "vdm_db/model/vdm_db_feature_reactor.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
 
-// Calls visit(T*) for each reactor of class T or below, in order, opened for read, until it gives
-// true. The class is known without opening. True when the walk was ended by visit.
+// Opens each reactor of class T or below for read, in order, and calls visit(T*) until that gives
+// true. The result is true when visit ended the walk. Ids know the classes of their objects, so
+// other reactors are not opened: a feature may have thousands of them, and every pass walks them.
 template <class T, class Visit>
 bool vdmVisitReactors(const OdDbObjectIdArray& reactors, const Visit& visit) {
   for (const OdDbObjectId& id : reactors) {
-    const OdRxClass* cls = id.objectClass();
-    if (cls == nullptr || !cls->isDerivedFrom(T::desc())) continue;
-    const OdDbObjectPtr object = id.openObject();
+    if (!vdmu::isIdOf<T>(id)) continue;
+    const OdDbObjectPtr object = id.openObject();  // its id has said that it is a T
     if (!object.isNull() && visit(static_cast<T*>(object.get()))) return true;
   }
   return false;
 }
 
-// First ids of the paths of the dependencies that open: what is drawn again when they change.
+// The entities, or outermost inserts, of the dependencies that open: the first ids of their paths.
 inline OdDbObjectIdArray vdmEntitiesOf(const OdDbObjectIdArray& dependencies) {
   OdDbObjectIdArray entities(dependencies.size());
   for (const OdDbObjectId& id : dependencies) {

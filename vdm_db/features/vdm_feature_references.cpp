@@ -3,6 +3,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/database.h"
+#include "vdm_db/drawing_utils/vdm_object_id_class.h"
 #include "vdm_db/features/vdm_db_feature_manager_transaction.h"
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/features/vdm_feature_reactor_walk.h"
@@ -59,8 +60,7 @@ void VdmFeature::removeReactor(OdDbObjectId reactor, bool eraseReactor) {
   if (reactor.isNull()) return;
   assertWritable();
   m_reactors.remove(reactor);
-  const OdRxClass* cls = reactor.objectClass();
-  const bool isPersIdReactor = cls != nullptr && cls->isDerivedFrom(VdmDbPersIdReactor::desc());
+  const bool isPersIdReactor = vdmu::isIdOf<VdmDbPersIdReactor>(reactor);
   if (!eraseReactor && !isPersIdReactor) return;
   const OdDbObjectPtr object = reactor.openObject(OdDb::kForWrite);
   if (object.isNull()) return;
@@ -189,7 +189,7 @@ OdDbFullSubentPathArray VdmFeature::getEntities(int mask, int tag) const {
   return getFSPfromDepencencies(getDependencies(mask, tag, /*filtered=*/false));
 }
 
-// ---- What reactors tell
+// ---- Answers of reactors
 
 bool VdmFeature::hasChanges(bool& needConstraintsRecalculation) const {
   assertReadable();

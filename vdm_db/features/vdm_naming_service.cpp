@@ -24,7 +24,7 @@ struct SplitName {
 VdmNamingService::VdmNamingService() = default;
 VdmNamingService::~VdmNamingService() = default;
 
-// Names split in another way from now on.
+// Later names are split in another way.
 void VdmNamingService::setDelimeter(const wchar_t& delimiter) { m_delimiter = delimiter; }
 void VdmNamingService::setStartValue(unsigned start) { m_startValue = start; }
 

@@ -5,13 +5,20 @@ list(APPEND VDM_DB_SOURCES
   model/vdm_db_object.cpp
   model/vdm_db_object_dependencies.cpp
   model/vdm_db_object_dependency.cpp
+  model/vdm_db_object_dependency_filing.cpp
   model/vdm_db_object_impl.cpp
+  model/vdm_db_object_pe.cpp
   model/vdm_db_pers_id_manager.cpp
+  model/vdm_db_pers_id_manager_clone.cpp
+  model/vdm_db_pers_id_manager_impl.cpp
   model/vdm_db_pers_id_manager_links.cpp
+  model/vdm_db_pers_id_manager_pe.cpp
   model/vdm_db_pers_id_manager_remap.cpp
+  model/vdm_dependency_paths.cpp
   model/vdm_object_names.cpp
 )
 list(APPEND VDM_DB_HEADERS
+  model/vdm_bag_with_ids.h
   model/vdm_block_managers.h
   model/vdm_db_feature_reactor.h
   model/vdm_db_object.h
@@ -23,5 +30,6 @@ list(APPEND VDM_DB_HEADERS
 list(APPEND VDM_DB_PRIVATE_HEADERS
   model/vdm_db_object_impl.h
   model/vdm_db_pers_id_manager_impl.h
+  model/vdm_dependency_paths.h
   model/vdm_object_names.h
 )

@@ -1,5 +1,5 @@
-// What model objects and reactors of features need of the managers of a block, whose classes are
-// defined in rooms above this one.
+// VdmModelObjectRegistry, VdmFeatureRegistry: what model objects and reactors of features need of
+// the managers of a block. The classes of the managers belong to rooms above this one.
 #pragma once
 
 #include "platform/base/string.h"

@@ -5,6 +5,8 @@
 #include "platform/db/database.h"
 #include "platform/db/entity.h"
 #include "vdm_db/common/vdm_class_registration.h"
+#include "vdm_db/drawing_utils/vdm_erase_utils.h"
+#include "vdm_db/drawing_utils/vdm_object_id_class.h"
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 #include "vdm_db/model/vdm_block_managers.h"
 #include "vdm_db/model/vdm_db_feature_reactor.h"
@@ -16,7 +18,6 @@
 
 OD_RX_DEFINE_DB(VdmDbObject, OdDbObject, L"VdmDbObject", kVdmDwgVersion, kVdmMaintenanceVersion,
                 kVdmProxyFlags, L"VDMOBJECT", L"VdmModule|Description: Vantrel Driving Dimension")
-OD_RX_DEFINE_ABSTRACT(VdmDbObjectPE, OdRxObject, L"VdmDbObjectPE")
 
 namespace {
 
@@ -68,8 +69,7 @@ VdmDbObjectPtr VdmDbObject::openVdmDbObject(const OdDbObject* entity, OdDb::Open
                                             bool openErased) {
   if (entity == nullptr) return VdmDbObjectPtr();
   for (const OdDbObjectId reactor : entity->getPersistentReactors()) {
-    const OdRxClass* cls = reactor.objectClass();
-    if (cls == nullptr || !cls->isDerivedFrom(desc())) continue;
+    if (!vdmu::isIdOf<VdmDbObject>(reactor)) continue;
     VdmDbObjectPtr object = reactor.openAs<VdmDbObject>(mode, openErased);
     if (object.isNull()) continue;
     vdmAssert(entity->database() == object->database(), "pEnt->database() == res->database()",
@@ -156,8 +156,7 @@ bool VdmDbObject::isWatched() const {
     const OdDbObjectPtr opened = reactor.openObject();
     if (opened.isNull()) continue;
     for (const OdDbObjectId watcher : opened->getPersistentReactors()) {
-      const OdRxClass* cls = watcher.objectClass();
-      if (cls != nullptr && cls->isDerivedFrom(VdmDbFeatureReactor::desc())) return true;
+      if (vdmu::isIdOf<VdmDbFeatureReactor>(watcher)) return true;
     }
   }
   return false;
@@ -210,7 +209,7 @@ OdResult VdmDbObject::subErase(bool erasing) {
   return eOk;
 }
 
-// An owner that is erased, too, has nothing to be told.
+// An owner that is erased, too, keeps no list.
 void VdmDbObject::leaveManager() {
   const OdDbObjectPtr owner = ownerId().openObject(OdDb::kForWrite);
   if (owner.isNull()) return;
@@ -227,10 +226,7 @@ void VdmDbObject::eraseWithSubObjects() {
   assertWriteEnabled(/*autoUndo=*/false, /*recordModified=*/false);
   const OdDbObjectIdArray owned = m_impl->constraintDependencies.ids();
   if (erase() != eOk) return;
-  for (const OdDbObjectId& id : owned) {
-    const OdDbObjectPtr object = id.openObject(OdDb::kForWrite);
-    if (!object.isNull()) object->erase();
-  }
+  vdmu::eraseObjects(owned);
 }
 
 // ---- Partial undo: a step (uint8), then what it restores
@@ -286,7 +282,7 @@ void VdmDbObject::applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) {
   }
 }
 
-// ---- Filing; the record is told with VdmDbObjectImpl
+// ---- Filing; vdm_db_object_impl.cpp has the record
 
 OdResult VdmDbObject::dwgInFields(OdDbDwgFiler* filer) {
   assertWriteEnabled();

@@ -12,10 +12,11 @@
 
 class VdmDbObjectImpl;
 
-/// For each entity with dependencies there is one, a persistent reactor of the entity, owned by the
-/// VdmDbConstraintManager of the block. It lists the dependencies into the entity, keeps a name,
-/// numbers per subentity and a pending transform, and passes on to the manager what happens to the
-/// entity. It is erased with the entity.
+/// The shadow of one entity that takes part in the model. It lists the dependencies into the
+/// entity, keeps a name, numbers per subentity and a pending transform, and passes changes of the
+/// entity on to the manager. It holds no geometry and solves nothing. Each entity with dependencies
+/// has one; the VdmDbConstraintManager of the block owns it, it is a persistent reactor of the
+/// entity, and it is erased with the entity. Others find it by openVdmDbObject() or hold its id.
 ///
 /// Writers record for undo what they change and nothing else.
 class VDM_DB_EXPORT VdmDbObject : public OdDbObject {
@@ -62,21 +63,21 @@ class VDM_DB_EXPORT VdmDbObject : public OdDbObject {
   /// The first dependency on exactly this path; null without one.
   [[nodiscard]] OdDbObjectId getConstraintDependency(const OdDbFullSubentPath& path) const;
   [[nodiscard]] OdDbObjectId getPersIdDependency(const OdDbFullSubentPath& path) const;
-  /// Lists a dependency that `manager` owns; with a null id, one of whatever manager. True when it
-  /// was not listed. One that `manager` does not own is reported as an assertion and not listed.
+  /// Lists a dependency. True when it was not listed before. One that `manager` does not own is
+  /// reported as an assertion and not listed; a null `manager` accepts every owner.
   bool addPersIdDependency(OdDbObjectId dependency, OdDbObjectId manager);
-  /// The other way round; true when it was listed.
+  /// Takes a dependency out of the list, under the same rule; true when it was listed.
   bool removePersIdDependency(OdDbObjectId dependency, OdDbObjectId manager);
   /// The same for many, in one step. The number of those that were added or removed.
   OdUInt32 addPersIdDependencies(const OdDbObjectIdArray& dependencies);
   OdUInt32 removePersIdDependencies(const OdDbObjectIdArray& dependencies);
   /// All of them.
   void removePersIdDependencies();
-  /// Takes out the ids of erased dependencies and of those that lead to other entities by now; true
-  /// when there were any.
+  /// Takes out the ids of erased dependencies and of those that refer to another entity; true when
+  /// there were any.
   bool removeStalePersIdDependencies();
-  /// External drawings on the paths of dependencies were loaded again: the next look-up by path
-  /// reads all of them. Changes of dependencies themselves are noticed.
+  /// Makes the next look-up by path read all paths again. Callers need it after external drawings
+  /// on the paths were loaded again; changes of dependencies are noticed without it.
   void invalidatePersIdDepsCache();
   /// It has dependencies, or a feature reactor is attached to one of the entity's reactors.
   [[nodiscard]] bool isWatched() const;
@@ -86,22 +87,24 @@ class VDM_DB_EXPORT VdmDbObject : public OdDbObject {
   void setAttributes(VdmIndexMap& attributes);
   [[nodiscard]] const VdmIndexMap& attributes() const;
 
-  // The transform that the entity is to get. Kept for undo, not stored in files.
+  // The transform that waits to be applied to the entity. Undo restores it; files do not store it.
   [[nodiscard]] const OdGeMatrix3d& getTransform() const;
   /// It is open and not the identity within OdGeTol::kDefault.
   [[nodiscard]] bool canTransformBeApplied() const;
-  /// Applied after what waits already; the first one of a new sum when the last one was complete.
+  /// Multiplies `transform` in after those that wait. When the sum was complete (not open), it
+  /// begins a new sum.
   void addTransform(OdGeMatrix3d& transform);
-  /// Opens the sum again and empties it. Needs no write access when it is empty.
+  /// Opens the sum again and sets it to the identity. Needs no write access when it is the
+  /// identity.
   void clearTransform();
-  /// The transform that a solver adds to the entity's present place: what waits if it can be
-  /// applied. False, with the identity, otherwise.
+  /// The transform that a solver adds to the entity's present place: the waiting one if it can be
+  /// applied. Otherwise false, and the identity.
   bool getTransformForSolver(OdGeMatrix3d& transform) const;
 
   /// Marks the entity's picture as changed, and again when that is undone.
   void triggerObjectRedraw();
-  /// Tells the manager that the entity was modified, if somebody depends on it; or, with false,
-  /// that its change is dealt with: the pending transform is dropped first then.
+  /// With true: notifies the manager that the entity was modified, if the object is watched. With
+  /// false: drops the pending transform and notifies the manager that the change is solved.
   void notifyAboutModifications(bool modified);
   /// Whether changes of the entity's picture are passed on; true at first. Not stored.
   void constrainerNotify(bool notify);

@@ -3,6 +3,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/database.h"
+#include "vdm_db/drawing_utils/vdm_erase_utils.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/model/vdm_db_object_impl.h"
 #include "vdm_db/references/vdm_path_utils.h"
@@ -105,8 +106,7 @@ void VdmDbObject::removeConstraintDependencies(const OdDbObjectIdArray& ids) {
   m_impl->constraintDependencies.takeOut(positions, recordStep(kUndoConstraintList));
   m_impl->constraintPaths.invalidate();
   for (const OdUInt32 position : positions) {
-    const OdDbObjectPtr object = before[position].openObject(OdDb::kForWrite);
-    if (!object.isNull()) object->erase();
+    vdmu::eraseObject(before[position]);
   }
 }
 

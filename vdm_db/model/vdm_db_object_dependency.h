@@ -8,10 +8,11 @@
 #include "vdm_db/properties/vdm_properties.h"
 #include "vdm_db/references/vdm_compound_object_id.h"
 
-/// Refers to a subentity of an entity, or to the whole entity, along a path of block references.
-/// Features and constraints hold the id of a dependency and attach themselves to it as persistent
-/// reactors; the dependency follows its geometry when that is computed anew. It belongs to the
-/// VdmDbPersIdManager of the block in which the geometry lies, or to a VdmDbObject.
+/// A reference to a subentity of an entity, or to the whole entity, along a path of block
+/// references. Features and constraints hold the id of a dependency and attach themselves to it as
+/// persistent reactors; the host makes the dependency follow its geometry when that is computed
+/// anew. It does not compare or find geometry itself. Its owner is the VdmDbPersIdManager of the
+/// block in which the geometry lies, or, for a constraint, a VdmDbObject.
 ///
 /// Readers raise OdError eNotOpenForRead unless the object is open for read, writers need it open
 /// for write. Writers record for undo what they change and nothing else.
@@ -22,20 +23,21 @@ class VDM_DB_EXPORT VdmDbObjectDependency : public OdDbObject {
   VdmDbObjectDependency();
   ~VdmDbObjectDependency() override;
 
-  /// The path as it stands now; see VdmCompoundObjectId::getFullPathEx. Whatever the result, `path`
-  /// has the ids that were resolved and the subentity.
+  /// The present path; see VdmCompoundObjectId::getFullPathEx. `path` gets the ids that were
+  /// resolved and the subentity, also when the result is not ePathOk.
   vdmu::EVdmPathRes getLinkObject(OdDbFullSubentPath& path, bool openErased) const;
   [[nodiscard]] OdDbFullSubentPath getLinkObject(bool openErased) const;
-  /// Refers to another place from now on. Nothing is recorded for the place it has already.
+  /// Makes it refer to another place. Nothing is recorded when it refers to that place already.
   void setLinkObject(const OdDbFullSubentPath& path);
-  /// Id of the first path element, mostly the entity or its outermost block reference; null when
-  /// the path is empty.
+  /// Id of the first path element: the entity, or its outermost block reference. Null when the
+  /// path is empty.
   [[nodiscard]] OdDbObjectId getInsertId() const;
   [[nodiscard]] const VdmCompoundObjectId& compoundId() const;
   void setCompoundId(const VdmCompoundObjectId& id);
   [[nodiscard]] const OdDbSubentId& subentId() const;
 
-  /// Two numbers for whoever matches geometry, also as properties "entity_tag" and "body_top_hash".
+  /// Two numbers that a host compares when it matches geometry; also the properties "entity_tag"
+  /// and "body_top_hash".
   [[nodiscard]] int entityTag() const;
   void setEntityTag(int tag);
   [[nodiscard]] OdLong bodyHash() const;
@@ -55,8 +57,8 @@ class VDM_DB_EXPORT VdmDbObjectDependency : public OdDbObject {
   /// Lists a clone with its manager.
   void appendToOwner(OdDbIdPair& pair, OdDbObject* owner, OdDbIdMapping& mapping) override;
 
-  /// Rises whenever a dependency of some drawing that stood somewhere begins to stand elsewhere:
-  /// what was found by path before may not hold any longer.
+  /// A number that rises whenever a dependency of any drawing begins to refer to another place.
+  /// Results of look-ups by path are outdated when it has risen.
   [[nodiscard]] static OdUInt64 linkGeneration();
 
   void applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) override;
@@ -70,6 +72,8 @@ class VDM_DB_EXPORT VdmDbObjectDependency : public OdDbObject {
   [[nodiscard]] bool standsAt(const OdDbFullSubentPath& path) const;
   [[nodiscard]] bool needsExtendedForm(const OdDbDwgFiler* filer) const;
   void linkWillChange();
+  /// Raises linkGeneration().
+  void linkIsNoLongerValid() const;
   OdDbDwgFiler* recordStep(UndoStep step);
   void recordLink();
   void setNumber(UndoStep step, OdLong& number, OdLong value);

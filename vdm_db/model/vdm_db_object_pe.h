@@ -10,7 +10,8 @@
 class OdDbDatabase;
 class OdDbObject;
 
-/// Protocol extension of VdmDbObject. Without one entityChanged counts as false.
+/// Protocol extension of VdmDbObject, one object for all model objects. Without one entityChanged
+/// counts as false.
 class VDM_DB_EXPORT VdmDbObjectPE : public OdRxObject {
  public:
   OD_RX_DECLARE_MEMBERS(VdmDbObjectPE)
@@ -20,7 +21,7 @@ class VDM_DB_EXPORT VdmDbObjectPE : public OdRxObject {
   void setIsTransformTrackingEnabled(bool enabled) { m_trackTransforms = enabled; }
 
   /// The entity that the model object `self` shadows was changed or is being erased. True when the
-  /// change matters to the model: whoever depends on the entity is told then.
+  /// change matters to the model: the manager is then notified of it.
   virtual bool entityChanged(OdDbObject* entity, OdDbObjectId self) = 0;
   /// A transform was added to those that wait. The host may change the sum and the flag: false says
   /// that the sum is complete, so that the next transform begins a new one.

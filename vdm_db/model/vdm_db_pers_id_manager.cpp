@@ -1,5 +1,4 @@
-// Persistent id managers: their place, list, record, clones and merging. Remapping is in
-// vdm_db_pers_id_manager_remap.cpp, what model objects know in vdm_db_pers_id_manager_links.cpp.
+// Persistent id managers: their place, list and record.
 #include "vdm_db/model/vdm_db_pers_id_manager.h"
 
 #include "platform/base/error.h"
@@ -10,9 +9,7 @@
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/drawing_utils/vdm_block_utils.h"
 #include "vdm_db/drawing_utils/vdm_dictionary_utils.h"
-#include "vdm_db/drawing_utils/vdm_id_mappings.h"
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"
-#include "vdm_db/model/vdm_db_object.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/model/vdm_db_pers_id_manager_impl.h"
 #include "vdm_db/model/vdm_db_pers_id_manager_pe.h"
@@ -20,34 +17,8 @@
 
 VDM_DEFINE_DB_CLASS(VdmDbPersIdManager, OdDbObject, L"VdmDbPersIdManager", L"VdmDbPersIdManager",
                     L"model data")
-OD_RX_DEFINE_ABSTRACT(VdmDbPersIdManagerPE, OdRxObject, L"VdmDbPersIdManagerPE")
-
-namespace {
-
-constexpr int kBagVersion = 1;
-constexpr const wchar_t* kDependenciesKey = L"deps";
-
-}  // namespace
 
 // ---- State
-
-VdmDbPersIdManagerImpl::VdmDbPersIdManagerImpl() {
-  m_properties.setConfig(VdmProperties::kDropErasedIds);
-  m_properties.setVersion(kBagVersion);
-  m_properties.mapProperty(kDependenciesKey, &dependencies.array(), OdDb::kHardOwnershipRef);
-}
-
-OdResult VdmDbPersIdManagerImpl::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = VdmDbPropertiesBase::dwgInFields(filer);
-  dependencies.replaced();
-  return result;
-}
-
-OdResult VdmDbPersIdManagerImpl::dxfInFields(OdDbDxfFiler* filer) {
-  const OdResult result = VdmDbPropertiesBase::dxfInFields(filer);
-  dependencies.replaced();
-  return result;
-}
 
 VdmDbPersIdManager::VdmDbPersIdManager() : m_impl(std::make_unique<VdmDbPersIdManagerImpl>()) {}
 VdmDbPersIdManager::~VdmDbPersIdManager() = default;
@@ -119,7 +90,7 @@ OdDbObjectIdArray VdmDbPersIdManager::append(const OdDbFullSubentPathArray& path
   return ids;
 }
 
-// External drawings on the way are opened; a path that leads nowhere yet is none of our concern.
+// Resolving a path loads the external drawings on it. A path that does not resolve is no error.
 void VdmDbPersIdManager::openPathsOf(const OdDbObjectIdArray& dependencies) {
   OdDbFullSubentPath path;
   for (const OdDbObjectId& id : dependencies) {
@@ -148,7 +119,7 @@ void VdmDbPersIdManager::removeDependencies(const OdDbObjectIdArray& ids) {
   eraseUnwatched(ids);
 }
 
-// Nobody finds a dependency of the manager that is not listed but whoever watches it.
+// Only its reactors can find a dependency that the manager does not list.
 void VdmDbPersIdManager::eraseUnwatched(const OdDbObjectIdArray& ids) const {
   for (const OdDbObjectId& id : ids) {
     if (id.ownerId() != objectId()) continue;
@@ -194,74 +165,4 @@ void VdmDbPersIdManager::dxfOutFields(OdDbDxfFiler* filer) const {
 
 std::size_t VdmDbPersIdManager::approximateSize() const {
   return OdDbObject::approximateSize() + sizeof(*m_impl) + m_impl->dependencies.approximateSize();
-}
-
-// ---- Cloning
-
-OdDbObjectPtr VdmDbPersIdManager::subDeepClone(OdDbIdMapping& mapping, OdDbObject* owner,
-                                               bool isPrimary) const {
-  const OdDbObjectPtr clone = OdDbObject::subDeepClone(mapping, owner, isPrimary);
-  adoptClones(clone, mapping);
-  return clone;
-}
-
-OdDbObjectPtr VdmDbPersIdManager::subWblockClone(OdDbIdMapping& mapping, OdDbObject* owner,
-                                                 bool isPrimary) const {
-  const OdDbObjectPtr clone = OdDbObject::subWblockClone(mapping, owner, isPrimary);
-  adoptClones(clone, mapping);
-  return clone;
-}
-
-// The clone lists the sources as yet. Those that have clones give way to them, each clone telling
-// that it has come; the others wait for the translation of ids.
-void VdmDbPersIdManager::adoptClones(OdDbObject* clone, OdDbIdMapping& mapping) const {
-  const VdmDbPersIdManagerPtr target = VdmDbPersIdManager::cast(clone);
-  if (target.isNull()) return;
-  const VdmOpenUpgrade upgrade(target);
-  const OdDbObjectIdArray sources = implForRead().dependencies.ids();
-  target->takeOut(target->m_impl->dependencies.positionsOf(sources));
-  for (const OdDbObjectId& source : sources) {
-    OdDbIdPair pair(source);
-    if (!mapping.compute(pair) || !pair.isCloned()) {
-      target->appendIds(OdDbObjectIdArray{source});
-      continue;
-    }
-    const OdDbObjectPtr dependency = pair.value().openObject();
-    if (!dependency.isNull()) dependency->appendToOwner(pair, target, mapping);
-  }
-}
-
-// ---- Merging
-
-void VdmDbPersIdManager::mergeManagers(VdmDbPersIdManager* source, OdDbIdMapping&,
-                                       VdmDbReverseIdMapping& reverse,
-                                       std::unordered_set<OdDbObjectId>& mergedObjects,
-                                       bool keepAll,
-                                       std::map<OdDbObjectId, OdDbObjectId>& replaced) {
-  if (source == nullptr)
-    throw OdError(eNullPointer, L"mergeManagers : Persistent id manager is NULL");
-  if (source == this) return;
-  assertWriteEnabled(/*autoUndo=*/false);
-  source->assertWriteEnabled(/*autoUndo=*/false);
-  const OdDbObjectIdArray ids = source->m_impl->dependencies.ids();
-  const OdDbObjectId block = blockId();
-  OdDbObjectIdArray moved;
-  for (const OdDbObjectId& id : ids) {
-    const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>(OdDb::kForWrite);
-    if (dependency.isNull()) continue;
-    const OdDbObjectId top = dependency->getInsertId();
-    const bool isWanted =
-        keepAll || top.ownerId() == block || reverse.isCloned(top) || dependency->isWatched();
-    if (!isWanted) continue;
-    dependency->setOwnerId(objectId());
-    moved.append(id);
-    if (const VdmDbObjectPtr object = VdmDbObject::openVdmDbObject(top); !object.isNull()) {
-      mergedObjects.insert(object->objectId());
-    }
-  }
-  source->removeDependencies(ids);
-  appendIds(moved);
-  attach(moved);
-  replaced[source->objectId()] = objectId();
-  source->erase();
 }

@@ -18,15 +18,15 @@ class VdmDbPersIdManagerImpl;
 class VdmDbPersIdManagerPE;
 class VdmDbReverseIdMapping;
 
-/// Owns the dependencies on geometry of its block and keeps them up when that is computed anew:
-/// moves, splits, merges and removes them. Which subentity is still the same one is decided behind
-/// VdmDbPersIdManagerPE. Stands under "PERSIDMANAGER" in "VDM_DATABASE" of the block's extension
-/// dictionary.
+/// Owns the dependencies on geometry of its block. When geometry is computed anew it moves, splits,
+/// merges and removes them. It does not decide which subentity is still the same one: the host
+/// does, by its VdmDbPersIdManagerPE. It lies under "PERSIDMANAGER" in "VDM_DATABASE" of the
+/// block's extension dictionary; others find it by getInstance().
 ///
 /// A remapping run is any number of updatePairs() and split(), then finishRemap(), and
-/// finishRemap2() in a second pass. Dependencies that are not listed any more stay in the drawing
-/// as long as a feature watches them: features take their references away in their next update,
-/// which erases them. Those that nobody watches are erased at once, except by removeLink().
+/// finishRemap2() in a second pass. A dependency that is taken out of the list stays in the drawing
+/// while a feature watches it; the feature drops its reference in its next update, which erases the
+/// dependency. Unwatched ones are erased at once, except by removeLink().
 ///
 /// Writers record for undo what they change and nothing else.
 class VDM_DB_EXPORT VdmDbPersIdManager : public OdDbObject {
@@ -50,35 +50,36 @@ class VDM_DB_EXPORT VdmDbPersIdManager : public OdDbObject {
   /// Raises OdError eInvalidInput for arrays of different sizes.
   bool updatePairs(const OdDbObjectIdArray& ids, const OdDbFullSubentPathArray& paths);
   /// A subentity became several: makes a dependency for each path and enters them in `map` as what
-  /// replaces `dependency`. Returns the new ids; `dependency` itself, and nothing is made, for
-  /// fewer than two paths and when nobody watches it; nothing when it is no dependency.
+  /// replaces `dependency`. Returns the new ids. For fewer than two paths, and for an unwatched
+  /// dependency, it makes nothing and returns `dependency` itself; empty when that is no
+  /// dependency.
   OdDbObjectIdArray split(OdDbObjectId dependency, const OdDbFullSubentPathArray& paths,
                           VdmDependenciesReplacementMap& map);
   /// Takes out what `map` says was replaced, makes one of dependencies that have come to mean the
   /// same subentity, and lists all with their model objects. eOk always.
   OdResult finishRemap(VdmDependenciesReplacementMap& map);
-  /// The same for a second pass: dependencies that `map` has already are left alone, and one that
-  /// stands for others is exchanged in their entries.
+  /// The same for a second pass: it leaves dependencies alone that `map` replaces already, and
+  /// where a merged one is a replacement in other entries, it exchanges it there.
   OdResult finishRemap2(VdmDependenciesReplacementMap& map);
   /// Takes out the dependencies on the path, with a tag other than 0 only those that have it. Their
   /// objects stay. True when there were any.
   bool removeLink(const OdDbFullSubentPath& path, OdLong tag);
 
-  /// Dependencies that nobody watches.
+  /// Dependencies without a reactor that opens.
   [[nodiscard]] OdDbObjectIdArray getUnusedDependencies() const;
-  /// Takes the ids out; the objects that nobody watches are erased, so that none is left behind.
+  /// Takes the ids out of the list, and erases the unwatched ones of these objects.
   void removeDependencies(const OdDbObjectIdArray& ids);
   /// Lists a dependency that is in the database and has this owner.
   void onAppendToOwner(VdmDbObjectDependency* dependency);
   /// Lists all dependencies with the model objects of their entities.
   void attachDepsToVdmDbObjects() const;
-  /// Removes what nobody watches, drops ids that lead to nothing, and makes model objects and
-  /// dependencies agree.
+  /// Removes unwatched dependencies, drops ids of objects that do not open, and makes model objects
+  /// and dependencies agree.
   void doAudit();
 
   /// Takes over the dependencies of `source`, which is erased: all with `keepAll`, otherwise those
-  /// that somebody watches, and those whose entities are clones by `reverse` or stand in this
-  /// block; the others are erased. Model objects go to `mergedObjects`, the pair of managers to
+  /// that are watched, and those whose entities are clones by `reverse` or lie in this block; the
+  /// others are erased. Model objects go to `mergedObjects`, the pair of managers to
   /// `replaced`. The arguments are those of the managers' common flow. Raises OdError eNullPointer
   /// for a null source.
   void mergeManagers(VdmDbPersIdManager* source, OdDbIdMapping& mapping,

@@ -82,7 +82,7 @@ void VdmDbPersIdManager::detach(const OdDbObjectIdArray& dependencies) {
   }
 }
 
-// Dependencies that lead to another entity than before change model objects.
+// A dependency that refers to another entity than before is listed with the other model object.
 void VdmDbPersIdManager::relist(const OdDbObjectIdArray& ids,
                                 const OdDbObjectIdArray& entitiesBefore) const {
   OdDbObjectIdArray moved;
@@ -121,8 +121,8 @@ void VdmDbPersIdManager::dropLostIds() {
       [](const OdDbObjectId& id) { return id.openAs<VdmDbObjectDependency>().isNull(); }));
 }
 
-// Each dependency is listed by the model object of its entity by now; what model objects list
-// beyond that is stale.
+// doAudit() has listed each dependency with the model object of its entity. Anything else in those
+// lists is stale.
 void VdmDbPersIdManager::auditModelObjects() const {
   const DependenciesByEntity byEntity(m_impl->dependencies.ids(), /*withErased=*/false);
   for (const auto& group : byEntity.groups()) {

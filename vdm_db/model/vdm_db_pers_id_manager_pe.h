@@ -17,7 +17,7 @@ class VDM_DB_EXPORT VdmDbPersIdManagerPE : public OdRxObject {
  public:
   OD_RX_DECLARE_MEMBERS(VdmDbPersIdManagerPE)
 
-  /// References to `paths` are about to be asked for: the entities have model objects by now.
+  /// findExisting() and createDependencies() follow for `paths`. The entities have model objects.
   virtual void prepareAppend(VdmDbPersIdManager* manager, const OdDbFullSubentPathArray& paths,
                              OdDbDatabase* database) = 0;
   /// Fills `ids` with one id per path, in order: the dependency that there is already, or null.

@@ -1,9 +1,32 @@
 // VdmDbPersIdManager while geometry is computed anew: moving, splitting, merging and removing
 // persistent ids.
+//
+// Features hold ids of dependencies, never places. A remap therefore changes the places of the ids
+// (updatePairs), and writes into the replacement map which ids replace which; it does not touch the
+// features, which exchange their references from the map in the update pass.
+//
+//   updatePairs   gives each dependency its new place
+//   split         makes one dependency for each place of a subentity that became several:
+//                 old -> {new, new, ...}
+//   finishRemap   takes replaced dependencies out of the list, and makes one new dependency for
+//                 each place to which several refer: each of these -> {new}
+//   finishRemap2  merges again what later updates brought together
+//
+// Replacements form chains: when A was split into B and C, and B was then merged with D into E, the
+// map has A -> {B, C}, B -> {E}, D -> {E}. VdmDependenciesReplacementMap::findReplacedWith follows
+// them, and a dependency among its own replacements stays, so rings end. Only the second pass also
+// writes E in place of B into the entry of A, because its callers read single entries.
+//
+// When a pass is done, no replaced dependency is listed (but one among its own replacements), at
+// most one watched dependency without entry refers to each place, and the model object of each
+// listed dependency's entity lists it. Merging makes a new dependency and reuses no member, so that
+// every member is replaced in the same way and the order of the members has no influence on the
+// features. A pass walks the list a few times and resolves each watched path once, with hashed
+// groups: its cost is linear in the number of dependencies.
 #include "vdm_db/model/vdm_db_pers_id_manager.h"
 
-#include <algorithm>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "platform/base/error.h"
@@ -13,7 +36,6 @@
 #include "vdm_db/model/vdm_db_pers_id_manager_pe.h"
 #include "vdm_db/references/vdm_path_hash.h"
 #include "vdm_db/references/vdm_path_utils.h"
-#include "vdm_utils/vdmc_assert.h"
 
 using ReplacementMap = VdmDependenciesReplacementMap;
 
@@ -69,15 +91,13 @@ OdDbObjectIdArray VdmDbPersIdManager::split(OdDbObjectId dependencyId,
                                             ReplacementMap& map) {
   const VdmDbObjectDependencyPtr dependency = dependencyId.openAs<VdmDbObjectDependency>();
   if (dependency.isNull()) return {};
-  OdDbFullSubentPath present;
+  OdDbFullSubentPath present;  // resolving it loads the external drawings on the path
   dependency->getLinkObject(present, /*openErased=*/true);
   if (paths.size() < 2 || !dependency->isWatched()) return {dependencyId};
   OdDbObjectIdArray ids(paths.size());
   for (const OdDbFullSubentPath& path : paths) ids.append(addClone(dependency, path));
   appendIds(ids);
-  if (ids.size() > 1 || ids[0] != dependencyId) {
-    map.append(dependencyId, ReplacementMap::IdSet(ids.begin(), ids.end()));
-  }
+  map.append(dependencyId, ReplacementMap::IdSet(ids.begin(), ids.end()));
   attach(ids);
   return ids;
 }
@@ -109,7 +129,7 @@ OdResult VdmDbPersIdManager::finishRemap2(ReplacementMap& map) {
   return eOk;
 }
 
-// One that replaces itself, among others, stays.
+// A dependency among its own replacements stays.
 OdDbObjectIdArray VdmDbPersIdManager::cleanReplaced(const ReplacementMap& map) {
   OdDbObjectIdArray removed;
   if (map.isEmptyReplacementDeps()) return removed;
@@ -128,8 +148,8 @@ namespace {
 
 using Group = std::vector<OdDbObjectId>;
 
-/// Watched dependencies by what they refer to, in the order of first sight. What lies in an
-/// external drawing that is not there cannot be compared.
+/// Watched dependencies by what they refer to, in the order of first sight. A path into an external
+/// drawing that is not loaded cannot be compared and is left out.
 class EqualDependencies {
  public:
   void add(const OdDbObjectId& id) {
@@ -150,7 +170,7 @@ class EqualDependencies {
   std::unordered_map<OdDbFullSubentPath, std::size_t, VdmPathHash> m_places;
 };
 
-// Which entries of the map each of the ids stands in.
+// The entries of the map in which each id is a replacement.
 using Replaced = std::unordered_map<OdDbObjectId, OdDbObjectIdArray>;
 
 Replaced replacedBy(const ReplacementMap& map) {

@@ -1,4 +1,4 @@
-// Names of model objects: what they are made from, and when what is remembered of them is outdated.
+// Names of model objects: their bases, and the generation of what is remembered of them.
 #pragma once
 
 #include "platform/base/string.h"
@@ -10,7 +10,7 @@ class OdDbEntity;
 /// their block, others by their kind. "Object" for null.
 OdString vdmNameBaseOf(const OdDbEntity* entity);
 
-/// Called by model objects of a drawing whenever a name of theirs changes, by undo and loading,
-/// too. What was remembered under an earlier generation is outdated then.
+/// Model objects of a drawing call it whenever their name changes, also by undo and loading. Names
+/// that were remembered under an earlier generation are then outdated.
 void vdmObjectNamesChanged();
 [[nodiscard]] OdUInt64 vdmObjectNamesGeneration();

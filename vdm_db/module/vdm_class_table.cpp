@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "vdm_db/cloning/vdm_remapping_bracket.h"
+#include "vdm_db/cloning/vdm_remapping_operation_bracket.h"
+#include "vdm_db/concrete_features/vdm_diff_feature.h"
 #include "vdm_db/concrete_features/vdm_group_feature.h"
 #include "vdm_db/concrete_features/vdm_suppress_feature.h"
 #include "vdm_db/constraints/vdm_constraint.h"
@@ -18,6 +19,8 @@
 #include "vdm_db/features/vdm_db_pers_id_reactor.h"
 #include "vdm_db/features/vdm_db_sheet_metal_context_pe.h"
 #include "vdm_db/features/vdm_feature.h"
+#include "vdm_db/features/vdm_feature_color_pe.h"
+#include "vdm_db/features/vdm_feature_external_pe.h"
 #include "vdm_db/features/vdm_feature_pe.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/model/vdm_db_feature_reactor.h"
@@ -42,7 +45,7 @@ constexpr ClassRow rowOf() {
   return {static_cast<void (*)()>(&T::rxInit), &T::rxUninit};
 }
 
-// In the order of registration: each parent stands before its children.
+// In the order of registration: each parent precedes its children.
 constexpr ClassRow kClassRows[] = {
     rowOf<VdmConstraint>(),
     rowOf<VdmDbConstraintManager>(),

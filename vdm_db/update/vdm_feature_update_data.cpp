@@ -60,7 +60,7 @@ void VdmFeatureUpdateData::initReactor(const OdDbObjectId& entity) {
   m_initializedEntities.insert(entity);
   const OdDbObjectId block = object->ownerId();
   const OdDbObjectId constraintManager =
-      VdmDbConstraintManager::getInstanceImpl(block, isFirst, /*link=*/true);
+      VdmDbConstraintManager::getInstance(block, isFirst);
   VdmDbObject::getInstance(entity, constraintManager);
   if (isFirst) VdmDbPersIdManager::getInstance(block, /*create=*/true);
 }

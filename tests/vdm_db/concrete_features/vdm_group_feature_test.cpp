@@ -1,6 +1,7 @@
 // Groups of entities, and the ones that switch theirs off.
 #include "platform/db/layer_table.h"
 #include "tests/vdm_db/features/feature_testing.h"
+#include "vdm_db/concrete_features/vdm_diff_feature.h"
 #include "vdm_db/concrete_features/vdm_suppress_feature.h"
 
 namespace {

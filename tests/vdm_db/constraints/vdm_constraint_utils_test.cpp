@@ -1,5 +1,7 @@
 // Utilities around constraint managers: names, cleaning up, what is there.
 #include "vdm_db/constraints/vdm_constraint_utils.h"
+#include "vdm_db/constraints/vdm_constraint_cleanup.h"
+#include "vdm_db/constraints/vdm_constraint_names.h"
 
 #include "tests/vdm_db/constraints/constraint_testing.h"
 

@@ -12,8 +12,8 @@
 #include "vdm_db/feature_display/vdm_db_3d_solid_feature_coloring.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_feature.h"
+#include "vdm_db/features/vdm_feature_color_pe.h"
 #include "vdm_db/features/vdm_feature_colors.h"
-#include "vdm_db/features/vdm_feature_pe.h"
 
 namespace {
 

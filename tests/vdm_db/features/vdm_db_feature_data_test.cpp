@@ -5,6 +5,7 @@
 #include "tests/support/dump_drawing.h"
 #include "tests/vdm_db/features/feature_testing.h"
 #include "vdm_db/features/vdm_db_sheet_metal_context_pe.h"
+#include "vdm_db/features/vdm_feature_external_pe.h"
 #include "vdm_db/features/vdm_feature_pe.h"
 #include "vdm_db/features/vdm_feature_results.h"
 

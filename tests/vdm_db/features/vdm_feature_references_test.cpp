@@ -1,9 +1,9 @@
 // Tests of the references of features: masks and tags, loss, changes, transactions.
 #include "tests/vdm_db/features/feature_testing.h"
 #include "vdm_db/features/vdm_db_feature_manager_transaction.h"
+#include "vdm_db/features/vdm_feature_color_pe.h"
 #include "vdm_db/features/vdm_feature_colors.h"
 #include "vdm_db/features/vdm_feature_manager_utils.h"
-#include "vdm_db/features/vdm_feature_pe.h"
 #include "vdm_db/features/vdm_feature_results.h"
 
 class VdmFeatureReferences : public FeatureTest {

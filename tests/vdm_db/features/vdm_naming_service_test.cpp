@@ -2,8 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "tests/vdm_db/features/feature_testing.h"
-#include "vdm_db/cloning/vdm_remapping_bracket.h"
-#include "vdm_db/drawing_utils/vdm_id_mappings.h"
+#include "vdm_db/cloning/vdm_remapping_operation_bracket.h"
+#include "vdm_db/drawing_utils/vdm_db_id_mapping.h"
+#include "vdm_db/drawing_utils/vdm_db_reverse_id_mapping.h"
 #include "vdm_db/features/vdm_db_naming_policy_pe.h"
 #include "vdm_db/features/vdm_naming_service.h"
 

@@ -3,7 +3,7 @@
 
 #include "platform/cloning/id_mapping.h"
 #include "tests/support/model_testing.h"
-#include "vdm_db/drawing_utils/vdm_id_mappings.h"
+#include "vdm_db/drawing_utils/vdm_db_reverse_id_mapping.h"
 
 namespace {
 

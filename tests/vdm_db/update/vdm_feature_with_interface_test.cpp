@@ -2,7 +2,7 @@
 #include "tests/vdm_db/update/update_testing.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 #include "vdm_db/drawing_utils/vdm_block_utils.h"
-#include "vdm_db/drawing_utils/vdm_id_mappings.h"
+#include "vdm_db/drawing_utils/vdm_db_reverse_id_mapping.h"
 #include "vdm_db/features/vdm_feature_manager_utils.h"
 #include "vdm_db/model/vdm_db_object.h"
 

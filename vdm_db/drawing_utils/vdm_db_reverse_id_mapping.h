@@ -1,25 +1,11 @@
-// VdmDbIdMapping and VdmDbReverseIdMapping: look-ups that cloning needs beside OdDbIdMapping.
+// VdmDbReverseIdMapping: from clones back to their sources.
 #pragma once
 
-#include <unordered_map>
 #include <vector>
 
 #include "platform/cloning/id_mapping.h"
 #include "platform/filer/object_id.h"
 #include "vdm_db/common/vdm_db_export.h"
-#include "vdm_db/common/vdm_object_id_hash.h"
-
-/// From one id to another, such as from a block to its clone.
-class VDM_DB_EXPORT VdmDbIdMapping {
- public:
-  /// False, with the first value kept, when the key is there.
-  bool add(OdDbObjectId key, OdDbObjectId value);
-  /// Null without the key.
-  [[nodiscard]] OdDbObjectId find(OdDbObjectId key) const;
-
- private:
-  std::unordered_map<OdDbObjectId, OdDbObjectId, vdmu::OdDbObjectIdHash> m_values;
-};
 
 /// From clones back to their sources: the pairs of a mapping as it was when this was made.
 class VDM_DB_EXPORT VdmDbReverseIdMapping {

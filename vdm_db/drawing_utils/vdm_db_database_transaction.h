@@ -14,8 +14,8 @@ class OdDbDatabase;
 /// Neither leaves an undo or redo step of what it rolls back. Undo steps need undo recording:
 /// without it nothing is rolled back.
 ///
-/// With `keepViewport` a rollback leaves rectangle and view of the active viewport as they are at
-/// the end: the user who looked around meanwhile goes on looking there.
+/// With `keepViewport` a rollback keeps the rectangle and the view that the active viewport has at
+/// the end, so that the picture does not jump.
 class VDM_DB_EXPORT VdmDbDatabaseTransaction {
  public:
   VdmDbDatabaseTransaction(OdDbDatabase* database, bool keepViewport, bool useUndo);

@@ -1,5 +1,5 @@
 // VdmDbDatabaseTransaction: guard that rolls a drawing back.
-#include "vdm_db/drawing_utils/vdm_database_transaction.h"
+#include "vdm_db/drawing_utils/vdm_db_database_transaction.h"
 
 #include "platform/base/error.h"
 #include "platform/db/block_table_record.h"
@@ -7,6 +7,7 @@
 #include "platform/entities/viewport.h"
 #include "vdm_db/drawing_utils/undo_recording_off.h"
 #include "vdm_db/drawing_utils/vdm_iterator_utils.h"
+#include "vdm_db/drawing_utils/vdm_object_id_class.h"
 #include "vdm_utils/vdmc_assert.h"
 
 namespace {
@@ -19,7 +20,7 @@ OdDbObjectId activeViewport(const OdDbDatabase* database) {
   const OdDbBlockTableRecordPtr paper = database->getPaperSpaceId().openAs<OdDbBlockTableRecord>();
   if (paper.isNull()) return active;
   for (const OdDbObjectIteratorPtr it = paper->newIterator(); !it->done(); it->step()) {
-    if (!it->objectId().objectClass()->isDerivedFrom(OdDbViewport::desc())) continue;
+    if (!vdmu::isIdOf<OdDbViewport>(it->objectId())) continue;
     const OdDbViewportPtr viewport = vdmu::getPtrFromIterator<OdDbViewport>(it);
     if (viewport.isNull() || !viewport->isOn() || viewport->number() <= 0) continue;
     if (!active.isNull() && viewport->number() >= least) continue;
@@ -64,8 +65,8 @@ class KeptViewport {
   OdDbViewportPtr m_copy;  // in no database
 };
 
-// Takes back the steps behind the first `keep` ones, without a way to bring them again. Undoing
-// when there are none would take a step that was there before.
+// Undoes all steps after the first `keep` ones, and records nothing that redo could repeat. It
+// counts before each step, because undoing once more would take back a step of the time before.
 void undoSteps(OdDbDatabase* database, OdUInt32 keep) {
   const UndoRecordingOff off(database);
   while (database->numUndoSteps() > keep && database->undo() == eOk) {

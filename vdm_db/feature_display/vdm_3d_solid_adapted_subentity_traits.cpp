@@ -1,5 +1,5 @@
 // The drawing context of a solid with feature colours: the real one, with other colours for faces.
-#include "vdm_db/feature_display/vdm_3d_solid_adapted_draw.h"
+#include "vdm_db/feature_display/vdm_3d_solid_adapted_subentity_traits.h"
 
 #include "platform/modeler/db_3d_solid.h"
 #include "vdm_db/feature_display/vdm_db_3d_solid_draw_overrule.h"

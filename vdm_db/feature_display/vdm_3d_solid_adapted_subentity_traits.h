@@ -1,8 +1,8 @@
-// The drawing context of a solid with feature colours: the real one, with other colours for faces.
+// Vdm3dSolidAdaptedSubentityTraits: traits that draw faces in the colours of features.
 #pragma once
 
 #include "platform/db/subent.h"
-#include "platform/gi/world_draw.h"
+#include "platform/gi/sub_entity_traits.h"
 #include "vdm_db/model/vdm_db_object.h"
 
 class OdDb3dSolid;
@@ -47,22 +47,4 @@ class Vdm3dSolidAdaptedSubentityTraits : public OdGiSubEntityTraits {
   OdDbObjectId m_material;
   OdDbObjectId m_featureColorMaterial;
   OdSmartPtr<VdmDbObject> m_model;  // knows the persistent references into the solid; may be null
-};
-
-/// A context around another one that differs in its traits alone.
-class Vdm3dSolidAdaptedWorldDraw : public OdGiWorldDraw {
- public:
-  Vdm3dSolidAdaptedWorldDraw(OdGiWorldDraw& context, const OdDb3dSolid* solid,
-                             const OdDbObjectId& featureColorMaterial)
-      : m_context(context), m_traits(context.subEntityTraits(), solid, featureColorMaterial) {}
-
-  [[nodiscard]] OdGiContext* context() const override { return m_context.context(); }
-  [[nodiscard]] OdGiRegenType regenType() const override { return m_context.regenType(); }
-  [[nodiscard]] OdGiWorldGeometry& geometry() const override { return m_context.geometry(); }
-  [[nodiscard]] OdGiSubEntityTraits& subEntityTraits() const override { return m_traits; }
-  [[nodiscard]] double deviation() const override { return m_context.deviation(); }
-
- private:
-  OdGiWorldDraw& m_context;
-  mutable OdStaticRxObject<Vdm3dSolidAdaptedSubentityTraits> m_traits;
 };

@@ -1,5 +1,5 @@
 // Tests of the guard that rolls a drawing back.
-#include "vdm_db/drawing_utils/vdm_database_transaction.h"
+#include "vdm_db/drawing_utils/vdm_db_database_transaction.h"
 
 #include "platform/entities/viewport.h"
 #include "tests/support/reference_testing.h"

@@ -8,8 +8,8 @@
 
 namespace vdmu {
 
-/// An interface without operations: the module that remaps derives a class from it, under the name
-/// "VdmRemappingOperationBracketImpl", and does its work when an object of that is made and goes.
+/// An interface without operations. The module that remaps derives a class from it, registers it
+/// under the name "VdmRemappingOperationBracketImpl", and works in its constructor and destructor.
 class VDM_DB_EXPORT VdmRemappingOperationBracket : public OdRxObject {
  public:
   OD_RX_DECLARE_MEMBERS(VdmRemappingOperationBracket)

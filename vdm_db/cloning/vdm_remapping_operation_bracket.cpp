@@ -1,5 +1,5 @@
 // The bracket of remapping operations.
-#include "vdm_db/cloning/vdm_remapping_bracket.h"
+#include "vdm_db/cloning/vdm_remapping_operation_bracket.h"
 
 namespace vdmu {
 

@@ -1,16 +1,7 @@
-// Look-ups beside OdDbIdMapping.
-#include "vdm_db/drawing_utils/vdm_id_mappings.h"
+// From clones back to their sources.
+#include "vdm_db/drawing_utils/vdm_db_reverse_id_mapping.h"
 
 #include <algorithm>
-
-bool VdmDbIdMapping::add(OdDbObjectId key, OdDbObjectId value) {
-  return m_values.emplace(key, value).second;
-}
-
-OdDbObjectId VdmDbIdMapping::find(OdDbObjectId key) const {
-  const auto found = m_values.find(key);
-  return found == m_values.end() ? OdDbObjectId::kNull : found->second;
-}
 
 VdmDbReverseIdMapping::VdmDbReverseIdMapping(OdDbIdMapping& mapping) {
   const OdDbIdMappingIterPtr it = mapping.newIterator();
