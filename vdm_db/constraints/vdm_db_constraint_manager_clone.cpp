@@ -1,5 +1,5 @@
 // Constraint managers: which model objects a clone takes along.
-#include "platform/db/id_mapping.h"
+#include "platform/cloning/id_mapping.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 #include "vdm_db/model/vdm_db_object.h"
 

@@ -1,6 +1,6 @@
 // Persistent id managers: clones, and the merging of managers.
 #include "platform/base/error.h"
-#include "platform/db/id_mapping.h"
+#include "platform/cloning/id_mapping.h"
 #include "vdm_db/drawing_utils/vdm_db_reverse_id_mapping.h"
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 #include "vdm_db/model/vdm_db_object.h"
