@@ -18,6 +18,9 @@ struct OdStringEdit {
     return allocate(length, sizeof(wchar_t), OdString::kWideBit);
   }
 
+  // Memory from std::malloc; raises OdError(eOutOfMemory).
+  static void* allocateBlock(std::size_t bytes);
+
   // From characters that are known to be ASCII.
   static OdString fromAscii(std::string_view text);
   // From any characters: picks the form, and replaces what is no string character.

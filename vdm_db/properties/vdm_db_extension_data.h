@@ -1,8 +1,6 @@
 // VdmDbExtensionData: a filed object that carries bytes too large for extended data.
 #pragma once
 
-#include <cstddef>
-
 #include "platform/db/db_object.h"
 #include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/properties/vdm_db_properties_base.h"
@@ -46,8 +44,7 @@ class VDM_DB_EXPORT VdmDbExtensionData : public OdDbObject {
   VdmProperties& bagForChange(const OdString& key);
   void recordProperty(const OdString& key);
 
-  VdmDbExtensionDataImpl* m_impl;  // lies in the storage: one allocation and one cache miss less
-  alignas(VdmDbExtensionDataImpl) std::byte m_storage[sizeof(VdmDbExtensionDataImpl)];
+  VdmDbExtensionDataImpl m_impl;
 };
 using VdmDbExtensionDataPtr = OdSmartPtr<VdmDbExtensionData>;
 

@@ -29,28 +29,15 @@
 #include "vdm_db/properties/vdm_properties.h"
 #include "vdm_db/properties/vdm_property_encoding.h"
 #include "vdm_db/properties/vdm_property_shape.h"
+#include "vdm_db/properties/vdm_property_type_rows.h"
 #include "vdm_db/properties/vdm_trans_dwg_filer.h"
 #include "vdm_utils/vdmc_assert.h"
 
-// Made in vdm_property_data.cpp alone: a copy made here would take the narrower visibility of its
-// type argument and hide the exported one.
-extern template struct VdmPropertyEncoding<VdmArray<VdmPropertyDataPtr>>;
-extern template struct VdmPropertyEncoding<VdmArray<OdString>>;
-extern template struct VdmPropertyEncoding<VdmArray<OdLong>>;
-extern template struct VdmPropertyEncoding<VdmArray<double>>;
-extern template struct VdmPropertyEncoding<VdmArray<bool>>;
-extern template struct VdmPropertyEncoding<VdmArray<signed char>>;
-extern template struct VdmPropertyEncoding<VdmArray<OdDbHandle>>;
-extern template struct VdmPropertyEncoding<VdmArray<OdDbTypedId>>;
-extern template struct VdmPropertyEncoding<VdmArray<VdmBlob>>;
-extern template struct VdmPropertyEncoding<OdString>;
-extern template struct VdmPropertyEncoding<OdLong>;
-extern template struct VdmPropertyEncoding<double>;
-extern template struct VdmPropertyEncoding<bool>;
-extern template struct VdmPropertyEncoding<signed char>;
-extern template struct VdmPropertyEncoding<OdDbHandle>;
-extern template struct VdmPropertyEncoding<OdDbTypedId>;
-extern template struct VdmPropertyEncoding<VdmBlob>;
+// Made in vdm_property_encoding.cpp alone: a copy made here would take the narrower visibility of
+// its type argument and hide the exported one.
+#define VDM_DECLARE_ENCODING(T) extern template struct VdmPropertyEncoding<T>;
+VDM_SINGLE_AND_ARRAY_TYPE_ROWS(VDM_DECLARE_ENCODING)
+#undef VDM_DECLARE_ENCODING
 
 namespace {
 

@@ -7,6 +7,7 @@
 #include "platform/base/error.h"
 #include "platform/filer/dwg_filer.h"
 #include "vdm_db/properties/vdm_property_data.h"
+#include "vdm_db/properties/vdm_property_type_rows.h"
 
 // One level of values within values; raises OdError with the code beyond the limit.
 class VdmNestingGuard {
@@ -213,17 +214,9 @@ VdmPropertyData* vdmMakeByNumber(OdInt8 number, Make make) {
 }
 
 // In one source for each key type.
-#define VDM_INSTANTIATE_MAP(K, V) template struct VDM_DB_EXPORT VdmPropertyEncoding<std::map<K, V>>;
+#define VDM_INSTANTIATE_MAP(V, K) template struct VDM_DB_EXPORT VdmPropertyEncoding<std::map<K, V>>;
 #define VDM_INSTANTIATE_MAPS(K)                                           \
-  VDM_INSTANTIATE_MAP(K, VdmPropertyDataPtr)                              \
-  VDM_INSTANTIATE_MAP(K, OdString)                                        \
-  VDM_INSTANTIATE_MAP(K, OdLong)                                          \
-  VDM_INSTANTIATE_MAP(K, double)                                          \
-  VDM_INSTANTIATE_MAP(K, bool)                                            \
-  VDM_INSTANTIATE_MAP(K, signed char)                                     \
-  VDM_INSTANTIATE_MAP(K, OdDbHandle)                                      \
-  VDM_INSTANTIATE_MAP(K, OdDbTypedId)                                     \
-  VDM_INSTANTIATE_MAP(K, VdmBlob)                                         \
+  VDM_ELEMENT_TYPE_ROWS(VDM_INSTANTIATE_MAP, K)                           \
   template <>                                                             \
   VdmPropertyData* vdmMakeMap<K>(OdInt8 valueType) {                      \
     return vdmMakeByNumber(valueType, []<class V>() -> VdmPropertyData* { \
