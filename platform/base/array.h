@@ -128,7 +128,7 @@ class OdArray {
   void setAt(size_type index, const T& value) {
     if (Buffer::isShared(m_data)) {
       checkIndex(index);
-      T copy(value);  // may be an element of the buffer that goes
+      T copy(value);  // may be an element of the buffer that is dropped
       (*this)[index] = std::move(copy);
       return;
     }

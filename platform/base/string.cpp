@@ -3,7 +3,7 @@
 // Each text has one form that its characters decide: narrow (one byte a character) when all are
 // ASCII, else wide. The form is a function of the text, so that equal texts have equal bytes,
 // comparing two of them is one memcmp, and hashing needs no decoding. The other form is made when a
-// caller asks for it: the pointer `otherForm` of the buffer goes from null to that form once, by
+// caller asks for it: the pointer `otherForm` of the buffer changes from null to that form once, by
 // compare-and-exchange, and stays until the buffer is changed in place (which needs the only
 // reference) or destroyed. Two threads that make it at the same time agree on the form that was
 // published first. A request costs one pass over the text the first time and a load afterwards.

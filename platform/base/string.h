@@ -136,7 +136,7 @@ class OD_API OdString {
   int replace(const OdString& oldText, const OdString& newText);
   int replace(wchar_t oldCharacter, wchar_t newCharacter);
   int remove(wchar_t character);
-  // Without an argument white space goes.
+  // Removes the given characters; without an argument white space.
   OdString& trimLeft();
   OdString& trimLeft(const OdString& characters);
   OdString& trimRight();

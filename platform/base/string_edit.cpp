@@ -104,16 +104,16 @@ bool isSpace(wchar_t ch) noexcept {
 }
 
 template <class Predicate>
-OdString trimmedLeft(const OdString& text, Predicate goes) {
+OdString trimmedLeft(const OdString& text, Predicate isTrimmed) {
   int first = 0;
-  while (first < text.getLength() && goes(text.getAt(first))) ++first;
+  while (first < text.getLength() && isTrimmed(text.getAt(first))) ++first;
   return text.mid(first);
 }
 
 template <class Predicate>
-OdString trimmedRight(const OdString& text, Predicate goes) {
+OdString trimmedRight(const OdString& text, Predicate isTrimmed) {
   int end = text.getLength();
-  while (end > 0 && goes(text.getAt(end - 1))) --end;
+  while (end > 0 && isTrimmed(text.getAt(end - 1))) --end;
   return text.left(end);
 }
 

@@ -11,8 +11,8 @@ struct OdStringEdit {
   using Buffer = OdString::Buffer;
   static constexpr std::size_t kMaxLength = (std::size_t{1} << 30) - 1;
 
-  // A buffer for one reference, with the length set and the characters still to be written; the
-  // null character stands. The length is not 0.
+  // A buffer for one reference, with the length set and the characters still to be written;
+  // the null character after them is there. The length is not 0.
   static Buffer* allocateNarrow(std::size_t length) { return allocate(length, sizeof(char), 0); }
   static Buffer* allocateWide(std::size_t length) {
     return allocate(length, sizeof(wchar_t), OdString::kWideBit);

@@ -65,7 +65,7 @@ void OdRxClassRegistry::dropAsProtocol(const OdRxClass* rxClass,
 }
 
 void OdRxClassRegistry::remove(OdRxClass* rxClass) {
-  // What goes is released after the lock, for it runs code of others.
+  // Extensions and overrules are released after the lock, since that runs code of others.
   std::vector<OdRxObjectPtr> extensions;
   std::vector<OdRxOverrule*> overrules;
   {

@@ -50,18 +50,18 @@ class OD_API OdRxClass : public OdRxObject {
   // ---- Protocol extensions. The class holds a reference of each; one with static lifetime has to
   // be detached before it ends.
 
-  // Attaches an extension for a protocol; the one that stood there before is returned. Raises
+  // Attaches an extension for a protocol; the one that it replaces is returned. Raises
   // OdError(eInvalidInput) for null arguments and eWrongObjectType when the extension is not of the
   // protocol's class, since queryX hands it out as that.
   OdRxObjectPtr addX(const OdRxClass* protocol, OdRxObject* extension);
-  // Detaches; the extension that stood there, or null.
+  // Detaches and returns the extension; null when there is none.
   OdRxObjectPtr delX(const OdRxClass* protocol);
   // The extension attached to this class, or to the nearest class above it; null without one.
   OdRxObjectPtr getX(const OdRxClass* protocol) const;
   // Of this class alone.
   OdRxObjectPtr getXLocal(const OdRxClass* protocol) const;
 
-  // What newOdRxClass was told.
+  // The arguments of newOdRxClass.
   struct Row {
     OdString name{};
     OdRxClass* parent = nullptr;
@@ -114,7 +114,7 @@ OD_API OdRxClass* newOdRxClass(const OdString& name, OdRxClass* parent,
 // while classes derived from it are registered: a parent outlives its children.
 OD_API void deleteOdRxClass(OdRxClass* rxClass);
 
-// Names the variable that holds the class for its desc(): it is set to null when the class goes.
+// Names the variable that holds the class for its desc(): deleteOdRxClass sets it to null.
 OD_API void odrxSetClassHolder(OdRxClass* rxClass, OdRxClass** holder);
 
 // All registered classes.

@@ -20,7 +20,7 @@ class OD_API OdStreamBuf : public OdRxObject {
   virtual OdUInt64 tell() const = 0;
   virtual OdUInt64 length() const = 0;
   // Moves the position and returns it. Raises OdError(eInvalidInput), and stays, for a position
-  // before the start; OdError(eEndOfStream) for one behind the end.
+  // before the start; OdError(eEndOfStream) for one after the end.
   virtual OdUInt64 seek(OdInt64 offset, OdDb::FilerSeekType whence) = 0;
   void rewind() { seek(0, OdDb::kSeekFromStart); }
 
@@ -51,8 +51,8 @@ class OD_API OdMemoryStream : public OdStreamBuf {
 };
 using OdMemoryStreamPtr = OdSmartPtr<OdMemoryStream>;
 
-// A stream over memory of somebody else, which must outlive it. Its length is fixed; truncate()
-// raises OdError(eNotImplementedForClass).
+// A stream over memory that the caller owns and that must outlive it. Its length is fixed;
+// truncate() raises OdError(eNotImplementedForClass).
 class OD_API OdFlatMemStream : public OdStreamBuf {
   OD_RX_DECLARE_MEMBERS(OdFlatMemStream)
 

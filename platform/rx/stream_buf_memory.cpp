@@ -1,4 +1,4 @@
-// Streams over memory: one that grows, one over memory of somebody else.
+// Streams over memory: one that grows, one over memory that the caller owns.
 #include <algorithm>
 #include <cstring>
 #include <string>

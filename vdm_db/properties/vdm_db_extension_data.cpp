@@ -1,4 +1,4 @@
-// Extension data objects and how they hang on their hosts.
+// Extension data objects and how their hosts own them.
 #include "vdm_db/properties/vdm_db_extension_data.h"
 
 #include "platform/base/error.h"
@@ -22,7 +22,7 @@ VdmProperties& VdmDbExtensionData::propertiesForWrite() {
   return m_impl.properties();
 }
 
-// ---- Partial undo: the key (wrString), then what stood under it
+// ---- Partial undo: the key (wrString), then its value before the change
 
 VdmProperties& VdmDbExtensionData::bagForChange(const OdString& key) {
   assertWriteEnabled(/*autoUndo=*/false);

@@ -8,7 +8,7 @@
 // The bag of an extension data object.
 class VDM_DB_EXPORT VdmDbExtensionDataImpl : public VdmDbPropertiesBase {};
 
-// Stands under the key "VDM_DB" in the extension dictionary of the object that it extends. Its bag
+// Listed under the key "VDM_DB" in the extension dictionary of the object that it extends. Its bag
 // holds blobs: under "VDM_DB" the flat form of a large property bag, under "VDM_OBJECT" a
 // serialised object (vdm_serialized_object.h). Its record has no version of its own.
 class VDM_DB_EXPORT VdmDbExtensionData : public OdDbObject {
@@ -52,7 +52,7 @@ using VdmDbExtensionDataPtr = OdSmartPtr<VdmDbExtensionData>;
 namespace vdmu {
 
 // Creates the extension dictionary and the extension data as needed; the host is open for write and
-// in a database. Raises OdError(eWrongObjectType) when another class's object stands in their
+// in a database. Raises OdError(eWrongObjectType) when an object of another class is in their
 // place.
 VDM_DB_EXPORT void storeExtensionBytes(OdDbObject* host, const OdString& key, const VdmBlob& bytes);
 // False when there are none.

@@ -46,7 +46,7 @@ class VDM_DB_EXPORT VdmFlatFiler : public OdStaticRxObject<OdDbDwgFiler> {
   // All bytes of the stream; the position is at the end afterwards.
   std::vector<char> getBinaryData();
   unsigned int getBinaryDataSize() const;
-  // Hangs the bytes behind the last record of the chain, as one record of code 1004. Nothing
+  // Appends the bytes to the chain as one record of code 1004. Nothing
   // happens when `rb` is null or there are kMaxChunkSize bytes or more.
   void appendToResBuf(OdResBuf* rb);
   OdStreamBuf& io() const { return *m_stream; }

@@ -24,7 +24,7 @@ struct VdmPropertyShapeStep;
 
 // Properties in key order (case-sensitive, by characters), with a configuration word and a format
 // version. Values are objects that can be shared by pointer (VdmPropertyData); the bag makes the
-// object of a plain value or an array only when somebody asks for its pointer. A bag that holds
+// object of a plain value or an array only when a caller asks for its pointer. A bag that holds
 // mappings is a member of the object it maps. A bag follows the open state of its owner and belongs
 // to one thread at a time. It must not outlive the module.
 //
@@ -98,8 +98,8 @@ class VDM_DB_EXPORT VdmProperties {
 
   // ---- Mapping of members. True always.
   //
-  // A value that stands under the key flows into the variable (or to the setter) when its type is
-  // T; the key then refers to the variable, in either case.
+  // A value under the key is copied into the variable (or passed to the setter) when its type is T.
+  // In either case the key then refers to the variable.
 
   template <VdmPropertyValue T>
   bool mapProperty(const OdString& key, T* variable);
@@ -117,7 +117,7 @@ class VDM_DB_EXPORT VdmProperties {
   // other value is left alone.
   void setReferenceType(const OdString& key, OdDb::ReferenceType type);
 
-  // ---- Filing; the form is told in vdm_properties_wire.cpp
+  // ---- Filing; vdm_properties_wire.cpp gives the form
 
   void dwgOutFields(OdDbDwgFiler* filer) const;
   // Keeps mapped properties, which are filled in place, and drops all others first. 1 for a version
@@ -159,7 +159,7 @@ class VDM_DB_EXPORT VdmProperties {
   void boxAll() const;
   template <class T, class SlotOf>
   void putValue(const T& value, SlotOf slotOf);
-  // Takes over the mapping, in place of what stood under the key.
+  // Takes over the mapping, in place of the key's value.
   void mapTo(const OdString& key, VdmPropertyData* mapping);
 
   const VdmPropertyShape* m_shape = nullptr;

@@ -135,8 +135,16 @@ void VdmProperties::dwgOutFields(OdDbDwgFiler* filer) const {
 
 // ---- Reading
 
-// Values may be behind setters, which may change the bag: a slot is looked up for each entry, and
-// a value is held while it is read.
+// Reading one bag from a stream. Mapped properties keep their mappings and are filled in place; all
+// others are dropped first and made anew. A setter of a mapping may change the bag while it is
+// read, so nothing is remembered across entries: each entry finds its slot by its key, and a boxed
+// value is held by a pointer of its own while it is read.
+//
+// Bags of a drawing are mostly alike, so the reader follows the steps that the last bag of this
+// kind took: while the keys arrive as expected, an entry costs one comparison of a key and no
+// look-up. Texts and arrays of numbers from a drawing file stay packed bytes until they are asked
+// for. Counts are compared with the bytes that are left; what is read before an error stays in the
+// bag.
 class VdmPropertiesReader {
  public:
   VdmPropertiesReader(VdmProperties& bag, OdDbDwgFiler* filer)
@@ -171,8 +179,8 @@ class VdmPropertiesReader {
   static constexpr OdUInt32 kMinEntryBytes = 2;
   // A count that the filer cannot check reserves no more than this.
   static constexpr OdUInt32 kMaxReserve = 1024;
-  // Of a longer value the bytes that stay behind once it is asked for would weigh more than what an
-  // object of its own costs.
+  // The packed bytes of a longer value, which stay in the block after it is asked for, would weigh
+  // more than an object of its own costs.
   static constexpr OdUInt32 kMaxPackedBytes = 512;
 
   void dropUnmapped() {

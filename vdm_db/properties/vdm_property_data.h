@@ -47,7 +47,7 @@ class VDM_DB_EXPORT VdmPropertyData {
   // A new container from what writeToDwg wrote; null for an unknown type. Raises
   // OdError(eCorruptData) when values nest deeper than kMaxNesting.
   static VdmPropertyDataPtr createFromDwg(OdDbDwgFiler* filer, int config);
-  // The same behind a type byte that was read.
+  // The same after the type byte was read.
   static VdmPropertyDataPtr createFromDwg(OdDbDwgFiler* filer, int config, OdInt8 type);
 
   // What follows the type byte.
@@ -84,6 +84,8 @@ class VDM_DB_EXPORT VdmPropertyData {
   friend class VdmPropertyConcreteData;
   template <class T>
   friend VdmPropertyConcreteData<T>* vdmPropertyCast(VdmPropertyData* data) noexcept;
+  template <class T>
+  friend const VdmPropertyConcreteData<T>* vdmPropertyCast(const VdmPropertyData* data) noexcept;
 
   VdmPropertyData(Type type, OdUInt32 signature) noexcept : m_type(type), m_signature(signature) {}
 
@@ -100,7 +102,8 @@ VdmPropertyConcreteData<T>* vdmPropertyCast(VdmPropertyData* data) noexcept {
 }
 template <class T>
 const VdmPropertyConcreteData<T>* vdmPropertyCast(const VdmPropertyData* data) noexcept {
-  return vdmPropertyCast<T>(const_cast<VdmPropertyData*>(data));
+  if (data == nullptr || data->m_signature != VdmPropertyTypeInfo<T>::kSignature) return nullptr;
+  return static_cast<const VdmPropertyConcreteData<T>*>(data);
 }
 
 #include "vdm_db/properties/vdm_property_concrete_data.h"

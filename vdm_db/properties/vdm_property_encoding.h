@@ -18,7 +18,7 @@ class VdmNestingGuard {
   VdmNestingGuard& operator=(const VdmNestingGuard&) = delete;
 };
 
-// Reports a type of the stream that is not the expected one; `line` tells the place.
+// Reports a type of the stream that is not the expected one; `line` names the place.
 void vdmReportWrongType(const char* expectation, int line);
 
 // True for an id that a file is not to keep: config asks for it and the object is erased.
@@ -103,7 +103,7 @@ struct VdmValueEncoding<OdArray<E, A>> {
   static void read(OdDbDwgFiler* filer, Array& value, int config) {
     readElements(filer, value, filer->rdCount(VdmElementEncoding<E>::kMinBytes), config);
   }
-  // The elements behind a count that was checked.
+  // The elements that follow a count that was checked.
   static void readElements(OdDbDwgFiler* filer, Array& value, OdUInt32 count, int config) {
     Array fresh;
     fresh.reserve(std::min(count, kMaxReserve));

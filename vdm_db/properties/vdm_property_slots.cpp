@@ -1,4 +1,4 @@
-// Memory and values of the slots of a property bag.
+// Memory and values of the slots of a property bag; their invariants are listed in the header.
 #include "vdm_db/properties/vdm_property_slots.h"
 
 #include <algorithm>
@@ -65,7 +65,7 @@ void VdmPropertySlots::eraseFilling(OdUInt32 slot) noexcept {
 }
 
 void VdmPropertySlots::clear() noexcept {
-  // A value that goes may reach back to the bag: it finds no slot any more.
+  // A value may reach back to the bag as it ends: it finds no slot any more.
   const OdUInt32 size = std::exchange(m_size, 0);
   for (OdUInt32 slot = 0; slot < size; ++slot) dropValue(slot);
 }
@@ -78,7 +78,7 @@ void VdmPropertySlots::dropValue(OdUInt32 slot) noexcept {
     object<OdString>(slot).~OdString();
   } else if ((dropped & (kArray | kMapped | kPacked)) == kArray) {
     vdmVisitElementType(static_cast<VdmPropertyType>(dropped & kTypeMask), [&]<class E>() {
-      // Elements that go may reach back to the bag, too: the array leaves the slot first.
+      // Elements may reach back to the bag as they end, too: the array leaves the slot first.
       const VdmArray<E> array(std::move(object<VdmArray<E>>(slot)));
     });
   }

@@ -1,4 +1,4 @@
-// TransDwgFiler: field code of streams, spoken through groups of a DXF filer.
+// TransDwgFiler: code that files to streams, translated to groups of a DXF filer.
 #pragma once
 
 #include "platform/filer/dwg_filer.h"
