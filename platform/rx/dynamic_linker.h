@@ -35,9 +35,9 @@ class OD_API OdRxDynamicLinker {
   void unloadAllModules();
 
   // A loaded module by path, file name or file name without extension; null when there is none.
-  OdRxModulePtr getModule(const OdString& module) const;
+  [[nodiscard]] OdRxModulePtr getModule(const OdString& module) const;
   // In the order of loading.
-  std::vector<OdRxModulePtr> modules() const;
+  [[nodiscard]] std::vector<OdRxModulePtr> modules() const;
 
  private:
   struct Entry {

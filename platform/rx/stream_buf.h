@@ -15,10 +15,10 @@ class OD_API OdStreamBuf : public OdRxObject {
   OD_RX_DECLARE_MEMBERS(OdStreamBuf)
 
   virtual OdString fileName() const;
-  virtual bool isEof() const = 0;
+  [[nodiscard]] virtual bool isEof() const = 0;
   // The position, and the number of bytes in all.
-  virtual OdUInt64 tell() const = 0;
-  virtual OdUInt64 length() const = 0;
+  [[nodiscard]] virtual OdUInt64 tell() const = 0;
+  [[nodiscard]] virtual OdUInt64 length() const = 0;
   // Moves the position and returns it. Raises OdError(eInvalidInput), and stays, for a position
   // before the start; OdError(eEndOfStream) for one after the end.
   virtual OdUInt64 seek(OdInt64 offset, OdDb::FilerSeekType whence) = 0;
@@ -46,7 +46,7 @@ class OD_API OdMemoryStream : public OdStreamBuf {
   static OdSmartPtr<OdMemoryStream> createNew(OdUInt32 pageSize = 0x800);
 
   // The bytes in one piece; null when there are none. Valid until the next write.
-  virtual const OdUInt8* data() const = 0;
+  [[nodiscard]] virtual const OdUInt8* data() const = 0;
   virtual void reserve(OdUInt64 size) = 0;
 };
 using OdMemoryStreamPtr = OdSmartPtr<OdMemoryStream>;

@@ -19,7 +19,7 @@ class VDM_DB_EXPORT VdmDbExtensionData : public OdDbObject {
   ~VdmDbExtensionData() override;
 
   // Raises OdError(eNotOpenForRead) unless the object is open for read.
-  const VdmProperties& properties() const;
+  [[nodiscard]] const VdmProperties& properties() const;
   // Calls assertWriteEnabled: the whole bag is recorded for undo.
   VdmProperties& propertiesForWrite();
 
@@ -56,7 +56,8 @@ namespace vdmu {
 // place.
 VDM_DB_EXPORT void storeExtensionBytes(OdDbObject* host, const OdString& key, const VdmBlob& bytes);
 // False when there are none.
-VDM_DB_EXPORT bool readExtensionBytes(const OdDbObject* host, const OdString& key, VdmBlob& bytes);
+[[nodiscard]] VDM_DB_EXPORT bool readExtensionBytes(const OdDbObject* host, const OdString& key,
+                                                    VdmBlob& bytes);
 // Erases the extension data with its last blob, and the extension dictionary with its last entry.
 VDM_DB_EXPORT void eraseExtensionBytes(OdDbObject* host, const OdString& key);
 

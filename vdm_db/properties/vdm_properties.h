@@ -57,21 +57,21 @@ class VDM_DB_EXPORT VdmProperties {
 
   // ---- The bag as a whole
 
-  int config() const noexcept { return m_config; }
+  [[nodiscard]] int config() const noexcept { return m_config; }
   // Const, so that the owner of a bag can file it in another way.
   void setConfig(int config) const noexcept { m_config = config; }
-  int version() const noexcept { return m_version; }
+  [[nodiscard]] int version() const noexcept { return m_version; }
   // Stores the low byte.
   void setVersion(int version) noexcept { m_version = static_cast<signed char>(version); }
 
-  bool isEmpty() const noexcept { return m_slots.size() == 0; }
-  OdUInt32 size() const noexcept { return m_slots.size(); }
+  [[nodiscard]] bool isEmpty() const noexcept { return m_slots.size() == 0; }
+  [[nodiscard]] OdUInt32 size() const noexcept { return m_slots.size(); }
   void clear();
 
   // Pairs of key and VdmPropertyDataPtr in key order. The pairs refer into the bag; they and the
   // iterators are valid until it changes.
-  Iterator begin() const;
-  Iterator end() const;
+  [[nodiscard]] Iterator begin() const;
+  [[nodiscard]] Iterator end() const;
 
   // ---- Values as objects
 
@@ -80,7 +80,7 @@ class VDM_DB_EXPORT VdmProperties {
   // Replaces what was there, whatever its type; a null pointer removes the key.
   bool setProperty(const OdString& key, const VdmPropertyDataPtr& value);
   bool removeProperty(const OdString& key);
-  bool hasProperty(const OdString& key) const;
+  [[nodiscard]] bool hasProperty(const OdString& key) const;
 
   // ---- Values by type, of any type of vdm_property_types.h
 

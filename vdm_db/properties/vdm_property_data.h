@@ -27,7 +27,7 @@ class VDM_DB_EXPORT VdmPropertyData {
   virtual ~VdmPropertyData();
   VdmPropertyData& operator=(const VdmPropertyData&) = delete;
 
-  Type type() const noexcept { return m_type; }
+  [[nodiscard]] Type type() const noexcept { return m_type; }
 
   // A container that holds a copy. Points and matrices become arrays of 3 and 16 doubles in their
   // memory order.
@@ -63,9 +63,9 @@ class VDM_DB_EXPORT VdmPropertyData {
   // Copies a value of the same type and calls updateMapped().
   virtual bool assign(const VdmPropertyDataPtr& other) = 0;
   // True for a mapping onto a variable.
-  virtual bool isMapped() const;
+  [[nodiscard]] virtual bool isMapped() const;
   // False when the value is what a reader would get by default.
-  virtual bool isOutOfDate() const;
+  [[nodiscard]] virtual bool isOutOfDate() const;
   // Passes the value on to the mapped variable where it does not lie in it.
   virtual void updateMapped();
   // Sets the default; false when there is none.

@@ -43,18 +43,20 @@ class VdmPropertyShape {
   VdmPropertyShape(const VdmPropertyShape&) = delete;
   VdmPropertyShape& operator=(const VdmPropertyShape&) = delete;
 
-  OdUInt32 size() const noexcept { return static_cast<OdUInt32>(m_keys.size()); }
-  bool isShared() const noexcept { return m_index == nullptr; }
-  const OdString& keyOfSlot(OdUInt32 slot) const noexcept { return m_keys[slot]; }
+  [[nodiscard]] OdUInt32 size() const noexcept { return static_cast<OdUInt32>(m_keys.size()); }
+  [[nodiscard]] bool isShared() const noexcept { return m_index == nullptr; }
+  [[nodiscard]] const OdString& keyOfSlot(OdUInt32 slot) const noexcept { return m_keys[slot]; }
   // The slot of a key by its position in key order.
-  OdUInt32 slotAt(OdUInt32 position) const {
+  [[nodiscard]] OdUInt32 slotAt(OdUInt32 position) const {
     return isShared() ? position : privateSlotAt(position);
   }
   // kNoSlot when the key is not there.
-  OdUInt32 find(const OdString& key) const;
+  [[nodiscard]] OdUInt32 find(const OdString& key) const;
   // True for a key after all others, as a reader of sorted keys mostly meets: one comparison shows
   // that the shape does not have it.
-  bool isBehindAll(const OdString& key) const { return isShared() && m_keys.back() < key; }
+  [[nodiscard]] bool isBehindAll(const OdString& key) const {
+    return isShared() && m_keys.back() < key;
+  }
 
   // The shape with one more key, which it did not have, and the slot for its value: from a shared
   // shape the slots behind it move up by one. A private shape is changed in place.

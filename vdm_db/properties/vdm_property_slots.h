@@ -64,8 +64,8 @@ class VDM_DB_EXPORT VdmPropertySlots {
   ~VdmPropertySlots();
   void swap(VdmPropertySlots& other) noexcept;
 
-  OdUInt32 size() const noexcept { return m_size; }
-  OdUInt32 capacity() const noexcept { return m_capacity; }
+  [[nodiscard]] OdUInt32 size() const noexcept { return m_size; }
+  [[nodiscard]] OdUInt32 capacity() const noexcept { return m_capacity; }
   // Makes room for this many slots in all. Raises OdError(eOutOfMemory), nothing being changed.
   void reserve(OdUInt32 capacity);
   // A null slot before the one at `slot`; reserve() has made room for it.
@@ -78,15 +78,17 @@ class VDM_DB_EXPORT VdmPropertySlots {
 
   // ---- What a slot holds
 
-  bool isNull(OdUInt32 slot) const noexcept { return tag(slot) == kNull; }
-  bool isBoxed(OdUInt32 slot) const noexcept { return tag(slot) == kBoxed; }
+  [[nodiscard]] bool isNull(OdUInt32 slot) const noexcept { return tag(slot) == kNull; }
+  [[nodiscard]] bool isBoxed(OdUInt32 slot) const noexcept { return tag(slot) == kBoxed; }
   // Of a slot that is neither null nor boxed.
-  bool isMappedVariable(OdUInt32 slot) const noexcept { return (tag(slot) & kMapped) != 0; }
+  [[nodiscard]] bool isMappedVariable(OdUInt32 slot) const noexcept {
+    return (tag(slot) & kMapped) != 0;
+  }
   // Calls visit.operator()<T>() for the value's type, likewise.
   template <class Visit>
   auto visitType(OdUInt32 slot, Visit visit) const;
   template <VdmSlotValue T>
-  bool holds(OdUInt32 slot) const noexcept {
+  [[nodiscard]] bool holds(OdUInt32 slot) const noexcept {
     return (tag(slot) & (kArray | kTypeMask)) == kTagOf<T>;
   }
   // Texts and arrays by reference, valid until the slots or the variable change.
@@ -95,7 +97,7 @@ class VDM_DB_EXPORT VdmPropertySlots {
   template <VdmSlotValue T>
   Value<T> get(OdUInt32 slot) const;
   // Whether the slot is packed, and the value of its bytes while it stays packed.
-  bool isPacked(OdUInt32 slot) const noexcept {
+  [[nodiscard]] bool isPacked(OdUInt32 slot) const noexcept {
     return (tag(slot) & kPacked) != 0 && !holds<OdDbTypedId>(slot);
   }
   template <VdmPackedValue T>
