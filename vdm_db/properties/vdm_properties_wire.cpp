@@ -29,15 +29,10 @@
 #include "vdm_db/properties/vdm_properties.h"
 #include "vdm_db/properties/vdm_property_encoding.h"
 #include "vdm_db/properties/vdm_property_shape.h"
-#include "vdm_db/properties/vdm_property_type_rows.h"
 #include "vdm_db/properties/vdm_trans_dwg_filer.h"
 #include "vdm_utils/vdmc_assert.h"
 
-// Made in vdm_property_encoding.cpp alone: a copy made here would take the narrower visibility of
-// its type argument and hide the exported one.
-#define VDM_DECLARE_ENCODING(T) extern template struct VdmPropertyEncoding<T>;
-VDM_SINGLE_AND_ARRAY_TYPE_ROWS(VDM_DECLARE_ENCODING)
-#undef VDM_DECLARE_ENCODING
+VDM_DECLARE_ENCODINGS
 
 namespace {
 

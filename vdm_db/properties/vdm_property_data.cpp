@@ -3,6 +3,8 @@
 
 #include "vdm_db/properties/vdm_property_encoding.h"
 
+VDM_DECLARE_ENCODINGS
+
 VdmPropertyData::~VdmPropertyData() = default;
 
 bool VdmPropertyData::isMapped() const { return false; }

@@ -195,6 +195,11 @@ bool VdmPropertyEncoding<T>::readTypes(OdDbDwgFiler* filer) {
     return VdmValueEncoding<T>::readTypes(filer);
 }
 
+// In each other source that uses the encodings which vdm_property_encoding.cpp makes: a copy made
+// there would take the narrower visibility of its type argument and hide the exported one.
+#define VDM_DECLARE_ENCODING(T) extern template struct VdmPropertyEncoding<T>;
+#define VDM_DECLARE_ENCODINGS VDM_SINGLE_AND_ARRAY_TYPE_ROWS(VDM_DECLARE_ENCODING)
+
 // ---- Making empty containers by their numbers
 
 // A map container of key type K; null when no value type has the number.

@@ -27,23 +27,21 @@ concept VdmPackedValue = std::is_same_v<T, OdString> || std::is_same_v<T, VdmArr
 //   state    tag                            word
 //   null     0                              0, or left over
 //   boxed    1                              pointer to a VdmPropertyDataPtr that the slot owns
-//   direct   type, for arrays kArray +      the value itself: a plain value, or the one pointer
-//   that
-//            type of the elements           a text or an array consists of
-//   direct typed id: type + reference type << kReferenceShift; the word is the id
-//   mapped   as direct, + kMapped           pointer to a variable outside that is the value
+//   direct   the value's type               a plain value, or the one pointer that a text is
+//            kArray + the elements' type    the one pointer that an array is
+//            typed id + reference type      the id; the reference type is shifted by
+//                                           kReferenceShift in the tag
+//   mapped   as direct, + kMapped           pointer to the variable that is the value
 //   packed   as direct, + kPacked           lower half: where the value begins among the packed
 //                                           bytes, upper half: their number
 //
 // Always true:
 //
 //  1. m_size <= m_capacity. An index is below m_size; a typed operation needs a slot of that type.
-//  2. A value that code outside the bag holds a pointer to is in a boxed slot. box() makes a direct
-//  or
-//     mapped slot a boxed one whose object behaves the same; no operation unboxes.
+//  2. A value that code outside the bag holds a pointer to is in a boxed slot. box() turns a direct
+//     or mapped slot into a boxed one whose object behaves the same; no operation unboxes.
 //  3. Only texts and arrays of integers and doubles are packed. All reading but unpacked() makes
-//  them
-//     direct first, also through const operations: a bag belongs to one thread at a time. Most of
+//     them direct first, also in const operations: a bag belongs to one thread at a time. Most of
 //     what a drawing holds is never looked at, and packed bytes need no allocation of their own.
 //  4. Packed bytes are written in rising places while the slots are filled for the first time. They
 //     are not moved, so the block can grow at its end; reserve() unpacks before it leaves the
