@@ -89,10 +89,6 @@ OdDbTextDxfFiler::OdDbTextDxfFiler(OdStreamBuf* stream, OdDbDatabase* database,
   stream->getBytes(m_text.data(), m_text.size());
 }
 
-void OdDbTextDxfFiler::copyTo(OdStreamBuf* stream) const {
-  stream->putBytes(m_text.data(), m_text.size());
-}
-
 void OdDbTextDxfFiler::rewind() {
   m_next = Place();
   m_item = Place();

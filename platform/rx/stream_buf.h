@@ -33,8 +33,6 @@ class OD_API OdStreamBuf : public OdRxObject {
   virtual void putBytes(const void* buffer, OdUInt64 count) = 0;
   // Cuts the stream at the position.
   virtual void truncate() = 0;
-  // Appends `count` bytes from the position of this stream to another.
-  void copyDataTo(OdStreamBuf* target, OdUInt64 count);
 };
 using OdStreamBufPtr = OdSmartPtr<OdStreamBuf>;
 
