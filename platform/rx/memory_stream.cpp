@@ -1,4 +1,4 @@
-// Streams over memory.
+// Streams over memory: one that grows, one over memory that the caller owns.
 #include "platform/rx/memory_stream.h"
 
 #include <algorithm>

@@ -12,7 +12,7 @@
 
 namespace {
 
-// In the order of registration: a parent stands before its children.
+// In the order of registration: a parent comes before its children.
 constexpr OdRxClassRow kClasses[] = {
     odrxClassRow<OdRxObject>(),      odrxClassRow<OdRxClass>(),   odrxClassRow<OdRxModule>(),
     odrxClassRow<OdRxOverrule>(),    odrxClassRow<OdStreamBuf>(), odrxClassRow<OdMemoryStream>(),
@@ -32,8 +32,9 @@ void refuseWhileOthersAreRegistered() {
 }  // namespace
 
 void odrxInitialize() {
-  if (g_initializations++ > 0) return;
-  for (const OdRxClassRow& row : kClasses) row.registerClass();
+  if (g_initializations == 0)
+    for (const OdRxClassRow& row : kClasses) row.registerClass();
+  ++g_initializations;
 }
 
 void odrxUninitialize() {
