@@ -255,7 +255,8 @@ void SceneDraw::polyline(std::span<const OdGePoint3d> points) {
   m_shape.lines.push_back(std::move(line));
 }
 
-// Filled as a fan, which suits convex outlines; others keep their outline alone.
+// Filled as a fan from the first point where that fan covers the outline, as it does every convex
+// one; other polygons show their outline only.
 void SceneDraw::polygon(std::span<const OdGePoint3d> points) {
   if (points.size() < 3) {
     throw OdError(eInvalidInput, OdString("a polygon of " + std::to_string(points.size()) +
@@ -265,8 +266,8 @@ void SceneDraw::polygon(std::span<const OdGePoint3d> points) {
   outline.push_back(outline.front());
   polyline(outline);
   if (m_traits.fillType() == OdGiFillType::kFillNever) return;
-  // The sum of the fan's normals is twice the signed area. A triangle that turns the other way
-  // proves the outline concave, and a fan would fill more than it bounds.
+  // The sum of the fan's normals is twice the signed area. A triangle that turns the other way lies
+  // outside the outline in part.
   OdGeVector3d normal;
   for (std::size_t i = 1; i + 1 < points.size(); ++i) {
     normal += (points[i] - points[0]).crossProduct(points[i + 1] - points[0]);

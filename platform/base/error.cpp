@@ -2,6 +2,7 @@
 #include "platform/base/error.h"
 
 #include <string>
+#include <tuple>
 
 namespace {
 
@@ -18,21 +19,22 @@ OdString describeIndex(OdInt64 index, OdInt64 size) {
   return OdString("index " + std::to_string(index) + " of " + std::to_string(size));
 }
 
+// With its narrow form, which the text keeps: what() must not allocate.
+OdString withNarrowForm(OdString text) {
+  std::ignore = text.utf8();
+  return text;
+}
+
 }  // namespace
 
-OdError::OdError(OdResult code) : m_code(code), m_description(odResultText(code)) {
-  m_description.utf8();  // narrow form made now: what() must not allocate
-}
+OdError::OdError(OdResult code)
+    : m_code(code), m_description(withNarrowForm(OdString(odResultText(code)))) {}
 
 OdError::OdError(const OdString& description)
-    : m_code(eGeneralFailure), m_description(description) {
-  m_description.utf8();
-}
+    : m_code(eGeneralFailure), m_description(withNarrowForm(description)) {}
 
 OdError::OdError(OdResult code, const OdString& context)
-    : m_code(code), m_description(describe(code, context)) {
-  m_description.utf8();
-}
+    : m_code(code), m_description(withNarrowForm(describe(code, context))) {}
 
 OdError::~OdError() = default;
 

@@ -95,7 +95,7 @@ TEST_F(SceneTest, AMirrorKeepsTheFrontOfTriangles) {
   EXPECT_EQ(all.extents().minPoint().x, -2.0);
 }
 
-TEST_F(SceneTest, ConvexPolygonsAreFilledAndConcaveOnesKeepTheirOutline) {
+TEST_F(SceneTest, PolygonsAreFilledWhereAFanFromTheirFirstPointCoversThem) {
   const auto numTriangles = [&](std::vector<OdGePoint3d> points) {
     const Scene all = drawnBy([&](OdGiWorldDraw& draw) { draw.geometry().polygon(points); });
     const Shape& shape = all.shapes.back();
@@ -103,7 +103,9 @@ TEST_F(SceneTest, ConvexPolygonsAreFilledAndConcaveOnesKeepTheirOutline) {
     return shape.surfaces.empty() ? 0 : shape.surfaces[0].triangles.size();
   };
   EXPECT_EQ(numTriangles({{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {1, 3, 0}, {0, 2, 0}}), 3u);
-  EXPECT_EQ(numTriangles({{0, 0, 0}, {2, 0, 0}, {0.5, 0.5, 0}, {0, 2, 0}}), 0u);
+  // One concave outline from the point opposite its notch, and from the point beside it.
+  EXPECT_EQ(numTriangles({{0, 0, 0}, {2, 0, 0}, {0.5, 0.5, 0}, {0, 2, 0}}), 2u);
+  EXPECT_EQ(numTriangles({{2, 0, 0}, {0.5, 0.5, 0}, {0, 2, 0}, {0, 0, 0}}), 0u);
 }
 
 }  // namespace
