@@ -6,15 +6,15 @@
 
 #include "host/rendering/render.h"
 #include "platform/base/error.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
-#include "platform/db/db_init.h"
 #include "platform/db/host_app_services.h"
+#include "platform/entities/block_reference.h"
 #include "platform/ge/extents3d.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "platform/modeler/modeler.h"
 #include "platform/modeler_occt/occt_modeler.h"
+#include "platform/runtime/runtime_init.h"
 #include "platform/storage/sqlite_record_store.h"
 
 namespace {

@@ -9,10 +9,10 @@
 
 #include "platform/base/error.h"
 #include "platform/db/database.h"
-#include "platform/db/db_init.h"
 #include "platform/db/host_app_services.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "platform/modeler_occt/occt_modeler.h"
+#include "platform/runtime/runtime_init.h"
 #include "platform/rx/dynamic_linker.h"
 #include "platform/storage/sqlite_record_store.h"
 #include "vdm_db/properties/vdm_properties.h"

@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "fuzz/fuzz_target.h"
-#include "platform/db/db_init.h"
+#include "platform/runtime/runtime_init.h"
 #include "platform/rx/dynamic_linker.h"
 #include "platform/rx/rx_init.h"
 #include "platform/storage/sqlite_record_store.h"

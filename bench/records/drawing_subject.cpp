@@ -3,11 +3,11 @@
 
 #include "bench/records/record_values.h"
 #include "bench/records/subject.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/database.h"
-#include "platform/db/db_init.h"
 #include "platform/db/db_object.h"
 #include "platform/db/host_app_services.h"
-#include "platform/db/id_mapping.h"
+#include "platform/runtime/runtime_init.h"
 #include "platform/storage/sqlite_record_store.h"
 #include "vdm_db/properties/vdm_db_extension_data.h"
 #include "vdm_db/properties/vdm_properties.h"

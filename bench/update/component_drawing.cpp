@@ -6,8 +6,8 @@
 
 #include "host/modeling/component_library.h"
 #include "platform/db/block_table_record.h"
-#include "platform/db/db_init.h"
 #include "platform/modeler_occt/occt_modeler.h"
+#include "platform/runtime/runtime_init.h"
 #include "platform/rx/dynamic_linker.h"
 
 namespace {

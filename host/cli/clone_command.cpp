@@ -8,9 +8,9 @@
 #include "host/cli/report.h"
 #include "host/cli/text_output.h"
 #include "platform/base/error.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/block_table.h"
 #include "platform/db/entity.h"
-#include "platform/db/id_mapping.h"
 #include "platform/db/units.h"
 
 namespace cli {

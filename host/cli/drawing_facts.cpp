@@ -6,11 +6,11 @@
 #include "host/cli/find_object.h"
 #include "host/cli/text_lines.h"
 #include "platform/base/error.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table.h"
 #include "platform/db/layer_table.h"
 #include "platform/db/proxy_object.h"
 #include "platform/db/units.h"
+#include "platform/entities/block_reference.h"
 #include "platform/modeler/db_3d_solid.h"
 
 namespace cli {

@@ -7,8 +7,8 @@
 #include "host/cli/find_object.h"
 #include "host/cli/text_output.h"
 #include "platform/base/error.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table_record.h"
+#include "platform/entities/block_reference.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "platform/modeler/step_drawing.h"
 

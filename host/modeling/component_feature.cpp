@@ -3,9 +3,9 @@
 
 #include <algorithm>
 
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
+#include "platform/entities/block_reference.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "vdm_db/features/vdm_db_pers_id_reactor.h"
 

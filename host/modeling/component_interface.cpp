@@ -5,8 +5,8 @@
 
 #include "host/modeling/update_helper.h"
 #include "host/naming/reference_record.h"
-#include "platform/db/block_reference.h"
-#include "platform/db/id_mapping.h"
+#include "platform/cloning/id_mapping.h"
+#include "platform/entities/block_reference.h"
 #include "vdm_db/features/vdm_db_pers_id_reactor.h"
 #include "vdm_db/update/vdm_feature_subents_to_remove.h"
 #include "vdm_db/update/vdm_feature_update_data.h"

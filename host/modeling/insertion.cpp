@@ -7,8 +7,8 @@
 #include "host/modeling/component_kind.h"
 #include "host/modeling/component_tools.h"
 #include "host/naming/subent_name.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table_record.h"
+#include "platform/entities/block_reference.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_feature_group_faces.h"
 

@@ -8,8 +8,8 @@
 #include "host/modeling/model_update.h"
 #include "host/naming/reference_query.h"
 #include "platform/base/error.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/layer_table.h"
+#include "platform/entities/block_reference.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 
 namespace vdm_host {

@@ -7,7 +7,7 @@
 
 #include "host/modeling/component_query.h"
 #include "host/naming/reference_query.h"
-#include "platform/db/block_reference.h"
+#include "platform/entities/block_reference.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/model/vdm_db_pers_id_manager.h"

@@ -7,7 +7,7 @@
 #include "host/modeling/model_update.h"
 #include "host/modeling/update_helper_site.h"
 #include "host/naming/reference_record.h"
-#include "platform/db/block_reference.h"
+#include "platform/entities/block_reference.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"

@@ -6,11 +6,11 @@
 
 #include "host/rendering/scene.h"
 #include "platform/base/error.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/db/display_attributes.h"
 #include "platform/db/material.h"
+#include "platform/entities/block_reference.h"
 #include "platform/gi/world_draw.h"
 
 namespace rendering {

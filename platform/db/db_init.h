@@ -1,8 +1,9 @@
-// Start and end of the drawing database's run-time classes.
+// Start and end of the run-time classes of the database core.
 #pragma once
 
-/// Registers the classes of this folder and of those below it. Calls nest; the first one registers.
-void oddbInitialize();
-/// The call that matches the first one releases them in reverse. Drawings must be gone, and classes
-/// derived from these released.
-void oddbUninitialize();
+/// Registers the classes of this folder and of those below it. Calls nest. Programs call
+/// oddbInitialize() (platform/runtime), which starts the libraries above this one, too.
+void oddbInitializeCore();
+/// The call that matches the first one releases them. Drawings must be gone, and classes derived
+/// from these released.
+void oddbUninitializeCore();

@@ -202,6 +202,8 @@ OdResult OdDbObject::subErase(bool) { return eOk; }
 
 void OdDbObject::subClose() {}
 
+void OdDbObject::audit(OdDbAuditInfo*) {}
+
 // Reactors.
 
 OdDbObject::Extra& OdDbObject::extra() {

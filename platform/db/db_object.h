@@ -106,6 +106,8 @@ class OdDbObject : public OdGiDrawable {
   /// and symbol table records, eInvalidInput for the objects that every drawing has.
   void swapIdWith(const OdDbObjectId& otherId, bool swapExtendedData = false,
                   bool swapExtDictionary = false);
+  /// False for classes whose objects others list by what they are: their ids cannot be exchanged.
+  [[nodiscard]] virtual bool isIdSwappable() const { return true; }
 
   // Extended data: one chain per registered application, each led by its 1001 record.
   /// Chain of one application, or of all with an empty name; null when there is none. A copy.

@@ -2,26 +2,18 @@
 #include <utility>
 
 #include "platform/base/error.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/database_impl.h"
 #include "platform/db/db_object.h"
 #include "platform/db/object_extra.h"
-#include "platform/db/symbol_table_record.h"
 #include "platform/filer/id_filer.h"
 
 namespace {
-
-/// Objects whose ids other objects list by what they are.
-bool isListedByKind(const OdDbObject* object) {
-  return object->isKindOf(OdDbBlockReference::desc()) ||
-         object->isKindOf(OdDbSymbolTableRecord::desc());
-}
 
 void checkSwappable(const OdDbObject* object) {
   const OdString name = OdString("object ") + object->getDbHandle().ascii();
   if (static_cast<OdUInt64>(object->getDbHandle()) < OdDbRootHandles::kFirstFree)
     throw OdError(eInvalidInput, name + ", which every drawing has");
-  if (isListedByKind(object)) throw OdError(eWrongObjectType, name);
+  if (!object->isIdSwappable()) throw OdError(eWrongObjectType, name);
 }
 
 /// What the object owns and is told to own it.

@@ -197,6 +197,8 @@ OdResult OdDbEntity::getSubentPathsAtGsMarker(OdDb::SubentType, OdGsMarker,
   return eNotApplicable;
 }
 
+OdDbObjectId OdDbEntity::insertedBlock() const { return OdDbObjectId::kNull; }
+
 void OdDbEntity::recordGraphicsModified(bool modified) {
   if (modified) noteGraphicsModified();
 }

@@ -88,6 +88,10 @@ class OdDbEntity : public OdDbObject {
                                             OdDbFullSubentPathArray& paths,
                                             const OdDbObjectIdArray* insertStack = nullptr) const;
 
+  /// The block that the entity shows, which lists it among its references; null for entities that
+  /// show none.
+  [[nodiscard]] virtual OdDbObjectId insertedBlock() const;
+
   /// Marks that the picture changed: reactors hear modifiedGraphics when the entity is closed.
   void recordGraphicsModified(bool modified = true);
 

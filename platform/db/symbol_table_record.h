@@ -34,6 +34,7 @@ class OdDbSymbolTableRecord : public OdDbObject {
   /// Refuses to erase fixed records (eInvalidInput), and to unerase a record whose name another one
   /// has got meanwhile (eDuplicateRecordName).
   OdResult subErase(bool erasing) override;
+  [[nodiscard]] bool isIdSwappable() const override { return false; }
   [[nodiscard]] std::size_t approximateSize() const override;
 
  private:

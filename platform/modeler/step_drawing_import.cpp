@@ -4,10 +4,10 @@
 #include <vector>
 
 #include "platform/base/error.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/units.h"
+#include "platform/entities/block_reference.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "platform/modeler/step_drawing.h"
 

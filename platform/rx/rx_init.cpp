@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "platform/base/error.h"
+#include "platform/rx/class_rows.h"
 #include "platform/rx/memory_stream.h"
 #include "platform/rx/module.h"
 #include "platform/rx/overrule.h"
@@ -11,20 +12,11 @@
 
 namespace {
 
-struct ClassRow {
-  void (*init)();
-  void (*uninit)();
-};
-
 // In the order of registration: a parent stands before its children.
-constexpr ClassRow kClasses[] = {
-    {&OdRxObject::rxInit, &OdRxObject::rxUninit},
-    {&OdRxClass::rxInit, &OdRxClass::rxUninit},
-    {&OdRxModule::rxInit, &OdRxModule::rxUninit},
-    {&OdRxOverrule::rxInit, &OdRxOverrule::rxUninit},
-    {&OdStreamBuf::rxInit, &OdStreamBuf::rxUninit},
-    {&OdMemoryStream::rxInit, &OdMemoryStream::rxUninit},
-    {&OdFlatMemStream::rxInit, &OdFlatMemStream::rxUninit},
+constexpr OdRxClassRow kClasses[] = {
+    odrxClassRow<OdRxObject>(),      odrxClassRow<OdRxClass>(),   odrxClassRow<OdRxModule>(),
+    odrxClassRow<OdRxOverrule>(),    odrxClassRow<OdStreamBuf>(), odrxClassRow<OdMemoryStream>(),
+    odrxClassRow<OdFlatMemStream>(),
 };
 
 int g_initializations = 0;
@@ -41,7 +33,7 @@ void refuseWhileOthersAreRegistered() {
 
 void odrxInitialize() {
   if (g_initializations++ > 0) return;
-  for (const ClassRow& row : kClasses) row.init();
+  for (const OdRxClassRow& row : kClasses) row.registerClass();
 }
 
 void odrxUninitialize() {
@@ -53,5 +45,5 @@ void odrxUninitialize() {
   }
   refuseWhileOthersAreRegistered();
   g_initializations = 0;
-  for (auto row = std::rbegin(kClasses); row != std::rend(kClasses); ++row) row->uninit();
+  for (auto row = std::rbegin(kClasses); row != std::rend(kClasses); ++row) row->releaseClass();
 }

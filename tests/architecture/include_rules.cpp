@@ -20,8 +20,10 @@ constexpr std::array<std::string_view, 2> kUmbrellas{"platform/platform.h", "vdm
 
 constexpr std::string_view kBase = "platform/base", kRx = "platform/rx", kGe = "platform/ge",
                            kFiler = "platform/filer", kDb = "platform/db",
-                           kStorage = "platform/storage", kGi = "platform/gi",
-                           kModeler = "platform/modeler", kModelerOcct = "platform/modeler_occt";
+                           kEntities = "platform/entities", kCloning = "platform/cloning",
+                           kRuntime = "platform/runtime", kStorage = "platform/storage",
+                           kGi = "platform/gi", kModeler = "platform/modeler",
+                           kModelerOcct = "platform/modeler_occt";
 
 bool isBelow(std::string_view path, std::string_view folder) {
   return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
@@ -192,12 +194,15 @@ std::vector<FolderRule> makeFolderRules() {
       {kFiler, {kBase, kRx, kGe}},
       {kGi, {kBase, kRx, kGe, kFiler}},
       {kDb, {kBase, kRx, kGe, kFiler, kGi}},
+      {kEntities, below},
+      {kCloning, below},
+      {kRuntime, {kDb, kEntities, kCloning}},
       {kStorage, below},
-      {kModeler, below},
+      {kModeler, {kBase, kRx, kGe, kFiler, kGi, kDb, kEntities}},
       {kModelerOcct, {kBase, kRx, kGe, kFiler, kGi, kDb, kModeler}},
       {"vdm_utils", below},
   };
-  addRooms(table, {kBase, kRx, kGe, kFiler, kGi, kDb, kModeler, "vdm_utils"},
+  addRooms(table, {kBase, kRx, kGe, kFiler, kGi, kDb, kEntities, kCloning, kModeler, "vdm_utils"},
            {"vdm_db/common", "vdm_db/properties", "vdm_db/drawing_utils", "vdm_db/references",
             "vdm_db/model", "vdm_db/constraints", "vdm_db/features", "vdm_db/concrete_features",
             "vdm_db/update", "vdm_db/feature_display", "vdm_db/cloning", "vdm_db/module"});

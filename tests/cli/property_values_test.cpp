@@ -11,8 +11,8 @@
 #include "host/cli/property_node.h"
 #include "host/cli/property_text.h"
 #include "host/cli/text_output.h"
-#include "platform/db/db_init.h"
 #include "platform/db/host_app_services.h"
+#include "platform/runtime/runtime_init.h"
 
 namespace cli {
 

@@ -1,5 +1,5 @@
 // Constraint managers: files, undo, clones, ids.
-#include "platform/db/id_mapping.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/xrecord.h"
 #include "tests/constraints/constraint_testing.h"
 

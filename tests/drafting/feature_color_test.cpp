@@ -1,12 +1,12 @@
 // Tests of feature colours: the draw overrule of solids, its material, marked blocks and hooks.
 #include <gmock/gmock.h>
 
+#include "platform/cloning/xref_man.h"
 #include "platform/db/block_table_record.h"
-#include "platform/db/db_init.h"
 #include "platform/db/layer_table.h"
-#include "platform/db/xref_man.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "platform/modeler_occt/occt_modeler.h"
+#include "platform/runtime/runtime_init.h"
 #include "tests/gi/recording_draw.h"
 #include "tests/references/model_testing.h"
 #include "vdm_db/drawing_utils/vdm_auto_save_solid_properties.h"

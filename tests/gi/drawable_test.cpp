@@ -7,12 +7,12 @@
 #include <filesystem>
 
 #include "platform/base/error.h"
+#include "platform/cloning/xref_man.h"
 #include "platform/db/dictionary.h"
 #include "platform/db/display_attributes.h"
 #include "platform/db/layer_table.h"
-#include "platform/db/line.h"
 #include "platform/db/material.h"
-#include "platform/db/xref_man.h"
+#include "platform/entities/line.h"
 #include "platform/gi/drawable_overrule.h"
 #include "platform/storage/sqlite_record_store.h"
 #include "tests/gi/recording_draw.h"

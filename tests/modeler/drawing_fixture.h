@@ -1,12 +1,12 @@
 // A drawing with solids in it.
 #pragma once
 
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table.h"
 #include "platform/db/block_table_record.h"
-#include "platform/db/db_init.h"
 #include "platform/db/host_app_services.h"
+#include "platform/entities/block_reference.h"
 #include "platform/modeler/db_3d_solid.h"
+#include "platform/runtime/runtime_init.h"
 #include "platform/rx/rx_init.h"
 #include "tests/modeler/modeler_fixture.h"
 

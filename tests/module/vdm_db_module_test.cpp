@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/base/error.h"
-#include "platform/db/db_init.h"
+#include "platform/runtime/runtime_init.h"
 #include "platform/rx/dynamic_linker.h"
 #include "platform/rx/module.h"
 #include "platform/rx/rx_init.h"

@@ -1,5 +1,5 @@
 // Block references: exact placement, parameters, cloning of what they show.
-#include "platform/db/block_reference.h"
+#include "platform/entities/block_reference.h"
 
 #include <cmath>
 #include <random>

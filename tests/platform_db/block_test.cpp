@@ -1,5 +1,5 @@
 // Blocks: entities and their order, moving them, references to blocks, cycles.
-#include "platform/db/block_reference.h"
+#include "platform/entities/block_reference.h"
 #include "platform/filer/id_filer.h"
 #include "tests/platform_db/db_testing.h"
 

@@ -4,9 +4,9 @@
 #include <map>
 #include <vector>
 
-#include "platform/db/block_reference.h"
-#include "platform/db/id_mapping.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/layer_table.h"
+#include "platform/entities/block_reference.h"
 #include "tests/platform_db/db_testing.h"
 
 /// An object with a value and any number of references of each type. It neither lists nor loses

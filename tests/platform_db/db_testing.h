@@ -8,11 +8,11 @@
 #include "platform/base/error.h"
 #include "platform/db/block_table.h"
 #include "platform/db/database.h"
-#include "platform/db/db_init.h"
 #include "platform/db/dictionary.h"
 #include "platform/db/host_app_services.h"
-#include "platform/db/line.h"
+#include "platform/entities/line.h"
 #include "platform/filer/memory_filer.h"
+#include "platform/runtime/runtime_init.h"
 
 /// What an OdError says about a call; eOk when it does not throw.
 template <class Call>

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "platform/db/layer_table.h"
-#include "platform/db/viewport.h"
+#include "platform/entities/viewport.h"
 #include "tests/platform_db/db_testing.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // Tests of external references: the status table, cycles, binding, detaching.
-#include "platform/db/xref_man.h"
+#include "platform/cloning/xref_man.h"
 
 #include <filesystem>
 #include <fstream>

@@ -4,13 +4,13 @@
 #include <gtest/gtest.h>
 
 #include "platform/base/error.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/database.h"
-#include "platform/db/db_init.h"
 #include "platform/db/dictionary.h"
 #include "platform/db/host_app_services.h"
-#include "platform/db/id_mapping.h"
 #include "platform/db/xrecord.h"
 #include "platform/filer/memory_filer.h"
+#include "platform/runtime/runtime_init.h"
 #include "platform/rx/dynamic_linker.h"
 #include "platform/rx/rx_init.h"
 #include "tests/properties/property_testing.h"

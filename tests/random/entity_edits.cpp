@@ -1,10 +1,10 @@
 // Random edits of entities, blocks and layers.
 #include <utility>
 
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table.h"
 #include "platform/db/layer_table.h"
-#include "platform/db/line.h"
+#include "platform/entities/block_reference.h"
+#include "platform/entities/line.h"
 #include "tests/random/edit_context.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // ModuleSession: the runtime's classes, and the module's while it is loaded.
 #pragma once
 
-#include "platform/db/db_init.h"
+#include "platform/runtime/runtime_init.h"
 #include "platform/rx/dynamic_linker.h"
 #include "platform/rx/rx_init.h"
 

@@ -1,10 +1,10 @@
 // Random edits that any object and the drawing itself take.
 #include <iterator>
 
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/db_variables.h"
 #include "platform/db/dictionary.h"
-#include "platform/db/id_mapping.h"
 #include "platform/db/regapp_table.h"
 #include "tests/random/edit_context.h"
 

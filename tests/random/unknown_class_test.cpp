@@ -4,10 +4,10 @@
 #include <filesystem>
 #include <map>
 
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/database.h"
 #include "platform/db/dictionary.h"
 #include "platform/db/host_app_services.h"
-#include "platform/db/id_mapping.h"
 #include "platform/db/proxy_object.h"
 #include "platform/storage/sqlite_record_store.h"
 #include "tests/random/edit_script.h"

@@ -1,8 +1,8 @@
 // Drawings with nested and external blocks.
 #include "tests/references/reference_testing.h"
 
-#include "platform/db/db_init.h"
-#include "platform/db/xref_man.h"
+#include "platform/cloning/xref_man.h"
+#include "platform/runtime/runtime_init.h"
 #include "platform/storage/sqlite_record_store.h"
 #include "vdm_utils/vdmc_assert.h"
 

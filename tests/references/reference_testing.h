@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "platform/base/error.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table.h"
 #include "platform/db/database.h"
 #include "platform/db/dictionary.h"
 #include "platform/db/host_app_services.h"
-#include "platform/db/line.h"
+#include "platform/entities/block_reference.h"
+#include "platform/entities/line.h"
 #include "platform/filer/memory_filer.h"
 #include "vdm_db/references/vdm_compound_object_id.h"
 #include "vdm_db/references/vdm_index_map.h"

@@ -1,7 +1,7 @@
 // Tests of stored paths: building, resolving through external references, order, filing.
 #include "vdm_db/references/vdm_compound_object_id.h"
 
-#include "platform/db/xref_man.h"
+#include "platform/cloning/xref_man.h"
 #include "tests/references/reference_testing.h"
 #include "vdm_db/drawing_utils/vdm_block_utils.h"
 #include "vdm_db/references/vdm_path_utils.h"

@@ -1,7 +1,7 @@
 // Tests of the guard that rolls a drawing back.
 #include "vdm_db/drawing_utils/vdm_database_transaction.h"
 
-#include "platform/db/viewport.h"
+#include "platform/entities/viewport.h"
 #include "tests/references/reference_testing.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // Tests of persistent id managers: making, remapping, audit, cloning and merging.
 #include "vdm_db/model/vdm_db_pers_id_manager.h"
 
-#include "platform/db/id_mapping.h"
+#include "platform/cloning/id_mapping.h"
 #include "tests/references/model_testing.h"
 #include "vdm_db/drawing_utils/vdm_id_mappings.h"
 

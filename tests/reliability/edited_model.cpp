@@ -7,8 +7,8 @@
 #include "host/modeling/component_library.h"
 #include "host/modeling/component_tools.h"
 #include "host/naming/name_feature.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table_record.h"
+#include "platform/entities/block_reference.h"
 #include "platform/modeler_occt/occt_modeler.h"
 #include "platform/storage/sqlite_record_store.h"
 

@@ -2,10 +2,10 @@
 #include <filesystem>
 
 #include "host/naming/name_feature.h"
-#include "platform/db/block_reference.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/dictionary.h"
-#include "platform/db/id_mapping.h"
 #include "platform/db/proxy_object.h"
+#include "platform/entities/block_reference.h"
 #include "platform/rx/dynamic_linker.h"
 #include "tests/modeling_host/modeling_testing.h"
 #include "tests/support/dump_drawing.h"

@@ -9,7 +9,7 @@
 
 #include "host/naming/reference_query.h"
 #include "platform/db/audit_info.h"
-#include "platform/db/block_reference.h"
+#include "platform/entities/block_reference.h"
 #include "tests/reliability/edited_model.h"
 #include "tests/support/dump_drawing.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"

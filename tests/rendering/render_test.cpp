@@ -13,7 +13,7 @@
 
 #include "host/rendering/region_trace.h"
 #include "host/rendering/vector_font.h"
-#include "platform/db/line.h"
+#include "platform/entities/line.h"
 #include "platform/gi/drawable_overrule.h"
 #include "platform/gi/world_draw.h"
 #include "tests/modeler/drawing_fixture.h"

@@ -22,7 +22,7 @@
 //   1  model objects   an edit of the list (vdm_indexed_ids.h)
 //   2  child managers  likewise
 #include "platform/base/error.h"
-#include "platform/db/id_mapping.h"
+#include "platform/cloning/id_mapping.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager_names.h"
 #include "vdm_db/model/vdm_db_object.h"

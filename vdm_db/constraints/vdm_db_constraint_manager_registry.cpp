@@ -1,7 +1,7 @@
 // Constraint managers: the registry of model objects, and their names.
 #include "platform/base/case_compare.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table_record.h"
+#include "platform/entities/block_reference.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/constraints/vdm_constraint_utils.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"

@@ -1,7 +1,7 @@
 // Associative arrays: blocks that an array action fills with items.
 #pragma once
 
-#include "platform/db/block_reference.h"
+#include "platform/entities/block_reference.h"
 #include "platform/filer/object_id.h"
 #include "vdm_db/common/vdm_db_export.h"
 

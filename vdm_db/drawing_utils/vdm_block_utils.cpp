@@ -4,12 +4,12 @@
 #include <cmath>
 
 #include "platform/base/error.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table.h"
 #include "platform/db/database.h"
 #include "platform/db/host_app_services.h"
 #include "platform/db/selection_filter.h"
 #include "platform/db/units.h"
+#include "platform/entities/block_reference.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/drawing_utils/vdm_string_utils.h"
 

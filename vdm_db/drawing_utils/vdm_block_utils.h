@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/base/result.h"
-#include "platform/db/id_mapping.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/filer/object_id.h"
 #include "platform/ge/scale3d.h"
 #include "vdm_db/common/vdm_db_export.h"

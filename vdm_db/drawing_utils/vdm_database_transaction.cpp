@@ -4,7 +4,7 @@
 #include "platform/base/error.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
-#include "platform/db/viewport.h"
+#include "platform/entities/viewport.h"
 #include "vdm_db/drawing_utils/undo_recording_off.h"
 #include "vdm_db/drawing_utils/vdm_iterator_utils.h"
 #include "vdm_utils/vdmc_assert.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/db/entity.h"
-#include "platform/db/viewport.h"
+#include "platform/entities/viewport.h"
 #include "platform/filer/object_id.h"
 #include "platform/ge/matrix3d.h"
 #include "vdm_db/common/vdm_db_export.h"

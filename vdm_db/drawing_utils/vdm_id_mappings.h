@@ -4,7 +4,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/db/id_mapping.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/filer/object_id.h"
 #include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/common/vdm_object_id_hash.h"

@@ -1,8 +1,8 @@
 // Blocks that stand for external drawings.
 #include "vdm_db/drawing_utils/vdm_xref_utils.h"
 
+#include "platform/cloning/xref_man.h"
 #include "platform/db/database.h"
-#include "platform/db/xref_man.h"
 #include "vdm_db/drawing_utils/undo_recording_off.h"
 
 namespace {

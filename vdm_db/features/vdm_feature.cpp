@@ -2,7 +2,7 @@
 #include "vdm_db/features/vdm_feature.h"
 
 #include "platform/base/error.h"
-#include "platform/db/id_mapping.h"
+#include "platform/cloning/id_mapping.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"

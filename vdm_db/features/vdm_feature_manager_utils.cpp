@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "platform/db/block_reference.h"
+#include "platform/entities/block_reference.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_db_pers_id_reactor.h"

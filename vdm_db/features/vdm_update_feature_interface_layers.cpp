@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/db/layer_table.h"
+#include "platform/entities/block_reference.h"
 #include "vdm_db/drawing_utils/vdm_assoc_array_utils.h"
 #include "vdm_db/drawing_utils/vdm_iterator_utils.h"
 #include "vdm_db/drawing_utils/vdm_long_transaction_utils.h"

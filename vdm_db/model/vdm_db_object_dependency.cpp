@@ -4,7 +4,7 @@
 #include <atomic>
 
 #include "platform/base/error.h"
-#include "platform/db/id_mapping.h"
+#include "platform/cloning/id_mapping.h"
 #include "vdm_db/common/vdm_class_registration.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"

@@ -3,9 +3,9 @@
 #include "vdm_db/model/vdm_db_pers_id_manager.h"
 
 #include "platform/base/error.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/block_table.h"
 #include "platform/db/database.h"
-#include "platform/db/id_mapping.h"
 #include "vdm_db/common/vdm_class_registration.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/drawing_utils/vdm_block_utils.h"

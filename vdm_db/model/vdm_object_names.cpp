@@ -1,8 +1,8 @@
 // Names of model objects.
 #include "vdm_db/model/vdm_object_names.h"
 
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table_record.h"
+#include "platform/entities/block_reference.h"
 
 namespace {
 OdUInt64 g_generation = 1;

@@ -1,11 +1,11 @@
 // Testing and resolving of subentity paths.
 #include "vdm_db/references/vdm_path_utils.h"
 
-#include "platform/db/block_reference.h"
+#include "platform/cloning/xref_man.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/db/entity.h"
-#include "platform/db/xref_man.h"
+#include "platform/entities/block_reference.h"
 #include "vdm_db/drawing_utils/vdm_xref_utils.h"
 #include "vdm_utils/vdmc_assert.h"
 

@@ -1,8 +1,8 @@
 // VdmFeatureUpdateData: what features gather in an update pass.
 #include "vdm_db/update/vdm_feature_update_data.h"
 
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table_record.h"
+#include "platform/entities/block_reference.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/constraints/vdm_db_assembly_pe.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"

@@ -20,6 +20,8 @@ class OdDbBlockReference : public OdDbEntity {
   ~OdDbBlockReference() override;
 
   [[nodiscard]] OdDbObjectId blockTableRecord() const;
+  [[nodiscard]] OdDbObjectId insertedBlock() const override { return blockTableRecord(); }
+  [[nodiscard]] bool isIdSwappable() const override { return false; }
   /// The lists of references of both blocks follow. Raises eNullObjectId, eWrongObjectType,
   /// eWrongDatabase, and eCircularReference when the block would contain itself.
   void setBlockTableRecord(const OdDbObjectId& block);

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "platform/base/error.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database_impl.h"
@@ -25,8 +24,8 @@ bool isLayoutName(const OdString& name) {
 }
 
 bool showsBlock(const OdDbObjectId& reference, const OdDbObjectId& block) {
-  const OdDbBlockReferencePtr opened = reference.openAs<OdDbBlockReference>();
-  return !opened.isNull() && opened->blockTableRecord() == block;
+  const OdDbEntityPtr entity = reference.openAs<OdDbEntity>();
+  return !entity.isNull() && entity->insertedBlock() == block;
 }
 
 }  // namespace

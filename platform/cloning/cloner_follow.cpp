@@ -2,12 +2,13 @@
 #include <algorithm>
 
 #include "platform/base/error.h"
+#include "platform/cloning/clone_names.h"
+#include "platform/cloning/clone_state.h"
+#include "platform/cloning/cloner.h"
 #include "platform/db/block_table_record.h"
-#include "platform/db/clone_names.h"
-#include "platform/db/clone_state.h"
 #include "platform/db/database.h"
-#include "platform/db/deep_clone.h"
 #include "platform/db/dictionary.h"
+#include "platform/db/owner_listing.h"
 
 // Clones an object that a hard pointer names, together with whatever of its owners the destination
 // has no counterpart of.

@@ -1,5 +1,5 @@
 // OdDbViewport: rectangle, view, filing.
-#include "platform/db/viewport.h"
+#include "platform/entities/viewport.h"
 
 #include <cmath>
 #include <string>

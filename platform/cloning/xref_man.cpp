@@ -1,5 +1,5 @@
 // Attaching, loading, unloading, detaching and binding of external drawings.
-#include "platform/db/xref_man.h"
+#include "platform/cloning/xref_man.h"
 
 #include <filesystem>
 #include <set>
@@ -7,13 +7,13 @@
 #include <vector>
 
 #include "platform/base/error.h"
+#include "platform/cloning/cloner.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/block_table.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/db/database_impl.h"
-#include "platform/db/deep_clone.h"
 #include "platform/db/host_app_services.h"
-#include "platform/db/id_mapping.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
 // Id mapping on a flat hash table, with pairs kept in the order of their assignment.
-#include "platform/db/id_mapping.h"
+#include "platform/cloning/id_mapping.h"
 
 #include <bit>
 #include <cstdint>
 #include <vector>
 
 #include "platform/base/error.h"
-#include "platform/db/clone_state.h"
+#include "platform/cloning/clone_state.h"
 
 namespace {
 

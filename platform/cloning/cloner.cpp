@@ -1,14 +1,14 @@
 // The phases of a clone operation, and the making of one clone.
-#include "platform/db/deep_clone.h"
+#include "platform/cloning/cloner.h"
 
 #include <algorithm>
 #include <new>
 
 #include "platform/base/error.h"
-#include "platform/db/clone_names.h"
-#include "platform/db/clone_state.h"
+#include "platform/cloning/clone_state.h"
 #include "platform/db/database.h"
 #include "platform/db/database_impl.h"
+#include "platform/db/owner_listing.h"
 #include "platform/db/proxy_object.h"
 #include "platform/db/reactor_calls.h"
 #include "platform/db/symbol_table_record.h"

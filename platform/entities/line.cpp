@@ -1,5 +1,5 @@
 // OdDbLine: ends, transforming, filing.
-#include "platform/db/line.h"
+#include "platform/entities/line.h"
 
 #include <array>
 

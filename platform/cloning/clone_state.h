@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/base/string.h"
-#include "platform/db/id_mapping.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/filer/memory_filer.h"
 #include "platform/filer/object_id.h"
 

@@ -1,5 +1,5 @@
 // OdDbBlockReference: placement, the block it shows, filing.
-#include "platform/db/block_reference.h"
+#include "platform/entities/block_reference.h"
 
 #include <cmath>
 #include <string>

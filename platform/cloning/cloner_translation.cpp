@@ -1,9 +1,9 @@
 // The last phase of cloning: the ids that clones hold become those of the destination.
 #include "platform/base/error.h"
-#include "platform/db/clone_state.h"
+#include "platform/cloning/clone_state.h"
+#include "platform/cloning/cloner.h"
 #include "platform/db/database.h"
 #include "platform/db/database_impl.h"
-#include "platform/db/deep_clone.h"
 #include "platform/db/entity.h"
 #include "platform/db/object_extra.h"
 #include "platform/db/proxy_object.h"

@@ -6,13 +6,12 @@
 
 #include "platform/base/error.h"
 #include "platform/db/audit_info.h"
-#include "platform/db/block_reference.h"
 #include "platform/db/block_table.h"
 #include "platform/db/block_table_record.h"
-#include "platform/db/clone_names.h"
 #include "platform/db/database.h"
 #include "platform/db/database_impl.h"
 #include "platform/db/dictionary.h"
+#include "platform/db/owner_listing.h"
 #include "platform/db/symbol_table.h"
 #include "platform/filer/id_filer.h"
 #include "platform/filer/memory_filer.h"
@@ -279,9 +278,9 @@ class Audit {
   // Law 6.
   void checkBlockReferences(OdDbObjectId id) {
     if (id.isErased() || id.objectClass() == nullptr) return;
-    if (id.objectClass()->isDerivedFrom(OdDbBlockReference::desc())) {
-      const OdDbBlockReferencePtr reference = id.openAs<OdDbBlockReference>();
-      if (!reference.isNull()) checkIsListed(id, reference->blockTableRecord());
+    if (id.objectClass()->isDerivedFrom(OdDbEntity::desc())) {
+      const OdDbEntityPtr entity = id.openAs<OdDbEntity>();
+      if (!entity.isNull()) checkIsListed(id, entity->insertedBlock());
     } else if (id.objectClass()->isDerivedFrom(OdDbBlockTableRecord::desc())) {
       const OdDbBlockTableRecordPtr block = id.openAs<OdDbBlockTableRecord>();
       if (!block.isNull()) checkListed(block);
@@ -308,8 +307,8 @@ class Audit {
 
   void checkListed(const OdDbBlockTableRecordPtr& block) {
     for (const OdDbObjectId& reference : block->getBlockReferenceIds()) {
-      const OdDbBlockReferencePtr object = reference.openAs<OdDbBlockReference>();
-      if (!object.isNull() && object->blockTableRecord() == block->objectId()) continue;
+      const OdDbEntityPtr entity = reference.openAs<OdDbEntity>();
+      if (!entity.isNull() && entity->insertedBlock() == block->objectId()) continue;
       if (found(block->objectId(), L"listed reference " + reference.getHandle().ascii(),
                 L"a reference to the block", L"no entry")) {
         block->upgradeOpen();
@@ -341,5 +340,3 @@ void OdDbDatabase::audit(OdDbAuditInfo* info) {
   if (info->fixErrors() && isReadOnly()) throw OdError(eReadOnlyDatabase, getFilename());
   Audit(this, info).run();
 }
-
-void OdDbObject::audit(OdDbAuditInfo*) {}

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "platform/base/result.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/db_object.h"
-#include "platform/db/id_mapping.h"
 
 class OdDbBlockTableRecord;
 struct OdDbCloneState;
