@@ -8,6 +8,7 @@
 #include "platform/cloning/clone_state.h"
 #include "platform/db/database.h"
 #include "platform/db/database_impl.h"
+#include "platform/db/internal_access.h"
 #include "platform/db/owner_listing.h"
 #include "platform/db/proxy_object.h"
 #include "platform/db/reactor_calls.h"
@@ -15,10 +16,6 @@
 #include "platform/filer/id_filer.h"
 
 namespace {
-
-bool isOwnership(OdDb::ReferenceType type) {
-  return type == OdDb::kSoftOwnershipRef || type == OdDb::kHardOwnershipRef;
-}
 
 OdString nameOf(const OdDbObject* object) {
   return object->isA()->name() + L"(" + object->getDbHandle().ascii() + L")";
@@ -97,14 +94,9 @@ OdResult OdDbCloner::run(const OdDbObjectIdArray& ids, const OdDbObjectId& owner
   }
   const std::size_t numUntranslated = m_state.untranslated.size();
   OdDbTransaction transaction(m_mapping.destDb());
-  m_state.running = true;
   m_state.entered.clear();
   try {
-    seedRoots();
-    clonePrimaries(ids, owner);
-    finishFollowed();
-    if (!deferXlation) translateAll();
-    m_state.running = false;
+    runPhases(ids, owner, deferXlation);
     return transaction.commit();
   } catch (const OdError& error) {
     rollBack(numUntranslated);
@@ -117,6 +109,15 @@ OdResult OdDbCloner::run(const OdDbObjectIdArray& ids, const OdDbObjectId& owner
     rollBack(numUntranslated);
     throw;
   }
+}
+
+void OdDbCloner::runPhases(const OdDbObjectIdArray& ids, const OdDbObjectId& owner,
+                           bool deferXlation) {
+  const OdDbBusyMark running(m_state.running);
+  seedRoots();
+  clonePrimaries(ids, owner);
+  finishFollowed();
+  if (!deferXlation) translateAll();
 }
 
 OdResult OdDbCloner::check(const OdDbObjectIdArray& ids, const OdDbObjectId& owner) const {
@@ -204,7 +205,6 @@ void OdDbCloner::rollBack(std::size_t numUntranslated) {
   m_state.followed.clear();
   m_state.numFollowed = 0;
   m_state.untranslated.resize(std::min(numUntranslated, m_state.untranslated.size()));
-  m_state.running = false;
 }
 
 // ---- One clone
@@ -261,7 +261,6 @@ OdDbObjectPtr OdDbCloner::makeClone(const OdDbObject* source, OdDbObject* owner,
   OdDbIdPair pair(source->objectId(), id, /*cloned=*/true, isPrimary);
   enterPair(pair);
   if (!m_state.ids.empty() || source->hasXData()) {
-    id.idRecord()->set(OdDbIdRecord::kInFlux);
     m_state.untranslated.push_back(id);
   }
   if (isPrimary && owner != nullptr && replaced.isNull()) {
@@ -284,7 +283,7 @@ void OdDbCloner::fileSource(const OdDbObject* source) {
   source->dwgOutFields(&filer);
   const bool follows = m_type == OdDbDwgFiler::kWblockCloneFiler && toOtherDatabase();
   for (const OdDbFiledId& filed : m_state.ids) {
-    if (isOwnership(filed.type)) {
+    if (OdDb::isOwnership(filed.type)) {
       m_state.owned.push_back(filed.id);
     } else if (follows && filed.type == OdDb::kHardPointerRef) {
       m_state.followed.push_back(filed.id);
@@ -329,7 +328,7 @@ void OdDbCloner::eraseOwnedOf(OdDbObject* object) {
   OdDbIdFiler filer;
   object->dwgOutFields(&filer);
   for (const OdDbFiledId& filed : filer.ids()) {
-    if (!isOwnership(filed.type)) continue;
+    if (!OdDb::isOwnership(filed.type)) continue;
     const OdDbObjectPtr owned = filed.id.openObject(OdDb::kForWrite);
     if (!owned.isNull() && owned->ownerId() == object->objectId()) owned->erase();
   }

@@ -70,7 +70,6 @@ class OdDbCloner {
 
  private:
   class Nesting;
-  class InternalWrite;
 
   static OdDbCloneState& stateOf(OdDbIdMapping& mapping);
   [[nodiscard]] bool toOtherDatabase() const;
@@ -80,6 +79,7 @@ class OdDbCloner {
 
   // Phases (deep_clone.cpp).
   [[nodiscard]] OdResult check(const OdDbObjectIdArray& ids, const OdDbObjectId& owner) const;
+  void runPhases(const OdDbObjectIdArray& ids, const OdDbObjectId& owner, bool deferXlation);
   void seedRoots();
   void clonePrimaries(const OdDbObjectIdArray& ids, const OdDbObjectId& owner);
   void finishOwned();

@@ -14,6 +14,7 @@
 #include "platform/db/database.h"
 #include "platform/db/database_impl.h"
 #include "platform/db/host_app_services.h"
+#include "platform/db/open_upgrade.h"
 
 namespace {
 
@@ -182,9 +183,8 @@ void keepNestedPaths(OdDbDatabase* host, const OdDbDatabase* drawing, OdDbIdMapp
     if (clone.isNull() || !clone->isFromExternalReference()) continue;
     const OdString path = host->appServices()->findFile(clone->pathName(), drawing);
     if (path.isEmpty()) continue;
-    clone->upgradeOpen();
+    const OdDbOpenUpgrade upgrade(clone);
     clone->setPathName(path);
-    clone->downgradeOpen();
   }
 }
 

@@ -8,6 +8,7 @@
 #include "platform/db/dictionary.h"
 #include "platform/db/host_app_services.h"
 #include "platform/db/object_extra.h"
+#include "platform/db/open_upgrade.h"
 #include "platform/db/reactor_calls.h"
 #include "platform/db/regapp_table.h"
 
@@ -89,10 +90,8 @@ OdDbObjectId OdDbDatabase::getMaterialDictionaryId(bool createIfNotFound) {
   const OdDbObjectId found = root->getAt(kMaterialDictionary);
   if (!found.isNull() || !createIfNotFound) return found;
   const OdDbDictionaryPtr materials = OdDbDictionary::createObject();
-  root->upgradeOpen();
-  const OdDbObjectId made = root->setAt(kMaterialDictionary, materials);
-  root->downgradeOpen();
-  return made;
+  const OdDbOpenUpgrade upgrade(root);
+  return root->setAt(kMaterialDictionary, materials);
 }
 
 // Objects.
@@ -145,10 +144,8 @@ OdDbObjectId OdDbDatabase::newRegApp(const OdString& name) {
   if (const OdDbObjectId present = table->getAt(name); !present.isNull()) return present;
   const OdSmartPtr<OdDbRegAppTableRecord> record = OdDbRegAppTableRecord::createObject();
   record->setName(name);
-  table->upgradeOpen();
-  const OdDbObjectId id = table->add(record.get());
-  table->downgradeOpen();
-  return id;
+  const OdDbOpenUpgrade upgrade(table);
+  return table->add(record.get());
 }
 
 // Drawing variables.

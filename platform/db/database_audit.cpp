@@ -11,16 +11,13 @@
 #include "platform/db/database.h"
 #include "platform/db/database_impl.h"
 #include "platform/db/dictionary.h"
+#include "platform/db/open_upgrade.h"
 #include "platform/db/owner_listing.h"
 #include "platform/db/symbol_table.h"
 #include "platform/filer/id_filer.h"
 #include "platform/filer/memory_filer.h"
 
 namespace {
-
-bool isOwnership(OdDb::ReferenceType type) {
-  return type == OdDb::kSoftOwnershipRef || type == OdDb::kHardOwnershipRef;
-}
 
 OdString nameOf(OdDbObjectId id) {
   const OdRxClass* objectClass = id.objectClass();
@@ -118,7 +115,7 @@ class Audit {
     object->dwgOutFields(&m_filer);
     bool dangling = false;
     for (const OdDbFiledId& filed : m_filer.ids()) {
-      if (isOwnership(filed.type) && filed.id.isValid()) noteLister(filed.id, id);
+      if (OdDb::isOwnership(filed.type) && filed.id.isValid()) noteLister(filed.id, id);
       if (filed.type == OdDb::kSoftPointerRef || filed.id.isValid()) continue;
       dangling =
           found(id, L"reference to " + filed.id.getHandle().ascii(), L"to an object", L"null") ||
@@ -138,9 +135,8 @@ class Audit {
       if (reactor.isValid()) continue;
       if (found(object->objectId(), L"reactor " + reactor.getHandle().ascii(), L"an object",
                 L"no reactor")) {
-        object->upgradeOpen();
+        const OdDbOpenUpgrade upgrade(object);
         object->removePersistentReactor(reactor);
-        object->downgradeOpen();
       }
     }
   }
@@ -154,7 +150,7 @@ class Audit {
 
   static void dropFrom(OdDbObjectId lister, OdDbObjectId id) {
     const auto drop = [](void* dropped, OdDbObjectId filed, OdDb::ReferenceType type) {
-      const bool drops = isOwnership(type) && filed == *static_cast<OdDbObjectId*>(dropped);
+      const bool drops = OdDb::isOwnership(type) && filed == *static_cast<OdDbObjectId*>(dropped);
       return drops ? OdDbObjectId::kNull : filed;
     };
     readBack(lister, drop, &id);
@@ -299,9 +295,8 @@ class Audit {
     const bool present = std::binary_search(listed.begin(), listed.end(), reference, byHandle);
     if (!present && found(blockId, L"reference " + reference.getHandle().ascii(),
                           L"in the block's list", L"a new entry")) {
-      block->upgradeOpen();
+      const OdDbOpenUpgrade upgrade(block);
       block->noteBlockReference(reference, /*shows=*/true);
-      block->downgradeOpen();
     }
   }
 
@@ -311,9 +306,8 @@ class Audit {
       if (!entity.isNull() && entity->insertedBlock() == block->objectId()) continue;
       if (found(block->objectId(), L"listed reference " + reference.getHandle().ascii(),
                 L"a reference to the block", L"no entry")) {
-        block->upgradeOpen();
+        const OdDbOpenUpgrade upgrade(block);
         block->noteBlockReference(reference, /*shows=*/false);
-        block->downgradeOpen();
       }
     }
   }

@@ -4,6 +4,7 @@
 #include "platform/base/error.h"
 #include "platform/db/database_impl.h"
 #include "platform/db/db_object.h"
+#include "platform/db/internal_access.h"
 #include "platform/db/object_extra.h"
 #include "platform/db/proxy_object.h"
 #include "platform/db/reactor_calls.h"
@@ -71,17 +72,15 @@ OdDbObject* OdDbDatabaseImpl::loadFromStore(OdDbIdRecord* idRecord) {
 }
 
 OdDbObject* OdDbDatabaseImpl::load(OdDbIdRecord* idRecord, const OdDbRecordView& record) {
-  idRecord->set(OdDbIdRecord::kLoading);
-  OdDbObject* object = nullptr;
+  const OdDbLoadingMark loading(idRecord);
   try {
-    object = instantiate(idRecord, record);
+    return instantiate(idRecord, record);
   } catch (const std::exception& error) {
     const OdDbClassEntry* entry = classes.find(record.classId);
     noteDamage(idRecord, describe(idRecord, entry == nullptr ? OdString() : entry->name) +
                              " cannot be read: " + OdString(error.what()));
   }
-  idRecord->clear(OdDbIdRecord::kLoading);
-  return object;
+  return nullptr;
 }
 
 OdDbObject* OdDbDatabaseImpl::instantiate(OdDbIdRecord* idRecord, const OdDbRecordView& record) {
@@ -98,11 +97,11 @@ OdDbObject* OdDbDatabaseImpl::instantiate(OdDbIdRecord* idRecord, const OdDbReco
   OdRxObjectPtr made = known ? rxClass->create() : OdRxObjectPtr(OdDbProxyObject::createObject());
   auto* object = static_cast<OdDbObject*>(made.get());
   object->m_idRecord = idRecord;
-  object->m_bits = OdDbObject::kBitInternalWrite;
   idRecord->objectClass = object->isA();
   idRecord->owner = idOf(record.owner).idRecord();
   idRecord->object = object;
   try {
+    const OdDbInternalWrite internalWrite(object);
     OdDbFileReader reader(record.data, record.size, self, &resolveHandle, this);
     if (known) {
       const OdResult result = object->dwgInFields(&reader);
@@ -115,7 +114,7 @@ OdDbObject* OdDbDatabaseImpl::instantiate(OdDbIdRecord* idRecord, const OdDbReco
     object->m_idRecord = nullptr;
     throw;
   }
-  object->m_bits = known ? 0 : OdDbObject::kBitProxy;
+  if (!known) object->m_bits |= OdDbObject::kBitProxy;
   idRecord->set(OdDbIdRecord::kHeaderKnown);
   if (store) idRecord->set(OdDbIdRecord::kInFile);
   made.detach()->release();  // resident: the database owns it, and nobody has it open
@@ -131,9 +130,10 @@ OdDbObject* OdDbDatabaseImpl::reviveProxy(OdDbIdRecord* idRecord) {
     return proxy;
   }
   std::vector<OdUInt8> bytes;
-  ++proxy->m_refs;
-  proxy->writeRecord(bytes);
-  --proxy->m_refs;
+  {
+    const OdDbInternalRead readable(proxy);
+    proxy->writeRecord(bytes);
+  }
   const OdDbRecordView record{idRecord->handle, proxy->classId(),
                               idRecord->owner == nullptr ? 0 : idRecord->owner->handle,
                               bytes.data(), bytes.size()};

@@ -7,6 +7,7 @@
 #include "platform/db/database_impl.h"
 #include "platform/db/db_object.h"
 #include "platform/db/host_app_services.h"
+#include "platform/db/internal_access.h"
 #include "platform/db/proxy_object.h"
 #include "platform/filer/id_filer.h"
 
@@ -36,6 +37,11 @@ bool isOwnFile(const OdString& path, const OdString& filename) {
   std::error_code failure;
   return std::filesystem::equivalent(std::string(path.utf8()), std::string(filename.utf8()),
                                      failure);
+}
+
+void fileIds(OdDbObject* object, OdDbIdFiler& filer) {
+  const OdDbInternalRead readable(object);
+  object->dwgOutFields(&filer);
 }
 
 // The variable behind a key of the file, null for other keys and unknown variables.
@@ -112,14 +118,10 @@ void OdDbDatabaseImpl::collectErasedSubtree(OdDbIdRecord* root,
     OdDbObject* object = resident(idRecord);
     if (object == nullptr) continue;
     filer.clear();
-    ++object->m_refs;
-    object->dwgOutFields(&filer);
-    --object->m_refs;
+    fileIds(object, filer);
     for (const OdDbFiledId& item : filer.ids()) {
       OdDbIdRecord* child = item.id.idRecord();
-      const bool owned =
-          item.type == OdDb::kSoftOwnershipRef || item.type == OdDb::kHardOwnershipRef;
-      if (!owned || child->database != self) continue;
+      if (!OdDb::isOwnership(item.type) || child->database != self) continue;
       ensureHeader(child);
       if (child->has(OdDbIdRecord::kInFile) && child->owner == idRecord) {
         child->clear(OdDbIdRecord::kInFile);
@@ -171,7 +173,7 @@ OdStatus OdDbDatabaseImpl::writeObject(OdDbRecordStore& target, OdDbIdRecord* id
   writer.clear();
   record.clear();
   OdUInt32 classId = 0;
-  ++object->m_refs;  // readable while it is filed
+  const OdDbInternalRead readable(object);
   try {
     if ((object->m_bits & OdDbObject::kBitProxy) != 0) {
       auto* proxy = static_cast<OdDbProxyObject*>(object);
@@ -183,12 +185,10 @@ OdStatus OdDbDatabaseImpl::writeObject(OdDbRecordStore& target, OdDbIdRecord* id
       writer.assemble(record);
     }
   } catch (const std::exception& error) {
-    --object->m_refs;
     return {eGeneralFailure, OdString("object ") + OdDbHandle(idRecord->handle).ascii() +
                                  " of class " + object->isA()->name() +
                                  " cannot be saved: " + OdString(error.what())};
   }
-  --object->m_refs;
   return target.putRecord({idRecord->handle, classId,
                            idRecord->owner == nullptr ? 0 : idRecord->owner->handle, record.data(),
                            record.size()});

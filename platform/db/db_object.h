@@ -194,6 +194,8 @@ class OdDbObject : public OdGiDrawable {
   friend class OdDbUndoLog;
   friend class OdDbReactorCalls;
   friend class OdDbCloner;
+  friend class OdDbInternalRead;
+  friend class OdDbInternalWrite;
 
   enum Bits : OdUInt16 {
     kBitModified = 1u << 0,  ///< something was changed since the write open began
@@ -212,6 +214,8 @@ class OdDbObject : public OdGiDrawable {
   [[nodiscard]] bool isWritable() const;
   void writeClosed();
   void writeOpened() { m_bits &= static_cast<OdUInt16>(~kBitDowngraded); }
+  /// Counts an open in that mode, which the caller has checked.
+  static OdDbObjectPtr opened(OdDbObject* object, OdDb::OpenMode mode);
   void writeOpensChanged();
   void tellOpenedForModify();
   void lastReferenceGone();

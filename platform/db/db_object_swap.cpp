@@ -22,9 +22,8 @@ OdDbObjectIdArray ownedBy(const OdDbObject* object) {
   object->dwgOutFields(&filer);
   OdDbObjectIdArray owned;
   for (const OdDbFiledId& reference : filer.ids()) {
-    const bool owns =
-        reference.type == OdDb::kSoftOwnershipRef || reference.type == OdDb::kHardOwnershipRef;
-    if (owns && reference.id.ownerId() == object->objectId()) owned.append(reference.id);
+    if (OdDb::isOwnership(reference.type) && reference.id.ownerId() == object->objectId())
+      owned.append(reference.id);
   }
   return owned;
 }

@@ -3,6 +3,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/database_impl.h"
+#include "platform/db/internal_access.h"
 #include "platform/db/object_extra.h"
 #include "platform/db/reactor_calls.h"
 
@@ -270,14 +271,15 @@ void OdDbUndoLog::apply(Stack& from, const Record& record) {
 void OdDbUndoLog::applyState(Stack& from, const Record& record) {
   OdDbObject* object = m_database.resident(record.idRecord);
   if (object == nullptr) throw OdError(eUnknownHandle, OdDbHandle(record.idRecord->handle).ascii());
-  const OdUInt16 bits = object->m_bits;
-  object->m_bits |= OdDbObject::kBitInternalWrite;
-  recordState(object);
-  OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
-  filer.setSharing(true);
-  filer.startReading(record.bytes, record.strings);
-  const OdResult result = object->dwgInFields(&filer);
-  object->m_bits = bits;
+  OdResult result = eOk;
+  {
+    const OdDbInternalWrite internalWrite(object);
+    recordState(object);
+    OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
+    filer.setSharing(true);
+    filer.startReading(record.bytes, record.strings);
+    result = object->dwgInFields(&filer);
+  }
   m_database.markDirty(record.idRecord);
   if (result != eOk) throw OdError(result, OdDbHandle(record.idRecord->handle).ascii());
   OdDbReactorCalls::tell<const OdDbObject*>(object, &OdDbObject::modifyUndone,
@@ -287,12 +289,12 @@ void OdDbUndoLog::applyState(Stack& from, const Record& record) {
 void OdDbUndoLog::applyPartial(Stack& from, const Record& record) {
   OdDbObject* object = m_database.resident(record.idRecord);
   if (object == nullptr) throw OdError(eUnknownHandle, OdDbHandle(record.idRecord->handle).ascii());
-  const OdUInt16 bits = object->m_bits;
-  object->m_bits |= OdDbObject::kBitInternalWrite;
-  OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
-  filer.startReading(record.bytes, record.strings);
-  object->applyPartialUndo(&filer, record.cls);
-  object->m_bits = bits;
+  {
+    const OdDbInternalWrite internalWrite(object);
+    OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
+    filer.startReading(record.bytes, record.strings);
+    object->applyPartialUndo(&filer, record.cls);
+  }
   m_database.markDirty(record.idRecord);
   OdDbReactorCalls::tell<const OdDbObject*>(object, &OdDbObject::modifyUndone,
                                             &OdDbObjectReactor::modifyUndone, object);
