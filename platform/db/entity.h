@@ -97,6 +97,8 @@ class OdDbEntity : public OdDbObject {
 
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
+  OdResult dxfInFields(OdDbDxfFiler* filer) override;
+  void dxfOutFields(OdDbDxfFiler* filer) const override;
 
   // Hooks of the block record that takes the entity in.
   /// Raises when the entity may not stand in that block; nothing has changed yet.
@@ -112,6 +114,10 @@ class OdDbEntity : public OdDbObject {
   virtual OdResult subTransformBy(const OdGeMatrix3d& transform);
 
  private:
+  friend struct OdDbFieldFiling;
+  template <class Fields, class Self>
+  static void fields(Fields& fields, Self& self);
+
   OdDbObjectId m_layerId;
   OdDbObjectId m_linetypeId;
   OdDbObjectId m_materialId;

@@ -31,6 +31,8 @@ class OdDbSymbolTableRecord : public OdDbObject {
 
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
+  OdResult dxfInFields(OdDbDxfFiler* filer) override;
+  void dxfOutFields(OdDbDxfFiler* filer) const override;
   /// Refuses to erase fixed records (eInvalidInput), and to unerase a record whose name another one
   /// has got meanwhile (eDuplicateRecordName).
   OdResult subErase(bool erasing) override;
@@ -39,6 +41,9 @@ class OdDbSymbolTableRecord : public OdDbObject {
 
  private:
   friend class OdDbSymbolTable;
+  friend struct OdDbFieldFiling;
+  template <class Fields, class Self>
+  static void fields(Fields& fields, Self& self);
 
   void storeName(const OdString& name);
   [[nodiscard]] bool isFixed() const;
