@@ -88,7 +88,7 @@ OdResult OdDbCloner::run(const OdDbObjectIdArray& ids, const OdDbObjectId& owner
                          bool deferXlation) {
   const OdResult checked = check(ids, owner);
   if (checked != eOk) return checked;
-  if (m_state.running) {  // called from a hook: the operation that runs goes on and ends it
+  if (m_state.running) {  // called from a hook: the running operation ends it
     clonePrimaries(ids, owner);
     return eOk;
   }
@@ -153,7 +153,7 @@ void OdDbCloner::clonePrimaries(const OdDbObjectIdArray& ids, const OdDbObjectId
     if (!known) receivers.push_back(owner);
     for (const OdDbObjectId& id : ids) m_state.targets.try_emplace(id.ownerId(), owner);
   }
-  // For write where nobody stands in the way, so that its reactors hear of one change.
+  // For write where the open state allows it, so that its reactors hear of one change.
   OdDbObjectPtr ownerObject = owner.openObject(OdDb::kForWrite);
   if (ownerObject.isNull() && !owner.isNull()) ownerObject = owner.safeOpenObject();
   for (const OdDbObjectId& id : ids) {

@@ -24,13 +24,13 @@ constexpr OdUInt32 kScanLimit = 32;
 
 // Partial undo steps; each is the inverse of an edit, and applying it files its own inverse.
 enum Step : OdUInt8 {
-  kCutStep = 1,        ///< soft pointer: the first entity that goes, with all behind it
+  kCutStep = 1,        ///< soft pointer: the first entity to remove, with all after it
   kAppendStep = 2,     ///< list of entities that come to the end
   kReplaceStep = 3,    ///< list that takes the place of all entities
   kReferenceStep = 4,  ///< soft pointer: a reference; bool: it shows this block
 };
 
-// Who refers to a clone is told by the references that are cloned with it, not by its source.
+// The references that are cloned along list themselves with a clone; its source does not know them.
 bool filesReferences(const OdDbDwgFiler* filer) {
   switch (filer->filerType()) {
     case OdDbDwgFiler::kFileFiler:

@@ -30,8 +30,8 @@ OdString nameOf(OdDbObjectId id) {
 ///
 /// 1. A record that cannot be read is reported and left as it is: recovery is another operation.
 /// 2. Ownership and hard pointers that name nothing become null; containers drop such entries.
-///    Soft pointers may name what is gone, except reactors, which are removed.
-/// 3. An object whose owner is gone gets another one, with all that it owns: an entity the block
+///    Soft pointers may name missing objects, except reactors, which are removed.
+/// 3. An object without an owner gets one, with all that it owns: an entity the block
 ///    "audit_<handle of the owner>", any other the dictionary "audit_lost" of the named objects,
 ///    under its handle. Objects below an erased owner are erased in effect and not looked at.
 /// 4. An object that its dictionary, table or block does not list is listed again, in a dictionary

@@ -51,7 +51,7 @@ class OdDbDatabaseImpl {
   OdUInt64 pageOut(OdUInt64 budgetBytes);
   /// Ties a new object to its record in memory and counts it as created.
   OdDbObjectId append(OdDbObject* object, OdDbIdRecord* ownerRecord, OdUInt64 handle);
-  /// Nobody can reach an object whose creation was undone and cannot be redone: it goes.
+  /// Deletes an object whose creation was undone and cannot be redone, unless it is still open.
   static void forgetUncreated(OdDbIdRecord* idRecord);
 
   // Changes.
@@ -75,13 +75,13 @@ class OdDbDatabaseImpl {
   OdStatus compact();
   [[nodiscard]] bool isEffectivelyErased(OdDbIdRecord* idRecord);
 
-  // Notification (reactor_calls.cpp). A reactor that throws is reported and the others are told.
+  // Notification (reactor_calls.cpp). A reactor that throws is reported; the others are called all the same.
   template <class Call>
   void tellDatabaseReactors(Call&& call);
 
   void noteVariableChanged(const OdDbVariableRow* row);
   void report(const OdString& line);
-  /// The database is going away: reactors are told, objects leave memory.
+  /// The end of the database: reactors hear of it, then the objects leave memory.
   void closeObjects();
 
   OdDbDatabase* const self;

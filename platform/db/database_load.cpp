@@ -117,7 +117,7 @@ OdDbObject* OdDbDatabaseImpl::instantiate(OdDbIdRecord* idRecord, const OdDbReco
   if (!known) object->m_bits |= OdDbObject::kBitProxy;
   idRecord->set(OdDbIdRecord::kHeaderKnown);
   if (store) idRecord->set(OdDbIdRecord::kInFile);
-  made.detach()->release();  // resident: the database owns it, and nobody has it open
+  made.detach()->release();  // resident: the database owns it, and it is not open
   return object;
 }
 
@@ -213,7 +213,7 @@ OdDbObjectId OdDbDatabaseImpl::append(OdDbObject* object, OdDbIdRecord* ownerRec
   idRecord->object = object;
   idRecord->flags = OdDbIdRecord::kHeaderKnown;
   object->m_idRecord = idRecord;
-  ++object->m_upgrades;  // whoever made it goes on filling it until its last pointer goes
+  ++object->m_upgrades;  // its maker fills it until the last pointer closes it
   undo.recordCreated(idRecord);
   markDirty(idRecord);
   tellDatabaseReactors(

@@ -44,7 +44,7 @@ void fileIds(OdDbObject* object, OdDbIdFiler& filer) {
   object->dwgOutFields(&filer);
 }
 
-// The variable behind a key of the file, null for other keys and unknown variables.
+// The variable that a key of the file names, null for other keys and unknown variables.
 const OdDbVariableRow* variableOfKey(const std::string& key) {
   const std::string prefix(kVariablePrefix);
   return key.starts_with(prefix) ? OdDbVariables::find(OdString(key.substr(prefix.size())))

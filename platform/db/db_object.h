@@ -26,7 +26,7 @@ using OdDbObjectPtr = OdSmartPtr<OdDbObject>;
 
 /// Base of all filed classes. An object outside a database belongs to its smart pointers; one in a
 /// database belongs to the database, and a smart pointer to it is an open: the pointer remembers
-/// its mode, and the object is closed when the last pointer goes. Several opens may nest.
+/// its mode, and the last pointer closes the object. Several opens may nest.
 ///
 /// State is changed only after assertWriteEnabled(), which saves the old state for undo and tells
 /// reactors. Reactors hear `modified` when the last write open closes, in order of attachment, and

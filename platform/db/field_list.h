@@ -36,7 +36,7 @@
 ///   OdGePoint3d   3 doubles       code, code + 10, code + 20; so OdGeVector3d
 ///   OdCmColor     4 x uint8       code, an int32 of the four bytes, method first
 ///
-/// A check tells whether a value may be kept; one that fails ends reading with eCorruptData.
+/// A check decides whether a value may be kept; one that fails ends reading with eCorruptData.
 /// Reading stores into the members as it goes: after a failure the object is dropped or rolled back
 /// by whoever reads it. The group form begins with a subclass marker (100 and the class name), may
 /// have its groups in any order, and ends before the next marker; groups that no field has are

@@ -1,4 +1,4 @@
-// OdDbObjectId: what needs the database behind the id.
+// OdDbObjectId: members that need the database of the id.
 #include "platform/filer/object_id.h"
 
 #include "platform/base/error.h"

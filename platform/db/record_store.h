@@ -11,7 +11,7 @@
 #include "platform/base/status.h"
 #include "platform/base/types.h"
 
-/// One object as the file keeps it. `data` is borrowed: it belongs to whoever made the view.
+/// One object as the file keeps it. `data` is borrowed: the maker of the view owns it.
 struct OdDbRecordView {
   OdUInt64 handle = 0;   ///< never 0 in a stored record
   OdUInt32 classId = 0;  ///< number of the class in the store's class list

@@ -6,7 +6,7 @@
 class OdDbSymbolTableRecord;
 using OdDbSymbolTableRecordPtr = OdSmartPtr<OdDbSymbolTableRecord>;
 
-/// Whether a name may stand in a symbol table. It is not empty, has no control characters and none
+/// Whether a symbol table takes the name. It is not empty, has no control characters and none
 /// of | * \ : ; < > ? " , =, with two exceptions: a leading asterisk and a letter mark an anonymous
 /// name ("*U12", "*Model_Space"), and one bar between two valid names marks a record that depends
 /// on an external reference ("part|WALLS").

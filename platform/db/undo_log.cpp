@@ -154,7 +154,7 @@ OdResult OdDbUndoLog::moveStep(Stack& from, Stack& to) {
   while (isBoundary(from.records.back())) applyLast(from);
   push(Kind::kStep, nullptr);
   while (from.records.size() > first) applyLast(from);
-  // The boundary goes with its step; a mark stays to be found by undoBack().
+  // The boundary leaves with its step; a mark stays for undoBack().
   if (first > 0 && from.records.back().kind == Kind::kStep) truncate(from, first - 1);
   return eOk;
 }

@@ -13,7 +13,7 @@ class OdDbLine : public OdDbEntity {
   /// Points that are not finite raise eInvalidInput.
   void setStartPoint(const OdGePoint3d& point);
   void setEndPoint(const OdGePoint3d& point);
-  /// Normal of the plane that a thickened line would stand on; unit vector.
+  /// Direction in which a thickness would extrude the line; unit vector.
   [[nodiscard]] OdGeVector3d normal() const;
   /// Raises eDegenerateGeometry for a zero vector.
   void setNormal(const OdGeVector3d& normal);
