@@ -10,7 +10,7 @@
 #include "host/cli/property_json.h"
 #include "host/cli/property_text.h"
 #include "host/cli/text_output.h"
-#include "platform/db/db_variables.h"
+#include "platform/db/drawing_settings.h"
 
 namespace cli {
 
@@ -118,7 +118,7 @@ int runDump(const SessionOptions& session, const DumpOptions& options) {
   TextWriter text;
   JsonWriter json;
   Writer& writer = session.json ? static_cast<Writer&>(json) : text;
-  for (const OdDbVariableRow& row : OdDbVariables::rows()) {
+  for (const OdDbSettingRow& row : OdDbDrawingSettings::rows()) {
     writer.variable(row.name, numberOf(*drawing->getSysVar(OdString(row.name))));
   }
   bool sound = true;

@@ -1,4 +1,11 @@
 // Attaching, loading, unloading, detaching and binding of external drawings.
+//
+// A drawing must not lead back to one that shows it. The search for such a cycle keeps the chain of
+// files from the outermost host to the present drawing and walks the external references below it
+// in depth. A file of the chain that is met again closes a cycle, and the chain is then its text.
+// Files that were searched without a result are remembered: each is opened once, so the search
+// ends, and costs one opening for each drawing that can be reached. Paths are compared in their
+// canonical form, as one file has many spellings.
 #include "platform/cloning/xref_man.h"
 
 #include <filesystem>

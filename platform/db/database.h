@@ -67,7 +67,8 @@ class OdDbDatabase : public OdRxObject {
   // Objects.
   /// Adds an object that is in no database and returns its id. With a null handle the next free one
   /// is given; a handle in use raises eHandleInUse. The owner is stored with the object; owners
-  /// that list what they own take it in by their own operations (`setAt`, `appendOdDbEntity`, `add`).
+  /// that list what they own take it in by their own operations (`setAt`, `appendOdDbEntity`,
+  /// `add`).
   OdDbObjectId addOdDbObject(OdDbObject* object, const OdDbObjectId& owner = OdDbObjectId::kNull,
                              const OdDbHandle& handle = OdDbHandle());
   /// Id of a handle. Without `createIfNotFound` a handle that names nothing gives null; with it an
@@ -84,7 +85,7 @@ class OdDbDatabase : public OdRxObject {
   /// Registers an application name; nothing happens when it is there. Returns its id.
   OdDbObjectId newRegApp(const OdString& name);
 
-  // Drawing variables, by upper-case name; see db_variables.h for the table of names, kinds and
+  // Drawing settings, by upper-case name; see drawing_settings.h for the table of names, kinds and
   // limits. Unknown names raise eKeyNotFound, bad values eInvalidInput. Undone and saved.
   [[nodiscard]] OdResBufPtr getSysVar(const OdString& name) const;
   void setSysVar(const OdString& name, const OdResBuf* value);

@@ -1,4 +1,15 @@
 // The check of a whole drawing.
+//
+// The idea: first list every object that is alive, then walk that list once for each law, so that a
+// later phase sees the drawing as the earlier ones left it. References are learned by filing each
+// object into a filer that keeps ids alone, so objects of unknown classes are checked as well.
+//
+// The order matters: dangling references go first, because owners are looked for through what
+// remains; owners follow, because a lost object gets its new one before the lists of references are
+// compared; objects check themselves last, with sound owners around them. The list is not extended
+// by what the check itself makes, so every phase ends. Each object is filed once and opened once a
+// phase; whether an owner is erased is remembered for all objects below it, which keeps deep
+// ownership linear.
 #include <algorithm>
 #include <unordered_map>
 #include <utility>

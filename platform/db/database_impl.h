@@ -9,7 +9,7 @@
 #include "platform/base/string.h"
 #include "platform/db/class_table.h"
 #include "platform/db/database.h"
-#include "platform/db/db_variables.h"
+#include "platform/db/drawing_settings.h"
 #include "platform/db/id_table.h"
 #include "platform/db/record_store.h"
 #include "platform/db/undo_log.h"
@@ -68,18 +68,19 @@ class OdDbDatabaseImpl {
 
   // Saving (database_save.cpp).
   OdStatus openStore(std::unique_ptr<OdDbRecordStore> opened);
-  /// Takes over a stored variable; false when it is damaged, with `reason`. Unknown ones pass.
-  bool adoptVariable(const OdDbStoredVariable& item, OdString* reason = nullptr);
+  /// Takes over a stored setting; false when it is damaged, with `reason`. Unknown ones pass.
+  bool adoptSetting(const OdDbStoredSetting& item, OdString* reason = nullptr);
   OdStatus save();
   OdStatus saveAs(const OdString& path);
   OdStatus compact();
   [[nodiscard]] bool isEffectivelyErased(OdDbIdRecord* idRecord);
 
-  // Notification (reactor_calls.cpp). A reactor that throws is reported; the others are called all the same.
+  // Notification (reactor_calls.cpp). A reactor that throws is reported; the others are called all
+  // the same.
   template <class Call>
   void tellDatabaseReactors(Call&& call);
 
-  void noteVariableChanged(const OdDbVariableRow* row);
+  void noteSettingChanged(const OdDbSettingRow* row);
   void report(const OdString& line);
   /// The end of the database: reactors hear of it, then the objects leave memory.
   void closeObjects();
@@ -90,8 +91,8 @@ class OdDbDatabaseImpl {
   OdString filename;
   OdDbIdTable ids;
   OdDbClassTable classes;
-  OdDbVariables variables;
-  std::vector<const OdDbVariableRow*> changedVariables;  ///< since the last save
+  OdDbDrawingSettings settings;
+  std::vector<const OdDbSettingRow*> changedSettings;  ///< since the last save
   OdDbUndoLog undo;
   std::vector<OdDbIdRecord*> dirty;  ///< all with the flag kDirty, in order of first change
   std::vector<OdDbDatabaseReactor*> reactors;
@@ -125,7 +126,7 @@ class OdDbDatabaseImpl {
   OdStatus writeChanges(SavePlan& plan);
   OdStatus writeEverything(OdDbRecordStore& target, std::vector<OdDbIdRecord*>& written);
   OdStatus writeClasses(OdDbRecordStore& target, bool all);
-  OdStatus writeVariables(OdDbRecordStore& target, bool all);
+  OdStatus writeSettings(OdDbRecordStore& target, bool all);
   void savedTo(const OdString& path);
 };
 

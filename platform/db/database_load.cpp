@@ -1,4 +1,17 @@
-// Bringing objects of a drawing into memory and letting them go again.
+// Bringing objects of a drawing into memory and dropping them again.
+//
+// The idea: an id has its small record from the moment it is first met, and the object joins it at
+// the first open. Class and owner of an id come from the header columns of its stored record, which
+// need no reading of the object. The mark kLoading ends a read that leads back to its own object:
+// the inner open finds no object and gives null.
+//
+// A proxy is revived at an open while nothing has it open: its record is written from the proxy, as
+// base fields may have changed, and read by the class that is registered now. Whether the file
+// holds a record of it does not change by that. When the class cannot read the record the proxy
+// stays.
+//
+// An object may be dropped when the file holds its record as it is, it is neither open nor erased,
+// and no transient reactor would be lost with it.
 #include <string>
 
 #include "platform/base/error.h"

@@ -1,4 +1,17 @@
 // Undo, redo and transactions.
+//
+// The idea: a record holds what is needed to bring one object back, and applying it records the
+// opposite on the other stack first. Undo is then "apply the records of the last step, last one
+// first"; redo is the same with the stacks exchanged; an abort is the same without recording.
+//
+// It is right because the records of a step are applied in the reverse order of the changes: when a
+// record is applied, the drawing is in the state right after its change, so the bytes that it holds
+// are those before the change. A state record covers all later changes of its object in the span,
+// which is why one a span is enough; idRecord->undoStep holds the span that covers an object, and a
+// new span begins at every boundary. Partial records do not cover: each change files its own.
+//
+// A change costs one comparison when its span covers the object, and one filing of the object
+// otherwise. Records lie in three growing buffers that are cut, never searched.
 #include "platform/db/undo_log.h"
 
 #include "platform/base/error.h"
@@ -52,9 +65,9 @@ void OdDbUndoLog::recordSwap(OdDbIdRecord* a, OdDbIdRecord* b) {
   filer.wrSoftPointerId(OdDbObjectId(b));
 }
 
-void OdDbUndoLog::recordVariable(const OdString& name) {
+void OdDbUndoLog::recordSetting(const OdString& name) {
   if (m_target == nullptr) return;
-  push(Kind::kVariable, nullptr);
+  push(Kind::kSetting, nullptr);
   OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, m_target->buffer, m_database.self);
   filer.wrString(name);
   OdResBuf::dwgOutChain(&filer, m_database.self->getSysVar(name).get());
@@ -263,8 +276,8 @@ void OdDbUndoLog::apply(Stack& from, const Record& record) {
     }
     case Kind::kSwapped:
       return applySwap(from, record);
-    case Kind::kVariable:
-      return applyVariable(from, record);
+    case Kind::kSetting:
+      return applySetting(from, record);
   }
 }
 
@@ -335,7 +348,7 @@ void OdDbUndoLog::applySwap(Stack& from, const Record& record) {
   m_database.swapObjects(record.idRecord, other);
 }
 
-void OdDbUndoLog::applyVariable(Stack& from, const Record& record) {
+void OdDbUndoLog::applySetting(Stack& from, const Record& record) {
   OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
   filer.startReading(record.bytes, record.strings);
   const OdString name = filer.rdString();
