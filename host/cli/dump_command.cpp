@@ -8,7 +8,7 @@
 #include "host/cli/paths.h"
 #include "host/cli/property_json.h"
 #include "host/cli/property_text.h"
-#include "platform/db/db_variables.h"
+#include "platform/db/drawing_settings.h"
 
 namespace cli {
 
@@ -114,7 +114,7 @@ int runDump(const SessionSettings& settings, const DumpOptions& options) {
   TextWriter text;
   JsonWriter json;
   Writer& writer = settings.json ? static_cast<Writer&>(json) : text;
-  for (const OdDbVariableRow& row : OdDbVariables::rows()) {
+  for (const OdDbSettingRow& row : OdDbDrawingSettings::rows()) {
     writer.variable(row.name, numberOf(*drawing->getSysVar(OdString(row.name))));
   }
   bool sound = true;

@@ -7,7 +7,7 @@
 #include "host/cli/drawing_facts.h"
 #include "host/cli/opened_drawing.h"
 #include "host/cli/paths.h"
-#include "platform/db/db_variables.h"
+#include "platform/db/drawing_settings.h"
 
 namespace cli {
 
@@ -27,16 +27,16 @@ struct FileFacts {
 
 Json variablesJson(const OdDbDatabase& drawing) {
   Json json = Json::object();
-  for (const OdDbVariableRow& row : OdDbVariables::rows()) {
+  for (const OdDbSettingRow& row : OdDbDrawingSettings::rows()) {
     const OdResBufPtr value = drawing.getSysVar(OdString(row.name));
     switch (row.kind) {
-      case OdDbVariableRow::Kind::kInt16:
+      case OdDbSettingRow::Kind::kInt16:
         json[row.name] = value->getInt16();
         break;
-      case OdDbVariableRow::Kind::kDouble:
+      case OdDbSettingRow::Kind::kDouble:
         json[row.name] = value->getDouble();
         break;
-      case OdDbVariableRow::Kind::kBool:
+      case OdDbSettingRow::Kind::kBool:
         json[row.name] = value->getBool();
         break;
     }

@@ -6,13 +6,13 @@
 #include "platform/cloning/id_mapping.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/clone_service.h"
-#include "platform/db/db_variables.h"
+#include "platform/db/drawing_settings.h"
 #include "platform/db/host_app_services.h"
 
 namespace {
 
-void copyVariables(const OdDbDatabase* from, OdDbDatabase* to) {
-  for (const OdDbVariableRow& row : OdDbVariables::rows()) {
+void copySettings(const OdDbDatabase* from, OdDbDatabase* to) {
+  for (const OdDbSettingRow& row : OdDbDrawingSettings::rows()) {
     const OdString name(row.name);
     to->setSysVar(name, from->getSysVar(name));
   }
@@ -59,7 +59,7 @@ class ClonerService final : public OdDbCloneService {
                     L"object " + blockId.getHandle().ascii() + L" is no block of this drawing");
     }
     const OdDbDatabasePtr drawing = source->appServices()->createDatabase();
-    copyVariables(source, drawing);
+    copySettings(source, drawing);
     if (block->blockInsertUnits() != OdDb::kUnitsUndefined) {
       drawing->setINSUNITS(block->blockInsertUnits());
     }

@@ -18,7 +18,7 @@ struct OdDbCloneState;
 ///    9 (wblock clone); extension dictionary, extended data and persistent reactors come along.
 /// 3. What an object owns, by the ids that it files as ownership, is cloned after it with the clone
 ///    as owner. Chains of any length are walked: by recursion down to kMaxNesting levels, so that a
-///    hook finds the clones of what its object owns, and from a work list behind that.
+///    hook finds the clones of what its object owns, and deeper ones from a work list.
 /// 4. Wblock: hard pointers are followed. What they name is cloned into the counterpart of its
 ///    owner: the target for the contents of the source block, the same root for what roots own,
 ///    dictionaries of the same name, made where missing, for their entries.
@@ -70,7 +70,6 @@ class OdDbCloner {
 
  private:
   class Nesting;
-  class InternalWrite;
 
   static OdDbCloneState& stateOf(OdDbIdMapping& mapping);
   [[nodiscard]] bool toOtherDatabase() const;
@@ -80,6 +79,7 @@ class OdDbCloner {
 
   // Phases (deep_clone.cpp).
   [[nodiscard]] OdResult check(const OdDbObjectIdArray& ids, const OdDbObjectId& owner) const;
+  void runPhases(const OdDbObjectIdArray& ids, const OdDbObjectId& owner, bool deferXlation);
   void seedRoots();
   void clonePrimaries(const OdDbObjectIdArray& ids, const OdDbObjectId& owner);
   void finishOwned();

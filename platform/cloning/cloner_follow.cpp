@@ -8,6 +8,7 @@
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/db/dictionary.h"
+#include "platform/db/open_upgrade.h"
 #include "platform/db/owner_listing.h"
 
 // Clones an object that a hard pointer names, together with whatever of its owners the destination
@@ -70,9 +71,8 @@ bool OdDbCloner::cloneInto(OdDbObjectId source, OdDbObjectId cloneOwner, bool on
 void OdDbCloner::matchDictionary(const OdDbObject* source, OdDbObject* cloneOwner) {
   OdDbObjectId match;
   if (!oddbListsByName(cloneOwner)) {
-    cloneOwner->upgradeOpen();
+    const OdDbOpenUpgrade upgrade(cloneOwner);
     match = cloneOwner->createExtensionDictionary();
-    cloneOwner->downgradeOpen();
   } else {
     OdString name = oddbRecordName(source);
     match = oddbEntryAt(cloneOwner, name);

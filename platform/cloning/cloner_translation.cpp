@@ -5,36 +5,14 @@
 #include "platform/db/database.h"
 #include "platform/db/database_impl.h"
 #include "platform/db/entity.h"
+#include "platform/db/internal_access.h"
 #include "platform/db/object_extra.h"
 #include "platform/db/proxy_object.h"
-
-namespace {
-
-bool isOwnership(OdDb::ReferenceType type) {
-  return type == OdDb::kSoftOwnershipRef || type == OdDb::kHardOwnershipRef;
-}
-
-}  // namespace
-
-/// While it lives the runtime itself fills the object: nothing is recorded and nobody is told.
-class OdDbCloner::InternalWrite {
- public:
-  explicit InternalWrite(OdDbObject* object) : m_object(object) {
-    m_object->m_bits |= OdDbObject::kBitInternalWrite;
-  }
-  ~InternalWrite() { m_object->m_bits &= static_cast<OdUInt16>(~OdDbObject::kBitInternalWrite); }
-  InternalWrite(const InternalWrite&) = delete;
-  InternalWrite& operator=(const InternalWrite&) = delete;
-
- private:
-  OdDbObject* m_object;
-};
 
 void OdDbCloner::translateAll() {
   for (const OdDbObjectId id : m_state.untranslated) {
     const OdDbObjectPtr clone = id.openObject(OdDb::kForWrite);
     if (!clone.isNull()) translate(clone);
-    id.idRecord()->clear(OdDbIdRecord::kInFlux);
   }
   // An entity may tell others about itself, now that it knows the right ones.
   for (const OdDbObjectId id : m_state.untranslated) {
@@ -61,7 +39,7 @@ void OdDbCloner::translate(OdDbObject* clone) {
     clone->assertWriteEnabled(/*autoUndo=*/true, /*recordModified=*/false);
     filer.setIdTranslator(&OdDbCloner::translateId, this);
     filer.startReading(0, 0);
-    const InternalWrite internalWrite(clone);
+    const OdDbInternalWrite internalWrite(clone);
     const OdResult result = clone->dwgInFields(&filer);
     if (result != eOk) {
       throw OdError(result,
@@ -79,7 +57,7 @@ OdDbObjectId OdDbCloner::translated(OdDbObjectId id, OdDb::ReferenceType type) c
   if (id.isNull()) return id;
   OdDbIdPair pair(id);
   if (m_mapping.compute(pair)) return pair.value();
-  if (isOwnership(type)) return id.ownerId() == m_translating ? id : OdDbObjectId::kNull;
+  if (OdDb::isOwnership(type)) return id.ownerId() == m_translating ? id : OdDbObjectId::kNull;
   if (!toOtherDatabase() || id.originalDatabase() == m_mapping.destDb()) return id;
   return counterpart(id);
 }

@@ -1,4 +1,11 @@
 // Attaching, loading, unloading, detaching and binding of external drawings.
+//
+// A drawing must not lead back to one that shows it. The search for such a cycle keeps the chain of
+// files from the outermost host to the present drawing and walks the external references below it
+// in depth. A file of the chain that is met again closes a cycle, and the chain is then its text.
+// Files that were searched without a result are remembered: each is opened once, so the search
+// ends, and costs one opening for each drawing that can be reached. Paths are compared in their
+// canonical form, as one file has many spellings.
 #include "platform/cloning/xref_man.h"
 
 #include <filesystem>
@@ -14,6 +21,7 @@
 #include "platform/db/database.h"
 #include "platform/db/database_impl.h"
 #include "platform/db/host_app_services.h"
+#include "platform/db/open_upgrade.h"
 
 namespace {
 
@@ -182,9 +190,8 @@ void keepNestedPaths(OdDbDatabase* host, const OdDbDatabase* drawing, OdDbIdMapp
     if (clone.isNull() || !clone->isFromExternalReference()) continue;
     const OdString path = host->appServices()->findFile(clone->pathName(), drawing);
     if (path.isEmpty()) continue;
-    clone->upgradeOpen();
+    const OdDbOpenUpgrade upgrade(clone);
     clone->setPathName(path);
-    clone->downgradeOpen();
   }
 }
 

@@ -24,7 +24,7 @@ class OdDbDatabase;
 /// Drawings open lazily: a host drawing that is opened finds its external references unresolved,
 /// and resolve() opens one when it is needed. The host drawing owns what it has opened; unloading
 /// closes it, and every id of the external drawing dies. Failures leave the path in place; they are
-/// told through OdDbHostAppServices::message and the optional `reason`.
+/// reported through OdDbHostAppServices::message and the optional `reason`.
 ///
 /// Null arguments give eNullPointer, blocks that are no external reference eNotApplicable.
 class OdDbXRefMan {
@@ -39,7 +39,7 @@ class OdDbXRefMan {
                          OdDbObjectId& block, bool overlay = false, OdString* reason = nullptr);
   /// Opens the drawing again, also one that the user unloaded. The record is open for write.
   static OdResult load(OdDbBlockTableRecord* block, OdString* reason = nullptr);
-  /// Loads several; goes on after a failure and returns the first one.
+  /// Loads several, also after a failure, and returns the first failure.
   static OdResult load(const OdDbObjectIdArray& blocks);
   /// Opens the drawing when it is needed. One that is open stays as it is; unloaded ones, and those
   /// that no reference shows (status 3), are left alone and give eXrefUnresolved. The record is

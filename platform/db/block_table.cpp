@@ -17,7 +17,7 @@ bool isNumberless(const OdString& name) {
   return name.getLength() == 2 && name.getAt(0) == L'*' && name.getAt(1) != L'|';
 }
 
-// The number behind the prefix; 0 when there is none.
+// The number after the prefix; 0 when there is none.
 OdUInt64 numberBehind(const OdString& prefix, const OdString& name) {
   constexpr OdUInt64 kLimit = 1'000'000'000'000'000;
   OdUInt64 number = 0;

@@ -6,6 +6,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/database.h"
+#include "platform/db/internal_access.h"
 #include "platform/db/list_filing.h"
 #include "platform/db/units.h"
 #include "platform/ge/finite.h"
@@ -23,13 +24,13 @@ constexpr OdUInt32 kScanLimit = 32;
 
 // Partial undo steps; each is the inverse of an edit, and applying it files its own inverse.
 enum Step : OdUInt8 {
-  kCutStep = 1,        ///< soft pointer: the first entity that goes, with all behind it
+  kCutStep = 1,        ///< soft pointer: the first entity to remove, with all after it
   kAppendStep = 2,     ///< list of entities that come to the end
   kReplaceStep = 3,    ///< list that takes the place of all entities
   kReferenceStep = 4,  ///< soft pointer: a reference; bool: it shows this block
 };
 
-// Who refers to a clone is told by the references that are cloned with it, not by its source.
+// The references that are cloned along list themselves with a clone; its source does not know them.
 bool filesReferences(const OdDbDwgFiler* filer) {
   switch (filer->filerType()) {
     case OdDbDwgFiler::kFileFiler:
@@ -261,24 +262,18 @@ OdResult OdDbBlockTableRecord::takeEntities(OdDbBlockTableRecord* source) {
 OdResult OdDbBlockTableRecord::getGeomExtents(OdGeExtents3d& extents) const {
   assertReadEnabled();
   if (m_measuring) return eCircularReference;
-  m_measuring = true;
+  const OdDbBusyMark measuring(m_measuring);
   OdGeExtents3d sum;
   OdResult result = eOk;
   const OdDbObjectIdArray entities = m_entities;
-  try {
-    for (const OdDbObjectId& id : entities) {
-      const OdDbEntityPtr entity = id.openAs<OdDbEntity>();
-      OdGeExtents3d box;
-      if (entity.isNull()) continue;
-      const OdResult measured = entity->getGeomExtents(box);
-      if (measured == eOk) sum.addExt(box);
-      if (measured == eCircularReference) result = measured;
-    }
-  } catch (...) {
-    m_measuring = false;
-    throw;
+  for (const OdDbObjectId& id : entities) {
+    const OdDbEntityPtr entity = id.openAs<OdDbEntity>();
+    OdGeExtents3d box;
+    if (entity.isNull()) continue;
+    const OdResult measured = entity->getGeomExtents(box);
+    if (measured == eOk) sum.addExt(box);
+    if (measured == eCircularReference) result = measured;
   }
-  m_measuring = false;
   if (result != eOk) return result;
   if (!sum.isValidExtents()) return eNotApplicable;
   extents = sum;
@@ -286,14 +281,9 @@ OdResult OdDbBlockTableRecord::getGeomExtents(OdGeExtents3d& extents) const {
 }
 
 bool OdDbBlockTableRecord::subWorldDraw(OdGiWorldDraw* context) const {
-  struct DrawingMark {
-    explicit DrawingMark(bool& flag) : m_flag(flag) { m_flag = true; }
-    ~DrawingMark() { m_flag = false; }
-    bool& m_flag;
-  };
   assertReadEnabled();
   if (m_drawing) return false;
-  const DrawingMark mark(m_drawing);
+  const OdDbBusyMark drawing(m_drawing);
   bool complete = true;
   const OdDbObjectIdArray entities = m_entities;
   for (const OdDbObjectId& id : entities) {

@@ -9,8 +9,11 @@
 #include "platform/base/types.h"
 
 /// Items in rising order of their keys, each key once, kept in sorted chunks of bounded size: an
-/// insertion or removal moves the items of one chunk only, and walking is a walk over arrays.
-/// Chosen over a tree because most sequences hold a few items and there are very many of them.
+/// insertion or removal moves the items of one chunk only, and walking is a walk over arrays. No
+/// chunk is empty, and the last key of a chunk is below the first of the next: so the chunk of a
+/// key is found by bisection over the chunks, and the key by bisection in it. A chunk that grows
+/// beyond its bound is cut in two; one that becomes empty is removed. Chosen over a tree because
+/// most sequences hold a few items and there are very many of them.
 ///
 /// `Order` has static `int compare(const T& item, const Key& key)` for every key type used, T
 /// included. Cursors are valid until generation() changes.

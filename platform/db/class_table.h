@@ -38,7 +38,7 @@ class OdDbClassTable {
   OdDbClassEntry& entryOf(OdRxClass* rxClass);
   /// Entry of the class that another drawing's entry describes; made when it is new here.
   OdDbClassEntry& adopt(const OdDbClassEntry& foreign);
-  /// The registered class of an entry as things stand now; null without one.
+  /// The class that is registered for an entry now; null without one.
   OdRxClass* resolve(OdDbClassEntry& entry);
   [[nodiscard]] const std::deque<OdDbClassEntry>& entries() const { return m_entries; }
   std::deque<OdDbClassEntry>& entries() { return m_entries; }

@@ -8,6 +8,7 @@
 #include "platform/db/dictionary.h"
 #include "platform/db/host_app_services.h"
 #include "platform/db/object_extra.h"
+#include "platform/db/open_upgrade.h"
 #include "platform/db/reactor_calls.h"
 #include "platform/db/regapp_table.h"
 
@@ -89,10 +90,8 @@ OdDbObjectId OdDbDatabase::getMaterialDictionaryId(bool createIfNotFound) {
   const OdDbObjectId found = root->getAt(kMaterialDictionary);
   if (!found.isNull() || !createIfNotFound) return found;
   const OdDbDictionaryPtr materials = OdDbDictionary::createObject();
-  root->upgradeOpen();
-  const OdDbObjectId made = root->setAt(kMaterialDictionary, materials);
-  root->downgradeOpen();
-  return made;
+  const OdDbOpenUpgrade upgrade(root);
+  return root->setAt(kMaterialDictionary, materials);
 }
 
 // Objects.
@@ -145,46 +144,44 @@ OdDbObjectId OdDbDatabase::newRegApp(const OdString& name) {
   if (const OdDbObjectId present = table->getAt(name); !present.isNull()) return present;
   const OdSmartPtr<OdDbRegAppTableRecord> record = OdDbRegAppTableRecord::createObject();
   record->setName(name);
-  table->upgradeOpen();
-  const OdDbObjectId id = table->add(record.get());
-  table->downgradeOpen();
-  return id;
+  const OdDbOpenUpgrade upgrade(table);
+  return table->add(record.get());
 }
 
-// Drawing variables.
+// Drawing settings.
 
 namespace {
 
-const OdDbVariableRow* rowOf(const OdString& name) {
-  const OdDbVariableRow* row = OdDbVariables::find(name);
-  if (row == nullptr) throw OdError(eKeyNotFound, OdString("drawing variable ") + name);
+const OdDbSettingRow* rowOf(const OdString& name) {
+  const OdDbSettingRow* row = OdDbDrawingSettings::find(name);
+  if (row == nullptr) throw OdError(eKeyNotFound, OdString("drawing setting ") + name);
   return row;
 }
 
 }  // namespace
 
 OdResBufPtr OdDbDatabase::getSysVar(const OdString& name) const {
-  return m_impl->variables.get(rowOf(name));
+  return m_impl->settings.get(rowOf(name));
 }
 
 void OdDbDatabase::setSysVar(const OdString& name, const OdResBuf* value) {
-  const OdDbVariableRow* row = rowOf(name);
+  const OdDbSettingRow* row = rowOf(name);
   if (m_impl->readOnly) throw OdError(eReadOnlyDatabase, m_impl->filename);
-  const double before = m_impl->variables.number(row);
-  OdDbVariables trial = m_impl->variables;
+  const double before = m_impl->settings.number(row);
+  OdDbDrawingSettings trial = m_impl->settings;
   OdString reason;
   const OdResult result = trial.set(row, value, &reason);
   if (result != eOk) throw OdError(result, reason);
   if (trial.number(row) == before) return;
-  m_impl->undo.recordVariable(name);
-  m_impl->variables = trial;
-  m_impl->noteVariableChanged(row);
+  m_impl->undo.recordSetting(name);
+  m_impl->settings = trial;
+  m_impl->noteSettingChanged(row);
 }
 
-void OdDbDatabaseImpl::noteVariableChanged(const OdDbVariableRow* row) {
+void OdDbDatabaseImpl::noteSettingChanged(const OdDbSettingRow* row) {
   ++changes;
-  if (std::find(changedVariables.begin(), changedVariables.end(), row) == changedVariables.end()) {
-    changedVariables.push_back(row);
+  if (std::find(changedSettings.begin(), changedSettings.end(), row) == changedSettings.end()) {
+    changedSettings.push_back(row);
   }
   tellDatabaseReactors([this, row](OdDbDatabaseReactor* reactor) {
     reactor->headerSysVarChanged(self, OdString(row->name));
@@ -193,7 +190,7 @@ void OdDbDatabaseImpl::noteVariableChanged(const OdDbVariableRow* row) {
 
 OdDb::UnitsValue OdDbDatabase::getINSUNITS() const {
   return static_cast<OdDb::UnitsValue>(
-      static_cast<int>(m_impl->variables.number(rowOf(OdString("INSUNITS")))));
+      static_cast<int>(m_impl->settings.number(rowOf(OdString("INSUNITS")))));
 }
 
 void OdDbDatabase::setINSUNITS(OdDb::UnitsValue units) {

@@ -67,7 +67,8 @@ class OdDbDatabase : public OdRxObject {
   // Objects.
   /// Adds an object that is in no database and returns its id. With a null handle the next free one
   /// is given; a handle in use raises eHandleInUse. The owner is stored with the object; owners
-  /// that list what they own are told by their own operations (`setAt`, `appendOdDbEntity`, `add`).
+  /// that list what they own take it in by their own operations (`setAt`, `appendOdDbEntity`,
+  /// `add`).
   OdDbObjectId addOdDbObject(OdDbObject* object, const OdDbObjectId& owner = OdDbObjectId::kNull,
                              const OdDbHandle& handle = OdDbHandle());
   /// Id of a handle. Without `createIfNotFound` a handle that names nothing gives null; with it an
@@ -84,7 +85,7 @@ class OdDbDatabase : public OdRxObject {
   /// Registers an application name; nothing happens when it is there. Returns its id.
   OdDbObjectId newRegApp(const OdString& name);
 
-  // Drawing variables, by upper-case name; see db_variables.h for the table of names, kinds and
+  // Drawing settings, by upper-case name; see drawing_settings.h for the table of names, kinds and
   // limits. Unknown names raise eKeyNotFound, bad values eInvalidInput. Undone and saved.
   [[nodiscard]] OdResBufPtr getSysVar(const OdString& name) const;
   void setSysVar(const OdString& name, const OdResBuf* value);
@@ -111,7 +112,7 @@ class OdDbDatabase : public OdRxObject {
   /// Number of steps that undo() could take back one after the other.
   [[nodiscard]] OdUInt32 numUndoSteps() const;
 
-  // Transactions. Each is ended or aborted by whoever started it; see OdDbTransaction for a guard.
+  // Transactions. Each start has one end or abort; OdDbTransaction is the guard.
   void startTransaction();
   /// eTransactionMismatch when none is open.
   OdResult endTransaction();
@@ -141,13 +142,13 @@ class OdDbDatabase : public OdRxObject {
   [[nodiscard]] bool isModified() const;
   /// Writes what changed, in one durable step. A drawing without a file gives eFileAccess.
   OdStatus save();
-  /// Writes everything into a fresh file and goes on working with it.
+  /// Writes everything into a fresh file, which is the drawing's file from then on.
   OdStatus saveAs(const OdString& path);
   /// Rewrites the drawing's file without its free space. Unsaved changes are saved first.
   OdStatus compact();
   /// Loads every object now, checking each and the file as a whole.
   OdStatus loadAll();
-  /// Drops unmodified objects that nobody has open until about `budgetBytes` stay resident.
+  /// Drops unmodified objects that are not open until about `budgetBytes` stay resident.
   /// Returns the number dropped.
   OdUInt64 pageOut(OdUInt64 budgetBytes);
   /// Errors met while objects were loaded, since the drawing was opened: one line each.

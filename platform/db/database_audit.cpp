@@ -1,4 +1,15 @@
 // The check of a whole drawing.
+//
+// The idea: first list every object that is alive, then walk that list once for each law, so that a
+// later phase sees the drawing as the earlier ones left it. References are learned by filing each
+// object into a filer that keeps ids alone, so objects of unknown classes are checked as well.
+//
+// The order matters: dangling references go first, because owners are looked for through what
+// remains; owners follow, because a lost object gets its new one before the lists of references are
+// compared; objects check themselves last, with sound owners around them. The list is not extended
+// by what the check itself makes, so every phase ends. Each object is filed once and opened once a
+// phase; whether an owner is erased is remembered for all objects below it, which keeps deep
+// ownership linear.
 #include <algorithm>
 #include <unordered_map>
 #include <utility>
@@ -11,16 +22,13 @@
 #include "platform/db/database.h"
 #include "platform/db/database_impl.h"
 #include "platform/db/dictionary.h"
+#include "platform/db/open_upgrade.h"
 #include "platform/db/owner_listing.h"
 #include "platform/db/symbol_table.h"
 #include "platform/filer/id_filer.h"
 #include "platform/filer/memory_filer.h"
 
 namespace {
-
-bool isOwnership(OdDb::ReferenceType type) {
-  return type == OdDb::kSoftOwnershipRef || type == OdDb::kHardOwnershipRef;
-}
 
 OdString nameOf(OdDbObjectId id) {
   const OdRxClass* objectClass = id.objectClass();
@@ -33,8 +41,8 @@ OdString nameOf(OdDbObjectId id) {
 ///
 /// 1. A record that cannot be read is reported and left as it is: recovery is another operation.
 /// 2. Ownership and hard pointers that name nothing become null; containers drop such entries.
-///    Soft pointers may name what is gone, except reactors, which are removed.
-/// 3. An object whose owner is gone gets another one, with all that it owns: an entity the block
+///    Soft pointers may name missing objects, except reactors, which are removed.
+/// 3. An object without an owner gets one, with all that it owns: an entity the block
 ///    "audit_<handle of the owner>", any other the dictionary "audit_lost" of the named objects,
 ///    under its handle. Objects below an erased owner are erased in effect and not looked at.
 /// 4. An object that its dictionary, table or block does not list is listed again, in a dictionary
@@ -118,7 +126,7 @@ class Audit {
     object->dwgOutFields(&m_filer);
     bool dangling = false;
     for (const OdDbFiledId& filed : m_filer.ids()) {
-      if (isOwnership(filed.type) && filed.id.isValid()) noteLister(filed.id, id);
+      if (OdDb::isOwnership(filed.type) && filed.id.isValid()) noteLister(filed.id, id);
       if (filed.type == OdDb::kSoftPointerRef || filed.id.isValid()) continue;
       dangling =
           found(id, L"reference to " + filed.id.getHandle().ascii(), L"to an object", L"null") ||
@@ -138,9 +146,8 @@ class Audit {
       if (reactor.isValid()) continue;
       if (found(object->objectId(), L"reactor " + reactor.getHandle().ascii(), L"an object",
                 L"no reactor")) {
-        object->upgradeOpen();
+        const OdDbOpenUpgrade upgrade(object);
         object->removePersistentReactor(reactor);
-        object->downgradeOpen();
       }
     }
   }
@@ -154,7 +161,7 @@ class Audit {
 
   static void dropFrom(OdDbObjectId lister, OdDbObjectId id) {
     const auto drop = [](void* dropped, OdDbObjectId filed, OdDb::ReferenceType type) {
-      const bool drops = isOwnership(type) && filed == *static_cast<OdDbObjectId*>(dropped);
+      const bool drops = OdDb::isOwnership(type) && filed == *static_cast<OdDbObjectId*>(dropped);
       return drops ? OdDbObjectId::kNull : filed;
     };
     readBack(lister, drop, &id);
@@ -299,9 +306,8 @@ class Audit {
     const bool present = std::binary_search(listed.begin(), listed.end(), reference, byHandle);
     if (!present && found(blockId, L"reference " + reference.getHandle().ascii(),
                           L"in the block's list", L"a new entry")) {
-      block->upgradeOpen();
+      const OdDbOpenUpgrade upgrade(block);
       block->noteBlockReference(reference, /*shows=*/true);
-      block->downgradeOpen();
     }
   }
 
@@ -311,9 +317,8 @@ class Audit {
       if (!entity.isNull() && entity->insertedBlock() == block->objectId()) continue;
       if (found(block->objectId(), L"listed reference " + reference.getHandle().ascii(),
                 L"a reference to the block", L"no entry")) {
-        block->upgradeOpen();
+        const OdDbOpenUpgrade upgrade(block);
         block->noteBlockReference(reference, /*shows=*/false);
-        block->downgradeOpen();
       }
     }
   }

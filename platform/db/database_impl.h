@@ -9,7 +9,7 @@
 #include "platform/base/string.h"
 #include "platform/db/class_table.h"
 #include "platform/db/database.h"
-#include "platform/db/db_variables.h"
+#include "platform/db/drawing_settings.h"
 #include "platform/db/id_table.h"
 #include "platform/db/record_store.h"
 #include "platform/db/undo_log.h"
@@ -51,7 +51,7 @@ class OdDbDatabaseImpl {
   OdUInt64 pageOut(OdUInt64 budgetBytes);
   /// Ties a new object to its record in memory and counts it as created.
   OdDbObjectId append(OdDbObject* object, OdDbIdRecord* ownerRecord, OdUInt64 handle);
-  /// Nobody can reach an object whose creation was undone and cannot be redone: it goes.
+  /// Deletes an object whose creation was undone and cannot be redone, unless it is still open.
   static void forgetUncreated(OdDbIdRecord* idRecord);
 
   // Changes.
@@ -68,20 +68,21 @@ class OdDbDatabaseImpl {
 
   // Saving (database_save.cpp).
   OdStatus openStore(std::unique_ptr<OdDbRecordStore> opened);
-  /// Takes over a stored variable; false when it is damaged, with `reason`. Unknown ones pass.
-  bool adoptVariable(const OdDbStoredVariable& item, OdString* reason = nullptr);
+  /// Takes over a stored setting; false when it is damaged, with `reason`. Unknown ones pass.
+  bool adoptSetting(const OdDbStoredSetting& item, OdString* reason = nullptr);
   OdStatus save();
   OdStatus saveAs(const OdString& path);
   OdStatus compact();
   [[nodiscard]] bool isEffectivelyErased(OdDbIdRecord* idRecord);
 
-  // Notification (reactor_calls.cpp). A reactor that throws is reported and the others are told.
+  // Notification (reactor_calls.cpp). A reactor that throws is reported; the others are called all
+  // the same.
   template <class Call>
   void tellDatabaseReactors(Call&& call);
 
-  void noteVariableChanged(const OdDbVariableRow* row);
+  void noteSettingChanged(const OdDbSettingRow* row);
   void report(const OdString& line);
-  /// The database is going away: reactors are told, objects leave memory.
+  /// The end of the database: reactors hear of it, then the objects leave memory.
   void closeObjects();
 
   OdDbDatabase* const self;
@@ -90,8 +91,8 @@ class OdDbDatabaseImpl {
   OdString filename;
   OdDbIdTable ids;
   OdDbClassTable classes;
-  OdDbVariables variables;
-  std::vector<const OdDbVariableRow*> changedVariables;  ///< since the last save
+  OdDbDrawingSettings settings;
+  std::vector<const OdDbSettingRow*> changedSettings;  ///< since the last save
   OdDbUndoLog undo;
   std::vector<OdDbIdRecord*> dirty;  ///< all with the flag kDirty, in order of first change
   std::vector<OdDbDatabaseReactor*> reactors;
@@ -125,7 +126,7 @@ class OdDbDatabaseImpl {
   OdStatus writeChanges(SavePlan& plan);
   OdStatus writeEverything(OdDbRecordStore& target, std::vector<OdDbIdRecord*>& written);
   OdStatus writeClasses(OdDbRecordStore& target, bool all);
-  OdStatus writeVariables(OdDbRecordStore& target, bool all);
+  OdStatus writeSettings(OdDbRecordStore& target, bool all);
   void savedTo(const OdString& path);
 };
 

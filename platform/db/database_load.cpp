@@ -1,9 +1,23 @@
-// Bringing objects of a drawing into memory and letting them go again.
+// Bringing objects of a drawing into memory and dropping them again.
+//
+// The idea: an id has its small record from the moment it is first met, and the object joins it at
+// the first open. Class and owner of an id come from the header columns of its stored record, which
+// need no reading of the object. The mark kLoading ends a read that leads back to its own object:
+// the inner open finds no object and gives null.
+//
+// A proxy is revived at an open while nothing has it open: its record is written from the proxy, as
+// base fields may have changed, and read by the class that is registered now. Whether the file
+// holds a record of it does not change by that. When the class cannot read the record the proxy
+// stays.
+//
+// An object may be dropped when the file holds its record as it is, it is neither open nor erased,
+// and no transient reactor would be lost with it.
 #include <string>
 
 #include "platform/base/error.h"
 #include "platform/db/database_impl.h"
 #include "platform/db/db_object.h"
+#include "platform/db/internal_access.h"
 #include "platform/db/object_extra.h"
 #include "platform/db/proxy_object.h"
 #include "platform/db/reactor_calls.h"
@@ -71,17 +85,15 @@ OdDbObject* OdDbDatabaseImpl::loadFromStore(OdDbIdRecord* idRecord) {
 }
 
 OdDbObject* OdDbDatabaseImpl::load(OdDbIdRecord* idRecord, const OdDbRecordView& record) {
-  idRecord->set(OdDbIdRecord::kLoading);
-  OdDbObject* object = nullptr;
+  const OdDbLoadingMark loading(idRecord);
   try {
-    object = instantiate(idRecord, record);
+    return instantiate(idRecord, record);
   } catch (const std::exception& error) {
     const OdDbClassEntry* entry = classes.find(record.classId);
     noteDamage(idRecord, describe(idRecord, entry == nullptr ? OdString() : entry->name) +
                              " cannot be read: " + OdString(error.what()));
   }
-  idRecord->clear(OdDbIdRecord::kLoading);
-  return object;
+  return nullptr;
 }
 
 OdDbObject* OdDbDatabaseImpl::instantiate(OdDbIdRecord* idRecord, const OdDbRecordView& record) {
@@ -98,11 +110,11 @@ OdDbObject* OdDbDatabaseImpl::instantiate(OdDbIdRecord* idRecord, const OdDbReco
   OdRxObjectPtr made = known ? rxClass->create() : OdRxObjectPtr(OdDbProxyObject::createObject());
   auto* object = static_cast<OdDbObject*>(made.get());
   object->m_idRecord = idRecord;
-  object->m_bits = OdDbObject::kBitInternalWrite;
   idRecord->objectClass = object->isA();
   idRecord->owner = idOf(record.owner).idRecord();
   idRecord->object = object;
   try {
+    const OdDbInternalWrite internalWrite(object);
     OdDbFileReader reader(record.data, record.size, self, &resolveHandle, this);
     if (known) {
       const OdResult result = object->dwgInFields(&reader);
@@ -115,10 +127,10 @@ OdDbObject* OdDbDatabaseImpl::instantiate(OdDbIdRecord* idRecord, const OdDbReco
     object->m_idRecord = nullptr;
     throw;
   }
-  object->m_bits = known ? 0 : OdDbObject::kBitProxy;
+  if (!known) object->m_bits |= OdDbObject::kBitProxy;
   idRecord->set(OdDbIdRecord::kHeaderKnown);
   if (store) idRecord->set(OdDbIdRecord::kInFile);
-  made.detach()->release();  // resident: the database owns it, and nobody has it open
+  made.detach()->release();  // resident: the database owns it, and it is not open
   return object;
 }
 
@@ -131,9 +143,10 @@ OdDbObject* OdDbDatabaseImpl::reviveProxy(OdDbIdRecord* idRecord) {
     return proxy;
   }
   std::vector<OdUInt8> bytes;
-  ++proxy->m_refs;
-  proxy->writeRecord(bytes);
-  --proxy->m_refs;
+  {
+    const OdDbInternalRead readable(proxy);
+    proxy->writeRecord(bytes);
+  }
   const OdDbRecordView record{idRecord->handle, proxy->classId(),
                               idRecord->owner == nullptr ? 0 : idRecord->owner->handle,
                               bytes.data(), bytes.size()};
@@ -213,7 +226,7 @@ OdDbObjectId OdDbDatabaseImpl::append(OdDbObject* object, OdDbIdRecord* ownerRec
   idRecord->object = object;
   idRecord->flags = OdDbIdRecord::kHeaderKnown;
   object->m_idRecord = idRecord;
-  ++object->m_upgrades;  // whoever made it goes on filling it until its last pointer goes
+  ++object->m_upgrades;  // its maker fills it until the last pointer closes it
   undo.recordCreated(idRecord);
   markDirty(idRecord);
   tellDatabaseReactors(

@@ -1,4 +1,15 @@
 // Writing a drawing to its file: changed records only, or everything into a fresh file.
+//
+// The idea of save: plan, write, and only after the commit bring the flags in memory up to date, so
+// that a save that fails leaves both the file and the drawing as they were. The plan sorts what
+// changed into records to write, records to remove, and erased objects that no file holds.
+//
+// An erased object leaves the file with all that it owns, though what it owns is not erased itself:
+// the subtree is loaded before it is removed, stays in memory, and is written again by the next
+// save after its owner came back. Records are written in rising handle order, so that equal
+// drawings give equal files.
+//
+// It costs one filing for each changed object, plus the loading of what erased objects own.
 #include <algorithm>
 #include <filesystem>
 #include <string>
@@ -7,14 +18,15 @@
 #include "platform/db/database_impl.h"
 #include "platform/db/db_object.h"
 #include "platform/db/host_app_services.h"
+#include "platform/db/internal_access.h"
 #include "platform/db/proxy_object.h"
 #include "platform/filer/id_filer.h"
 
 namespace {
 
 constexpr const char* kSeedKey = "HANDSEED";
-constexpr const char* kVariablePrefix = "VAR.";
-const std::vector<OdDbStoredVariable> kNoVariables;
+constexpr const char* kSettingPrefix = "VAR.";
+const std::vector<OdDbStoredSetting> kNoSettings;
 
 std::string encodeSeed(OdUInt64 seed) {
   std::string text(8, '\0');
@@ -38,10 +50,15 @@ bool isOwnFile(const OdString& path, const OdString& filename) {
                                      failure);
 }
 
-// The variable behind a key of the file, null for other keys and unknown variables.
-const OdDbVariableRow* variableOfKey(const std::string& key) {
-  const std::string prefix(kVariablePrefix);
-  return key.starts_with(prefix) ? OdDbVariables::find(OdString(key.substr(prefix.size())))
+void fileIds(OdDbObject* object, OdDbIdFiler& filer) {
+  const OdDbInternalRead readable(object);
+  object->dwgOutFields(&filer);
+}
+
+// The setting that a key of the file names, null for other keys and unknown settings.
+const OdDbSettingRow* settingOfKey(const std::string& key) {
+  const std::string prefix(kSettingPrefix);
+  return key.starts_with(prefix) ? OdDbDrawingSettings::find(OdString(key.substr(prefix.size())))
                                  : nullptr;
 }
 
@@ -56,14 +73,14 @@ struct OdDbDatabaseImpl::SavePlan {
 
 // Opening.
 
-// A variable of a newer program is left alone: it stays in the file as it is.
-bool OdDbDatabaseImpl::adoptVariable(const OdDbStoredVariable& item, OdString* reason) {
+// A setting of a newer program is left alone: it stays in the file as it is.
+bool OdDbDatabaseImpl::adoptSetting(const OdDbStoredSetting& item, OdString* reason) {
   if (item.key == kSeedKey) {
     if (reason != nullptr) *reason = OdString("it is no handle");
     return decodeSeed(item.value, seed);
   }
-  const OdDbVariableRow* row = variableOfKey(item.key);
-  return row == nullptr || variables.deserialise(row, item.value, reason) == eOk;
+  const OdDbSettingRow* row = settingOfKey(item.key);
+  return row == nullptr || settings.deserialise(row, item.value, reason) == eOk;
 }
 
 OdStatus OdDbDatabaseImpl::openStore(std::unique_ptr<OdDbRecordStore> opened) {
@@ -73,10 +90,10 @@ OdStatus OdDbDatabaseImpl::openStore(std::unique_ptr<OdDbRecordStore> opened) {
                                 " is damaged"};
     }
   }
-  for (const OdDbStoredVariable& item : opened->variables()) {
+  for (const OdDbStoredSetting& item : opened->settings()) {
     OdString reason;
-    if (!adoptVariable(item, &reason)) {
-      return {eCorruptData, OdString("the variable " + item.key + " of ") + opened->path() +
+    if (!adoptSetting(item, &reason)) {
+      return {eCorruptData, OdString("the setting " + item.key + " of ") + opened->path() +
                                 " is damaged: " + reason};
     }
   }
@@ -112,14 +129,10 @@ void OdDbDatabaseImpl::collectErasedSubtree(OdDbIdRecord* root,
     OdDbObject* object = resident(idRecord);
     if (object == nullptr) continue;
     filer.clear();
-    ++object->m_refs;
-    object->dwgOutFields(&filer);
-    --object->m_refs;
+    fileIds(object, filer);
     for (const OdDbFiledId& item : filer.ids()) {
       OdDbIdRecord* child = item.id.idRecord();
-      const bool owned =
-          item.type == OdDb::kSoftOwnershipRef || item.type == OdDb::kHardOwnershipRef;
-      if (!owned || child->database != self) continue;
+      if (!OdDb::isOwnership(item.type) || child->database != self) continue;
       ensureHeader(child);
       if (child->has(OdDbIdRecord::kInFile) && child->owner == idRecord) {
         child->clear(OdDbIdRecord::kInFile);
@@ -171,7 +184,7 @@ OdStatus OdDbDatabaseImpl::writeObject(OdDbRecordStore& target, OdDbIdRecord* id
   writer.clear();
   record.clear();
   OdUInt32 classId = 0;
-  ++object->m_refs;  // readable while it is filed
+  const OdDbInternalRead readable(object);
   try {
     if ((object->m_bits & OdDbObject::kBitProxy) != 0) {
       auto* proxy = static_cast<OdDbProxyObject*>(object);
@@ -183,12 +196,10 @@ OdStatus OdDbDatabaseImpl::writeObject(OdDbRecordStore& target, OdDbIdRecord* id
       writer.assemble(record);
     }
   } catch (const std::exception& error) {
-    --object->m_refs;
     return {eGeneralFailure, OdString("object ") + OdDbHandle(idRecord->handle).ascii() +
                                  " of class " + object->isA()->name() +
                                  " cannot be saved: " + OdString(error.what())};
   }
-  --object->m_refs;
   return target.putRecord({idRecord->handle, classId,
                            idRecord->owner == nullptr ? 0 : idRecord->owner->handle, record.data(),
                            record.size()});
@@ -203,21 +214,21 @@ OdStatus OdDbDatabaseImpl::writeClasses(OdDbRecordStore& target, bool all) {
   return {};
 }
 
-OdStatus OdDbDatabaseImpl::writeVariables(OdDbRecordStore& target, bool all) {
+OdStatus OdDbDatabaseImpl::writeSettings(OdDbRecordStore& target, bool all) {
   if (all || seed != savedSeed) {
-    const OdStatus status = target.putVariable({kSeedKey, encodeSeed(seed)});
+    const OdStatus status = target.putSetting({kSeedKey, encodeSeed(seed)});
     if (!status.ok()) return status;
   }
-  for (const OdDbVariableRow* row : all ? variables.changed() : changedVariables) {
+  for (const OdDbSettingRow* row : all ? settings.changed() : changedSettings) {
     const OdStatus status =
-        target.putVariable({std::string(kVariablePrefix) + row->name, variables.serialise(row)});
+        target.putSetting({std::string(kSettingPrefix) + row->name, settings.serialise(row)});
     if (!status.ok()) return status;
   }
   // What this program does not know is carried over.
-  for (const OdDbStoredVariable& item : all&& store ? store->variables() : kNoVariables) {
-    const bool ours = item.key == kSeedKey || variableOfKey(item.key) != nullptr;
+  for (const OdDbStoredSetting& item : all&& store ? store->settings() : kNoSettings) {
+    const bool ours = item.key == kSeedKey || settingOfKey(item.key) != nullptr;
     if (ours) continue;
-    if (const OdStatus status = target.putVariable(item); !status.ok()) return status;
+    if (const OdStatus status = target.putSetting(item); !status.ok()) return status;
   }
   return {};
 }
@@ -236,7 +247,7 @@ OdStatus OdDbDatabaseImpl::writeChanges(SavePlan& plan) {
   if (const OdStatus status = writeClasses(*store, /*all=*/false); !status.ok()) {
     return status;
   }
-  return writeVariables(*store, /*all=*/false);
+  return writeSettings(*store, /*all=*/false);
 }
 
 // What is erased itself becomes dirty with its return; what is only below an erased owner does not.
@@ -280,7 +291,7 @@ void OdDbDatabaseImpl::savedTo(const OdString& path) {
   savedSeed = seed;
   savedChanges = changes;
   for (OdDbClassEntry& entry : classes.entries()) entry.inFile = true;
-  changedVariables.clear();
+  changedSettings.clear();
   tellDatabaseReactors([this](OdDbDatabaseReactor* reactor) { reactor->databaseSaved(self); });
 }
 
@@ -302,7 +313,7 @@ OdStatus OdDbDatabaseImpl::writeEverything(OdDbRecordStore& target,
     return status.ok();
   });
   if (status.ok()) status = writeClasses(target, /*all=*/true);
-  if (status.ok()) status = writeVariables(target, /*all=*/true);
+  if (status.ok()) status = writeSettings(target, /*all=*/true);
   return status;
 }
 

@@ -41,7 +41,7 @@ enum XrefStatus : OdInt32 {
   kXrfUnresolved = 5,
 };
 
-/// Length units of a drawing or block (the variable INSUNITS). Numbers are stored.
+/// Length units of a drawing or block (the setting INSUNITS). Numbers are stored.
 enum UnitsValue : OdInt32 {
   kUnitsUndefined = 0,
   kUnitsInches = 1,

@@ -6,6 +6,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/database_impl.h"
+#include "platform/db/internal_access.h"
 #include "platform/db/object_extra.h"
 #include "platform/db/reactor_calls.h"
 
@@ -15,6 +16,13 @@ OdDbObject::OdDbObject() : m_refs(1) {}
 OdDbObject::~OdDbObject() = default;
 
 // Opens.
+
+OdDbObjectPtr OdDbObject::opened(OdDbObject* object, OdDb::OpenMode mode) {
+  if (mode == OdDb::kForRead) return OdDbObjectPtr(object);
+  object->addRefTagged(static_cast<unsigned>(mode));
+  if (mode == OdDb::kForWrite) object->writeOpened();
+  return OdDbObjectPtr::attachTagged(object, static_cast<unsigned>(mode));
+}
 
 void OdDbObject::addRefTagged(unsigned tag) {
   ++m_refs;
@@ -42,10 +50,9 @@ void OdDbObject::lastReferenceGone() {
     return;
   }
   if (m_upgrades == 0) return;
-  ++m_refs;  // reactors may open and close the object while they are told
+  const OdDbInternalRead kept(this);  // reactors may open and close the object meanwhile
   m_upgrades = 0;
   writeClosed();
-  --m_refs;
 }
 
 void OdDbObject::writeClosed() {

@@ -26,7 +26,7 @@ using OdDbObjectPtr = OdSmartPtr<OdDbObject>;
 
 /// Base of all filed classes. An object outside a database belongs to its smart pointers; one in a
 /// database belongs to the database, and a smart pointer to it is an open: the pointer remembers
-/// its mode, and the object is closed when the last pointer goes. Several opens may nest.
+/// its mode, and the last pointer closes the object. Several opens may nest.
 ///
 /// State is changed only after assertWriteEnabled(), which saves the old state for undo and tells
 /// reactors. Reactors hear `modified` when the last write open closes, in order of attachment, and
@@ -194,6 +194,8 @@ class OdDbObject : public OdGiDrawable {
   friend class OdDbUndoLog;
   friend class OdDbReactorCalls;
   friend class OdDbCloner;
+  friend class OdDbInternalRead;
+  friend class OdDbInternalWrite;
 
   enum Bits : OdUInt16 {
     kBitModified = 1u << 0,  ///< something was changed since the write open began
@@ -212,6 +214,8 @@ class OdDbObject : public OdGiDrawable {
   [[nodiscard]] bool isWritable() const;
   void writeClosed();
   void writeOpened() { m_bits &= static_cast<OdUInt16>(~kBitDowngraded); }
+  /// Counts an open in that mode, which the caller has checked.
+  static OdDbObjectPtr opened(OdDbObject* object, OdDb::OpenMode mode);
   void writeOpensChanged();
   void tellOpenedForModify();
   void lastReferenceGone();

@@ -16,15 +16,14 @@ void checkSwappable(const OdDbObject* object) {
   if (!object->isIdSwappable()) throw OdError(eWrongObjectType, name);
 }
 
-/// What the object owns and is told to own it.
+/// What the object files as owned and names it as its owner.
 OdDbObjectIdArray ownedBy(const OdDbObject* object) {
   OdDbIdFiler filer(object->database());
   object->dwgOutFields(&filer);
   OdDbObjectIdArray owned;
   for (const OdDbFiledId& reference : filer.ids()) {
-    const bool owns =
-        reference.type == OdDb::kSoftOwnershipRef || reference.type == OdDb::kHardOwnershipRef;
-    if (owns && reference.id.ownerId() == object->objectId()) owned.append(reference.id);
+    if (OdDb::isOwnership(reference.type) && reference.id.ownerId() == object->objectId())
+      owned.append(reference.id);
   }
   return owned;
 }
@@ -74,7 +73,7 @@ void OdDbObject::subIdSwapped() {}
 void OdDbDatabaseImpl::swapObjects(OdDbIdRecord* a, OdDbIdRecord* b) {
   std::swap(a->object, b->object);
   std::swap(a->objectClass, b->objectClass);
-  std::swap(a->undoStep, b->undoStep);  // what is recorded goes with the object
+  std::swap(a->undoStep, b->undoStep);  // what is recorded belongs to the object
   a->object->m_idRecord = a;
   b->object->m_idRecord = b;
   for (OdDbIdRecord* idRecord : {a, b}) {

@@ -15,7 +15,7 @@ struct OdDbDisplayAttributes {
   bool visible = true;     ///< false: the layer is off or frozen, or the block's is frozen
 };
 
-/// Settles the attributes that an entity told, by these laws:
+/// Settles the attributes that an entity has set, by these laws:
 ///
 ///   1. layer "0" within a block is the layer of the block reference;
 ///   2. by layer is what that layer says;

@@ -5,6 +5,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/database.h"
+#include "platform/db/field_list.h"
 #include "platform/db/layer_table.h"
 #include "platform/ge/finite.h"
 #include "platform/gi/sub_entity_traits.h"
@@ -13,7 +14,6 @@ OD_RX_DEFINE_ABSTRACT(OdDbEntity, OdDbObject, L"OdDbEntity")
 
 namespace {
 
-constexpr OdUInt8 kVersion = 1;
 constexpr const wchar_t* kDefaultLayer = L"0";
 
 bool isLineWeight(OdInt16 weight) {
@@ -226,31 +226,34 @@ void OdDbEntity::subAppended() { setDatabaseDefaults(database()); }
 //   visibility     uint8          0 shown, 1 not
 //   material       hard pointer   null: by layer
 
+template <class Fields, class Self>
+void OdDbEntity::fields(Fields& fields, Self& self) {
+  const auto isVisibility = [](OdUInt8 number) { return number <= OdDb::kInvisible; };
+  fields.version(1);
+  fields.template pointer<OdDb::kHardPointerRef>(340, self.m_layerId);
+  fields.value(420, self.m_color);
+  fields.template pointer<OdDb::kHardPointerRef>(341, self.m_linetypeId);
+  fields.template number<OdInt16>(370, self.m_lineWeight, isLineWeight);
+  fields.template number<OdUInt8>(280, self.m_visibility, isVisibility);
+  fields.template pointer<OdDb::kHardPointerRef>(347, self.m_materialId);
+}
+
 void OdDbEntity::dwgOutFields(OdDbDwgFiler* filer) const {
   OdDbObject::dwgOutFields(filer);
-  filer->wrUInt8(kVersion);
-  filer->wrHardPointerId(m_layerId);
-  m_color.dwgOut(filer);
-  filer->wrHardPointerId(m_linetypeId);
-  filer->wrInt16(m_lineWeight);
-  filer->wrUInt8(m_visibility);
-  filer->wrHardPointerId(m_materialId);
+  OdDbFieldFiling::dwgOut(filer, *this);
 }
 
 OdResult OdDbEntity::dwgInFields(OdDbDwgFiler* filer) {
   const OdResult result = OdDbObject::dwgInFields(filer);
-  if (result != eOk) return result;
-  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
-  m_layerId = filer->rdHardPointerId();
-  const OdResult colorResult = m_color.dwgIn(filer);
-  m_linetypeId = filer->rdHardPointerId();
-  const OdInt16 weight = filer->rdInt16();
-  const OdUInt8 visibility = filer->rdUInt8();
-  m_materialId = filer->rdHardPointerId();
-  if (colorResult != eOk || !isLineWeight(weight) || visibility > OdDb::kInvisible) {
-    return eCorruptData;
-  }
-  m_lineWeight = static_cast<OdDb::LineWeight>(weight);
-  m_visibility = static_cast<OdDb::Visibility>(visibility);
-  return eOk;
+  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
+}
+
+void OdDbEntity::dxfOutFields(OdDbDxfFiler* filer) const {
+  OdDbObject::dxfOutFields(filer);
+  OdDbFieldFiling::dxfOut(filer, *this);
+}
+
+OdResult OdDbEntity::dxfInFields(OdDbDxfFiler* filer) {
+  const OdResult result = OdDbObject::dxfInFields(filer);
+  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
 }

@@ -1,4 +1,4 @@
-// OdDbEntity: base of everything that stands in a block and can be seen.
+// OdDbEntity: base of everything in a block that can be seen.
 #pragma once
 
 #include "platform/db/color.h"
@@ -97,21 +97,27 @@ class OdDbEntity : public OdDbObject {
 
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
+  OdResult dxfInFields(OdDbDxfFiler* filer) override;
+  void dxfOutFields(OdDbDxfFiler* filer) const override;
 
   // Hooks of the block record that takes the entity in.
-  /// Raises when the entity may not stand in that block; nothing has changed yet.
+  /// Raises when the block cannot take the entity; nothing has changed yet.
   virtual void subCheckAppend(const OdDbObjectId& block) const;
   /// The entity is in the database and in the block's list.
   virtual void subAppended();
 
  protected:
-  /// Tells layer, colour, line type, weight and material; false for an entity that is invisible.
+  /// Sets layer, colour, line type, weight and material; false for an entity that is invisible.
   bool subSetAttributes(OdGiSubEntityTraits* traits) const override;
   /// Applies a finite, regular matrix; eNotApplicable by default. The entity is open for write and
   /// its undo state is recorded.
   virtual OdResult subTransformBy(const OdGeMatrix3d& transform);
 
  private:
+  friend struct OdDbFieldFiling;
+  template <class Fields, class Self>
+  static void fields(Fields& fields, Self& self);
+
   OdDbObjectId m_layerId;
   OdDbObjectId m_linetypeId;
   OdDbObjectId m_materialId;

@@ -26,7 +26,7 @@ class RecoveredItems : public OdDbRecoverySink {
   explicit RecoveredItems(OdStringArray& report) : m_report(report) {}
 
   void classFound(const OdDbStoredClass& item) override { classes.push_back(item); }
-  void variableFound(const OdDbStoredVariable& item) override { variables.push_back(item); }
+  void settingFound(const OdDbStoredSetting& item) override { variables.push_back(item); }
   void recordFound(const OdDbRecordView& record) override {
     records[record.handle] = {record.classId, record.owner,
                               std::vector<OdUInt8>(record.data, record.data + record.size)};
@@ -34,7 +34,7 @@ class RecoveredItems : public OdDbRecoverySink {
   void lost(const OdString& line) override { m_report.append(line); }
 
   std::vector<OdDbStoredClass> classes;
-  std::vector<OdDbStoredVariable> variables;
+  std::vector<OdDbStoredSetting> variables;
   std::map<OdUInt64, Item> records;
 
  private:
@@ -98,7 +98,7 @@ OdDbDatabasePtr OdDbHostAppServices::recoverFile(const OdString& path, OdStringA
       report.append(OdString("class " + std::to_string(item.id) + " is damaged"));
     }
   }
-  for (const OdDbStoredVariable& item : items.variables) impl.adoptVariable(item);
+  for (const OdDbStoredSetting& item : items.variables) impl.adoptSetting(item);
   for (const auto& [handle, item] : items.records) {
     impl.seed = std::max(impl.seed, handle + 1);
     OdDbIdRecord* idRecord = impl.ids.findOrCreate(handle);

@@ -1,4 +1,4 @@
-// The records behind ids.
+// The records of ids, in pages of handles.
 #include "platform/db/id_table.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// OdDbIdTable: the records behind a database's ids, found by handle.
+// OdDbIdTable: the records of a database's ids, found by handle.
 #pragma once
 
 #include <array>

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/base/error.h"
+#include "platform/db/field_list.h"
 
 OD_RX_DEFINE_DB(OdDbLayerTable, OdDbSymbolTable, L"OdDbLayerTable", 0, 0, 0, L"LAYER_TABLE",
                 OdString())
@@ -11,8 +12,6 @@ OD_RX_DEFINE_DB(OdDbLayerTableRecord, OdDbSymbolTableRecord, L"OdDbLayerTableRec
                 L"LAYER", OdString())
 
 namespace {
-
-constexpr OdUInt8 kVersion = 1;
 
 bool isLayerLineWeight(OdInt16 weight) {
   return weight == OdDb::kLnWtByLwDefault || (weight >= OdDb::kLnWt000 && weight <= OdDb::kLnWt211);
@@ -87,32 +86,38 @@ void OdDbLayerTableRecord::setLinetypeObjectId(const OdDbObjectId& id) {
 
 // Fields:
 //
-//   version       uint8          1
-//   flags         uint8          bit 0 frozen, 1 off, 2 locked, 3 hidden, 4 not plotted
-//   colour        4 x uint8      see OdCmColor; neither by layer nor by block
-//   line type     hard pointer   null: continuous
-//   pen           int16          hundredths of a millimetre, -3 default
+//   field         binary         groups
+//   version       uint8                  1
+//   flags         uint8          280     bit 0 frozen, 1 off, 2 locked, 3 hidden, 4 not plotted
+//   colour        4 x uint8      420     see OdCmColor; neither by layer nor by block
+//   line type     hard pointer   341     null: continuous
+//   pen           int16          370     hundredths of a millimetre, -3 default
+
+template <class Fields, class Self>
+void OdDbLayerTableRecord::fields(Fields& fields, Self& self) {
+  fields.version(1);
+  fields.value(280, self.m_flags, [](OdUInt8 flags) { return (flags & ~kAllFlags) == 0; });
+  fields.value(420, self.m_color);
+  fields.template pointer<OdDb::kHardPointerRef>(341, self.m_linetypeId);
+  fields.template number<OdInt16>(370, self.m_lineWeight, isLayerLineWeight);
+}
 
 void OdDbLayerTableRecord::dwgOutFields(OdDbDwgFiler* filer) const {
   OdDbSymbolTableRecord::dwgOutFields(filer);
-  filer->wrUInt8(kVersion);
-  filer->wrUInt8(m_flags);
-  m_color.dwgOut(filer);
-  filer->wrHardPointerId(m_linetypeId);
-  filer->wrInt16(m_lineWeight);
+  OdDbFieldFiling::dwgOut(filer, *this);
 }
 
 OdResult OdDbLayerTableRecord::dwgInFields(OdDbDwgFiler* filer) {
   const OdResult result = OdDbSymbolTableRecord::dwgInFields(filer);
-  if (result != eOk) return result;
-  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
-  m_flags = filer->rdUInt8();
-  const OdResult colorResult = m_color.dwgIn(filer);
-  m_linetypeId = filer->rdHardPointerId();
-  const OdInt16 weight = filer->rdInt16();
-  if (colorResult != eOk || (m_flags & ~kAllFlags) != 0 || !isLayerLineWeight(weight)) {
-    return eCorruptData;
-  }
-  m_lineWeight = static_cast<OdDb::LineWeight>(weight);
-  return eOk;
+  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
+}
+
+void OdDbLayerTableRecord::dxfOutFields(OdDbDxfFiler* filer) const {
+  OdDbSymbolTableRecord::dxfOutFields(filer);
+  OdDbFieldFiling::dxfOut(filer, *this);
+}
+
+OdResult OdDbLayerTableRecord::dxfInFields(OdDbDxfFiler* filer) {
+  const OdResult result = OdDbSymbolTableRecord::dxfInFields(filer);
+  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
 }

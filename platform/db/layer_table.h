@@ -33,8 +33,14 @@ class OdDbLayerTableRecord : public OdDbSymbolTableRecord {
 
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
+  OdResult dxfInFields(OdDbDxfFiler* filer) override;
+  void dxfOutFields(OdDbDxfFiler* filer) const override;
 
  private:
+  friend struct OdDbFieldFiling;
+  template <class Fields, class Self>
+  static void fields(Fields& fields, Self& self);
+
   enum Flags : OdUInt8 {
     kFrozen = 1u << 0,
     kOff = 1u << 1,

@@ -4,12 +4,11 @@
 #include <string>
 
 #include "platform/base/error.h"
+#include "platform/db/field_list.h"
 
 OD_RX_DEFINE_DB(OdDbMaterial, OdDbObject, L"OdDbMaterial", 0, 0, 0, L"MATERIAL", OdString())
 
 namespace {
-
-constexpr OdUInt8 kVersion = 1;
 
 // False for what is no number, too.
 bool isFraction(double value) { return value >= 0.0 && value <= 1.0; }
@@ -85,34 +84,40 @@ void OdDbMaterial::setFraction(double& member, double value, const char* what) {
 
 // Fields:
 //
+//   field                  binary      groups
 //   version                uint8
-//   name, description      2 strings
-//   diffuse                4 x uint8   see OdCmColor; neither by block nor none
-//   opacity, shininess     2 doubles   0 to 1
+//   name, description      2 strings   2, 4
+//   diffuse                4 x uint8   420      see OdCmColor; neither by block nor none
+//   opacity, shininess     2 doubles   40, 41   0 to 1
+
+template <class Fields, class Self>
+void OdDbMaterial::fields(Fields& fields, Self& self) {
+  fields.version(1);
+  fields.value(2, self.m_name);
+  fields.value(4, self.m_description);
+  fields.value(420, self.m_diffuse, isSurfaceColor);
+  fields.value(40, self.m_opacity, isFraction);
+  fields.value(41, self.m_shininess, isFraction);
+}
 
 void OdDbMaterial::dwgOutFields(OdDbDwgFiler* filer) const {
   OdDbObject::dwgOutFields(filer);
-  filer->wrUInt8(kVersion);
-  filer->wrString(m_name);
-  filer->wrString(m_description);
-  m_diffuse.dwgOut(filer);
-  filer->wrDouble(m_opacity);
-  filer->wrDouble(m_shininess);
+  OdDbFieldFiling::dwgOut(filer, *this);
 }
 
 OdResult OdDbMaterial::dwgInFields(OdDbDwgFiler* filer) {
   const OdResult result = OdDbObject::dwgInFields(filer);
-  if (result != eOk) return result;
-  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
-  m_name = filer->rdString();
-  m_description = filer->rdString();
-  const OdResult colorResult = m_diffuse.dwgIn(filer);
-  m_opacity = filer->rdDouble();
-  m_shininess = filer->rdDouble();
-  if (colorResult != eOk) return colorResult;
-  const bool isSound =
-      isSurfaceColor(m_diffuse) && isFraction(m_opacity) && isFraction(m_shininess);
-  return isSound ? eOk : eCorruptData;
+  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
+}
+
+void OdDbMaterial::dxfOutFields(OdDbDxfFiler* filer) const {
+  OdDbObject::dxfOutFields(filer);
+  OdDbFieldFiling::dxfOut(filer, *this);
+}
+
+OdResult OdDbMaterial::dxfInFields(OdDbDxfFiler* filer) {
+  const OdResult result = OdDbObject::dxfInFields(filer);
+  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
 }
 
 std::size_t OdDbMaterial::approximateSize() const {

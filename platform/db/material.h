@@ -27,9 +27,15 @@ class OdDbMaterial : public OdDbObject {
 
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
+  OdResult dxfInFields(OdDbDxfFiler* filer) override;
+  void dxfOutFields(OdDbDxfFiler* filer) const override;
   [[nodiscard]] std::size_t approximateSize() const override;
 
  private:
+  friend struct OdDbFieldFiling;
+  template <class Fields, class Self>
+  static void fields(Fields& fields, Self& self);
+
   void setFraction(double& member, double value, const char* what);
 
   OdString m_name;

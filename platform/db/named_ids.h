@@ -17,7 +17,9 @@ struct OdDbNamedId {
 
 /// Ids by names that are compared without regard to case (Unicode folding), in the order of the
 /// folded names. Entries of erased objects stay, so that unerasing brings them back; the owner
-/// skips them where it must. Knows nothing of opening, undo recording or owners.
+/// skips them where it must. The table from ids to names is made when a large list is first asked
+/// for an id, and follows every change from then on. Knows nothing of opening, undo recording or
+/// owners.
 class OdDbNamedIds {
  public:
   struct ByName {

@@ -1,4 +1,4 @@
-// OdDbObjectId: what needs the database behind the id.
+// OdDbObjectId: members that need the database of the id.
 #include "platform/filer/object_id.h"
 
 #include "platform/base/error.h"
@@ -43,17 +43,14 @@ OdResult open(OdDbIdRecord* idRecord, OdDb::OpenMode mode, bool openErased, OdDb
 OdDbObjectPtr OdDbObjectId::openObject(OdDb::OpenMode mode, bool openErased) const {
   OdDbObject* object = nullptr;
   if (open(m_idRecord, mode, openErased, object) != eOk) return OdDbObjectPtr();
-  if (mode == OdDb::kForRead) return OdDbObjectPtr(object);
-  object->addRefTagged(static_cast<unsigned>(mode));
-  if (mode == OdDb::kForWrite) object->writeOpened();
-  return OdDbObjectPtr::attachTagged(object, static_cast<unsigned>(mode));
+  return OdDbObject::opened(object, mode);
 }
 
 OdDbObjectPtr OdDbObjectId::safeOpenObject(OdDb::OpenMode mode, bool openErased) const {
   OdDbObject* object = nullptr;
   const OdResult result = open(m_idRecord, mode, openErased, object);
   if (result != eOk) throw OdError(result, OdString("object ") + getHandle().ascii());
-  return openObject(mode, openErased);
+  return OdDbObject::opened(object, mode);
 }
 
 bool OdDbObjectId::isValid() const {

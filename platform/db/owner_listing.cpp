@@ -4,6 +4,7 @@
 #include "platform/base/error.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/dictionary.h"
+#include "platform/db/open_upgrade.h"
 #include "platform/db/symbol_table.h"
 
 OdString oddbRecordName(const OdDbObject* object) {
@@ -28,16 +29,14 @@ void oddbListWithOwner(OdDbObject* object, OdDbObject* owner, const OdString& na
   const bool isEntity = object->isKindOf(OdDbEntity::desc());
   const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::cast(owner);
   if (isEntity && !block.isNull()) {
-    block->upgradeOpen();
+    const OdDbOpenUpgrade upgrade(block);
     block->appendOdDbEntity(OdDbEntity::cast(object));
-    block->downgradeOpen();
     return;
   }
   const OdDbDictionaryPtr dictionary = OdDbDictionary::cast(owner);
   if (!dictionary.isNull()) {
-    dictionary->upgradeOpen();
+    const OdDbOpenUpgrade upgrade(dictionary);
     dictionary->setAt(name, object);
-    dictionary->downgradeOpen();
     return;
   }
   const OdDbSymbolTablePtr table = OdDbSymbolTable::cast(owner);
@@ -47,7 +46,6 @@ void oddbListWithOwner(OdDbObject* object, OdDbObject* owner, const OdString& na
     throw OdError(eWrongObjectType,
                   object->isA()->name() + L" is no record of table " + owner->isA()->name());
   }
-  table->upgradeOpen();
+  const OdDbOpenUpgrade upgrade(table);
   table->add(record);
-  table->downgradeOpen();
 }

@@ -7,8 +7,8 @@
 #include "platform/db/db_object.h"
 #include "platform/db/object_extra.h"
 
-/// Tells every reactor in order of attachment, persistent ones through an open for notify. Reactors
-/// that were detached meanwhile are left out; one that throws is reported and the others are told.
+/// Calls every reactor in order of attachment, persistent ones through an open for notify. Reactors
+/// that were detached meanwhile are left out; one that throws is reported, and the others are called.
 class OdDbReactorCalls {
  public:
   template <class... Arguments>
@@ -34,7 +34,7 @@ class OdDbReactorCalls {
   }
 
  private:
-  /// `place` is where the reactor stands unless the list changed; then the place of the next one.
+  /// `place` is where the reactor is expected; on return it is the place of the next one.
   static bool isAttached(const OdDbObject* object, const OdDbObject::Extra::Reactor& reactor,
                          std::size_t& place);
   static void reportFailure(const OdDbObject* object, const OdDbObject::Extra::Reactor& reactor,

@@ -11,7 +11,7 @@
 #include "platform/base/status.h"
 #include "platform/base/types.h"
 
-/// One object as the file keeps it. `data` is borrowed: it belongs to whoever made the view.
+/// One object as the file keeps it. `data` is borrowed: the maker of the view owns it.
 struct OdDbRecordView {
   OdUInt64 handle = 0;   ///< never 0 in a stored record
   OdUInt32 classId = 0;  ///< number of the class in the store's class list
@@ -20,12 +20,12 @@ struct OdDbRecordView {
   std::size_t size = 0;  ///< bytes
 };
 
-/// A named class record or drawing variable; `value` is opaque to the store.
+/// A named class record or drawing setting; `value` is opaque to the store.
 struct OdDbStoredClass {
   OdUInt32 id = 0;  ///< 1.. ; never reused within one file
   std::string value;
 };
-struct OdDbStoredVariable {
+struct OdDbStoredSetting {
   std::string key;  ///< UTF-8, unique
   std::string value;
 };
@@ -35,7 +35,7 @@ class OdDbRecoverySink {
  public:
   virtual ~OdDbRecoverySink() = default;
   virtual void classFound(const OdDbStoredClass& item) = 0;
-  virtual void variableFound(const OdDbStoredVariable& item) = 0;
+  virtual void settingFound(const OdDbStoredSetting& item) = 0;
   virtual void recordFound(const OdDbRecordView& record) = 0;
   /// One line about something that could not be brought back.
   virtual void lost(const OdString& line) = 0;
@@ -54,9 +54,9 @@ class OdDbRecordStore {
   [[nodiscard]] virtual int formatVersion() const = 0;
   /// Greatest handle of any record, 0 when there is none. Cheap.
   [[nodiscard]] virtual OdUInt64 maxHandle() = 0;
-  /// Classes and variables, read once when the file was opened.
+  /// Classes and settings, read once when the file was opened.
   [[nodiscard]] virtual const std::vector<OdDbStoredClass>& classes() const = 0;
-  [[nodiscard]] virtual const std::vector<OdDbStoredVariable>& variables() const = 0;
+  [[nodiscard]] virtual const std::vector<OdDbStoredSetting>& settings() const = 0;
 
   /// Reads one record. eUnknownHandle when the file has none (text stays empty then),
   /// eChecksumMismatch or eCorruptData when it is damaged. The view is valid until the next call
@@ -80,7 +80,7 @@ class OdDbRecordStore {
   /// Removing an absent record is not an error.
   virtual OdStatus removeRecord(OdUInt64 handle) = 0;
   virtual OdStatus putClass(const OdDbStoredClass& item) = 0;
-  virtual OdStatus putVariable(const OdDbStoredVariable& item) = 0;
+  virtual OdStatus putSetting(const OdDbStoredSetting& item) = 0;
   /// Durable when it returns eOk; on failure everything is rolled back.
   virtual OdStatus commitSave() = 0;
   virtual void rollbackSave() = 0;

@@ -5,13 +5,13 @@
 
 #include "platform/base/error.h"
 #include "platform/db/database.h"
+#include "platform/db/field_list.h"
 #include "platform/db/symbol_table.h"
 
 OD_RX_DEFINE_ABSTRACT(OdDbSymbolTableRecord, OdDbObject, L"OdDbSymbolTableRecord")
 
 namespace {
 
-constexpr OdUInt8 kVersion = 1;
 constexpr std::wstring_view kForbidden = L"|*\\:;<>?\",=";
 
 bool isPlainName(std::wstring_view name) {
@@ -109,24 +109,36 @@ OdResult OdDbSymbolTableRecord::subErase(bool erasing) {
 
 // ---- Filing
 //
-//   version     uint8     1
-//   name        string
-//   resolved    bool      of a record that depends on an external reference
+//   field       binary   groups
+//   version     uint8             1
+//   name        string   2
+//   resolved    bool     290      of a record that depends on an external reference
+
+template <class Fields, class Self>
+void OdDbSymbolTableRecord::fields(Fields& fields, Self& self) {
+  fields.version(1);
+  fields.value(2, self.m_name);
+  fields.value(290, self.m_resolved);
+}
 
 void OdDbSymbolTableRecord::dwgOutFields(OdDbDwgFiler* filer) const {
   OdDbObject::dwgOutFields(filer);
-  filer->wrUInt8(kVersion);
-  filer->wrString(m_name);
-  filer->wrBool(m_resolved);
+  OdDbFieldFiling::dwgOut(filer, *this);
 }
 
 OdResult OdDbSymbolTableRecord::dwgInFields(OdDbDwgFiler* filer) {
   const OdResult result = OdDbObject::dwgInFields(filer);
-  if (result != eOk) return result;
-  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
-  m_name = filer->rdString();
-  m_resolved = filer->rdBool();
-  return eOk;
+  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
+}
+
+void OdDbSymbolTableRecord::dxfOutFields(OdDbDxfFiler* filer) const {
+  OdDbObject::dxfOutFields(filer);
+  OdDbFieldFiling::dxfOut(filer, *this);
+}
+
+OdResult OdDbSymbolTableRecord::dxfInFields(OdDbDxfFiler* filer) {
+  const OdResult result = OdDbObject::dxfInFields(filer);
+  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
 }
 
 std::size_t OdDbSymbolTableRecord::approximateSize() const {

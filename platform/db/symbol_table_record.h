@@ -6,7 +6,7 @@
 class OdDbSymbolTableRecord;
 using OdDbSymbolTableRecordPtr = OdSmartPtr<OdDbSymbolTableRecord>;
 
-/// Whether a name may stand in a symbol table. It is not empty, has no control characters and none
+/// Whether a symbol table takes the name. It is not empty, has no control characters and none
 /// of | * \ : ; < > ? " , =, with two exceptions: a leading asterisk and a letter mark an anonymous
 /// name ("*U12", "*Model_Space"), and one bar between two valid names marks a record that depends
 /// on an external reference ("part|WALLS").
@@ -31,6 +31,8 @@ class OdDbSymbolTableRecord : public OdDbObject {
 
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
+  OdResult dxfInFields(OdDbDxfFiler* filer) override;
+  void dxfOutFields(OdDbDxfFiler* filer) const override;
   /// Refuses to erase fixed records (eInvalidInput), and to unerase a record whose name another one
   /// has got meanwhile (eDuplicateRecordName).
   OdResult subErase(bool erasing) override;
@@ -39,6 +41,9 @@ class OdDbSymbolTableRecord : public OdDbObject {
 
  private:
   friend class OdDbSymbolTable;
+  friend struct OdDbFieldFiling;
+  template <class Fields, class Self>
+  static void fields(Fields& fields, Self& self);
 
   void storeName(const OdString& name);
   [[nodiscard]] bool isFixed() const;

@@ -1,8 +1,22 @@
 // Undo, redo and transactions.
+//
+// The idea: a record holds what is needed to bring one object back, and applying it records the
+// opposite on the other stack first. Undo is then "apply the records of the last step, last one
+// first"; redo is the same with the stacks exchanged; an abort is the same without recording.
+//
+// It is right because the records of a step are applied in the reverse order of the changes: when a
+// record is applied, the drawing is in the state right after its change, so the bytes that it holds
+// are those before the change. A state record covers all later changes of its object in the span,
+// which is why one a span is enough; idRecord->undoStep holds the span that covers an object, and a
+// new span begins at every boundary. Partial records do not cover: each change files its own.
+//
+// A change costs one comparison when its span covers the object, and one filing of the object
+// otherwise. Records lie in three growing buffers that are cut, never searched.
 #include "platform/db/undo_log.h"
 
 #include "platform/base/error.h"
 #include "platform/db/database_impl.h"
+#include "platform/db/internal_access.h"
 #include "platform/db/object_extra.h"
 #include "platform/db/reactor_calls.h"
 
@@ -51,9 +65,9 @@ void OdDbUndoLog::recordSwap(OdDbIdRecord* a, OdDbIdRecord* b) {
   filer.wrSoftPointerId(OdDbObjectId(b));
 }
 
-void OdDbUndoLog::recordVariable(const OdString& name) {
+void OdDbUndoLog::recordSetting(const OdString& name) {
   if (m_target == nullptr) return;
-  push(Kind::kVariable, nullptr);
+  push(Kind::kSetting, nullptr);
   OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, m_target->buffer, m_database.self);
   filer.wrString(name);
   OdResBuf::dwgOutChain(&filer, m_database.self->getSysVar(name).get());
@@ -153,7 +167,7 @@ OdResult OdDbUndoLog::moveStep(Stack& from, Stack& to) {
   while (isBoundary(from.records.back())) applyLast(from);
   push(Kind::kStep, nullptr);
   while (from.records.size() > first) applyLast(from);
-  // The boundary goes with its step; a mark stays to be found by undoBack().
+  // The boundary leaves with its step; a mark stays for undoBack().
   if (first > 0 && from.records.back().kind == Kind::kStep) truncate(from, first - 1);
   return eOk;
 }
@@ -262,22 +276,23 @@ void OdDbUndoLog::apply(Stack& from, const Record& record) {
     }
     case Kind::kSwapped:
       return applySwap(from, record);
-    case Kind::kVariable:
-      return applyVariable(from, record);
+    case Kind::kSetting:
+      return applySetting(from, record);
   }
 }
 
 void OdDbUndoLog::applyState(Stack& from, const Record& record) {
   OdDbObject* object = m_database.resident(record.idRecord);
   if (object == nullptr) throw OdError(eUnknownHandle, OdDbHandle(record.idRecord->handle).ascii());
-  const OdUInt16 bits = object->m_bits;
-  object->m_bits |= OdDbObject::kBitInternalWrite;
-  recordState(object);
-  OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
-  filer.setSharing(true);
-  filer.startReading(record.bytes, record.strings);
-  const OdResult result = object->dwgInFields(&filer);
-  object->m_bits = bits;
+  OdResult result = eOk;
+  {
+    const OdDbInternalWrite internalWrite(object);
+    recordState(object);
+    OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
+    filer.setSharing(true);
+    filer.startReading(record.bytes, record.strings);
+    result = object->dwgInFields(&filer);
+  }
   m_database.markDirty(record.idRecord);
   if (result != eOk) throw OdError(result, OdDbHandle(record.idRecord->handle).ascii());
   OdDbReactorCalls::tell<const OdDbObject*>(object, &OdDbObject::modifyUndone,
@@ -287,12 +302,12 @@ void OdDbUndoLog::applyState(Stack& from, const Record& record) {
 void OdDbUndoLog::applyPartial(Stack& from, const Record& record) {
   OdDbObject* object = m_database.resident(record.idRecord);
   if (object == nullptr) throw OdError(eUnknownHandle, OdDbHandle(record.idRecord->handle).ascii());
-  const OdUInt16 bits = object->m_bits;
-  object->m_bits |= OdDbObject::kBitInternalWrite;
-  OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
-  filer.startReading(record.bytes, record.strings);
-  object->applyPartialUndo(&filer, record.cls);
-  object->m_bits = bits;
+  {
+    const OdDbInternalWrite internalWrite(object);
+    OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
+    filer.startReading(record.bytes, record.strings);
+    object->applyPartialUndo(&filer, record.cls);
+  }
   m_database.markDirty(record.idRecord);
   OdDbReactorCalls::tell<const OdDbObject*>(object, &OdDbObject::modifyUndone,
                                             &OdDbObjectReactor::modifyUndone, object);
@@ -333,7 +348,7 @@ void OdDbUndoLog::applySwap(Stack& from, const Record& record) {
   m_database.swapObjects(record.idRecord, other);
 }
 
-void OdDbUndoLog::applyVariable(Stack& from, const Record& record) {
+void OdDbUndoLog::applySetting(Stack& from, const Record& record) {
   OdDbMemoryFiler filer(OdDbDwgFiler::kUndoFiler, from.buffer, m_database.self);
   filer.startReading(record.bytes, record.strings);
   const OdString name = filer.rdString();

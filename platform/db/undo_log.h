@@ -22,7 +22,7 @@ class OdDbDatabaseImpl;
 ///   erased        nothing                        it is unerased
 ///   unerased      nothing                        it is erased
 ///   swapped       the other id                   the objects of both ids change places again
-///   variable      name and old value             puts the old value back
+///   setting       name and old value             puts the old value back
 ///   step, mark    nothing                        boundaries of undo(), undoBack()
 ///
 /// A recording span runs between two boundaries (step, transaction start or end, undo, redo).
@@ -41,7 +41,7 @@ class OdDbUndoLog {
   void recordCreated(OdDbIdRecord* idRecord);
   void recordErased(OdDbIdRecord* idRecord, bool erasing);
   void recordSwap(OdDbIdRecord* a, OdDbIdRecord* b);
-  void recordVariable(const OdString& name);
+  void recordSetting(const OdString& name);
   /// Filer of a new partial record; null when nothing needs to be recorded.
   OdDbDwgFiler* beginPartial(OdDbObject* object, OdRxClass* cls);
   /// The filer of the last partial record if it is this object's and still open.
@@ -83,7 +83,7 @@ class OdDbUndoLog {
     kErased,
     kUnerased,
     kSwapped,
-    kVariable
+    kSetting
   };
   struct Record {
     Kind kind;
@@ -113,7 +113,7 @@ class OdDbUndoLog {
   void applyPartial(Stack& from, const Record& record);
   void applyPresence(OdDbIdRecord* idRecord, bool present);
   void applySwap(Stack& from, const Record& record);
-  void applyVariable(Stack& from, const Record& record);
+  void applySetting(Stack& from, const Record& record);
   void clearRedo();
   static void truncate(Stack& stack, std::size_t records);
 

@@ -80,7 +80,7 @@ void OdDbBlockReference::setBlockTableRecord(const OdDbObjectId& block) {
   noteGraphicsModified();
 }
 
-// The record may stand open elsewhere: nested write opens are legal.
+// The record may be open elsewhere: nested write opens are legal.
 void OdDbBlockReference::noteInBlock(const OdDbObjectId& block, bool shows) const {
   if (block.isNull() || database() == nullptr || block.database() != database()) return;
   const OdDbBlockTableRecordPtr record =

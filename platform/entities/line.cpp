@@ -4,14 +4,13 @@
 #include <array>
 
 #include "platform/base/error.h"
+#include "platform/db/field_list.h"
 #include "platform/ge/finite.h"
 #include "platform/gi/world_draw.h"
 
 OD_RX_DEFINE_DB(OdDbLine, OdDbEntity, L"OdDbLine", 0, 0, 0, L"LINE", OdString())
 
 namespace {
-
-constexpr OdUInt8 kVersion = 1;
 
 void checkPoint(const OdDbLine* line, const char* what, const OdGePoint3d& point) {
   if (odgeIsFinite(point)) return;
@@ -85,26 +84,37 @@ OdResult OdDbLine::subTransformBy(const OdGeMatrix3d& transform) {
 
 // Fields:
 //
+//   field         binary    groups
 //   version       uint8
-//   start, end    2 points    drawing units
-//   normal        vector      unit length
+//   start, end    2 points  10, 11    drawing units
+//   normal        vector    210       unit length
+
+template <class Fields, class Self>
+void OdDbLine::fields(Fields& fields, Self& self) {
+  const auto isPoint = [](const OdGePoint3d& point) { return isFinite(point); };
+  const auto isUnit = [](const OdGeVector3d& normal) { return normal.isUnitLength(OdGeTol(1e-6)); };
+  fields.version(1);
+  fields.value(10, self.m_start, isPoint);
+  fields.value(11, self.m_end, isPoint);
+  fields.value(210, self.m_normal, isUnit);
+}
 
 void OdDbLine::dwgOutFields(OdDbDwgFiler* filer) const {
   OdDbEntity::dwgOutFields(filer);
-  filer->wrUInt8(kVersion);
-  filer->wrPoint3d(m_start);
-  filer->wrPoint3d(m_end);
-  filer->wrVector3d(m_normal);
+  OdDbFieldFiling::dwgOut(filer, *this);
 }
 
 OdResult OdDbLine::dwgInFields(OdDbDwgFiler* filer) {
   const OdResult result = OdDbEntity::dwgInFields(filer);
-  if (result != eOk) return result;
-  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
-  m_start = filer->rdPoint3d();
-  m_end = filer->rdPoint3d();
-  m_normal = filer->rdVector3d();
-  const bool isSound =
-      odgeIsFinite(m_start) && odgeIsFinite(m_end) && m_normal.isUnitLength(OdGeTol(1e-6));
-  return isSound ? eOk : eCorruptData;
+  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
+}
+
+void OdDbLine::dxfOutFields(OdDbDxfFiler* filer) const {
+  OdDbEntity::dxfOutFields(filer);
+  OdDbFieldFiling::dxfOut(filer, *this);
+}
+
+OdResult OdDbLine::dxfInFields(OdDbDxfFiler* filer) {
+  const OdResult result = OdDbEntity::dxfInFields(filer);
+  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
 }

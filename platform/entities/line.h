@@ -13,7 +13,7 @@ class OdDbLine : public OdDbEntity {
   /// Points that are not finite raise eInvalidInput.
   void setStartPoint(const OdGePoint3d& point);
   void setEndPoint(const OdGePoint3d& point);
-  /// Normal of the plane that a thickened line would stand on; unit vector.
+  /// Direction in which a thickness would extrude the line; unit vector.
   [[nodiscard]] OdGeVector3d normal() const;
   /// Raises eDegenerateGeometry for a zero vector.
   void setNormal(const OdGeVector3d& normal);
@@ -21,12 +21,18 @@ class OdDbLine : public OdDbEntity {
   OdResult getGeomExtents(OdGeExtents3d& extents) const override;
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
+  OdResult dxfInFields(OdDbDxfFiler* filer) override;
+  void dxfOutFields(OdDbDxfFiler* filer) const override;
 
  protected:
   bool subWorldDraw(OdGiWorldDraw* context) const override;
   OdResult subTransformBy(const OdGeMatrix3d& transform) override;
 
  private:
+  friend struct OdDbFieldFiling;
+  template <class Fields, class Self>
+  static void fields(Fields& fields, Self& self);
+
   OdGePoint3d m_start;
   OdGePoint3d m_end;
   OdGeVector3d m_normal = OdGeVector3d::kZAxis;

@@ -5,13 +5,12 @@
 #include <string>
 
 #include "platform/base/error.h"
+#include "platform/db/field_list.h"
 #include "platform/ge/finite.h"
 
 OD_RX_DEFINE_DB(OdDbViewport, OdDbEntity, L"OdDbViewport", 0, 0, 0, L"VIEWPORT", OdString())
 
 namespace {
-
-constexpr OdUInt8 kVersion = 1;
 
 bool isSize(double value) { return std::isfinite(value) && value > 0.0; }
 // The direction is kept as given; it has only to be one.
@@ -120,49 +119,50 @@ OdResult OdDbViewport::subTransformBy(const OdGeMatrix3d& transform) {
 
 // Fields:
 //
+//   field            binary    groups
 //   version          uint8
-//   centre           point     paper units
-//   width, height    2 double  paper units, positive
-//   view target      point     world
-//   view direction   vector    world, from target to eye, not zero
-//   view centre      2d point  display plane
-//   view height      double    drawing units, positive
-//   twist            double    radians
-//   number           int16     0 inactive
-//   on               bool
+//   centre           point     10      paper units
+//   width, height    2 double  40, 41  paper units, positive
+//   view target      point     17      world
+//   view direction   vector    16      world, from target to eye, not zero
+//   view centre      2d point  12      display plane
+//   view height      double    45      drawing units, positive
+//   twist            double    51      radians
+//   number           int16     69      0 inactive
+//   on               bool      290
+
+template <class Fields, class Self>
+void OdDbViewport::fields(Fields& fields, Self& self) {
+  const auto isPoint = [](const auto& point) { return isFinite(point); };
+  fields.version(1);
+  fields.value(10, self.m_center, isPoint);
+  fields.value(40, self.m_width, isSize);
+  fields.value(41, self.m_height, isSize);
+  fields.value(17, self.m_viewTarget, isPoint);
+  fields.value(16, self.m_viewDirection, isDirection);
+  fields.value(12, self.m_viewCenter, isPoint);
+  fields.value(45, self.m_viewHeight, isSize);
+  fields.value(51, self.m_twist, [](double angle) { return std::isfinite(angle); });
+  fields.value(69, self.m_number, [](OdInt16 number) { return number >= 0; });
+  fields.value(290, self.m_on);
+}
 
 void OdDbViewport::dwgOutFields(OdDbDwgFiler* filer) const {
   OdDbEntity::dwgOutFields(filer);
-  filer->wrUInt8(kVersion);
-  filer->wrPoint3d(m_center);
-  filer->wrDouble(m_width);
-  filer->wrDouble(m_height);
-  filer->wrPoint3d(m_viewTarget);
-  filer->wrVector3d(m_viewDirection);
-  filer->wrPoint2d(m_viewCenter);
-  filer->wrDouble(m_viewHeight);
-  filer->wrDouble(m_twist);
-  filer->wrInt16(m_number);
-  filer->wrBool(m_on);
+  OdDbFieldFiling::dwgOut(filer, *this);
 }
 
 OdResult OdDbViewport::dwgInFields(OdDbDwgFiler* filer) {
   const OdResult result = OdDbEntity::dwgInFields(filer);
-  if (result != eOk) return result;
-  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
-  m_center = filer->rdPoint3d();
-  m_width = filer->rdDouble();
-  m_height = filer->rdDouble();
-  m_viewTarget = filer->rdPoint3d();
-  m_viewDirection = filer->rdVector3d();
-  m_viewCenter = filer->rdPoint2d();
-  m_viewHeight = filer->rdDouble();
-  m_twist = filer->rdDouble();
-  m_number = filer->rdInt16();
-  m_on = filer->rdBool();
-  const bool isSound = odgeIsFinite(m_center) && isSize(m_width) && isSize(m_height) &&
-                       odgeIsFinite(m_viewTarget) && isDirection(m_viewDirection) &&
-                       odgeIsFinite(m_viewCenter) && isSize(m_viewHeight) &&
-                       std::isfinite(m_twist) && m_number >= 0;
-  return isSound ? eOk : eCorruptData;
+  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
+}
+
+void OdDbViewport::dxfOutFields(OdDbDxfFiler* filer) const {
+  OdDbEntity::dxfOutFields(filer);
+  OdDbFieldFiling::dxfOut(filer, *this);
+}
+
+OdResult OdDbViewport::dxfInFields(OdDbDxfFiler* filer) {
+  const OdResult result = OdDbEntity::dxfInFields(filer);
+  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
 }

@@ -45,12 +45,18 @@ class OdDbViewport : public OdDbEntity {
   OdResult getGeomExtents(OdGeExtents3d& extents) const override;
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
+  OdResult dxfInFields(OdDbDxfFiler* filer) override;
+  void dxfOutFields(OdDbDxfFiler* filer) const override;
 
  protected:
   /// Moves, turns and scales the rectangle on paper; the view stays.
   OdResult subTransformBy(const OdGeMatrix3d& transform) override;
 
  private:
+  friend struct OdDbFieldFiling;
+  template <class Fields, class Self>
+  static void fields(Fields& fields, Self& self);
+
   template <class T>
   void change(T& field, const T& value);
   template <class T>

@@ -26,6 +26,10 @@ enum ReferenceType {
   kHardOwnershipRef = 3,
 };
 
+[[nodiscard]] constexpr bool isOwnership(ReferenceType type) {
+  return type == kSoftOwnershipRef || type == kHardOwnershipRef;
+}
+
 }  // namespace OdDb
 
 /// The record behind an id. Owned by the database's id table, stable for the database's life, and
@@ -40,8 +44,7 @@ struct OdDbIdRecord {
     kAbsent = 1u << 5,       ///< asked for, and found neither in memory nor in the file
     kRedirected = 1u << 6,   ///< `owner` is the id that replaces this one
     kLoading = 1u << 7,      ///< its record is being read
-    kInFlux = 1u << 8,       ///< its ids are being translated by a clone
-    kUnloadable = 1u << 9,   ///< its record is damaged; reported once
+    kUnloadable = 1u << 8,   ///< its record is damaged; reported once
   };
 
   OdUInt64 handle = 0;

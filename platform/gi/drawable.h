@@ -18,7 +18,7 @@ class OdGiDrawable : public OdRxObject {
   OdGiDrawable() = default;
   ~OdGiDrawable() override;
 
-  /// Tells the traits the drawable's own layer, colour, line type, weight and material. These may
+  /// Sets the traits to the drawable's own layer, colour, line type, weight and material. These may
   /// be by layer or by block; the context resolves them. False when the drawable is not to be seen.
   bool setAttributes(OdGiSubEntityTraits* traits) const;
   /// Draws in the coordinates of the drawable's block: through the first drawable overrule that

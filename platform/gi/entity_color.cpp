@@ -100,3 +100,17 @@ OdResult OdCmEntityColor::dwgIn(OdDbDwgFiler* filer) {
   for (int i = 0; i < 3; ++i) m_values[i] = values[i];
   return eOk;
 }
+
+OdInt32 OdCmEntityColor::packed() const {
+  const OdUInt32 values = OdUInt32{m_values[0]} << 16 | OdUInt32{m_values[1]} << 8 | m_values[2];
+  return static_cast<OdInt32>(OdUInt32{m_method} << 24 | values);
+}
+
+OdResult OdCmEntityColor::setPacked(OdInt32 number) {
+  const auto bytes = static_cast<OdUInt32>(number);
+  const auto method = static_cast<OdUInt8>(bytes >> 24);
+  if (!isMethod(method)) return eCorruptData;
+  setColorMethod(static_cast<ColorMethod>(method));
+  for (unsigned i = 0; i < 3; ++i) m_values[i] = static_cast<OdUInt8>(bytes >> (16 - 8 * i));
+  return eOk;
+}

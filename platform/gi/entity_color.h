@@ -65,6 +65,10 @@ class OdCmEntityColor {
   void dwgOut(OdDbDwgFiler* filer) const;
   /// eCorruptData for a method that does not exist.
   OdResult dwgIn(OdDbDwgFiler* filer);
+  /// The same four bytes in one number, the method in the highest one.
+  [[nodiscard]] OdInt32 packed() const;
+  /// eCorruptData, and nothing changes, for a method that does not exist.
+  OdResult setPacked(OdInt32 number);
 
  private:
   ColorMethod m_method = kByLayer;

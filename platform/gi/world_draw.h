@@ -8,7 +8,7 @@
 #include "platform/rx/rx_macros.h"
 
 /// One run of drawing: the primitives, the look of the next ones, and what the picture is for.
-/// Belongs to whoever makes the picture; drawables do not keep it.
+/// The maker of the picture owns it; drawables do not keep it.
 class OdGiWorldDraw : public OdRxObject {
  public:
   OD_RX_DECLARE_MEMBERS(OdGiWorldDraw)

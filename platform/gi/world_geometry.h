@@ -46,7 +46,7 @@ class OdGiWorldGeometry {
   virtual void polygon(std::span<const OdGePoint3d> points) = 0;
   virtual void shell(const OdGiShell& shell) = 0;
 
-  /// Draws a part with attributes of its own; those of the caller stand again afterwards.
+  /// Draws a part with attributes of its own; those of the caller hold again afterwards.
   virtual void draw(const OdGiDrawable* drawable) = 0;
 
  protected:

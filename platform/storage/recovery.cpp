@@ -48,7 +48,7 @@ OdStatus takeWholeFile(SqliteStore& store, OdDbRecoverySink& sink) {
   OdStatus status = store.openExisting(OdDbStoreOpenMode::kReadOnly);
   if (status.ok()) status = store.readAll([](const OdDbRecordView&) { return true; });
   if (!status.ok()) return status;
-  for (const OdDbStoredVariable& item : store.variables()) sink.variableFound(item);
+  for (const OdDbStoredSetting& item : store.settings()) sink.settingFound(item);
   for (const OdDbStoredClass& item : store.classes()) sink.classFound(item);
   return store.readAll([&](const OdDbRecordView& record) {
     sink.recordFound(record);
@@ -92,7 +92,7 @@ class Harvest {
       return;
     }
     m_names.add(row.sum);
-    m_sink.variableFound({std::string(row.name), std::string(row.content)});
+    m_sink.settingFound({std::string(row.name), std::string(row.content)});
   }
 
   void report(const std::string& what, const RowSetDigest& found, const RowSetDigest& saved) const {

@@ -42,7 +42,7 @@ class SqliteStore final : public OdDbRecordStore {
   /// Found out when the file is opened. Records that this store removed still count.
   [[nodiscard]] OdUInt64 maxHandle() override { return m_maxHandle; }
   [[nodiscard]] const std::vector<OdDbStoredClass>& classes() const override { return m_classes; }
-  [[nodiscard]] const std::vector<OdDbStoredVariable>& variables() const override {
+  [[nodiscard]] const std::vector<OdDbStoredSetting>& settings() const override {
     return m_variables;
   }
 
@@ -56,7 +56,7 @@ class SqliteStore final : public OdDbRecordStore {
   OdStatus putRecord(const OdDbRecordView& record) override;
   OdStatus removeRecord(OdUInt64 handle) override;
   OdStatus putClass(const OdDbStoredClass& item) override;
-  OdStatus putVariable(const OdDbStoredVariable& item) override;
+  OdStatus putSetting(const OdDbStoredSetting& item) override;
   OdStatus commitSave() override;
   void rollbackSave() override;
   OdStatus createReplacement(std::unique_ptr<OdDbRecordStore>& store) override;
@@ -100,7 +100,7 @@ class SqliteStore final : public OdDbRecordStore {
   OdStatus checkSaving();
   OdStatus findSum(OdUInt64 handle, bool& exists, std::uint64_t& sum);
   [[nodiscard]] OdStatus checkClassLimits(const OdDbStoredClass& item, bool exists) const;
-  [[nodiscard]] OdStatus checkVariableLimits(const OdDbStoredVariable& item, bool exists) const;
+  [[nodiscard]] OdStatus checkVariableLimits(const OdDbStoredSetting& item, bool exists) const;
   OdStatus writeClass(Sql sql, const OdDbStoredClass& item, std::uint64_t sum);
   OdStatus writeVariable(Sql sql, std::int64_t id, std::string_view key, std::string_view value,
                          std::uint64_t sum);
@@ -127,7 +127,7 @@ class SqliteStore final : public OdDbRecordStore {
   StoreState m_state;
   std::vector<OdDbStoredClass> m_classes;  ///< rising ids
   std::vector<NameRow> m_classRows;        ///< parallel to m_classes
-  std::vector<OdDbStoredVariable> m_variables;
+  std::vector<OdDbStoredSetting> m_variables;
   std::vector<NameRow> m_variableRows;  ///< parallel to m_variables
   std::unordered_map<std::string, std::size_t> m_variableIndex;
 

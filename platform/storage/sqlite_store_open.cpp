@@ -161,7 +161,7 @@ OdStatus SqliteStore::checkVariableRow(const Statement& row, const std::string& 
   if (!status.ok()) return status;
   if (m_variables.size() >= kMaxVariables) {
     return fail(eLimitExceeded,
-                "the file has more than " + std::to_string(kMaxVariables) + " drawing variables");
+                "the file has more than " + std::to_string(kMaxVariables) + " drawing settings");
   }
   const auto sum = static_cast<std::uint64_t>(row.integer(2));
   if (sum != variableChecksum(row.integer(0), row.bytes(1), row.bytes(3)))

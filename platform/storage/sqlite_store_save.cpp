@@ -236,7 +236,7 @@ OdStatus SqliteStore::writeClass(Sql sql, const OdDbStoredClass& item, std::uint
   return m_connection.translate(row->run(), kSaving);
 }
 
-OdStatus SqliteStore::checkVariableLimits(const OdDbStoredVariable& item, bool exists) const {
+OdStatus SqliteStore::checkVariableLimits(const OdDbStoredSetting& item, bool exists) const {
   const std::string what = "variable \"" + item.key + "\"";
   if (item.key.empty() || item.key.size() > kMaxVariableKeyBytes) {
     return fail(eInvalidInput, what + " cannot be saved: its name has " +
@@ -255,7 +255,7 @@ OdStatus SqliteStore::checkVariableLimits(const OdDbStoredVariable& item, bool e
   return {};
 }
 
-OdStatus SqliteStore::putVariable(const OdDbStoredVariable& item) {
+OdStatus SqliteStore::putSetting(const OdDbStoredSetting& item) {
   OdStatus status = checkSaving();
   if (!status.ok()) return status;
   const auto found = m_variableIndex.find(item.key);
@@ -403,8 +403,8 @@ OdStatus SqliteStore::compact() {
 }
 
 OdStatus SqliteStore::copyAllTo(SqliteStore& target) {
-  for (const OdDbStoredVariable& item : m_variables) {
-    if (OdStatus status = target.putVariable(item); !status.ok()) return status;
+  for (const OdDbStoredSetting& item : m_variables) {
+    if (OdStatus status = target.putSetting(item); !status.ok()) return status;
   }
   for (const OdDbStoredClass& item : m_classes) {
     if (OdStatus status = target.putClass(item); !status.ok()) return status;

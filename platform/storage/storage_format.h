@@ -2,7 +2,7 @@
 //
 // A drawing file is a SQLite database with a rollback journal and three tables:
 //
-//   header(id, key, sum, value)              row 1: state row; then one row per drawing variable
+//   header(id, key, sum, value)              row 1: state row; then one row per drawing setting
 //   classes(id, sum, record)                 one row per class
 //   objects(handle, class, owner, sum, data) one row per object
 //

@@ -52,5 +52,5 @@ struct EditRow {
 
 std::span<const EditRow> entityEdits();     // lines, blocks, references, layers
 std::span<const EditRow> containerEdits();  // dictionaries, extension dictionaries, records
-std::span<const EditRow> objectEdits();     // erasing, cloning, reactors, extended data, variables
+std::span<const EditRow> objectEdits();     // erasing, cloning, reactors, extended data, settings
 std::span<const EditRow> bagEdits();        // property bags in and beside objects

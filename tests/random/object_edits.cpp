@@ -3,8 +3,8 @@
 
 #include "platform/cloning/id_mapping.h"
 #include "platform/db/block_table_record.h"
-#include "platform/db/db_variables.h"
 #include "platform/db/dictionary.h"
+#include "platform/db/drawing_settings.h"
 #include "platform/db/regapp_table.h"
 #include "tests/random/edit_context.h"
 
@@ -80,16 +80,16 @@ bool setExtendedData(const EditContext& context) {
   return true;
 }
 
-bool setVariable(const EditContext& context) {
-  const auto rows = OdDbVariables::rows();
-  const OdDbVariableRow& row = rows[context.random().below(rows.size())];
+bool setDrawingSetting(const EditContext& context) {
+  const auto rows = OdDbDrawingSettings::rows();
+  const OdDbSettingRow& row = rows[context.random().below(rows.size())];
   const OdString name(row.name);
   const OdResBufPtr value = context.database()->getSysVar(name);
   switch (row.kind) {
-    case OdDbVariableRow::Kind::kBool:
+    case OdDbSettingRow::Kind::kBool:
       value->setBool(!value->getBool());
       break;
-    case OdDbVariableRow::Kind::kDouble:
+    case OdDbSettingRow::Kind::kDouble:
       value->setDouble(1.0 + context.random().coordinate() / 2000);
       break;
     default:
@@ -100,10 +100,13 @@ bool setVariable(const EditContext& context) {
 }
 
 constexpr EditRow kRows[] = {
-    {"erase object", 8, eraseObject},     {"unerase object", 4, uneraseObject},
-    {"clone objects", 6, cloneObjects},   {"add reactor", 4, addReactor},
-    {"remove reactor", 2, removeReactor}, {"set extended data", 5, setExtendedData},
-    {"set variable", 2, setVariable},
+    {"erase object", 8, eraseObject},
+    {"unerase object", 4, uneraseObject},
+    {"clone objects", 6, cloneObjects},
+    {"add reactor", 4, addReactor},
+    {"remove reactor", 2, removeReactor},
+    {"set extended data", 5, setExtendedData},
+    {"set drawing setting", 2, setDrawingSetting},
 };
 
 }  // namespace

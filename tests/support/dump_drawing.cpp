@@ -7,13 +7,13 @@
 
 #include "platform/db/database.h"
 #include "platform/db/db_object.h"
-#include "platform/db/db_variables.h"
+#include "platform/db/drawing_settings.h"
 #include "platform/filer/file_filer.h"
 
 namespace {
 
-void appendVariables(const OdDbDatabase* database, std::string& dump) {
-  for (const OdDbVariableRow& row : OdDbVariables::rows()) {
+void appendSettings(const OdDbDatabase* database, std::string& dump) {
+  for (const OdDbSettingRow& row : OdDbDrawingSettings::rows()) {
     const OdResBufPtr value = database->getSysVar(OdString(row.name));
     char text[64];
     std::snprintf(text, sizeof text, " %.17g\n",
@@ -49,7 +49,7 @@ std::string_view lineAt(const std::string& text, std::size_t position) {
 
 std::string dumpDrawing(OdDbDatabase* database, DumpScope scope) {
   std::string dump;
-  appendVariables(database, dump);
+  appendSettings(database, dump);
   OdDbFileWriter fileWriter(database);
   LiveWriter liveWriter(database);
   OdDbFileWriter& writer = scope == DumpScope::kInFile ? liveWriter : fileWriter;

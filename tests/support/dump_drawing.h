@@ -11,7 +11,7 @@ enum class DumpScope {
                ///< the same after saving and opening
 };
 
-/// One line per drawing variable, then one per object in handle order: handle, class, owner and the
+/// One line per drawing setting, then one per object in handle order: handle, class, owner and the
 /// bytes of its record. Equal dumps are equal drawings. Loads every object.
 std::string dumpDrawing(OdDbDatabase* database, DumpScope scope = DumpScope::kNotErased);
 

@@ -13,7 +13,7 @@ namespace {
 class XrefNotificationsOff {
  public:
   explicit XrefNotificationsOff(OdDbDatabase* database)
-      : m_database(database), m_previous(database->getSysVar(kVariable)) {
+      : m_database(database), m_previous(database->getSysVar(kSetting)) {
     const OdResBufPtr off = OdResBuf::newRb(m_previous->restype());
     off->setInt16(0);
     set(off);
@@ -23,11 +23,11 @@ class XrefNotificationsOff {
   XrefNotificationsOff& operator=(const XrefNotificationsOff&) = delete;
 
  private:
-  static constexpr const wchar_t* kVariable = L"XREFNOTIFY";
+  static constexpr const wchar_t* kSetting = L"XREFNOTIFY";
 
   void set(const OdResBuf* value) {
     const UndoRecordingOff off(m_database);
-    m_database->setSysVar(kVariable, value);
+    m_database->setSysVar(kSetting, value);
   }
 
   OdDbDatabase* m_database;

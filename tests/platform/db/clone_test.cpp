@@ -219,4 +219,28 @@ TEST_F(OdDbClonerTest, DeferredTranslationSeesClonesOfLaterCalls) {
             cloneOf(m_mapping, first));
 }
 
+TEST_F(OdDbClonerTest, ReplacingAnEntryByItselfChangesNothing) {
+  const OdDbObjectId root = addRoot(m_drawing, L"root");
+  const OdDbObjectId child = addChild(root, L"child");
+  const OdUInt64 count = m_drawing->approxNumObjects();
+  m_mapping->setDuplicateRecordCloning(OdDb::kDrcReplace);
+  ASSERT_EQ(deepClone({root}, dictionary()), eOk);
+  EXPECT_EQ(cloneOf(m_mapping, root), root);
+  EXPECT_FALSE(child.isErased());
+  EXPECT_EQ(reference(root, OdDb::kHardOwnershipRef), child);
+  EXPECT_EQ(m_drawing->approxNumObjects(), count);
+}
+
+TEST_F(OdDbClonerTest, OwnedIdsOfAnotherDrawingAreLeftOut) {
+  const OdDbDatabasePtr other = m_host.createDatabase();
+  const OdDbObjectId foreign = addRoot(other, L"foreign");
+  const OdDbObjectId root = addRoot(m_drawing, L"root");
+  refer(root, OdDb::kHardOwnershipRef, foreign);
+  const OdUInt64 count = m_drawing->approxNumObjects();
+  ASSERT_EQ(deepClone({root}, dictionary()), eOk);
+  EXPECT_TRUE(cloneOf(m_mapping, foreign).isNull());
+  EXPECT_TRUE(reference(cloneOf(m_mapping, root), OdDb::kHardOwnershipRef).isNull());
+  EXPECT_EQ(m_drawing->approxNumObjects(), count + 1);
+}
+
 }  // namespace

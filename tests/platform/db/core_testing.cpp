@@ -5,10 +5,12 @@ OD_RX_DEFINE_DB(TestCell, OdDbObject, L"TestCell", 33, 55, 0, L"TESTCELL", L"cor
 
 std::vector<std::string> TestCell::heard;
 bool TestCell::throwOnErase = false;
+bool TestCell::raisesInUndo = false;
 
 void CoreTest::SetUp() {
   TestCell::heard.clear();
   TestCell::throwOnErase = false;
+  TestCell::raisesInUndo = false;
   database = services.createDatabase();
 }
 

@@ -37,6 +37,7 @@ class TestCell : public OdDbObject {
   OdResult dwgInFields(OdDbDwgFiler* filer) override {
     const OdResult result = OdDbObject::dwgInFields(filer);
     if (result != eOk) return result;
+    if (raisesInUndo && filer->filerType() == OdDbDwgFiler::kUndoFiler) throw OdError(eCorruptData);
     m_number = filer->rdInt32();
     m_text = filer->rdString();
     m_owned.clear();
@@ -54,6 +55,7 @@ class TestCell : public OdDbObject {
   }
   void applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) override {
     if (cls != desc()) return OdDbObject::applyPartialUndo(filer, cls);
+    if (raisesInUndo) throw OdError(eCorruptData);
     setNumber(filer->rdInt32());
   }
 
@@ -66,6 +68,7 @@ class TestCell : public OdDbObject {
 
   static std::vector<std::string> heard;  ///< by all cells, in order: "<cell> <event> <object>"
   static bool throwOnErase;
+  static bool raisesInUndo;
 
  private:
   void hear(const char* event, const OdDbObject* object) const {

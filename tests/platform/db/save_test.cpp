@@ -1,6 +1,7 @@
 // Drawings and their files: laziness, erased owners, proxies, refused changes.
 #include <filesystem>
 
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/dictionary.h"
 #include "platform/db/proxy_object.h"
 #include "tests/platform/db/core_testing.h"
@@ -76,6 +77,24 @@ TEST_F(OdDbDatabaseFile, AResidentProxyTurnsIntoItsObjectOnceTheClassIsThere) {
   EXPECT_EQ(open(find(handle))->text(), L"text");
   EXPECT_EQ(open(find(handle))->getPersistentReactors().size(), 1u);
   EXPECT_FALSE(open(find(handle))->extensionDictionary().isNull());
+}
+
+TEST_F(OdDbDatabaseFile, ARevivedProxyIsInTheFileOnlyIfItsProxyWas) {
+  const OdDbObjectId saved = addCell(L"text");
+  const auto handle = static_cast<OdUInt64>(saved.getHandle());
+  saveAs();
+  database = OdDbDatabasePtr();
+  TestCell::rxUninit();
+  reopen();
+  const OdDbIdMappingPtr mapping = OdDbIdMapping::createObject(OdDb::kDcCopy);
+  ASSERT_EQ(database->deepCloneObjects({find(handle)}, OdDbObjectId::kNull, *mapping), eOk);
+  OdDbIdPair pair(find(handle));
+  ASSERT_TRUE(mapping->compute(pair));
+  TestCell::rxInit();
+  EXPECT_FALSE(open(find(handle))->isNewObject());
+  EXPECT_TRUE(open(pair.value())->isNewObject());
+  save();
+  EXPECT_FALSE(open(pair.value())->isNewObject());
 }
 
 TEST_F(OdDbDatabaseFile, AReadOnlyDrawingRefusesChangesAndSaving) {

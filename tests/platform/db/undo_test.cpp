@@ -90,3 +90,25 @@ TEST_F(OdDbUndoLogTest, WithoutRecordingTransactionsStillAbortAndUndoKeepsNoRedo
   EXPECT_EQ(open(a)->number(), 0);
   EXPECT_FALSE(database->hasRedo());
 }
+
+TEST_F(OdDbUndoLogTest, AnObjectThatFailsToReadItsUndoRecordStaysClosedForWriting) {
+  struct Row {
+    const char* what;
+    std::function<void(OdDbObjectId)> change;
+  };
+  const Row rows[] = {{"state", [](OdDbObjectId id) { setText(id, L"changed"); }},
+                      {"partial", [](OdDbObjectId id) { setNumber(id, 1); }}};
+  for (const Row& row : rows) {
+    OdDbObjectId a;
+    step([&] { a = addCell(L"a"); });
+    step([&] { row.change(a); });
+    TestCell::raisesInUndo = true;
+    EXPECT_EQ(raisedBy([&] { database->undo(); }), eCorruptData) << row.what;
+    TestCell::raisesInUndo = false;
+    const TestCellPtr opened = open(a);
+    EXPECT_FALSE(opened->isWriteEnabled()) << row.what;
+    EXPECT_EQ(raisedBy([&] { opened->setText(L"through a read open"); }), eNotOpenForWrite)
+        << row.what;
+    EXPECT_FALSE(database->isUndoing()) << row.what;
+  }
+}

@@ -14,7 +14,7 @@ using storetest::makeContent;
 class CollectingSink : public OdDbRecoverySink {
  public:
   void classFound(const OdDbStoredClass& item) override { content.classes[item.id] = item.value; }
-  void variableFound(const OdDbStoredVariable& item) override {
+  void settingFound(const OdDbStoredSetting& item) override {
     content.variables[item.key] = item.value;
   }
   void recordFound(const OdDbRecordView& record) override {

@@ -97,9 +97,9 @@ TEST_F(SqliteStore, RefusesWhatIsBeyondTheLimits) {
   OdDbRecordView huge;
   huge.handle = 1;
   huge.size = odstorage::kMaxRecordBytes + 1;
-  EXPECT_EQ(store->putVariable({"", "v"}).code, eInvalidInput);
-  EXPECT_EQ(store->putVariable({std::string(256, 'k'), "v"}).code, eInvalidInput);
-  EXPECT_EQ(store->putVariable({"k", std::string(odstorage::kMaxVariableBytes + 1, 'v')}).code,
+  EXPECT_EQ(store->putSetting({"", "v"}).code, eInvalidInput);
+  EXPECT_EQ(store->putSetting({std::string(256, 'k'), "v"}).code, eInvalidInput);
+  EXPECT_EQ(store->putSetting({"k", std::string(odstorage::kMaxVariableBytes + 1, 'v')}).code,
             eLimitExceeded);
   EXPECT_EQ(store->putClass({0, "c"}).code, eInvalidInput);
   EXPECT_EQ(store->putClass({1, std::string(odstorage::kMaxClassBytes + 1, 'c')}).code,

@@ -38,7 +38,7 @@ Record recordOf(const OdDbRecordView& view) {
 static OdStatus putChanges(OdDbRecordStore& store, const Content& before, const Content& after) {
   OdStatus status;
   for (const auto& [key, value] : after.variables) {
-    if (status.ok()) status = store.putVariable({key, value});
+    if (status.ok()) status = store.putSetting({key, value});
   }
   for (const auto& [id, value] : after.classes) {
     if (status.ok()) status = store.putClass({id, value});
@@ -78,7 +78,7 @@ OdStatus writeFile(OdDbRecordStoreFactory& factory, const std::string& path,
 std::optional<Content> readAll(OdDbRecordStore& store, OdStatus* reason) {
   Content content;
   for (const OdDbStoredClass& item : store.classes()) content.classes[item.id] = item.value;
-  for (const OdDbStoredVariable& item : store.variables()) content.variables[item.key] = item.value;
+  for (const OdDbStoredSetting& item : store.settings()) content.variables[item.key] = item.value;
   const OdStatus status = store.readAll([&](const OdDbRecordView& record) {
     content.records[record.handle] = recordOf(record);
     return true;

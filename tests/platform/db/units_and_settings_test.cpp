@@ -1,7 +1,7 @@
-// Units of length, and the table of drawing variables.
+// Units of length, and the table of drawing settings.
 #include <gtest/gtest.h>
 
-#include "platform/db/db_variables.h"
+#include "platform/db/drawing_settings.h"
 #include "platform/db/units.h"
 #include "tests/platform/db/db_testing.h"
 
@@ -29,44 +29,45 @@ TEST(UnitsTest, ThereAndBackIsOneForEveryPair) {
   }
 }
 
-class OdDbVariablesTest : public DbTest {};
+class OdDbDrawingSettingsTest : public DbTest {};
 
-TEST_F(OdDbVariablesTest, RowsAreSoundAndReadBackFromBytes) {
-  OdDbVariables variables;
-  for (const OdDbVariableRow& row : OdDbVariables::rows()) {
-    EXPECT_EQ(OdDbVariables::find(row.name), &row) << "unique name";
-    EXPECT_EQ(variables.setNumber(&row, row.defaultValue), eOk) << row.name;
-    EXPECT_EQ(variables.setNumber(&row, row.max), eOk) << row.name;
-    OdDbVariables other;
-    EXPECT_EQ(other.deserialise(&row, variables.serialise(&row)), eOk);
+TEST_F(OdDbDrawingSettingsTest, RowsAreSoundAndReadBackFromBytes) {
+  OdDbDrawingSettings settings;
+  for (const OdDbSettingRow& row : OdDbDrawingSettings::rows()) {
+    EXPECT_EQ(OdDbDrawingSettings::find(row.name), &row) << "unique name";
+    EXPECT_EQ(settings.setNumber(&row, row.defaultValue), eOk) << row.name;
+    EXPECT_EQ(settings.setNumber(&row, row.max), eOk) << row.name;
+    OdDbDrawingSettings other;
+    EXPECT_EQ(other.deserialise(&row, settings.serialise(&row)), eOk);
     EXPECT_EQ(other.number(&row), row.max);
-    std::string bytes = variables.serialise(&row);
+    std::string bytes = settings.serialise(&row);
     bytes.pop_back();
     EXPECT_EQ(other.deserialise(&row, bytes), eCorruptData) << row.name;
     EXPECT_EQ(other.deserialise(&row, ""), eCorruptData) << row.name;
   }
 }
 
-TEST_F(OdDbVariablesTest, RefusesValuesOutsideTheLimits) {
-  OdDbVariables variables;
-  const OdDbVariableRow* notify = OdDbVariables::find("xrefnotify");
+TEST_F(OdDbDrawingSettingsTest, RefusesValuesOutsideTheLimits) {
+  OdDbDrawingSettings settings;
+  const OdDbSettingRow* notify = OdDbDrawingSettings::find("xrefnotify");
   ASSERT_NE(notify, nullptr);
   OdString reason;
-  EXPECT_EQ(variables.set(notify, OdResBuf::newRb(70, 3), &reason), eInvalidInput);
+  EXPECT_EQ(settings.set(notify, OdResBuf::newRb(70, 3), &reason), eInvalidInput);
   EXPECT_EQ(reason, OdString("XREFNOTIFY takes 0 to 2, given 3"));
-  EXPECT_EQ(variables.set(notify, OdResBuf::newRb(40, 0.5)), eInvalidInput);
-  EXPECT_EQ(variables.set(notify, OdResBuf::newRb(1, OdString("2"))), eInvalidInput);
-  EXPECT_EQ(variables.set(notify, nullptr), eInvalidInput);
-  EXPECT_EQ(variables.number(notify), 2);
-  EXPECT_TRUE(variables.changed().empty());
-  EXPECT_EQ(variables.set(notify, OdResBuf::newRb(90, 0)), eOk);
-  ASSERT_EQ(variables.changed().size(), 1u);
-  EXPECT_EQ(variables.changed()[0], notify);
-  EXPECT_EQ(OdDbVariables::find("NOVAR"), nullptr);
-  EXPECT_EQ(variables.set(OdDbVariables::find("LTSCALE"), OdResBuf::newRb(40, 0.0)), eInvalidInput);
+  EXPECT_EQ(settings.set(notify, OdResBuf::newRb(40, 0.5)), eInvalidInput);
+  EXPECT_EQ(settings.set(notify, OdResBuf::newRb(1, OdString("2"))), eInvalidInput);
+  EXPECT_EQ(settings.set(notify, nullptr), eInvalidInput);
+  EXPECT_EQ(settings.number(notify), 2);
+  EXPECT_TRUE(settings.changed().empty());
+  EXPECT_EQ(settings.set(notify, OdResBuf::newRb(90, 0)), eOk);
+  ASSERT_EQ(settings.changed().size(), 1u);
+  EXPECT_EQ(settings.changed()[0], notify);
+  EXPECT_EQ(OdDbDrawingSettings::find("NOVAR"), nullptr);
+  EXPECT_EQ(settings.set(OdDbDrawingSettings::find("LTSCALE"), OdResBuf::newRb(40, 0.0)),
+            eInvalidInput);
 }
 
-TEST_F(OdDbVariablesTest, DrawingsRefuseUnknownNamesAndUnits) {
+TEST_F(OdDbDrawingSettingsTest, DrawingsRefuseUnknownNamesAndUnits) {
   EXPECT_EQ(raisedBy([&] { m_database->setSysVar("INSUNITS", OdResBuf::newRb(70, 99)); }),
             eInvalidInput);
   EXPECT_EQ(raisedBy([&] { (void)m_database->getSysVar("NOVAR"); }), eKeyNotFound);

@@ -1,5 +1,5 @@
-// Drawing variables: table, checks, stored form.
-#include "platform/db/db_variables.h"
+// Drawing settings: table, checks, stored form.
+#include "platform/db/drawing_settings.h"
 
 #include <cmath>
 #include <cstring>
@@ -11,12 +11,12 @@
 
 namespace {
 
-using Kind = OdDbVariableRow::Kind;
+using Kind = OdDbSettingRow::Kind;
 
 constexpr double kSmallest = std::numeric_limits<double>::min();
 constexpr double kGreatest = std::numeric_limits<double>::max();
 
-constexpr OdDbVariableRow kRows[] = {
+constexpr OdDbSettingRow kRows[] = {
     // name, kind, default, min, max
     {"AUNITS", Kind::kInt16, 0, 0, 4},        // form of angles
     {"AUPREC", Kind::kInt16, 0, 0, 8},        // decimals of angles
@@ -52,7 +52,7 @@ std::string numberText(double value) {
   return isWhole ? std::to_string(static_cast<OdInt64>(value)) : std::to_string(value);
 }
 
-bool fits(const OdDbVariableRow* row, double value) {
+bool fits(const OdDbSettingRow* row, double value) {
   if (!std::isfinite(value) || value < row->min || value > row->max) return false;
   return row->kind == Kind::kDouble || value == std::floor(value);
 }
@@ -82,7 +82,7 @@ bool numberOf(const OdResBuf& buffer, double& number) {
   }
 }
 
-OdResult refuse(const OdDbVariableRow* row, const std::string& given, OdString* reason) {
+OdResult refuse(const OdDbSettingRow* row, const std::string& given, OdString* reason) {
   if (reason != nullptr) {
     *reason = OdString(std::string(row->name) + " takes " + numberText(row->min) + " to " +
                        numberText(row->max) + ", given " + given);
@@ -92,36 +92,37 @@ OdResult refuse(const OdDbVariableRow* row, const std::string& given, OdString* 
 
 }  // namespace
 
-OdDbVariables::OdDbVariables() {
+OdDbDrawingSettings::OdDbDrawingSettings() {
   m_values.reserve(std::size(kRows));
-  for (const OdDbVariableRow& row : kRows) m_values.push_back(row.defaultValue);
+  for (const OdDbSettingRow& row : kRows) m_values.push_back(row.defaultValue);
 }
 
-std::span<const OdDbVariableRow> OdDbVariables::rows() { return kRows; }
+std::span<const OdDbSettingRow> OdDbDrawingSettings::rows() { return kRows; }
 
-const OdDbVariableRow* OdDbVariables::find(const OdString& name) {
-  for (const OdDbVariableRow& row : kRows) {
+const OdDbSettingRow* OdDbDrawingSettings::find(const OdString& name) {
+  for (const OdDbSettingRow& row : kRows) {
     if (name.iEquals(OdString(row.name))) return &row;
   }
   return nullptr;
 }
 
-std::size_t OdDbVariables::indexOf(const OdDbVariableRow* row) {
+std::size_t OdDbDrawingSettings::indexOf(const OdDbSettingRow* row) {
   const std::ptrdiff_t index = row - kRows;
   if (row == nullptr || index < 0 || index >= std::ssize(kRows)) {
-    throw OdError(eInvalidInput, OdString("row of no drawing variable"));
+    throw OdError(eInvalidInput, OdString("row of no drawing setting"));
   }
   return static_cast<std::size_t>(index);
 }
 
-OdResBufPtr OdDbVariables::get(const OdDbVariableRow* row) const {
+OdResBufPtr OdDbDrawingSettings::get(const OdDbSettingRow* row) const {
   const double value = number(row);
   const int code = rowOf(row->kind).code;
   if (row->kind == Kind::kDouble) return OdResBuf::newRb(code, value);
   return OdResBuf::newRb(code, static_cast<OdInt32>(value));
 }
 
-OdResult OdDbVariables::set(const OdDbVariableRow* row, const OdResBuf* value, OdString* reason) {
+OdResult OdDbDrawingSettings::set(const OdDbSettingRow* row, const OdResBuf* value,
+                                  OdString* reason) {
   double number = 0.0;
   if (value == nullptr) return refuse(row, "nothing", reason);
   if (!numberOf(*value, number)) {
@@ -130,22 +131,22 @@ OdResult OdDbVariables::set(const OdDbVariableRow* row, const OdResBuf* value, O
   return setNumber(row, number, reason);
 }
 
-OdResult OdDbVariables::setNumber(const OdDbVariableRow* row, double value, OdString* reason) {
+OdResult OdDbDrawingSettings::setNumber(const OdDbSettingRow* row, double value, OdString* reason) {
   double& stored = m_values[indexOf(row)];
   if (!fits(row, value)) return refuse(row, numberText(value), reason);
   stored = value;
   return eOk;
 }
 
-std::vector<const OdDbVariableRow*> OdDbVariables::changed() const {
-  std::vector<const OdDbVariableRow*> found;
-  for (const OdDbVariableRow& row : kRows) {
+std::vector<const OdDbSettingRow*> OdDbDrawingSettings::changed() const {
+  std::vector<const OdDbSettingRow*> found;
+  for (const OdDbSettingRow& row : kRows) {
     if (number(&row) != row.defaultValue) found.push_back(&row);
   }
   return found;
 }
 
-std::string OdDbVariables::serialise(const OdDbVariableRow* row) const {
+std::string OdDbDrawingSettings::serialise(const OdDbSettingRow* row) const {
   const double value = number(row);
   const KindRow& kind = rowOf(row->kind);
   std::string bytes(1 + kind.bytes, '\0');
@@ -161,8 +162,8 @@ std::string OdDbVariables::serialise(const OdDbVariableRow* row) const {
   return bytes;
 }
 
-OdResult OdDbVariables::deserialise(const OdDbVariableRow* row, std::string_view bytes,
-                                    OdString* reason) {
+OdResult OdDbDrawingSettings::deserialise(const OdDbSettingRow* row, std::string_view bytes,
+                                          OdString* reason) {
   const KindRow& kind = rowOf(row->kind);
   if (bytes.size() != 1 + kind.bytes || bytes[0] != kind.stored) {
     if (reason != nullptr) {

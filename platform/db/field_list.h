@@ -1,0 +1,304 @@
+// Field lists: one list of a class's fields, from which its binary and its DXF form both come.
+#pragma once
+
+#include "platform/base/result.h"
+#include "platform/filer/dwg_filer.h"
+#include "platform/filer/dxf_filer.h"
+#include "platform/ge/point2d.h"
+#include "platform/ge/point3d.h"
+#include "platform/ge/vector3d.h"
+#include "platform/gi/entity_color.h"
+
+/// A class lists its fields in stored order, in a member template that its four filing functions
+/// call:
+///
+///   template <class Fields, class Self>
+///   void OdDbLine::fields(Fields& fields, Self& line) {
+///     fields.version(1);                        // binary form only
+///     fields.value(10, line.m_start, isSound);  // group code, member, check
+///     fields.value(11, line.m_end, isSound);
+///   }
+///
+/// Each visitor below takes the same calls:
+///
+///   version(number)               uint8; another number ends reading with eUnsupportedVersion
+///   value(code, member, check)    filed by the member's type, see the table
+///   number<T>(code, member, ...)  an enumeration, filed as the integer T
+///   pointer<type>(code, id)       an id with its reference type
+///
+///   member        binary          groups
+///   OdString      string          code
+///   bool          bool            code
+///   OdUInt8       uint8           code
+///   OdInt16       int16           code
+///   double        double          code
+///   OdGePoint2d   2 doubles       code, code + 10
+///   OdGePoint3d   3 doubles       code, code + 10, code + 20; so OdGeVector3d
+///   OdCmColor     4 x uint8       code, an int32 of the four bytes, method first
+///
+/// A check decides whether a value may be kept; one that fails ends reading with eCorruptData.
+/// Reading stores into the members as it goes: after a failure the object is dropped or rolled back
+/// by whoever reads it. The group form begins with a subclass marker (100 and the class name), may
+/// have its groups in any order, and ends before the next marker; groups that no field has are
+/// passed.
+
+/// The check of a field that may have any value.
+struct OdDbAnyValue {
+  template <class T>
+  constexpr bool operator()(const T&) const {
+    return true;
+  }
+};
+
+/// Writes the binary form.
+class OdDbDwgFieldWriter {
+ public:
+  explicit OdDbDwgFieldWriter(OdDbDwgFiler* filer) : m_filer(filer) {}
+
+  void version(OdUInt8 number) { m_filer->wrUInt8(number); }
+  template <class T, class Check = OdDbAnyValue>
+  void value(int, const T& member, const Check& = {}) {
+    write(member);
+  }
+  template <class Stored, class T, class Check = OdDbAnyValue>
+  void number(int, const T& member, const Check& = {}) {
+    write(static_cast<Stored>(member));
+  }
+  template <OdDb::ReferenceType kType>
+  void pointer(int, const OdDbObjectId& id) {
+    m_filer->wrId(kType, id);
+  }
+
+ private:
+  void write(const OdString& value) { m_filer->wrString(value); }
+  void write(bool value) { m_filer->wrBool(value); }
+  void write(OdUInt8 value) { m_filer->wrUInt8(value); }
+  void write(OdInt16 value) { m_filer->wrInt16(value); }
+  void write(double value) { m_filer->wrDouble(value); }
+  void write(const OdGePoint2d& value) { m_filer->wrPoint2d(value); }
+  void write(const OdGePoint3d& value) { m_filer->wrPoint3d(value); }
+  void write(const OdGeVector3d& value) { m_filer->wrVector3d(value); }
+  void write(const OdCmEntityColor& value) { value.dwgOut(m_filer); }
+
+  OdDbDwgFiler* m_filer;
+};
+
+/// Reads the binary form; fields after a failure are left alone.
+class OdDbDwgFieldReader {
+ public:
+  explicit OdDbDwgFieldReader(OdDbDwgFiler* filer) : m_filer(filer) {}
+
+  [[nodiscard]] OdResult result() const { return m_result; }
+
+  void version(OdUInt8 number) {
+    if (m_filer->rdUInt8() != number) m_result = eUnsupportedVersion;
+  }
+  template <class T, class Check = OdDbAnyValue>
+  void value(int, T& member, const Check& isSound = {}) {
+    if (m_result != eOk) return;
+    read(member);
+    if (m_result == eOk && !isSound(member)) m_result = eCorruptData;
+  }
+  template <class Stored, class T, class Check = OdDbAnyValue>
+  void number(int, T& member, const Check& isSound = {}) {
+    if (m_result != eOk) return;
+    Stored stored{};
+    read(stored);
+    if (!isSound(stored)) {
+      m_result = eCorruptData;
+      return;
+    }
+    member = static_cast<T>(stored);
+  }
+  template <OdDb::ReferenceType kType>
+  void pointer(int, OdDbObjectId& id) {
+    if (m_result == eOk) id = m_filer->rdId(kType);
+  }
+
+ private:
+  void read(OdString& value) { value = m_filer->rdString(); }
+  void read(bool& value) { value = m_filer->rdBool(); }
+  void read(OdUInt8& value) { value = m_filer->rdUInt8(); }
+  void read(OdInt16& value) { value = m_filer->rdInt16(); }
+  void read(double& value) { value = m_filer->rdDouble(); }
+  void read(OdGePoint2d& value) { value = m_filer->rdPoint2d(); }
+  void read(OdGePoint3d& value) { value = m_filer->rdPoint3d(); }
+  void read(OdGeVector3d& value) { value = m_filer->rdVector3d(); }
+  void read(OdCmEntityColor& value) { m_result = value.dwgIn(m_filer); }
+
+  OdDbDwgFiler* m_filer;
+  OdResult m_result = eOk;
+};
+
+/// Writes the groups of one class, after its marker.
+class OdDbDxfFieldWriter {
+ public:
+  explicit OdDbDxfFieldWriter(OdDbDxfFiler* filer) : m_filer(filer) {}
+
+  void version(OdUInt8) {}
+  template <class T, class Check = OdDbAnyValue>
+  void value(int code, const T& member, const Check& = {}) {
+    write(code, member);
+  }
+  template <class Stored, class T, class Check = OdDbAnyValue>
+  void number(int code, const T& member, const Check& = {}) {
+    write(code, static_cast<Stored>(member));
+  }
+  template <OdDb::ReferenceType kType>
+  void pointer(int code, const OdDbObjectId& id) {
+    m_filer->wrObjectId(code, id);
+  }
+
+ private:
+  void write(int code, const OdString& value) { m_filer->wrString(code, value); }
+  void write(int code, bool value) { m_filer->wrBool(code, value); }
+  void write(int code, OdUInt8 value) { m_filer->wrUInt8(code, value); }
+  void write(int code, OdInt16 value) { m_filer->wrInt16(code, value); }
+  void write(int code, double value) { m_filer->wrDouble(code, value); }
+  void write(int code, const OdCmEntityColor& value) { m_filer->wrInt32(code, value.packed()); }
+  void write(int code, const OdGePoint2d& value) {
+    m_filer->wrDouble(code, value.x);
+    m_filer->wrDouble(code + 10, value.y);
+  }
+  template <class Triple>
+  void write(int code, const Triple& value) requires requires {
+    value.z;
+  }
+  {
+    m_filer->wrDouble(code, value.x);
+    m_filer->wrDouble(code + 10, value.y);
+    m_filer->wrDouble(code + 20, value.z);
+  }
+
+  OdDbDxfFiler* m_filer;
+};
+
+/// Takes the present group of a filer into the field that has its code.
+class OdDbDxfFieldReader {
+ public:
+  OdDbDxfFieldReader(OdDbDxfFiler* filer, int code) : m_filer(filer), m_code(code) {}
+
+  [[nodiscard]] OdResult result() const { return m_result; }
+
+  void version(OdUInt8) {}
+  template <class T, class Check = OdDbAnyValue>
+  void value(int code, T& member, const Check& = {}) {
+    read(code, member);
+  }
+  template <class Stored, class T, class Check = OdDbAnyValue>
+  void number(int code, T& member, const Check& = {}) {
+    auto stored = static_cast<Stored>(member);
+    read(code, stored);
+    member = static_cast<T>(stored);
+  }
+  template <OdDb::ReferenceType kType>
+  void pointer(int code, OdDbObjectId& id) {
+    if (code == m_code) id = m_filer->rdObjectId();
+  }
+
+ private:
+  void read(int code, OdString& value) {
+    if (code == m_code) value = m_filer->rdString();
+  }
+  void read(int code, bool& value) {
+    if (code == m_code) value = m_filer->rdBool();
+  }
+  void read(int code, OdUInt8& value) {
+    if (code == m_code) value = m_filer->rdUInt8();
+  }
+  void read(int code, OdInt16& value) {
+    if (code == m_code) value = m_filer->rdInt16();
+  }
+  void read(int code, double& value) {
+    if (code == m_code) value = m_filer->rdDouble();
+  }
+  void read(int code, OdCmEntityColor& value) {
+    if (code == m_code) m_result = value.setPacked(m_filer->rdInt32());
+  }
+  void read(int code, OdGePoint2d& value) {
+    read(code, value.x);
+    read(code + 10, value.y);
+  }
+  template <class Triple>
+  void read(int code, Triple& value) requires requires {
+    value.z;
+  }
+  {
+    read(code, value.x);
+    read(code + 10, value.y);
+    read(code + 20, value.z);
+  }
+
+  OdDbDxfFiler* m_filer;
+  int m_code;
+  OdResult m_result = eOk;
+};
+
+/// Checks the members as they are.
+class OdDbFieldChecker {
+ public:
+  [[nodiscard]] bool isSound() const { return m_sound; }
+
+  void version(OdUInt8) {}
+  template <class T, class Check = OdDbAnyValue>
+  void value(int, const T& member, const Check& check = {}) {
+    m_sound = m_sound && check(member);
+  }
+  template <class Stored, class T, class Check = OdDbAnyValue>
+  void number(int, const T& member, const Check& check = {}) {
+    m_sound = m_sound && check(static_cast<Stored>(member));
+  }
+  template <OdDb::ReferenceType>
+  void pointer(int, const OdDbObjectId&) {}
+
+ private:
+  bool m_sound = true;
+};
+
+/// Files the fields of a class T, after those of its base. T is a friend, as its list and its
+/// members are private.
+struct OdDbFieldFiling {
+  static constexpr int kSubclassMarker = 100;
+
+  template <class T>
+  static void dwgOut(OdDbDwgFiler* filer, const T& object) {
+    OdDbDwgFieldWriter fields(filer);
+    T::fields(fields, object);
+  }
+
+  template <class T>
+  [[nodiscard]] static OdResult dwgIn(OdDbDwgFiler* filer, T& object) {
+    OdDbDwgFieldReader fields(filer);
+    T::fields(fields, object);
+    return fields.result();
+  }
+
+  template <class T>
+  static void dxfOut(OdDbDxfFiler* filer, const T& object) {
+    filer->wrString(kSubclassMarker, T::desc()->name());
+    OdDbDxfFieldWriter fields(filer);
+    T::fields(fields, object);
+  }
+
+  /// eCorruptData when the groups do not begin with the marker of T, or a value fails its check.
+  template <class T>
+  [[nodiscard]] static OdResult dxfIn(OdDbDxfFiler* filer, T& object) {
+    if (filer->atEOF() || filer->nextItem() != kSubclassMarker ||
+        filer->rdString() != T::desc()->name()) {
+      return eCorruptData;
+    }
+    while (!filer->atEOF()) {
+      const int code = filer->nextItem();
+      if (code == kSubclassMarker) {
+        filer->pushBackItem();
+        break;
+      }
+      OdDbDxfFieldReader fields(filer, code);
+      T::fields(fields, object);
+      if (fields.result() != eOk) return fields.result();
+    }
+    OdDbFieldChecker checker;
+    T::fields(checker, static_cast<const T&>(object));
+    return checker.isSound() ? eOk : eCorruptData;
+  }
+};
