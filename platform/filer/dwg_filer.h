@@ -65,54 +65,22 @@ class OdDbDwgFiler : public OdRxObject {
   virtual void seek(OdInt64 offset, OdDb::FilerSeekType from) = 0;
   [[nodiscard]] virtual OdUInt64 tell() const = 0;
 
-  virtual bool rdBool() = 0;
-  virtual OdString rdString() = 0;
-  /// The same for strings that repeat from record to record, such as the keys of property bags:
+#define OD_DWG_VALUE(Name, Value, Argument) \
+  virtual Value rd##Name() = 0;             \
+  virtual void wr##Name(Argument value) = 0;
+#include "platform/filer/dwg_primitive_rows.inc"
+  virtual void rdBytes(void* buffer, OdUInt32 size) = 0;
+  virtual void wrBytes(const void* buffer, OdUInt32 size) = 0;
+
+  /// rdString for strings that repeat from record to record, such as the keys of property bags:
   /// equal keys read by one thread share one buffer where the filer would otherwise copy.
   virtual OdString rdKey() { return rdString(); }
-  /// The same where the reader knows which string probably comes next: if it is that one, the
-  /// result shares its buffer.
+  /// rdKey where the reader knows which string probably comes next: if it is that one, the result
+  /// shares its buffer.
   virtual OdString rdKeyLike(const OdString& /*expected*/) { return rdKey(); }
   /// The UTF-8 bytes of a string, for readers that make the string later; valid until the next
   /// read. False, nothing being read, where the filer does not hold them.
   virtual bool rdStringBytes(std::string_view& /*utf8*/) { return false; }
-  virtual void rdBytes(void* buffer, OdUInt32 size) = 0;
-  virtual OdInt8 rdInt8() = 0;
-  virtual OdUInt8 rdUInt8() = 0;
-  virtual OdInt16 rdInt16() = 0;
-  virtual OdInt32 rdInt32() = 0;
-  virtual OdInt64 rdInt64() = 0;
-  virtual double rdDouble() = 0;
-  virtual OdDbHandle rdDbHandle() = 0;
-  virtual OdDbObjectId rdSoftOwnershipId() = 0;
-  virtual OdDbObjectId rdHardOwnershipId() = 0;
-  virtual OdDbObjectId rdSoftPointerId() = 0;
-  virtual OdDbObjectId rdHardPointerId() = 0;
-  virtual OdGePoint2d rdPoint2d() = 0;
-  virtual OdGePoint3d rdPoint3d() = 0;
-  virtual OdGeVector2d rdVector2d() = 0;
-  virtual OdGeVector3d rdVector3d() = 0;
-  virtual OdGeScale3d rdScale3d() = 0;
-
-  virtual void wrBool(bool value) = 0;
-  virtual void wrString(const OdString& value) = 0;
-  virtual void wrBytes(const void* buffer, OdUInt32 size) = 0;
-  virtual void wrInt8(OdInt8 value) = 0;
-  virtual void wrUInt8(OdUInt8 value) = 0;
-  virtual void wrInt16(OdInt16 value) = 0;
-  virtual void wrInt32(OdInt32 value) = 0;
-  virtual void wrInt64(OdInt64 value) = 0;
-  virtual void wrDouble(double value) = 0;
-  virtual void wrDbHandle(const OdDbHandle& value) = 0;
-  virtual void wrSoftOwnershipId(const OdDbObjectId& value) = 0;
-  virtual void wrHardOwnershipId(const OdDbObjectId& value) = 0;
-  virtual void wrSoftPointerId(const OdDbObjectId& value) = 0;
-  virtual void wrHardPointerId(const OdDbObjectId& value) = 0;
-  virtual void wrPoint2d(const OdGePoint2d& value) = 0;
-  virtual void wrPoint3d(const OdGePoint3d& value) = 0;
-  virtual void wrVector2d(const OdGeVector2d& value) = 0;
-  virtual void wrVector3d(const OdGeVector3d& value) = 0;
-  virtual void wrScale3d(const OdGeScale3d& value) = 0;
 
   /// An id through the primitive of its reference type.
   void wrId(OdDb::ReferenceType type, const OdDbObjectId& value);

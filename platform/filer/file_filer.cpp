@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <type_traits>
 #include <unordered_map>
 
 #include "platform/base/error.h"
@@ -35,6 +36,10 @@ OdInt64 unzigzag(OdUInt64 value) {
 }
 
 template <class T>
+constexpr bool kIsOneByte = std::is_integral_v<T> && sizeof(T) == 1;
+
+// No check is left of it where T has 64 bits.
+template <class T>
 T narrowed(OdInt64 value) {
   if (value < std::numeric_limits<T>::min() || value > std::numeric_limits<T>::max()) {
     throw OdError(eCorruptData, OdString("number " + std::to_string(value) + " in a field of " +
@@ -55,7 +60,7 @@ OdString internKey(std::string_view bytes) {
 
 }  // namespace
 
-// Writing.
+// ---- Writing
 
 void OdDbFileWriter::clear() {
   m_references.clear();
@@ -80,22 +85,38 @@ void OdDbFileWriter::assemble(const std::vector<OdDbFileReference>& references,
   record.insert(record.end(), fields, fields + fieldSize);
 }
 
-void OdDbFileWriter::wrString(const OdString& value) {
-  const std::string_view text = value.utf8();
-  putVarint(m_fields, text.size());
-  m_fields.insert(m_fields.end(), text.begin(), text.end());
-}
-
 void OdDbFileWriter::wrBytes(const void* buffer, OdUInt32 size) {
   const auto* first = static_cast<const OdUInt8*>(buffer);
   m_fields.insert(m_fields.end(), first, first + size);
 }
 
-void OdDbFileWriter::wrDbHandle(const OdDbHandle& value) {
-  putVarint(m_fields, static_cast<OdUInt64>(value));
+// A value in the form of its type.
+template <class T>
+void OdDbFileWriter::put(const T& value) {
+  if constexpr (std::is_same_v<T, OdString>) {
+    putString(value);
+  } else if constexpr (std::is_same_v<T, OdDbHandle>) {
+    putVarint(m_fields, static_cast<OdUInt64>(value));
+  } else if constexpr (kIsOneByte<T>) {
+    m_fields.push_back(static_cast<OdUInt8>(value));
+  } else if constexpr (std::is_integral_v<T>) {
+    putVarint(m_fields, zigzag(value));
+  } else {
+    OdDbFileWriter::wrBytes(&value, sizeof value);
+  }
 }
 
-void OdDbFileWriter::putSigned(OdInt64 value) { putVarint(m_fields, zigzag(value)); }
+#define OD_DWG_VALUE(Name, Value, Argument) \
+  void OdDbFileWriter::wr##Name(Argument value) { put(value); }
+#define OD_DWG_ID(Name, type) \
+  void OdDbFileWriter::wr##Name(const OdDbObjectId& value) { putId(value, type); }
+#include "platform/filer/dwg_primitive_rows.inc"
+
+void OdDbFileWriter::putString(const OdString& value) {
+  const std::string_view text = value.utf8();
+  putVarint(m_fields, text.size());
+  m_fields.insert(m_fields.end(), text.begin(), text.end());
+}
 
 void OdDbFileWriter::putId(const OdDbObjectId& id, OdDb::ReferenceType type) {
   if (id.isNull()) {
@@ -106,7 +127,7 @@ void OdDbFileWriter::putId(const OdDbObjectId& id, OdDb::ReferenceType type) {
   putVarint(m_fields, m_references.size());
 }
 
-// Reading.
+// ---- Reading
 
 OdDbFileReader::OdDbFileReader(const OdUInt8* data, std::size_t size, OdDbDatabase* database,
                                HandleResolver resolver, void* context)
@@ -147,12 +168,25 @@ void OdDbFileReader::seek(OdInt64 offset, OdDb::FilerSeekType from) {
   m_data = m_fieldsBegin + target;
 }
 
+OdUInt8 OdDbFileReader::takeByte() {
+  if (m_data == m_end) [[unlikely]]
+    raiseEnd(1);
+  return *m_data++;
+}
+
+OdUInt64 OdDbFileReader::takeVarint() {
+  if (m_data != m_end && *m_data < 0x80) [[likely]]
+    return *m_data++;
+  return takeLongVarint();
+}
+
 OdUInt64 OdDbFileReader::takeLongVarint() {
   OdUInt64 value = 0;
   for (unsigned shift = 0; shift < 64; shift += 7) {
-    const OdUInt64 byte = rdUInt8();
+    const OdUInt64 byte = takeByte();
     value |= (byte & 0x7f) << shift;
     if (byte < 0x80) {
+      // The tenth byte has room for one bit.
       if (shift == 63 && byte > 1) break;
       return value;
     }
@@ -160,11 +194,31 @@ OdUInt64 OdDbFileReader::takeLongVarint() {
   throw OdError(eCorruptData, OdString("number of more than 64 bits"));
 }
 
-OdInt64 OdDbFileReader::takeSigned() { return unzigzag(takeVarint()); }
+// A value from the form of its type.
+template <class T>
+T OdDbFileReader::take() {
+  if constexpr (std::is_same_v<T, OdString>) {
+    return OdString::fromUtf8(rdStringView());
+  } else if constexpr (std::is_same_v<T, OdDbHandle>) {
+    return OdDbHandle(takeVarint());
+  } else if constexpr (std::is_same_v<T, bool>) {
+    return takeByte() != 0;
+  } else if constexpr (kIsOneByte<T>) {
+    return static_cast<T>(takeByte());
+  } else if constexpr (std::is_integral_v<T>) {
+    return narrowed<T>(unzigzag(takeVarint()));
+  } else {
+    T value;
+    OdDbFileReader::rdBytes(&value, sizeof value);
+    return value;
+  }
+}
 
-OdInt16 OdDbFileReader::rdInt16() { return narrowed<OdInt16>(takeSigned()); }
-
-OdInt32 OdDbFileReader::rdInt32() { return narrowed<OdInt32>(takeSigned()); }
+#define OD_DWG_VALUE(Name, Value, Argument) \
+  Value OdDbFileReader::rd##Name() { return take<Value>(); }
+#define OD_DWG_ID(Name, type) \
+  OdDbObjectId OdDbFileReader::rd##Name() { return takeId(type); }
+#include "platform/filer/dwg_primitive_rows.inc"
 
 std::string_view OdDbFileReader::rdStringView() {
   const OdUInt64 size = takeVarint();
@@ -174,8 +228,6 @@ std::string_view OdDbFileReader::rdStringView() {
   m_data += size;
   return text;
 }
-
-OdString OdDbFileReader::rdString() { return OdString::fromUtf8(rdStringView()); }
 
 OdString OdDbFileReader::rdKey() { return internKey(rdStringView()); }
 

@@ -22,7 +22,8 @@ struct OdDbFileReference {
 /// Fields: bool, int8, uint8 one byte; int16, int32, int64 zigzag varint; double 8 bytes
 /// little-endian; string varint byte count and UTF-8; bytes as they are; handle varint; point,
 /// vector, scale their doubles; an id is the varint number of its reference, counted from 1, and 0
-/// for a null id. So whoever does not know the class still knows every reference.
+/// for a null id. A reader that does not know the class thus knows
+/// every reference.
 ///
 /// varint: seven bits a byte, low bits first, the top bit set in all but the last; at most 10
 /// bytes. Handles of 2^62 and more do not fit a reference and are refused on writing.
@@ -50,32 +51,14 @@ class OdDbFileWriter : public OdStaticRxObject<OdDbWriteOnlyFiler> {
   [[nodiscard]] OdDbDatabase* database() const override { return m_database; }
   [[nodiscard]] OdUInt64 tell() const override { return m_fields.size(); }
 
-  void wrBool(bool value) override { m_fields.push_back(value ? 1 : 0); }
-  void wrString(const OdString& value) override;
+#define OD_DWG_VALUE(Name, Value, Argument) void wr##Name(Argument value) override;
+#include "platform/filer/dwg_primitive_rows.inc"
   void wrBytes(const void* buffer, OdUInt32 size) override;
-  void wrInt8(OdInt8 value) override { m_fields.push_back(static_cast<OdUInt8>(value)); }
-  void wrUInt8(OdUInt8 value) override { m_fields.push_back(value); }
-  void wrInt16(OdInt16 value) override { putSigned(value); }
-  void wrInt32(OdInt32 value) override { putSigned(value); }
-  void wrInt64(OdInt64 value) override { putSigned(value); }
-  void wrDouble(double value) override { wrBytes(&value, sizeof value); }
-  void wrDbHandle(const OdDbHandle& value) override;
-  void wrSoftOwnershipId(const OdDbObjectId& value) override {
-    putId(value, OdDb::kSoftOwnershipRef);
-  }
-  void wrHardOwnershipId(const OdDbObjectId& value) override {
-    putId(value, OdDb::kHardOwnershipRef);
-  }
-  void wrSoftPointerId(const OdDbObjectId& value) override { putId(value, OdDb::kSoftPointerRef); }
-  void wrHardPointerId(const OdDbObjectId& value) override { putId(value, OdDb::kHardPointerRef); }
-  void wrPoint2d(const OdGePoint2d& value) override { wrBytes(&value, sizeof value); }
-  void wrPoint3d(const OdGePoint3d& value) override { wrBytes(&value, sizeof value); }
-  void wrVector2d(const OdGeVector2d& value) override { wrBytes(&value, sizeof value); }
-  void wrVector3d(const OdGeVector3d& value) override { wrBytes(&value, sizeof value); }
-  void wrScale3d(const OdGeScale3d& value) override { wrBytes(&value, sizeof value); }
 
  private:
-  void putSigned(OdInt64 value);
+  template <class T>
+  void put(const T& value);
+  void putString(const OdString& value);
   void putId(const OdDbObjectId& id, OdDb::ReferenceType type);
 
   OdDbDatabase* m_database;
@@ -113,52 +96,24 @@ class OdDbFileReader : public OdStaticRxObject<OdDbReadOnlyFiler> {
   }
   [[nodiscard]] OdUInt64 bytesLeft() const override { return fieldSize(); }
 
-  bool rdBool() override { return rdUInt8() != 0; }
-  OdString rdString() override;
+#define OD_DWG_VALUE(Name, Value, Argument) Value rd##Name() override;
+#include "platform/filer/dwg_primitive_rows.inc"
+  void rdBytes(void* buffer, OdUInt32 size) override;
   OdString rdKey() override;
   OdString rdKeyLike(const OdString& expected) override;
   bool rdStringBytes(std::string_view& utf8) override {
     utf8 = rdStringView();
     return true;
   }
-  void rdBytes(void* buffer, OdUInt32 size) override;
-  OdInt8 rdInt8() override { return static_cast<OdInt8>(rdUInt8()); }
-  OdUInt8 rdUInt8() override {
-    if (m_data == m_end) [[unlikely]]
-      raiseEnd(1);
-    return *m_data++;
-  }
-  OdInt16 rdInt16() override;
-  OdInt32 rdInt32() override;
-  OdInt64 rdInt64() override { return takeSigned(); }
-  double rdDouble() override { return take<double>(); }
-  OdDbHandle rdDbHandle() override { return OdDbHandle(takeVarint()); }
-  OdDbObjectId rdSoftOwnershipId() override { return takeId(OdDb::kSoftOwnershipRef); }
-  OdDbObjectId rdHardOwnershipId() override { return takeId(OdDb::kHardOwnershipRef); }
-  OdDbObjectId rdSoftPointerId() override { return takeId(OdDb::kSoftPointerRef); }
-  OdDbObjectId rdHardPointerId() override { return takeId(OdDb::kHardPointerRef); }
-  OdGePoint2d rdPoint2d() override { return take<OdGePoint2d>(); }
-  OdGePoint3d rdPoint3d() override { return take<OdGePoint3d>(); }
-  OdGeVector2d rdVector2d() override { return take<OdGeVector2d>(); }
-  OdGeVector3d rdVector3d() override { return take<OdGeVector3d>(); }
-  OdGeScale3d rdScale3d() override { return take<OdGeScale3d>(); }
   /// The UTF-8 bytes of a string field without making a string; valid while the record is.
   std::string_view rdStringView();
 
  private:
   template <class T>
-  T take() {
-    T value;
-    rdBytes(&value, sizeof value);
-    return value;
-  }
-  OdUInt64 takeVarint() {
-    if (m_data != m_end && *m_data < 0x80) [[likely]]
-      return *m_data++;
-    return takeLongVarint();
-  }
+  T take();
+  OdUInt8 takeByte();
+  OdUInt64 takeVarint();
   OdUInt64 takeLongVarint();
-  OdInt64 takeSigned();
   OdDbObjectId takeId(OdDb::ReferenceType type);
   [[noreturn]] void raiseEnd(std::size_t wanted) const;
 

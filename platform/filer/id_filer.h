@@ -30,25 +30,9 @@ class OdDbIdFiler : public OdStaticRxObject<OdDbWriteOnlyFiler> {
   /// There is nothing to go back to: does nothing.
   void seek(OdInt64 offset, OdDb::FilerSeekType from) override;
 
-  void wrBool(bool value) override;
-  void wrString(const OdString& value) override;
+#define OD_DWG_VALUE(Name, Value, Argument) void wr##Name(Argument value) override;
+#include "platform/filer/dwg_primitive_rows.inc"
   void wrBytes(const void* buffer, OdUInt32 size) override;
-  void wrInt8(OdInt8 value) override;
-  void wrUInt8(OdUInt8 value) override;
-  void wrInt16(OdInt16 value) override;
-  void wrInt32(OdInt32 value) override;
-  void wrInt64(OdInt64 value) override;
-  void wrDouble(double value) override;
-  void wrDbHandle(const OdDbHandle& value) override;
-  void wrSoftOwnershipId(const OdDbObjectId& value) override;
-  void wrHardOwnershipId(const OdDbObjectId& value) override;
-  void wrSoftPointerId(const OdDbObjectId& value) override;
-  void wrHardPointerId(const OdDbObjectId& value) override;
-  void wrPoint2d(const OdGePoint2d& value) override;
-  void wrPoint3d(const OdGePoint3d& value) override;
-  void wrVector2d(const OdGeVector2d& value) override;
-  void wrVector3d(const OdGeVector3d& value) override;
-  void wrScale3d(const OdGeScale3d& value) override;
 
  private:
   void keep(const OdDbObjectId& id, OdDb::ReferenceType type);

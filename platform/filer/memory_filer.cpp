@@ -1,7 +1,9 @@
 // Filing of live objects in memory.
 #include "platform/filer/memory_filer.h"
 
+#include <cstring>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 #include "platform/base/error.h"
@@ -36,13 +38,53 @@ void OdDbMemoryFiler::raiseEnd(std::size_t wanted) const {
                                        std::to_string(m_end - m_read) + " are left"));
 }
 
-// A string is its number in the buffer's list, counted from where the record began.
-void OdDbMemoryFiler::wrString(const OdString& value) {
+// ---- Values: a string as its number in the buffer's list, counted from where the record began; a
+// bool as one byte; all others as the bytes that they are in memory
+
+template <class T>
+T OdDbMemoryFiler::take() {
+  if constexpr (std::is_same_v<T, OdString>) {
+    return takeString();
+  } else if constexpr (std::is_same_v<T, bool>) {
+    return take<OdUInt8>() != 0;
+  } else {
+    if (m_end - m_read < sizeof(T)) [[unlikely]]
+      raiseEnd(sizeof(T));
+    T value;
+    std::memcpy(&value, m_buffer->bytes.data() + m_read, sizeof(T));
+    m_read += sizeof(T);
+    return value;
+  }
+}
+
+template <class T>
+void OdDbMemoryFiler::put(const T& value) {
+  if constexpr (std::is_same_v<T, OdString>) {
+    putString(value);
+  } else if constexpr (std::is_same_v<T, bool>) {
+    m_buffer->bytes.push_back(value ? 1 : 0);
+  } else {
+    std::vector<OdUInt8>& bytes = m_buffer->bytes;
+    const std::size_t at = bytes.size();
+    bytes.resize(at + sizeof(T));
+    std::memcpy(bytes.data() + at, &value, sizeof(T));
+  }
+}
+
+#define OD_DWG_VALUE(Name, Value, Argument)                   \
+  Value OdDbMemoryFiler::rd##Name() { return take<Value>(); } \
+  void OdDbMemoryFiler::wr##Name(Argument value) { put(value); }
+#define OD_DWG_ID(Name, type)                                       \
+  OdDbObjectId OdDbMemoryFiler::rd##Name() { return takeId(type); } \
+  void OdDbMemoryFiler::wr##Name(const OdDbObjectId& value) { putId(value, type); }
+#include "platform/filer/dwg_primitive_rows.inc"
+
+void OdDbMemoryFiler::putString(const OdString& value) {
   put(static_cast<OdUInt32>(m_buffer->strings.size() - m_stringBegin));
   m_buffer->strings.push_back(value);
 }
 
-OdString OdDbMemoryFiler::rdString() {
+OdString OdDbMemoryFiler::takeString() {
   const std::size_t index = m_stringBegin + take<OdUInt32>();
   if (index >= m_buffer->strings.size()) {
     throw OdError(eCorruptData, OdString("string " + std::to_string(index) + " of " +

@@ -1,7 +1,6 @@
 // OdDbMemoryFiler: state of live objects in memory, for undo, copies, paging and clones.
 #pragma once
 
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -71,67 +70,20 @@ class OdDbMemoryFiler : public OdStaticRxObject<OdDbDwgFiler> {
   }
   [[nodiscard]] OdUInt64 bytesLeft() const override { return m_end - m_read; }
 
-  bool rdBool() override { return take<OdUInt8>() != 0; }
-  OdString rdString() override;
+#define OD_DWG_VALUE(Name, Value, Argument) \
+  Value rd##Name() override;                \
+  void wr##Name(Argument value) override;
+#include "platform/filer/dwg_primitive_rows.inc"
   void rdBytes(void* buffer, OdUInt32 size) override;
-  OdInt8 rdInt8() override { return take<OdInt8>(); }
-  OdUInt8 rdUInt8() override { return take<OdUInt8>(); }
-  OdInt16 rdInt16() override { return take<OdInt16>(); }
-  OdInt32 rdInt32() override { return take<OdInt32>(); }
-  OdInt64 rdInt64() override { return take<OdInt64>(); }
-  double rdDouble() override { return take<double>(); }
-  OdDbHandle rdDbHandle() override { return OdDbHandle(take<OdUInt64>()); }
-  OdDbObjectId rdSoftOwnershipId() override { return takeId(OdDb::kSoftOwnershipRef); }
-  OdDbObjectId rdHardOwnershipId() override { return takeId(OdDb::kHardOwnershipRef); }
-  OdDbObjectId rdSoftPointerId() override { return takeId(OdDb::kSoftPointerRef); }
-  OdDbObjectId rdHardPointerId() override { return takeId(OdDb::kHardPointerRef); }
-  OdGePoint2d rdPoint2d() override { return take<OdGePoint2d>(); }
-  OdGePoint3d rdPoint3d() override { return take<OdGePoint3d>(); }
-  OdGeVector2d rdVector2d() override { return take<OdGeVector2d>(); }
-  OdGeVector3d rdVector3d() override { return take<OdGeVector3d>(); }
-  OdGeScale3d rdScale3d() override { return take<OdGeScale3d>(); }
-
-  void wrBool(bool value) override { put<OdUInt8>(value ? 1 : 0); }
-  void wrString(const OdString& value) override;
   void wrBytes(const void* buffer, OdUInt32 size) override;
-  void wrInt8(OdInt8 value) override { put(value); }
-  void wrUInt8(OdUInt8 value) override { put(value); }
-  void wrInt16(OdInt16 value) override { put(value); }
-  void wrInt32(OdInt32 value) override { put(value); }
-  void wrInt64(OdInt64 value) override { put(value); }
-  void wrDouble(double value) override { put(value); }
-  void wrDbHandle(const OdDbHandle& value) override { put(static_cast<OdUInt64>(value)); }
-  void wrSoftOwnershipId(const OdDbObjectId& value) override {
-    putId(value, OdDb::kSoftOwnershipRef);
-  }
-  void wrHardOwnershipId(const OdDbObjectId& value) override {
-    putId(value, OdDb::kHardOwnershipRef);
-  }
-  void wrSoftPointerId(const OdDbObjectId& value) override { putId(value, OdDb::kSoftPointerRef); }
-  void wrHardPointerId(const OdDbObjectId& value) override { putId(value, OdDb::kHardPointerRef); }
-  void wrPoint2d(const OdGePoint2d& value) override { put(value); }
-  void wrPoint3d(const OdGePoint3d& value) override { put(value); }
-  void wrVector2d(const OdGeVector2d& value) override { put(value); }
-  void wrVector3d(const OdGeVector3d& value) override { put(value); }
-  void wrScale3d(const OdGeScale3d& value) override { put(value); }
 
  private:
   template <class T>
-  T take() {
-    if (m_end - m_read < sizeof(T)) [[unlikely]]
-      raiseEnd(sizeof(T));
-    T value;
-    std::memcpy(&value, m_buffer->bytes.data() + m_read, sizeof(T));
-    m_read += sizeof(T);
-    return value;
-  }
+  T take();
   template <class T>
-  void put(const T& value) {
-    std::vector<OdUInt8>& bytes = m_buffer->bytes;
-    const std::size_t at = bytes.size();
-    bytes.resize(at + sizeof(T));
-    std::memcpy(bytes.data() + at, &value, sizeof(T));
-  }
+  void put(const T& value);
+  OdString takeString();
+  void putString(const OdString& value);
   OdDbObjectId takeId(OdDb::ReferenceType type);
   void putId(const OdDbObjectId& id, OdDb::ReferenceType type);
   [[noreturn]] void raiseEnd(std::size_t wanted) const;

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <string>
 #include <string_view>
-#include <typeinfo>
 
 #include "platform/base/error.h"
 #include "platform/rx/memory_stream.h"
@@ -160,13 +159,8 @@ void VdmFlatFiler::wrString(const OdString& value) {
   }
   if (narrow.size() > kMaxReadableString) m_hasUnreadableString = true;
   const auto length = static_cast<OdInt16>(static_cast<OdUInt16>(narrow.size()));
-  if (typeid(*this) == typeid(VdmFlatFiler)) {
-    m_stream->putBytes(&length, sizeof length);
-    m_stream->putBytes(narrow.data(), narrow.size());
-  } else {
-    wrInt16(length);
-    wrBytes(narrow.data(), static_cast<OdUInt32>(narrow.size()));
-  }
+  wrInt16(length);
+  wrBytes(narrow.data(), static_cast<OdUInt32>(narrow.size()));
 }
 
 void VdmFlatFiler::rdBytes(void* buffer, OdUInt32 size) { m_stream->getBytes(buffer, size); }
@@ -174,36 +168,20 @@ void VdmFlatFiler::wrBytes(const void* buffer, OdUInt32 size) { m_stream->putByt
 
 // ---- Geometry, coordinate by coordinate
 
-OdGePoint2d VdmFlatFiler::rdPoint2d() {
-  const double x = rdDouble();
-  return OdGePoint2d(x, rdDouble());
+template <class T>
+T VdmFlatFiler::takeCoordinates() {
+  std::array<double, sizeof(T) / sizeof(double)> coordinates;
+  for (double& coordinate : coordinates) coordinate = rdDouble();
+  return std::bit_cast<T>(coordinates);
 }
 
-OdGeVector2d VdmFlatFiler::rdVector2d() {
-  const double x = rdDouble();
-  return OdGeVector2d(x, rdDouble());
-}
+// ---- The primitives of one shape: geometry, and ids, of which no byte is kept
 
-OdGePoint3d VdmFlatFiler::rdPoint3d() {
-  const double x = rdDouble();
-  const double y = rdDouble();
-  return OdGePoint3d(x, y, rdDouble());
-}
-
-OdGeVector3d VdmFlatFiler::rdVector3d() {
-  const double x = rdDouble();
-  const double y = rdDouble();
-  return OdGeVector3d(x, y, rdDouble());
-}
-
-OdGeScale3d VdmFlatFiler::rdScale3d() {
-  const double x = rdDouble();
-  const double y = rdDouble();
-  return OdGeScale3d(x, y, rdDouble());
-}
-
-void VdmFlatFiler::wrPoint2d(const OdGePoint2d& value) { put(value); }
-void VdmFlatFiler::wrPoint3d(const OdGePoint3d& value) { put(value); }
-void VdmFlatFiler::wrVector2d(const OdGeVector2d& value) { put(value); }
-void VdmFlatFiler::wrVector3d(const OdGeVector3d& value) { put(value); }
-void VdmFlatFiler::wrScale3d(const OdGeScale3d& value) { put(value); }
+#define OD_DWG_VALUE(Name, Value, Argument)
+#define OD_DWG_GEOMETRY(Name, Value)                                  \
+  Value VdmFlatFiler::rd##Name() { return takeCoordinates<Value>(); } \
+  void VdmFlatFiler::wr##Name(const Value& value) { put(value); }
+#define OD_DWG_ID(Name, type)                                      \
+  OdDbObjectId VdmFlatFiler::rd##Name() { return OdDbObjectId(); } \
+  void VdmFlatFiler::wr##Name(const OdDbObjectId&) {}
+#include "platform/filer/dwg_primitive_rows.inc"

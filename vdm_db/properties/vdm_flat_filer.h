@@ -60,49 +60,18 @@ class VDM_DB_EXPORT VdmFlatFiler : public OdStaticRxObject<OdDbDwgFiler> {
   OdUInt64 tell() const override;
   OdUInt64 bytesLeft() const override;
 
-  bool rdBool() override;
-  OdString rdString() override;
+#define OD_DWG_VALUE(Name, Value, Argument) \
+  Value rd##Name() override;                \
+  void wr##Name(Argument value) override;
+#include "platform/filer/dwg_primitive_rows.inc"
   void rdBytes(void* buffer, OdUInt32 size) override;
-  OdInt8 rdInt8() override;
-  OdUInt8 rdUInt8() override;
-  OdInt16 rdInt16() override;
-  OdInt32 rdInt32() override;
-  OdInt64 rdInt64() override;
-  double rdDouble() override;
-  OdDbHandle rdDbHandle() override;
-  OdDbObjectId rdSoftOwnershipId() override { return OdDbObjectId(); }
-  OdDbObjectId rdHardOwnershipId() override { return OdDbObjectId(); }
-  OdDbObjectId rdSoftPointerId() override { return OdDbObjectId(); }
-  OdDbObjectId rdHardPointerId() override { return OdDbObjectId(); }
-  OdGePoint2d rdPoint2d() override;
-  OdGePoint3d rdPoint3d() override;
-  OdGeVector2d rdVector2d() override;
-  OdGeVector3d rdVector3d() override;
-  OdGeScale3d rdScale3d() override;
-
-  void wrBool(bool value) override;
-  void wrString(const OdString& value) override;
   void wrBytes(const void* buffer, OdUInt32 size) override;
-  void wrInt8(OdInt8 value) override;
-  void wrUInt8(OdUInt8 value) override;
-  void wrInt16(OdInt16 value) override;
-  void wrInt32(OdInt32 value) override;
-  void wrInt64(OdInt64 value) override;
-  void wrDouble(double value) override;
-  void wrDbHandle(const OdDbHandle& value) override;
-  void wrSoftOwnershipId(const OdDbObjectId&) override {}
-  void wrHardOwnershipId(const OdDbObjectId&) override {}
-  void wrSoftPointerId(const OdDbObjectId&) override {}
-  void wrHardPointerId(const OdDbObjectId&) override {}
-  void wrPoint2d(const OdGePoint2d& value) override;
-  void wrPoint3d(const OdGePoint3d& value) override;
-  void wrVector2d(const OdGeVector2d& value) override;
-  void wrVector3d(const OdGeVector3d& value) override;
-  void wrScale3d(const OdGeScale3d& value) override;
 
  private:
   template <class T>
   T take();
+  template <class T>
+  T takeCoordinates();
   template <class T>
   void put(const T& value);
 

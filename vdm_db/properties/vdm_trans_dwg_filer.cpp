@@ -2,6 +2,7 @@
 #include "vdm_db/properties/vdm_trans_dwg_filer.h"
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -15,10 +16,14 @@ enum GroupCode : int {
   kInt8 = 280,
   kBool = 290,
   kChunk = 310,
-  kSoftPointer = 330,
-  kHardPointer = 340,
-  kSoftOwnership = 350,
-  kHardOwnership = 360,
+};
+
+// The group of an object id, by OdDb::ReferenceType.
+constexpr std::array<int, 4> kIdGroups = {
+    330,  // kSoftPointerRef
+    340,  // kHardPointerRef
+    350,  // kSoftOwnershipRef
+    360,  // kHardOwnershipRef
 };
 
 }  // namespace
@@ -77,15 +82,6 @@ OdDbHandle TransDwgFiler::rdDbHandle() {
   return m_filer->nextItem() == kHandle ? m_filer->rdHandle() : OdDbHandle();
 }
 
-OdDbObjectId TransDwgFiler::readId(int code) {
-  return m_filer->nextItem() == code ? m_filer->rdObjectId() : OdDbObjectId();
-}
-
-OdDbObjectId TransDwgFiler::rdSoftOwnershipId() { return readId(kSoftOwnership); }
-OdDbObjectId TransDwgFiler::rdHardOwnershipId() { return readId(kHardOwnership); }
-OdDbObjectId TransDwgFiler::rdSoftPointerId() { return readId(kSoftPointer); }
-OdDbObjectId TransDwgFiler::rdHardPointerId() { return readId(kHardPointer); }
-
 // ---- Writing
 
 void TransDwgFiler::wrBool(bool value) { m_filer->wrBool(kBool, value); }
@@ -100,15 +96,18 @@ void TransDwgFiler::wrInt32(OdInt32 value) { m_filer->wrInt32(kInt32, value); }
 void TransDwgFiler::wrInt64(OdInt64 value) { m_filer->wrInt64(kInt64, value); }
 void TransDwgFiler::wrDouble(double value) { m_filer->wrDouble(kReal, value); }
 void TransDwgFiler::wrDbHandle(const OdDbHandle& value) { m_filer->wrHandle(kHandle, value); }
-void TransDwgFiler::wrSoftOwnershipId(const OdDbObjectId& value) {
-  m_filer->wrObjectId(kSoftOwnership, value);
+
+// ---- Ids
+
+OdDbObjectId TransDwgFiler::readId(OdDb::ReferenceType type) {
+  return m_filer->nextItem() == kIdGroups[type] ? m_filer->rdObjectId() : OdDbObjectId();
 }
-void TransDwgFiler::wrHardOwnershipId(const OdDbObjectId& value) {
-  m_filer->wrObjectId(kHardOwnership, value);
-}
-void TransDwgFiler::wrSoftPointerId(const OdDbObjectId& value) {
-  m_filer->wrObjectId(kSoftPointer, value);
-}
-void TransDwgFiler::wrHardPointerId(const OdDbObjectId& value) {
-  m_filer->wrObjectId(kHardPointer, value);
-}
+
+#define OD_DWG_VALUE(Name, Value, Argument)
+#define OD_DWG_GEOMETRY(Name, Value)
+#define OD_DWG_ID(Name, type)                                     \
+  OdDbObjectId TransDwgFiler::rd##Name() { return readId(type); } \
+  void TransDwgFiler::wr##Name(const OdDbObjectId& value) {       \
+    m_filer->wrObjectId(kIdGroups[type], value);                  \
+  }
+#include "platform/filer/dwg_primitive_rows.inc"

@@ -24,48 +24,18 @@ class VDM_DB_EXPORT TransDwgFiler : public OdStaticRxObject<OdDbDwgFiler> {
   void seek(OdInt64 offset, OdDb::FilerSeekType from) override;
   OdUInt64 tell() const override { return 0; }
 
-  bool rdBool() override;
-  OdString rdString() override;
+#define OD_DWG_VALUE(Name, Value, Argument) \
+  Value rd##Name() override;                \
+  void wr##Name(Argument value) override;
+#define OD_DWG_GEOMETRY(Name, Value)            \
+  Value rd##Name() override { return Value(); } \
+  void wr##Name(const Value&) override {}
+#include "platform/filer/dwg_primitive_rows.inc"
   void rdBytes(void* buffer, OdUInt32 size) override;
-  OdInt8 rdInt8() override;
-  OdUInt8 rdUInt8() override;
-  OdInt16 rdInt16() override;
-  OdInt32 rdInt32() override;
-  OdInt64 rdInt64() override;
-  double rdDouble() override;
-  OdDbHandle rdDbHandle() override;
-  OdDbObjectId rdSoftOwnershipId() override;
-  OdDbObjectId rdHardOwnershipId() override;
-  OdDbObjectId rdSoftPointerId() override;
-  OdDbObjectId rdHardPointerId() override;
-  OdGePoint2d rdPoint2d() override { return OdGePoint2d(); }
-  OdGePoint3d rdPoint3d() override { return OdGePoint3d(); }
-  OdGeVector2d rdVector2d() override { return OdGeVector2d(); }
-  OdGeVector3d rdVector3d() override { return OdGeVector3d(); }
-  OdGeScale3d rdScale3d() override { return OdGeScale3d(1.0, 1.0, 1.0); }
-
-  void wrBool(bool value) override;
-  void wrString(const OdString& value) override;
   void wrBytes(const void* buffer, OdUInt32 size) override;
-  void wrInt8(OdInt8 value) override;
-  void wrUInt8(OdUInt8 value) override;
-  void wrInt16(OdInt16 value) override;
-  void wrInt32(OdInt32 value) override;
-  void wrInt64(OdInt64 value) override;
-  void wrDouble(double value) override;
-  void wrDbHandle(const OdDbHandle& value) override;
-  void wrSoftOwnershipId(const OdDbObjectId& value) override;
-  void wrHardOwnershipId(const OdDbObjectId& value) override;
-  void wrSoftPointerId(const OdDbObjectId& value) override;
-  void wrHardPointerId(const OdDbObjectId& value) override;
-  void wrPoint2d(const OdGePoint2d&) override {}
-  void wrPoint3d(const OdGePoint3d&) override {}
-  void wrVector2d(const OdGeVector2d&) override {}
-  void wrVector3d(const OdGeVector3d&) override {}
-  void wrScale3d(const OdGeScale3d&) override {}
 
  private:
-  OdDbObjectId readId(int code);
+  OdDbObjectId readId(OdDb::ReferenceType type);
 
   OdDbDxfFiler* m_filer;
 };
