@@ -76,7 +76,6 @@ class OdArray {
   const_iterator cend() const noexcept { return end(); }
   // Null only when the array never held anything.
   const T* asArrayPtr() const noexcept { return m_data; }
-  const T* getPtr() const noexcept { return m_data; }
 
   // The first equal element at or behind `start`; `index` is left alone when there is none.
   bool find(const T& value, size_type& index, size_type start = 0) const {
@@ -128,7 +127,7 @@ class OdArray {
   void setAt(size_type index, const T& value) {
     if (Buffer::isShared(m_data)) {
       checkIndex(index);
-      T copy(value);  // may be an element of the buffer that goes
+      T copy(value);  // may be an element of the buffer that is dropped
       (*this)[index] = std::move(copy);
       return;
     }

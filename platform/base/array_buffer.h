@@ -29,7 +29,7 @@ struct OdObjectsAllocator {
 };
 
 // Functions over a buffer that is named by the pointer to its first element; a null pointer is a
-// buffer of no elements. The header stands in front of the elements.
+// buffer of no elements. The header lies before the elements.
 template <class T, class A>
 struct OdArrayBuffer {
   struct Header {

@@ -24,10 +24,10 @@ class OD_API OdDbHandle {
   [[nodiscard]] static bool parse(const OdString& text, OdDbHandle& handle) noexcept;
 
   constexpr operator OdUInt64() const noexcept { return m_value; }
-  constexpr bool isNull() const noexcept { return m_value == 0; }
+  [[nodiscard]] constexpr bool isNull() const noexcept { return m_value == 0; }
 
   // Upper-case hexadecimal text without leading zeros; "0" for the null handle.
-  OdString ascii() const;
+  [[nodiscard]] OdString ascii() const;
 
   constexpr OdDbHandle& operator++() noexcept {
     ++m_value;

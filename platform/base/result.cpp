@@ -18,7 +18,7 @@ constexpr std::array kRows = {
 #undef OD_RESULT
 };
 
-// Sorted by number, which also proves that no number stands twice.
+// Sorted by number, which also proves that no number is given twice.
 constexpr bool risesStrictly() {
   for (std::size_t i = 1; i < kRows.size(); ++i)
     if (kRows[i - 1].number >= kRows[i].number) return false;

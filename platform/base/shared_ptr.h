@@ -53,13 +53,13 @@ class OdSharedPtr {
     return *this;
   }
 
-  T* get() const noexcept { return m_object; }
+  [[nodiscard]] T* get() const noexcept { return m_object; }
   T* operator->() const noexcept { return m_object; }
   T& operator*() const noexcept { return *m_object; }
-  bool isNull() const noexcept { return !m_object; }
+  [[nodiscard]] bool isNull() const noexcept { return !m_object; }
   explicit operator bool() const noexcept { return m_object != nullptr; }
   // Number of pointers that share the value; 0 for a null pointer.
-  OdInt32 refCount() const noexcept { return m_count ? *m_count : 0; }
+  [[nodiscard]] OdInt32 refCount() const noexcept { return m_count ? *m_count : 0; }
 
   void swap(OdSharedPtr& other) noexcept {
     std::swap(m_object, other.m_object);

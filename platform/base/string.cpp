@@ -1,8 +1,15 @@
-// Buffers, construction and queries of OdString.
+// The two forms, construction and queries of OdString.
+//
+// Each text has one form that its characters decide: narrow (one byte a character) when all are
+// ASCII, else wide. The form is a function of the text, so that equal texts have equal bytes,
+// comparing two of them is one memcmp, and hashing needs no decoding. The other form is made when a
+// caller asks for it: the pointer `otherForm` of the buffer changes from null to that form once, by
+// compare-and-exchange, and stays until the buffer is changed in place (which needs the only
+// reference) or destroyed. Two threads that make it at the same time agree on the form that was
+// published first. A request costs one pass over the text the first time and a load afterwards.
 #include "platform/base/string.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
 #include <new>
 #include <ostream>
@@ -14,7 +21,7 @@
 
 constinit const OdString OdString::kEmpty;
 
-// ---- Buffers
+// ---- Buffers and the other form
 
 namespace {
 
@@ -23,14 +30,6 @@ struct Utf8Block {
   OdUInt32 size;
   char* bytes() { return reinterpret_cast<char*>(this + 1); }
 };
-
-bool isAscii(std::string_view text) noexcept {
-  return std::all_of(text.begin(), text.end(), [](char ch) { return (ch & 0x80) == 0; });
-}
-
-bool isAscii(std::wstring_view text) noexcept {
-  return std::all_of(text.begin(), text.end(), [](wchar_t ch) { return ch >= 0 && ch < 0x80; });
-}
 
 // Publishes a form that was made; when another thread was quicker, its form stays.
 void* publish(std::atomic<void*>& slot, void* made) noexcept {
@@ -42,67 +41,11 @@ void* publish(std::atomic<void*>& slot, void* made) noexcept {
   return expected;
 }
 
-void* allocateBlock(std::size_t bytes) {
-  void* block = std::malloc(bytes);
-  if (!block) odRaise(eOutOfMemory);
-  return block;
-}
-
 }  // namespace
-
-// Size classes: what an allocator hands out anyway (16 n + 8 bytes) up to 256 bytes, then steps of
-// an eighth to a quarter, so that appending one character at a time stays linear in all.
-std::size_t OdStringEdit::blockSize(std::size_t length, std::size_t characterSize) noexcept {
-  const std::size_t bytes = sizeof(Buffer) + (length + 1) * characterSize;
-  if (bytes <= 256) return (bytes + 7) / 16 * 16 + 8;
-  const std::size_t step = std::bit_floor(bytes) / 8;
-  return (bytes + step - 1) / step * step;
-}
-
-OdStringEdit::Buffer* OdStringEdit::allocate(std::size_t length, std::size_t characterSize,
-                                             OdUInt32 widthBit) {
-  if (length > kMaxLength) odRaise(eOutOfMemory, "a string of more than 2^30 - 1 characters");
-  void* block = allocateBlock(blockSize(length, characterSize));
-  auto* buffer = ::new (block) Buffer{1, static_cast<OdUInt32>(length) | widthBit, nullptr};
-  if (widthBit)
-    buffer->wide()[length] = L'\0';
-  else
-    buffer->narrow()[length] = '\0';
-  return buffer;
-}
-
-void OdStringEdit::dropOtherForm(Buffer* buffer) noexcept {
-  std::free(buffer->otherForm.exchange(nullptr, std::memory_order_acquire));
-}
 
 void OdString::destroy(Buffer* buffer) noexcept {
   std::free(buffer->otherForm.load(std::memory_order_acquire));
   std::free(buffer);
-}
-
-OdString OdStringEdit::fromAscii(std::string_view text) {
-  if (text.empty()) return OdString();
-  Buffer* buffer = allocateNarrow(text.size());
-  std::memcpy(buffer->narrow(), text.data(), text.size());
-  return OdString(buffer);
-}
-
-OdString OdStringEdit::fromWide(std::wstring_view text) {
-  if (text.empty()) return OdString();
-  if (isAscii(text)) {
-    Buffer* buffer = allocateNarrow(text.size());
-    std::transform(text.begin(), text.end(), buffer->narrow(),
-                   [](wchar_t ch) { return static_cast<char>(ch); });
-    return OdString(buffer);
-  }
-  Buffer* buffer = allocateWide(text.size());
-  std::transform(text.begin(), text.end(), buffer->wide(),
-                 [](wchar_t ch) { return odIsStringCharacter(ch) ? ch : kOdReplacementCharacter; });
-  return OdString(buffer);
-}
-
-OdString OdStringEdit::fromUtf8(std::string_view text) {
-  return isAscii(text) ? fromAscii(text) : fromWide(odUtf8ToWide(text));
 }
 
 // ---- Construction
@@ -139,7 +82,8 @@ const wchar_t* OdString::c_str() const {
   if (!isNarrow()) return m_buffer->wide();
   if (void* made = m_buffer->otherForm.load(std::memory_order_acquire))
     return static_cast<const wchar_t*>(made);
-  auto* wide = static_cast<wchar_t*>(allocateBlock((size() + std::size_t{1}) * sizeof(wchar_t)));
+  auto* wide = static_cast<wchar_t*>(
+      OdStringEdit::allocateBlock((size() + std::size_t{1}) * sizeof(wchar_t)));
   std::copy_n(m_buffer->narrow(), size() + std::size_t{1}, wide);
   return static_cast<const wchar_t*>(publish(m_buffer->otherForm, wide));
 }
@@ -148,7 +92,7 @@ std::string_view OdString::cachedUtf8() const {
   void* made = m_buffer->otherForm.load(std::memory_order_acquire);
   if (!made) {
     const std::string utf8 = odWideToUtf8(wideView());
-    made = allocateBlock(sizeof(Utf8Block) + utf8.size() + 1);
+    made = OdStringEdit::allocateBlock(sizeof(Utf8Block) + utf8.size() + 1);
     auto* block = ::new (made) Utf8Block{static_cast<OdUInt32>(utf8.size())};
     std::memcpy(block->bytes(), utf8.c_str(), utf8.size() + 1);
     made = publish(m_buffer->otherForm, made);

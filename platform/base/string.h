@@ -67,9 +67,9 @@ class OD_API OdString {
 
   // ---- Queries
 
-  int getLength() const noexcept { return static_cast<int>(size()); }
-  int length() const noexcept { return static_cast<int>(size()); }
-  bool isEmpty() const noexcept { return !m_buffer; }
+  [[nodiscard]] int getLength() const noexcept { return static_cast<int>(size()); }
+  [[nodiscard]] int length() const noexcept { return static_cast<int>(size()); }
+  [[nodiscard]] bool isEmpty() const noexcept { return !m_buffer; }
 
   // Never null, ends with a null character.
   const wchar_t* c_str() const;
@@ -77,7 +77,7 @@ class OD_API OdString {
   operator const char*() const { return utf8().data(); }
   // The narrow form, null-terminated behind its end. Needs no memory for an ASCII text.
   std::string_view utf8() const { return isNarrow() ? narrowView() : cachedUtf8(); }
-  std::wstring toWide() const;
+  [[nodiscard]] std::wstring toWide() const;
 
   // The character at an index; the null character at the length. Beyond that OdError_InvalidIndex
   // is raised.
@@ -92,31 +92,35 @@ class OD_API OdString {
   }
 
   // Index of the first match at or behind `start`, of the last match; -1 when there is none.
-  int find(wchar_t character, int start = 0) const noexcept;
-  int find(const OdString& text, int start = 0) const noexcept;
-  int findOneOf(const OdString& characters) const noexcept;
-  int reverseFind(wchar_t character) const noexcept;
+  [[nodiscard]] int find(wchar_t character, int start = 0) const noexcept;
+  [[nodiscard]] int find(const OdString& text, int start = 0) const noexcept;
+  [[nodiscard]] int findOneOf(const OdString& characters) const noexcept;
+  [[nodiscard]] int reverseFind(wchar_t character) const noexcept;
 
   // Parts of the text; indices and counts beyond the ends are cut to them.
-  OdString left(int count) const;
-  OdString right(int count) const;
-  OdString mid(int first) const;
-  OdString mid(int first, int count) const;
+  [[nodiscard]] OdString left(int count) const;
+  [[nodiscard]] OdString right(int count) const;
+  [[nodiscard]] OdString mid(int first) const;
+  [[nodiscard]] OdString mid(int first, int count) const;
   // The longest beginning that has only, or none, of the characters.
-  OdString spanIncluding(const OdString& characters) const;
-  OdString spanExcluding(const OdString& characters) const;
+  [[nodiscard]] OdString spanIncluding(const OdString& characters) const;
+  [[nodiscard]] OdString spanExcluding(const OdString& characters) const;
 
   // By code points: negative, zero or positive.
-  int compare(const OdString& other) const noexcept;
+  [[nodiscard]] int compare(const OdString& other) const noexcept;
   // By the code points of the case-folded texts; zero exactly when odStrIEqual holds.
-  int iCompare(const OdString& other) const;
-  bool iEquals(const OdString& other) const;
+  [[nodiscard]] int iCompare(const OdString& other) const;
+  [[nodiscard]] bool iEquals(const OdString& other) const;
   // A hash of the content, the same for equal texts of this process; it is not for files.
-  OdUInt64 hash() const noexcept;
+  [[nodiscard]] OdUInt64 hash() const noexcept;
   // True when both share one buffer, or both are empty: a test of identity, not of content.
-  bool sharesBuffer(const OdString& other) const noexcept { return m_buffer == other.m_buffer; }
+  [[nodiscard]] bool sharesBuffer(const OdString& other) const noexcept {
+    return m_buffer == other.m_buffer;
+  }
   // True when the text is only ASCII and so stored with one byte for a character.
-  bool isNarrow() const noexcept { return !m_buffer || !(m_buffer->lengthAndWidth & kWideBit); }
+  [[nodiscard]] bool isNarrow() const noexcept {
+    return !m_buffer || !(m_buffer->lengthAndWidth & kWideBit);
+  }
 
   // ---- Edits
 
@@ -136,7 +140,7 @@ class OD_API OdString {
   int replace(const OdString& oldText, const OdString& newText);
   int replace(wchar_t oldCharacter, wchar_t newCharacter);
   int remove(wchar_t character);
-  // Without an argument white space goes.
+  // Removes the given characters; without an argument white space.
   OdString& trimLeft();
   OdString& trimLeft(const OdString& characters);
   OdString& trimRight();

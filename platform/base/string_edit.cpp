@@ -1,12 +1,95 @@
-// Edits of OdString.
+// Buffers of OdString, and the edits that make or change them.
+//
+// A buffer holds its length but no capacity: the capacity is the size class of the length
+// (blockSize), which both sides can compute. An edit in place is allowed when the buffer has one
+// reference and the new length falls into the same class; else the text gets a new buffer. Up to
+// 256 bytes the classes are what an allocator hands out anyway (16 n + 8 bytes). Above that each
+// class is a sixteenth to an eighth larger than the one below, so that the copies made while a text
+// grows one character at a time form a geometric series: at most some 17 copies for each
+// character of the result.
 #include "platform/base/string_edit.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "platform/base/case_compare.h"
 #include "platform/base/raise.h"
+#include "platform/base/utf8.h"
+
+// ---- Buffers
+
+namespace {
+
+bool isAscii(std::string_view text) noexcept {
+  return std::all_of(text.begin(), text.end(), [](char ch) { return (ch & 0x80) == 0; });
+}
+
+bool isAscii(std::wstring_view text) noexcept {
+  return std::all_of(text.begin(), text.end(), [](wchar_t ch) { return ch >= 0 && ch < 0x80; });
+}
+
+}  // namespace
+
+void* OdStringEdit::allocateBlock(std::size_t bytes) {
+  void* block = std::malloc(bytes);
+  if (!block) odRaise(eOutOfMemory);
+  return block;
+}
+
+// The size class of a length, in bytes.
+std::size_t OdStringEdit::blockSize(std::size_t length, std::size_t characterSize) noexcept {
+  const std::size_t bytes = sizeof(Buffer) + (length + 1) * characterSize;
+  if (bytes <= 256) return (bytes + 7) / 16 * 16 + 8;
+  const std::size_t step = std::bit_floor(bytes) / 8;
+  return (bytes + step - 1) / step * step;
+}
+
+OdStringEdit::Buffer* OdStringEdit::allocate(std::size_t length, std::size_t characterSize,
+                                             OdUInt32 widthBit) {
+  if (length > kMaxLength) odRaise(eOutOfMemory, "a string of more than 2^30 - 1 characters");
+  void* block = allocateBlock(blockSize(length, characterSize));
+  auto* buffer = ::new (block) Buffer{1, static_cast<OdUInt32>(length) | widthBit, nullptr};
+  if (widthBit)
+    buffer->wide()[length] = L'\0';
+  else
+    buffer->narrow()[length] = '\0';
+  return buffer;
+}
+
+void OdStringEdit::dropOtherForm(Buffer* buffer) noexcept {
+  std::free(buffer->otherForm.exchange(nullptr, std::memory_order_acquire));
+}
+
+OdString OdStringEdit::fromAscii(std::string_view text) {
+  if (text.empty()) return OdString();
+  Buffer* buffer = allocateNarrow(text.size());
+  std::memcpy(buffer->narrow(), text.data(), text.size());
+  return OdString(buffer);
+}
+
+OdString OdStringEdit::fromWide(std::wstring_view text) {
+  if (text.empty()) return OdString();
+  if (isAscii(text)) {
+    Buffer* buffer = allocateNarrow(text.size());
+    std::transform(text.begin(), text.end(), buffer->narrow(),
+                   [](wchar_t ch) { return static_cast<char>(ch); });
+    return OdString(buffer);
+  }
+  Buffer* buffer = allocateWide(text.size());
+  std::transform(text.begin(), text.end(), buffer->wide(),
+                 [](wchar_t ch) { return odIsStringCharacter(ch) ? ch : kOdReplacementCharacter; });
+  return OdString(buffer);
+}
+
+OdString OdStringEdit::fromUtf8(std::string_view text) {
+  return isAscii(text) ? fromAscii(text) : fromWide(odUtf8ToWide(text));
+}
+
+// ---- Edits
 
 namespace {
 
@@ -21,16 +104,16 @@ bool isSpace(wchar_t ch) noexcept {
 }
 
 template <class Predicate>
-OdString trimmedLeft(const OdString& text, Predicate goes) {
+OdString trimmedLeft(const OdString& text, Predicate isTrimmed) {
   int first = 0;
-  while (first < text.getLength() && goes(text.getAt(first))) ++first;
+  while (first < text.getLength() && isTrimmed(text.getAt(first))) ++first;
   return text.mid(first);
 }
 
 template <class Predicate>
-OdString trimmedRight(const OdString& text, Predicate goes) {
+OdString trimmedRight(const OdString& text, Predicate isTrimmed) {
   int end = text.getLength();
-  while (end > 0 && goes(text.getAt(end - 1))) --end;
+  while (end > 0 && isTrimmed(text.getAt(end - 1))) --end;
   return text.left(end);
 }
 

@@ -11,12 +11,15 @@ struct OdStringEdit {
   using Buffer = OdString::Buffer;
   static constexpr std::size_t kMaxLength = (std::size_t{1} << 30) - 1;
 
-  // A buffer for one reference, with the length set and the characters still to be written; the
-  // null character stands. The length is not 0.
+  // A buffer for one reference, with the length set and the characters still to be written;
+  // the null character after them is there. The length is not 0.
   static Buffer* allocateNarrow(std::size_t length) { return allocate(length, sizeof(char), 0); }
   static Buffer* allocateWide(std::size_t length) {
     return allocate(length, sizeof(wchar_t), OdString::kWideBit);
   }
+
+  // Memory from std::malloc; raises OdError(eOutOfMemory).
+  static void* allocateBlock(std::size_t bytes);
 
   // From characters that are known to be ASCII.
   static OdString fromAscii(std::string_view text);

@@ -87,7 +87,7 @@ class Formatter {
     return conversion;
   }
 
-  // A number or an argument for `*`; -1 when neither stands there.
+  // A number or an argument for `*`; -1 when neither follows.
   int parseNumber() {
     constexpr int kMaxNumber = 1 << 20;
     if (*m_at == L'*') {

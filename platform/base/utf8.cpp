@@ -1,4 +1,12 @@
-// Coding between UTF-8 and wide characters.
+// Coding between UTF-8 and wide characters, without loss for bytes that are not UTF-8.
+//
+// A lead byte decides the length of its sequence and the range of the second byte. That range alone
+// refuses overlong forms, surrogates and values above U+10FFFF, so that no decoded value needs a
+// check afterwards. A byte that begins no valid sequence is taken alone and becomes the character
+// U+DC00 + byte; the decoder continues with the next byte. The encoder turns such characters
+// back into their bytes. Valid UTF-8 never decodes to U+DC80 to U+DCFF (the surrogates are
+// refused), so decoding followed by encoding gives the same bytes for every input. Both take one
+// pass.
 #include "platform/base/utf8.h"
 
 #include <cstddef>

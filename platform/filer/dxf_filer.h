@@ -1,4 +1,4 @@
-// OdDbDxfFiler: grouped reading and writing, each value behind a numeric group code.
+// OdDbDxfFiler: grouped reading and writing, a numeric group code before each value.
 #pragma once
 
 #include "platform/base/array.h"
@@ -11,7 +11,7 @@
 #include "platform/rx/smart_ptr.h"
 
 /// Abstract grouped filer. Reading: nextItem() moves to the next group and returns its code, one of
-/// the rd calls then takes the value of the group it stands on (and may be repeated). Writing: each
+/// the rd calls then takes the value of that group (and may be repeated). Writing: each
 /// wr call makes one group.
 class OdDbDxfFiler : public OdRxObject {
  public:

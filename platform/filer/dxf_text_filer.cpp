@@ -1,4 +1,12 @@
 // OdDbTextDxfFiler: groups to lines and back.
+//
+// The reader holds the whole text and two places in it: the start of the present group and the line
+// after it. nextItem() reads the two lines of a group and keeps the value as a view into the text;
+// the rd members parse that view when they are called, so that a group may be read again and
+// pushBackItem() only puts the first place back. What a value must look like follows from the kind
+// of its code alone, which OdResBuf's table of codes gives; each rd member first compares that kind
+// with its own. Reading and writing take one pass over the text. The only value that spans groups
+// is a binary chunk: a group with fewer than kBinaryGroupBytes ends it.
 #include "platform/filer/dxf_text_filer.h"
 
 #include <charconv>
@@ -79,10 +87,6 @@ OdDbTextDxfFiler::OdDbTextDxfFiler(OdStreamBuf* stream, OdDbDatabase* database,
   if (stream == nullptr) throw OdError(eNullPointer, OdString("stream of a text filer"));
   m_text.resize(stream->length() - stream->tell());
   stream->getBytes(m_text.data(), m_text.size());
-}
-
-void OdDbTextDxfFiler::copyTo(OdStreamBuf* stream) const {
-  stream->putBytes(m_text.data(), m_text.size());
 }
 
 void OdDbTextDxfFiler::rewind() {

@@ -43,8 +43,6 @@ class OdDbTextDxfFiler : public OdStaticRxObject<OdDbDxfFiler> {
 
   /// What was written, or is read.
   [[nodiscard]] const std::string& text() const { return m_text; }
-  /// Writes the text to a stream.
-  void copyTo(OdStreamBuf* stream) const;
   /// Reads from the beginning.
   void rewind();
 

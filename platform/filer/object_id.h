@@ -36,9 +36,9 @@ struct OdDbIdRecord {
     kUnappended = 1u << 1,   ///< its creation was undone; only redo brings it back
     kHeaderKnown = 1u << 2,  ///< owner and class are valid
     kInFile = 1u << 3,       ///< the drawing file holds a record of it
-    kDirty = 1u << 4,        ///< differs from the file; stands in the database's dirty list
+    kDirty = 1u << 4,        ///< differs from the file; is in the database's dirty list
     kAbsent = 1u << 5,       ///< asked for, and found neither in memory nor in the file
-    kRedirected = 1u << 6,   ///< `owner` is the id that stands for this one
+    kRedirected = 1u << 6,   ///< `owner` is the id that replaces this one
     kLoading = 1u << 7,      ///< its record is being read
     kInFlux = 1u << 8,       ///< its ids are being translated by a clone
     kUnloadable = 1u << 9,   ///< its record is damaged; reported once
@@ -85,7 +85,7 @@ class OdDbObjectId {
   [[nodiscard]] OdDbHandle getHandle() const {
     return m_idRecord == nullptr ? OdDbHandle() : OdDbHandle(m_idRecord->handle);
   }
-  /// Database of the object that the id stands for, redirection followed; null for a null id.
+  /// Database of the object that the id refers to, redirection followed; null for a null id.
   [[nodiscard]] OdDbDatabase* database() const;
   /// Database in which the id was given out.
   [[nodiscard]] OdDbDatabase* originalDatabase() const {
@@ -94,7 +94,7 @@ class OdDbObjectId {
   /// Class of the object, `OdDbProxyObject`'s where it is not registered; null when absent.
   [[nodiscard]] OdRxClass* objectClass() const;
   [[nodiscard]] OdDbObjectId ownerId() const;
-  /// Replaces the id by the one that stands for it. True when there was one.
+  /// Replaces the id by the one that it is redirected to. True when there was one.
   bool convertToRedirectedId();
 
   /// Opens the object; the pointer closes it with its last reference. Null when the id is null,

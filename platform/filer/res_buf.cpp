@@ -1,4 +1,14 @@
 // OdResBuf: coded values and their chains.
+//
+// The group code decides what a buffer holds: kCodes maps ranges of codes to kinds, in rising
+// order, so that looking a code up is one binary search over some forty rows. Every access goes
+// through that table: the invariant is that the value is unset or of the type of its code's kind.
+// An unset value reads as the empty value of the kind.
+//
+// A chain owns its elements from the first to the last, so the destructor could recurse once for
+// each of them. It takes the chain apart in a loop instead, and stops at an element that
+// has other references. setNext walks the new chain to refuse a cycle, which a reference count
+// would never free: building a chain by appending at its last element costs one step each time.
 #include "platform/filer/res_buf.h"
 
 #include <algorithm>
@@ -114,7 +124,7 @@ OdResBufPtr OdResBuf::newRb(int code, const OdString& value) {
   return buffer;
 }
 
-// A whole number goes into every numeric kind that can hold it.
+// A whole number is stored in every numeric kind that can hold it.
 OdResBufPtr OdResBuf::newRb(int code, OdInt32 value) {
   OdResBufPtr buffer = newRb(code);
   switch (kindOf(code)) {

@@ -89,7 +89,6 @@ class OdGeMatrix3d {
   OdGeMatrix3d inverse() const;
   OdGeMatrix3d& invert() { return *this = inverse(); }
   OdGeMatrix3d transpose() const;
-  OdGeMatrix3d& transposeIt() { return *this = transpose(); }
 
   /// The common scale factor of a uniform transformation; the largest axis length otherwise.
   double scale() const;

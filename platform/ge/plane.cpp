@@ -1,8 +1,6 @@
 // An unbounded plane with a parametric frame.
 #include "platform/ge/plane.h"
 
-#include <utility>
-
 OdGePlane::OdGePlane(const OdGePoint3d& origin, const OdGeVector3d& normal) { set(origin, normal); }
 
 OdGePlane::OdGePlane(const OdGePoint3d& origin, const OdGeVector3d& uAxis,
@@ -26,11 +24,5 @@ OdGePlane& OdGePlane::set(const OdGePoint3d& origin, const OdGeVector3d& uAxis,
   m_uAxis = uAxis;
   m_vAxis = vAxis;
   m_origin = origin;
-  return *this;
-}
-
-OdGePlane& OdGePlane::reverseNormal() {
-  m_normal.negate();
-  std::swap(m_uAxis, m_vAxis);
   return *this;
 }

@@ -34,11 +34,6 @@ class OdGePlane {
   bool isOn(const OdGePoint3d& p, const OdGeTol& tol = OdGeTol::kDefault) const {
     return distanceTo(p) <= tol.equalPoint();
   }
-  /// The foot of the perpendicular from `p`.
-  OdGePoint3d closestPointTo(const OdGePoint3d& p) const {
-    return p - m_normal * signedDistanceTo(p);
-  }
-  OdGePlane& reverseNormal();
 
  private:
   struct Axes {

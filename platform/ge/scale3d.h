@@ -25,11 +25,6 @@ class OdGeScale3d {
     sz = z;
     return *this;
   }
-  /// True when the three factors have one magnitude; their signs may differ.
-  bool isProportional(const OdGeTol& tol = OdGeTol::kDefault) const {
-    return std::abs(std::abs(sx) - std::abs(sy)) <= tol.equalVector() &&
-           std::abs(std::abs(sx) - std::abs(sz)) <= tol.equalVector();
-  }
   /// False when a factor is zero, so that nothing can be scaled back.
   constexpr bool isInvertible() const { return sx != 0.0 && sy != 0.0 && sz != 0.0; }
   bool isEqualTo(const OdGeScale3d& s, const OdGeTol& tol = OdGeTol::kDefault) const {

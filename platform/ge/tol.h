@@ -13,8 +13,6 @@ class OdGeTol {
 
   constexpr double equalPoint() const { return m_equalPoint; }
   constexpr double equalVector() const { return m_equalVector; }
-  constexpr void setEqualPoint(double value) { m_equalPoint = value; }
-  constexpr void setEqualVector(double value) { m_equalVector = value; }
 
   /// The tolerance that every function takes when none is given.
   static const OdGeTol kDefault;

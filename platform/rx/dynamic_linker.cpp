@@ -73,7 +73,8 @@ void releaseClassesFrom(std::size_t known) noexcept {
   }
 }
 
-// Errors leave as values of this library: an exception class of a module goes with its file.
+// Errors leave as values of this library: the exception class of a module is unloaded with its
+// file.
 void runInitApp(OdRxModule* module) {
   const std::size_t known = odrxClassDictionary()->classes().size();
   OdResult code = eGeneralFailure;
@@ -140,7 +141,7 @@ OdRxDynamicLinker::Entry OdRxDynamicLinker::open(const OdString& path) {
   ModuleGuard module{create(handle)};
   if (!module.module) throw OdError(eModuleNotLoaded, path + L" made no module object");
   if (handle) {
-    // The object was there before and belongs to whoever made it.
+    // The object was there before and belongs to the code that made it.
     module.module = nullptr;
     throw OdError(eModuleInUse, path + L" was started by another loader");
   }
@@ -149,6 +150,25 @@ OdRxDynamicLinker::Entry OdRxDynamicLinker::open(const OdString& path) {
   return {path, OdRxModulePtr(std::exchange(module.module, nullptr)),
           std::exchange(library.handle, nullptr), 1};
 }
+
+// Whether an entry is the module of a path, file name or file name without extension.
+class OdRxDynamicLinker::EntryIs {
+ public:
+  explicit EntryIs(const OdString& module)
+      : m_module(module),
+        m_wanted(toPath(module)),
+        m_real(m_wanted.is_absolute() ? existingFile(m_wanted) : OdString()) {}
+  bool operator()(const Entry& entry) const {
+    if (m_wanted.is_absolute()) return entry.path == m_module || entry.path == m_real;
+    const fs::path path = toPath(entry.path);
+    return path.filename() == m_wanted || path.stem() == m_wanted;
+  }
+
+ private:
+  OdString m_module;
+  fs::path m_wanted;
+  OdString m_real;
+};
 
 OdRxModulePtr OdRxDynamicLinker::load(const OdString& module) {
   const OdString path = resolve(module);
@@ -173,13 +193,7 @@ OdRxModulePtr OdRxDynamicLinker::loadModule(const OdString& module, bool silent)
 
 std::vector<OdRxDynamicLinker::Entry>::iterator OdRxDynamicLinker::findEntry(
     const OdString& module) {
-  const fs::path wanted = toPath(module);
-  const OdString real = wanted.is_absolute() ? existingFile(wanted) : OdString();
-  return std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry& entry) {
-    if (wanted.is_absolute()) return entry.path == module || entry.path == real;
-    const fs::path path = toPath(entry.path);
-    return path.filename() == wanted || path.stem() == wanted;
-  });
+  return std::find_if(m_entries.begin(), m_entries.end(), EntryIs(module));
 }
 
 void OdRxDynamicLinker::close(Entry& entry) {
@@ -222,8 +236,7 @@ void OdRxDynamicLinker::unloadAllModules() {
 }
 
 OdRxModulePtr OdRxDynamicLinker::getModule(const OdString& module) const {
-  auto* self = const_cast<OdRxDynamicLinker*>(this);
-  const auto entry = self->findEntry(module);
+  const auto entry = std::find_if(m_entries.begin(), m_entries.end(), EntryIs(module));
   return entry == m_entries.end() ? OdRxModulePtr() : entry->module;
 }
 

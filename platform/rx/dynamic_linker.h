@@ -11,7 +11,8 @@
 //
 // 1. A module is named by an absolute path, or by a bare file name, which is looked for (as it is,
 //    then with ".tx" behind it) in the folders that addSearchPath named, in their order, and
-//    nowhere else. Any other relative path is refused: no file is found by where a program stands.
+//    nowhere else. Any other relative path is refused: the working folder of the program has no
+//    influence.
 // 2. Loading a loaded module counts up and gives the same object; unloading counts down, and the
 //    last one runs uninitApp, destroys the object and closes the file.
 // 3. A load that fails leaves nothing: the file is closed, classes that initApp registered before
@@ -34,9 +35,9 @@ class OD_API OdRxDynamicLinker {
   void unloadAllModules();
 
   // A loaded module by path, file name or file name without extension; null when there is none.
-  OdRxModulePtr getModule(const OdString& module) const;
+  [[nodiscard]] OdRxModulePtr getModule(const OdString& module) const;
   // In the order of loading.
-  std::vector<OdRxModulePtr> modules() const;
+  [[nodiscard]] std::vector<OdRxModulePtr> modules() const;
 
  private:
   struct Entry {
@@ -45,6 +46,7 @@ class OD_API OdRxDynamicLinker {
     OdRxModuleHandle handle = nullptr;
     OdUInt32 loads = 0;
   };
+  class EntryIs;
 
   OdString resolve(const OdString& module) const;
   Entry open(const OdString& path);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <memory>
 #include <new>
 
 #include "platform/base/export.h"
@@ -49,13 +50,10 @@ class OdRxWin32Module final : public TBase {
   // The one object, made at the first call; then `handle` is stored in it and set to null.
   static OdRxModule* createModule(OdRxModuleHandle& handle) {
     if (!s_module) {
-      void* memory = odrxAlloc(sizeof(OdRxWin32Module));
-      try {
-        s_module = ::new (memory) OdRxWin32Module(handle);
-      } catch (...) {
-        odrxFree(memory);
-        throw;
-      }
+      std::unique_ptr<void, decltype(&odrxFree)> memory(odrxAlloc(sizeof(OdRxWin32Module)),
+                                                        &odrxFree);
+      s_module = ::new (memory.get()) OdRxWin32Module(handle);
+      memory.release();  // deleteModule() frees it
       handle = nullptr;
     }
     return s_module;

@@ -13,7 +13,7 @@ namespace {
 std::atomic<bool> g_isOverruling{true};
 }  // namespace
 
-// Access to the overrule lists that stand in the classes.
+// Access to the overrule lists, which are members of the classes.
 class OdRxOverruleTable {
  public:
   static bool add(OdRxClass* rxClass, OdRxOverrule* overrule, bool addAtLast) {

@@ -27,7 +27,7 @@ using OdRxOverrulePtr = OdSmartPtr<OdRxOverrule>;
 
 // The first overrule of a kind that wants the object: from the object's class up, in each class in
 // the order of its list. Null when there is none or overruling is off. `after` is an overrule that
-// was found before: the search goes on behind it, which is how an overrule reaches the next one.
+// was found before: the search continues after it, which is how an overrule reaches the next one.
 // Costs a few loads while no overrule is registered on the object's classes.
 OD_API OdRxOverrule* odrxFindOverrule(const OdRxObject* subject, const OdRxClass* kind,
                                       const OdRxOverrule* after = nullptr);

@@ -29,39 +29,39 @@ class OD_API OdRxClass : public OdRxObject {
   static void rxUninit();
   OdRxClass* isA() const override;
 
-  const OdString& name() const noexcept { return m_row.name; }
+  [[nodiscard]] const OdString& name() const noexcept { return m_row.name; }
   // Empty unless the objects of the class are filed in drawings.
-  const OdString& dxfName() const noexcept { return m_row.dxfName; }
-  const OdString& appName() const noexcept { return m_row.appName; }
+  [[nodiscard]] const OdString& dxfName() const noexcept { return m_row.dxfName; }
+  [[nodiscard]] const OdString& appName() const noexcept { return m_row.appName; }
   // The application text for a drawing of a version, as the class's callback rewrites it.
-  OdString appNameFor(int dwgVersion) const;
-  int dwgVer() const noexcept { return m_row.dwgVer; }
-  int maintVer() const noexcept { return m_row.maintVer; }
-  unsigned proxyFlags() const noexcept { return m_row.proxyFlags; }
-  OdRxClass* myParent() const noexcept { return m_row.parent; }
+  [[nodiscard]] OdString appNameFor(int dwgVersion) const;
+  [[nodiscard]] int dwgVer() const noexcept { return m_row.dwgVer; }
+  [[nodiscard]] int maintVer() const noexcept { return m_row.maintVer; }
+  [[nodiscard]] unsigned proxyFlags() const noexcept { return m_row.proxyFlags; }
+  [[nodiscard]] OdRxClass* myParent() const noexcept { return m_row.parent; }
   // True for the class itself and all above it.
-  bool isDerivedFrom(const OdRxClass* ancestor) const noexcept {
+  [[nodiscard]] bool isDerivedFrom(const OdRxClass* ancestor) const noexcept {
     return ancestor && ancestor->depth() <= depth() && m_line[ancestor->depth()] == ancestor;
   }
-  bool isAbstract() const noexcept { return !m_row.constructor; }
+  [[nodiscard]] bool isAbstract() const noexcept { return !m_row.constructor; }
   // A new object with one reference; null when the class has no pseudo-constructor.
   OdRxObjectPtr create() const;
 
   // ---- Protocol extensions. The class holds a reference of each; one with static lifetime has to
   // be detached before it ends.
 
-  // Attaches an extension for a protocol; the one that stood there before is returned. Raises
+  // Attaches an extension for a protocol; the one that it replaces is returned. Raises
   // OdError(eInvalidInput) for null arguments and eWrongObjectType when the extension is not of the
   // protocol's class, since queryX hands it out as that.
   OdRxObjectPtr addX(const OdRxClass* protocol, OdRxObject* extension);
-  // Detaches; the extension that stood there, or null.
+  // Detaches and returns the extension; null when there is none.
   OdRxObjectPtr delX(const OdRxClass* protocol);
   // The extension attached to this class, or to the nearest class above it; null without one.
-  OdRxObjectPtr getX(const OdRxClass* protocol) const;
+  [[nodiscard]] OdRxObjectPtr getX(const OdRxClass* protocol) const;
   // Of this class alone.
-  OdRxObjectPtr getXLocal(const OdRxClass* protocol) const;
+  [[nodiscard]] OdRxObjectPtr getXLocal(const OdRxClass* protocol) const;
 
-  // What newOdRxClass was told.
+  // The arguments of newOdRxClass.
   struct Row {
     OdString name{};
     OdRxClass* parent = nullptr;
@@ -114,20 +114,20 @@ OD_API OdRxClass* newOdRxClass(const OdString& name, OdRxClass* parent,
 // while classes derived from it are registered: a parent outlives its children.
 OD_API void deleteOdRxClass(OdRxClass* rxClass);
 
-// Names the variable that holds the class for its desc(): it is set to null when the class goes.
+// Names the variable that holds the class for its desc(): deleteOdRxClass sets it to null.
 OD_API void odrxSetClassHolder(OdRxClass* rxClass, OdRxClass** holder);
 
 // All registered classes.
 class OD_API OdRxClassDictionary {
  public:
   // Null when no class of that name is registered.
-  OdRxClass* getAt(const OdString& name) const;
-  bool has(const OdString& name) const { return getAt(name) != nullptr; }
+  [[nodiscard]] OdRxClass* getAt(const OdString& name) const;
+  [[nodiscard]] bool has(const OdString& name) const { return getAt(name) != nullptr; }
   // The class registered first under a DXF name; null when there is none.
-  OdRxClass* classByDxfName(const OdString& dxfName) const;
-  OdUInt32 numEntries() const;
+  [[nodiscard]] OdRxClass* classByDxfName(const OdString& dxfName) const;
+  [[nodiscard]] OdUInt32 numEntries() const;
   // In the order of registration, as they are now.
-  std::vector<OdRxClass*> classes() const;
+  [[nodiscard]] std::vector<OdRxClass*> classes() const;
 };
 
 OD_API OdRxClassDictionary* odrxClassDictionary();

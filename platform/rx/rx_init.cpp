@@ -16,7 +16,7 @@ struct ClassRow {
   void (*uninit)();
 };
 
-// In the order of registration: a parent stands before its children.
+// In the order of registration: a parent comes before its children.
 constexpr ClassRow kClasses[] = {
     {&OdRxObject::rxInit, &OdRxObject::rxUninit},
     {&OdRxClass::rxInit, &OdRxClass::rxUninit},
@@ -40,8 +40,9 @@ void refuseWhileOthersAreRegistered() {
 }  // namespace
 
 void odrxInitialize() {
-  if (g_initializations++ > 0) return;
-  for (const ClassRow& row : kClasses) row.init();
+  if (g_initializations == 0)
+    for (const ClassRow& row : kClasses) row.init();
+  ++g_initializations;
 }
 
 void odrxUninitialize() {

@@ -14,14 +14,14 @@ template <class T>
 class OdSmartPtr;
 using OdRxObjectPtr = OdSmartPtr<OdRxObject>;
 
-// What a reference stands for. Plain objects count all alike; database objects count open states.
+// What a reference means. Plain objects count all alike; database objects count open states.
 enum OdRxReferenceTag : unsigned {
   kOdRxRead = 0,  // also the tag of every plain reference
   kOdRxWrite = 1,
   kOdRxNotify = 2,
 };
 
-// Base of everything with a run-time class. It is reference-counted by whoever completes it:
+// Base of everything with a run-time class. The class that completes it counts its references:
 // OdRxObjectImpl, OdRxSingleObjectImpl and OdStaticRxObject below, or the class itself.
 // A new object has one reference. Not to be copied; clone() and copyFrom() are the way.
 class OD_API OdRxObject {

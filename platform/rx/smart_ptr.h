@@ -19,7 +19,7 @@ enum OdRxObjMod { kOdRxObjAttach = 0 };
 OD_API void odrxMakePlain(OdRxObject* object, unsigned tag);
 
 // Holds one reference of an object, in one word: the address and, in its two low bits, the tag that
-// says what the reference stands for (OdRxReferenceTag). Copies hold references of the same tag.
+// says what the reference means (OdRxReferenceTag). Copies hold references of the same tag.
 //
 // 1. From a raw pointer: a plain reference is added; with kOdRxObjAttach, or attach(), the
 //    caller's reference is taken over.

@@ -15,10 +15,10 @@ class OD_API OdStreamBuf : public OdRxObject {
   OD_RX_DECLARE_MEMBERS(OdStreamBuf)
 
   virtual OdString fileName() const;
-  virtual bool isEof() const = 0;
+  [[nodiscard]] virtual bool isEof() const = 0;
   // The position, and the number of bytes in all.
-  virtual OdUInt64 tell() const = 0;
-  virtual OdUInt64 length() const = 0;
+  [[nodiscard]] virtual OdUInt64 tell() const = 0;
+  [[nodiscard]] virtual OdUInt64 length() const = 0;
   // Moves the position and returns it. Raises OdError(eInvalidInput), and stays, for a position
   // before the start; OdError(eEndOfStream) for one after the end.
   virtual OdUInt64 seek(OdInt64 offset, OdDb::FilerSeekType whence) = 0;
@@ -33,7 +33,5 @@ class OD_API OdStreamBuf : public OdRxObject {
   virtual void putBytes(const void* buffer, OdUInt64 count) = 0;
   // Cuts the stream at the position.
   virtual void truncate() = 0;
-  // Appends `count` bytes from the position of this stream to another.
-  void copyDataTo(OdStreamBuf* target, OdUInt64 count);
 };
 using OdStreamBufPtr = OdSmartPtr<OdStreamBuf>;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/base/error.h"
+#include "tests/support/random_seed.h"
 
 namespace {
 
@@ -116,7 +117,7 @@ TEST(OdArray, LosesAndLeaksNothingWhenACopyThrows) {
 }
 
 TEST(OdArray, FollowsAVectorThroughRandomEdits) {
-  const unsigned seed = std::random_device()();
+  const unsigned seed = randomSeed();
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937 random(seed);
   {

@@ -10,7 +10,7 @@ namespace vdmu {
 
 /// 64-bit FNV-1a over the stable form of an id: the 8 bytes of its handle, low byte first. The same
 /// drawing gives the same hashes in every run, and an id and its redirected form hash alike. A null
-/// id hashes as handle 0. Ids of different drawings may share a hash; they are told apart by `==`.
+/// id hashes as handle 0. Ids of different drawings may share a hash; `==` separates them.
 struct OdDbObjectIdHash {
   std::size_t operator()(OdDbObjectId id) const noexcept {
     id.convertToRedirectedId();

@@ -11,6 +11,7 @@
 #include "platform/db/selection_filter.h"
 #include "platform/db/units.h"
 #include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 #include "vdm_db/drawing_utils/vdm_string_utils.h"
 
 namespace {
@@ -236,9 +237,8 @@ OdResult setEffectiveBlockRefScale(OdDbObjectId reference, const OdGeScale3d& sc
   if (!opened.isOpen()) return eWrongObjectType;
   const OdGeScale3d factors = scale * OdGeScale3d(opened.unitFactor());
   if (hasZero(factors)) return eInvalidInput;
-  opened.reference->upgradeOpen();
+  const VdmOpenUpgrade upgrade(opened.reference);
   opened.reference->setScaleFactors(factors);
-  opened.reference->downgradeOpen();
   return eOk;
 }
 

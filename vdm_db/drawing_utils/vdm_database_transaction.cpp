@@ -40,12 +40,11 @@ class KeptViewport {
   }
   void putBack() const {
     if (m_copy.isNull()) return;
+    const UndoRecordingOff off(m_database);  // until the viewport is closed
     const OdDbViewportPtr viewport =
         activeViewport(m_database).openAs<OdDbViewport>(OdDb::kForWrite);
-    if (viewport.isNull()) return;  // it came only with what was rolled back
-    const UndoRecordingOff off(m_database);
+    if (viewport.isNull()) return;  // what was rolled back had created it
     copyState(m_copy, viewport);
-    viewport->downgradeOpen();
   }
 
  private:

@@ -5,6 +5,7 @@
 #include "platform/db/database.h"
 #include "platform/db/dictionary.h"
 #include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 #include "vdm_utils/vdmc_assert.h"
 
 namespace {
@@ -45,10 +46,8 @@ OdDbObjectId findOrAddExtensionDictionary(const OdDbObjectId& id) {
   const OdDbObjectPtr object = id.openObject();
   if (object.isNull()) return OdDbObjectId::kNull;
   if (const OdDbObjectId present = object->extensionDictionary(); !present.isNull()) return present;
-  object->upgradeOpen();
-  const OdDbObjectId created = object->createExtensionDictionary();
-  object->downgradeOpen();
-  return created;
+  const VdmOpenUpgrade upgrade(object);
+  return object->createExtensionDictionary();
 }
 
 // A parent without an owner is the named objects dictionary.

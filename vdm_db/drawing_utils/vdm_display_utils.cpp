@@ -4,6 +4,7 @@
 #include "platform/db/database.h"
 #include "platform/db/layer_table.h"
 #include "platform/ge/plane.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 
 namespace {
 
@@ -30,9 +31,8 @@ OdGeMatrix3d paperToDisplay(const OdDbViewport* viewport) {
 void markToRedraw(const OdDbObjectId& id) {
   const OdDbEntityPtr entity = id.openAs<OdDbEntity>();
   if (entity.isNull() || entity->database()->isReadOnly()) return;
-  entity->upgradeOpen();
+  const VdmOpenUpgrade upgrade(entity);
   entity->recordGraphicsModified();
-  entity->downgradeOpen();
 }
 
 }  // namespace
@@ -49,10 +49,8 @@ OdDbObjectId getVCSubtractLayer(OdDbDatabase* database) {
   layer->setIsHidden(true);
   layer->setName(kSubtractLayer);
   layer->setColor(OdCmColor::fromRGB(255, 0, 0));
-  table->upgradeOpen();
-  const OdDbObjectId id = table->add(layer);
-  table->downgradeOpen();
-  return id;
+  const VdmOpenUpgrade upgrade(table);
+  return table->add(layer);
 }
 
 void markEntToRedraw(const OdArray<OdDbObjectId>& ids) {

@@ -4,7 +4,8 @@
 #include "platform/db/db_object.h"
 
 /// Upgrades an open object and takes that back at the end of the scope; reactors hear of changes
-/// then. The object outlives the guard.
+/// then. The object outlives the guard. It may be const, since code that has it open for read holds
+/// it so: the upgrade is what allows changes.
 class VdmOpenUpgrade {
  public:
   explicit VdmOpenUpgrade(const OdDbObject* object) : m_object(const_cast<OdDbObject*>(object)) {

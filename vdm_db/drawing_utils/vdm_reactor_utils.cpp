@@ -5,6 +5,7 @@
 
 #include "platform/db/db_object.h"
 #include "vdm_db/drawing_utils/vdm_block_utils.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 
 namespace {
 
@@ -15,11 +16,10 @@ bool opensAs(const OdDbObjectId& id, const OdRxClass* cls) {
 }
 
 void removeReactor(const OdDbObjectId& id, const OdDbObjectId& reactor) {
-  OdDbObjectPtr object = id.openObject();
+  const OdDbObjectPtr object = id.openObject();
   if (object.isNull() || !object->hasPersistentReactor(reactor)) return;
-  object->upgradeOpen();
+  const VdmOpenUpgrade upgrade(object);
   object->removePersistentReactor(reactor);
-  object->downgradeOpen();
 }
 
 }  // namespace

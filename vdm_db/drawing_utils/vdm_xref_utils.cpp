@@ -4,6 +4,7 @@
 #include "platform/db/database.h"
 #include "platform/db/xref_man.h"
 #include "vdm_db/drawing_utils/undo_recording_off.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 
 namespace {
 
@@ -39,20 +40,18 @@ namespace vdmu {
 
 void unloadXrefBlock(OdSmartPtr<OdDbBlockTableRecord> block) {
   if (block.isNull() || block->database() == nullptr) return;
-  block->upgradeOpen();
+  const VdmOpenUpgrade upgrade(block);
   const XrefNotificationsOff off(block->database());
   OdDbXRefMan::unload(block);
-  block->downgradeOpen();
 }
 
 void eraseXrefBlock(OdDbObjectId id) {
   const OdDbBlockTableRecordPtr block = id.openAs<OdDbBlockTableRecord>();
   if (block.isNull() || !block->isFromExternalReference()) return;
   if (block->hasBlockReferences()) return;
-  block->upgradeOpen();
+  const VdmOpenUpgrade upgrade(block);
   if (block->xrefDatabase() != nullptr) unloadXrefBlock(block);
   block->erase();
-  block->downgradeOpen();
 }
 
 OdDbObjectId getXrefBlock(OdDbObjectId id) {

@@ -11,9 +11,10 @@ list(APPEND VDM_DB_SOURCES
   properties/vdm_properties_pe.cpp
   properties/vdm_properties_wire.cpp
   properties/vdm_property_data.cpp
+  properties/vdm_property_encoding.cpp
+  properties/vdm_property_encoding_number_maps.cpp
+  properties/vdm_property_encoding_text_maps.cpp
   properties/vdm_property_mapping.cpp
-  properties/vdm_property_maps_number.cpp
-  properties/vdm_property_maps_text.cpp
   properties/vdm_property_shape.cpp
   properties/vdm_property_shape_registry.cpp
   properties/vdm_property_slots.cpp
@@ -42,4 +43,5 @@ list(APPEND VDM_DB_PRIVATE_HEADERS
   properties/vdm_property_encoding.h
   properties/vdm_property_shape.h
   properties/vdm_property_shape_registry.h
+  properties/vdm_property_type_rows.h
 )

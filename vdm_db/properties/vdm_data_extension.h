@@ -3,7 +3,7 @@
 
 #include "vdm_db/common/vdm_db_export.h"
 
-// Has no state; whoever derives from it owns its objects.
+// Has no state. The module that derives from it owns the objects.
 class VDM_DB_EXPORT VdmDataExtension {
  public:
   VdmDataExtension();

@@ -1,8 +1,5 @@
-// Extension data objects and how they hang on their hosts.
+// Extension data objects and how their hosts own them.
 #include "vdm_db/properties/vdm_db_extension_data.h"
-
-#include <memory>
-#include <new>
 
 #include "platform/base/error.h"
 #include "platform/db/dictionary.h"
@@ -12,41 +9,39 @@
 VDM_DEFINE_DB_CLASS(VdmDbExtensionData, OdDbObject, L"VdmDbExtensionData", L"VDMDBEXTENSIONDATA",
                     L"extension data")
 
-VdmDbExtensionData::VdmDbExtensionData() {
-  m_impl = ::new (static_cast<void*>(m_storage)) VdmDbExtensionDataImpl;
-}
-VdmDbExtensionData::~VdmDbExtensionData() { std::destroy_at(m_impl); }
+VdmDbExtensionData::VdmDbExtensionData() = default;
+VdmDbExtensionData::~VdmDbExtensionData() = default;
 
 const VdmProperties& VdmDbExtensionData::properties() const {
   assertReadEnabled();
-  return m_impl->properties();
+  return m_impl.properties();
 }
 
 VdmProperties& VdmDbExtensionData::propertiesForWrite() {
   assertWriteEnabled();
-  return m_impl->properties();
+  return m_impl.properties();
 }
 
-// ---- Partial undo: the key (wrString), then what stood under it
+// ---- Partial undo: the key (wrString), then its value before the change
 
 VdmProperties& VdmDbExtensionData::bagForChange(const OdString& key) {
   assertWriteEnabled(/*autoUndo=*/false);
   recordProperty(key);
-  return m_impl->properties();
+  return m_impl.properties();
 }
 
 void VdmDbExtensionData::recordProperty(const OdString& key) {
   OdDbDwgFiler* filer = beginPartialUndo(desc());
   if (filer == nullptr) return;
   filer->wrString(key);
-  m_impl->properties().dwgOutProperty(filer, key);
+  m_impl.properties().dwgOutProperty(filer, key);
 }
 
 void VdmDbExtensionData::applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) {
   if (cls != desc()) return OdDbObject::applyPartialUndo(filer, cls);
   const OdString key = filer->rdString();
   recordProperty(key);
-  const OdResult result = m_impl->properties().dwgInProperty(filer, key);
+  const OdResult result = m_impl.properties().dwgInProperty(filer, key);
   if (result != eOk) throw OdError(result, "undo of property \"" + key + "\"");
 }
 
@@ -55,25 +50,25 @@ void VdmDbExtensionData::applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) {
 OdResult VdmDbExtensionData::dwgInFields(OdDbDwgFiler* filer) {
   assertWriteEnabled();
   const OdResult result = OdDbObject::dwgInFields(filer);
-  return result == eOk ? m_impl->dwgInFields(filer) : result;
+  return result == eOk ? m_impl.dwgInFields(filer) : result;
 }
 
 void VdmDbExtensionData::dwgOutFields(OdDbDwgFiler* filer) const {
   assertReadEnabled();
   OdDbObject::dwgOutFields(filer);
-  m_impl->dwgOutFields(filer);
+  m_impl.dwgOutFields(filer);
 }
 
 OdResult VdmDbExtensionData::dxfInFields(OdDbDxfFiler* filer) {
   assertWriteEnabled();
   const OdResult result = OdDbObject::dxfInFields(filer);
-  return result == eOk ? m_impl->dxfInFields(filer) : result;
+  return result == eOk ? m_impl.dxfInFields(filer) : result;
 }
 
 void VdmDbExtensionData::dxfOutFields(OdDbDxfFiler* filer) const {
   assertReadEnabled();
   OdDbObject::dxfOutFields(filer);
-  m_impl->dxfOutFields(filer);
+  m_impl.dxfOutFields(filer);
 }
 
 // ---- On a host

@@ -1,8 +1,6 @@
 // VdmDbExtensionData: a filed object that carries bytes too large for extended data.
 #pragma once
 
-#include <cstddef>
-
 #include "platform/db/db_object.h"
 #include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/properties/vdm_db_properties_base.h"
@@ -10,7 +8,7 @@
 // The bag of an extension data object.
 class VDM_DB_EXPORT VdmDbExtensionDataImpl : public VdmDbPropertiesBase {};
 
-// Stands under the key "VDM_DB" in the extension dictionary of the object that it extends. Its bag
+// Listed under the key "VDM_DB" in the extension dictionary of the object that it extends. Its bag
 // holds blobs: under "VDM_DB" the flat form of a large property bag, under "VDM_OBJECT" a
 // serialised object (vdm_serialized_object.h). Its record has no version of its own.
 class VDM_DB_EXPORT VdmDbExtensionData : public OdDbObject {
@@ -21,7 +19,7 @@ class VDM_DB_EXPORT VdmDbExtensionData : public OdDbObject {
   ~VdmDbExtensionData() override;
 
   // Raises OdError(eNotOpenForRead) unless the object is open for read.
-  const VdmProperties& properties() const;
+  [[nodiscard]] const VdmProperties& properties() const;
   // Calls assertWriteEnabled: the whole bag is recorded for undo.
   VdmProperties& propertiesForWrite();
 
@@ -46,8 +44,7 @@ class VDM_DB_EXPORT VdmDbExtensionData : public OdDbObject {
   VdmProperties& bagForChange(const OdString& key);
   void recordProperty(const OdString& key);
 
-  VdmDbExtensionDataImpl* m_impl;  // lies in the storage: one allocation and one cache miss less
-  alignas(VdmDbExtensionDataImpl) std::byte m_storage[sizeof(VdmDbExtensionDataImpl)];
+  VdmDbExtensionDataImpl m_impl;
 };
 using VdmDbExtensionDataPtr = OdSmartPtr<VdmDbExtensionData>;
 
@@ -55,11 +52,12 @@ using VdmDbExtensionDataPtr = OdSmartPtr<VdmDbExtensionData>;
 namespace vdmu {
 
 // Creates the extension dictionary and the extension data as needed; the host is open for write and
-// in a database. Raises OdError(eWrongObjectType) when another class's object stands in their
+// in a database. Raises OdError(eWrongObjectType) when an object of another class is in their
 // place.
 VDM_DB_EXPORT void storeExtensionBytes(OdDbObject* host, const OdString& key, const VdmBlob& bytes);
 // False when there are none.
-VDM_DB_EXPORT bool readExtensionBytes(const OdDbObject* host, const OdString& key, VdmBlob& bytes);
+[[nodiscard]] VDM_DB_EXPORT bool readExtensionBytes(const OdDbObject* host, const OdString& key,
+                                                    VdmBlob& bytes);
 // Erases the extension data with its last blob, and the extension dictionary with its last entry.
 VDM_DB_EXPORT void eraseExtensionBytes(OdDbObject* host, const OdString& key);
 

@@ -9,13 +9,13 @@ class VdmProperties;
 
 namespace vdmu {
 
-// Marks stand between the parts of undo and copy streams; a file filer (filerType 0) has none. A
+// Marks separate the parts of undo and copy streams; a file filer (filerType 0) has none. A
 // mark that is not the expected one raises OdError.
 VDM_DB_EXPORT void wrMark(OdDbDwgFiler* filer, short mark);
 VDM_DB_EXPORT void rdMark(OdDbDwgFiler* filer, short mark);
 
 // The count by wrInt32, then each id by its primitive. Reading drops null ids; it raises
-// OdError(eCorruptData) for a count that cannot be.
+// OdError(eCorruptData) for a count that does not fit the stream.
 VDM_DB_EXPORT void writeHardOwnershipIdArray(OdDbDwgFiler* filer, const OdDbObjectIdArray& ids);
 VDM_DB_EXPORT void writeSoftPointerIdArray(OdDbDwgFiler* filer, const OdDbObjectIdArray& ids);
 VDM_DB_EXPORT void readHardOwnershipIdArray(OdDbDwgFiler* filer, OdDbObjectIdArray& ids);

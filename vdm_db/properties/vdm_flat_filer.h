@@ -44,21 +44,21 @@ class VDM_DB_EXPORT VdmFlatFiler : public OdStaticRxObject<OdDbDwgFiler> {
   void setStream(OdStreamBuf* stream) { m_stream = stream; }
 
   // All bytes of the stream; the position is at the end afterwards.
-  std::vector<char> getBinaryData();
-  unsigned int getBinaryDataSize() const;
-  // Hangs the bytes behind the last record of the chain, as one record of code 1004. Nothing
+  [[nodiscard]] std::vector<char> getBinaryData();
+  [[nodiscard]] unsigned int getBinaryDataSize() const;
+  // Appends the bytes to the chain as one record of code 1004. Nothing
   // happens when `rb` is null or there are kMaxChunkSize bytes or more.
   void appendToResBuf(OdResBuf* rb);
   OdStreamBuf& io() const { return *m_stream; }
   // A string that cannot be read back was written.
-  bool hasUnreadableString() const { return m_hasUnreadableString; }
+  [[nodiscard]] bool hasUnreadableString() const { return m_hasUnreadableString; }
 
-  FilerType filerType() const override { return kCopyFiler; }
+  [[nodiscard]] FilerType filerType() const override { return kCopyFiler; }
   OdDbFilerController* controller() const override { return nullptr; }
   void seek(OdInt64 offset, OdDb::FilerSeekType from) override;
   // Cut to 32 bits.
-  OdUInt64 tell() const override;
-  OdUInt64 bytesLeft() const override;
+  [[nodiscard]] OdUInt64 tell() const override;
+  [[nodiscard]] OdUInt64 bytesLeft() const override;
 
 #define OD_DWG_VALUE(Name, Value, Argument) \
   Value rd##Name() override;                \

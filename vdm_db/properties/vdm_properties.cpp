@@ -5,6 +5,7 @@
 
 #include "vdm_db/properties/vdm_properties_templates.h"
 #include "vdm_db/properties/vdm_property_shape.h"
+#include "vdm_db/properties/vdm_property_type_rows.h"
 
 // ---- Copies and moves
 
@@ -195,26 +196,11 @@ void VdmProperties::setReferenceType(const OdString& key, OdDb::ReferenceType ty
     mapping->setReferenceType(type);
 }
 
-// ---- Plain values and arrays; the maps stand in vdm_properties_maps.cpp
+// ---- Instantiations for plain values and arrays; those for maps are in vdm_properties_maps.cpp
 
-VDM_INSTANTIATE_BAG_VALUE(OdString)
-VDM_INSTANTIATE_BAG_VALUE(OdLong)
-VDM_INSTANTIATE_BAG_VALUE(double)
-VDM_INSTANTIATE_BAG_VALUE(bool)
-VDM_INSTANTIATE_BAG_VALUE(signed char)
-VDM_INSTANTIATE_BAG_VALUE(OdDbHandle)
-VDM_INSTANTIATE_BAG_VALUE(OdDbTypedId)
-VDM_INSTANTIATE_BAG_VALUE(VdmBlob)
-VDM_INSTANTIATE_BAG_VALUE(VdmArray<VdmPropertyDataPtr>)
-VDM_INSTANTIATE_BAG_VALUE(VdmArray<OdString>)
-VDM_INSTANTIATE_BAG_VALUE(VdmArray<OdLong>)
-VDM_INSTANTIATE_BAG_VALUE(VdmArray<double>)
-VDM_INSTANTIATE_BAG_VALUE(VdmArray<bool>)
-VDM_INSTANTIATE_BAG_VALUE(VdmArray<signed char>)
-VDM_INSTANTIATE_BAG_VALUE(VdmArray<OdDbHandle>)
-VDM_INSTANTIATE_BAG_VALUE(VdmArray<OdDbTypedId>)
-VDM_INSTANTIATE_BAG_VALUE(VdmArray<VdmBlob>)
+VDM_SINGLE_AND_ARRAY_TYPE_ROWS(VDM_INSTANTIATE_BAG_VALUE)
 
+// Only these types are mapped onto variables.
 VDM_INSTANTIATE_BAG_MAPPING(OdString)
 VDM_INSTANTIATE_BAG_MAPPING(OdLong)
 VDM_INSTANTIATE_BAG_MAPPING(double)

@@ -24,7 +24,7 @@ struct VdmPropertyShapeStep;
 
 // Properties in key order (case-sensitive, by characters), with a configuration word and a format
 // version. Values are objects that can be shared by pointer (VdmPropertyData); the bag makes the
-// object of a plain value or an array only when somebody asks for its pointer. A bag that holds
+// object of a plain value or an array only when a caller asks for its pointer. A bag that holds
 // mappings is a member of the object it maps. A bag follows the open state of its owner and belongs
 // to one thread at a time. It must not outlive the module.
 //
@@ -57,21 +57,21 @@ class VDM_DB_EXPORT VdmProperties {
 
   // ---- The bag as a whole
 
-  int config() const noexcept { return m_config; }
+  [[nodiscard]] int config() const noexcept { return m_config; }
   // Const, so that the owner of a bag can file it in another way.
   void setConfig(int config) const noexcept { m_config = config; }
-  int version() const noexcept { return m_version; }
+  [[nodiscard]] int version() const noexcept { return m_version; }
   // Stores the low byte.
   void setVersion(int version) noexcept { m_version = static_cast<signed char>(version); }
 
-  bool isEmpty() const noexcept { return m_slots.size() == 0; }
-  OdUInt32 size() const noexcept { return m_slots.size(); }
+  [[nodiscard]] bool isEmpty() const noexcept { return m_slots.size() == 0; }
+  [[nodiscard]] OdUInt32 size() const noexcept { return m_slots.size(); }
   void clear();
 
   // Pairs of key and VdmPropertyDataPtr in key order. The pairs refer into the bag; they and the
   // iterators are valid until it changes.
-  Iterator begin() const;
-  Iterator end() const;
+  [[nodiscard]] Iterator begin() const;
+  [[nodiscard]] Iterator end() const;
 
   // ---- Values as objects
 
@@ -80,7 +80,7 @@ class VDM_DB_EXPORT VdmProperties {
   // Replaces what was there, whatever its type; a null pointer removes the key.
   bool setProperty(const OdString& key, const VdmPropertyDataPtr& value);
   bool removeProperty(const OdString& key);
-  bool hasProperty(const OdString& key) const;
+  [[nodiscard]] bool hasProperty(const OdString& key) const;
 
   // ---- Values by type, of any type of vdm_property_types.h
 
@@ -98,8 +98,8 @@ class VDM_DB_EXPORT VdmProperties {
 
   // ---- Mapping of members. True always.
   //
-  // A value that stands under the key flows into the variable (or to the setter) when its type is
-  // T; the key then refers to the variable, in either case.
+  // A value under the key is copied into the variable (or passed to the setter) when its type is T.
+  // In either case the key then refers to the variable.
 
   template <VdmPropertyValue T>
   bool mapProperty(const OdString& key, T* variable);
@@ -117,7 +117,7 @@ class VDM_DB_EXPORT VdmProperties {
   // other value is left alone.
   void setReferenceType(const OdString& key, OdDb::ReferenceType type);
 
-  // ---- Filing; the form is told in vdm_properties_wire.cpp
+  // ---- Filing; vdm_properties_wire.cpp gives the form
 
   void dwgOutFields(OdDbDwgFiler* filer) const;
   // Keeps mapped properties, which are filled in place, and drops all others first. 1 for a version
@@ -159,7 +159,7 @@ class VDM_DB_EXPORT VdmProperties {
   void boxAll() const;
   template <class T, class SlotOf>
   void putValue(const T& value, SlotOf slotOf);
-  // Takes over the mapping, in place of what stood under the key.
+  // Takes over the mapping, in place of the key's value.
   void mapTo(const OdString& key, VdmPropertyData* mapping);
 
   const VdmPropertyShape* m_shape = nullptr;

@@ -27,7 +27,8 @@ void writeFlat(const VdmProperties& bag, VdmFlatFiler& filer, const OdDbObject* 
   }
 }
 
-// Where a smaller bag leaves an older, larger one in the dictionary, extended data goes first.
+// Extended data is read first: a bag that became smaller may have left its old form in the
+// dictionary.
 bool readFlat(const OdDbObject* object, VdmFlatFiler& filer) {
   const OdResBufPtr chain = object->xData(kVdmRegApp);
   if (!chain.isNull() && filer.setBinaryChunk(chain->next().get())) return true;

@@ -62,7 +62,7 @@ bool VdmProperties::getProperty(const OdString& key, T& value) const {
   return true;
 }
 
-// ---- Mapping: the present value flows over, the key goes, the mapping takes its place
+// ---- Mapping: the present value is copied to the variable, then the mapping replaces it
 
 template <VdmPropertyValue T>
 bool VdmProperties::mapProperty(const OdString& key, T* variable) {

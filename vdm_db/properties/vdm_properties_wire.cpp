@@ -32,25 +32,7 @@
 #include "vdm_db/properties/vdm_trans_dwg_filer.h"
 #include "vdm_utils/vdmc_assert.h"
 
-// Made in vdm_property_data.cpp alone: a copy made here would take the narrower visibility of its
-// type argument and hide the exported one.
-extern template struct VdmPropertyEncoding<VdmArray<VdmPropertyDataPtr>>;
-extern template struct VdmPropertyEncoding<VdmArray<OdString>>;
-extern template struct VdmPropertyEncoding<VdmArray<OdLong>>;
-extern template struct VdmPropertyEncoding<VdmArray<double>>;
-extern template struct VdmPropertyEncoding<VdmArray<bool>>;
-extern template struct VdmPropertyEncoding<VdmArray<signed char>>;
-extern template struct VdmPropertyEncoding<VdmArray<OdDbHandle>>;
-extern template struct VdmPropertyEncoding<VdmArray<OdDbTypedId>>;
-extern template struct VdmPropertyEncoding<VdmArray<VdmBlob>>;
-extern template struct VdmPropertyEncoding<OdString>;
-extern template struct VdmPropertyEncoding<OdLong>;
-extern template struct VdmPropertyEncoding<double>;
-extern template struct VdmPropertyEncoding<bool>;
-extern template struct VdmPropertyEncoding<signed char>;
-extern template struct VdmPropertyEncoding<OdDbHandle>;
-extern template struct VdmPropertyEncoding<OdDbTypedId>;
-extern template struct VdmPropertyEncoding<VdmBlob>;
+VDM_DECLARE_ENCODINGS
 
 namespace {
 
@@ -148,8 +130,16 @@ void VdmProperties::dwgOutFields(OdDbDwgFiler* filer) const {
 
 // ---- Reading
 
-// Values may be behind setters, which may change the bag: a slot is looked up for each entry, and
-// a value is held while it is read.
+// Reading one bag from a stream. Mapped properties keep their mappings and are filled in place; all
+// others are dropped first and made anew. A setter of a mapping may change the bag while it is
+// read, so nothing is remembered across entries: each entry finds its slot by its key, and a boxed
+// value is held by a pointer of its own while it is read.
+//
+// Bags of a drawing are mostly alike, so the reader follows the steps that the last bag of this
+// kind took: while the keys arrive as expected, an entry costs one comparison of a key and no
+// look-up. Texts and arrays of numbers from a drawing file stay packed bytes until they are asked
+// for. Counts are compared with the bytes that are left; what is read before an error stays in the
+// bag.
 class VdmPropertiesReader {
  public:
   VdmPropertiesReader(VdmProperties& bag, OdDbDwgFiler* filer)
@@ -184,8 +174,8 @@ class VdmPropertiesReader {
   static constexpr OdUInt32 kMinEntryBytes = 2;
   // A count that the filer cannot check reserves no more than this.
   static constexpr OdUInt32 kMaxReserve = 1024;
-  // Of a longer value the bytes that stay behind once it is asked for would weigh more than what an
-  // object of its own costs.
+  // The packed bytes of a longer value, which stay in the block after it is asked for, would weigh
+  // more than an object of its own costs.
   static constexpr OdUInt32 kMaxPackedBytes = 512;
 
   void dropUnmapped() {

@@ -7,7 +7,7 @@
 
 #include "vdm_db/properties/vdm_property_data.h"
 
-// The stored form of one value type behind its type bytes. Defined for the value types and nested
+// The stored form of one value type after its type bytes. Defined for the value types and nested
 // values in the module.
 template <class T>
 struct VDM_DB_EXPORT VdmPropertyEncoding {

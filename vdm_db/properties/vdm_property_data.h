@@ -27,7 +27,7 @@ class VDM_DB_EXPORT VdmPropertyData {
   virtual ~VdmPropertyData();
   VdmPropertyData& operator=(const VdmPropertyData&) = delete;
 
-  Type type() const noexcept { return m_type; }
+  [[nodiscard]] Type type() const noexcept { return m_type; }
 
   // A container that holds a copy. Points and matrices become arrays of 3 and 16 doubles in their
   // memory order.
@@ -47,7 +47,7 @@ class VDM_DB_EXPORT VdmPropertyData {
   // A new container from what writeToDwg wrote; null for an unknown type. Raises
   // OdError(eCorruptData) when values nest deeper than kMaxNesting.
   static VdmPropertyDataPtr createFromDwg(OdDbDwgFiler* filer, int config);
-  // The same behind a type byte that was read.
+  // The same after the type byte was read.
   static VdmPropertyDataPtr createFromDwg(OdDbDwgFiler* filer, int config, OdInt8 type);
 
   // What follows the type byte.
@@ -63,9 +63,9 @@ class VDM_DB_EXPORT VdmPropertyData {
   // Copies a value of the same type and calls updateMapped().
   virtual bool assign(const VdmPropertyDataPtr& other) = 0;
   // True for a mapping onto a variable.
-  virtual bool isMapped() const;
+  [[nodiscard]] virtual bool isMapped() const;
   // False when the value is what a reader would get by default.
-  virtual bool isOutOfDate() const;
+  [[nodiscard]] virtual bool isOutOfDate() const;
   // Passes the value on to the mapped variable where it does not lie in it.
   virtual void updateMapped();
   // Sets the default; false when there is none.
@@ -84,6 +84,8 @@ class VDM_DB_EXPORT VdmPropertyData {
   friend class VdmPropertyConcreteData;
   template <class T>
   friend VdmPropertyConcreteData<T>* vdmPropertyCast(VdmPropertyData* data) noexcept;
+  template <class T>
+  friend const VdmPropertyConcreteData<T>* vdmPropertyCast(const VdmPropertyData* data) noexcept;
 
   VdmPropertyData(Type type, OdUInt32 signature) noexcept : m_type(type), m_signature(signature) {}
 
@@ -100,7 +102,8 @@ VdmPropertyConcreteData<T>* vdmPropertyCast(VdmPropertyData* data) noexcept {
 }
 template <class T>
 const VdmPropertyConcreteData<T>* vdmPropertyCast(const VdmPropertyData* data) noexcept {
-  return vdmPropertyCast<T>(const_cast<VdmPropertyData*>(data));
+  if (data == nullptr || data->m_signature != VdmPropertyTypeInfo<T>::kSignature) return nullptr;
+  return static_cast<const VdmPropertyConcreteData<T>*>(data);
 }
 
 #include "vdm_db/properties/vdm_property_concrete_data.h"

@@ -7,6 +7,7 @@
 #include "platform/base/error.h"
 #include "platform/filer/dwg_filer.h"
 #include "vdm_db/properties/vdm_property_data.h"
+#include "vdm_db/properties/vdm_property_type_rows.h"
 
 // One level of values within values; raises OdError with the code beyond the limit.
 class VdmNestingGuard {
@@ -17,7 +18,7 @@ class VdmNestingGuard {
   VdmNestingGuard& operator=(const VdmNestingGuard&) = delete;
 };
 
-// Reports a type of the stream that is not the expected one; `line` tells the place.
+// Reports a type of the stream that is not the expected one; `line` names the place.
 void vdmReportWrongType(const char* expectation, int line);
 
 // True for an id that a file is not to keep: config asks for it and the object is erased.
@@ -102,7 +103,7 @@ struct VdmValueEncoding<OdArray<E, A>> {
   static void read(OdDbDwgFiler* filer, Array& value, int config) {
     readElements(filer, value, filer->rdCount(VdmElementEncoding<E>::kMinBytes), config);
   }
-  // The elements behind a count that was checked.
+  // The elements that follow a count that was checked.
   static void readElements(OdDbDwgFiler* filer, Array& value, OdUInt32 count, int config) {
     Array fresh;
     fresh.reserve(std::min(count, kMaxReserve));
@@ -194,6 +195,11 @@ bool VdmPropertyEncoding<T>::readTypes(OdDbDwgFiler* filer) {
     return VdmValueEncoding<T>::readTypes(filer);
 }
 
+// In each other source that uses the encodings which vdm_property_encoding.cpp makes: a copy made
+// there would take the narrower visibility of its type argument and hide the exported one.
+#define VDM_DECLARE_ENCODING(T) extern template struct VdmPropertyEncoding<T>;
+#define VDM_DECLARE_ENCODINGS VDM_SINGLE_AND_ARRAY_TYPE_ROWS(VDM_DECLARE_ENCODING)
+
 // ---- Making empty containers by their numbers
 
 // A map container of key type K; null when no value type has the number.
@@ -213,17 +219,9 @@ VdmPropertyData* vdmMakeByNumber(OdInt8 number, Make make) {
 }
 
 // In one source for each key type.
-#define VDM_INSTANTIATE_MAP(K, V) template struct VDM_DB_EXPORT VdmPropertyEncoding<std::map<K, V>>;
+#define VDM_INSTANTIATE_MAP(V, K) template struct VDM_DB_EXPORT VdmPropertyEncoding<std::map<K, V>>;
 #define VDM_INSTANTIATE_MAPS(K)                                           \
-  VDM_INSTANTIATE_MAP(K, VdmPropertyDataPtr)                              \
-  VDM_INSTANTIATE_MAP(K, OdString)                                        \
-  VDM_INSTANTIATE_MAP(K, OdLong)                                          \
-  VDM_INSTANTIATE_MAP(K, double)                                          \
-  VDM_INSTANTIATE_MAP(K, bool)                                            \
-  VDM_INSTANTIATE_MAP(K, signed char)                                     \
-  VDM_INSTANTIATE_MAP(K, OdDbHandle)                                      \
-  VDM_INSTANTIATE_MAP(K, OdDbTypedId)                                     \
-  VDM_INSTANTIATE_MAP(K, VdmBlob)                                         \
+  VDM_ELEMENT_TYPE_ROWS(VDM_INSTANTIATE_MAP, K)                           \
   template <>                                                             \
   VdmPropertyData* vdmMakeMap<K>(OdInt8 valueType) {                      \
     return vdmMakeByNumber(valueType, []<class V>() -> VdmPropertyData* { \

@@ -6,7 +6,7 @@
 
 #include "vdm_db/properties/vdm_property_data.h"
 
-// Every mapping refers to what its owner keeps; the owner outlives it.
+// Every mapping refers to a variable or to functions of its owner, which outlives it.
 
 // A variable without a default.
 template <class T>
@@ -92,8 +92,8 @@ class VdmPropertyDataMappingGetterSetterWithDefault final : public VdmPropertyCo
   mutable T m_cached;
 };
 
-// A variable that holds an id; the reference type stands beside it. Reading fetches the variable
-// into a cached pair, writing goes to the pair and reaches the variable with updateMapped().
+// A variable that holds an id; the mapping adds the reference type. Reading fetches the variable
+// into a cached pair; writing changes the pair, and updateMapped() copies it to the variable.
 class VDM_DB_EXPORT VdmPropertyDataObjectIdMapping final
     : public VdmPropertyConcreteData<OdDbTypedId> {
  public:

@@ -1,4 +1,16 @@
-// Shapes of property bags: lookup, and the forms that single bags own.
+// Shapes of property bags: look-up, and the private shapes that single bags own.
+//
+// A shared shape finds a key by the address of its characters. Its keys are interned, so a string
+// that came from a shape (as nearly all keys of a program do after their first use) has the very
+// buffer of the key; few keys are compared one by one, more of them through a hash table of
+// addresses that is at most half full. Only a key that is not found by address is looked up by its
+// text, once, to get the interned string; when the registry does not know that text, no shared
+// shape has it. The answer is the same either way, since equal texts have one interned string.
+//
+// A private shape hashes texts and keeps its slots in order of arrival. The order by key is sorted
+// when it is first asked for, and stays valid while keys are added in rising order. Look-up costs a
+// few comparisons in both; a change of a private shape costs a hash operation, and the next walk in
+// key order a sort unless the order is still valid.
 #include "vdm_db/properties/vdm_property_shape.h"
 
 #include <algorithm>
@@ -70,8 +82,7 @@ OdUInt32 VdmPropertyShape::find(const OdString& key) const {
 
 const VdmPropertyShape* VdmPropertyShape::add(const VdmPropertyShape* shape, const OdString& key,
                                               OdUInt32& slot) {
-  if (shape != nullptr && !shape->isShared())
-    return const_cast<VdmPropertyShape*>(shape)->addPrivate(key, slot);
+  if (shape != nullptr && !shape->isShared()) return changeable(shape)->addPrivate(key, slot);
   if (const Step* step = VdmPropertyShapeRegistry::instance().stepByAdding(shape, key)) {
     slot = step->slot;
     return step->to;
@@ -83,7 +94,7 @@ const VdmPropertyShape* VdmPropertyShape::add(const VdmPropertyShape* shape, con
 }
 
 const VdmPropertyShape* VdmPropertyShape::remove(const VdmPropertyShape* shape, OdUInt32 slot) {
-  if (!shape->isShared()) return const_cast<VdmPropertyShape*>(shape)->removePrivate(slot);
+  if (!shape->isShared()) return changeable(shape)->removePrivate(slot);
   if (shape->size() == 1) return nullptr;
   if (const Step* step = VdmPropertyShapeRegistry::instance().stepByRemoving(shape, slot))
     return step->to;

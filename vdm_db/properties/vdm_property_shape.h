@@ -43,18 +43,20 @@ class VdmPropertyShape {
   VdmPropertyShape(const VdmPropertyShape&) = delete;
   VdmPropertyShape& operator=(const VdmPropertyShape&) = delete;
 
-  OdUInt32 size() const noexcept { return static_cast<OdUInt32>(m_keys.size()); }
-  bool isShared() const noexcept { return m_index == nullptr; }
-  const OdString& keyOfSlot(OdUInt32 slot) const noexcept { return m_keys[slot]; }
+  [[nodiscard]] OdUInt32 size() const noexcept { return static_cast<OdUInt32>(m_keys.size()); }
+  [[nodiscard]] bool isShared() const noexcept { return m_index == nullptr; }
+  [[nodiscard]] const OdString& keyOfSlot(OdUInt32 slot) const noexcept { return m_keys[slot]; }
   // The slot of a key by its position in key order.
-  OdUInt32 slotAt(OdUInt32 position) const {
+  [[nodiscard]] OdUInt32 slotAt(OdUInt32 position) const {
     return isShared() ? position : privateSlotAt(position);
   }
   // kNoSlot when the key is not there.
-  OdUInt32 find(const OdString& key) const;
-  // True for keys behind all others, as a reader of sorted keys mostly meets them: they are seen to
-  // be missing at little cost.
-  bool isBehindAll(const OdString& key) const { return isShared() && m_keys.back() < key; }
+  [[nodiscard]] OdUInt32 find(const OdString& key) const;
+  // True for a key after all others, as a reader of sorted keys mostly meets: one comparison shows
+  // that the shape does not have it.
+  [[nodiscard]] bool isBehindAll(const OdString& key) const {
+    return isShared() && m_keys.back() < key;
+  }
 
   // The shape with one more key, which it did not have, and the slot for its value: from a shared
   // shape the slots behind it move up by one. A private shape is changed in place.
@@ -64,12 +66,12 @@ class VdmPropertyShape {
   // in a private one the last slot takes its place.
   static const VdmPropertyShape* remove(const VdmPropertyShape* shape, OdUInt32 slot);
   // The step by which bags that were like this one got their next key, which this shape has not;
-  // null when there is none. Whoever takes it goes on with the shape it leads to.
+  // null when there is none. A bag that takes it has the shape it leads to.
   static const Step* likelyStep(const VdmPropertyShape* shape) noexcept;
   // Number of keys at the end of the steps last taken from here on: what a bag on the same way will
   // probably hold, at most kMaxSharedKeys.
   static OdUInt32 expectedSize(const VdmPropertyShape* shape) noexcept;
-  // For a second bag, and when a bag lets go.
+  // The shape for a copy of the bag; and the end of a bag's use of its shape.
   static const VdmPropertyShape* copy(const VdmPropertyShape* shape);
   static void release(const VdmPropertyShape* shape) noexcept;
 
@@ -84,6 +86,11 @@ class VdmPropertyShape {
 
   struct PrivateTag {};
   VdmPropertyShape(PrivateTag, std::vector<OdString> keys);
+  // A private shape has one bag, which made it and may change it; a shared one is never passed
+  // here.
+  static VdmPropertyShape* changeable(const VdmPropertyShape* shape) {
+    return const_cast<VdmPropertyShape*>(shape);
+  }
   OdUInt32 privateSlotAt(OdUInt32 position) const;
   OdUInt32 findBuffer(const OdString& key) const noexcept;
   const VdmPropertyShape* addPrivate(const OdString& key, OdUInt32& slot);

@@ -1,4 +1,12 @@
 // Making and finding of shared shapes.
+//
+// Shapes are the nodes of a graph, steps its edges: from a shape, adding or removing a key leads to
+// one other shape. Nodes, edges and keys are only ever added, up to fixed limits, and stay in place
+// (deques do not move their elements). The hash tables have a fixed number of buckets, at least
+// twice their limit, so that each probe ends at a free bucket. Makers hold the lock and fill a
+// bucket by a releasing store once the entry is complete; readers load buckets with acquire and
+// need no lock: a reader sees an entry whole or not at all, and one that it misses is found under
+// the lock. Taking a known step costs one comparison with the step taken last, else one probe.
 #include "vdm_db/properties/vdm_property_shape_registry.h"
 
 #include <algorithm>

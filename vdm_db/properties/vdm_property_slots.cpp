@@ -1,4 +1,4 @@
-// Memory and values of the slots of a property bag.
+// Memory and values of the slots of a property bag; their invariants are listed in the header.
 #include "vdm_db/properties/vdm_property_slots.h"
 
 #include <algorithm>
@@ -8,6 +8,7 @@
 
 #include "platform/base/raise.h"
 #include "vdm_db/properties/vdm_property_mapping.h"
+#include "vdm_db/properties/vdm_property_type_rows.h"
 
 static_assert(sizeof(OdDbObjectId) == sizeof(OdUInt64));
 
@@ -64,7 +65,7 @@ void VdmPropertySlots::eraseFilling(OdUInt32 slot) noexcept {
 }
 
 void VdmPropertySlots::clear() noexcept {
-  // A value that goes may reach back to the bag: it finds no slot any more.
+  // A value may reach back to the bag as it ends: it finds no slot any more.
   const OdUInt32 size = std::exchange(m_size, 0);
   for (OdUInt32 slot = 0; slot < size; ++slot) dropValue(slot);
 }
@@ -77,7 +78,7 @@ void VdmPropertySlots::dropValue(OdUInt32 slot) noexcept {
     object<OdString>(slot).~OdString();
   } else if ((dropped & (kArray | kMapped | kPacked)) == kArray) {
     vdmVisitElementType(static_cast<VdmPropertyType>(dropped & kTypeMask), [&]<class E>() {
-      // Elements that go may reach back to the bag, too: the array leaves the slot first.
+      // Elements may reach back to the bag as they end, too: the array leaves the slot first.
       const VdmArray<E> array(std::move(object<VdmArray<E>>(slot)));
     });
   }
@@ -175,21 +176,18 @@ const VdmPropertyDataPtr& VdmPropertySlots::box(OdUInt32 slot) {
   return boxed(slot);
 }
 
+// ---- Instantiations
+
 #define VDM_INSTANTIATE_SLOT(T)                              \
   template void VdmPropertySlots::set<T>(OdUInt32, T value); \
   template void VdmPropertySlots::put<T>(OdUInt32, T value); \
   template void VdmPropertySlots::putMapped<T>(OdUInt32, T*);
-#define VDM_INSTANTIATE_SLOTS(T) VDM_INSTANTIATE_SLOT(T) VDM_INSTANTIATE_SLOT(VdmArray<T>)
-VDM_INSTANTIATE_SLOT(VdmArray<VdmPropertyDataPtr>)
-VDM_INSTANTIATE_SLOTS(OdString)
-VDM_INSTANTIATE_SLOTS(OdLong)
-VDM_INSTANTIATE_SLOTS(double)
-VDM_INSTANTIATE_SLOTS(bool)
-VDM_INSTANTIATE_SLOTS(signed char)
-VDM_INSTANTIATE_SLOTS(OdDbHandle)
-VDM_INSTANTIATE_SLOTS(OdDbTypedId)
-VDM_INSTANTIATE_SLOT(VdmArray<VdmBlob>)
-#undef VDM_INSTANTIATE_SLOTS
+#define VDM_INSTANTIATE_ARRAY_SLOT(E) VDM_INSTANTIATE_SLOT(VdmArray<E>)
+VDM_PLAIN_TYPE_ROWS(VDM_INSTANTIATE_SLOT)
+VDM_ELEMENT_TYPE_ROWS(VDM_INSTANTIATE_ARRAY_SLOT)
+#undef VDM_INSTANTIATE_ARRAY_SLOT
+#undef VDM_INSTANTIATE_SLOT
+
 #define VDM_INSTANTIATE_PACKED(T)                                                     \
   template void VdmPropertySlots::putPacked<T>(OdUInt32, std::string_view, OdUInt32); \
   template T VdmPropertySlots::unpacked<T>(OdUInt32) const;
@@ -197,4 +195,3 @@ VDM_INSTANTIATE_PACKED(OdString)
 VDM_INSTANTIATE_PACKED(VdmArray<double>)
 VDM_INSTANTIATE_PACKED(VdmArray<OdLong>)
 #undef VDM_INSTANTIATE_PACKED
-#undef VDM_INSTANTIATE_SLOT

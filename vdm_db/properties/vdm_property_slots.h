@@ -15,19 +15,44 @@ template <class T>
 concept VdmPackedValue = std::is_same_v<T, OdString> || std::is_same_v<T, VdmArray<double>> ||
     std::is_same_v<T, VdmArray<OdLong>>;
 
-// A growing row of slots in one block of memory: the tags, the slots, packed bytes, so that both
-// parts of one of the first slots lie in one cache line. A slot is
+// A growing row of slots. All of it lies in one block of memory, so that the tag and the word of
+// one of the first slots share a cache line:
 //
-//   null     nothing
-//   boxed    a pointer to a VdmPropertyDataPtr: any value, and every value that somebody outside
-//            the bag holds a pointer to
-//   direct   the value itself: of a plain type, or an array, which is one pointer wide
-//   mapped   a pointer to a variable of such a type, which is the value
-//   packed   a text or an array of numbers as bytes behind the slots, which becomes direct when it
-//            is asked for: most of what a drawing holds is never looked at
+//   tags     one byte for each of m_capacity slots, filled up to whole words; m_size are in use
+//   words    eight bytes for each of m_capacity slots
+//   packed   bytes of values that nobody has asked for yet
 //
-// box() turns a direct or mapped slot into a boxed one with a value object that behaves the same.
-// An index is below size(); the typed operations need a slot of that type.
+// The tag says what the word holds:
+//
+//   state    tag                            word
+//   null     0                              0, or left over
+//   boxed    1                              pointer to a VdmPropertyDataPtr that the slot owns
+//   direct   the value's type               a plain value, or the one pointer that a text is
+//            kArray + the elements' type    the one pointer that an array is
+//            typed id + reference type      the id; the reference type is shifted by
+//                                           kReferenceShift in the tag
+//   mapped   as direct, + kMapped           pointer to the variable that is the value
+//   packed   as direct, + kPacked           lower half: where the value begins among the packed
+//                                           bytes, upper half: their number
+//
+// Always true:
+//
+//  1. m_size <= m_capacity. An index is below m_size; a typed operation needs a slot of that type.
+//  2. A value that code outside the bag holds a pointer to is in a boxed slot. box() turns a direct
+//     or mapped slot into a boxed one whose object behaves the same; no operation unboxes.
+//  3. Only texts and arrays of integers and doubles are packed. All reading but unpacked() makes
+//     them direct first, also in const operations: a bag belongs to one thread at a time. Most of
+//     what a drawing holds is never looked at, and packed bytes need no allocation of their own.
+//  4. Packed bytes are written in rising places while the slots are filled for the first time. They
+//     are not moved, so the block can grow at its end; reserve() unpacks before it leaves the
+//     block. The place of a value that was unpacked stays unused until clear() or the end of the
+//     bag.
+//  5. Texts and arrays consist of one pointer without a reference to their own address, so that
+//     slots move as memory. A value whose end runs code of others has left its slot before it ends:
+//     such code may reach back to the bag.
+//
+// Costs: access is one load of the tag and one of the word. insert() and eraseShifting() move the
+// slots after the place, eraseFilling() moves one; reserve() copies all; swap() exchanges pointers.
 class VDM_DB_EXPORT VdmPropertySlots {
  public:
   VdmPropertySlots() noexcept = default;
@@ -37,13 +62,13 @@ class VDM_DB_EXPORT VdmPropertySlots {
   ~VdmPropertySlots();
   void swap(VdmPropertySlots& other) noexcept;
 
-  OdUInt32 size() const noexcept { return m_size; }
-  OdUInt32 capacity() const noexcept { return m_capacity; }
+  [[nodiscard]] OdUInt32 size() const noexcept { return m_size; }
+  [[nodiscard]] OdUInt32 capacity() const noexcept { return m_capacity; }
   // Makes room for this many slots in all. Raises OdError(eOutOfMemory), nothing being changed.
   void reserve(OdUInt32 capacity);
-  // A null slot before the one at `slot`, for which reserve() has made room.
+  // A null slot before the one at `slot`; reserve() has made room for it.
   void insert(OdUInt32 slot) noexcept;
-  // The slots behind it move down, or the last one takes its place.
+  // Drops the value and the slot. The slots after it move down, or the last one takes its place.
   void eraseShifting(OdUInt32 slot) noexcept;
   void eraseFilling(OdUInt32 slot) noexcept;
   // Drops all values and keeps the memory.
@@ -51,15 +76,17 @@ class VDM_DB_EXPORT VdmPropertySlots {
 
   // ---- What a slot holds
 
-  bool isNull(OdUInt32 slot) const noexcept { return tag(slot) == kNull; }
-  bool isBoxed(OdUInt32 slot) const noexcept { return tag(slot) == kBoxed; }
+  [[nodiscard]] bool isNull(OdUInt32 slot) const noexcept { return tag(slot) == kNull; }
+  [[nodiscard]] bool isBoxed(OdUInt32 slot) const noexcept { return tag(slot) == kBoxed; }
   // Of a slot that is neither null nor boxed.
-  bool isMappedVariable(OdUInt32 slot) const noexcept { return (tag(slot) & kMapped) != 0; }
+  [[nodiscard]] bool isMappedVariable(OdUInt32 slot) const noexcept {
+    return (tag(slot) & kMapped) != 0;
+  }
   // Calls visit.operator()<T>() for the value's type, likewise.
   template <class Visit>
   auto visitType(OdUInt32 slot, Visit visit) const;
   template <VdmSlotValue T>
-  bool holds(OdUInt32 slot) const noexcept {
+  [[nodiscard]] bool holds(OdUInt32 slot) const noexcept {
     return (tag(slot) & (kArray | kTypeMask)) == kTagOf<T>;
   }
   // Texts and arrays by reference, valid until the slots or the variable change.
@@ -67,8 +94,8 @@ class VDM_DB_EXPORT VdmPropertySlots {
   using Value = std::conditional_t<std::is_same_v<T, OdString> || !VdmPlainType<T>, const T&, T>;
   template <VdmSlotValue T>
   Value<T> get(OdUInt32 slot) const;
-  // A slot of bytes, and the value of its bytes, which stay.
-  bool isPacked(OdUInt32 slot) const noexcept {
+  // Whether the slot is packed, and the value of its bytes while it stays packed.
+  [[nodiscard]] bool isPacked(OdUInt32 slot) const noexcept {
     return (tag(slot) & kPacked) != 0 && !holds<OdDbTypedId>(slot);
   }
   template <VdmPackedValue T>
@@ -82,12 +109,12 @@ class VDM_DB_EXPORT VdmPropertySlots {
   // Into the value that is there: the slot keeps being direct or mapped.
   template <VdmSlotValue T>
   void set(OdUInt32 slot, T value);
-  // In place of whatever was there.
+  // In place of any value that was there.
   template <VdmSlotValue T>
   void put(OdUInt32 slot, T value);
   template <VdmSlotValue T>
   void putMapped(OdUInt32 slot, T* variable);
-  // Into a null slot, behind `used` bytes that were packed since the slots were empty.
+  // Into a null slot, after the `used` bytes that were packed since the slots were empty.
   template <VdmPackedValue T>
   void putPacked(OdUInt32 slot, std::string_view bytes, OdUInt32 used);
   void putBoxed(OdUInt32 slot, const VdmPropertyDataPtr& value);

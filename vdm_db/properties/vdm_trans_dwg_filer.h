@@ -1,4 +1,4 @@
-// TransDwgFiler: field code of streams, spoken through groups of a DXF filer.
+// TransDwgFiler: code that files to streams, translated to groups of a DXF filer.
 #pragma once
 
 #include "platform/filer/dwg_filer.h"
@@ -18,11 +18,11 @@ class VDM_DB_EXPORT TransDwgFiler : public OdStaticRxObject<OdDbDwgFiler> {
  public:
   explicit TransDwgFiler(OdDbDxfFiler* filer) : m_filer(filer) {}
 
-  FilerType filerType() const override { return kFileFiler; }
-  OdInt32 dwgVersion() const override { return m_filer->dwgVersion(); }
-  OdDbDatabase* database() const override { return m_filer->database(); }
+  [[nodiscard]] FilerType filerType() const override { return kFileFiler; }
+  [[nodiscard]] OdInt32 dwgVersion() const override { return m_filer->dwgVersion(); }
+  [[nodiscard]] OdDbDatabase* database() const override { return m_filer->database(); }
   void seek(OdInt64 offset, OdDb::FilerSeekType from) override;
-  OdUInt64 tell() const override { return 0; }
+  [[nodiscard]] OdUInt64 tell() const override { return 0; }
 
 #define OD_DWG_VALUE(Name, Value, Argument) \
   Value rd##Name() override;                \

@@ -19,4 +19,5 @@ list(APPEND VDM_DB_HEADERS
 )
 list(APPEND VDM_DB_PRIVATE_HEADERS
   references/vdm_path_hash.h
+  references/vdm_subent_letters.h
 )

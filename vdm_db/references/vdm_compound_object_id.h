@@ -19,7 +19,7 @@ class OdDbDwgFiler;
 /// that is unloaded and loaded again.
 ///
 /// A plain value; copies share their arrays until one is changed, and moved-from values keep
-/// theirs. It stays as it is when objects of the path are erased: resolving tells.
+/// theirs. Erasing objects of the path does not change it; resolving it then fails.
 class VDM_DB_EXPORT VdmCompoundObjectId {
  public:
   /// What an element holds. Numbers are stored.
@@ -44,9 +44,9 @@ class VDM_DB_EXPORT VdmCompoundObjectId {
   [[nodiscard]] OdDbObjectId topId() const;
   /// Ids of the leading elements that hold one.
   [[nodiscard]] OdArray<OdDbObjectId> getPathPrefix() const;
-  /// Resolves the path. `ids` gets the leading ids and, as far as it goes, the ids of the handles
-  /// behind them; external references that are not open yet are opened. The leading ids are taken
-  /// as they are. See vdmu::makeIdArray for the results.
+  /// Resolves the path. `ids` gets the leading ids and the ids of the handles after them, up to
+  /// the first that cannot be resolved; external references that are not open yet are opened. The
+  /// leading ids are taken as they are. See vdmu::makeIdArray for the results.
   vdmu::EVdmPathRes getFullPathEx(OdArray<OdDbObjectId>& ids, bool openErased) const;
   [[nodiscard]] bool isSimpleObjectId() const { return m_elements.size() < 2; }
   [[nodiscard]] unsigned int size() const { return m_elements.size(); }
@@ -82,11 +82,3 @@ class VDM_DB_EXPORT VdmCompoundObjectId {
   OdArray<OdString> m_strings;
   OdArray<Element> m_elements;
 };
-
-namespace vdmu {
-
-/// For dumps: the leading ids as strObjectIdArray writes them, then " | " and the handle in
-/// hexadecimal for each further element.
-[[nodiscard]] VDM_DB_EXPORT OdString strCompoundObjectId(const VdmCompoundObjectId& id);
-
-}  // namespace vdmu

@@ -30,7 +30,7 @@ OdUInt64 DatabaseHandleReactor::add(OdDbDatabase* database) {
   database->addReactor(this);
   m_byDatabase[database] = handle;
   m_byHandle[handle] = database;
-  // The number may have been asked for before anybody had it.
+  // The number may have been looked up before it was given out.
   m_lastHandle = handle;
   m_lastDatabase = database;
   return handle;

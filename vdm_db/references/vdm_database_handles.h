@@ -14,15 +14,15 @@ namespace vdmu {
 
 /// Number of the id's drawing, given out at its first request and never again in this process, and
 /// the handle. Two null handles for an id without a drawing. Where an OdDbObjectId would dangle
-/// once its drawing is closed, the pair just leads to nothing.
+/// once its drawing is closed, the pair gives a null id.
 [[nodiscard]] VDM_DB_EXPORT std::pair<OdDbHandle, OdDbHandle> make_handle(OdDbObjectId id);
 
-/// The id that the pair names; null when the drawing is gone, the number was never given out, or
+/// The id that the pair names; null when the drawing is closed, the number was never given out, or
 /// the drawing has no such object.
 [[nodiscard]] VDM_DB_EXPORT OdDbObjectId objectId(const std::pair<OdDbHandle, OdDbHandle>& handle);
 
 /// The numbers of all open drawings. Attaches itself to each drawing that it gives a number and
-/// forgets it when it goes away. One instance serves the process; used from the thread that owns
+/// forgets it when it is destroyed. One instance serves the process; used from the thread that owns
 /// the drawings.
 class DatabaseHandleReactor : public OdDbDatabaseReactor {
  public:

@@ -1,4 +1,12 @@
 // The journal of a remapping run.
+//
+// Replacements form a graph: an edge leads from a replaced id to each id of its entry. What an id
+// became in the end is the set of ids that can be reached from it and have no entry of their own;
+// an id that is listed in its own entry also counts as final, since it was kept beside its
+// replacements. findReplacedWith walks the graph with a list of ids still to visit and a set of ids
+// that were entered. An id is entered once, so the walk ends even where replacements form a ring (a
+// ring that nothing leaves has no final ids), and it costs the number of edges that can be reached,
+// plus the sort by handles that makes the result the same in every run.
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"
 
 #include <algorithm>
@@ -65,7 +73,6 @@ OdDbObjectIdArray VdmDependenciesReplacementMap::getAll() const {
   return inHandleOrder(ids);
 }
 
-// An id that stands in its own entry stays; the walk enters each entry once, so that rings end.
 bool VdmDependenciesReplacementMap::findReplacedWith(const OdDbObjectId& id,
                                                      OdDbObjectIdArray* out) const {
   if (out != nullptr) out->clear();
@@ -77,6 +84,7 @@ bool VdmDependenciesReplacementMap::findReplacedWith(const OdDbObjectId& id,
   while (!waiting.empty()) {
     const OdDbObjectId replaced = waiting.back();
     waiting.pop_back();
+    // Only ids with an entry wait, so that find() cannot fail here.
     for (const OdDbObjectId& by : *find(replaced)) {
       if (by == replaced || find(by) == nullptr) {
         last.insert(by);

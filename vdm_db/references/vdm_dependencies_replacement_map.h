@@ -38,7 +38,7 @@ class VDM_DB_EXPORT VdmDependenciesReplacementMap {
   [[nodiscard]] IdSet getReplacements(const OdDbObjectId& id) const;
   /// All replaced ids.
   [[nodiscard]] OdDbObjectIdArray getAll() const;
-  /// What stands for the id in the end: replacements that are themselves replaced give theirs, each
+  /// The final replacements of the id: a replacement that is itself replaced gives its own, each
   /// once. False, with `out` empty, for an id that is not replaced; `out` may be null.
   bool findReplacedWith(const OdDbObjectId& id, OdDbObjectIdArray* out) const;
   [[nodiscard]] OdDbObjectIdArray getReplacedWith(const OdDbObjectId& id) const;
@@ -66,11 +66,11 @@ class VDM_DB_EXPORT VdmDependenciesReplacementMap {
 
   // ---- Instances and blocks
 
-  /// An instance that goes, and its block reference; the last one told counts.
+  /// An instance that is to be erased, and its block reference; the last call counts.
   void instanceToBeErased(OdDbObjectId instance, OdDbObjectId blockReference);
   /// Null when absent.
   [[nodiscard]] OdDbObjectId findBRForErasedInstance(OdDbObjectId instance) const;
-  /// A block and what it was before its drawing was loaded again; the last one told counts.
+  /// A block and what it was before its drawing was loaded again; the last call counts.
   void appendBtrReloadingPair(const OdDbObjectId& block, const OdDbObjectId& before);
   /// Null when absent.
   [[nodiscard]] OdDbObjectId findBtrBeforeReloading(const OdDbObjectId& block) const;
@@ -81,7 +81,7 @@ class VDM_DB_EXPORT VdmDependenciesReplacementMap {
   [[nodiscard]] const IdSet& entsToRegen() const { return m_entsToRegen; }
   void clearEntsToRedraw() { m_entsToRegen.clear(); }
 
-  /// Nothing was told.
+  /// Nothing was recorded.
   [[nodiscard]] bool isEmpty() const;
   void clear() { *this = VdmDependenciesReplacementMap(); }
 

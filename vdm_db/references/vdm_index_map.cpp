@@ -1,4 +1,10 @@
 // VdmIndexMap: look-up and filing.
+//
+// The map is ordered by subentity, so that equal maps are filed as equal bytes; a look-up costs the
+// logarithm of its size. Reading builds a second map and swaps it in at the end: damaged data
+// leaves the map empty and never half filled. The count of entries is compared with the bytes that
+// are left by division, so that no product can overflow, and each list's count by
+// OdDbDwgFiler::rdCount.
 #include "vdm_db/references/vdm_index_map.h"
 
 #include <string>
@@ -6,40 +12,27 @@
 
 #include "platform/base/error.h"
 #include "platform/filer/dwg_filer.h"
+#include "vdm_db/references/vdm_subent_letters.h"
 
 namespace {
 
 // Letter, index and list size in their shortest forms.
 constexpr OdUInt64 kMinEntryBytes = 3;
 
-OdUInt8 letterOf(OdDb::SubentType type) {
-  switch (type) {
-    case OdDb::kFaceSubentType:
-      return 'f';
-    case OdDb::kEdgeSubentType:
-      return 'e';
-    case OdDb::kVertexSubentType:
-      return 'v';
-    default:
-      return 'b';
-  }
+/// The letter that an index map is stored with.
+OdUInt8 storedLetter(OdDb::SubentType type) {
+  return static_cast<OdUInt8>(vdmSubentLetterOr(type, 'b'));
 }
 
-OdDb::SubentType typeOf(OdUInt8 letter) {
-  switch (letter) {
-    case 'f':
-      return OdDb::kFaceSubentType;
-    case 'e':
-      return OdDb::kEdgeSubentType;
-    case 'v':
-      return OdDb::kVertexSubentType;
-    case 'l':
-      return static_cast<OdDb::SubentType>(4);
-    case 'c':
-      return static_cast<OdDb::SubentType>(5);
-    default:
-      return OdDb::kNullSubentType;
+/// Readers know two letters that no writer puts, types 4 and 5; all other letters give the null
+/// type.
+OdDb::SubentType typeOfStoredLetter(OdUInt8 letter) {
+  for (const VdmSubentLetter& row : kVdmSubentLetters) {
+    if (letter == row.letter) return row.type;
   }
+  if (letter == 'l') return static_cast<OdDb::SubentType>(4);
+  if (letter == 'c') return static_cast<OdDb::SubentType>(5);
+  return OdDb::kNullSubentType;
 }
 
 }  // namespace
@@ -70,7 +63,7 @@ void VdmIndexMap::set(const OdDbSubentId& subent, std::vector<int> numbers) {
 void VdmIndexMap::dwgOutFields(OdDbDwgFiler* filer) const {
   filer->wrInt32(static_cast<OdInt32>(m_map.size()));
   for (const auto& [subent, numbers] : m_map) {
-    filer->wrUInt8(letterOf(subent.type()));
+    filer->wrUInt8(storedLetter(subent.type()));
     filer->wrInt32(static_cast<OdInt32>(subent.index() - 1));
     filer->wrInt32(static_cast<OdInt32>(numbers.size()));
     for (const int number : numbers) filer->wrInt32(number);
@@ -87,7 +80,7 @@ void VdmIndexMap::dwgInFields(OdDbDwgFiler* filer) {
   }
   Map map;
   for (OdInt32 i = 0; i < count; ++i) {
-    const OdDb::SubentType type = typeOf(filer->rdUInt8());
+    const OdDb::SubentType type = typeOfStoredLetter(filer->rdUInt8());
     const OdDbSubentId subent(type, OdInt64{filer->rdInt32()} + 1);
     std::vector<int> numbers(filer->rdCount());
     for (int& number : numbers) number = filer->rdInt32();

@@ -1,4 +1,14 @@
 // Lists of ids with hashed look-up.
+//
+// The array is the list; the hash set beside it only answers whether an id is listed. The set is
+// made when it is first needed, for lists of kIndexedFrom ids and more, and from then on each edit
+// changes both. So while m_isIndexed is true the set holds exactly the ids of the array. Code that
+// fills the array from outside calls replaced(), which marks the set as out of date.
+//
+// An edit is a list of rising positions with the ids at them. Taking out closes the gaps in one
+// walk from the first position on; putting in merges the kept ids and the new ones in one walk, so
+// that an edit costs the length of the list, however many ids it concerns. The two are the inverse
+// of each other with the same positions, which is why an undo record needs no more than these.
 #include "vdm_db/references/vdm_indexed_ids.h"
 
 #include <algorithm>
@@ -11,7 +21,7 @@ namespace {
 // Below this a walk is faster than a look-up table.
 constexpr OdUInt32 kIndexedFrom = 16;
 
-// Position and id by their shortest forms.
+// The shortest form of a position.
 constexpr OdUInt32 kMinPositionBytes = 1;
 
 void record(OdDbDwgFiler* undo, bool putIn, const OdArray<OdUInt32>& positions) {

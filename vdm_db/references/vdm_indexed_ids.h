@@ -9,23 +9,22 @@
 
 class OdDbDwgFiler;
 
-/// The list behind a mapped or filed array of ids. Each id stands in it once when it is changed
-/// through the operations below. The look-up table is made when it is first needed and kept until
+/// The list in a mapped or filed array of ids. It holds each id once as long as only the operations
+/// below change it. The look-up table is made when it is first needed and kept until
 /// the array is replaced.
 ///
 /// An undo record holds what an edit changes: positions, and ids where something was taken out. An
-/// owner files it behind a byte that names the list; the filer is null when nothing records.
+/// owner files it after a byte that names the list; the filer is null when nothing records.
 ///
-///   kind       bool    false: take out at the positions; true: put in so that they stand there
-///   count      int32
-///   positions  int32 each, rising
-///   ids        soft pointer each, with true
+///   kind       bool    false: take out at the positions; true: put in so that the ids get these
+///   positions count      int32 positions  int32 each, rising ids        soft pointer each, with
+///   true
 class VDM_DB_EXPORT VdmIndexedIds {
  public:
   [[nodiscard]] const OdDbObjectIdArray& ids() const { return m_ids; }
   /// For mapping and reading; followed by replaced().
   [[nodiscard]] OdDbObjectIdArray& array() { return m_ids; }
-  /// The array was filled from elsewhere: null ids go.
+  /// The array was filled from elsewhere: drops null ids.
   void replaced();
 
   /// Of the array and the look-up table, in bytes.

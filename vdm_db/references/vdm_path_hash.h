@@ -6,7 +6,7 @@
 
 #include "platform/db/subent.h"
 
-/// Goes with the paths' `==`: the ids as they are, then the subentity. Not the same from run to
+/// Agrees with the paths' `==`: over the ids as they are and the subentity. Differs from run to
 /// run.
 struct VdmPathHash {
   std::size_t operator()(const OdDbFullSubentPath& path) const noexcept {

@@ -1,11 +1,21 @@
 // Testing and resolving of subentity paths.
+//
+// A path is walked from its outermost block reference inwards. The invariant of each step: the id
+// at hand is a block reference, and the next object lies in the block that it shows, which for an
+// external reference is the model space of the external drawing. Testing compares the owner of the
+// next id with that block and loads nothing but the references; resolving looks the next handle up
+// in the drawing that the block shows and may load that drawing. Both stop at the first step that
+// fails and cost one open for each step.
 #include "vdm_db/references/vdm_path_utils.h"
+
+#include <optional>
 
 #include "platform/db/block_reference.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/db/entity.h"
 #include "platform/db/xref_man.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 #include "vdm_db/drawing_utils/vdm_xref_utils.h"
 #include "vdm_utils/vdmc_assert.h"
 
@@ -13,14 +23,13 @@ namespace {
 
 constexpr const char* kSource = "vdm_db/vdm_path_utils";
 
-// Status of the block, after an attempt to open the drawing that it stands for.
+// Status of the block, after an attempt to load the external drawing that it represents.
 OdDb::XrefStatus resolvedStatus(OdDbBlockTableRecord* block) {
   if (block->xrefStatus() != OdDb::kXrfUnresolved) return block->xrefStatus();
-  // What is loaded is no part of the drawing, so that it may change in read-only ones, too.
-  const bool isWritable = !block->database()->isReadOnly();
-  if (isWritable) block->upgradeOpen();
-  OdDbXRefMan::resolve(block);  // the status tells the result
-  if (isWritable) block->downgradeOpen();
+  // What is loaded is no part of the drawing, so that it may change in a read-only drawing, too.
+  std::optional<VdmOpenUpgrade> upgrade;
+  if (!block->database()->isReadOnly()) upgrade.emplace(block);
+  OdDbXRefMan::resolve(block);  // the status is the result
   return block->xrefStatus();
 }
 

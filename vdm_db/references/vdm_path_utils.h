@@ -83,7 +83,7 @@ VDM_DB_EXPORT bool findCommonFullSubentPath(const OdDbFullSubentPathArray& a,
 [[nodiscard]] VDM_DB_EXPORT bool isNullObjectLink(const OdDbFullSubentPath& path);
 
 /// Whether the ids lead from one block to the next down to an entity: each but the last is a block
-/// reference, and the next one stands in the block that it shows; for an external reference that is
+/// reference, and the next one lies in the block that it shows; for an external reference that is
 /// the model space of the external drawing. Erased elements count only with `allowErased`. External
 /// references are not opened for it.
 [[nodiscard]] VDM_DB_EXPORT bool isValidObjectIdPath(const OdArray<OdDbObjectId>& ids,

@@ -1,8 +1,19 @@
 // Comparing and formatting of ids and subentity paths.
+//
+// There are two orders of ids. The plain one follows the ids themselves, which differ from run to
+// run. The stable one follows handles, and databases only where handles are equal; results that are
+// shown or filed use it. Arrays compare first by their length, then by the first place that
+// differs: the order is total and costs at most one walk; arrays that share a buffer are equal at
+// once.
+//
+// Arrays of paths are compared as sets. Each is sorted by the stable order as pointers to its
+// paths, with repeated ones dropped, after which equality is one walk and a look-up one binary
+// search: n log n in all instead of the square that comparing all pairs would take.
 #include <algorithm>
 #include <vector>
 
 #include "vdm_db/references/vdm_path_utils.h"
+#include "vdm_db/references/vdm_subent_letters.h"
 
 namespace {
 
@@ -48,19 +59,6 @@ class SortedPaths {
 
   std::vector<const OdDbFullSubentPath*> m_paths;
 };
-
-char letterOf(OdDb::SubentType type) {
-  switch (type) {
-    case OdDb::kFaceSubentType:
-      return 'f';
-    case OdDb::kEdgeSubentType:
-      return 'e';
-    case OdDb::kVertexSubentType:
-      return 'v';
-    default:
-      return '0';
-  }
-}
 
 }  // namespace
 
@@ -128,7 +126,8 @@ bool findCommonFullSubentPath(const OdDbFullSubentPathArray& a, const OdDbFullSu
 
 OdString strSubentId(const OdDbSubentId& subent) {
   OdString text;
-  text.format(L"%c_%lld", letterOf(subent.type()), static_cast<long long>(subent.index()));
+  text.format(L"%c_%lld", vdmSubentLetterOr(subent.type(), '0'),
+              static_cast<long long>(subent.index()));
   return text;
 }
 

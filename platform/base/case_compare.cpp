@@ -1,4 +1,18 @@
-// Case mapping and collation by Unicode's tables.
+// Case mapping and collation by Unicode's tables, with short ways for ASCII texts.
+//
+// Nearly all names and keys of drawings are ASCII, and the library that knows Unicode works on
+// UTF-16 and UTF-8, which costs a conversion. So every operation has two ways, which must agree:
+//
+//   - Mapping: an ASCII letter differs from its other case in one bit, and full case folding of
+//     ASCII is its lower case. Other texts are converted to UTF-16, mapped and converted back; a
+//     byte that did not decode becomes a lone surrogate there, which no mapping changes.
+//   - Ordering: the second level of the root collation treats an ASCII text as the sequence of its
+//     characters' places. The table of these places is not written down: it is made at the first
+//     use by sorting the 128 characters with the collation itself, so that both ways follow the
+//     same version of Unicode.
+//
+// Mapping costs one pass and an allocation when something changes; comparing ASCII texts one pass
+// up to the deciding character without any allocation.
 #include "platform/base/case_compare.h"
 
 #include <unicode/ucol.h>
@@ -66,13 +80,13 @@ OdString mapped(const OdString& text, Mapping mapping) {
 
 // Maps the letters `first` to `first` + 25 of an ASCII text by flipping their case bit.
 OdString flipped(const OdString& text, char first) {
-  const auto goes = [first](char ch) { return ch >= first && ch <= first + 25; };
+  const auto isFlipped = [first](char ch) { return ch >= first && ch <= first + 25; };
   const std::string_view narrow = text.utf8();
-  if (std::none_of(narrow.begin(), narrow.end(), goes)) return text;
+  if (std::none_of(narrow.begin(), narrow.end(), isFlipped)) return text;
   OdString result(text);
   char* characters = OdStringEdit::writableNarrow(result);
   for (std::size_t i = 0; i < narrow.size(); ++i)
-    if (goes(characters[i])) characters[i] = static_cast<char>(characters[i] ^ 0x20);
+    if (isFlipped(characters[i])) characters[i] = static_cast<char>(characters[i] ^ 0x20);
   return result;
 }
 

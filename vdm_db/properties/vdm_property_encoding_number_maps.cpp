@@ -1,4 +1,4 @@
-// Map values with number keys.
+// Encodings of maps with number keys.
 #include "vdm_db/properties/vdm_property_encoding.h"
 
 VDM_INSTANTIATE_MAPS(OdLong)

@@ -1,4 +1,4 @@
-// Map values with text and identity keys.
+// Encodings of maps with text and identity keys.
 #include "vdm_db/properties/vdm_property_encoding.h"
 
 VDM_INSTANTIATE_MAPS(OdString)
