@@ -11,7 +11,7 @@ class OD_API OdMemoryStream : public OdStreamBuf {
   static OdSmartPtr<OdMemoryStream> createNew(OdUInt32 pageSize = 0x800);
 
   // The bytes in one piece; null when there are none. Valid until the next write.
-  virtual const OdUInt8* data() const = 0;
+  [[nodiscard]] virtual const OdUInt8* data() const = 0;
   virtual void reserve(OdUInt64 size) = 0;
 };
 using OdMemoryStreamPtr = OdSmartPtr<OdMemoryStream>;
