@@ -210,7 +210,6 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   using ModifiedObjects = std::set<OdDbObjectId, vdmu::ObjectIdLess>;
   enum UndoStep : OdUInt8 { kStateStep = 0, kRegistryStep = 1, kChildStep = 2 };
   struct ObjectNames;
-  class RegistryOfClone;
 
   static void linkUnderRoot(const OdDbObjectId& manager);
 
@@ -221,7 +220,6 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   void markFinished(const OdDbObjectId& object);
   void markArgumentsModified(const VdmConstraint& constraint);
   void undoStateStep(OdDbDwgFiler* filer);
-  void undoListStep(UndoStep step, VdmIndexedIds& list, OdDbDwgFiler* filer);
   void appendChild(const OdDbObjectId& manager);
   void removeChild(const OdDbObjectId& manager);
   bool takeOut(VdmConstraint* constraint);
@@ -239,7 +237,7 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   [[nodiscard]] OdDbObjectIdArray objectsClonedWith(OdDbIdMapping& mapping) const;
 
   // Filed, in this order.
-  mutable VdmIndexedIds m_vdmDbObjects;
+  mutable VdmIndexedIds m_vdmDbObjects;  // exchanged while a constant manager is cloned
   OdDbObjectIdArray m_reservedIds;
   VdmIndexedIds m_childManagers;
   std::map<OdULong, VdmConstraintPtr> m_constraints;

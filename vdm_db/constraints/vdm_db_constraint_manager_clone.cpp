@@ -2,22 +2,7 @@
 #include "platform/cloning/id_mapping.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 #include "vdm_db/model/vdm_db_object.h"
-
-/// Puts another list in place of the registry while a clone hook of the base reads the manager.
-class VdmDbConstraintManager::RegistryOfClone {
- public:
-  RegistryOfClone(VdmIndexedIds& registry, const OdDbObjectIdArray& ids)
-      : m_registry(registry), m_whole(registry.ids()) {
-    m_registry.array() = ids;
-  }
-  ~RegistryOfClone() { m_registry.array() = m_whole; }
-  RegistryOfClone(const RegistryOfClone&) = delete;
-  RegistryOfClone& operator=(const RegistryOfClone&) = delete;
-
- private:
-  VdmIndexedIds& m_registry;
-  OdDbObjectIdArray m_whole;
-};
+#include "vdm_db/model/vdm_exchanged_ids.h"
 
 // An entity is cloned when it is in the mapping. It also is when its whole block is cloned: the
 // extension dictionary of a block is cloned before its entities, so these are not in the mapping
@@ -48,12 +33,12 @@ OdDbObjectPtr VdmDbConstraintManager::withOwnConstraints(OdDbObjectPtr clone) {
 
 OdDbObjectPtr VdmDbConstraintManager::subDeepClone(OdDbIdMapping& mapping, OdDbObject* owner,
                                                    bool isPrimary) const {
-  const RegistryOfClone filtered(m_vdmDbObjects, objectsClonedWith(mapping));
+  const VdmExchangedIds filtered(m_vdmDbObjects, objectsClonedWith(mapping));
   return withOwnConstraints(OdDbObject::subDeepClone(mapping, owner, isPrimary));
 }
 
 OdDbObjectPtr VdmDbConstraintManager::subWblockClone(OdDbIdMapping& mapping, OdDbObject* owner,
                                                      bool isPrimary) const {
-  const RegistryOfClone filtered(m_vdmDbObjects, objectsClonedWith(mapping));
+  const VdmExchangedIds filtered(m_vdmDbObjects, objectsClonedWith(mapping));
   return withOwnConstraints(OdDbObject::subWblockClone(mapping, owner, isPrimary));
 }

@@ -1,4 +1,4 @@
-// VdmOpenUpgrade: write access to an object that is open in some other way, for a scope.
+// VdmOpenUpgrade: write access to an open object for a scope.
 #pragma once
 
 #include "platform/db/open_upgrade.h"

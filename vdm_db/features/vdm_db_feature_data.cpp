@@ -186,7 +186,7 @@ OdDbObjectPtr VdmDbFeatureData::subDeepClone(OdDbIdMapping& mapping, OdDbObject*
                                              bool isPrimary) const {
   OdDbObjectPtr clone = OdDbObject::subDeepClone(mapping, owner, isPrimary);
   if (clone.isNull() || adapter() == nullptr) return clone;
-  auto* self = const_cast<VdmDbFeatureData*>(this);
+  auto* self = const_cast<VdmDbFeatureData*>(this);  // hooks take the source as a plain pointer
   adapter()->VdmFeature::onDeepClone(mapping, self, clone, isPrimary);
   const VdmUpdateFeatureInterfacePtr active = VdmUpdateFeatureInterface::activeOf(adapter());
   if (active.isNull()) {

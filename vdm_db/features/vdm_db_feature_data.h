@@ -73,8 +73,6 @@ class VDM_DB_EXPORT VdmDbFeatureData : public OdDbObject {
   OdResult subErase(bool erasing) override;
 
  private:
-  friend class VdmDbFeatureManager;
-
   void invalidateNamesOfManager() const;
   void refileManager() const;
   OdResult eraseOwnObjects();

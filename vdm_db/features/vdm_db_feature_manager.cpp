@@ -236,13 +236,6 @@ OdResult VdmDbFeatureManager::deleteSheetMetalContext() {
   return result;
 }
 
-OdDbObjectId VdmDbFeatureManager::colorPolicy() const { return implForRead().colorPolicy; }
-
-void VdmDbFeatureManager::setColorPolicy(const OdDbObjectId& policy) {
-  assertWriteEnabled();
-  m_impl->colorPolicy = policy;
-}
-
 // ---- Filing: the base's part, then the bag
 
 OdResult VdmDbFeatureManager::dwgInFields(OdDbDwgFiler* filer) {

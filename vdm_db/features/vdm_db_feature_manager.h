@@ -103,8 +103,6 @@ class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject, public VdmFeatureRe
   void setSheetMetalContext(const OdDbObjectId& context);
   /// Erases it; 20 when there is none.
   OdResult deleteSheetMetalContext();
-  [[nodiscard]] OdDbObjectId colorPolicy() const;
-  void setColorPolicy(const OdDbObjectId& policy);
 
   // ---- Upkeep
 

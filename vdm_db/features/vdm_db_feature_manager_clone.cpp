@@ -28,6 +28,7 @@
 #include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/model/vdm_db_object.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_exchanged_ids.h"
 
 namespace {
 
@@ -71,7 +72,7 @@ OdDbObjectIdArray VdmDbFeatureManager::featuresToClone(const OdDbIdMapping& mapp
   const auto isTaken = [&](const VdmFeature& feature) {
     if (feature.mustBeCloned(mapping)) return true;
     if (!feature.canBeCloned(mapping)) return false;
-    if (dependsOnMapped(feature.getDependencies(-1, /*filtered=*/false),
+    if (dependsOnMapped(feature.getAllDependencies(/*filtered=*/false),
                         feature.getDependentVariables(), isMapped)) {
       return true;
     }
@@ -91,26 +92,7 @@ OdDbObjectIdArray VdmDbFeatureManager::featuresToClone(const OdDbIdMapping& mapp
 template <class Clone>
 OdDbObjectPtr VdmDbFeatureManager::cloneWithFeatures(const OdDbIdMapping& mapping,
                                                      const Clone& clone) const {
-  class Exchange {
-   public:
-    Exchange(VdmIndexedIds& features, const OdDbObjectIdArray& taken)
-        : m_features(features), m_all(features.ids()) {
-      m_features.array() = taken;
-      m_features.replaced();
-    }
-    ~Exchange() {
-      m_features.array() = m_all;
-      m_features.replaced();
-    }
-    Exchange(const Exchange&) = delete;
-    Exchange& operator=(const Exchange&) = delete;
-
-   private:
-    VdmIndexedIds& m_features;
-    const OdDbObjectIdArray m_all;
-  };
-  const OdDbObjectIdArray taken = featuresToClone(mapping);
-  const Exchange exchange(m_impl->features, taken);
+  const VdmExchangedIds filtered(m_impl->features, featuresToClone(mapping));
   return clone();
 }
 
@@ -201,7 +183,7 @@ void VdmDbFeatureManager::adoptFeatures(const VdmDbFeatureManager& source,
                                         bool keepAll) {
   for (VdmDbIterator<VdmFeature> it = source.newFeatureIterator(); !it.done(); it.next()) {
     const VdmFeaturePtr feature = it.object(OdDb::kForWrite);
-    const bool belongs = belongsToClones(*feature, feature->getDependencies(-1, /*filtered=*/false),
+    const bool belongs = belongsToClones(*feature, feature->getAllDependencies(/*filtered=*/false),
                                          reverse, mergedObjects);
     if (!belongs && !keepAll) continue;
     feature->getDbObject()->setOwnerId(objectId());

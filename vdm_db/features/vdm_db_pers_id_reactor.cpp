@@ -101,6 +101,7 @@ void VdmDbPersIdReactor::erased(const OdDbObject* object, bool erasing) {
   VdmIndexedIds& held = stateForWrite().persIds;
   held.takeOut(held.positionsOf(OdDbObjectIdArray{object->objectId()}), nullptr);
   if (object->hasPersistentReactor(objectId())) {
+    // The dependency is open for read, and events pass it as a constant.
     const VdmOpenUpgrade dependencyUpgrade(object);
     const_cast<OdDbObject*>(object)->removePersistentReactor(objectId());
   }

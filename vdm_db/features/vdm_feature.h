@@ -202,8 +202,6 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
   friend class VdmDbFeatureManager;
   friend class VdmDbFeatureManagerTransaction;
   friend class VdmFeatureUpdateData;
-  friend class VdmFeatureUpdateDriver;
-  friend class VdmUpdateFeatureInterface;
 
   /// Raises OdError(eNotOpenForRead) unless there is a carrier that is open for read.
   void assertReadable() const;

@@ -36,7 +36,6 @@ class VDM_DB_EXPORT VdmNamingService {
   [[nodiscard]] bool checkNameCollision(const OdString& name);
   /// Whether the record is too high once the name is not used any more.
   [[nodiscard]] bool checkInvalidateCacheNeed(const OdString& name) const;
-  [[nodiscard]] bool isCacheValid() const { return m_cacheBuilt; }
   /// The record is built again when it is next needed.
   void invalidateCache();
 

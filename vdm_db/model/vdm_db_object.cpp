@@ -185,6 +185,7 @@ void VdmDbObject::erased(const OdDbObject* object, bool erasing) {
   if (object->objectId() != m_impl->attachedEntity) return;
   VDM_ASSERT_AT(!isUndoing(), "vdm_db/vdm_db_object", 76);
   if (const VdmDbObjectPEPtr host = VdmDbObjectPE::cast(this); !host.isNull()) {
+    // Events pass the entity as a constant; hosts may upgrade it.
     host->entityChanged(const_cast<OdDbObject*>(object), objectId());
   }
   const VdmOpenUpgrade upgrade(this);

@@ -59,6 +59,9 @@ TEST_F(VdmGroupFeatureTest, SuppressionMovesEntitiesAndBringsThemBack) {
   EXPECT_FALSE(feature<VdmSuppressFeature>(id)->isSuppressed());
   EXPECT_EQ(layerOf(m_carrier), L"Parts");
   EXPECT_EQ(layerOf(m_other), L"0");
+  std::map<OdDbTypedId, OdDbTypedId> kept;
+  ASSERT_TRUE(open<VdmDbFeatureData>(id)->getReadProperties().getProperty(L"aEntLayerKey", kept));
+  EXPECT_TRUE(kept.empty()) << "layers are kept while they are needed";
 }
 
 }  // namespace

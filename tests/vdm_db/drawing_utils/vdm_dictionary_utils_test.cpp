@@ -42,4 +42,30 @@ TEST_F(VdmDictionaryUtilsTest, RefusedClassesMakeNothing) {
   EXPECT_FALSE(root()->has(L"VDM_DATABASE"));
 }
 
+TEST_F(VdmDictionaryUtilsTest, DictionariesByName) {
+  EXPECT_TRUE(vdmu::getDict(m_drawing, L"D", m_owner).isNull());
+  const OdDbObjectId made = vdmu::createDict(m_drawing, L"D", m_owner);
+  EXPECT_EQ(vdmu::createDict(m_drawing, L"D", m_owner), made);
+  EXPECT_EQ(vdmu::getDict(m_drawing, L"D", m_owner), made);
+  EXPECT_TRUE(vdmu::getDict(m_drawing, L"D", OdDbObjectId::kNull).isNull());
+  const OdDbObjectId entry = edit<OdDbDictionary>(made)->setAt(L"E", OdDbXrecord::createObject());
+  const OdDbObjectId anew = vdmu::createNewDict(m_drawing, L"D", m_owner);
+  EXPECT_NE(anew, made);
+  EXPECT_TRUE(made.isErased() && entry.isErased());
+  EXPECT_EQ(open<OdDbDictionary>(anew)->numEntries(), 0u);
+  vdmu::deleteDict(m_drawing, L"D", m_owner);
+  EXPECT_TRUE(anew.isErased());
+  EXPECT_TRUE(extension(m_owner).isNull()) << "it held nothing else";
+}
+
+TEST_F(VdmDictionaryUtilsTest, SwappedEntries) {
+  const OdDbObjectId a = vdmu::createDict(m_drawing, L"A", OdDbObjectId::kNull);
+  const OdDbObjectId b = vdmu::createDict(m_drawing, L"B", OdDbObjectId::kNull);
+  vdmu::swapDictionaries(root(), L"A", L"B", L"FREE");
+  EXPECT_EQ(root()->getAt(L"A"), b);
+  EXPECT_EQ(root()->getAt(L"B"), a);
+  EXPECT_FALSE(root()->has(L"FREE"));
+  EXPECT_TRUE(m_assertions.empty());
+}
+
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <numbers>
 
+#include "platform/db/layer_table.h"
 #include "tests/support/reference_testing.h"
 
 namespace {
@@ -27,6 +28,20 @@ TEST_F(VdmDisplayUtilsTest, PaperPointsGoToTheWorldPointsThatAreSeen) {
   viewport->setTwistAngle(std::numbers::pi / 2);
   ASSERT_TRUE(vdmu::getPaperDcsToWcsMatrix(viewport, matrix));
   EXPECT_TRUE((matrix * OdGeVector3d(1, 0, 0)).isEqualTo(OdGeVector3d(0, 0, -10)));
+}
+
+TEST_F(VdmDisplayUtilsTest, LayerOfSubtractedSolids) {
+  const OdDbObjectId id = vdmu::getVCSubtractLayer(m_drawing);
+  {
+    const auto layer = edit<OdDbLayerTableRecord>(id);
+    EXPECT_EQ(layer->getName(), L"VC_SUBTRACT");
+    EXPECT_TRUE(layer->isFrozen() && layer->isHidden());
+    EXPECT_EQ(layer->color(), OdCmColor::fromRGB(255, 0, 0));
+    layer->setIsFrozen(false);
+  }
+  EXPECT_EQ(vdmu::getVCSubtractLayer(m_drawing), id);
+  EXPECT_FALSE(open<OdDbLayerTableRecord>(id)->isFrozen()) << "it stays as it is";
+  EXPECT_TRUE(vdmu::getVCSubtractLayer(nullptr).isNull());
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // Tests of feature managers: the list, walks, passes, audit, clone and merge.
+#include "platform/filer/id_filer.h"
 #include "tests/support/dump_drawing.h"
 #include "tests/vdm_db/features/feature_testing.h"
 #include "vdm_db/drawing_utils/vdm_block_utils.h"
@@ -49,6 +50,37 @@ class VdmDbFeatureManagerTest : public RegisteredClass<SheetContext>, public Fea
     return id;
   }
 };
+
+TEST_F(VdmDbFeatureManagerTest, OwnsCarriersThatOwnReactorsThatPointAtDependencies) {
+  const OdDbObjectId id = addHole();
+  refer(id, {{1, -1, {1}}});
+  const OdDbObjectId reactor = hole(id)->reactors()[0];
+  const OdDbObjectId dependency = open<VdmDbPersIdReactor>(reactor)->persIds()[0];
+  const auto typeOf = [](OdDbObjectId object, OdDbObjectId referred) {
+    OdDbIdFiler filer;
+    open<OdDbObject>(object)->dwgOutFields(&filer);
+    for (const OdDbFiledId& filed : filer.ids()) {
+      if (filed.id == referred) return static_cast<int>(filed.type);
+    }
+    return -1;
+  };
+  EXPECT_EQ(typeOf(m_features, id), OdDb::kHardOwnershipRef);
+  EXPECT_EQ(typeOf(id, reactor), OdDb::kHardOwnershipRef);
+  EXPECT_EQ(typeOf(reactor, dependency), OdDb::kSoftPointerRef);
+  EXPECT_EQ(typeOf(m_manager, dependency), OdDb::kHardOwnershipRef);
+}
+
+TEST_F(VdmDbFeatureManagerTest, StatusOfAllButThoseThatOnlyNotify) {
+  const OdDbObjectId notifies = addHole(L"A");
+  const OdDbObjectId both = addHole(L"B");
+  hole(notifies, OdDb::kForWrite)->setStatus(VdmFeature::StatusNotifyEntities);
+  hole(both, OdDb::kForWrite)
+      ->setStatus(static_cast<VdmFeature::Status>(VdmFeature::StatusNotifyEntities |
+                                                  VdmFeature::StatusInitialized));
+  EXPECT_EQ(manager()->updateFeaturesStatus(VdmFeature::StatusInitialized), eOk);
+  EXPECT_EQ(hole(notifies)->getStatus(), VdmFeature::StatusNotifyEntities);
+  EXPECT_EQ(hole(both)->getStatus(), VdmFeature::StatusInitialized);
+}
 
 TEST_F(VdmDbFeatureManagerTest, MakesAndFindsFeatures) {
   EXPECT_EQ(VdmDbFeatureManager::getInstance(m_modelSpace, false), m_features);

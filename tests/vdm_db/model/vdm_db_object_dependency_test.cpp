@@ -1,10 +1,17 @@
 // Tests of dependencies: links, undo steps, forms of the record.
 #include "vdm_db/model/vdm_db_object_dependency.h"
 
+#include "platform/filer/id_filer.h"
 #include "tests/support/model_testing.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
 namespace {
+
+/// The ids that are filed to a drawing file.
+class FileIds : public OdDbIdFiler {
+ public:
+  [[nodiscard]] FilerType filerType() const override { return kFileFiler; }
+};
 
 class VdmDbObjectDependencyTest : public ModelTest {
  protected:
@@ -158,6 +165,27 @@ TEST_F(VdmDbObjectDependencyTest, APathThroughAnUnreferencedDrawingKeepsItsBegin
             vdmu::ePathXrefUnreferenced);
   EXPECT_EQ(present.objectIds(), OdDbObjectIdArray{erased});
   EXPECT_EQ(vdmu::strFSPFromDependency(m_carrier, false), L"invalid path");
+}
+
+TEST_F(VdmDbObjectDependencyTest, FilesKeepTheEntityAliveAndOtherFilersDoNot) {
+  FileIds inFile;
+  OdDbIdFiler elsewhere;
+  m_dependency->dwgOutFields(&inFile);
+  m_dependency->dwgOutFields(&elsewhere);
+  ASSERT_EQ(inFile.ids().size(), 1u);
+  ASSERT_EQ(elsewhere.ids().size(), 1u);
+  EXPECT_EQ(inFile.ids()[0].type, OdDb::kHardPointerRef);
+  EXPECT_EQ(elsewhere.ids()[0].type, OdDb::kSoftPointerRef);
+}
+
+TEST_F(VdmDbObjectDependencyTest, AnErasedReactorWatchesNothing) {
+  const OdDbObjectId id = addDependency(face(m_carrier, 1));
+  const OdDbObjectId watcher = addLine(m_modelSpace);
+  edit<VdmDbObjectDependency>(id)->addPersistentReactor(watcher);
+  EXPECT_TRUE(open<VdmDbObjectDependency>(id)->isWatched());
+  edit<OdDbLine>(watcher)->erase();
+  EXPECT_TRUE(open<VdmDbObjectDependency>(id)->hasPersistentReactor(watcher));
+  EXPECT_FALSE(open<VdmDbObjectDependency>(id)->isWatched());
 }
 
 }  // namespace

@@ -200,4 +200,14 @@ TEST_F(VdmDbObjectTest, ReadsEveryVersionOfItsRecord) {
   }
 }
 
+TEST_F(VdmDbObjectTest, OnlyAWatchedOneNotifiesItsManager) {
+  solved();
+  object()->notifyAboutModifications(/*modified=*/true);
+  EXPECT_EQ(status(), VdmDbConstraintManager::kUpToDate);
+  object()->append(face(m_carrier, 1));
+  solved();
+  object()->notifyAboutModifications(/*modified=*/true);
+  EXPECT_EQ(status(), VdmDbConstraintManager::kPartlyModified);
+}
+
 }  // namespace

@@ -210,4 +210,11 @@ TEST_F(VdmDbPersIdManagerTest, MergingMovesWhatIsWantedAndErasesTheSource) {
   EXPECT_EQ(modelObject(part)->persIdDependencies(), OdDbObjectIdArray{ids[0]});
 }
 
+TEST_F(VdmDbPersIdManagerTest, OneAmongItsOwnReplacementsStays) {
+  m_map.append(m_ids[0], {m_ids[0], m_ids[1]});
+  m_map.append(m_ids[2], {m_ids[1]});
+  manager()->finishRemap(m_map);
+  EXPECT_EQ(listed(), OdDbObjectIdArray({m_ids[0], m_ids[1]}));
+}
+
 }  // namespace
