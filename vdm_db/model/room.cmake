@@ -31,5 +31,6 @@ list(APPEND VDM_DB_PRIVATE_HEADERS
   model/vdm_db_object_impl.h
   model/vdm_db_pers_id_manager_impl.h
   model/vdm_dependency_paths.h
+  model/vdm_merge_context.h
   model/vdm_object_names.h
 )
