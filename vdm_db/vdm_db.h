@@ -41,6 +41,7 @@
 #include "vdm_db/features/vdm_matching_faces.h"
 #include "vdm_db/features/vdm_naming_service.h"
 #include "vdm_db/features/vdm_sheet_metal_source.h"
+#include "vdm_db/features/vdm_simple_feature_interface.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/model/vdm_db_feature_reactor.h"
 #include "vdm_db/model/vdm_db_object.h"

@@ -29,7 +29,7 @@ class VdmDbInsertReactor : public VdmDbFeatureReactor {
   [[nodiscard]] bool hasChanges() const override;
   /// Open for write, or open for notification.
   void setChanged(bool changed);
-  /// An insert that is gone is a change that the next pass deals with, not damage.
+  /// An erased insert is a change that the next pass deals with, not damage.
   bool doAudit() override;
 
   void modified(const OdDbObject* object) override;
@@ -41,13 +41,13 @@ class VdmDbInsertReactor : public VdmDbFeatureReactor {
 using VdmDbInsertReactorPtr = OdSmartPtr<VdmDbInsertReactor>;
 
 /// One insert of a component block at a solid. References: mask 1 tag 1 is the base face on which
-/// it stands (none for an insert that stands free), mask 2 are the faces that the tools left in the
+/// it was placed (none for an insert without one), mask 2 are the faces that the tools left in the
 /// solid, with the number of the tool's face as tag, counted over all its solids.
 ///
 /// Carrier's properties of its own:
 ///
 ///   Solid, Insert        ids, soft pointers
-///   CutPiece, FillPiece  ids of solids that stand in no block: the residues, hard ownership; null
+///   CutPiece, FillPiece  ids of solids in no block: the residues, hard ownership; null
 ///                        for none
 ///   Placed               doubles: placement for which the solid was last cut (16, row by row),
 ///                        boxes of the cut and fill tools (6 + 6), plane of the base face (point,
@@ -63,8 +63,6 @@ class VdmComponentFeature : public VdmFeature {
   static constexpr int kBaseFaceMask = 1;
   static constexpr int kBaseFaceTag = 1;
   static constexpr int kOpeningMask = 2;
-  /// Inserts on the layer of this name are suppressed.
-  static constexpr const wchar_t* kSuppressLayer = L"*SUPPRESS";
 
   /// Placement and boxes as the tools were last applied, and the base face's plane then.
   struct Placed {
@@ -83,17 +81,17 @@ class VdmComponentFeature : public VdmFeature {
   [[nodiscard]] bool placed(Placed& placed) const;
   /// Null when there is none.
   [[nodiscard]] OdModelerBodyPtr piece(vdm_host::ToolKind kind) const;
-  /// A residue that was stored is not there any more.
+  /// A residue that was stored does not open any more.
   [[nodiscard]] bool hasLostPiece() const;
   [[nodiscard]] OdDbObjectId layerBeforeSuppression() const { return m_layerId; }
-  /// The insert's reactor; null when it is gone.
+  /// The insert's reactor; null when it was erased.
   [[nodiscard]] OdDbObjectId insertReactorId() const;
   /// The insert's reactor and the residues.
   [[nodiscard]] OdDbObjectIdArray ownObjectIds() const;
   [[nodiscard]] OdDbObjectIdArray baseFaceDependencies() const;
   /// By the number of the tool's face.
   [[nodiscard]] std::map<int, OdDbObjectIdArray> openingDependencies() const;
-  /// Name of the insert's block; empty when it is gone.
+  /// Name of the insert's block; empty when that does not open.
   [[nodiscard]] OdString componentName() const;
 
   // Writing; the carrier is open for write.
@@ -104,7 +102,7 @@ class VdmComponentFeature : public VdmFeature {
   void forgetApplied();
   void setPiece(vdm_host::ToolKind kind, const OdModelerBodyPtr& body);
   void setPlaced(const Placed& placed);
-  /// Lets references to an opening's face go that stand for somebody else's.
+  /// Drops references to an opening's face that stand for the face of another opening.
   void dropOpening(int toolFace, const OdDbObjectIdArray& dependencies);
   void setLayerBeforeSuppression(const OdDbObjectId& layer) { m_layerId = layer; }
 

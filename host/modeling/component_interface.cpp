@@ -13,7 +13,6 @@
 
 OD_RX_DEFINE(VdmComponentInterface, VdmUpdateFeatureInterface, L"VdmComponentInterface")
 
-using vdm_host::ComponentPlan;
 using vdm_host::ToolKind;
 using vdm_host::UpdateHelper;
 
@@ -82,8 +81,8 @@ bool VdmComponentInterface::removeSubents(VdmFeatureSubentsToRemove& record,
   return changed;
 }
 
-bool VdmComponentInterface::initAfterUpdate(VdmFeatureUpdateData& /*data*/) {
-  const UpdateHelper* helper = UpdateHelper::current();
+bool VdmComponentInterface::initAfterUpdate(VdmFeatureUpdateData& data) {
+  const auto* helper = dynamic_cast<const UpdateHelper*>(data.helper());
   return helper != nullptr && helper->worked(objectId());
 }
 
@@ -128,7 +127,7 @@ void VdmComponentInterface::onDeepClone(OdDbIdMapping& mapping, OdDbObject* sour
   feature()->onDeepClone(mapping, source, clone, flag);
 }
 
-// The references stand in the managers of persistent ids, which clone their own.
+// The references lie in the managers of persistent ids, which clone their own.
 void VdmComponentInterface::onWblockClone(OdDbIdMapping& /*mapping*/, OdDbObject* /*source*/,
                                           OdDbObject* /*clone*/, bool /*flag*/) const {}
 

@@ -4,8 +4,8 @@
 #include "host/modeling/component_feature.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 
-/// The update interface of VdmComponentFeature. What is to be done is decided and done by the
-/// pass's helper (update_helper.h); this tells the pass where the component sits.
+/// The update interface of VdmComponentFeature: says where the component sits. What is to be done
+/// is decided and done by the class's handler (component_handler.h).
 class VdmComponentInterface : public VdmUpdateFeatureInterface {
  public:
   OD_RX_DECLARE_MEMBERS(VdmComponentInterface)
@@ -22,7 +22,7 @@ class VdmComponentInterface : public VdmUpdateFeatureInterface {
   [[nodiscard]] VdmSolidOccurrences subtractSolids(const OdDbObjectId& block,
                                                    bool forWrite) override;
   [[nodiscard]] VdmSolidOccurrences uniteSolids(const OdDbObjectId& block, bool forWrite) override;
-  /// A component may stand free.
+  /// A component may have no base face.
   [[nodiscard]] bool needsBaseFaces() const override { return false; }
 
   /// None is: a component whose references are lost stays where its insert is.

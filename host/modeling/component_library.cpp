@@ -15,6 +15,7 @@
 #include "platform/db/layer_table.h"
 #include "platform/db/units.h"
 #include "platform/modeler/db_3d_solid.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/properties/vdm_properties.h"
 
@@ -22,7 +23,6 @@ namespace vdm_host {
 namespace {
 
 using Bodies = std::vector<OdModelerBodyPtr>;
-constexpr const wchar_t* kLayers[] = {L"VC_SUBTRACT", L"VC_UNITE"};
 constexpr const wchar_t* kKindKey = L"ComponentKind";
 
 /// How far cutting tools stand out of the face, as a part of their diameter: enough for curved
@@ -58,7 +58,7 @@ double throughDepth(OdDbDatabase* database, double diameter) {
 }
 
 OdDbObjectId layerOf(OdDbDatabase* database, ComponentRole role) {
-  const OdString name(kLayers[static_cast<std::size_t>(role)]);
+  const OdString& name = role == ComponentRole::kSubtract ? kVdmSubtractLayer : kVdmUniteLayer;
   OdDbLayerTablePtr table = database->getLayerTableId().safeOpenAs<OdDbLayerTable>(OdDb::kForWrite);
   const OdDbObjectId known = table->getAt(name);
   if (!known.isNull()) return known;

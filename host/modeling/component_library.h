@@ -14,7 +14,7 @@ namespace vdm_host {
 enum class ComponentRole { kSubtract, kUnite };
 
 /// Dimensions in drawing units. The z axis of a component points out of the material at its origin;
-/// cutting tools begin a little above it and go down. A missing depth goes through everything
+/// cutting tools begin a little above it and reach down. A missing depth means through everything
 /// below.
 struct HoleSpec {
   double diameter = 0.0;

@@ -1,9 +1,11 @@
 // Finding components and managers in a drawing.
 #include "host/modeling/component_query.h"
 
+#include "host/naming/reference_record.h"
 #include "platform/db/block_table.h"
 #include "platform/db/block_table_record.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/model/vdm_db_pers_id_manager.h"
 
 namespace vdm_host {
@@ -39,6 +41,23 @@ OdDbObjectId componentOf(const OdDbObjectId& insertOrFeature) {
     if (id.objectClass() == VdmDbInsertReactor::desc() && !id.isErased()) return id.ownerId();
   }
   return {};
+}
+
+OdUInt32 resolvedIndexOf(const OdDbObjectId& reference) {
+  const VdmDbObjectDependencyPtr dependency = reference.openAs<VdmDbObjectDependency>();
+  if (dependency.isNull() || isUnresolvedIndex(dependency->subentId().index())) return 0;
+  return static_cast<OdUInt32>(dependency->subentId().index());
+}
+
+std::vector<std::pair<int, OdUInt32>> openingFacesOf(const VdmComponentFeature& component) {
+  std::vector<std::pair<int, OdUInt32>> faces;
+  for (const auto& [toolFace, references] : component.openingDependencies()) {
+    for (const OdDbObjectId& id : references) {
+      const OdUInt32 face = resolvedIndexOf(id);
+      if (face != 0) faces.emplace_back(toolFace, face);
+    }
+  }
+  return faces;
 }
 
 void dropUnwatchedReferences(const OdDbObjectId& block) {

@@ -1,6 +1,9 @@
 // Finding components and managers in a drawing.
 #pragma once
 
+#include <utility>
+#include <vector>
+
 #include "host/modeling/component_feature.h"
 #include "platform/db/database.h"
 
@@ -12,7 +15,13 @@ namespace vdm_host {
 [[nodiscard]] OdDbObjectIdArray componentsOfSolid(const OdDbObjectId& solid);
 /// The component of an insert, or the id itself when it is one; null when there is none.
 [[nodiscard]] OdDbObjectId componentOf(const OdDbObjectId& insertOrFeature);
-/// Takes the references out of the block that nobody watches any more.
+/// Number of the subentity that a reference stands for; 0 when it is unresolved or does not open.
+[[nodiscard]] OdUInt32 resolvedIndexOf(const OdDbObjectId& reference);
+/// Faces that references to the component's opening stand for at present, each with the number of
+/// the tool's face.
+[[nodiscard]] std::vector<std::pair<int, OdUInt32>> openingFacesOf(
+    const VdmComponentFeature& component);
+/// Takes the references out of the block that have no watcher left.
 void dropUnwatchedReferences(const OdDbObjectId& block);
 
 }  // namespace vdm_host

@@ -1,4 +1,10 @@
 // ComponentTools: the tools of component blocks, read once in a pass.
+//
+// A component is done anew when its tools are not those that were applied. To see that without
+// keeping the old bodies, the bodies' fingerprints are folded into one stamp of 64 bits, in the
+// order of the block, cuts before fills, with the number of cuts in between: the same body in
+// another place or in the other role gives another stamp. Two different sets of tools have the same
+// stamp with a probability of about 2^-64.
 #include "host/modeling/component_tools.h"
 
 #include "platform/base/error.h"

@@ -1,4 +1,10 @@
 // Inserting a component at a solid.
+//
+// The place of a component is a point, a direction out of the material and a base face. A caller
+// gives the point and any of the other two. The face is the one that was named or the one in which
+// the point lies; the direction is the one that was given or the outward normal of the face there.
+// Planes, cylinders and spheres have a normal that follows from their axis or centre; for other
+// surfaces a direction is required. Without a face the component has no base face to follow.
 #include "host/modeling/insertion.h"
 
 #include <cmath>
@@ -32,42 +38,38 @@ OdGeMatrix3d frameAt(const OdGePoint3d& point, const OdGeVector3d& direction, do
   return frame * OdGeMatrix3d::rotation(rotation, OdGeVector3d::kZAxis);
 }
 
-// The face on which the component stands, if there is one, and its normal.
-OdStatus findBase(const OdModelerBody& body, const ComponentPlacement& placement, OdUInt32& face,
-                  OdGeVector3d& direction) {
-  if (placement.face) {
-    face = static_cast<OdUInt32>(placement.face->index());
-    const bool isFace = placement.face->type() == OdDb::kFaceSubentType &&
-                        body.hasSubent({OdModelerSubentType::kFace, face});
-    if (!isFace) {
-      OdString text;
-      text.format(L"the solid has no face %u: it has %u", face, body.numFaces());
-      return refuse(text);
-    }
-  } else {
+// The face that was named or in which the point lies; 0 for a point in no face that has a
+// direction.
+OdStatus findFace(const OdModelerBody& body, const ComponentPlacement& placement, OdUInt32& face) {
+  if (!placement.face) {
     OdModelerSubent found;
     const double tolerance = kOnFace * body.extents().diagonal().length();
     OdStatus status =
         findSubentNear(body, placement.point, OdModelerSubentType::kFace, tolerance, found);
-    if (status.ok())
-      face = found.index;
-    else if (!placement.direction)
-      return status;
+    if (status.ok()) face = found.index;
+    return status.ok() || placement.direction ? OdStatus() : status;
   }
-  if (placement.direction) {
-    direction = *placement.direction;
+  face = static_cast<OdUInt32>(placement.face->index());
+  const bool isFace = placement.face->type() == OdDb::kFaceSubentType &&
+                      body.hasSubent({OdModelerSubentType::kFace, face});
+  if (isFace) return {};
+  OdString text;
+  text.format(L"the solid has no face %u: it has %u", face, body.numFaces());
+  return refuse(text);
+}
+
+// Out of the material at the point, of any length.
+OdStatus outwardNormal(const OdModelerFace& face, const OdGePoint3d& point,
+                       OdGeVector3d& direction) {
+  if (face.kind == OdModelerSurfaceKind::kPlane) {
+    direction = face.axis;
     return {};
   }
-  const OdModelerFace& base = body.face(face);
-  if (base.kind == OdModelerSurfaceKind::kPlane) {
-    direction = base.axis;
-    return {};
-  }
-  if (base.kind == OdModelerSurfaceKind::kCylinder || base.kind == OdModelerSurfaceKind::kSphere) {
-    OdGeVector3d out = placement.point - base.origin;
-    if (base.kind == OdModelerSurfaceKind::kCylinder) out -= base.axis * out.dotProduct(base.axis);
+  if (face.kind == OdModelerSurfaceKind::kCylinder || face.kind == OdModelerSurfaceKind::kSphere) {
+    OdGeVector3d out = point - face.origin;
+    if (face.kind == OdModelerSurfaceKind::kCylinder) out -= face.axis * out.dotProduct(face.axis);
     if (!out.isZeroLength()) {
-      direction = base.inward ? -out : out;
+      direction = face.inward ? -out : out;
       return {};
     }
   }
@@ -93,7 +95,11 @@ OdStatus makeInsertion(OdDbDatabase* database, const OdDbObjectId& block,
 
   OdUInt32 face = 0;
   OdGeVector3d direction;
-  OdStatus status = findBase(*body, placement, face, direction);
+  OdStatus status = findFace(*body, placement, face);
+  if (status.ok() && placement.direction)
+    direction = *placement.direction;
+  else if (status.ok())
+    status = outwardNormal(body->face(face), placement.point, direction);
   if (!status.ok()) return status;
 
   OdDbBlockReferencePtr reference = OdDbBlockReference::createObject();

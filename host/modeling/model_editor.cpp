@@ -10,6 +10,7 @@
 #include "platform/base/error.h"
 #include "platform/db/layer_table.h"
 #include "platform/entities/block_reference.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 
 namespace vdm_host {
@@ -43,7 +44,7 @@ OdStatus resolveEdges(std::span<const OdDbObjectId> references, OdDbObjectId& so
   return edges.empty() ? refuse(OdString(L"there is no edge")) : OdStatus();
 }
 
-// Takes the layer from the table, or makes it: on, so that what stands there can be picked.
+// Takes the layer from the table, or makes it: on, so that what lies on it can be picked.
 OdDbObjectId layerOf(OdDbDatabase* database, const OdString& name) {
   const OdDbLayerTablePtr table = database->getLayerTableId().safeOpenAs<OdDbLayerTable>();
   const OdDbObjectId known = table->getAt(name);
@@ -79,11 +80,12 @@ OdStatus runEdit(OdDbDatabase* database, UpdateReport& report, bool force,
                  const std::function<OdStatus()>& change) {
   try {
     OdSolidJournal journal;
+    EntityChanges changes(database, journal);
     OdStatus status = change ? change() : OdStatus();
     if (!status.ok()) return status;
     const auto began = Clock::now();
-    ModelUpdate update(database, journal, report);
-    status = update.run(force, /*foreign=*/!change);
+    const ModelUpdateScope scope{force, /*isForeign=*/!change};
+    status = runModelUpdate(database, journal, changes, scope, report);
     report.passSeconds = secondsSince(began);
     return status;
   } catch (const OdError& error) {
@@ -108,15 +110,20 @@ EditResult transact(OdDbDatabase* database, bool force, const std::function<OdSt
 
 }  // namespace
 
-EditResult ModelEditor::edit(const OdString& what, const std::function<OdStatus()>& change) {
+// Within a group the group has begun the step.
+void ModelEditor::beginStep() {
   if (m_undoSteps && !m_inGroup) m_database->startUndoRecord();
+}
+
+EditResult ModelEditor::edit(const OdString& what, const std::function<OdStatus()>& change) {
+  beginStep();
   EditResult result = transact(m_database, /*force=*/false, change);
   if (!result.ok() && !what.isEmpty()) result.status.text = what + L": " + result.status.text;
   return result;
 }
 
 EditResult ModelEditor::update(bool force) {
-  if (m_undoSteps && !m_inGroup) m_database->startUndoRecord();
+  beginStep();
   return transact(m_database, force, nullptr);
 }
 
@@ -142,7 +149,7 @@ EditResult ModelEditor::suppress(const OdDbObjectId& insert) {
     if (feature.isNull()) return refuse(handleText(insert) + L" is no component");
     const OdDbBlockReferencePtr reference =
         feature->insertId().safeOpenAs<OdDbBlockReference>(OdDb::kForWrite);
-    const OdDbObjectId layer = layerOf(m_database, OdString(VdmComponentFeature::kSuppressLayer));
+    const OdDbObjectId layer = layerOf(m_database, kVdmSuppressLayer);
     if (reference->layerId() == layer) return {};
     feature->getDbObject()->assertWriteEnabled();
     feature->setLayerBeforeSuppression(reference->layerId());
@@ -158,7 +165,7 @@ EditResult ModelEditor::unsuppress(const OdDbObjectId& insert) {
     if (feature.isNull()) return refuse(handleText(insert) + L" is no component");
     const OdDbBlockReferencePtr reference =
         feature->insertId().safeOpenAs<OdDbBlockReference>(OdDb::kForWrite);
-    if (reference->layer().iCompare(OdString(VdmComponentFeature::kSuppressLayer)) != 0) return {};
+    if (reference->layer().iCompare(kVdmSuppressLayer) != 0) return {};
     const OdDbObjectId back = feature->layerBeforeSuppression();
     reference->setLayer(back.openObject().isNull() ? m_database->getLayerZeroId() : back);
     return {};
@@ -251,39 +258,41 @@ EditResult ModelEditor::replaceBody(const OdDbObjectId& solid, OdModelerBodyPtr 
   });
 }
 
-EditResult ModelEditor::filletEdges(const OdDbObjectId& solid, std::span<const OdUInt32> edges,
-                                    double radius) {
-  return edit(OdString(L"fillet"), [&] {
+EditResult ModelEditor::blendEdges(const OdString& what, Blend blend, const OdDbObjectId& solid,
+                                   std::span<const OdUInt32> edges, double size) {
+  return edit(what, [&] {
     OdDb3dSolidPtr object;
     OdStatus status = openSolid(solid, object);
-    return status.ok() ? object->filletEdges(edges, radius) : status;
+    return status.ok() ? (object.get()->*blend)(edges, size, nullptr) : status;
   });
+}
+
+EditResult ModelEditor::filletEdges(const OdDbObjectId& solid, std::span<const OdUInt32> edges,
+                                    double radius) {
+  return blendEdges(OdString(L"fillet"), &OdDb3dSolid::filletEdges, solid, edges, radius);
 }
 
 EditResult ModelEditor::chamferEdges(const OdDbObjectId& solid, std::span<const OdUInt32> edges,
                                      double distance) {
-  return edit(OdString(L"chamfer"), [&] {
-    OdDb3dSolidPtr object;
-    OdStatus status = openSolid(solid, object);
-    return status.ok() ? object->chamferEdges(edges, distance) : status;
-  });
+  return blendEdges(OdString(L"chamfer"), &OdDb3dSolid::chamferEdges, solid, edges, distance);
 }
 
-EditResult ModelEditor::filletReferences(std::span<const OdDbObjectId> references, double radius) {
+EditResult ModelEditor::blendReferences(BlendEdges blend, std::span<const OdDbObjectId> references,
+                                        double size) {
   OdDbObjectId solid;
   std::vector<OdUInt32> edges;
   EditResult refused;
   refused.status = resolveEdges(references, solid, edges);
-  return refused.ok() ? filletEdges(solid, edges, radius) : refused;
+  return refused.ok() ? (this->*blend)(solid, edges, size) : refused;
+}
+
+EditResult ModelEditor::filletReferences(std::span<const OdDbObjectId> references, double radius) {
+  return blendReferences(&ModelEditor::filletEdges, references, radius);
 }
 
 EditResult ModelEditor::chamferReferences(std::span<const OdDbObjectId> references,
                                           double distance) {
-  OdDbObjectId solid;
-  std::vector<OdUInt32> edges;
-  EditResult refused;
-  refused.status = resolveEdges(references, solid, edges);
-  return refused.ok() ? chamferEdges(solid, edges, distance) : refused;
+  return blendReferences(&ModelEditor::chamferEdges, references, distance);
 }
 
 EditResult ModelEditor::booleanSolid(OdModelerBooleanKind kind, const OdDbObjectId& solid,
@@ -308,8 +317,8 @@ EditResult ModelEditor::booleanSolid(OdModelerBooleanKind kind, const OdDbObject
 
 EditGroup::EditGroup(ModelEditor& editor) : m_editor(editor) {
   if (m_editor.m_undoSteps) m_editor.m_database->startUndoRecord();
-  m_editor.m_inGroup = true;
   m_transaction = std::make_unique<OdDbTransaction>(m_editor.m_database);
+  m_editor.m_inGroup = true;
 }
 
 EditGroup::~EditGroup() { m_editor.m_inGroup = false; }

@@ -26,11 +26,11 @@ struct [[nodiscard]] EditResult {
   [[nodiscard]] bool ok() const { return status.ok(); }
 };
 
-/// Where a component goes. All coordinates are those of the solid's block, in drawing units.
+/// The place of a component. All coordinates are those of the solid's block, in drawing units.
 struct ComponentPlacement {
   OdDbObjectId solid;
   OdGePoint3d point;
-  /// The face on which it stands, kept as a reference. Without one it is the face in which `point`
+  /// The base face, kept as a reference. Without one it is the face in which `point`
   /// lies; none when the point lies in no face, which needs `direction`.
   std::optional<OdDbSubentId> face;
   /// Out of the material, along the component's z axis; the face's normal at the point by default.
@@ -96,6 +96,16 @@ class ModelEditor {
 
  private:
   friend class EditGroup;
+  using Blend = OdStatus (OdDb3dSolid::*)(std::span<const OdUInt32> edges, double size,
+                                          OdModelerHistory* history);
+  using BlendEdges = EditResult (ModelEditor::*)(const OdDbObjectId& solid,
+                                                 std::span<const OdUInt32> edges, double size);
+
+  void beginStep();
+  EditResult blendEdges(const OdString& what, Blend blend, const OdDbObjectId& solid,
+                        std::span<const OdUInt32> edges, double size);
+  EditResult blendReferences(BlendEdges blend, std::span<const OdDbObjectId> references,
+                             double size);
 
   OdDbDatabase* m_database;
   bool m_undoSteps = true;
@@ -104,7 +114,7 @@ class ModelEditor {
 
 /// Many operations of one editor as one: one step of undo, all or nothing. Each operation still
 /// ends with its own pass. Aborts in its destructor unless commit() was called; an operation that
-/// failed has rolled back itself only, and whoever keeps the group decides about the others.
+/// failed has rolled back itself only, and the owner of the group decides about the others.
 class EditGroup {
  public:
   explicit EditGroup(ModelEditor& editor);

@@ -1,12 +1,19 @@
-// PassRecorder: fills an UpdateReport with what update passes tell.
+// PassRecorder: fills an UpdateReport with what update passes do.
 #include "host/modeling/pass_recorder.h"
 
 #include "host/modeling/component_feature.h"
+#include "host/modeling/feature_handler.h"
 #include "platform/modeler/modeler.h"
 #include "vdm_db/features/vdm_feature.h"
 
 namespace vdm_host {
 namespace {
+
+bool onlyCarriesData(const OdDbObjectId& feature) {
+  const VdmFeaturePtr object = VdmFeature::open(feature);
+  return !object.isNull() && featureHandlerOf(object->isA()) == nullptr &&
+         !followsEntities(object->isA());
+}
 
 bool isSolidPhase(VdmUpdatePhase phase) {
   return phase == VdmUpdatePhase::kPrepareSubtract || phase == VdmUpdatePhase::kSubtract ||
@@ -31,18 +38,30 @@ OdString toText(VdmUpdateReason reason) {
       return OdString(L"refers to several entities or to none");
     case VdmUpdateReason::kInsertTransformed:
       return OdString(L"its insert was changed");
+    case VdmUpdateReason::kEntityChanged:
+      return OdString(L"its solid was changed");
   }
   return {};
 }
 
 OdString toText(VdmUpdatePhase phase) {
-  static const wchar_t* const kNames[] = {L"intake",       L"removal",      L"healing",
-                                          L"cutting",      L"adding",       L"update",
-                                          L"initialising", L"late removal", L"references"};
+  static const wchar_t* const kNames[] = {L"intake",
+                                          L"removal",
+                                          L"healing",
+                                          L"cutting",
+                                          L"adding",
+                                          L"update",
+                                          L"initialising",
+                                          L"late removal",
+                                          L"references",
+                                          L"sheet metal recognition",
+                                          L"sheet metal geometry",
+                                          L"unfolding"};
   return OdString(kNames[static_cast<std::size_t>(phase)]);
 }
 
-PassRecorder::PassRecorder(UpdateReport& report) : m_report(report) {}
+PassRecorder::PassRecorder(UpdateReport& report, EntityChanges& changes)
+    : m_report(report), m_changes(changes) {}
 
 // Names are read at the first mention: a feature that is condemned cannot be asked later.
 FeatureReport& PassRecorder::entry(const OdDbObjectId& feature) {
@@ -75,7 +94,11 @@ void PassRecorder::noteStep(const OdDbObjectId& feature, const OdDbObjectId& sol
   report.steps.push_back({solid, action});
 }
 
-void PassRecorder::phaseBegan(VdmUpdatePhase phase) { m_began[phase] = Clock::now(); }
+// In these phases features work in turn.
+void PassRecorder::phaseBegan(VdmUpdatePhase phase) {
+  m_began[phase] = Clock::now();
+  if (phase == VdmUpdatePhase::kUpdate) m_changes.beginTurns();
+}
 
 void PassRecorder::phaseEnded(VdmUpdatePhase phase) {
   const double seconds = std::chrono::duration<double>(Clock::now() - m_began[phase]).count();
@@ -86,7 +109,11 @@ void PassRecorder::phaseEnded(VdmUpdatePhase phase) {
 void PassRecorder::featureSkipped(const OdDbObjectId& /*feature*/) { ++m_report.numSkipped; }
 
 void PassRecorder::featureTaken(const OdDbObjectId& feature, VdmUpdateReason reason) {
-  ++m_numTaken;
+  // What only carries data has nothing to do at a moved solid.
+  if (reason == VdmUpdateReason::kEntityTransformed && onlyCarriesData(feature)) {
+    ++m_report.numSkipped;
+    return;
+  }
   FeatureReport& report = entry(feature);
   if (!report.reason.isEmpty()) return;
   const auto known = m_reasons.find(feature);
@@ -96,10 +123,23 @@ void PassRecorder::featureTaken(const OdDbObjectId& feature, VdmUpdateReason rea
 void PassRecorder::featurePrepared(const OdDbObjectId& feature, VdmUpdatePreparation result) {
   if (result == VdmUpdatePreparation::kCondemned)
     entry(feature).outcome = FeatureOutcome::kCondemned;
+  if (result == VdmUpdatePreparation::kDone) m_changes.noteSeen(feature);
 }
 
 void PassRecorder::featureCondemned(const OdDbObjectId& feature) {
   entry(feature).outcome = FeatureOutcome::kCondemned;
+}
+
+void PassRecorder::featureUpdated(const OdDbObjectId& feature, bool changed) {
+  m_changes.endTurn(feature);
+  m_changes.noteSeen(feature);
+  if (!changed) return;
+  FeatureReport& report = entry(feature);
+  if (report.outcome == FeatureOutcome::kChecked) report.outcome = FeatureOutcome::kUpdated;
+}
+
+void PassRecorder::featureInitialised(const OdDbObjectId& feature, bool /*changed*/) {
+  m_changes.endTurn(feature);
 }
 
 void PassRecorder::featureFailed(const OdDbObjectId& feature, const OdString& text) {

@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "host/modeling/component_handler.h"
 #include "host/modeling/component_interface.h"
 #include "host/modeling/update_helper.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
@@ -25,8 +26,8 @@ class HelperFactory : public VdmDbFeatureManagerPE {
   }
 };
 
-/// Features of components are named after the kind of their block, by whoever makes them; this is
-/// what is left for the others: the class name without its prefix and ending.
+/// Makers of components name their features after the kind of the block. This names all other
+/// features: by the class name without its prefix and ending.
 class NamingPolicy : public VdmDbNamingPolicyPE {
  public:
   OdString displayName(const OdRxClass* cls) const override { return baseName(cls); }
@@ -63,6 +64,10 @@ class ModelObjectExtension : public VdmDbObjectPE {
                       OdGeMatrix3d* /*transform*/, bool* /*isOpen*/) override {}
 };
 
+std::unique_ptr<FeatureHandler> makeComponentHandler(UpdateHelper& helper) {
+  return std::make_unique<ComponentHandler>(helper);
+}
+
 bool featureColorsOn() { return true; }
 
 int& registrations() {
@@ -98,6 +103,7 @@ void registerModeling() {
   VdmComponentFeature::rxInit();
   VdmComponentInterface::rxInit();
   for (const ExtensionRow& row : kExtensions) row.target()->addX(row.protocol(), row.make());
+  registerFeatureHandler(VdmComponentFeature::desc(), &makeComponentHandler);
   VdmUpdateFeatureInterface::registerComponentFeature(VdmComponentFeature::desc());
   vdmu::GetFEATURECOLORS::setImpl(&featureColorsOn);
 }
@@ -106,6 +112,7 @@ void unregisterModeling() {
   if (registrations() == 0 || --registrations() > 0) return;
   vdmu::GetFEATURECOLORS::setImpl(nullptr);
   VdmUpdateFeatureInterface::unregisterComponentFeature(VdmComponentFeature::desc());
+  unregisterFeatureHandler(VdmComponentFeature::desc());
   for (auto row = std::rbegin(kExtensions); row != std::rend(kExtensions); ++row)
     row->target()->delX(row->protocol());
   VdmComponentInterface::rxUninit();

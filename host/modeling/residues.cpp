@@ -1,4 +1,20 @@
 // Residues: the pieces that components took from a solid or added to it, and healing with them.
+//
+// A tool that cuts removes from the solid what both have in common, and that common part, the
+// residue, is all that is needed to undo the cut: united with the solid it restores every edge,
+// notch and imported face, since it was bounded by them. The same holds for fills with the
+// difference. Two things make it hold for many components:
+//
+//   Pieces of one kind are disjoint. Where tools overlap, the part in common belongs to the first
+//   one that took it; the others take what is left (lessen). So giving one piece back never returns
+//   material that another cut still takes, and giving all back returns everything once.
+//
+//   Only whole openings are healed. A piece that touches the wall of an open cut would leave a seam
+//   there; the caller heals the touching components together (ComponentHandler::widen).
+//
+// Invariant: the volume of all cut pieces is what the cuts took. Boxes of tools keep components
+// that cannot meet out of every boolean, so an edit costs booleans for the components near it and a
+// box test for each pair of tools. Tools that meet no other are taken in one boolean (takeLoners).
 #include "host/modeling/residues.h"
 
 #include <algorithm>
@@ -7,7 +23,7 @@
 namespace vdm_host {
 namespace {
 
-// Nothing left is an answer, not a failure.
+// An empty result is an answer, not a failure: `result` is null then.
 OdStatus combine(OdModelerBooleanKind kind, const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
                  OdModelerBodyPtr& result) {
   OdModelerBodyPtr made;
@@ -136,7 +152,10 @@ OdStatus ResidueLedger::claim(const OdDbObjectId& feature, ToolKind kind, const 
   return {};
 }
 
-// Tools that keep apart are intersected in one operation: whose a piece is its place tells.
+// Takes the pieces of tools whose boxes do not meet. One operation intersects the solid with all of
+// them, and each solid of the result belongs to the tool in whose box it lies: since boxes do not
+// meet, that is one tool only. A tool may leave several solids, which become one compound. Where
+// the modeller fails at the whole, each tool is intersected alone.
 OdStatus ResidueLedger::takeLoners(const OdModelerBodyPtr& before,
                                    std::span<const OdModelerBodyPtr> loners,
                                    std::vector<OdModelerBodyPtr>& pieces) {
@@ -146,7 +165,7 @@ OdStatus ResidueLedger::takeLoners(const OdModelerBodyPtr& before,
   OdModelerBodyPtr all;
   OdStatus status =
       odModeler().boolean(OdModelerBooleanKind::kIntersect, before, loners, all, nullptr);
-  if (status.code == eDegenerateGeometry) return {};
+  if (status.code == eDegenerateGeometry) return {};  // no tool takes anything
   if (!status.ok()) {
     for (std::size_t i = 0; i < loners.size(); ++i) {
       status = commonOf(before, loners[i], pieces[i]);
@@ -175,6 +194,7 @@ OdStatus ResidueLedger::takeLoners(const OdModelerBodyPtr& before,
 OdStatus ResidueLedger::takeCuts(const OdModelerBodyPtr& before,
                                  std::span<const OdDbObjectId> features,
                                  std::span<const OdModelerBodyPtr> tools) {
+  // Tools that meet no other, and where they are in the list.
   std::vector<std::size_t> apart;
   std::vector<OdModelerBodyPtr> loners;
   for (std::size_t i = 0; i < tools.size(); ++i) {
@@ -192,6 +212,7 @@ OdStatus ResidueLedger::takeCuts(const OdModelerBodyPtr& before,
     if (next < apart.size() && apart[next] == i) {
       piece = pieces[next++];
     } else {
+      // Of what tools share the first one in the list has taken its part.
       status = commonOf(before, tools[i], piece);
       if (status.ok()) status = lessen(piece, tools[i]->extents(), tools.first(i));
     }

@@ -15,6 +15,8 @@ namespace vdm_host {
 /// What a component's tool does to the solid, and which of its residues is meant.
 enum class ToolKind : std::size_t { kCut = 0, kFill = 1 };
 inline constexpr std::size_t kToolKindCount = 2;
+inline constexpr std::array<ToolKind, kToolKindCount> kToolKinds = {ToolKind::kCut,
+                                                                    ToolKind::kFill};
 
 /// Reads the stored residue of a component; null when it has none.
 using PieceReader = std::function<OdModelerBodyPtr(const OdDbObjectId& feature, ToolKind)>;
@@ -56,11 +58,10 @@ class ComponentPieces {
 ///
 /// Laws, with B the present solid, C a cut tool and F a fill tool as last applied:
 ///   1. the piece of a cut is what B + all cut pieces has within C and no other cut's piece has;
-///   the
-///      piece of a fill is what F has outside of G and no other fill's piece has. Pieces of one
+///      the piece of a fill is what F has outside of G and no other fill's piece has. Pieces of one
 ///      kind are disjoint;
-///   2. healing gives the pieces of cuts back and takes the pieces of fills away; whoever meets a
-///      component that heals, heals with it and is done anew (UpdateHelper::widen);
+///   2. healing gives the pieces of cuts back and takes the pieces of fills away; a component that
+///      meets one that heals, heals with it and is done anew (ComponentHandler::widen);
 ///   3. fills are added while no cut is open where they are, and cuts are made after them;
 ///   4. what others do to the solid is final there: pieces lose what the other tool reaches.
 ///
@@ -88,7 +89,7 @@ class ResidueLedger {
   /// The same for fills. No cut of a component is open where they are.
   OdStatus takeFills(const OdModelerBodyPtr& before, std::span<const OdDbObjectId> features,
                      std::span<const OdModelerBodyPtr> tools);
-  /// Law 4 for a tool that somebody else applied to the solid.
+  /// Law 4 for a tool of no component.
   OdStatus exclude(const OdModelerBodyPtr& tool);
 
  private:
@@ -106,8 +107,8 @@ class ResidueLedger {
   std::vector<ComponentPieces> m_components;
 };
 
-/// a and b in common, a without b, a and b together. Null stands for nothing, as argument and as
-/// result: nothing left is no failure.
+/// a and b in common, a without b, a and b together. Null means an empty body, as argument and as
+/// result; an empty result is no failure.
 OdStatus commonOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b, OdModelerBodyPtr& result);
 OdStatus differenceOf(const OdModelerBodyPtr& a, const OdModelerBodyPtr& b,
                       OdModelerBodyPtr& result);

@@ -14,7 +14,7 @@ enum class FeatureOutcome {
   kChecked,    ///< looked at and found up to date
   kUpdated,    ///< its solid operations were done anew
   kFailed,     ///< an operation or its update failed
-  kCondemned,  ///< erased: its insert or its solid is gone
+  kCondemned,  ///< erased, since its insert or its solid was erased
 };
 
 /// What was done to a solid on behalf of a feature.
@@ -35,14 +35,14 @@ struct FeatureReport {
   std::vector<SolidStep> steps;
 };
 
-/// A reference that stands for something else, or stands otherwise, than before.
+/// A reference that leads to something else than before, or is resolved in another way.
 struct ReferenceReport {
   OdDbObjectId reference;
   OdString before;  ///< grade before and after: "exact", "by lineage", "split", "merged",
   OdString after;   ///< "by signature", "ambiguous", "lost"
   OdString text;    ///< what decided
   bool needsAttention = false;   ///< it is ambiguous or lost now
-  OdDbObjectIdArray replacedBy;  ///< references that stand for it now, when it is gone
+  OdDbObjectIdArray replacedBy;  ///< references that replaced it, when it was erased
 };
 
 struct PhaseReport {

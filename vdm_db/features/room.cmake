@@ -21,6 +21,7 @@ list(APPEND VDM_DB_SOURCES
   features/vdm_matching_faces.cpp
   features/vdm_naming_service.cpp
   features/vdm_sheet_metal_source.cpp
+  features/vdm_simple_feature_interface.cpp
   features/vdm_update_feature_interface.cpp
   features/vdm_update_feature_interface_layers.cpp
 )
@@ -45,6 +46,7 @@ list(APPEND VDM_DB_HEADERS
   features/vdm_matching_faces.h
   features/vdm_naming_service.h
   features/vdm_sheet_metal_source.h
+  features/vdm_simple_feature_interface.h
   features/vdm_update_feature_interface.h
 )
 list(APPEND VDM_DB_PRIVATE_HEADERS

@@ -18,6 +18,8 @@ class VdmDbReverseIdMapping;
 class VdmDependenciesReplacementMap;
 class VdmFeatureUpdateData;
 class VdmNamingService;
+struct VdmMergeContext;
+struct VdmUpdateContext;
 
 /// What is still to be done with modified entities once features are current: a word of bits, each
 /// for one operation of VdmDbSheetMetalContextPE. The operations run in the order 2, 4, 1.
@@ -81,6 +83,8 @@ class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject, public VdmFeatureRe
   bool updateFeatures(const VdmDependenciesReplacementMap& map, bool constraintsWereCalculated,
                       bool constraintsWereCalculatedSuccesfully,
                       EPostprocessingOperationType& postFlags);
+  /// The same with everything that a pass is handed in one record, whose flags come back as above.
+  bool updateFeatures(VdmUpdateContext& context);
   /// Whether some feature waits for evaluate(). Stored as a property that is present only while
   /// true.
   void needEvaluate(bool flag);
@@ -143,15 +147,14 @@ class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject, public VdmFeatureRe
   [[nodiscard]] OdString finalName(OdRxClass* cls, const OdString& name, bool numberGiven,
                                    bool trim);
   [[nodiscard]] bool featuresTellChanges(bool constraintsWereCalculated) const;
-  bool postprocess(const VdmDependenciesReplacementMap& map,
-                   EPostprocessingOperationType& postFlags) const;
+  [[nodiscard]] bool isPassDue(const VdmUpdateContext& context) const;
   [[nodiscard]] OdDbObjectIdArray featuresToClone(const OdDbIdMapping& mapping) const;
   template <class Clone>
   OdDbObjectPtr cloneWithFeatures(const OdDbIdMapping& mapping, const Clone& clone) const;
   bool adoptContext(const VdmDbFeatureManager& source);
-  void adoptFeatures(const VdmDbFeatureManager& source, const VdmDbReverseIdMapping& reverse,
-                     std::unordered_set<OdDbObjectId>& mergedObjects, bool keepAll);
-  void leaveMerged(VdmDbFeatureManager& source, std::map<OdDbObjectId, OdDbObjectId>& replaced);
+  void takeOver(VdmDbFeatureManager& source, VdmMergeContext& context);
+  void adoptFeatures(const VdmDbFeatureManager& source, VdmMergeContext& context);
+  void leaveMerged(VdmDbFeatureManager& source, VdmMergeContext& context);
 
   std::unique_ptr<VdmDbFeatureManagerImpl> m_impl;
   std::unique_ptr<VdmNamingService> m_namingService;

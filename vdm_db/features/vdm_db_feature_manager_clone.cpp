@@ -29,6 +29,7 @@
 #include "vdm_db/model/vdm_db_object.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/model/vdm_exchanged_ids.h"
+#include "vdm_db/model/vdm_merge_context.h"
 
 namespace {
 
@@ -131,18 +132,17 @@ namespace {
 // Whether a feature of the source belongs to what was cloned. The model object of the insert that
 // decides is noted.
 bool belongsToClones(const VdmFeature& feature, const OdDbObjectIdArray& dependencies,
-                     const VdmDbReverseIdMapping& reverse,
-                     std::unordered_set<OdDbObjectId>& mergedObjects) {
-  const auto isClone = [&reverse](const OdDbObjectId& id) {
+                     VdmMergeContext& context) {
+  const auto isClone = [&context](const OdDbObjectId& id) {
     OdDbIdPair pair;
-    return !id.isNull() && reverse.compute(id, pair);
+    return !id.isNull() && context.reverse.compute(id, pair);
   };
   const VdmUpdateFeatureInterfacePtr active = VdmUpdateFeatureInterface::activeOf(&feature);
   if (!active.isNull()) {
     const VdmUpdateFeatureInterface::OpeningFaces faces = active->openingFaces();
     if (faces.isValid() && isClone(faces.insertId())) {
       const VdmDbObjectPtr insert = VdmDbObject::openVdmDbObject(faces.insertId());
-      if (!insert.isNull()) mergedObjects.insert(insert->objectId());
+      if (!insert.isNull()) context.mergedObjects.insert(insert->objectId());
       return true;
     }
   }
@@ -155,17 +155,21 @@ OdDbObjectId firstOrNull(const OdDbObjectIdArray& ids) {
 
 }  // namespace
 
-void VdmDbFeatureManager::mergeManagers(VdmDbFeatureManager* source, OdDbIdMapping& /*mapping*/,
+void VdmDbFeatureManager::mergeManagers(VdmDbFeatureManager* source, OdDbIdMapping& mapping,
                                         VdmDbReverseIdMapping& reverse,
                                         std::unordered_set<OdDbObjectId>& mergedObjects,
                                         bool keepAll,
                                         std::map<OdDbObjectId, OdDbObjectId>& replaced) {
   if (source == nullptr) throw OdError(eNullPointer, "merging of feature managers");
-  if (source == this) return;
+  VdmMergeContext context{mapping, reverse, keepAll, mergedObjects, replaced};
+  if (source != this) takeOver(*source, context);
+}
+
+void VdmDbFeatureManager::takeOver(VdmDbFeatureManager& source, VdmMergeContext& context) {
   assertWriteEnabled();
-  source->assertWriteEnabled();
-  if (adoptContext(*source)) adoptFeatures(*source, reverse, mergedObjects, keepAll);
-  leaveMerged(*source, replaced);
+  source.assertWriteEnabled();
+  if (adoptContext(source)) adoptFeatures(source, context);
+  leaveMerged(source, context);
 }
 
 // False when the two blocks are of different sheet metal.
@@ -178,14 +182,12 @@ bool VdmDbFeatureManager::adoptContext(const VdmDbFeatureManager& source) {
 }
 
 void VdmDbFeatureManager::adoptFeatures(const VdmDbFeatureManager& source,
-                                        const VdmDbReverseIdMapping& reverse,
-                                        std::unordered_set<OdDbObjectId>& mergedObjects,
-                                        bool keepAll) {
+                                        VdmMergeContext& context) {
   for (VdmDbIterator<VdmFeature> it = source.newFeatureIterator(); !it.done(); it.next()) {
     const VdmFeaturePtr feature = it.object(OdDb::kForWrite);
-    const bool belongs = belongsToClones(*feature, feature->getAllDependencies(/*filtered=*/false),
-                                         reverse, mergedObjects);
-    if (!belongs && !keepAll) continue;
+    const bool belongs =
+        belongsToClones(*feature, feature->getAllDependencies(/*filtered=*/false), context);
+    if (!belongs && !context.keepAll) continue;
     feature->getDbObject()->setOwnerId(objectId());
     feature->setName(finalName(feature->isA(), feature->name(), /*numberGiven=*/false,
                                /*trim=*/false));
@@ -193,16 +195,15 @@ void VdmDbFeatureManager::adoptFeatures(const VdmDbFeatureManager& source,
   }
 }
 
-// Features that were not taken over are erased with their manager.
-void VdmDbFeatureManager::leaveMerged(VdmDbFeatureManager& source,
-                                      std::map<OdDbObjectId, OdDbObjectId>& replaced) {
-  replaced[source.objectId()] = objectId();
+// Erases the source with the features that were not taken over.
+void VdmDbFeatureManager::leaveMerged(VdmDbFeatureManager& source, VdmMergeContext& context) {
+  context.replaced[source.objectId()] = objectId();
   const OdDbObjectId theirs = source.sheetMetalContext();
   if (!theirs.isNull() && theirs != sheetMetalContext()) {
-    replaced[theirs] = sheetMetalContext();
+    context.replaced[theirs] = sheetMetalContext();
     const OdDbObjectId variable = firstOrNull(vdmu::sheetMetalVariables(theirs));
     if (!variable.isNull()) {
-      replaced[variable] = firstOrNull(vdmu::sheetMetalVariables(sheetMetalContext()));
+      context.replaced[variable] = firstOrNull(vdmu::sheetMetalVariables(sheetMetalContext()));
     }
     vdmu::eraseObject(theirs);
   }

@@ -99,7 +99,7 @@ class VDM_DB_EXPORT VdmUpdateFeatureInterface : public VdmFeaturePE {
   [[nodiscard]] virtual bool isReactorFiltered(const VdmDbPersIdReactor* reactor) const = 0;
   /// Own objects are erased with the feature.
   [[nodiscard]] virtual bool erasesOwnObjects() const = 0;
-  /// A feature that fills something in and has lost its base faces goes.
+  /// A feature that fills something in and has lost its base faces is erased.
   [[nodiscard]] virtual bool needsBaseFaces() const = 0;
   [[nodiscard]] virtual OdStringArray layersToHide() const;  ///< subtract, then unite layers
   [[nodiscard]] virtual OdStringArray layersToShow() const;  ///< none
@@ -148,12 +148,12 @@ class VDM_DB_EXPORT VdmUpdateFeatureInterface : public VdmFeaturePE {
   static OdDbObjectIdArray createFeatures(const OdDbFullSubentPath& basePath,
                                           const OdDbObjectIdArray& entities, OdRxClass* cls);
   /// A copy of the entity, in no database, without the openings that features (of `cls`, or all)
-  /// made in it. The tools that stand on layers go to the lists that are given. Null only when the
-  /// entity does not open.
+  /// made in it. The tools that lie on layers are appended to the lists that are given. Null only
+  /// when the entity does not open.
   [[nodiscard]] static OdSmartPtr<OdDbEntity> getGrossSolid(OdDbObjectId entityId, OdRxClass* cls,
                                                             Solids* subtractors, Solids* uniters);
 
-  // Solids that cut and fill by the layer on which they stand.
+  // Solids that cut and fill by the layer on which they lie.
   /// Those of the block on a layer for subtracting ("VC_SUBTRACT", "BIM_SUBTRACT").
   [[nodiscard]] static VdmSolidOccurrences getSubtractorsOnDedicatedLayer(
       const OdDbObjectId& blockId, bool forWrite);

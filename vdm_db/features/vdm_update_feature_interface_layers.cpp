@@ -8,6 +8,7 @@
 #include "platform/db/database.h"
 #include "platform/db/layer_table.h"
 #include "platform/entities/block_reference.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/drawing_utils/vdm_assoc_array_utils.h"
 #include "vdm_db/drawing_utils/vdm_iterator_utils.h"
 #include "vdm_db/drawing_utils/vdm_long_transaction_utils.h"
@@ -18,12 +19,12 @@ namespace {
 using LayerSet = VdmUpdateFeatureInterface::LayerSet;
 
 const OdStringArray& subtractLayers() {
-  static const OdStringArray names{OdString(L"VC_SUBTRACT"), OdString(L"BIM_SUBTRACT")};
+  static const OdStringArray names{kVdmSubtractLayer, kVdmSubtractLayer2};
   return names;
 }
 
 const OdStringArray& uniteLayers() {
-  static const OdStringArray names{OdString(L"VC_UNITE"), OdString(L"BIM_UNITE")};
+  static const OdStringArray names{kVdmUniteLayer, kVdmUniteLayer2};
   return names;
 }
 

@@ -32,5 +32,6 @@ list(APPEND VDM_DB_PRIVATE_HEADERS
   model/vdm_db_pers_id_manager_impl.h
   model/vdm_dependency_paths.h
   model/vdm_exchanged_ids.h
+  model/vdm_merge_context.h
   model/vdm_object_names.h
 )

@@ -32,7 +32,8 @@ class VDM_DB_EXPORT VdmDbFeatureReactorImpl : public VdmDbPropertiesBase {
 ///    onPropertyModified, onReactorModified or eraseReactor.
 /// 2. hasChanges says that the feature must take part in the next update pass although none of its
 ///    dependencies was replaced; needConstraintsRecalculation that it must once constraints were
-///    calculated. A class that overrides neither is not asked.
+///    calculated. VdmFeature::hasChanges asks every class but those of the module that answer
+///    neither.
 /// 3. doAudit gives false when the reactor has lost what it exists for.
 /// 4. getVariables gives the variables that the reactor depends on, getDependentVariables those
 ///    that depend on the feature.
@@ -51,10 +52,6 @@ class VDM_DB_EXPORT VdmDbFeatureReactor : public OdDbObject {
 
   /// Block of the manager of the feature; null when the carrier or the manager does not open.
   [[nodiscard]] OdDbObjectId blockId() const;
-
-  /// Whether reactors of the class answer hasChanges or needConstraintsRecalculation themselves.
-  /// Known without opening anything, once one of them was looked at.
-  [[nodiscard]] static bool classTellsChanges(const OdDbObjectId& reactor);
 
   OdResult subErase(bool erasing) override;
   OdResult dwgInFields(OdDbDwgFiler* filer) override;

@@ -17,6 +17,7 @@ class VdmDbObjectDependency;
 class VdmDbPersIdManagerImpl;
 class VdmDbPersIdManagerPE;
 class VdmDbReverseIdMapping;
+struct VdmMergeContext;
 
 /// Owns the dependencies on geometry of its block. When geometry is computed anew it moves, splits,
 /// merges and removes them. It does not decide which subentity is still the same one: the host
@@ -118,6 +119,7 @@ class VDM_DB_EXPORT VdmDbPersIdManager : public OdDbObject {
   void auditModelObjects() const;
   bool mergeEqual(VdmDependenciesReplacementMap& map, bool isSecondPass);
   void adoptClones(OdDbObject* clone, OdDbIdMapping& mapping) const;
+  void takeOver(VdmDbPersIdManager& source, VdmMergeContext& context);
 
   std::unique_ptr<VdmDbPersIdManagerImpl> m_impl;
 };

@@ -7,6 +7,7 @@
 #include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/model/vdm_db_pers_id_manager.h"
 #include "vdm_db/model/vdm_db_pers_id_manager_impl.h"
+#include "vdm_db/model/vdm_merge_context.h"
 
 // ---- Cloning
 
@@ -45,35 +46,39 @@ void VdmDbPersIdManager::adoptClones(OdDbObject* clone, OdDbIdMapping& mapping) 
 
 // ---- Merging
 
-void VdmDbPersIdManager::mergeManagers(VdmDbPersIdManager* source, OdDbIdMapping&,
+void VdmDbPersIdManager::mergeManagers(VdmDbPersIdManager* source, OdDbIdMapping& mapping,
                                        VdmDbReverseIdMapping& reverse,
                                        std::unordered_set<OdDbObjectId>& mergedObjects,
                                        bool keepAll,
                                        std::map<OdDbObjectId, OdDbObjectId>& replaced) {
   if (source == nullptr)
     throw OdError(eNullPointer, L"mergeManagers : Persistent id manager is NULL");
-  if (source == this) return;
+  VdmMergeContext context{mapping, reverse, keepAll, mergedObjects, replaced};
+  if (source != this) takeOver(*source, context);
+}
+
+void VdmDbPersIdManager::takeOver(VdmDbPersIdManager& source, VdmMergeContext& context) {
   assertWriteEnabled(/*autoUndo=*/false);
-  source->assertWriteEnabled(/*autoUndo=*/false);
-  const OdDbObjectIdArray ids = source->m_impl->dependencies.ids();
+  source.assertWriteEnabled(/*autoUndo=*/false);
+  const OdDbObjectIdArray ids = source.m_impl->dependencies.ids();
   const OdDbObjectId block = blockId();
   OdDbObjectIdArray moved;
   for (const OdDbObjectId& id : ids) {
     const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>(OdDb::kForWrite);
     if (dependency.isNull()) continue;
     const OdDbObjectId top = dependency->getInsertId();
-    const bool isWanted =
-        keepAll || top.ownerId() == block || reverse.isCloned(top) || dependency->isWatched();
+    const bool isWanted = context.keepAll || top.ownerId() == block ||
+                          context.reverse.isCloned(top) || dependency->isWatched();
     if (!isWanted) continue;
     dependency->setOwnerId(objectId());
     moved.append(id);
     if (const VdmDbObjectPtr object = VdmDbObject::openVdmDbObject(top); !object.isNull()) {
-      mergedObjects.insert(object->objectId());
+      context.mergedObjects.insert(object->objectId());
     }
   }
-  source->removeDependencies(ids);
+  source.removeDependencies(ids);
   appendIds(moved);
   attach(moved);
-  replaced[source->objectId()] = objectId();
-  source->erase();
+  context.replaced[source.objectId()] = objectId();
+  source.erase();
 }

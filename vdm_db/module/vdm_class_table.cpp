@@ -22,6 +22,7 @@
 #include "vdm_db/features/vdm_feature_color_pe.h"
 #include "vdm_db/features/vdm_feature_external_pe.h"
 #include "vdm_db/features/vdm_feature_pe.h"
+#include "vdm_db/features/vdm_simple_feature_interface.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/model/vdm_db_feature_reactor.h"
 #include "vdm_db/model/vdm_db_object.h"
@@ -73,6 +74,7 @@ constexpr ClassRow kClassRows[] = {
     rowOf<VdmPropertiesPE>(),
     rowOf<VdmDbExtensionData>(),
     rowOf<VdmUpdateFeatureInterface>(),
+    rowOf<VdmSimpleFeatureInterface>(),
     rowOf<VdmDbAssemblyPE>(),
     rowOf<vdmu::VdmRemappingOperationBracket>(),
 };

@@ -1,14 +1,37 @@
 // Update passes over the features of a manager, and what follows them.
-#include <iterator>
+#include <utility>
 
-#include "platform/db/database.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_db_feature_manager_impl.h"
-#include "vdm_db/features/vdm_db_sheet_metal_context_pe.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"
 #include "vdm_db/update/vdm_feature_update_data.h"
 #include "vdm_db/update/vdm_feature_update_driver.h"
+
+namespace {
+
+/// A pass over given features knows nothing of constraints. What a handed context says of them
+/// comes back after it.
+class WithoutConstraints {
+ public:
+  explicit WithoutConstraints(VdmUpdateContext& context)
+      : m_context(context),
+        m_calculated(std::exchange(context.constraintsWereCalculated, false)),
+        m_successful(std::exchange(context.constraintsWereCalculatedSuccesfully, false)) {}
+  ~WithoutConstraints() {
+    m_context.constraintsWereCalculated = m_calculated;
+    m_context.constraintsWereCalculatedSuccesfully = m_successful;
+  }
+  WithoutConstraints(const WithoutConstraints&) = delete;
+  WithoutConstraints& operator=(const WithoutConstraints&) = delete;
+
+ private:
+  VdmUpdateContext& m_context;
+  bool m_calculated;
+  bool m_successful;
+};
+
+}  // namespace
 
 // ---- Given features
 
@@ -24,7 +47,7 @@ bool VdmDbFeatureManager::update(const OdDbObjectIdArray& ids, VdmFeatureUpdateD
   input.replacementMap = &noReplacements;
   input.data = &data;
   input.force = true;
-  data.setConstraintsCalculated(/*calculated=*/false, /*successful=*/false);
+  const WithoutConstraints withoutConstraints(data.context());
   const bool changed = vdmRunFeatureUpdate(this, ids, input);
   for (const OdDbObjectId& id : std::as_const(input.depsToErase)) {
     const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>(OdDb::kForWrite);
@@ -39,19 +62,31 @@ bool VdmDbFeatureManager::updateFeatures(const VdmDependenciesReplacementMap& ma
                                          bool constraintsWereCalculated,
                                          bool constraintsWereCalculatedSuccesfully,
                                          EPostprocessingOperationType& postFlags) {
-  assertReadEnabled();
-  bool changed = false;
-  if (!map.isEmpty() || featuresTellChanges(constraintsWereCalculated)) {
-    VdmFeatureUpdateData data(this);
-    data.setConstraintsCalculated(constraintsWereCalculated, constraintsWereCalculatedSuccesfully);
-    VdmFeatureUpdateInput input;
-    input.replacementMap = &map;
-    input.data = &data;
-    const OdDbObjectIdArray ids = featureIds();
-    changed = vdmRunFeatureUpdate(this, ids, input);
-  }
-  if (postFlags != PostprocessNone) changed |= postprocess(map, postFlags);
+  VdmUpdateContext context;
+  context.replacementMap = &map;
+  context.constraintsWereCalculated = constraintsWereCalculated;
+  context.constraintsWereCalculatedSuccesfully = constraintsWereCalculatedSuccesfully;
+  context.postFlags = postFlags;
+  const bool changed = updateFeatures(context);
+  postFlags = context.postFlags;
   return changed;
+}
+
+bool VdmDbFeatureManager::updateFeatures(VdmUpdateContext& context) {
+  assertReadEnabled();
+  if (!isPassDue(context)) return false;
+  VdmFeatureUpdateData data(this, context);
+  VdmFeatureUpdateInput input;
+  input.replacementMap = context.replacementMap;
+  input.data = &data;
+  const OdDbObjectIdArray ids = featureIds();
+  return vdmRunFeatureUpdate(this, ids, input);
+}
+
+bool VdmDbFeatureManager::isPassDue(const VdmUpdateContext& context) const {
+  const bool mapIsEmpty = context.replacementMap == nullptr || context.replacementMap->isEmpty();
+  return !mapIsEmpty || (context.host != nullptr && context.host->hasChangedEntities()) ||
+         featuresTellChanges(context.constraintsWereCalculated);
 }
 
 bool VdmDbFeatureManager::featuresTellChanges(bool constraintsWereCalculated) const {
@@ -61,50 +96,6 @@ bool VdmDbFeatureManager::featuresTellChanges(bool constraintsWereCalculated) co
     bool recalculation = false;
     if (feature->hasChanges(recalculation)) return true;
     if (recalculation && constraintsWereCalculated) return true;
-  }
-  return false;
-}
-
-// ---- Modified entities
-
-namespace {
-
-struct Postprocessing {
-  EPostprocessingOperationType bit;
-  bool (VdmDbSheetMetalContextPE::*run)(OdDbObject*, const OdDbObjectIdArray&);
-};
-
-// In the order in which they run.
-constexpr Postprocessing kPostprocessings[] = {
-    {PostprocessBit2, &VdmDbSheetMetalContextPE::updateRecognition},
-    {PostprocessBit4, &VdmDbSheetMetalContextPE::updateGeometry},
-    {PostprocessBit1, &VdmDbSheetMetalContextPE::updateUnfolding},
-};
-
-OdDbObjectId modelSpaceContext(OdDbDatabase* database) {
-  if (database == nullptr) return OdDbObjectId::kNull;
-  const VdmDbFeatureManagerPtr manager =
-      VdmDbFeatureManager::getInstance(database->getModelSpaceId(), /*create=*/false)
-          .openAs<VdmDbFeatureManager>();
-  return manager.isNull() ? OdDbObjectId::kNull : manager->sheetMetalContext();
-}
-
-}  // namespace
-
-bool VdmDbFeatureManager::postprocess(const VdmDependenciesReplacementMap& map,
-                                      EPostprocessingOperationType& postFlags) const {
-  if (map.isEmpty()) return false;
-  const OdDbObjectPtr context = modelSpaceContext(database()).openObject();
-  if (context.isNull()) return false;
-  const OdSmartPtr<VdmDbSheetMetalContextPE> extension =
-      VdmDbSheetMetalContextPE::cast(context.get());
-  if (extension.isNull()) return false;
-  const OdDbObjectIdArray modified = map.modifiedEnts();
-  for (const Postprocessing& step : kPostprocessings) {
-    if ((postFlags & step.bit) == 0) continue;
-    const bool changed = (extension.get()->*step.run)(context, modified);
-    postFlags = static_cast<EPostprocessingOperationType>(postFlags & ~step.bit);
-    if (changed) return true;
   }
   return false;
 }

@@ -6,8 +6,8 @@
 #include "platform/db/entity.h"
 #include "platform/db/subent.h"
 
-/// The work list of removing subentities of one entity. Whoever removes one from the geometry takes
-/// it off the list; the pass stops asking when the list is empty.
+/// The work list of removing subentities of one entity. An interface that removes one from the
+/// geometry takes it off the list; the pass stops asking when the list is empty.
 struct VdmFeatureSubentsToRemove {
   explicit VdmFeatureSubentsToRemove(const OdDbObjectId& id) : entityId(id) {}
 

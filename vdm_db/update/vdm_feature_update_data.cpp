@@ -33,21 +33,28 @@ bool isAbsentOrEmpty(const std::map<int, VdmFeatureUpdateDataUtils::Face>* faces
 
 }  // namespace
 
-VdmFeatureUpdateData::VdmFeatureUpdateData(VdmDbFeatureManager* manager) {
-  if (manager == nullptr) return;
-  const OdSmartPtr<VdmDbFeatureManagerPE> extension = VdmDbFeatureManagerPE::cast(manager);
-  if (!extension.isNull()) m_helper = extension->createHelper(manager, *this);
+VdmFeatureUpdateData::VdmFeatureUpdateData(VdmDbFeatureManager* manager) { makeHelper(manager); }
+VdmFeatureUpdateData::VdmFeatureUpdateData(VdmDbFeatureManager* manager, VdmUpdateContext& context)
+    : m_handedContext(&context) {
+  makeHelper(manager);
 }
 VdmFeatureUpdateData::VdmFeatureUpdateData(const VdmFeatureUpdateData& other) = default;
 VdmFeatureUpdateData& VdmFeatureUpdateData::operator=(const VdmFeatureUpdateData& other) = default;
 VdmFeatureUpdateData::~VdmFeatureUpdateData() = default;
 
+// The helper may ask for the context while it is made.
+void VdmFeatureUpdateData::makeHelper(VdmDbFeatureManager* manager) {
+  if (manager == nullptr) return;
+  const OdSmartPtr<VdmDbFeatureManagerPE> extension = VdmDbFeatureManagerPE::cast(manager);
+  if (!extension.isNull()) m_helper = extension->createHelper(manager, *this);
+}
+
 void VdmFeatureUpdateData::clear() {
-  const OdSharedPtr<VdmFeatureUpdateDataHelper> helper = m_helper;
-  VdmUpdateObserver* observer = m_observer;
-  *this = VdmFeatureUpdateData(nullptr);
-  m_helper = helper;
-  m_observer = observer;
+  VdmFeatureUpdateData cleared(nullptr);
+  cleared.m_helper = m_helper;
+  cleared.m_handedContext = m_handedContext;
+  cleared.m_ownContext.observer = m_ownContext.observer;
+  *this = std::move(cleared);
 }
 
 // ---- Gathering
@@ -163,6 +170,12 @@ bool VdmFeatureUpdateData::getMatchingFaces(VdmUpdateFeatureInterface* updateInt
                                             VdmFeatureUpdateDataUtils::FeatureArgs& args) {
   return m_helper && m_helper->getMatchingFaces(updateInterface, feature, opening, args);
 }
+
+bool VdmFeatureUpdateData::prepareForSubtract() {
+  return m_helper && m_helper->prepareForSubtract();
+}
+bool VdmFeatureUpdateData::subtractOperation() { return m_helper && m_helper->subtractOperation(); }
+bool VdmFeatureUpdateData::unionOperation() { return m_helper && m_helper->unionOperation(); }
 
 // ---- Queries
 

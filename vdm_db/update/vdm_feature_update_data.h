@@ -14,6 +14,7 @@
 #include "vdm_db/common/vdm_object_id_hash.h"
 #include "vdm_db/features/vdm_matching_faces.h"
 #include "vdm_db/references/vdm_path_utils.h"
+#include "vdm_db/update/vdm_update_context.h"
 #include "vdm_db/update/vdm_update_observer.h"
 
 class VdmDbFeatureManager;
@@ -26,7 +27,7 @@ struct VdmFeatureSubentsToRemove;
 
 /// What features, their interfaces and the host's helper gather in a pass, and what the pass does
 /// with it. Lives on the stack of the caller for the length of the pass; nothing of it is stored.
-/// A copy shares the helper, which goes on working for the original.
+/// A copy shares the helper, which keeps working for the original.
 ///
 /// Features call the gathering operations from prepareUpdateData, and may condemn features and
 /// geometry from update and initAfterUpdate, too. One thread: that of the drawing.
@@ -42,6 +43,8 @@ class VDM_DB_EXPORT VdmFeatureUpdateData {
   /// Asks the manager's VdmDbFeatureManagerPE for the helper; a null manager, or one without that
   /// extension, gives a pass without helper, which touches no solids.
   explicit VdmFeatureUpdateData(VdmDbFeatureManager* manager);
+  /// For a pass that is handed a context, which outlives the data and its copies.
+  VdmFeatureUpdateData(VdmDbFeatureManager* manager, VdmUpdateContext& context);
   VdmFeatureUpdateData(const VdmFeatureUpdateData& other);
   VdmFeatureUpdateData& operator=(const VdmFeatureUpdateData& other);
   ~VdmFeatureUpdateData();
@@ -100,11 +103,13 @@ class VDM_DB_EXPORT VdmFeatureUpdateData {
   /// Base faces of the feature's subtraction by tag; null without a helper or when it has none.
   [[nodiscard]] const std::map<int, VdmFeatureUpdateDataUtils::Face>* subtrBaseFaceMap(
       OdDbObjectId feature) const;
-  [[nodiscard]] bool constraintsWereCalculated() const { return m_constraintsCalculated; }
-  [[nodiscard]] bool constraintsWereCalculatedSuccesfully() const {
-    return m_constraintsSuccessful;
+  [[nodiscard]] bool constraintsWereCalculated() const {
+    return context().constraintsWereCalculated;
   }
-  /// Tools that stand on the layers for subtracting and uniting, by source; empty without a helper.
+  [[nodiscard]] bool constraintsWereCalculatedSuccesfully() const {
+    return context().constraintsWereCalculatedSuccesfully;
+  }
+  /// Tools that lie on the layers for subtracting and uniting, by source; empty without a helper.
   [[nodiscard]] SolidsBySource getSubtractorsOnLayers(OdDbObjectId solid) const;
   [[nodiscard]] SolidsBySource getUnitersOnLayers(OdDbObjectId solid) const;
   /// The ids that the pass has taken, in their order.
@@ -112,9 +117,18 @@ class VDM_DB_EXPORT VdmFeatureUpdateData {
   /// Solids are gathered for VdmUpdateFeatureInterface::getGrossSolid, and nothing is done to them.
   [[nodiscard]] bool isGrossMode() const { return m_grossMode; }
 
-  /// Hears what the pass does; null, as at the start, for nobody. Not owned.
-  void setObserver(VdmUpdateObserver* observer) { m_observer = observer; }
-  [[nodiscard]] VdmUpdateObserver* observer() const { return m_observer; }
+  /// What the pass was handed; one of its own when it was handed none.
+  [[nodiscard]] const VdmUpdateContext& context() const {
+    return m_handedContext == nullptr ? m_ownContext : *m_handedContext;
+  }
+  [[nodiscard]] VdmUpdateContext& context() {
+    return m_handedContext == nullptr ? m_ownContext : *m_handedContext;
+  }
+  /// Null without one.
+  [[nodiscard]] VdmFeatureUpdateDataHelper* helper() const { return m_helper.get(); }
+  /// Hears what the pass does; null, as at the start, for none. Not owned. Kept in the context.
+  void setObserver(VdmUpdateObserver* observer) { context().observer = observer; }
+  [[nodiscard]] VdmUpdateObserver* observer() const { return context().observer; }
 
  protected:
   friend class VdmDbFeatureManager;
@@ -132,19 +146,15 @@ class VDM_DB_EXPORT VdmFeatureUpdateData {
   bool update();
   bool initFeatures();
   /// Points the reactors of the features to what replaced their dependencies, and drops reactors
-  /// that have come to mean the same. Dependencies that nobody watches then go to `depsToErase`.
+  /// that have come to mean the same. Dependencies without a watcher then go to `depsToErase`.
   void removeUnusedDependencies(OdDbObjectIdArray& depsToErase);
 
-  void setConstraintsCalculated(bool calculated, bool successful) {
-    m_constraintsCalculated = calculated;
-    m_constraintsSuccessful = successful;
-  }
   /// Has the features prepare in gross mode; nothing else of a pass follows.
   void initGrossData(const OdDbObjectIdArray& ids);
   /// Fills the record with what is to go from its entity and, with a helper, has the interfaces
   /// remove it from there.
   bool removeUnusedGeometry(VdmFeatureSubentsToRemove& record);
-  /// Everything as after construction; the helper and the observer stay.
+  /// Everything as after construction; the helper, the observer and a handed context stay.
   void clear();
 
  private:
@@ -154,6 +164,8 @@ class VDM_DB_EXPORT VdmFeatureUpdateData {
     bool forced = false;
     VdmUpdateReason reason = VdmUpdateReason::kForced;
   };
+
+  void makeHelper(VdmDbFeatureManager* manager);
 
   Intake decideIntake(const VdmFeature* feature, bool force);
   bool featureHasChanges(const VdmFeature* feature, VdmUpdateReason& reason);
@@ -188,9 +200,8 @@ class VDM_DB_EXPORT VdmFeatureUpdateData {
   IdSet m_initializedEntities;
   // What the pass was given.
   const VdmDependenciesReplacementMap* m_replacementMap = nullptr;
-  bool m_constraintsCalculated = false;
-  bool m_constraintsSuccessful = false;
+  VdmUpdateContext* m_handedContext = nullptr;
+  VdmUpdateContext m_ownContext;
   OdSharedPtr<VdmFeatureUpdateDataHelper> m_helper;
   bool m_grossMode = false;
-  VdmUpdateObserver* m_observer = nullptr;
 };

@@ -1,6 +1,8 @@
 // VdmFeatureUpdateData: which features take part in an update pass, and how they prepare.
 #include "vdm_db/update/vdm_feature_update_data.h"
 
+#include <algorithm>
+
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_pers_id_reactor.h"
 #include "vdm_db/features/vdm_feature.h"
@@ -14,6 +16,20 @@ namespace {
 bool wasMoved(const VdmDependenciesReplacementMap& map, const OdDbObjectId& object) {
   const VdmDependenciesReplacementMap::TransformedData* entry = map.findTransformedObject(object);
   return entry != nullptr && !entry->isMarked;
+}
+
+// The host when it has changed entities to ask for; null otherwise.
+const VdmUpdateHost* hostWithChanges(const VdmUpdateContext& context) {
+  return context.host != nullptr && context.host->hasChangedEntities() ? context.host : nullptr;
+}
+
+// The outermost insert of a reference or the entity in it changed.
+bool isConcerned(const VdmUpdateHost& host, const VdmFeature& feature,
+                 const VdmDbObjectDependency& dependency) {
+  const auto& path = dependency.compoundId().elements();
+  return std::any_of(path.begin(), path.end(), [&](const VdmCompoundObjectId::Element& element) {
+    return !element.id.isNull() && host.concerns(feature, element.id);
+  });
 }
 
 /// How many different entities a feature refers to, as far as it matters: none, one or several.
@@ -44,10 +60,10 @@ bool VdmFeatureUpdateData::init(const OdDbObjectIdArray& ids,
     if (feature.isNull()) continue;
     const Intake intake = decideIntake(feature, force);
     if (!intake.taken) {
-      if (m_observer != nullptr) m_observer->featureSkipped(id);
+      if (observer() != nullptr) observer()->featureSkipped(id);
       continue;
     }
-    if (m_observer != nullptr) m_observer->featureTaken(id, intake.reason);
+    if (observer() != nullptr) observer()->featureTaken(id, intake.reason);
     m_featureIds.append(id);
     prepareFeature(id, feature, intake.forced);
   }
@@ -58,7 +74,7 @@ bool VdmFeatureUpdateData::init(const OdDbObjectIdArray& ids,
 VdmFeatureUpdateData::Intake VdmFeatureUpdateData::decideIntake(const VdmFeature* feature,
                                                                 bool force) {
   if (force) return {true, true, VdmUpdateReason::kForced};
-  if (m_constraintsCalculated) {
+  if (constraintsWereCalculated()) {
     bool recalculated = false;
     if (feature->hasChanges(recalculated) || recalculated)
       return {true, true, VdmUpdateReason::kConstraint};
@@ -75,6 +91,7 @@ bool VdmFeatureUpdateData::featureHasChanges(const VdmFeature* feature, VdmUpdat
     return true;
   };
   const VdmDependenciesReplacementMap& map = *m_replacementMap;
+  const VdmUpdateHost* host = hostWithChanges(context());
   EntityCount entities;
   for (const OdDbObjectId& reactorId : feature->reactorIds()) {
     const VdmDbPersIdReactorPtr reactor = reactorId.openAs<VdmDbPersIdReactor>();
@@ -87,9 +104,12 @@ bool VdmFeatureUpdateData::featureHasChanges(const VdmFeature* feature, VdmUpdat
       const OdDbObjectId entity = dependency->getInsertId();
       entities.add(entity);
       if (wasMoved(map, entity)) return because(VdmUpdateReason::kEntityTransformed);
+      if (host != nullptr && isConcerned(*host, *feature, *dependency))
+        return because(VdmUpdateReason::kEntityChanged);
     }
   }
-  if (!entities.isExactlyOne()) return because(VdmUpdateReason::kSeveralEntities);
+  if (!entities.isExactlyOne())
+    return !context().isFollowUp && because(VdmUpdateReason::kSeveralEntities);
   return openingWasMoved(feature) && because(VdmUpdateReason::kInsertTransformed);
 }
 
@@ -111,7 +131,7 @@ void VdmFeatureUpdateData::prepareFeature(const OdDbObjectId& id, OdSmartPtr<Vdm
     removeUnusedReactors(feature);
     m_featuresToUpdate.append(feature);
   }
-  if (m_observer != nullptr) m_observer->featurePrepared(id, result);
+  if (observer() != nullptr) observer()->featurePrepared(id, result);
 }
 
 void VdmFeatureUpdateData::removeUnusedReactors(VdmFeature* feature) {
@@ -123,7 +143,7 @@ void VdmFeatureUpdateData::removeUnusedReactors(VdmFeature* feature) {
     feature->removeReactor(reactor, /*eraseReactor=*/true);
 }
 
-// The helper may add features of entities meanwhile; those of new entities are not told.
+// The helper may add features of entities meanwhile; it does not get those of new entities.
 void VdmFeatureUpdateData::collectByEntity() {
   std::vector<const IdMap<IdSet>::value_type*> entries;
   entries.reserve(m_entToFeatures.size());

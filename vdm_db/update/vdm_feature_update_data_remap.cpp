@@ -1,4 +1,14 @@
 // VdmFeatureUpdateData: the references of features after an update pass.
+//
+// The map says which dependencies stand for a replaced one. Each reactor of a feature that lists
+// the replaced one gets those that stand for it, and is then made to believe that the old one was
+// erased: that way the class's own reaction to a lost dependency, down to the end of the feature,
+// is the same in both cases. The new ones are added first, so a reactor never runs empty in
+// between. An old dependency without persistent reactors left is one that no feature needs.
+//
+// Afterwards two reactors of one feature may list the same dependencies, where faces merged. The
+// first one stays. Groups are compared as sorted lists under a hash of their members, so a feature
+// costs one look at each of its dependencies.
 #include "vdm_db/update/vdm_feature_update_data.h"
 
 #include <algorithm>
@@ -106,7 +116,7 @@ void VdmFeatureUpdateData::removeUnusedDependencies(OdDbObjectIdArray& depsToEra
     feature->upgradeOpen();
     for (const OdDbObjectId& reactor : obsolete) {
       feature->removeReactor(reactor, /*eraseReactor=*/true);
-      if (m_observer != nullptr) m_observer->reactorDropped(id, reactor);
+      if (observer() != nullptr) observer()->reactorDropped(id, reactor);
     }
   }
 }

@@ -131,7 +131,7 @@ bool VdmFeatureUpdateData::removeUnusedFeatures() {
     carrier->erase();
     if (!carrier->isErased()) continue;
     removed = true;
-    if (m_observer != nullptr) m_observer->featureCondemned(id);
+    if (observer() != nullptr) observer()->featureCondemned(id);
   }
   m_featuresToRemove.clear();
   return removed;

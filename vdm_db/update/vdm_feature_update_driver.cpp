@@ -1,160 +1,202 @@
-// The update pass: its sequence, and the phases that hand over to features and to the helper.
+// The update pass: its steps, in the order in which they run.
 #include "vdm_db/update/vdm_feature_update_driver.h"
 
-#include "platform/base/error.h"
+#include <optional>
+
 #include "platform/db/database.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
+#include "vdm_db/features/vdm_db_sheet_metal_context_pe.h"
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"
 #include "vdm_db/update/vdm_feature_update_data.h"
-#include "vdm_db/update/vdm_feature_update_data_helper.h"
-#include "vdm_utils/vdmc_assert.h"
 
-/// One run. The phases of the data are its steps.
-class VdmFeatureUpdateDriver {
+namespace {
+
+enum class Outcome { kUnchanged, kChanged, kFailed };
+
+Outcome outcomeOf(bool changed) { return changed ? Outcome::kChanged : Outcome::kUnchanged; }
+
+OdDbObjectPtr openSheetMetalContext(OdDbDatabase* database) {
+  const VdmDbFeatureManagerPtr manager =
+      VdmDbFeatureManager::getInstance(database->getModelSpaceId(), /*create=*/false)
+          .openAs<VdmDbFeatureManager>();
+  return manager.isNull() ? OdDbObjectPtr() : manager->sheetMetalContext().openObject();
+}
+
+/// Keeps the map of the input known to the data while a pass runs: it may end right after.
+class MapOfPass {
  public:
-  VdmFeatureUpdateDriver(VdmDbFeatureManager* manager, VdmFeatureUpdateInput& input)
-      : m_manager(manager), m_input(input), m_data(*input.data) {}
-  // The map of the input may die right after the pass.
-  ~VdmFeatureUpdateDriver() { m_data.m_replacementMap = nullptr; }
-  VdmFeatureUpdateDriver(const VdmFeatureUpdateDriver&) = delete;
-  VdmFeatureUpdateDriver& operator=(const VdmFeatureUpdateDriver&) = delete;
-
-  bool run(const OdDbObjectIdArray& ids) {
-    const OdDbDatabasePtr database(m_manager->database());
-    if (database.isNull()) return false;
-    if (m_data.observer() != nullptr) m_data.observer()->passBegan(m_manager, ids.size());
-    const bool changed = takeIn(ids) && runPhases(database);
-    if (m_data.observer() != nullptr) m_data.observer()->passEnded(changed);
-    return changed;
+  MapOfPass(const VdmDependenciesReplacementMap*& place, const VdmDependenciesReplacementMap* map)
+      : m_place(place) {
+    m_place = map;
   }
+  ~MapOfPass() { m_place = nullptr; }
+  MapOfPass(const MapOfPass&) = delete;
+  MapOfPass& operator=(const MapOfPass&) = delete;
 
  private:
-  bool runPhases(OdDbDatabase* database) {
-    bool changed = removeBeforeSolids();
-    changeSolids(database);
-    changed |= phase(VdmUpdatePhase::kUpdate, [this] { return m_data.update(); });
-    changed |= phase(VdmUpdatePhase::kInitFeatures, [this] { return m_data.initFeatures(); });
-    changed |= removeAfterUpdate();
-    repairReferences();
-    return changed;
+  const VdmDependenciesReplacementMap*& m_place;
+};
+
+}  // namespace
+
+/// One run: a table of steps. Each step asks whether it is due, works on the data, and says whether
+/// it changed anything.
+///
+/// The three solid operations share one transaction of the drawing, which the first of them begins
+/// and the last one commits. A step that fails aborts it, and the operations after it are not due.
+class VdmFeatureUpdateDriver {
+ public:
+  VdmFeatureUpdateDriver(VdmDbFeatureManager* manager, const OdDbObjectIdArray& ids,
+                         VdmFeatureUpdateInput& input)
+      : m_manager(manager),
+        m_ids(ids),
+        m_database(manager->database()),
+        m_input(input),
+        m_data(*input.data),
+        m_map(input.replacementMap == nullptr ? m_noReplacements : *input.replacementMap),
+        m_mapOfPass(m_data.m_replacementMap, &m_map) {}
+
+  bool run();
+
+ private:
+  struct Step {
+    VdmUpdatePhase phase;
+    bool (VdmFeatureUpdateDriver::*isDue)() const;
+    Outcome (VdmFeatureUpdateDriver::*run)();
+  };
+  static const Step kSteps[];
+
+  bool runStep(const Step& step, VdmUpdateObserver* observer) {
+    if (observer != nullptr) observer->phaseBegan(step.phase);
+    const Outcome outcome = (this->*step.run)();
+    if (observer != nullptr) observer->phaseEnded(step.phase);
+    if (outcome == Outcome::kFailed) abortSolids(step.phase);
+    return outcome == Outcome::kChanged;
   }
 
-  bool takeIn(const OdDbObjectIdArray& ids) {
-    const VdmDependenciesReplacementMap& map =
-        m_input.replacementMap == nullptr ? m_noReplacements : *m_input.replacementMap;
-    return phase(VdmUpdatePhase::kIntake, [&] { return m_data.init(ids, map, m_input.force); });
+  // ---- When steps are due
+
+  bool hasFeatures() const { return !m_ids.isEmpty(); }
+  bool solidsAreOpen() const { return m_solids.has_value(); }
+  // As soon as one step of the sheet metal changed something, the others wait for another update.
+  template <EPostprocessingOperationType kBit>
+  bool isAskedFor() const {
+    return (m_data.context().postFlags & kBit) != 0 && !m_sheetMetalChanged && !m_map.isEmpty() &&
+           !VdmDbSheetMetalContextPE::cast(openSheetMetalContext(m_database).get()).isNull();
   }
 
-  bool removeBeforeSolids() {
-    return phase(VdmUpdatePhase::kEarlyRemoval, [this] {
-      return m_data.removeUnusedData(m_data.featuresNeedUpdate() || m_data.hasFeaturesToRemove());
-    });
-  }
+  // ---- Features
 
-  // All or nothing: the guard aborts the transaction unless it is committed.
-  void changeSolids(OdDbDatabase* database) {
-    struct Operation {
-      VdmUpdatePhase phase;
-      bool (VdmFeatureUpdateData::*run)();
-    };
-    static constexpr Operation kOperations[] = {
-        {VdmUpdatePhase::kPrepareSubtract, &VdmFeatureUpdateData::prepareForSubtract},
-        {VdmUpdatePhase::kSubtract, &VdmFeatureUpdateData::subtractOperation},
-        {VdmUpdatePhase::kUnite, &VdmFeatureUpdateData::unionOperation}};
-    const std::size_t numInitialized = m_data.m_initializedEntities.size();
-    OdDbTransaction transaction(database);
-    for (const Operation& operation : kOperations) {
-      if (phase(operation.phase, [&] { return (m_data.*operation.run)(); })) continue;
-      // Model objects that were made meanwhile go, too, and may be asked for again.
-      if (m_data.m_initializedEntities.size() != numInitialized)
-        m_data.m_initializedEntities.clear();
-      if (m_data.observer() != nullptr) m_data.observer()->transactionAborted(operation.phase);
-      return;
-    }
-    transaction.commit();
+  Outcome takeIn() {
+    m_data.init(m_ids, m_map, m_input.force);
+    return Outcome::kUnchanged;
   }
-
+  Outcome removeBeforeSolids() {
+    return outcomeOf(
+        m_data.removeUnusedData(m_data.featuresNeedUpdate() || m_data.hasFeaturesToRemove()));
+  }
+  Outcome update() { return outcomeOf(m_data.update()); }
+  Outcome initFeatures() { return outcomeOf(m_data.initFeatures()); }
   // What features condemned in their update and initAfterUpdate.
-  bool removeAfterUpdate() {
-    return phase(VdmUpdatePhase::kLateRemoval, [this] {
-      return m_data.hasFeaturesToRemove() && m_data.removeUnusedData(/*geometry=*/true);
-    });
+  Outcome removeAfterUpdate() {
+    return outcomeOf(m_data.hasFeaturesToRemove() && m_data.removeUnusedData(/*geometry=*/true));
+  }
+  Outcome repairReferences() {
+    m_data.removeUnusedDependencies(m_input.depsToErase);
+    return Outcome::kUnchanged;
   }
 
-  void repairReferences() {
-    phase(VdmUpdatePhase::kDependencies, [this] {
-      m_data.removeUnusedDependencies(m_input.depsToErase);
-      return true;
-    });
+  // ---- Solids: all or nothing
+
+  static Outcome failUnless(bool ok) { return ok ? Outcome::kUnchanged : Outcome::kFailed; }
+
+  Outcome prepareSolids() {
+    m_numInitialized = m_data.m_initializedEntities.size();
+    m_solids.emplace(m_database);
+    return failUnless(m_data.prepareForSubtract());
+  }
+  Outcome subtract() { return failUnless(m_data.subtractOperation()); }
+  Outcome uniteAndCommit() {
+    if (!m_data.unionOperation()) return Outcome::kFailed;
+    m_solids->commit();
+    m_solids.reset();
+    return Outcome::kUnchanged;
+  }
+  void abortSolids(VdmUpdatePhase phase) {
+    // Model objects that were made meanwhile are rolled back, too, and may be asked for again.
+    if (m_data.m_initializedEntities.size() != m_numInitialized)
+      m_data.m_initializedEntities.clear();
+    m_solids.reset();
+    if (m_data.observer() != nullptr) m_data.observer()->transactionAborted(phase);
   }
 
-  template <class Run>
-  bool phase(VdmUpdatePhase which, Run run) {
-    VdmUpdateObserver* observer = m_data.observer();
-    if (observer == nullptr) return run();
-    observer->phaseBegan(which);
-    const bool result = run();
-    observer->phaseEnded(which);
-    return result;
+  // ---- Sheet metal
+
+  using SheetMetalWork = bool (VdmDbSheetMetalContextPE::*)(OdDbObject*, const OdDbObjectIdArray&);
+
+  template <EPostprocessingOperationType kBit, SheetMetalWork kWork>
+  Outcome postprocess() {
+    const OdDbObjectPtr context = openSheetMetalContext(m_database);
+    const auto extension = VdmDbSheetMetalContextPE::cast(context.get());
+    m_sheetMetalChanged = (extension.get()->*kWork)(context, m_map.modifiedEnts());
+    EPostprocessingOperationType& flags = m_data.context().postFlags;
+    flags = static_cast<EPostprocessingOperationType>(flags & ~kBit);
+    return outcomeOf(m_sheetMetalChanged);
   }
 
   VdmDbFeatureManager* m_manager;
+  const OdDbObjectIdArray& m_ids;
+  const OdDbDatabasePtr m_database;
   VdmFeatureUpdateInput& m_input;
   VdmFeatureUpdateData& m_data;
   const VdmDependenciesReplacementMap m_noReplacements;
+  const VdmDependenciesReplacementMap& m_map;
+  const MapOfPass m_mapOfPass;
+  std::optional<OdDbTransaction> m_solids;
+  std::size_t m_numInitialized = 0;  // entities, before the solids
+  bool m_sheetMetalChanged = false;
 };
+
+using SheetMetal = VdmDbSheetMetalContextPE;
+
+// A later capability adds its row where its turn comes. What is to come before the features, such
+// as solving constraints, hands its outcome on in the context.
+using Driver = VdmFeatureUpdateDriver;
+constexpr Driver::Step Driver::kSteps[] = {
+    {VdmUpdatePhase::kIntake, &Driver::hasFeatures, &Driver::takeIn},
+    {VdmUpdatePhase::kEarlyRemoval, &Driver::hasFeatures, &Driver::removeBeforeSolids},
+    {VdmUpdatePhase::kPrepareSubtract, &Driver::hasFeatures, &Driver::prepareSolids},
+    {VdmUpdatePhase::kSubtract, &Driver::solidsAreOpen, &Driver::subtract},
+    {VdmUpdatePhase::kUnite, &Driver::solidsAreOpen, &Driver::uniteAndCommit},
+    {VdmUpdatePhase::kUpdate, &Driver::hasFeatures, &Driver::update},
+    {VdmUpdatePhase::kInitFeatures, &Driver::hasFeatures, &Driver::initFeatures},
+    {VdmUpdatePhase::kLateRemoval, &Driver::hasFeatures, &Driver::removeAfterUpdate},
+    {VdmUpdatePhase::kDependencies, &Driver::hasFeatures, &Driver::repairReferences},
+    {VdmUpdatePhase::kRecognition, &Driver::isAskedFor<PostprocessBit2>,
+     &Driver::postprocess<PostprocessBit2, &SheetMetal::updateRecognition>},
+    {VdmUpdatePhase::kGeometry, &Driver::isAskedFor<PostprocessBit4>,
+     &Driver::postprocess<PostprocessBit4, &SheetMetal::updateGeometry>},
+    {VdmUpdatePhase::kUnfolding, &Driver::isAskedFor<PostprocessBit1>,
+     &Driver::postprocess<PostprocessBit1, &SheetMetal::updateUnfolding>},
+};
+
+bool VdmFeatureUpdateDriver::run() {
+  if (m_database.isNull()) return false;
+  VdmUpdateObserver* observer = m_data.observer();
+  const bool isPass = observer != nullptr && hasFeatures();
+  if (isPass) observer->passBegan(m_manager, m_ids.size());
+  bool changed = false;
+  for (const Step& step : kSteps) {
+    if ((this->*step.isDue)()) changed |= runStep(step, observer);
+  }
+  if (isPass) observer->passEnded(changed);
+  return changed;
+}
 
 bool vdmRunFeatureUpdate(VdmDbFeatureManager* manager, const OdDbObjectIdArray& ids,
                          VdmFeatureUpdateInput& input) {
-  if (input.data == nullptr || manager == nullptr || ids.isEmpty()) return false;
-  return VdmFeatureUpdateDriver(manager, input).run(ids);
-}
-
-// ---- The solid operations: the helper's
-
-bool VdmFeatureUpdateData::prepareForSubtract() {
-  return m_helper && m_helper->prepareForSubtract();
-}
-bool VdmFeatureUpdateData::subtractOperation() { return m_helper && m_helper->subtractOperation(); }
-bool VdmFeatureUpdateData::unionOperation() { return m_helper && m_helper->unionOperation(); }
-
-// ---- The features' own updates
-
-template <class Step>
-bool VdmFeatureUpdateData::forEachFeatureToUpdate(Step step) {
-  bool changed = false;
-  // A feature may have the pass wait for more features while it works.
-  for (OdUInt32 i = 0; i < m_featuresToUpdate.size(); ++i) {
-    const OdSmartPtr<VdmFeature> feature = m_featuresToUpdate[i];
-    const OdDbObject* carrier = feature->getDbObject();
-    if (carrier == nullptr || carrier->isErased()) continue;
-    const OdDbObjectId id = carrier->objectId();
-    try {
-      feature->upgradeOpen();
-      changed |= step(feature.get(), id);
-    } catch (const OdError& error) {
-      const OdString text = "feature " + id.getHandle().ascii() + ": " + error.description();
-      vdmcCallAssert("false", text, "vdm_db/vdm_feature_update_data", __LINE__);
-      if (m_observer != nullptr) m_observer->featureFailed(id, text);
-    }
-  }
-  return changed;
-}
-
-bool VdmFeatureUpdateData::update() {
-  return forEachFeatureToUpdate([this](VdmFeature* feature, const OdDbObjectId& id) {
-    const bool changed = feature->update(*this);
-    if (m_observer != nullptr) m_observer->featureUpdated(id, changed);
-    return changed;
-  });
-}
-
-bool VdmFeatureUpdateData::initFeatures() {
-  if (m_helper) m_helper->prepareInit();
-  const bool changed = forEachFeatureToUpdate(
-      [this](VdmFeature* feature, const OdDbObjectId&) { return feature->initAfterUpdate(*this); });
-  m_featuresToUpdate.clear();
-  return changed;
+  if (input.data == nullptr || manager == nullptr) return false;
+  return VdmFeatureUpdateDriver(manager, ids, input).run();
 }

@@ -11,18 +11,19 @@ class VdmFeatureUpdateData;
 
 /// Input of a pass, and what it leaves to its caller.
 struct VdmFeatureUpdateInput {
-  OdDbObjectIdArray depsToErase;  ///< out: dependencies that no feature watches any more
+  OdDbObjectIdArray depsToErase;  ///< out: dependencies without a watcher left
   const VdmDependenciesReplacementMap* replacementMap = nullptr;  ///< not owned; null means empty
   VdmFeatureUpdateData* data = nullptr;                           ///< not owned
   bool force = false;                                             ///< take every feature
 };
 
-/// Runs a pass over features of one manager, in the order of `ids`. True when anything changed;
-/// whether the solid operations succeeded is told to the observer of the data. Without a manager,
-/// data or ids nothing happens. The laws of a pass are told in docs/update-pass.md.
+/// Runs a pass over features of one manager, in the order of `ids`, then what the context of the
+/// data asks to be done with sheet metal. True when anything changed; the observer hears whether
+/// the solid operations succeeded. Without a manager or data nothing happens, and without ids no
+/// feature is asked. docs/update-pass.md has the laws of a pass.
 ///
-/// The solid operations stand in a transaction of the drawing: they are done all, or none is. An
+/// One transaction of the drawing holds the solid operations: they are done all, or none is. An
 /// error that they raise aborts it and passes through. One that a feature's update or
-/// initAfterUpdate raises is reported as an assertion and to the observer, and the pass goes on.
+/// initAfterUpdate raises is reported as an assertion and to the observer, and the pass continues.
 VDM_DB_EXPORT bool vdmRunFeatureUpdate(VdmDbFeatureManager* manager, const OdDbObjectIdArray& ids,
                                        VdmFeatureUpdateInput& input);

@@ -1,4 +1,4 @@
-// VdmUpdateObserver: what an update pass does, told step by step.
+// VdmUpdateObserver: hears each step of an update pass.
 #pragma once
 
 #include "platform/base/string.h"
@@ -18,6 +18,7 @@ enum class VdmUpdateReason {
   kEntityTransformed,   ///< the entity of one of its references was moved
   kSeveralEntities,     ///< it refers to several entities, or to none: always updated
   kInsertTransformed,   ///< the insert that makes its opening was moved
+  kEntityChanged,       ///< the host says that an entity of its references changed
 };
 
 /// What came of a feature's prepareUpdateData.
@@ -27,8 +28,9 @@ enum class VdmUpdatePreparation {
   kCondemned,  ///< it asked for its own removal
 };
 
-/// Phases in the order in which a pass runs them. Those of which there is nothing to do are run
-/// and told all the same; the operations behind a failed one are not.
+/// Phases in the order in which a pass runs them. Those with nothing to do run and are reported all
+/// the same; the solid operations after a failed one do not run, nor does sheet metal that was not
+/// asked for.
 enum class VdmUpdatePhase {
   kIntake,
   kEarlyRemoval,
@@ -39,6 +41,9 @@ enum class VdmUpdatePhase {
   kInitFeatures,
   kLateRemoval,
   kDependencies,
+  kRecognition,  ///< of sheet metal
+  kGeometry,     ///< of sheet metal
+  kUnfolding,    ///< of sheet metal
 };
 
 /// Hears what a pass does, on the pass's thread and while it runs. Must not change the drawing nor
@@ -59,7 +64,9 @@ class VDM_DB_EXPORT VdmUpdateObserver {
   virtual void featureCondemned(const OdDbObjectId& /*feature*/) {}
   /// `changed` is what its update returned.
   virtual void featureUpdated(const OdDbObjectId& /*feature*/, bool /*changed*/) {}
-  /// Its update or its initAfterUpdate raised an error; the pass goes on with the next one.
+  /// Its initAfterUpdate ran, and returned `changed`.
+  virtual void featureInitialised(const OdDbObjectId& /*feature*/, bool /*changed*/) {}
+  /// Its update or its initAfterUpdate raised an error; the pass continues with the next one.
   virtual void featureFailed(const OdDbObjectId& /*feature*/, const OdString& /*text*/) {}
 
   /// A solid took its tools; `sources` are those who queued them, in the order of the tools.

@@ -239,6 +239,30 @@ TEST_F(ComponentTest, ChangesOfOthersAreFoundByAnUpdate) {
   EXPECT_NEAR(volume(), kPlate - drilled(20.0, 10.0) - 9000.0, 1e-3);
 }
 
+// The insert did not change: the solid that is not there any more is what ends the feature.
+TEST_F(ComponentTest, AComponentOfAnErasedSolidIsErasedByTheNextUpdate) {
+  const EditResult made = insert(hole(L"H", 20.0), 100.0, 100.0);
+  m_plate.safeOpenObject(OdDb::kForWrite)->erase();
+  const EditResult result = m_editor->update();
+  ASSERT_TRUE(done(result));
+  EXPECT_TRUE(made.feature.isErased());
+  ASSERT_EQ(result.report.features.size(), 1U);
+  EXPECT_EQ(result.report.features[0].outcome, FeatureOutcome::kCondemned);
+}
+
+// A chamfer of the plate's edge that begins at the wall of a notch and runs on to the corner.
+TEST_F(ComponentTest, ABlendThatRunsOnBelongsToThePart) {
+  const EditResult made = insert(hole(L"H", 20.0), 100.0, 0.0);
+  OdUInt32 edge = 1;
+  while (plateBody()->distanceTo({OdModelerSubentType::kEdge, edge}, {200.0, 0.0, 10.0}) > 1e-6)
+    ++edge;
+  ASSERT_TRUE(done(m_editor->chamferEdges(m_plate, {&edge, 1}, 1.5)));
+  const double taken = kPlate - 0.5 * drilled(20.0, 10.0) - volume();
+  EXPECT_GT(taken, 0.5 * 1.5 * 1.5 * 189.0);
+  ASSERT_TRUE(done(m_editor->eraseObject(made.created)));
+  EXPECT_NEAR(volume(), kPlate - taken, 1e-3);
+}
+
 TEST_F(ComponentTest, ABlendedRimGoesWithItsOpening) {
   const EditResult made = insert(hole(L"H", 20.0), 100.0, 100.0);
   const OdModelerFace& wall = plateBody()->face(openingFace(made.feature, 1));

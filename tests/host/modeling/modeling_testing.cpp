@@ -6,6 +6,7 @@
 #include "host/modeling/component_query.h"
 #include "host/modeling/component_tools.h"
 #include "host/naming/reference_record.h"
+#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
 
 using namespace vdm_host;
@@ -74,7 +75,7 @@ OdModelerBodyPtr ModelingTest::freshBody(const OdModelerBodyPtr& base) const {
   ComponentTools library;
   for (const OdDbObjectId& id : componentsOfSolid(m_plate)) {
     const OdDbBlockReferencePtr place = component(id)->insertId().openAs<OdDbBlockReference>();
-    if (place.isNull() || place->layer() == OdString(VdmComponentFeature::kSuppressLayer)) continue;
+    if (place.isNull() || place->layer() == kVdmSuppressLayer) continue;
     const BlockTools& all = library.of(place->blockTableRecord());
     for (std::size_t kind = 0; kind < kToolKindCount; ++kind) {
       for (const OdModelerBodyPtr& tool : all.bodies[kind])

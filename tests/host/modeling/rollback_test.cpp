@@ -1,4 +1,4 @@
-// Failures within a pass: everything is rolled back and told.
+// Failures within a pass: everything is rolled back and reported.
 #include "tests/host/modeling/failing_modeler.h"
 #include "tests/host/modeling/modeling_testing.h"
 

@@ -112,9 +112,6 @@ TEST_F(VdmFeatureReferences, OnlyReactorsThatAnswerAreAsked) {
   EXPECT_FALSE(hole()->hasChanges(recalculation));
   EXPECT_FALSE(recalculation);
   const OdDbObjectId telling = hole(OdDb::kForWrite)->addReactor(TellingReactor::desc(), 1, 2);
-  EXPECT_FALSE(VdmDbFeatureReactor::classTellsChanges(reactor(0)));
-  EXPECT_TRUE(VdmDbFeatureReactor::classTellsChanges(telling));
-  EXPECT_FALSE(VdmDbFeatureReactor::classTellsChanges(m_carrier));
   EXPECT_TRUE(hole()->hasChanges(recalculation));
   EXPECT_FALSE(recalculation);
   EXPECT_EQ(TellingReactor::calls, 1);

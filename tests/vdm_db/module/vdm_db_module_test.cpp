@@ -72,6 +72,8 @@ const std::vector<ClassRow> kClassRows = {
      L"VDMDBEXTENSIONDATA", L"Vantrel|Description: extension data"},
     {[] { return VdmUpdateFeatureInterface::desc(); }, L"VdmUpdateFeatureInterface",
      L"VdmFeaturePE", false, L"", L""},
+    {[] { return VdmSimpleFeatureInterface::desc(); }, L"VdmSimpleFeatureInterface",
+     L"VdmUpdateFeatureInterface", false, L"", L""},
     {[] { return VdmDbAssemblyPE::desc(); }, L"VdmDbAssemblyPE", L"OdRxObject", false, L"", L""},
     {[] { return vdmu::VdmRemappingOperationBracket::desc(); }, L"VdmRemappingOperationBracket",
      L"OdRxObject", false, L"", L""},

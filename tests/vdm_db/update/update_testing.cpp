@@ -60,6 +60,7 @@ class TestManagerPE : public VdmDbFeatureManagerPE {
  public:
   OdSharedPtr<VdmFeatureUpdateDataHelper> createHelper(VdmDbFeatureManager*,
                                                        VdmFeatureUpdateData& data) override {
+    Scene::current->contextOfHelper = &data.context();
     return Scene::current->hasHelper ? new TestHelper(data) : nullptr;
   }
 };
@@ -120,14 +121,11 @@ OdDbObjectIdArray UpdateTest::dependencies(const OdDbObjectId& feature, OdUInt32
 }
 
 bool UpdateTest::pass(const OdDbObjectIdArray& ids, bool force, bool constraintsCalculated) {
-  struct Data : VdmFeatureUpdateData {
-    using VdmFeatureUpdateData::setConstraintsCalculated;
-    using VdmFeatureUpdateData::VdmFeatureUpdateData;
-  };
   m_recorder.lines.clear();
   const VdmDbFeatureManagerPtr owner = manager();
-  Data data(owner);
-  data.setConstraintsCalculated(constraintsCalculated, true);
+  VdmFeatureUpdateData data(owner);
+  data.context().constraintsWereCalculated = constraintsCalculated;
+  data.context().constraintsWereCalculatedSuccesfully = true;
   data.setObserver(&m_recorder);
   VdmFeatureUpdateInput input{{}, &m_map, &data, force};
   const bool changed = vdmRunFeatureUpdate(owner, ids, input);

@@ -40,6 +40,7 @@ struct Scene {
   OdString componentName;
   OdUInt32 numTools = 0;      ///< of the last boolean
   OdDbObjectIdArray applied;  ///< objects of applyExtension and attachToSolid
+  const VdmUpdateContext* contextOfHelper = nullptr;  ///< when the last one was made
   bool hasHelper = true;
   bool preparesSubtract = true;
   bool acceptsTools = true;
@@ -107,8 +108,8 @@ class Recorder : public VdmUpdateObserver {
   void phaseBegan(VdmUpdatePhase phase) override { lines.push_back("- " + nameOf(phase)); }
   void featureSkipped(const OdDbObjectId& id) override { add("skip ", id); }
   void featureTaken(const OdDbObjectId& id, VdmUpdateReason reason) override {
-    static constexpr const char* kReasons[] = {"forced", "constraint", "replaced",    "cloned",
-                                               "moved",  "several",    "insert moved"};
+    static constexpr const char* kReasons[] = {"forced", "constraint", "replaced",     "cloned",
+                                               "moved",  "several",    "insert moved", "changed"};
     add("take ", id, std::string(": ") + kReasons[static_cast<int>(reason)]);
   }
   void featurePrepared(const OdDbObjectId& id, VdmUpdatePreparation result) override {
@@ -135,9 +136,9 @@ class Recorder : public VdmUpdateObserver {
     lines.push_back(verb + names[id] + detail);
   }
   static std::string nameOf(VdmUpdatePhase phase) {
-    static constexpr const char* kNames[] = {"intake",   "early removal", "prepare subtract",
-                                             "subtract", "unite",         "update",
-                                             "init",     "late removal",  "dependencies"};
+    static constexpr const char* kNames[] = {
+        "intake", "early removal", "prepare subtract", "subtract",    "unite",    "update",
+        "init",   "late removal",  "dependencies",     "recognition", "geometry", "unfolding"};
     return kNames[static_cast<int>(phase)];
   }
 };

@@ -103,6 +103,60 @@ TEST_F(VdmFeatureUpdateDataTest, FeaturesAreTakenForTheFirstCause) {
   EXPECT_TRUE(recorded("take idle: constraint") && script(ids[0]).forced);
 }
 
+/// A host that knows of one changed entity.
+struct ChangingHost : VdmUpdateHost {
+  OdDbObjectId changed;
+  bool hasChangedEntities() const override { return !changed.isNull(); }
+  bool concerns(const VdmFeature&, const OdDbObjectId& entity) const override {
+    return entity == changed;
+  }
+};
+
+TEST_F(VdmFeatureUpdateDataTest, TheHostSaysWhichEntitiesChanged) {
+  const OdDbObjectId block = addBlock(L"part");
+  const OdDbObjectId inner = addTo(block, newSolid(box(1.0, 1.0, 1.0)), L"0");
+  const OdDbFullSubentPath through(OdDbObjectIdArray{insert(block, space()), inner},
+                                   facePath(inner, 1).subentId());
+  const OdDbObjectId within = addFeature({{through}});
+  onPlate("outside");
+  m_recorder.names[within] = "within";
+  m_recorder.names[addFeature({})] = "none";
+  ChangingHost host;
+  VdmUpdateContext context;
+  context.observer = &m_recorder;
+  context.host = &host;
+  EXPECT_FALSE(manager()->updateFeatures(context));
+  EXPECT_TRUE(m_recorder.lines.empty()) << "nothing is due";
+  host.changed = inner;
+  manager()->updateFeatures(context);
+  EXPECT_TRUE(recorded("take within: changed") && recorded("skip outside"));
+  EXPECT_TRUE(recorded("take none: several"));
+  m_recorder.lines.clear();
+  host.changed = m_plate;
+  context.isFollowUp = true;
+  manager()->updateFeatures(context);
+  EXPECT_TRUE(recorded("skip within") && recorded("take outside: changed"));
+  EXPECT_TRUE(recorded("skip none")) << "several entities are no news";
+}
+
+TEST_F(VdmFeatureUpdateDataTest, TheContextComesToTheHelperAndKeepsItsStatus) {
+  VdmUpdateContext context;
+  context.constraintsWereCalculated = context.constraintsWereCalculatedSuccesfully = true;
+  const OdDbObjectId id = onPlate("asked");
+  bool wasCalculated = true;
+  script(id).update = [&](VdmFeatureUpdateData& data) {
+    wasCalculated = data.constraintsWereCalculated();
+    EXPECT_EQ(&data.context(), &context);
+    return data.replacementMap() != nullptr;
+  };
+  VdmFeatureUpdateData data(manager(), context);
+  EXPECT_EQ(m_scene.contextOfHelper, &context);
+  EXPECT_TRUE(manager()->update({id}, data));
+  EXPECT_FALSE(wasCalculated) << "a pass over given features knows nothing of constraints";
+  EXPECT_TRUE(data.constraintsWereCalculated() && data.constraintsWereCalculatedSuccesfully());
+  EXPECT_EQ(data.replacementMap(), nullptr) << "the map ended with the pass";
+}
+
 TEST_F(VdmFeatureUpdateDataTest, AFailedSolidRollsAllOfThemBackAndThePassGoesOn) {
   const OdDbObjectId hole = opening("hole", {20.0, 30.0, 0.0});
   const OdDbObjectId block = addSolid(box(1.0, 1.0, 1.0));

@@ -1,9 +1,19 @@
-// UpdateHelper: references, residues and placements once the solids are done.
+// ComponentHandler: references, residues and placements once the solids are done.
+//
+// When an opening is closed and cut again, no history of the modeller leads from its old faces to
+// its new ones: healing took the old ones away. What leads there is the tool. The references of an
+// opening carry the number of the tool's face as tag, so each face of a tool knows the faces that
+// it left in the old body (Work::oldFaces) and, through the lineage of the pass, those that it left
+// in the new one (toolFaces). These pairs go to the naming of references as respawns; it decides
+// what each reference stands for. Then faces without a reference get one, and the new residues and
+// placements are stored.
 #include <algorithm>
 #include <iterator>
 
-#include "host/modeling/model_update.h"
-#include "host/modeling/update_helper_site.h"
+#include "host/modeling/component_handler.h"
+#include "host/modeling/component_query.h"
+#include "host/modeling/model_update_context.h"
+#include "host/modeling/update_helper.h"
 #include "host/naming/body_lineage.h"
 #include "host/naming/reference_record.h"
 #include "host/naming/reference_update.h"
@@ -19,21 +29,14 @@ OdModelerBodyPtr bodyOf(const OdDbObjectId& solid) {
 }
 
 VdmComponentFeaturePtr openForWrite(const OdDbObjectId& feature) {
-  return VdmComponentFeature::cast(VdmFeature::open(feature, OdDb::kForWrite));
-}
-
-// The subentity that a dependency leads to; 0 when there is none.
-OdUInt32 resolvedIndex(const OdDbObjectId& dependency) {
-  const VdmDbObjectDependencyPtr object = dependency.openAs<VdmDbObjectDependency>();
-  if (object.isNull() || isUnresolvedIndex(object->subentId().index())) return 0;
-  return static_cast<OdUInt32>(object->subentId().index());
+  return openComponent(feature, OdDb::kForWrite);
 }
 
 void noteBasePlane(const VdmComponentFeature& feature, VdmComponentFeature::Placed& placed) {
   placed.baseNormal = OdGeVector3d();
   const OdModelerBodyPtr body = bodyOf(feature.solidId());
   for (const OdDbObjectId& id : feature.baseFaceDependencies()) {
-    const OdUInt32 index = resolvedIndex(id);
+    const OdUInt32 index = resolvedIndexOf(id);
     if (!body || !body->hasSubent({OdModelerSubentType::kFace, index})) continue;
     const OdModelerFace& face = body->face(index);
     if (face.kind != OdModelerSurfaceKind::kPlane) continue;
@@ -46,8 +49,7 @@ void noteBasePlane(const VdmComponentFeature& feature, VdmComponentFeature::Plac
 // References into an opening remember the tool's face: by that they are found when it is closed and
 // cut again.
 void noteBirths(const OdDbObjectId& feature) {
-  const VdmComponentFeaturePtr component =
-      VdmComponentFeature::cast(VdmFeature::open(feature).get());
+  const VdmComponentFeaturePtr component = openComponent(feature);
   for (const auto& [toolFace, dependencies] : component->openingDependencies()) {
     for (const OdDbObjectId& id : dependencies) {
       const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>(OdDb::kForWrite);
@@ -61,25 +63,21 @@ void noteBirths(const OdDbObjectId& feature) {
 
 }  // namespace
 
-std::span<const OdSolidChange> UpdateHelper::changes() const {
-  return m_journal->changes().subspan(m_journalStart);
-}
-
-void UpdateHelper::prepareInit() {
-  if (failed() || m_work.empty()) return;
+void ComponentHandler::settle() {
+  if (m_work.empty()) return;
   storePieces();
   settleReferences();
   storeApplied();
 }
 
-void UpdateHelper::storePieces() {
+void ComponentHandler::storePieces() {
   for (const std::unique_ptr<Site>& site : m_sites) {
     for (ComponentPieces& pieces : site->ledger.components()) {
       if (!pieces.isChanged(ToolKind::kCut) && !pieces.isChanged(ToolKind::kFill)) continue;
       const VdmComponentFeaturePtr feature = openForWrite(pieces.feature);
       if (feature.isNull()) continue;
       feature->getDbObject()->assertWriteEnabled();
-      for (const ToolKind kind : {ToolKind::kCut, ToolKind::kFill}) {
+      for (const ToolKind kind : kToolKinds) {
         if (pieces.isChanged(kind)) feature->setPiece(kind, pieces.pieceOf(kind));
       }
     }
@@ -88,35 +86,25 @@ void UpdateHelper::storePieces() {
 
 // ---- References
 
-// Faces of the solid that come from a face of the component's tools.
-std::vector<OdUInt32> UpdateHelper::facesOf(const BodyLineage& lineage, const Work& work,
-                                            int toolFace) const {
-  for (const Tool& tool : work.tools) {
-    const int face = toolFace - tool.firstFace;
-    if (face < 1 || face > static_cast<int>(tool.body->numFaces())) continue;
-    const OdModelerBodyPtr now = lineage.bodyAfter(work.solid);
-    if (!now) return {};
-    return lineage.facesFrom(tool.body, static_cast<OdUInt32>(face), now);
-  }
-  return {};
-}
-
-void UpdateHelper::tellOpenings(ReferenceUpdate& update, const BodyLineage& lineage,
-                                const Work& work) const {
+// Names the tools, and for each face of an opening what it was before and what it is now. A face of
+// a tool that left nothing in the old body, or leaves nothing now, has an entry all the same.
+void ComponentHandler::addRespawns(ReferenceUpdate& update, const BodyLineage& lineage,
+                                   const Work& work) const {
   const OdDbHandle feature = work.feature.getHandle();
   FaceRespawn respawn;
   respawn.feature = feature;
   if (work.wasPlaced && work.applies) respawn.motion = work.now * work.before.transform.inverse();
   std::map<int, std::vector<OdUInt32>> oldFaces;
   for (const auto& [toolFace, face] : work.oldFaces) oldFaces[toolFace].push_back(face);
-  for (const Tool& tool : work.tools) {
-    update.nameTool(tool.body, feature);
-    for (OdUInt32 face = 1; face <= tool.body->numFaces(); ++face)
-      oldFaces.try_emplace(tool.firstFace + static_cast<int>(face));
+  std::map<int, std::vector<OdUInt32>> newFaces;
+  for (auto& [toolFace, faces] : toolFaces(lineage, work)) {
+    oldFaces.try_emplace(toolFace);
+    newFaces[toolFace] = std::move(faces);
   }
+  for (const Tool& tool : work.tools) update.nameTool(tool.body, feature);
   for (const auto& [toolFace, faces] : oldFaces) {
     respawn.toolFace = static_cast<OdUInt32>(toolFace);
-    respawn.newFaces = facesOf(lineage, work, toolFace);
+    respawn.newFaces = newFaces[toolFace];
     respawn.oldFace = 0;
     if (faces.empty() && !respawn.newFaces.empty()) update.addRespawn(work.solid, respawn);
     for (const OdUInt32 face : faces) {
@@ -126,31 +114,40 @@ void UpdateHelper::tellOpenings(ReferenceUpdate& update, const BodyLineage& line
   }
 }
 
-void UpdateHelper::settleReferences() {
+void ComponentHandler::settleReferences() {
   VdmDependenciesReplacementMap ownMap;
-  ReferenceUpdate update(m_update != nullptr ? m_update->nextMap() : ownMap);
-  const BodyLineage lineage(changes());
-  for (const Work& work : m_work) tellOpenings(update, lineage, work);
-  ReferenceUpdateReport report = update.settle(changes());
-  if (m_update != nullptr) m_update->noteReferences(std::move(report));
+  ModelUpdateContext* context = m_helper.context();
+  ReferenceUpdate update(context != nullptr ? context->nextMap : ownMap);
+  const BodyLineage lineage(m_helper.changes());
+  for (const Work& work : m_work) addRespawns(update, lineage, work);
+  ReferenceUpdateReport report = update.settle(m_helper.changes());
+  if (context != nullptr) {
+    context->noteReferences(std::move(report));
+    context->numSettled = context->journal.mark();
+  }
   referToOpenings(lineage);
   noteOpenings(lineage);
   matchSamples(lineage);
 }
 
-void UpdateHelper::noteOpenings(const BodyLineage& lineage) const {
-  if (m_update == nullptr) return;
-  for (const OdDbObjectId& solid : lineage.solids()) m_update->forgetOpenings(solid);
+void ComponentHandler::noteOpenings(const BodyLineage& lineage) const {
+  ModelUpdateContext* context = m_helper.context();
+  if (context == nullptr) return;
+  for (const OdDbObjectId& solid : lineage.solids()) context->openings.erase(solid);
   for (const Work& work : m_work) {
-    if (!work.condemned) m_update->noteOpening(work.solid, work.feature, toolFaces(lineage, work));
+    if (work.condemned) continue;
+    Opening opening{work.feature, {}};
+    for (auto& [toolFace, faces] : toolFaces(lineage, work))
+      opening.faces.emplace(toolFace, std::move(faces));
+    context->openings[work.solid].push_back(std::move(opening));
   }
 }
 
 // Makes references to the faces that the tools left and that no reference stands for yet.
-void UpdateHelper::referToOpenings(const BodyLineage& lineage) {
+void ComponentHandler::referToOpenings(const BodyLineage& lineage) {
   std::vector<const Work*> extended;
   {
-    // References are made when the transaction goes.
+    // References are made when the transaction ends.
     const VdmDbFeatureManagerTransactionPtr transaction =
         VdmDbFeatureManagerTransaction::createObject();
     for (const Work& work : m_work) {
@@ -162,7 +159,7 @@ void UpdateHelper::referToOpenings(const BodyLineage& lineage) {
       for (const auto& [toolFace, faces] : toolFaces(lineage, work)) {
         std::vector<OdUInt32> missing = faces;
         if (const auto have = known.find(toolFace); have != known.end()) {
-          for (const OdDbObjectId& id : have->second) std::erase(missing, resolvedIndex(id));
+          for (const OdDbObjectId& id : have->second) std::erase(missing, resolvedIndexOf(id));
         }
         OdDbFullSubentPathArray paths;
         for (const OdUInt32 index : missing)
@@ -176,28 +173,29 @@ void UpdateHelper::referToOpenings(const BodyLineage& lineage) {
   for (const Work* work : extended) noteBirths(work->feature);
 }
 
-// The faces that each face of the component's tools left in the solid, by its number.
-std::vector<std::pair<int, std::vector<OdUInt32>>> UpdateHelper::toolFaces(
-    const BodyLineage& lineage, const Work& work) const {
-  std::vector<std::pair<int, std::vector<OdUInt32>>> all;
+ComponentHandler::ToolFaces ComponentHandler::toolFaces(const BodyLineage& lineage,
+                                                        const Work& work) {
+  ToolFaces all;
+  const OdModelerBodyPtr now = lineage.bodyAfter(work.solid);
   for (const Tool& tool : work.tools) {
-    for (int face = 1; face <= static_cast<int>(tool.body->numFaces()); ++face) {
-      const int toolFace = tool.firstFace + face;
-      all.emplace_back(toolFace, facesOf(lineage, work, toolFace));
+    for (OdUInt32 face = 1; face <= tool.body->numFaces(); ++face) {
+      std::vector<OdUInt32> left =
+          now ? lineage.facesFrom(tool.body, face, now) : std::vector<OdUInt32>();
+      all.emplace_back(tool.firstFace + static_cast<int>(face), std::move(left));
     }
   }
   return all;
 }
 
 // The markers of sampled faces after the pass.
-void UpdateHelper::matchSamples(const BodyLineage& lineage) {
+void ComponentHandler::matchSamples(const BodyLineage& lineage) {
   const auto marker = [](OdUInt32 face) {
     return static_cast<unsigned>(odSubentToMarker({OdModelerSubentType::kFace, face}));
   };
   for (const Work& work : m_work) {
     const OdModelerBodyPtr before = lineage.bodyBefore(work.solid);
     const OdModelerBodyPtr after = lineage.bodyAfter(work.solid);
-    MarkerMap markers;
+    VdmFeatureUpdateDataHelper::MarkerMap markers;
     for (const OdUInt32 face : work.sampledFaces) {
       const std::vector<OdUInt32> images = lineage.facesFrom(before, face, after);
       if (images.empty()) continue;
@@ -205,14 +203,14 @@ void UpdateHelper::matchSamples(const BodyLineage& lineage) {
       std::ranges::transform(images, std::back_inserter(now), marker);
     }
     if (markers.empty()) continue;
-    fillSampleFeatureMapWithMarkers(work.feature, markers);
-    fillBaseFaceMapWithMarkers(work.feature, VdmComponentFeature::kBaseFaceTag, markers);
+    m_helper.fillSampleFeatureMapWithMarkers(work.feature, markers);
+    m_helper.fillBaseFaceMapWithMarkers(work.feature, VdmComponentFeature::kBaseFaceTag, markers);
   }
 }
 
 // ---- The component's own record
 
-void UpdateHelper::storeApplied() {
+void ComponentHandler::storeApplied() {
   for (const Work& work : m_work) {
     if (work.condemned) continue;
     const VdmComponentFeaturePtr feature = openForWrite(work.feature);
