@@ -91,7 +91,7 @@ OdResult OdDbLine::subTransformBy(const OdGeMatrix3d& transform) {
 
 template <class Fields, class Self>
 void OdDbLine::fields(Fields& fields, Self& self) {
-  const auto isPoint = [](const OdGePoint3d& point) { return isFinite(point); };
+  const auto isPoint = [](const OdGePoint3d& point) { return odgeIsFinite(point); };
   const auto isUnit = [](const OdGeVector3d& normal) { return normal.isUnitLength(OdGeTol(1e-6)); };
   fields.version(1);
   fields.value(10, self.m_start, isPoint);

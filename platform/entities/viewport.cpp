@@ -133,7 +133,7 @@ OdResult OdDbViewport::subTransformBy(const OdGeMatrix3d& transform) {
 
 template <class Fields, class Self>
 void OdDbViewport::fields(Fields& fields, Self& self) {
-  const auto isPoint = [](const auto& point) { return isFinite(point); };
+  const auto isPoint = [](const auto& point) { return odgeIsFinite(point); };
   fields.version(1);
   fields.value(10, self.m_center, isPoint);
   fields.value(40, self.m_width, isSize);

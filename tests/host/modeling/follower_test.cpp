@@ -198,7 +198,7 @@ TEST_F(FollowerTest, AFeatureThatChangesItsSolidSettlesAndTellsTheOthers) {
     solid(m_block, OdDb::kForWrite)->setBody(box(50.0, 40.0, 40.0));
   };
   const EditResult result = m_editor->moveObject(m_block, {1.0, 0.0, 0.0});
-  EXPECT_TRUE(resolveReference(VdmFeature::open(reader)->getDependencies(1, false)[0]).resolved());
+  EXPECT_TRUE(resolveReference(VdmFeature::open(reader)->getAllDependencies(false)[0]).resolved());
   EXPECT_EQ(calls(writer, result), 1);
   EXPECT_EQ(m_calls[reader], 2) << "for the move, then for the new body";
   const auto& reports = result.report.features;
