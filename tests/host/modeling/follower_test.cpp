@@ -179,9 +179,8 @@ TEST_F(FollowerTest, WhatAPassDoesReachesTheFeature) {
 }
 
 TEST_F(FollowerTest, OtherEntitiesReachTheFeatureToo) {
-  const OdDbLinePtr line = OdDbLine::createObject();
-  const OdDbObjectId lineId =
-      blockRecord(m_database->getModelSpaceId(), OdDb::kForWrite)->appendOdDbEntity(line);
+  const OdDbObjectId lineId = blockRecord(m_database->getModelSpaceId(), OdDb::kForWrite)
+                                  ->appendOdDbEntity(OdDbLine::createObject());
   const EditResult made = insert(hole(L"H", 20.0), 100.0, 100.0);
   const OdDbObjectId ofLine = follow({OdDbFullSubentPath(lineId, OdDbSubentId())});
   const OdDbObjectId ofInsert = follow({OdDbFullSubentPath(made.created, OdDbSubentId())});
@@ -195,7 +194,7 @@ TEST_F(FollowerTest, AFeatureThatChangesItsSolidSettlesAndTellsTheOthers) {
   const OdDbObjectId reader = follow({face(m_block, 1)});
   const OdDbObjectId writer = follow({face(m_block, 2)});
   FollowerInterface::updates[writer] = [&] {
-    solid(m_block, OdDb::kForWrite)->setBody(box(50.0, 40.0, 40.0));
+    solid(m_block, OdDb::kForWrite)->setBody(box(50.0, 40.0, 40.0, {1.0, 0.0, 100.0}));
   };
   const EditResult result = m_editor->moveObject(m_block, {1.0, 0.0, 0.0});
   EXPECT_TRUE(resolveReference(VdmFeature::open(reader)->getAllDependencies(false)[0]).resolved());
@@ -211,7 +210,7 @@ TEST_F(FollowerTest, FeaturesThatUndoEachOthersWorkAreRefused) {
   const OdDbObjectId second = follow({face(m_block, 2)});
   for (const OdDbObjectId& id : {first, second}) {
     FollowerInterface::updates[id] = [this] {
-      solid(m_block, OdDb::kForWrite)->setBody(box(50.0, 40.0, 40.0));
+      solid(m_block, OdDb::kForWrite)->setBody(box(50.0, 40.0, 40.0, {1.0, 0.0, 100.0}));
     };
   }
   const auto state = snapshot();
