@@ -3,7 +3,7 @@
 
 #include "platform/base/error.h"
 
-// Raised where the system itself, not the runtime under it, finds a programming fault.
+/// Raised where the system itself, not the runtime under it, finds a programming fault.
 class OD_API VdmException : public OdError {
  public:
   explicit VdmException(const OdString& message) : OdError(message) {}

@@ -34,10 +34,11 @@ void vdmcCallAssert(const char* expression, const OdString& message, const char*
     const std::scoped_lock lock(sinkMutex());
     sink = sinkSlot();
   }
-  if (sink)
+  if (sink) {
     (*sink)(assertion);
-  else
+  } else {
     writeToStandardError(assertion);
+  }
 }
 
 VdmAssertSink setVdmAssertSink(VdmAssertSink sink) {

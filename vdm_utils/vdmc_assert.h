@@ -6,7 +6,7 @@
 #include "platform/base/export.h"
 #include "platform/base/string.h"
 
-// One failed assertion as its receiver sees it. `source` has the form "vdm_db/<file>".
+/// One failed assertion as its receiver sees it. `source` has the form "vdm_db/<file>".
 struct VdmAssertion {
   const char* expression;
   const OdString& message;
@@ -16,16 +16,16 @@ struct VdmAssertion {
 
 using VdmAssertSink = std::function<void(const VdmAssertion&)>;
 
-// Reports a failed assertion to the sink and returns: the code after an assertion handles the
-// failure itself. Usable in any thread.
+/// Reports a failed assertion to the sink and returns: the code after an assertion handles the
+/// failure itself. Usable in any thread.
 OD_API void vdmcCallAssert(const char* expression, const OdString& message, const char* source,
                            int line);
 
-// Replaces the receiver of all threads and returns the one before; an empty one means the
-// default, which writes a line to standard error. A receiver must not throw.
+/// Replaces the receiver of all threads and returns the one before; an empty one means the
+/// default, which writes a line to standard error. A receiver must not throw.
 OD_API VdmAssertSink setVdmAssertSink(VdmAssertSink sink);
 
-// Reports when `holds` is false; gives `holds`, so that it can be used in a condition.
+/// Reports when `holds` is false; gives `holds`, so that it can be used in a condition.
 inline bool vdmAssert(bool holds, const char* expression, const OdString& message,
                       const char* source, int line) {
   if (!holds) [[unlikely]]

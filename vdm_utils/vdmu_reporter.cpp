@@ -24,9 +24,10 @@ constexpr MessageRow kMessages[] = {
 const MessageRow& rowOf(VdmuMessageId id) {
   const auto* row = std::find_if(std::begin(kMessages), std::end(kMessages),
                                  [id](const MessageRow& candidate) { return candidate.id == id; });
-  if (row == std::end(kMessages))
+  if (row == std::end(kMessages)) {
     throw VdmException(eInvalidInput,
                        OdString("message identifier " + std::to_string(static_cast<int>(id))));
+  }
   return *row;
 }
 
@@ -35,8 +36,9 @@ OdString fieldText(std::string_view field, std::span<const VdmuMessageArgument> 
   const auto index = static_cast<std::size_t>(field[1] - '0');
   if (index >= arguments.size()) return OdString(L"?");
   const VdmuMessageArgument& argument = arguments[index];
-  if (field.size() > 3 && field[3] == 'c' && !argument.isText())
+  if (field.size() > 3 && field[3] == 'c' && !argument.isText()) {
     return OdString(static_cast<wchar_t>(argument.number()), 1);
+  }
   return argument.text();
 }
 

@@ -8,7 +8,7 @@
 #include "platform/base/export.h"
 #include "platform/base/string.h"
 
-// Message identifiers. The numbers are stable. message_rows.inc lists their arguments.
+/// Message identifiers. The numbers are stable. message_rows.inc lists their arguments.
 enum VdmuMessageId : int {
 #define VDMU_MESSAGE(number, id, severity, text) id = number,
 #include "vdm_utils/message_rows.inc"
@@ -17,17 +17,17 @@ enum VdmuMessageId : int {
 
 enum class VdmuSeverity { kWarning, kError };
 
-// A number or a text in a message.
+/// A number or a text in a message.
 class VdmuMessageArgument {
  public:
   VdmuMessageArgument(std::integral auto number) : m_number(static_cast<OdInt64>(number)) {}
   VdmuMessageArgument(const OdString& text) : m_text(text), m_isText(true) {}
   VdmuMessageArgument(const wchar_t* text) : m_text(text), m_isText(true) {}
 
-  bool isText() const noexcept { return m_isText; }
-  OdInt64 number() const noexcept { return m_number; }
-  // The text, or the number in decimal digits.
-  OdString text() const;
+  [[nodiscard]] bool isText() const noexcept { return m_isText; }
+  [[nodiscard]] OdInt64 number() const noexcept { return m_number; }
+  /// The text, or the number in decimal digits.
+  [[nodiscard]] OdString text() const;
 
  private:
   OdInt64 m_number = 0;
@@ -36,21 +36,21 @@ class VdmuMessageArgument {
 };
 
 OD_API VdmuSeverity vdmuMessageSeverity(VdmuMessageId id);
-// The message's text with the arguments in it; a missing argument shows as "?".
+/// The message's text with the arguments in it; a missing argument shows as "?".
 OD_API OdString vdmuMessageText(VdmuMessageId id, std::span<const VdmuMessageArgument> arguments);
 
-// Receives the messages of an operation, in the order in which they arise. The caller of the
-// operation implements it, to show or to collect.
+/// Receives the messages of an operation, in the order in which they arise. The caller of the
+/// operation implements it, to show or to collect.
 class OD_API VdmuIReporter {
  public:
   virtual ~VdmuIReporter();
 
-  // A message with a text of its own; with an empty one the message's text is vdmuMessageText.
+  /// A message with a text of its own; with an empty one the message's text is vdmuMessageText.
   virtual void report(VdmuMessageId id, const OdString& text) = 0;
-  // A message with arguments, as its format asks. Reports the composed text unless overridden.
+  /// A message with arguments, as its format asks. Reports the composed text unless overridden.
   virtual void reportArguments(VdmuMessageId id, std::span<const VdmuMessageArgument> arguments);
 
-  // The same with the arguments written out: reportFormat(eRpt_Fmt_EmptyCell, row, column).
+  /// The same with the arguments written out: reportFormat(eRpt_Fmt_EmptyCell, row, column).
   template <class... Arguments>
   void reportFormat(VdmuMessageId id, const Arguments&... arguments) {
     const VdmuMessageArgument list[] = {VdmuMessageArgument(arguments)...};
@@ -58,7 +58,7 @@ class OD_API VdmuIReporter {
   }
 };
 
-// A reporter that keeps what it gets.
+/// A reporter that keeps what it gets.
 class OD_API VdmuMessageCollector : public VdmuIReporter {
  public:
   struct Message {
@@ -68,8 +68,8 @@ class OD_API VdmuMessageCollector : public VdmuIReporter {
   };
 
   void report(VdmuMessageId id, const OdString& text) override;
-  const std::vector<Message>& messages() const noexcept { return m_messages; }
-  bool hasErrors() const noexcept;
+  [[nodiscard]] const std::vector<Message>& messages() const noexcept { return m_messages; }
+  [[nodiscard]] bool hasErrors() const noexcept;
   void clear() noexcept { m_messages.clear(); }
 
  private:

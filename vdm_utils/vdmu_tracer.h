@@ -12,10 +12,11 @@
 #include "platform/base/string.h"
 #include "platform/rx/rx_object.h"
 
-// Puts one line together and hands it to the sink when it is destroyed:
-//   VdmuTracer() << L"update " << featureId << L" gives " << result;
-// Off, as at first, it builds nothing. What can be put in: texts, numbers, handles, results, object
-// ids (as handles), run-time objects (as class names), points and vectors, and arrays of these.
+/// Puts one line together and hands it to the sink when it is destroyed:
+///   VdmuTracer() << L"update " << featureId << L" gives " << result;
+/// Off, as at first, it builds nothing. What can be put in: texts, numbers, handles, results,
+/// object ids (as handles), run-time objects (as class names), points and vectors, and arrays of
+/// these.
 class OD_API VdmuTracer {
  public:
   using Sink = std::function<void(const OdString& line)>;
@@ -26,8 +27,8 @@ class OD_API VdmuTracer {
   VdmuTracer& operator=(const VdmuTracer&) = delete;
 
   static bool isEnabled() noexcept;
-  // Lines of all threads go to the sink, one at a time; an empty sink switches tracing off. A sink
-  // must neither throw nor trace.
+  /// Lines of all threads go to the sink, one at a time; an empty sink switches tracing off. A sink
+  /// must neither throw nor trace.
   static void setSink(Sink sink);
 
   template <class T>
@@ -51,26 +52,27 @@ class OD_API VdmuTracer {
 
   template <class T>
   void put(const T& value) {
-    if constexpr (std::same_as<T, bool>)
+    if constexpr (std::same_as<T, bool>) {
       append(value ? L"true" : L"false");
-    else if constexpr (std::same_as<T, OdResult>)
+    } else if constexpr (std::same_as<T, OdResult>) {
       append(odResultName(value));
-    else if constexpr (std::same_as<T, OdDbHandle>)
+    } else if constexpr (std::same_as<T, OdDbHandle>) {
       append(value.ascii());
-    else if constexpr (std::same_as<T, wchar_t> || std::same_as<T, char>)
+    } else if constexpr (std::same_as<T, wchar_t> || std::same_as<T, char>) {
       append(OdString(static_cast<wchar_t>(value), 1));
-    else if constexpr (std::integral<T> || std::is_enum_v<T>)
+    } else if constexpr (std::integral<T> || std::is_enum_v<T>) {
       putInteger(static_cast<OdInt64>(value));
-    else if constexpr (std::floating_point<T>)
+    } else if constexpr (std::floating_point<T>) {
       putReal(static_cast<double>(value));
-    else if constexpr (std::convertible_to<const T&, const OdRxObject*>)
+    } else if constexpr (std::convertible_to<const T&, const OdRxObject*>) {
       putClassName(value);
-    else if constexpr (requires { value.getHandle().ascii(); })
+    } else if constexpr (requires { value.getHandle().ascii(); }) {
       append(value.isNull() ? OdString(L"null") : value.getHandle().ascii());
-    else if constexpr (requires { value.x + value.y; })
+    } else if constexpr (requires { value.x + value.y; }) {
       putPoint(value);
-    else
+    } else {
       append(OdString(value));
+    }
   }
   template <class T>
   void putPoint(const T& value) {
@@ -92,11 +94,11 @@ class OD_API VdmuTracer {
   bool m_active;
 };
 
-// Indents the lines of this thread by two more characters while it lives.
+/// Indents the lines of this thread by two more characters while it lives.
 class OD_API VdmuTraceIndenter {
  public:
   VdmuTraceIndenter() noexcept;
-  // Traces `title` first, as the heading of the indented lines.
+  /// Traces `title` first, as the heading of the indented lines.
   explicit VdmuTraceIndenter(const OdString& title);
   ~VdmuTraceIndenter();
   VdmuTraceIndenter(const VdmuTraceIndenter&) = delete;

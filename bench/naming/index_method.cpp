@@ -6,7 +6,7 @@ namespace {
 
 class IndexMethod final : public NamingMethod {
  public:
-  const char* name() const override { return "index"; }
+  [[nodiscard]] const char* name() const override { return "index"; }
   void begin(const OdModelerBodyPtr& body, std::span<const OdModelerSubent> references) override {
     m_body = body;
     m_references.assign(references.begin(), references.end());

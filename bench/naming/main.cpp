@@ -37,22 +37,23 @@ std::optional<Arguments> parse(int argc, char** argv) {
     }
     if (++i == argc) return {};
     const std::string value = argv[i];
-    if (name == "--seed")
+    if (name == "--seed") {
       result.run.seed = std::stoull(value);
-    else if (name == "--models")
+    } else if (name == "--models") {
       result.run.modelsPerFamily = std::stoul(value);
-    else if (name == "--repeats")
+    } else if (name == "--repeats") {
       result.run.repeats = std::stoul(value);
-    else if (name == "--references")
+    } else if (name == "--references") {
       result.run.references = std::stoul(value);
-    else if (name == "--edit")
+    } else if (name == "--edit") {
       result.run.onlyEdit = value;
-    else if (name == "--family")
+    } else if (name == "--family") {
       result.run.onlyFamily = value;
-    else if (name == "--method")
+    } else if (name == "--method") {
       result.method = value;
-    else
+    } else {
       return {};
+    }
   }
   return result;
 }

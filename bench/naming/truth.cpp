@@ -38,7 +38,7 @@ class Judgement {
     if (m_meaning.anywhere) mapSymmetries();
   }
 
-  Truth of(OdModelerSubent subent) const {
+  [[nodiscard]] Truth of(OdModelerSubent subent) const {
     const Key& own = m_before.meeting(subent);
     if (std::ranges::count(own, -1) != 0) return {};
     if (touchesTwin(own)) return {TruthKind::kAmbiguous, {}};
@@ -69,7 +69,7 @@ class Judgement {
     }
   }
 
-  std::optional<Key> successor(OdModelerSubent subent) const {
+  [[nodiscard]] std::optional<Key> successor(OdModelerSubent subent) const {
     Key key;
     for (const int carrier : m_before.meeting(subent)) {
       if (carrier < 0 || m_successors[static_cast<std::size_t>(carrier)] < 0) return {};
@@ -80,7 +80,7 @@ class Judgement {
     return key;
   }
 
-  bool touchesTwin(const Key& key) const {
+  [[nodiscard]] bool touchesTwin(const Key& key) const {
     return std::ranges::any_of(key, [&](int carrier) {
       return m_meaning.twins.contains(m_before.carriers()[static_cast<std::size_t>(carrier)].name);
     });
@@ -100,7 +100,7 @@ class Judgement {
     }
   }
 
-  bool movedBySymmetry(const Key& key) const {
+  [[nodiscard]] bool movedBySymmetry(const Key& key) const {
     return std::ranges::any_of(m_symmetries, [&](const std::vector<int>& images) {
       Key moved;
       for (const int carrier : key) moved.push_back(images[static_cast<std::size_t>(carrier)]);
@@ -109,7 +109,7 @@ class Judgement {
   }
 
   /// How the feature to which the subentity belongs moved; the whole part when none.
-  OdGeMatrix3d motionOf(OdModelerSubent subent) const {
+  [[nodiscard]] OdGeMatrix3d motionOf(OdModelerSubent subent) const {
     for (const int carrier : m_before.meeting(subent)) {
       const int feature = m_before.carriers()[static_cast<std::size_t>(carrier)].feature;
       if (feature < 0) continue;
@@ -121,14 +121,16 @@ class Judgement {
     return m_newPlan.placement * m_oldPlan.placement.inverse();
   }
 
-  bool overlap(OdModelerSubent old, OdModelerSubent now, const OdGeMatrix3d& motion) const {
+  [[nodiscard]] bool overlap(OdModelerSubent old, OdModelerSubent now,
+                             const OdGeMatrix3d& motion) const {
     const auto onNow = motion * pointOn(m_before.body(), old);
     if (distanceTo(onNow, m_now.body(), now) < kOnEachOther) return true;
     const auto onOld = motion.inverse() * pointOn(m_now.body(), now);
     return distanceTo(onOld, m_before.body(), old) < kOnEachOther;
   }
 
-  Truth amongRivals(OdModelerSubent subent, const Subents& rivals, const Subents& images) const {
+  [[nodiscard]] Truth amongRivals(OdModelerSubent subent, const Subents& rivals,
+                                  const Subents& images) const {
     if (m_meaning.resized) return pairedByDistance(subent, rivals, images);
     const OdGeMatrix3d motion = motionOf(subent);
     Truth truth{TruthKind::kAnswer, {}};
@@ -145,15 +147,15 @@ class Judgement {
     return {allTaken ? TruthKind::kGone : TruthKind::kUndecided, {}};
   }
 
-  OdModelerSubent nearest(OdModelerSubent old, const Subents& images) const {
+  [[nodiscard]] OdModelerSubent nearest(OdModelerSubent old, const Subents& images) const {
     const OdGePoint3d point = motionOf(old) * pointOn(m_before.body(), old);
     return *std::ranges::min_element(images, {}, [&](OdModelerSubent image) {
       return point.distanceTo(pointOn(m_now.body(), image));
     });
   }
 
-  Truth pairedByDistance(OdModelerSubent subent, const Subents& rivals,
-                         const Subents& images) const {
+  [[nodiscard]] Truth pairedByDistance(OdModelerSubent subent, const Subents& rivals,
+                                       const Subents& images) const {
     if (rivals.size() != images.size()) return {};
     std::set<OdModelerSubent> taken;
     for (const OdModelerSubent rival : rivals) taken.insert(nearest(rival, images));

@@ -167,8 +167,9 @@ void measureOne(std::size_t count, std::size_t rounds, std::vector<Figure>& figu
                       if (found.size() != count) throw std::logic_error("a feature is missing");
                     }));
     peerLists.push_back(scale * workOf([&] {
-                          if (functions.list() != count)
+                          if (functions.list() != count) {
                             throw std::logic_error("a function is missing");
+                          }
                         }));
   }
   const std::size_t opened = counter.count;

@@ -73,19 +73,23 @@ OdStatus makeComponent(Editing& editing, const std::string& kind, const Argument
   const std::optional<double> depth = arguments.optionalNumber("depth");
   const ComponentRole role =
       arguments.has("unite") ? ComponentRole::kUnite : ComponentRole::kSubtract;
-  if (kind == "hole")
+  if (kind == "hole") {
     return vdm_host::makeHole(drawing, name, {arguments.number("diameter"), depth}, block);
-  if (kind == "counterbore")
+  }
+  if (kind == "counterbore") {
     return vdm_host::makeCounterbore(drawing, name,
                                      {arguments.number("diameter"), depth, arguments.number("bore"),
                                       arguments.number("bore-depth")},
                                      block);
-  if (kind == "slot")
+  }
+  if (kind == "slot") {
     return vdm_host::makeSlot(
         drawing, name, {arguments.number("width"), arguments.number("length"), depth}, block);
-  if (kind == "boss")
+  }
+  if (kind == "boss") {
     return vdm_host::makeBoss(drawing, name,
                               {arguments.number("diameter"), arguments.number("height")}, block);
+  }
   if (kind == "block") return vdm_host::makeFromBlock(drawing, name, role, block);
   return vdm_host::makeFromStep(drawing, name, OdString(arguments.text("source")), role, block);
 }
@@ -160,8 +164,9 @@ vdm_host::ComponentPlacement placementOf(Editing& editing, const Arguments& argu
   }
   if (arguments.has("at")) placement.point = arguments.point("at");
   if (arguments.has("direction")) placement.direction = arguments.vector("direction");
-  if (arguments.has("angle"))
+  if (arguments.has("angle")) {
     placement.rotation = arguments.number("angle") * std::numbers::pi / 180.0;
+  }
   placement.name = OdString(arguments.text("name"));
   return placement;
 }

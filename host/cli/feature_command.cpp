@@ -54,8 +54,9 @@ std::string kindOf(const VdmFeature& feature) {
   constexpr std::string_view kPrefix = "Vdm";
   constexpr std::string_view kEnding = "Feature";
   if (name.starts_with(kPrefix)) name.erase(0, kPrefix.size());
-  if (name.ends_with(kEnding) && name.size() > kEnding.size())
+  if (name.ends_with(kEnding) && name.size() > kEnding.size()) {
     name.resize(name.size() - kEnding.size());
+  }
   return name;
 }
 

@@ -194,8 +194,9 @@ StepResult makeGroup(Editing& editing, const Arguments& arguments) {
     const auto group = VdmGroupFeature::cast(VdmFeature::open(id, OdDb::kForWrite));
     if (group.isNull()) throw CliError("a group cannot be made: the module is not loaded");
     group->init(paths);
-    if (arguments.has("description"))
+    if (arguments.has("description")) {
       static_cast<void>(group->setDescription(OdString(arguments.text("description"))));
+    }
   }
   transaction.commit();
   StepResult step;

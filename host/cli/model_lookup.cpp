@@ -204,8 +204,9 @@ ReferenceText referenceText(const vdm_host::ReferenceEntry& entry) {
       text.name = str(feature->name());
     } else {
       std::string who = feature.isNull() ? objectText(watcher) : str(feature->name());
-      if (std::ranges::find(text.watchers, who) == text.watchers.end())
+      if (std::ranges::find(text.watchers, who) == text.watchers.end()) {
         text.watchers.push_back(std::move(who));
+      }
     }
   }
   return text;

@@ -72,8 +72,10 @@ Json parseText(const std::string& text) {
                                                       Json& parsed) {
     if (event == Json::parse_event_t::object_start) keys.emplace_back();
     if (event == Json::parse_event_t::object_end) keys.pop_back();
-    if (event == Json::parse_event_t::key && !keys.back().insert(parsed.get<std::string>()).second)
+    if (event == Json::parse_event_t::key &&
+        !keys.back().insert(parsed.get<std::string>()).second) {
       throw CliError("key " + quote(parsed.get<std::string>()) + " comes twice");
+    }
     return true;
   };
   try {

@@ -134,10 +134,12 @@ std::string auditText(const std::vector<ReferenceEntry>& entries,
   std::string headline = findings.lost.empty() ? "sound: " : "not sound: ";
   headline += counted(entries.size(), "reference");
   if (!entries.empty()) headline += ", " + gradesText(countGrades(entries));
-  if (findings.waiting != 0)
+  if (findings.waiting != 0) {
     headline += "; " + std::to_string(findings.waiting) + " of suppressed components";
-  if (findings.unneeded != 0)
+  }
+  if (findings.unneeded != 0) {
     headline += "; " + std::to_string(findings.unneeded) + " without a watcher";
+  }
   TextTable table = referenceTable();
   for (const ReferenceText& text : findings.lost) addRow(table, text);
   return headline + "\n" + table.text();

@@ -40,8 +40,9 @@ const char* kindName(Kind kind) {
 
 Json matrixJson(const OdGeMatrix3d& matrix) {
   Json rows = Json::array();
-  for (const auto& row : matrix.entry)
+  for (const auto& row : matrix.entry) {
     rows.push_back(Json::array({row[0], row[1], row[2], row[3]}));
+  }
   return rows;
 }
 

@@ -36,7 +36,7 @@ class VdmDbInsertReactor : public VdmDbFeatureReactor {
   void erased(const OdDbObject* object, bool erasing) override;
 
  private:
-  VdmDbInsertReactorImpl& state() const;
+  [[nodiscard]] VdmDbInsertReactorImpl& state() const;
 };
 using VdmDbInsertReactorPtr = OdSmartPtr<VdmDbInsertReactor>;
 

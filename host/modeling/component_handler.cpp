@@ -68,8 +68,9 @@ bool ComponentHandler::worked(const OdDbObjectId& feature) const {
 }
 
 bool ComponentHandler::fail(const OdDbObjectId& feature, OdStatus status) {
-  if (const Work* work = findWork(feature); work != nullptr)
+  if (const Work* work = findWork(feature); work != nullptr) {
     status.text = L"solid " + OdString(work->solid.getHandle().ascii()) + L": " + status.text;
+  }
   return m_helper.fail(feature, std::move(status));
 }
 
@@ -100,8 +101,9 @@ ComponentHandler::Plan ComponentHandler::plan(const VdmComponentFeature& feature
   work.wasPlaced = feature.placed(work.before);
   work.heals = feature.state() == VdmComponentFeature::kStateApplied;
   planAt(feature, work);
-  if (!work.heals && !work.applies && !work.condemned && work.state == feature.state())
+  if (!work.heals && !work.applies && !work.condemned && work.state == feature.state()) {
     return Plan::kNothing;
+  }
   const bool condemned = work.condemned;
   if (work.heals || work.applies) enterSite(feature, work);
   addWork(std::move(work));

@@ -137,8 +137,9 @@ void ComponentHandler::noteOpenings(const BodyLineage& lineage) const {
   for (const Work& work : m_work) {
     if (work.condemned) continue;
     Opening opening{work.feature, {}};
-    for (auto& [toolFace, faces] : toolFaces(lineage, work))
+    for (auto& [toolFace, faces] : toolFaces(lineage, work)) {
       opening.faces.emplace(toolFace, std::move(faces));
+    }
     context->openings[work.solid].push_back(std::move(opening));
   }
 }
@@ -162,8 +163,9 @@ void ComponentHandler::referToOpenings(const BodyLineage& lineage) {
           for (const OdDbObjectId& id : have->second) std::erase(missing, resolvedIndexOf(id));
         }
         OdDbFullSubentPathArray paths;
-        for (const OdUInt32 index : missing)
+        for (const OdUInt32 index : missing) {
           paths.append(OdDbFullSubentPath(work.solid, OdDbSubentId(OdDb::kFaceSubentType, index)));
+        }
         transaction->append(feature.get(), paths, VdmComponentFeature::kOpeningMask, toolFace);
         isExtended |= !missing.empty();
       }

@@ -53,8 +53,9 @@ void ComponentHandler::fillSite(Site& site) {
     const VdmComponentFeaturePtr component = openComponent(id);
     VdmComponentFeature::Placed placed;
     if (component.isNull() || component->state() != VdmComponentFeature::kStateApplied ||
-        !component->placed(placed))
+        !component->placed(placed)) {
       continue;
+    }
     site.ledger.add(id).box = placed.box;
   }
 }
@@ -123,9 +124,10 @@ OdStatus ComponentHandler::healWithoutResidue(const Work& work, OdDb3dSolid& sol
   std::vector<OdUInt32> faces;
   for (const auto& [tag, face] : work.oldFaces) faces.push_back(face);
   OdStatus status = solid.removeFaces(faces);
-  if (!status.ok())
+  if (!status.ok()) {
     status.text =
         OdString(L"its residue is lost and its faces cannot be taken off: ") + status.text;
+  }
   return status;
 }
 

@@ -38,8 +38,9 @@ OdDbFullSubentPathArray VdmComponentInterface::openingPaths() const {
   OdDbFullSubentPathArray paths;
   for (const OdDbFullSubentPath& path :
        feature()->getFeatureEntities(VdmComponentFeature::kOpeningMask, /*filtered=*/false)) {
-    if (path.objectIds().size() == 1 && !vdm_host::isUnresolvedIndex(path.subentId().index()))
+    if (path.objectIds().size() == 1 && !vdm_host::isUnresolvedIndex(path.subentId().index())) {
       paths.append(path);
+    }
   }
   return paths;
 }

@@ -144,20 +144,24 @@ OdStatus makeCounterbore(OdDbDatabase* database, const OdString& name, const Cou
   if (status.ok()) status = checkLength(L"the bore's depth", spec.boreDepth);
   if (status.ok() && spec.depth) status = checkLength(L"the depth", *spec.depth);
   if (!status.ok()) return status;
-  if (!isLength(spec.boreDiameter) || spec.boreDiameter <= spec.diameter)
+  if (!isLength(spec.boreDiameter) || spec.boreDiameter <= spec.diameter) {
     return refuse(L"the bore's diameter %g is not more than the hole's diameter %g",
                   spec.boreDiameter, spec.diameter);
+  }
   const double depth = spec.depth.value_or(throughDepth(database, spec.boreDiameter));
-  if (depth <= spec.boreDepth)
+  if (depth <= spec.boreDepth) {
     return refuse(L"the depth %g is not more than the bore's depth %g", depth, spec.boreDepth);
+  }
   OdModelerBodyPtr hole;
   OdModelerBodyPtr bore;
   OdModelerBodyPtr tool;
   status = cylinder(spec.diameter, -depth, 0.0, hole);
-  if (status.ok())
+  if (status.ok()) {
     status = cylinder(spec.boreDiameter, -spec.boreDepth, kClearance * spec.boreDiameter, bore);
-  if (status.ok())
+  }
+  if (status.ok()) {
     status = odModeler().boolean(OdModelerBooleanKind::kUnite, hole, {&bore, 1}, tool, nullptr);
+  }
   if (!status.ok()) return status;
   return makeBlock(database, name, L"Counterbore", ComponentRole::kSubtract, {tool}, block);
 }
@@ -167,8 +171,9 @@ OdStatus makeSlot(OdDbDatabase* database, const OdString& name, const SlotSpec& 
   OdStatus status = checkLength(L"the width", spec.width);
   if (status.ok() && spec.depth) status = checkLength(L"the depth", *spec.depth);
   if (!status.ok()) return status;
-  if (!isLength(spec.length) || spec.length <= spec.width)
+  if (!isLength(spec.length) || spec.length <= spec.width) {
     return refuse(L"the length %g is not more than the width %g", spec.length, spec.width);
+  }
   const double depth = spec.depth.value_or(throughDepth(database, spec.width));
   const double top = kClearance * spec.width;
   const double x = 0.5 * (spec.length - spec.width);

@@ -13,8 +13,9 @@ OdStatus dropUnwatched(ModelUpdateContext& context) {
     return feature.outcome == FeatureOutcome::kCondemned;
   };
   // A feature that the pass erased leaves its references.
-  if (!context.leavesUnwatched && std::ranges::none_of(context.report.features, isErased))
+  if (!context.leavesUnwatched && std::ranges::none_of(context.report.features, isErased)) {
     return {};
+  }
   for (const OdDbObjectId& id : context.managers) {
     const VdmDbFeatureManagerPtr manager = id.openAs<VdmDbFeatureManager>();
     if (!manager.isNull()) dropUnwatchedReferences(manager->blockId());

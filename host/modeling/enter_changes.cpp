@@ -9,8 +9,9 @@ namespace {
 
 // A pass takes the features of what was moved.
 void enterMotions(ModelUpdateContext& context) {
-  for (const EntityChanges::Motion& motion : context.changes.motions())
+  for (const EntityChanges::Motion& motion : context.changes.motions()) {
     context.map.addTransformedObject(motion.entity, motion.transform, /*marked=*/false);
+  }
 }
 
 bool isChanged(const VdmComponentFeature& component) {

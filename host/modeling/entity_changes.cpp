@@ -64,8 +64,9 @@ std::vector<EntityChanges::Motion> EntityChanges::motions() const {
   }
   for (const Motion& before : m_placements) {
     const OdDbBlockReferencePtr insert = before.entity.openAs<OdDbBlockReference>();
-    if (!insert.isNull())
+    if (!insert.isNull()) {
       moved.push_back({before.entity, insert->blockTransform() * before.transform.inverse()});
+    }
   }
   std::erase_if(moved, [](const Motion& motion) { return motion.transform.isIdentity(); });
   return moved;

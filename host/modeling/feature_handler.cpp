@@ -7,7 +7,6 @@
 #include "host/naming/name_feature.h"
 #include "vdm_db/concrete_features/vdm_diff_feature.h"
 #include "vdm_db/concrete_features/vdm_group_feature.h"
-#include "vdm_db/concrete_features/vdm_diff_feature.h"
 #include "vdm_db/concrete_features/vdm_suppress_feature.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 

@@ -35,8 +35,9 @@ void followBaseFace(const VdmComponentFeature& component, const OdModelerBody& b
     if (std::abs(offset) <= OdGeTol::kDefault.equalPoint()) continue;
     const OdDbBlockReferencePtr insert =
         component.insertId().openAs<OdDbBlockReference>(OdDb::kForWrite);
-    if (!insert.isNull())
+    if (!insert.isNull()) {
       insert->transformBy(OdGeMatrix3d::translation(placed.baseNormal * offset));
+    }
   }
 }
 

@@ -49,8 +49,9 @@ std::unique_ptr<ResidueLedger> appliedPieces(const ModelUpdateContext& context,
 void storePieces(ResidueLedger& ledger) {
   for (ComponentPieces& pieces : ledger.components()) {
     for (const ToolKind kind : kToolKinds) {
-      if (pieces.isChanged(kind))
+      if (pieces.isChanged(kind)) {
         openToChange(pieces.feature)->setPiece(kind, pieces.pieceOf(kind));
+      }
     }
   }
 }
@@ -85,8 +86,9 @@ OdStatus carryAlong(const ModelUpdateContext& context, const OdSolidChange& chan
     if (component.isNull() || !component->placed(placed)) continue;
     const OdDbBlockReferencePtr insert =
         component->insertId().openAs<OdDbBlockReference>(OdDb::kForWrite);
-    if (!insert.isNull() && !wentSomewhere(*component, *insert, placed))
+    if (!insert.isNull() && !wentSomewhere(*component, *insert, placed)) {
       insert->transformBy(transform);
+    }
     if (OdStatus status = movePieces(*component, transform); !status.ok()) return status;
     placed.transform = transform * placed.transform;
     for (OdGeExtents3d& box : placed.box) box.transformBy(transform);

@@ -15,8 +15,9 @@ OdStatus indexFeatures(ModelUpdateContext& context) {
     for (const OdDbObjectId& featureId : manager->featureIds()) {
       const VdmFeaturePtr feature = VdmFeature::open(featureId);
       if (feature.isNull()) continue;
-      if (feature->isA() != std::exchange(known, feature->isA()))
+      if (feature->isA() != std::exchange(known, feature->isA())) {
         context.hasFollowers |= followsEntities(known);
+      }
       const VdmComponentFeaturePtr component = VdmComponentFeature::cast(feature.get());
       if (!component.isNull()) context.components[component->solidId()].append(featureId);
     }

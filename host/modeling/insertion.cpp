@@ -88,18 +88,21 @@ OdStatus makeInsertion(OdDbDatabase* database, const OdDbObjectId& block,
   if (!body) return refuse(L"solid " + solidText + L" is empty");
   ComponentTools tools;
   const BlockTools& blockTools = tools.of(block);
-  if (blockTools.bodies[0].empty() && blockTools.bodies[1].empty())
+  if (blockTools.bodies[0].empty() && blockTools.bodies[1].empty()) {
     return refuse(L"block " + OdString(block.getHandle().ascii()) + L" is no component");
-  if (placement.direction && placement.direction->isZeroLength())
+  }
+  if (placement.direction && placement.direction->isZeroLength()) {
     return refuse(OdString(L"the direction has no length"));
+  }
 
   OdUInt32 face = 0;
   OdGeVector3d direction;
   OdStatus status = findFace(*body, placement, face);
-  if (status.ok() && placement.direction)
+  if (status.ok() && placement.direction) {
     direction = *placement.direction;
-  else if (status.ok())
+  } else if (status.ok()) {
     status = outwardNormal(body->face(face), placement.point, direction);
+  }
   if (!status.ok()) return status;
 
   OdDbBlockReferencePtr reference = OdDbBlockReference::createObject();
@@ -118,8 +121,9 @@ OdStatus makeInsertion(OdDbDatabase* database, const OdDbObjectId& block,
                                     /*numberGiven=*/!isNamed, /*trim=*/true);
   const VdmComponentFeaturePtr component =
       VdmComponentFeature::cast(VdmFeature::open(feature, OdDb::kForWrite));
-  if (component.isNull())
+  if (component.isNull()) {
     return {eModelerError, OdString(L"the feature cannot be made: its class is not loaded")};
+  }
   component->getDbObject()->assertWriteEnabled();
   component->bind(placement.solid, insert);
   if (face == 0) return {};

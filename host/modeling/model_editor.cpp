@@ -35,9 +35,10 @@ OdStatus resolveEdges(std::span<const OdDbObjectId> references, OdDbObjectId& so
     if (!found.resolved()) return refuse(name + L" leads nowhere: " + found.note);
     const OdDbSubentId& subent = found.path.subentId();
     if (subent.type() != OdDb::kEdgeSubentType) return refuse(name + L" is no edge");
-    if (!solid.isNull() && solid != found.solid)
+    if (!solid.isNull() && solid != found.solid) {
       return refuse(name + L" lies on solid " + handleText(found.solid) + L", not on " +
                     handleText(solid));
+    }
     solid = found.solid;
     edges.push_back(static_cast<OdUInt32>(subent.index()));
   }
@@ -209,12 +210,13 @@ EditResult ModelEditor::rotateObject(const OdDbObjectId& entity, const OdGeVecto
     OdGePoint3d about;
     const OdDbBlockReferencePtr insert = OdDbBlockReference::cast(object.get());
     OdGeExtents3d box;
-    if (center)
+    if (center) {
       about = *center;
-    else if (!insert.isNull())
+    } else if (!insert.isNull()) {
       about = insert->position();
-    else if (object->getGeomExtents(box) == eOk)
+    } else if (object->getGeomExtents(box) == eOk) {
       about = box.center();
+    }
     const OdResult moved = object->transformBy(OdGeMatrix3d::rotation(angle, axis, about));
     if (moved == eOk) return {};
     return {moved, L"object " + handleText(entity) + L" cannot be rotated"};

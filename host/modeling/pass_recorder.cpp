@@ -121,8 +121,9 @@ void PassRecorder::featureTaken(const OdDbObjectId& feature, VdmUpdateReason rea
 }
 
 void PassRecorder::featurePrepared(const OdDbObjectId& feature, VdmUpdatePreparation result) {
-  if (result == VdmUpdatePreparation::kCondemned)
+  if (result == VdmUpdatePreparation::kCondemned) {
     entry(feature).outcome = FeatureOutcome::kCondemned;
+  }
   if (result == VdmUpdatePreparation::kDone) m_changes.noteSeen(feature);
 }
 

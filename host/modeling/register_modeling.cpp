@@ -46,12 +46,13 @@ class NamingPolicy : public VdmDbNamingPolicyPE {
 class ComponentColors : public VdmFeatureColorPE {
  public:
   bool overrideColor(int mask, OdCmEntityColor& color) override {
-    if (mask == VdmComponentFeature::kBaseFaceMask)
+    if (mask == VdmComponentFeature::kBaseFaceMask) {
       color = OdCmEntityColor::fromRGB(90, 140, 210);
-    else if (mask == VdmComponentFeature::kOpeningMask)
+    } else if (mask == VdmComponentFeature::kOpeningMask) {
       color = OdCmEntityColor::fromRGB(230, 140, 40);
-    else
+    } else {
       return false;
+    }
     return true;
   }
 };
@@ -113,8 +114,9 @@ void unregisterModeling() {
   vdmu::GetFEATURECOLORS::setImpl(nullptr);
   VdmUpdateFeatureInterface::unregisterComponentFeature(VdmComponentFeature::desc());
   unregisterFeatureHandler(VdmComponentFeature::desc());
-  for (auto row = std::rbegin(kExtensions); row != std::rend(kExtensions); ++row)
+  for (auto row = std::rbegin(kExtensions); row != std::rend(kExtensions); ++row) {
     row->target()->delX(row->protocol());
+  }
   VdmComponentInterface::rxUninit();
   VdmComponentFeature::rxUninit();
   VdmDbInsertReactor::rxUninit();

@@ -12,8 +12,9 @@ ReferenceReport reportOf(const ModelUpdateContext& context, const ReferenceChang
   entry.after = gradeName(change.grade);
   entry.text = causeName(change.cause);
   const OdDbObjectId feature = context.database->getOdDbObjectId(change.feature);
-  if (const VdmFeaturePtr object = VdmFeature::open(feature); !object.isNull())
+  if (const VdmFeaturePtr object = VdmFeature::open(feature); !object.isNull()) {
     entry.text += L" by " + object->name();
+  }
   entry.needsAttention = !isResolved(change.grade) && isResolved(change.gradeBefore);
   entry.replacedBy = change.replacedBy;
   return entry;

@@ -183,10 +183,11 @@ OdStatus ResidueLedger::takeLoners(const OdModelerBodyPtr& before,
     }
   }
   for (std::size_t i = 0; i < loners.size() && status.ok(); ++i) {
-    if (parts[i].size() == 1)
+    if (parts[i].size() == 1) {
       pieces[i] = parts[i].front();
-    else if (parts[i].size() > 1)
+    } else if (parts[i].size() > 1) {
       status = odModeler().compound(parts[i], pieces[i]);
+    }
   }
   return status;
 }

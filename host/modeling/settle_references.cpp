@@ -19,8 +19,9 @@ void settleForeignChanges(ModelUpdateContext& context) {
     const OdDbObjectIdArray dependencies = manager->objectDependencyIds();
     for (const ResolvedReference& found :
          resolveReferences({dependencies.begin(), dependencies.size()})) {
-      if (!found.solid.isNull() && known.insert(found.solid).second)
+      if (!found.solid.isNull() && known.insert(found.solid).second) {
         context.noteReferences(update.settleByStamp(found.solid));
+      }
     }
   }
 }

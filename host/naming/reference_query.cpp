@@ -161,11 +161,13 @@ std::vector<ResolvedReference> resolveReferences(std::span<const OdDbObjectId> d
     for (std::size_t k = 0; k < ids.size(); ++k) {
       fetched[k].dependency = ids[k].openAs<VdmDbObjectDependency>();
       fetched[k].record.clear();
-      if (!fetched[k].dependency.isNull())
+      if (!fetched[k].dependency.isNull()) {
         ReferenceRecord::readBytes(*fetched[k].dependency, fetched[k].record);
+      }
     }
-    for (std::size_t k = 0; k < ids.size(); ++k)
+    for (std::size_t k = 0; k < ids.size(); ++k) {
       results.push_back(resolver.resolve(ids[k], fetched[k].dependency, fetched[k].record));
+    }
   }
   return results;
 }

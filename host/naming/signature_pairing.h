@@ -38,7 +38,7 @@ class PairingChoice {
 /// Pairs in rounds: what an earlier round took is not offered to a later one. Indices are counted
 /// from 1. All arguments outlive this; the grid is that of `now`. Laws:
 ///   1. an old subentity proposes its best candidate when the next one costs at least twice as
-///   much;
+///      much;
 ///   2. of several that propose the same new one the cheapest gets it, when the next costs at least
 ///      twice as much; otherwise none does;
 ///   3. a new subentity is taken once, and what was taken stays so;

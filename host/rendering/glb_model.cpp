@@ -212,7 +212,7 @@ class GlbWriter {
 
   // The header and both chunks. A chunk is a multiple of four bytes long: spaces fill the JSON,
   // zeros the binary one.
-  std::string container(std::string json) const {
+  [[nodiscard]] std::string container(std::string json) const {
     std::string binary = m_binary;
     json.resize((json.size() + 3) / 4 * 4, ' ');
     binary.resize((binary.size() + 3) / 4 * 4, '\0');

@@ -9,18 +9,18 @@
 #include "platform/base/array_buffer.h"
 #include "platform/base/string.h"
 
-// A contiguous array whose copies share one buffer until one of them is changed. One pointer wide;
-// an empty array that never grew has no buffer. Elements need a copy constructor for everything
-// that may have to unshare.
-//
-// 1. Every access that could change an element (non-const operator[], at, begin, asArrayPtr)
-//    unshares first. Pointers and iterators are valid until the array grows or is unshared.
-// 2. An index out of range raises OdError_InvalidIndex and changes nothing.
-// 3. A failed allocation, or more than 2^32 - 1 elements, raises OdError(eOutOfMemory); the array
-//    is as before. So it is when copying an element throws.
-// 4. Arguments may be elements of the array itself.
-//
-// Different arrays may be used in different threads, also when they share a buffer.
+/// A contiguous array whose copies share one buffer until one of them is changed. One pointer wide;
+/// an empty array that never grew has no buffer. Elements need a copy constructor for everything
+/// that may have to unshare.
+///
+/// 1. Every access that could change an element (non-const operator[], at, begin, asArrayPtr)
+///    unshares first. Pointers and iterators are valid until the array grows or is unshared.
+/// 2. An index out of range raises OdError_InvalidIndex and changes nothing.
+/// 3. A failed allocation, or more than 2^32 - 1 elements, raises OdError(eOutOfMemory); the array
+///    is as before. So it is when copying an element throws.
+/// 4. Arguments may be elements of the array itself.
+///
+/// Different arrays may be used in different threads, also when they share a buffer.
 template <class T, class A = OdObjectsAllocator<T>>
 class OdArray {
  public:
@@ -32,7 +32,7 @@ class OdArray {
   using const_iterator = const T*;
 
   constexpr OdArray() noexcept = default;
-  // An empty array with room for `capacity` elements.
+  /// An empty array with room for `capacity` elements.
   explicit OdArray(size_type capacity) { reserve(capacity); }
   OdArray(std::initializer_list<T> values) { assign(values.begin(), values.end()); }
   OdArray(const OdArray& other) noexcept : m_data(other.m_data) { Buffer::addReference(m_data); }
@@ -55,29 +55,29 @@ class OdArray {
 
   // ---- Queries
 
-  size_type size() const noexcept { return Buffer::size(m_data); }
-  size_type length() const noexcept { return Buffer::size(m_data); }
-  bool isEmpty() const noexcept { return size() == 0; }
-  bool empty() const noexcept { return size() == 0; }
-  size_type capacity() const noexcept { return Buffer::capacity(m_data); }
-  size_type physicalLength() const noexcept { return capacity(); }
+  [[nodiscard]] size_type size() const noexcept { return Buffer::size(m_data); }
+  [[nodiscard]] size_type length() const noexcept { return Buffer::size(m_data); }
+  [[nodiscard]] bool isEmpty() const noexcept { return size() == 0; }
+  [[nodiscard]] bool empty() const noexcept { return size() == 0; }
+  [[nodiscard]] size_type capacity() const noexcept { return Buffer::capacity(m_data); }
+  [[nodiscard]] size_type physicalLength() const noexcept { return capacity(); }
 
   const T& operator[](size_type index) const {
     checkIndex(index);
     return m_data[index];
   }
-  const T& at(size_type index) const { return (*this)[index]; }
-  const T& getAt(size_type index) const { return (*this)[index]; }
-  const T& first() const { return (*this)[0]; }
-  const T& last() const { return (*this)[size() - 1]; }
-  const_iterator begin() const noexcept { return m_data; }
-  const_iterator end() const noexcept { return m_data + size(); }
-  const_iterator cbegin() const noexcept { return begin(); }
-  const_iterator cend() const noexcept { return end(); }
-  // Null only when the array never held anything.
-  const T* asArrayPtr() const noexcept { return m_data; }
+  [[nodiscard]] const T& at(size_type index) const { return (*this)[index]; }
+  [[nodiscard]] const T& getAt(size_type index) const { return (*this)[index]; }
+  [[nodiscard]] const T& first() const { return (*this)[0]; }
+  [[nodiscard]] const T& last() const { return (*this)[size() - 1]; }
+  [[nodiscard]] const_iterator begin() const noexcept { return m_data; }
+  [[nodiscard]] const_iterator end() const noexcept { return m_data + size(); }
+  [[nodiscard]] const_iterator cbegin() const noexcept { return begin(); }
+  [[nodiscard]] const_iterator cend() const noexcept { return end(); }
+  /// Null only when the array never held anything.
+  [[nodiscard]] const T* asArrayPtr() const noexcept { return m_data; }
 
-  // The first equal element at or behind `start`; `index` is left alone when there is none.
+  /// The first equal element at or behind `start`; `index` is left alone when there is none.
   bool find(const T& value, size_type& index, size_type start = 0) const {
     for (size_type i = start; i < size(); ++i) {
       if (m_data[i] == value) {
@@ -87,15 +87,16 @@ class OdArray {
     }
     return false;
   }
-  bool contains(const T& value, size_type start = 0) const {
+  [[nodiscard]] bool contains(const T& value, size_type start = 0) const {
     size_type ignored = 0;
     return find(value, ignored, start);
   }
   bool operator==(const OdArray& other) const {
     if (m_data == other.m_data) return true;
     if (size() != other.size()) return false;
-    for (size_type i = 0; i < size(); ++i)
+    for (size_type i = 0; i < size(); ++i) {
       if (!(m_data[i] == other.m_data[i])) return false;
+    }
     return true;
   }
 
@@ -133,12 +134,13 @@ class OdArray {
     }
     (*this)[index] = value;
   }
-  // Makes room for at least `capacity` elements in all.
+  /// Makes room for at least `capacity` elements in all.
   void reserve(size_type capacity) {
-    if (capacity > this->capacity() || (capacity && Buffer::isShared(m_data)))
+    if (capacity > this->capacity() || (capacity && Buffer::isShared(m_data))) {
       adopt(Buffer::copy(m_data, size(), std::max(capacity, size())));
+    }
   }
-  // Room for exactly `capacity` elements; those beyond it go.
+  /// Room for exactly `capacity` elements; those beyond it go.
   void setPhysicalLength(size_type capacity) {
     if (capacity == this->capacity()) return;
     adopt(Buffer::copy(m_data, std::min(size(), capacity), capacity));
@@ -154,10 +156,10 @@ class OdArray {
     makeRoom(count);
     Buffer::constructCopies(m_data, size(), count, copy);
   }
-  // Drops the elements and keeps an unshared buffer for reuse.
+  /// Drops the elements and keeps an unshared buffer for reuse.
   void clear() { truncate(0); }
 
-  // The index of the new element.
+  /// The index of the new element.
   size_type append(const T& value) {
     emplace_back(value);
     return size() - 1;
@@ -183,7 +185,7 @@ class OdArray {
     makeRoom(Buffer::countPlus(count, 1));
     return Buffer::constructOne(m_data, count, std::move(element));
   }
-  // Inserts before the element at `index`; index == size() appends.
+  /// Inserts before the element at `index`; index == size() appends.
   void insertAt(size_type index, const T& value) {
     if (index > size()) odRaiseInvalidIndex(index, size());
     emplace_back(value);
@@ -194,7 +196,7 @@ class OdArray {
     unshare();
     closeGap(index, 1);
   }
-  // The elements first to last, both included.
+  /// The elements first to last, both included.
   void removeSubArray(size_type first, size_type last) {
     checkIndex(last);
     if (first > last) odRaiseInvalidIndex(first, size());
@@ -205,7 +207,7 @@ class OdArray {
     checkIndex(0);
     truncate(size() - 1);
   }
-  // The first equal element at or behind `start`; false when there is none.
+  /// The first equal element at or behind `start`; false when there is none.
   bool remove(const T& value, size_type start = 0) {
     size_type index = 0;
     if (!find(value, index, start)) return false;
@@ -244,7 +246,7 @@ class OdArray {
     Buffer::dropReference(m_data);
     m_data = data;
   }
-  // An unshared buffer with room for `count` elements; grows by half at least.
+  /// An unshared buffer with room for `count` elements; grows by half at least.
   void makeRoom(size_type count) {
     if (Buffer::isShared(m_data)) {
       adopt(Buffer::copy(m_data, size(), Buffer::grownCapacity(capacity(), count)));
@@ -254,12 +256,13 @@ class OdArray {
   }
   void truncate(size_type count) {
     if (count == size()) return;
-    if (Buffer::isShared(m_data))
+    if (Buffer::isShared(m_data)) {
       adopt(Buffer::copy(m_data, count, count));
-    else
+    } else {
       Buffer::destroyFrom(m_data, count);
+    }
   }
-  // Drops `count` elements of an unshared buffer and moves those behind them down.
+  /// Drops `count` elements of an unshared buffer and moves those behind them down.
   void closeGap(size_type first, size_type count) {
     if (!m_data) return;
     const size_type tail = size() - first - count;

@@ -15,21 +15,21 @@
 #include "platform/base/raise.h"
 #include "platform/base/types.h"
 
-// Elements are bits: they are copied and moved as memory and never destroyed. New ones are zero.
+/// Elements are bits: they are copied and moved as memory and never destroyed. New ones are zero.
 template <class T>
 struct OdMemoryAllocator {
   static constexpr bool kBitwise = true;
 };
 
-// Elements are objects: their constructors and destructors run. Types for which that makes no
-// difference are handled as memory all the same.
+/// Elements are objects: their constructors and destructors run. Types for which that makes no
+/// difference are handled as memory all the same.
 template <class T>
 struct OdObjectsAllocator {
   static constexpr bool kBitwise = false;
 };
 
-// Functions over a buffer that is named by the pointer to its first element; a null pointer is a
-// buffer of no elements. The header lies before the elements.
+/// Functions over a buffer that is named by the pointer to its first element; a null pointer is a
+/// buffer of no elements. The header lies before the elements.
 template <class T, class A>
 struct OdArrayBuffer {
   struct Header {
@@ -52,8 +52,9 @@ struct OdArrayBuffer {
     if (data) header(data)->references.fetch_add(1, std::memory_order_relaxed);
   }
   static void dropReference(T* data) noexcept {
-    if (data && header(data)->references.fetch_sub(1, std::memory_order_acq_rel) == 1)
+    if (data && header(data)->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
       destroyBuffer(data);
+    }
   }
 
   static OdUInt32 countPlus(OdUInt32 count, OdUInt64 more) {
@@ -67,7 +68,7 @@ struct OdArrayBuffer {
     return static_cast<OdUInt32>(std::min<OdUInt64>(wanted, std::numeric_limits<OdUInt32>::max()));
   }
 
-  // A new buffer with copies of the first `count` elements; null for a capacity of 0.
+  /// A new buffer with copies of the first `count` elements; null for a capacity of 0.
   static T* copy(const T* data, OdUInt32 count, OdUInt32 capacity) {
     if (capacity == 0) return nullptr;
     T* fresh = allocate(nullptr, capacity);
@@ -79,7 +80,7 @@ struct OdArrayBuffer {
     return fresh;
   }
 
-  // An unshared buffer made larger; the old one is gone afterwards, or intact after an error.
+  /// An unshared buffer made larger; the old one is gone afterwards, or intact after an error.
   static T* regrow(T* data, OdUInt32 capacity) {
     if (!data) return allocate(nullptr, capacity);
     if constexpr (kTrivial) {
@@ -88,10 +89,11 @@ struct OdArrayBuffer {
       T* fresh = allocate(nullptr, capacity);
       Guard guard{fresh};
       const OdUInt32 count = size(data);
-      if constexpr (std::is_nothrow_move_constructible_v<T> || !std::is_copy_constructible_v<T>)
+      if constexpr (std::is_nothrow_move_constructible_v<T> || !std::is_copy_constructible_v<T>) {
         std::uninitialized_move_n(data, count, fresh);
-      else
+      } else {
         std::uninitialized_copy_n(data, count, fresh);
+      }
       header(fresh)->size = count;
       guard.data = nullptr;
       dropReference(data);
@@ -99,7 +101,7 @@ struct OdArrayBuffer {
     }
   }
 
-  // The functions below need an unshared buffer with enough room.
+  /// The functions below need an unshared buffer with enough room.
   static void constructDefault(T* data, OdUInt32 from, OdUInt32 to) {
     std::uninitialized_value_construct(data + from, data + to);
     header(data)->size = to;
@@ -131,7 +133,7 @@ struct OdArrayBuffer {
   static_assert(alignof(T) <= sizeof(Header), "the header keeps the alignment of the elements");
   static constexpr bool kTrivial = A::kBitwise || std::is_trivially_copyable_v<T>;
 
-  // Frees a buffer whose elements could not be made.
+  /// Frees a buffer whose elements could not be made.
   struct Guard {
     T* data;
     ~Guard() {
@@ -139,7 +141,7 @@ struct OdArrayBuffer {
     }
   };
 
-  // Out of line: it is rare, and code around an array stays small.
+  /// Out of line: it is rare, and code around an array stays small.
   [[gnu::noinline]] static void destroyBuffer(T* data) noexcept {
     destroyFrom(data, 0);
     std::free(header(data));
@@ -149,8 +151,9 @@ struct OdArrayBuffer {
         (static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max()) - sizeof(Header)) /
         sizeof(T);
     void* block = nullptr;
-    if (capacity <= kMaxCount)
+    if (capacity <= kMaxCount) {
       block = std::realloc(old ? header(old) : nullptr, sizeof(Header) + capacity * sizeof(T));
+    }
     if (!block) odRaise(eOutOfMemory);
     if (!old) ::new (block) Header{1, capacity, 0, 0};
     auto* head = static_cast<Header*>(block);
@@ -158,9 +161,10 @@ struct OdArrayBuffer {
     return reinterpret_cast<T*>(head + 1);
   }
   static void copyInto(T* to, const T* from, OdUInt32 count) {
-    if constexpr (kTrivial)
+    if constexpr (kTrivial) {
       std::memcpy(static_cast<void*>(to), from, count * sizeof(T));
-    else
+    } else {
       std::uninitialized_copy_n(from, count, to);
+    }
   }
 };

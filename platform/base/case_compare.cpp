@@ -55,8 +55,9 @@ OdString fromUtf16(std::u16string_view units) {
   for (std::size_t i = 0; i < units.size(); ++i) {
     char32_t value = units[i];
     const bool isLead = value >= 0xD800 && value < 0xDC00;
-    if (isLead && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] < 0xE000)
+    if (isLead && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] < 0xE000) {
       value = 0x10000 + ((value - 0xD800) << 10) + (units[++i] - 0xDC00U);
+    }
     wide.push_back(static_cast<wchar_t>(value));
   }
   return OdStringEdit::fromWide(wide);
@@ -72,8 +73,9 @@ OdString mapped(const OdString& text, Mapping mapping) {
   UErrorCode status = U_ZERO_ERROR;
   const int32_t length = mapping(result.data(), static_cast<int32_t>(result.size()), source.data(),
                                  static_cast<int32_t>(source.size()), &status);
-  if (U_FAILURE(status))
+  if (U_FAILURE(status)) {
     throw OdError(eGeneralFailure, OdString("case mapping: ") + u_errorName(status));
+  }
   const std::u16string_view view(result.data(), static_cast<std::size_t>(length));
   return view == source ? text : fromUtf16(view);
 }
@@ -85,8 +87,9 @@ OdString flipped(const OdString& text, char first) {
   if (std::none_of(narrow.begin(), narrow.end(), isFlipped)) return text;
   OdString result(text);
   char* characters = OdStringEdit::writableNarrow(result);
-  for (std::size_t i = 0; i < narrow.size(); ++i)
+  for (std::size_t i = 0; i < narrow.size(); ++i) {
     if (isFlipped(characters[i])) characters[i] = static_cast<char>(characters[i] ^ 0x20);
+  }
   return result;
 }
 
@@ -101,8 +104,9 @@ CollatorPtr openCollator() {
   UErrorCode status = U_ZERO_ERROR;
   CollatorPtr collator(ucol_open("", &status));  // the root collation, whatever the locale
   if (collator) ucol_setStrength(collator.get(), UCOL_SECONDARY);
-  if (U_FAILURE(status) || !collator)
+  if (U_FAILURE(status) || !collator) {
     throw OdError(eGeneralFailure, OdString("root collation: ") + u_errorName(status));
+  }
   return collator;
 }
 
@@ -112,8 +116,9 @@ int collate(std::string_view a, std::string_view b) {
   const UCollationResult order =
       ucol_strcollUTF8(collator.get(), a.data(), static_cast<int32_t>(a.size()), b.data(),
                        static_cast<int32_t>(b.size()), &status);
-  if (U_FAILURE(status))
+  if (U_FAILURE(status)) {
     throw OdError(eGeneralFailure, OdString("collation: ") + u_errorName(status));
+  }
   return order;
 }
 
@@ -140,8 +145,9 @@ AsciiPlaces makeAsciiPlaces() {
 int compareAscii(std::string_view a, std::string_view b) {
   static const AsciiPlaces places = makeAsciiPlaces();
   const auto nextPlace = [](std::string_view text, std::size_t& at) -> int {
-    while (at < text.size())
+    while (at < text.size()) {
       if (const int place = places[static_cast<unsigned char>(text[at++])]) return place;
+    }
     return 0;
   };
   // Equal characters have equal places, so the common beginning decides nothing.

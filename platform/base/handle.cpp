@@ -36,9 +36,10 @@ bool parseText(const Char* text, OdDbHandle& handle) noexcept {
 template <class Char>
 OdDbHandle parseOrRaise(const Char* text) {
   OdDbHandle handle;
-  if (!parseText(text, handle))
+  if (!parseText(text, handle)) {
     throw OdError(eInvalidInput, OdString(L"handle \"") + OdString(text) +
                                      L"\" is not 1 to 16 hexadecimal digits");
+  }
   return handle;
 }
 

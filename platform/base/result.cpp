@@ -20,8 +20,9 @@ constexpr std::array kRows = {
 
 // Sorted by number, which also proves that no number is given twice.
 constexpr bool risesStrictly() {
-  for (std::size_t i = 1; i < kRows.size(); ++i)
+  for (std::size_t i = 1; i < kRows.size(); ++i) {
     if (kRows[i - 1].number >= kRows[i].number) return false;
+  }
   return true;
 }
 static_assert(risesStrictly(), "result rows are sorted by number and unique");

@@ -10,8 +10,8 @@ enum OdResult : OdInt32 {
 #undef OD_RESULT
 };
 
-// The text of a result: lower case, no full stop. "unknown result" for a number without a row.
+/// The text of a result: lower case, no full stop. "unknown result" for a number without a row.
 OD_API const char* odResultText(OdResult result) noexcept;
 
-// The enumerator's name, such as "eCorruptData"; "" for a number without a row.
+/// The enumerator's name, such as "eCorruptData"; "" for a number without a row.
 OD_API const char* odResultName(OdResult result) noexcept;

@@ -7,17 +7,17 @@
 
 #include "platform/base/types.h"
 
-// Shares the ownership of one value: a pointer to the value and one to a separately allocated
-// 32-bit count, which is not atomic. A pointer and its copies belong to one thread at a time.
-// A value is deleted as the class that the last pointer names: a base class that values are held
-// by needs a virtual destructor. The class may be incomplete where a pointer is only declared.
+/// Shares the ownership of one value: a pointer to the value and one to a separately allocated
+/// 32-bit count, which is not atomic. A pointer and its copies belong to one thread at a time.
+/// A value is deleted as the class that the last pointer names: a base class that values are held
+/// by needs a virtual destructor. The class may be incomplete where a pointer is only declared.
 template <class T>
 class OdSharedPtr {
  public:
   constexpr OdSharedPtr() noexcept = default;
   constexpr OdSharedPtr(std::nullptr_t) noexcept {}
 
-  // Takes over a value made with `new`. When the count cannot be allocated, the value is deleted.
+  /// Takes over a value made with `new`. When the count cannot be allocated, the value is deleted.
   OdSharedPtr(T* object) : m_object(object) {
     if (!object) return;
     try {
@@ -47,7 +47,7 @@ class OdSharedPtr {
 
   ~OdSharedPtr() { dropReference(); }
 
-  // The argument is taken by value, so a value that owns this pointer may be assigned from it.
+  /// The argument is taken by value, so a value that owns this pointer may be assigned from it.
   OdSharedPtr& operator=(OdSharedPtr other) noexcept {
     swap(other);
     return *this;
@@ -58,7 +58,7 @@ class OdSharedPtr {
   T& operator*() const noexcept { return *m_object; }
   [[nodiscard]] bool isNull() const noexcept { return !m_object; }
   explicit operator bool() const noexcept { return m_object != nullptr; }
-  // Number of pointers that share the value; 0 for a null pointer.
+  /// Number of pointers that share the value; 0 for a null pointer.
   [[nodiscard]] OdInt32 refCount() const noexcept { return m_count ? *m_count : 0; }
 
   void swap(OdSharedPtr& other) noexcept {
@@ -82,7 +82,7 @@ class OdSharedPtr {
   void dropReference() noexcept {
     if (m_count && --*m_count == 0) destroy(m_object, m_count);
   }
-  // Out of line: it is rare, and code around a pointer stays small.
+  /// Out of line: it is rare, and code around a pointer stays small.
   [[gnu::noinline]] static void destroy(T* object, OdInt32* count) noexcept {
     delete count;
     delete object;

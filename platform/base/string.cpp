@@ -35,8 +35,9 @@ struct Utf8Block {
 void* publish(std::atomic<void*>& slot, void* made) noexcept {
   void* expected = nullptr;
   if (slot.compare_exchange_strong(expected, made, std::memory_order_acq_rel,
-                                   std::memory_order_acquire))
+                                   std::memory_order_acquire)) {
     return made;
+  }
   std::free(made);
   return expected;
 }
@@ -80,8 +81,9 @@ OdString::OdString(const OdAnsiString& utf8) : OdString(OdStringEdit::fromUtf8(u
 const wchar_t* OdString::c_str() const {
   if (!m_buffer) return L"";
   if (!isNarrow()) return m_buffer->wide();
-  if (void* made = m_buffer->otherForm.load(std::memory_order_acquire))
+  if (void* made = m_buffer->otherForm.load(std::memory_order_acquire)) {
     return static_cast<const wchar_t*>(made);
+  }
   auto* wide = static_cast<wchar_t*>(
       OdStringEdit::allocateBlock((size() + std::size_t{1}) * sizeof(wchar_t)));
   std::copy_n(m_buffer->narrow(), size() + std::size_t{1}, wide);
@@ -150,14 +152,16 @@ int OdString::find(const OdString& text, int start) const noexcept {
 }
 
 int OdString::findOneOf(const OdString& characters) const noexcept {
-  for (OdUInt32 i = 0; i < size(); ++i)
+  for (OdUInt32 i = 0; i < size(); ++i) {
     if (contains(characters, characterAt(i))) return static_cast<int>(i);
+  }
   return -1;
 }
 
 int OdString::reverseFind(wchar_t character) const noexcept {
-  for (OdUInt32 i = size(); i-- > 0;)
+  for (OdUInt32 i = size(); i-- > 0;) {
     if (characterAt(i) == character) return static_cast<int>(i);
+  }
   return -1;
 }
 

@@ -53,10 +53,11 @@ OdStringEdit::Buffer* OdStringEdit::allocate(std::size_t length, std::size_t cha
   if (length > kMaxLength) odRaise(eOutOfMemory, "a string of more than 2^30 - 1 characters");
   void* block = allocateBlock(blockSize(length, characterSize));
   auto* buffer = ::new (block) Buffer{1, static_cast<OdUInt32>(length) | widthBit, nullptr};
-  if (widthBit)
+  if (widthBit) {
     buffer->wide()[length] = L'\0';
-  else
+  } else {
     buffer->narrow()[length] = '\0';
+  }
   return buffer;
 }
 
@@ -145,8 +146,9 @@ bool OdStringEdit::appendInPlace(OdString& text, const Character* tail,
   const std::size_t oldLength = text.size();
   const std::size_t newLength = oldLength + length;
   if (newLength > kMaxLength ||
-      blockSize(oldLength, sizeof(Character)) != blockSize(newLength, sizeof(Character)))
+      blockSize(oldLength, sizeof(Character)) != blockSize(newLength, sizeof(Character))) {
     return false;
+  }
   dropOtherForm(buffer);
   Character* end = reinterpret_cast<Character*>(buffer->narrow()) + oldLength;
   std::copy_n(tail, length, end);
@@ -166,10 +168,11 @@ OdString OdStringEdit::joined(const OdString& head, const OdString& tail) {
   Buffer* buffer = allocateWide(length);
   wchar_t* to = buffer->wide();
   for (const OdString* part : {&head, &tail}) {
-    if (part->isNarrow())
+    if (part->isNarrow()) {
       to = std::copy_n(part->m_buffer->narrow(), part->size(), to);
-    else
+    } else {
       to = std::copy_n(part->m_buffer->wide(), part->size(), to);
+    }
   }
   return OdString(buffer);
 }
@@ -191,18 +194,20 @@ OdString& OdString::operator+=(const OdString& text) {
 OdString& OdString::operator+=(wchar_t character) {
   const bool isAscii = character >= 0 && character < 0x80;
   const char narrow = static_cast<char>(character);
-  if (!isEmpty() && isNarrow() && isAscii && OdStringEdit::appendInPlace(*this, &narrow, 1))
+  if (!isEmpty() && isNarrow() && isAscii && OdStringEdit::appendInPlace(*this, &narrow, 1)) {
     return *this;
+  }
   return *this += OdString(character, 1);
 }
 
 // ---- Changing characters
 
 char* OdStringEdit::writableNarrow(OdString& text) {
-  if (text.m_buffer->references.load(std::memory_order_acquire) != 1)
+  if (text.m_buffer->references.load(std::memory_order_acquire) != 1) {
     text = fromAscii(text.narrowView());
-  else
+  } else {
     dropOtherForm(text.m_buffer);
+  }
   return text.m_buffer->narrow();
 }
 
@@ -238,8 +243,9 @@ int OdString::replace(const OdString& oldText, const OdString& newText) {
     *this = fromEdited(text);
     return count;
   };
-  if (isNarrow() && oldText.isNarrow() && newText.isNarrow())
+  if (isNarrow() && oldText.isNarrow() && newText.isNarrow()) {
     return edit(std::string(utf8()), std::string(oldText.utf8()), std::string(newText.utf8()));
+  }
   return edit(toWide(), oldText.toWide(), newText.toWide());
 }
 

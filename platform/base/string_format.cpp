@@ -68,8 +68,9 @@ class Formatter {
  private:
   Conversion parse() {
     Conversion conversion;
-    while (*m_at && std::wstring_view(L"-+ #0").find(*m_at) != std::wstring_view::npos)
+    while (*m_at && std::wstring_view(L"-+ #0").find(*m_at) != std::wstring_view::npos) {
       conversion.flags.push_back(static_cast<char>(*m_at++));
+    }
     conversion.width = parseNumber();
     if (conversion.width < -1) {
       conversion.flags.push_back('-');
@@ -218,9 +219,10 @@ class Formatter {
     } else {
       refuse();
     }
-    if (conversion.precision >= 0)
+    if (conversion.precision >= 0) {
       text.resize(
           std::min<std::size_t>(text.size(), static_cast<std::size_t>(conversion.precision)));
+    }
     return text;
   }
 
@@ -234,10 +236,11 @@ class Formatter {
   void putDouble(const Conversion& conversion) {
     const NeutralLocale neutral;
     const std::string letter(1, conversion.letter);
-    if (conversion.length == Length::kLongDouble)
+    if (conversion.length == Length::kLongDouble) {
       putNumber(conversion, "L" + letter, va_arg(m_arguments, long double));
-    else
+    } else {
       putNumber(conversion, letter, va_arg(m_arguments, double));
+    }
   }
 
   // Numbers are what the narrow printf makes of them: ASCII throughout.

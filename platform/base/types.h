@@ -12,6 +12,6 @@ using OdUInt32 = std::uint32_t;
 using OdInt64 = std::int64_t;
 using OdUInt64 = std::uint64_t;
 
-// The interfaces' 32-bit `long`. The same type as `int`, so that templates see one type.
+/// The interfaces' 32-bit `long`. The same type as `int`, so that templates see one type.
 using OdLong = std::int32_t;
 using OdULong = std::uint32_t;

@@ -74,12 +74,13 @@ std::string encode(std::wstring_view text, bool keepUndecoded) {
   std::string utf8;
   utf8.reserve(text.size() + text.size() / 2);
   for (const wchar_t ch : text) {
-    if (isUndecodedByte(ch) && keepUndecoded)
+    if (isUndecodedByte(ch) && keepUndecoded) {
       utf8.push_back(static_cast<char>(ch - kOdUndecodedBase));
-    else if (odIsStringCharacter(ch) && !isUndecodedByte(ch))
+    } else if (odIsStringCharacter(ch) && !isUndecodedByte(ch)) {
       appendEncoded(utf8, ch);
-    else
+    } else {
       appendEncoded(utf8, kOdReplacementCharacter);
+    }
   }
   return utf8;
 }

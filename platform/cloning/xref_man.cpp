@@ -217,8 +217,9 @@ OdResult takeOver(OdDbBlockTableRecord* block, const OdDbDatabasePtr& drawing, b
 OdResult OdDbXRefMan::attach(OdDbDatabase* host, const OdString& path, const OdString& name,
                              OdDbObjectId& block, bool overlay, OdString* reason) {
   if (host == nullptr) return eNullPointer;
-  if (path.isEmpty())
+  if (path.isEmpty()) {
     return tell(host, eInvalidInput, L"external reference without a path", reason);
+  }
   if (host->isReadOnly()) return eReadOnlyDatabase;
   const OdDbBlockTablePtr table =
       host->getBlockTableId().safeOpenAs<OdDbBlockTable>(OdDb::kForWrite);

@@ -112,14 +112,16 @@ class OdDbChunkedOrder {
   /// Calls `visit(item)` for all items in order.
   template <class Visit>
   void forEach(const Visit& visit) const {
-    for (const auto& items : m_chunks)
+    for (const auto& items : m_chunks) {
       for (const T& value : items) visit(value);
+    }
   }
   /// True when `test(item)` holds for one of the items; stops there.
   template <class Test>
   [[nodiscard]] bool anyOf(const Test& test) const {
-    for (const auto& items : m_chunks)
+    for (const auto& items : m_chunks) {
       if (std::any_of(items.begin(), items.end(), test)) return true;
+    }
     return false;
   }
 

@@ -263,10 +263,12 @@ OdUInt64 OdDbDatabaseImpl::pageOut(OdUInt64 budgetBytes) {
   OdUInt64 total = 0;
   const auto droppable = [](const OdDbIdRecord* idRecord) {
     const OdDbObject* object = idRecord->object;
-    if (object == nullptr || object->m_refs > 0 || !idRecord->has(OdDbIdRecord::kInFile))
+    if (object == nullptr || object->m_refs > 0 || !idRecord->has(OdDbIdRecord::kInFile)) {
       return false;
-    if (idRecord->has(OdDbIdRecord::kDirty | OdDbIdRecord::kErased | OdDbIdRecord::kLoading))
+    }
+    if (idRecord->has(OdDbIdRecord::kDirty | OdDbIdRecord::kErased | OdDbIdRecord::kLoading)) {
       return false;
+    }
     if (!object->m_extra) return true;
     for (const auto& reactor : object->m_extra->reactors) {
       if (reactor.transient != nullptr) return false;

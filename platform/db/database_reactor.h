@@ -10,8 +10,8 @@ class OdDbDatabase;
 class OdDbObject;
 class OdString;
 
-/// Attached with OdDbDatabase::addReactor, which does not own it; it is called in order of attachment
-/// and may remove itself during a call. Does nothing by default.
+/// Attached with OdDbDatabase::addReactor, which does not own it; it is called in order of
+/// attachment and may remove itself during a call. Does nothing by default.
 class OdDbDatabaseReactor : public OdRxObject {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbDatabaseReactor)

@@ -147,8 +147,9 @@ void OdDbDatabaseImpl::loadErasedSubtrees() {
   std::vector<OdDbIdRecord*> roots;
   if (anyErased) {
     ids.forEach([&roots](OdDbIdRecord* idRecord) {
-      if (idRecord->has(OdDbIdRecord::kErased) && idRecord->has(OdDbIdRecord::kInFile))
+      if (idRecord->has(OdDbIdRecord::kErased) && idRecord->has(OdDbIdRecord::kInFile)) {
         roots.push_back(idRecord);
+      }
       return true;
     });
   }

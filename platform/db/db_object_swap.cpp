@@ -11,8 +11,9 @@ namespace {
 
 void checkSwappable(const OdDbObject* object) {
   const OdString name = OdString("object ") + object->getDbHandle().ascii();
-  if (static_cast<OdUInt64>(object->getDbHandle()) < OdDbRootHandles::kFirstFree)
+  if (static_cast<OdUInt64>(object->getDbHandle()) < OdDbRootHandles::kFirstFree) {
     throw OdError(eInvalidInput, name + ", which every drawing has");
+  }
   if (!object->isIdSwappable()) throw OdError(eWrongObjectType, name);
 }
 
@@ -22,8 +23,9 @@ OdDbObjectIdArray ownedBy(const OdDbObject* object) {
   object->dwgOutFields(&filer);
   OdDbObjectIdArray owned;
   for (const OdDbFiledId& reference : filer.ids()) {
-    if (OdDb::isOwnership(reference.type) && reference.id.ownerId() == object->objectId())
+    if (OdDb::isOwnership(reference.type) && reference.id.ownerId() == object->objectId()) {
       owned.append(reference.id);
+    }
   }
   return owned;
 }
@@ -42,8 +44,9 @@ void OdDbObject::swapIdWith(const OdDbObjectId& otherId, bool swapExtendedData,
   if (m_idRecord == nullptr) throw OdError(eNoDatabase, OdString("object to swap ids"));
   if (otherId == objectId()) return;
   const OdDbObjectPtr other = otherId.safeOpenObject(OdDb::kForWrite);
-  if (other->database() != database())
+  if (other->database() != database()) {
     throw OdError(eWrongDatabase, OdString("object ") + otherId.getHandle().ascii());
+  }
   checkSwappable(this);
   checkSwappable(other);
   subSwapIdWith(otherId, swapExtendedData, swapExtDictionary);

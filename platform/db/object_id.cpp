@@ -26,8 +26,9 @@ OdResult open(OdDbIdRecord* idRecord, OdDb::OpenMode mode, bool openErased, OdDb
   if (idRecord == nullptr) return eNullObjectId;
   OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(idRecord);
   object = impl.resident(idRecord);
-  if (object == nullptr)
+  if (object == nullptr) {
     return idRecord->has(OdDbIdRecord::kUnloadable) ? eCorruptData : eUnknownHandle;
+  }
   if (idRecord->has(OdDbIdRecord::kErased)) {
     if (idRecord->has(OdDbIdRecord::kUnappended) || !openErased) return eWasErased;
   }

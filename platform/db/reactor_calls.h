@@ -8,7 +8,8 @@
 #include "platform/db/object_extra.h"
 
 /// Calls every reactor in order of attachment, persistent ones through an open for notify. Reactors
-/// that were detached meanwhile are left out; one that throws is reported, and the others are called.
+/// that were detached meanwhile are left out; one that throws is reported, and the others are
+/// called.
 class OdDbReactorCalls {
  public:
   template <class... Arguments>

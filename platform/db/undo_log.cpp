@@ -341,8 +341,9 @@ void OdDbUndoLog::applySwap(Stack& from, const Record& record) {
   filer.startReading(record.bytes, record.strings);
   OdDbIdRecord* other = filer.rdSoftPointerId().idRecord();
   for (OdDbIdRecord* idRecord : {record.idRecord, other}) {
-    if (m_database.resident(idRecord) == nullptr)
+    if (m_database.resident(idRecord) == nullptr) {
       throw OdError(eUnknownHandle, OdDbHandle(idRecord->handle).ascii());
+    }
   }
   recordSwap(record.idRecord, other);
   m_database.swapObjects(record.idRecord, other);

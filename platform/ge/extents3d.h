@@ -11,18 +11,20 @@ class OdGeExtents3d {
   OdGeExtents3d() = default;
   OdGeExtents3d(const OdGePoint3d& min, const OdGePoint3d& max) : m_min(min), m_max(max) {}
 
-  const OdGePoint3d& minPoint() const { return m_min; }
-  const OdGePoint3d& maxPoint() const { return m_max; }
-  bool isValidExtents() const {
+  [[nodiscard]] const OdGePoint3d& minPoint() const { return m_min; }
+  [[nodiscard]] const OdGePoint3d& maxPoint() const { return m_max; }
+  [[nodiscard]] bool isValidExtents() const {
     return m_min.x <= m_max.x && m_min.y <= m_max.y && m_min.z <= m_max.z;
   }
   /// The middle and the edge lengths; zero for an empty box.
-  OdGePoint3d center() const;
-  OdGeVector3d diagonal() const;
-  bool contains(const OdGePoint3d& p, const OdGeTol& tol = OdGeTol::kDefault) const;
+  [[nodiscard]] OdGePoint3d center() const;
+  [[nodiscard]] OdGeVector3d diagonal() const;
+  [[nodiscard]] bool contains(const OdGePoint3d& p, const OdGeTol& tol = OdGeTol::kDefault) const;
   /// True when the two boxes share no point, the tolerance left aside.
-  bool isDisjoint(const OdGeExtents3d& box, const OdGeTol& tol = OdGeTol::kDefault) const;
-  bool isEqualTo(const OdGeExtents3d& box, const OdGeTol& tol = OdGeTol::kDefault) const;
+  [[nodiscard]] bool isDisjoint(const OdGeExtents3d& box,
+                                const OdGeTol& tol = OdGeTol::kDefault) const;
+  [[nodiscard]] bool isEqualTo(const OdGeExtents3d& box,
+                               const OdGeTol& tol = OdGeTol::kDefault) const;
 
   void set(const OdGePoint3d& min, const OdGePoint3d& max) { *this = OdGeExtents3d(min, max); }
   void clear() { *this = OdGeExtents3d(); }
@@ -35,7 +37,7 @@ class OdGeExtents3d {
   OdGeExtents3d& transformBy(const OdGeMatrix3d& m);
 
  private:
-  // Beyond any drawing, and finite, so that the arithmetic on an empty box stays defined.
+  /// Beyond any drawing, and finite, so that the arithmetic on an empty box stays defined.
   static constexpr double kEmptyLimit = 1e300;
 
   OdGePoint3d m_min{kEmptyLimit, kEmptyLimit, kEmptyLimit};

@@ -19,7 +19,7 @@ class OdGeMatrix3d {
 
   static const OdGeMatrix3d kIdentity;
 
-  // Named transformations, as values.
+  /// Named transformations, as values.
   static OdGeMatrix3d translation(const OdGeVector3d& offset);
   /// Right-handed turn by `angle` radians about the line through `center` along `axis`. Raises
   /// OdError eDegenerateGeometry when the axis is a zero vector.
@@ -39,7 +39,7 @@ class OdGeMatrix3d {
   const double* operator[](unsigned row) const { return entry[row]; }
   double* operator[](unsigned row) { return entry[row]; }
   /// The sixteen entries in memory order; the pointer lives as long as the matrix.
-  const double* getElements() const { return &entry[0][0]; }
+  [[nodiscard]] const double* getElements() const { return &entry[0][0]; }
   double* getElements() { return &entry[0][0]; }
 
   OdGeMatrix3d& setToIdentity() { return *this = OdGeMatrix3d(); }
@@ -64,11 +64,11 @@ class OdGeMatrix3d {
   void getCoordSystem(OdGePoint3d& origin, OdGeVector3d& xAxis, OdGeVector3d& yAxis,
                       OdGeVector3d& zAxis) const;
   OdGeMatrix3d& setTranslation(const OdGeVector3d& v);
-  OdGeVector3d translation() const { return {entry[0][3], entry[1][3], entry[2][3]}; }
-  OdGeVector3d getCsXAxis() const { return {entry[0][0], entry[1][0], entry[2][0]}; }
-  OdGeVector3d getCsYAxis() const { return {entry[0][1], entry[1][1], entry[2][1]}; }
-  OdGeVector3d getCsZAxis() const { return {entry[0][2], entry[1][2], entry[2][2]}; }
-  OdGePoint3d getCsOrigin() const { return {entry[0][3], entry[1][3], entry[2][3]}; }
+  [[nodiscard]] OdGeVector3d translation() const { return {entry[0][3], entry[1][3], entry[2][3]}; }
+  [[nodiscard]] OdGeVector3d getCsXAxis() const { return {entry[0][0], entry[1][0], entry[2][0]}; }
+  [[nodiscard]] OdGeVector3d getCsYAxis() const { return {entry[0][1], entry[1][1], entry[2][1]}; }
+  [[nodiscard]] OdGeVector3d getCsZAxis() const { return {entry[0][2], entry[1][2], entry[2][2]}; }
+  [[nodiscard]] OdGePoint3d getCsOrigin() const { return {entry[0][3], entry[1][3], entry[2][3]}; }
 
   OdGeMatrix3d& preMultBy(const OdGeMatrix3d& left) { return *this = left * *this; }
   OdGeMatrix3d& postMultBy(const OdGeMatrix3d& right) { return *this = *this * right; }
@@ -79,26 +79,28 @@ class OdGeMatrix3d {
   friend OdGeVector3d operator*(const OdGeMatrix3d& m, const OdGeVector3d& v);
 
   /// Determinant of the upper left 3 x 3 part: the volume factor, negative for a reflection.
-  double det() const;
+  [[nodiscard]] double det() const;
   /// A matrix counts as singular when its determinant is at most `relative` times the product of
   /// the lengths of its axes: the factor measures how flat the frame is, whatever its scale.
-  bool isSingular(double relative = 1e-12) const;
+  [[nodiscard]] bool isSingular(double relative = 1e-12) const;
   /// The inverse in `result`. False, with `result` untouched, when the matrix is singular.
   [[nodiscard]] bool inverse(OdGeMatrix3d& result, double relative = 1e-12) const;
   /// The inverse; raises OdError eDegenerateGeometry when the matrix is singular.
-  OdGeMatrix3d inverse() const;
+  [[nodiscard]] OdGeMatrix3d inverse() const;
   OdGeMatrix3d& invert() { return *this = inverse(); }
-  OdGeMatrix3d transpose() const;
+  [[nodiscard]] OdGeMatrix3d transpose() const;
 
   /// The common scale factor of a uniform transformation; the largest axis length otherwise.
-  double scale() const;
+  [[nodiscard]] double scale() const;
   /// True when the axes are perpendicular to each other and of one length.
-  bool isUniScaledOrtho(const OdGeTol& tol = OdGeTol::kDefault) const;
+  [[nodiscard]] bool isUniScaledOrtho(const OdGeTol& tol = OdGeTol::kDefault) const;
   /// True when the axes are perpendicular to each other and of length 1; reflections included.
-  bool isOrthonormal(const OdGeTol& tol = OdGeTol::kDefault) const;
+  [[nodiscard]] bool isOrthonormal(const OdGeTol& tol = OdGeTol::kDefault) const;
   /// Direction entries compare within `equalVector`, the translation within `equalPoint`.
-  bool isEqualTo(const OdGeMatrix3d& m, const OdGeTol& tol = OdGeTol::kDefault) const;
-  bool isIdentity(const OdGeTol& tol = OdGeTol::kDefault) const { return isEqualTo({}, tol); }
+  [[nodiscard]] bool isEqualTo(const OdGeMatrix3d& m, const OdGeTol& tol = OdGeTol::kDefault) const;
+  [[nodiscard]] bool isIdentity(const OdGeTol& tol = OdGeTol::kDefault) const {
+    return isEqualTo({}, tol);
+  }
   friend constexpr bool operator==(const OdGeMatrix3d&, const OdGeMatrix3d&) = default;
 };
 

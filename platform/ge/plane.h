@@ -21,17 +21,19 @@ class OdGePlane {
   OdGePlane& set(const OdGePoint3d& origin, const OdGeVector3d& normal);
   OdGePlane& set(const OdGePoint3d& origin, const OdGeVector3d& uAxis, const OdGeVector3d& vAxis);
 
-  const OdGePoint3d& origin() const { return m_origin; }
-  const OdGeVector3d& normal() const { return m_normal; }
-  const OdGeVector3d& uAxis() const { return m_uAxis; }
-  const OdGeVector3d& vAxis() const { return m_vAxis; }
+  [[nodiscard]] const OdGePoint3d& origin() const { return m_origin; }
+  [[nodiscard]] const OdGeVector3d& normal() const { return m_normal; }
+  [[nodiscard]] const OdGeVector3d& uAxis() const { return m_uAxis; }
+  [[nodiscard]] const OdGeVector3d& vAxis() const { return m_vAxis; }
 
   /// Distance along the normal, positive on its side, in drawing units.
-  double signedDistanceTo(const OdGePoint3d& p) const {
+  [[nodiscard]] double signedDistanceTo(const OdGePoint3d& p) const {
     return (p - m_origin).dotProduct(m_normal);
   }
-  double distanceTo(const OdGePoint3d& p) const { return std::abs(signedDistanceTo(p)); }
-  bool isOn(const OdGePoint3d& p, const OdGeTol& tol = OdGeTol::kDefault) const {
+  [[nodiscard]] double distanceTo(const OdGePoint3d& p) const {
+    return std::abs(signedDistanceTo(p));
+  }
+  [[nodiscard]] bool isOn(const OdGePoint3d& p, const OdGeTol& tol = OdGeTol::kDefault) const {
     return distanceTo(p) <= tol.equalPoint();
   }
 

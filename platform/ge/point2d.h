@@ -20,9 +20,11 @@ class OdGePoint2d {
     y = py;
     return *this;
   }
-  constexpr OdGeVector2d asVector() const { return {x, y}; }
-  double distanceTo(const OdGePoint2d& p) const { return std::hypot(x - p.x, y - p.y); }
-  bool isEqualTo(const OdGePoint2d& p, const OdGeTol& tol = OdGeTol::kDefault) const {
+  [[nodiscard]] constexpr OdGeVector2d asVector() const { return {x, y}; }
+  [[nodiscard]] double distanceTo(const OdGePoint2d& p) const {
+    return std::hypot(x - p.x, y - p.y);
+  }
+  [[nodiscard]] bool isEqualTo(const OdGePoint2d& p, const OdGeTol& tol = OdGeTol::kDefault) const {
     return distanceTo(p) <= tol.equalPoint();
   }
 

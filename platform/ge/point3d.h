@@ -27,9 +27,11 @@ class OdGePoint3d {
   double operator[](unsigned index) const;
 
   /// The vector from the origin to the point.
-  constexpr OdGeVector3d asVector() const { return {x, y, z}; }
-  double distanceTo(const OdGePoint3d& p) const { return std::hypot(x - p.x, y - p.y, z - p.z); }
-  bool isEqualTo(const OdGePoint3d& p, const OdGeTol& tol = OdGeTol::kDefault) const {
+  [[nodiscard]] constexpr OdGeVector3d asVector() const { return {x, y, z}; }
+  [[nodiscard]] double distanceTo(const OdGePoint3d& p) const {
+    return std::hypot(x - p.x, y - p.y, z - p.z);
+  }
+  [[nodiscard]] bool isEqualTo(const OdGePoint3d& p, const OdGeTol& tol = OdGeTol::kDefault) const {
     return distanceTo(p) <= tol.equalPoint();
   }
 

@@ -26,8 +26,8 @@ class OdGeScale3d {
     return *this;
   }
   /// False when a factor is zero, so that nothing can be scaled back.
-  constexpr bool isInvertible() const { return sx != 0.0 && sy != 0.0 && sz != 0.0; }
-  bool isEqualTo(const OdGeScale3d& s, const OdGeTol& tol = OdGeTol::kDefault) const {
+  [[nodiscard]] constexpr bool isInvertible() const { return sx != 0.0 && sy != 0.0 && sz != 0.0; }
+  [[nodiscard]] bool isEqualTo(const OdGeScale3d& s, const OdGeTol& tol = OdGeTol::kDefault) const {
     return std::hypot(sx - s.sx, sy - s.sy, sz - s.sz) <= tol.equalVector();
   }
   friend constexpr OdGeScale3d operator*(const OdGeScale3d& a, const OdGeScale3d& b) {

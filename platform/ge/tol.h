@@ -11,8 +11,8 @@ class OdGeTol {
   constexpr OdGeTol(double equalPoint, double equalVector)
       : m_equalPoint(equalPoint), m_equalVector(equalVector) {}
 
-  constexpr double equalPoint() const { return m_equalPoint; }
-  constexpr double equalVector() const { return m_equalVector; }
+  [[nodiscard]] constexpr double equalPoint() const { return m_equalPoint; }
+  [[nodiscard]] constexpr double equalVector() const { return m_equalVector; }
 
   /// The tolerance that every function takes when none is given.
   static const OdGeTol kDefault;

@@ -24,14 +24,19 @@ class OdGeVector2d {
     y = vy;
     return *this;
   }
-  constexpr double dotProduct(const OdGeVector2d& v) const { return x * v.x + y * v.y; }
+  [[nodiscard]] constexpr double dotProduct(const OdGeVector2d& v) const {
+    return x * v.x + y * v.y;
+  }
   /// The z component of the cross product in space.
-  constexpr double crossProduct(const OdGeVector2d& v) const { return x * v.y - y * v.x; }
-  double length() const { return std::hypot(x, y); }
-  constexpr double lengthSqrd() const { return dotProduct(*this); }
+  [[nodiscard]] constexpr double crossProduct(const OdGeVector2d& v) const {
+    return x * v.y - y * v.x;
+  }
+  [[nodiscard]] double length() const { return std::hypot(x, y); }
+  [[nodiscard]] constexpr double lengthSqrd() const { return dotProduct(*this); }
   /// The vector turned by 90 degrees counter-clockwise.
-  constexpr OdGeVector2d perpVector() const { return {-y, x}; }
-  bool isEqualTo(const OdGeVector2d& v, const OdGeTol& tol = OdGeTol::kDefault) const {
+  [[nodiscard]] constexpr OdGeVector2d perpVector() const { return {-y, x}; }
+  [[nodiscard]] bool isEqualTo(const OdGeVector2d& v,
+                               const OdGeTol& tol = OdGeTol::kDefault) const {
     return std::hypot(x - v.x, y - v.y) <= tol.equalVector();
   }
 

@@ -31,36 +31,42 @@ class OdGeVector3d {
   double& operator[](unsigned index);
   double operator[](unsigned index) const;
 
-  constexpr double dotProduct(const OdGeVector3d& v) const { return x * v.x + y * v.y + z * v.z; }
-  constexpr OdGeVector3d crossProduct(const OdGeVector3d& v) const {
+  [[nodiscard]] constexpr double dotProduct(const OdGeVector3d& v) const {
+    return x * v.x + y * v.y + z * v.z;
+  }
+  [[nodiscard]] constexpr OdGeVector3d crossProduct(const OdGeVector3d& v) const {
     return {y * v.z - z * v.y, z * v.x - x * v.z, x * v.y - y * v.x};
   }
-  constexpr double lengthSqrd() const { return dotProduct(*this); }
-  double length() const { return std::hypot(x, y, z); }
+  [[nodiscard]] constexpr double lengthSqrd() const { return dotProduct(*this); }
+  [[nodiscard]] double length() const { return std::hypot(x, y, z); }
   /// Angle to `v` in radians, 0 to pi. The angle to a zero vector is 0.
-  double angleTo(const OdGeVector3d& v) const;
+  [[nodiscard]] double angleTo(const OdGeVector3d& v) const;
   /// Angle from this vector to `v` seen against `axis`, counter-clockwise, 0 up to 2 pi.
-  double angleTo(const OdGeVector3d& v, const OdGeVector3d& axis) const;
+  [[nodiscard]] double angleTo(const OdGeVector3d& v, const OdGeVector3d& axis) const;
   /// A vector perpendicular to this one, by the arbitrary axis rule: the world Y axis crossed with
   /// it when it is within 1/64 of the world Z axis, else the world Z axis crossed with it.
-  OdGeVector3d perpVector() const;
+  [[nodiscard]] OdGeVector3d perpVector() const;
 
   /// Scales to length 1. A vector shorter than the tolerance raises OdError eDegenerateGeometry.
   OdGeVector3d& normalize(const OdGeTol& tol = OdGeTol::kDefault);
-  OdGeVector3d normal(const OdGeTol& tol = OdGeTol::kDefault) const;
+  [[nodiscard]] OdGeVector3d normal(const OdGeTol& tol = OdGeTol::kDefault) const;
   constexpr OdGeVector3d& negate() { return set(-x, -y, -z); }
 
-  bool isZeroLength(const OdGeTol& tol = OdGeTol::kDefault) const {
+  [[nodiscard]] bool isZeroLength(const OdGeTol& tol = OdGeTol::kDefault) const {
     return length() <= tol.equalVector();
   }
-  bool isUnitLength(const OdGeTol& tol = OdGeTol::kDefault) const {
+  [[nodiscard]] bool isUnitLength(const OdGeTol& tol = OdGeTol::kDefault) const {
     return std::abs(length() - 1.0) <= tol.equalVector();
   }
   /// Within the tolerance after normalising both; false when either is a zero vector.
-  bool isParallelTo(const OdGeVector3d& v, const OdGeTol& tol = OdGeTol::kDefault) const;
-  bool isCodirectionalTo(const OdGeVector3d& v, const OdGeTol& tol = OdGeTol::kDefault) const;
-  bool isPerpendicularTo(const OdGeVector3d& v, const OdGeTol& tol = OdGeTol::kDefault) const;
-  bool isEqualTo(const OdGeVector3d& v, const OdGeTol& tol = OdGeTol::kDefault) const {
+  [[nodiscard]] bool isParallelTo(const OdGeVector3d& v,
+                                  const OdGeTol& tol = OdGeTol::kDefault) const;
+  [[nodiscard]] bool isCodirectionalTo(const OdGeVector3d& v,
+                                       const OdGeTol& tol = OdGeTol::kDefault) const;
+  [[nodiscard]] bool isPerpendicularTo(const OdGeVector3d& v,
+                                       const OdGeTol& tol = OdGeTol::kDefault) const;
+  [[nodiscard]] bool isEqualTo(const OdGeVector3d& v,
+                               const OdGeTol& tol = OdGeTol::kDefault) const {
     return std::hypot(x - v.x, y - v.y, z - v.z) <= tol.equalVector();
   }
 

@@ -46,8 +46,9 @@ class CycleSearch {
         continue;
       }
       const std::size_t child = product.occurrences[step.next++].product;
-      if (m_visits[child] == Visit::kOpen)
+      if (m_visits[child] == Visit::kOpen) {
         return invalid(product, L"contains itself through", child);
+      }
       if (m_visits[child] == Visit::kDone) continue;
       m_visits[child] = Visit::kOpen;
       path.push_back({child, 0});

@@ -11,8 +11,7 @@
 ///   1. `images` are the new subentities of the same type that are what is left of it, in rising
 ///      order; one image that is untouched geometry has `changed` false;
 ///   2. `generated` are the new subentities that it gave rise to (a section edge from a face, a
-///   blend
-///      face from an edge), in rising order;
+///      blend face from an edge), in rising order;
 ///   3. it is deleted exactly when it has no image.
 struct OdModelerFate {
   std::vector<OdUInt32> images;

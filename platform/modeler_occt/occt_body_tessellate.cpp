@@ -74,8 +74,9 @@ void completeNormals(OdModelerFaceMesh& mesh) {
   }
   for (std::size_t i = 0; i < missing.size(); ++i) {
     const double length = mesh.normals[i].length();
-    if (missing[i])
+    if (missing[i]) {
       mesh.normals[i] = length > 0.0 ? mesh.normals[i] / length : OdGeVector3d::kZAxis;
+    }
   }
 }
 

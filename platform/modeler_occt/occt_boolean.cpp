@@ -4,8 +4,7 @@
 //   1. intersect: all inputs are divided where they meet;
 //   2. select: the operation keeps the parts that it asks for;
 //   3. join (occt_simplify.h): faces of one surface and edges of one curve that the operation
-//   brought
-//      together become one;
+//      brought together become one;
 //   4. check (occt_check.cpp): the outcome is sound, at the cost of what the operation changed;
 //   5. history and attributes (occt_history.h): each part of an input gets its images.
 //
@@ -171,8 +170,9 @@ class Combination {
     OdStatus first;
     for (const Attempt& way : kAttempts) {
       OdStatus status = guarded(nameOf(m_kind), [&] { return attempt(way, result, fates); });
-      if (status.ok() || status.code == eDegenerateGeometry || status.code == eOutOfMemory)
+      if (status.ok() || status.code == eDegenerateGeometry || status.code == eOutOfMemory) {
         return status;
+      }
       if (first.ok()) first = std::move(status);
     }
     return first;

@@ -87,8 +87,9 @@ TopoDS_Shape concerned(const TopoDS_Shape& face, const Topology& before) {
 bool facesAreSound(const Topology& now, const Topology& before) {
   for (int i = 1; i <= now.faces.Extent(); ++i) {
     const TopoDS_Shape& face = now.faces(i);
-    if (!before.faces.Contains(face) && !BRepCheck_Analyzer(concerned(face, before)).IsValid())
+    if (!before.faces.Contains(face) && !BRepCheck_Analyzer(concerned(face, before)).IsValid()) {
       return false;
+    }
   }
   return true;
 }
@@ -96,8 +97,9 @@ bool facesAreSound(const Topology& now, const Topology& before) {
 bool shellsAreSound(const TopoDS_Shape& shape) {
   for (TopExp_Explorer it(shape, TopAbs_SHELL); it.More(); it.Next()) {
     const Handle(BRepCheck_Shell) check = new BRepCheck_Shell(TopoDS::Shell(it.Current()));
-    if (check->Closed() != BRepCheck_NoError || check->Orientation() != BRepCheck_NoError)
+    if (check->Closed() != BRepCheck_NoError || check->Orientation() != BRepCheck_NoError) {
       return false;
+    }
   }
   return true;
 }

@@ -31,13 +31,15 @@ OdStatus defeature(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces
   const Body& own = asOcct(*body);
   BRepAlgoAPI_Defeaturing operation;
   operation.SetShape(own.shape());
-  for (const OdUInt32 face : faces)
+  for (const OdUInt32 face : faces) {
     operation.AddFaceToRemove(own.topology().faces(static_cast<int>(face)));
+  }
   operation.SetRunParallel(Standard_False);
   operation.SetToFillHistory(Standard_True);
   operation.Build();
-  if (!operation.IsDone() || operation.HasErrors() || operation.HasWarnings())
+  if (!operation.IsDone() || operation.HasErrors() || operation.HasWarnings()) {
     return failure(eModelerError, kName, "the neighbours of the faces do not close the body");
+  }
   return takeOutcome(kName, operation, body, result, history);
 }
 

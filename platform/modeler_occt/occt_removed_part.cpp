@@ -58,8 +58,9 @@ TopTools_ListOfShape boundaryOf(BRepAlgoAPI_Cut& cut, const TopTools_ListOfShape
 bool isPlain(const TopoDS_Shape& shape, int numFaces) {
   int used = 0;
   TopTools_MapOfShape faces;
-  for (TopExp_Explorer it(shape, TopAbs_FACE); it.More(); it.Next(), ++used)
+  for (TopExp_Explorer it(shape, TopAbs_FACE); it.More(); it.Next(), ++used) {
     faces.Add(it.Current());
+  }
   return used == numFaces && faces.Extent() == numFaces;
 }
 

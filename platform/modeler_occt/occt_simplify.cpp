@@ -54,8 +54,10 @@ bool partsOneBorder(const Topology& topology, std::size_t vertex) {
   }
   for (const OdUInt32 index : edges) {
     const TopoDS_Edge& edge = TopoDS::Edge(topology.edges(static_cast<int>(index)));
-    if (BRep_Tool::Degenerated(edge) || TopExp::FirstVertex(edge).IsSame(TopExp::LastVertex(edge)))
+    if (BRep_Tool::Degenerated(edge) ||
+        TopExp::FirstVertex(edge).IsSame(TopExp::LastVertex(edge))) {
       return false;
+    }
   }
   return true;
 }

@@ -235,7 +235,7 @@ class EntityOrder {
     Interface_EntityIterator next = m_graph.Shareds(entity);
     for (next.Start(); next.More(); next.Next()) add(next.Value());
   }
-  const std::vector<Handle(Standard_Transient)>& order() const { return m_order; }
+  [[nodiscard]] const std::vector<Handle(Standard_Transient)>& order() const { return m_order; }
 
  private:
   Handle(StepData_StepModel) m_model;

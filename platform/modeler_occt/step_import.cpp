@@ -151,8 +151,9 @@ void addLoose(const TopoDS_Shape& shape, TopAbs_ShapeEnum type, TopAbs_ShapeEnum
 
 std::vector<TopoDS_Shape> splitBodies(const TopoDS_Shape& shape) {
   std::vector<TopoDS_Shape> bodies;
-  for (TopExp_Explorer it(shape, TopAbs_SOLID); it.More(); it.Next())
+  for (TopExp_Explorer it(shape, TopAbs_SOLID); it.More(); it.Next()) {
     bodies.push_back(it.Current());
+  }
   for (TopExp_Explorer it(shape, TopAbs_SHELL, TopAbs_SOLID); it.More(); it.Next()) {
     bodies.push_back(it.Current());
   }

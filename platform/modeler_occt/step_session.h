@@ -18,8 +18,8 @@ class StepSession {
   StepSession();
 
   Handle(TDocStd_Document) & document() { return m_document; }
-  const Handle(XCAFDoc_ShapeTool) & shapes() const { return m_shapes; }
-  const Handle(XCAFDoc_ColorTool) & colors() const { return m_colors; }
+  [[nodiscard]] const Handle(XCAFDoc_ShapeTool) & shapes() const { return m_shapes; }
+  [[nodiscard]] const Handle(XCAFDoc_ColorTool) & colors() const { return m_colors; }
 
  private:
   std::unique_lock<std::mutex> m_lock;

@@ -32,8 +32,9 @@ OdRxClass* OdRxClassRegistry::add(const OdRxClass::Row& row) {
 }
 
 void OdRxClassRegistry::check(const OdRxClass* rxClass) const {
-  if (!rxClass || std::find(m_order.begin(), m_order.end(), rxClass) == m_order.end())
+  if (!rxClass || std::find(m_order.begin(), m_order.end(), rxClass) == m_order.end()) {
     throw OdError(eClassNotRegistered);
+  }
   if (rxClass->m_childCount == 0) return;
   const auto child = std::find_if(m_order.begin(), m_order.end(), [&](const OdRxClass* other) {
     return other->myParent() == rxClass;
@@ -48,17 +49,19 @@ void OdRxClassRegistry::dropDxfName(const OdRxClass* rxClass) {
   const auto next = std::find_if(m_order.begin(), m_order.end(), [&](const OdRxClass* other) {
     return other->dxfName() == rxClass->dxfName();
   });
-  if (next == m_order.end())
+  if (next == m_order.end()) {
     m_byDxfName.erase(entry);
-  else
+  } else {
     entry->second = *next;
+  }
 }
 
 void OdRxClassRegistry::dropAsProtocol(const OdRxClass* rxClass,
                                        std::vector<OdRxObjectPtr>& dropped) {
   for (OdRxClass* other : m_order) {
-    for (auto& extension : other->m_extensions)
+    for (auto& extension : other->m_extensions) {
       if (extension.protocol == rxClass) dropped.push_back(std::move(extension.object));
+    }
     other->m_extensionCount -= static_cast<OdUInt32>(std::erase_if(
         other->m_extensions, [&](const auto& each) { return each.protocol == rxClass; }));
   }

@@ -9,8 +9,8 @@
 
 #include "platform/rx/rx_class.h"
 
-// Owns all classes. The lock covers the tables here and the extension and overrule lists of the
-// classes; code of others (constructors, destructors, callbacks) never runs under it.
+/// Owns all classes. The lock covers the tables here and the extension and overrule lists of the
+/// classes; code of others (constructors, destructors, callbacks) never runs under it.
 class OdRxClassRegistry {
  public:
   static OdRxClassRegistry& instance();

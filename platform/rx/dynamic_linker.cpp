@@ -103,10 +103,12 @@ OdRxDynamicLinker* odrxDynamicLinker() {
 }
 
 void OdRxDynamicLinker::addSearchPath(const OdString& folder) {
-  if (!toPath(folder).is_absolute())
+  if (!toPath(folder).is_absolute()) {
     throw OdError(eInvalidInput, L"search path \"" + folder + L"\" is not absolute");
-  if (std::find(m_searchPaths.begin(), m_searchPaths.end(), folder) == m_searchPaths.end())
+  }
+  if (std::find(m_searchPaths.begin(), m_searchPaths.end(), folder) == m_searchPaths.end()) {
     m_searchPaths.push_back(folder);
+  }
 }
 
 OdString OdRxDynamicLinker::resolve(const OdString& module) const {
@@ -116,9 +118,10 @@ OdString OdRxDynamicLinker::resolve(const OdString& module) const {
     if (file.isEmpty()) throw OdError(eFileNotFound, module);
     return file;
   }
-  if (path.empty() || path.has_parent_path())
+  if (path.empty() || path.has_parent_path()) {
     throw OdError(eInvalidInput,
                   L"module \"" + module + L"\" is neither an absolute path nor a bare file name");
+  }
   for (const OdString& folder : m_searchPaths) {
     for (const char* extension : {"", kModuleExtension}) {
       const OdString file = existingFile(toPath(folder) / (path.native() + extension));
@@ -197,9 +200,10 @@ std::vector<OdRxDynamicLinker::Entry>::iterator OdRxDynamicLinker::findEntry(
 }
 
 void OdRxDynamicLinker::close(Entry& entry) {
-  if (entry.module->numRefs() > 1)
+  if (entry.module->numRefs() > 1) {
     throw OdError(eModuleInUse, OdString().format(L"%ls has %d more references", entry.path.c_str(),
                                                   entry.module->numRefs() - 1));
+  }
   entry.module->uninitApp();
   OdRxModule* module = entry.module.detach();
   module->release();

@@ -24,8 +24,8 @@ namespace {
 template <class Stream>
 class MemoryReader : public Stream {
  public:
-  bool isEof() const override { return m_position >= this->length(); }
-  OdUInt64 tell() const override { return m_position; }
+  [[nodiscard]] bool isEof() const override { return m_position >= this->length(); }
+  [[nodiscard]] OdUInt64 tell() const override { return m_position; }
 
   OdUInt64 seek(OdInt64 offset, OdDb::FilerSeekType whence) override {
     OdUInt64 base = 0;
@@ -33,9 +33,10 @@ class MemoryReader : public Stream {
     if (whence == OdDb::kSeekFromEnd) base = this->length();
     const OdUInt64 distance =
         offset < 0 ? OdUInt64{0} - static_cast<OdUInt64>(offset) : static_cast<OdUInt64>(offset);
-    if (offset < 0 && distance > base)
+    if (offset < 0 && distance > base) {
       throw OdError(eInvalidInput, OdString("seek to " + std::to_string(distance - base) +
                                             " bytes before the start of a stream"));
+    }
     if (offset > 0 && distance > this->length() - base) raiseEnd(base, distance, this->length());
     m_position = offset < 0 ? base - distance : base + distance;
     return m_position;
@@ -55,7 +56,7 @@ class MemoryReader : public Stream {
   }
 
  protected:
-  virtual const OdUInt8* begin() const = 0;
+  [[nodiscard]] virtual const OdUInt8* begin() const = 0;
   OdUInt64 m_position = 0;
 };
 
@@ -63,8 +64,10 @@ class GrowingStream final : public OdRxObjectImpl<MemoryReader<OdMemoryStream>> 
  public:
   explicit GrowingStream(OdUInt32 pageSize) : m_pageSize(pageSize) {}
 
-  OdUInt64 length() const override { return m_bytes.size(); }
-  const OdUInt8* data() const override { return m_bytes.empty() ? nullptr : m_bytes.data(); }
+  [[nodiscard]] OdUInt64 length() const override { return m_bytes.size(); }
+  [[nodiscard]] const OdUInt8* data() const override {
+    return m_bytes.empty() ? nullptr : m_bytes.data();
+  }
 
   void reserve(OdUInt64 size) override {
     try {
@@ -86,7 +89,7 @@ class GrowingStream final : public OdRxObjectImpl<MemoryReader<OdMemoryStream>> 
   void truncate() override { m_bytes.resize(m_position); }
 
  protected:
-  const OdUInt8* begin() const override { return m_bytes.data(); }
+  [[nodiscard]] const OdUInt8* begin() const override { return m_bytes.data(); }
 
  private:
   void grow(OdUInt64 needed) {
@@ -103,7 +106,7 @@ class FlatStream final : public OdRxObjectImpl<MemoryReader<OdFlatMemStream>> {
  public:
   FlatStream(void* memory, OdUInt64 size) : m_memory(static_cast<OdUInt8*>(memory)), m_size(size) {}
 
-  OdUInt64 length() const override { return m_size; }
+  [[nodiscard]] OdUInt64 length() const override { return m_size; }
   void putByte(OdUInt8 value) override { putBytes(&value, 1); }
   void putBytes(const void* buffer, OdUInt64 count) override {
     if (count == 0) return;
@@ -116,7 +119,7 @@ class FlatStream final : public OdRxObjectImpl<MemoryReader<OdFlatMemStream>> {
   }
 
  protected:
-  const OdUInt8* begin() const override { return m_memory; }
+  [[nodiscard]] const OdUInt8* begin() const override { return m_memory; }
 
  private:
   OdUInt8* m_memory;
@@ -131,8 +134,9 @@ OdMemoryStreamPtr OdMemoryStream::createNew(OdUInt32 pageSize) {
 }
 
 OdFlatMemStreamPtr OdFlatMemStream::createNew(void* memory, OdUInt64 size) {
-  if (!memory && size > 0)
+  if (!memory && size > 0) {
     throw OdError(eInvalidInput,
                   OdString("null memory of " + std::to_string(size) + " bytes for a stream"));
+  }
   return OdFlatMemStreamPtr(new FlatStream(memory, size), kOdRxObjAttach);
 }

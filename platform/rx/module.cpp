@@ -21,8 +21,9 @@ OdString absolutePath(const char* path) {
 OdString odrxModuleFileName(OdRxModuleHandle handle, const void* address) {
   if (handle) {
     const link_map* map = nullptr;
-    if (::dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0 && map && map->l_name && *map->l_name)
+    if (::dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0 && map && map->l_name && *map->l_name) {
       return absolutePath(map->l_name);
+    }
     return OdString();
   }
   Dl_info info{};

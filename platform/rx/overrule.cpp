@@ -39,15 +39,18 @@ class OdRxOverruleTable {
 };
 
 bool OdRxOverrule::addOverrule(OdRxClass* overruledClass, OdRxOverrule* overrule, bool addAtLast) {
-  if (!overruledClass || !overrule || !OdRxOverruleTable::add(overruledClass, overrule, addAtLast))
+  if (!overruledClass || !overrule ||
+      !OdRxOverruleTable::add(overruledClass, overrule, addAtLast)) {
     return false;
+  }
   overrule->addRef();
   return true;
 }
 
 bool OdRxOverrule::removeOverrule(OdRxClass* overruledClass, OdRxOverrule* overrule) {
-  if (!overruledClass || !overrule || !OdRxOverruleTable::remove(overruledClass, overrule))
+  if (!overruledClass || !overrule || !OdRxOverruleTable::remove(overruledClass, overrule)) {
     return false;
+  }
   overrule->release();
   return true;
 }

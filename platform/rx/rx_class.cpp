@@ -45,8 +45,9 @@ OdRxObjectPtr OdRxClass::create() const {
 // ---- Protocol extensions
 
 OdRxObjectPtr OdRxClass::addX(const OdRxClass* protocol, OdRxObject* extension) {
-  if (!protocol || !extension)
+  if (!protocol || !extension) {
     throw OdError(eInvalidInput, L"null protocol or extension for class " + name());
+  }
   if (!extension->isKindOf(protocol)) {
     const OdRxClass* own = extension->isA();
     throw OdError(eWrongObjectType, L"extension of class " + (own ? own->name() : OdString(L"?")) +
@@ -79,13 +80,15 @@ OdRxObjectPtr OdRxClass::delX(const OdRxClass* protocol) {
 OdRxObjectPtr OdRxClass::getXLocal(const OdRxClass* protocol) const {
   if (m_extensionCount.load(std::memory_order_acquire) == 0) return OdRxObjectPtr();
   const std::shared_lock lock(OdRxClassRegistry::instance().mutex());
-  for (const Extension& each : m_extensions)
+  for (const Extension& each : m_extensions) {
     if (each.protocol == protocol) return each.object;
+  }
   return OdRxObjectPtr();
 }
 
 OdRxObjectPtr OdRxClass::getX(const OdRxClass* protocol) const {
-  for (const OdRxClass* each = this; each; each = each->myParent())
+  for (const OdRxClass* each = this; each; each = each->myParent()) {
     if (OdRxObjectPtr found = each->getXLocal(protocol); !found.isNull()) return found;
+  }
   return OdRxObjectPtr();
 }

@@ -24,22 +24,25 @@ int g_initializations = 0;
 // The classes above stand first in the order of registration; every other one derives from them.
 void refuseWhileOthersAreRegistered() {
   const auto classes = odrxClassDictionary()->classes();
-  if (classes.size() > std::size(kClasses))
+  if (classes.size() > std::size(kClasses)) {
     throw OdError(eInvalidInput, L"odrxUninitialize while class " +
                                      classes[std::size(kClasses)]->name() + L" is registered");
+  }
 }
 
 }  // namespace
 
 void odrxInitialize() {
-  if (g_initializations == 0)
+  if (g_initializations == 0) {
     for (const OdRxClassRow& row : kClasses) row.registerClass();
+  }
   ++g_initializations;
 }
 
 void odrxUninitialize() {
-  if (g_initializations == 0)
+  if (g_initializations == 0) {
     throw OdError(eInvalidInput, L"odrxUninitialize without odrxInitialize");
+  }
   if (g_initializations > 1) {
     --g_initializations;
     return;

@@ -8,10 +8,10 @@
 #include "platform/rx/rx_object.h"
 #include "platform/rx/smart_ptr.h"
 
-// Used by the macros: the description variables of a class are filled and cleared here.
+/// Used by the macros: the description variables of a class are filled and cleared here.
 OD_API void odrxRegister(OdRxClass*& holder, const OdRxClass::Row& row);
 OD_API void odrxUnregister(OdRxClass*& holder, const wchar_t* name);
-// queryX of one class: the object or its class's extension, with an added reference, or null.
+/// queryX of one class: the object or its class's extension, with an added reference, or null.
 OD_API OdRxObject* odrxQuery(const OdRxObject* object, const OdRxClass* objectClass,
                              const OdRxClass* protocol);
 
@@ -81,14 +81,14 @@ OD_API OdRxObject* odrxQuery(const OdRxObject* object, const OdRxClass* objectCl
   OdSmartPtr<ClassName> ClassName::createObject() { return odrxMake<ClassName>(); } \
   OdRxObjectPtr ClassName::pseudoConstructor() { return ClassName::createObject(); }
 
-// The object as a T with a plain reference; null for null and for objects of another class.
+/// The object as a T with a plain reference; null for null and for objects of another class.
 template <class T>
 OdSmartPtr<T> odrxCast(const OdRxObject* object) {
   OdRxObject* found = object && T::desc() ? object->queryX(T::desc()) : nullptr;
   return OdSmartPtr<T>(static_cast<T*>(found), kOdRxObjAttach);
 }
 
-// The same with a reference of the pointer's tag.
+/// The same with a reference of the pointer's tag.
 template <class T, class Other>
 OdSmartPtr<T> odrxCast(const OdSmartPtr<Other>& object) {
   OdSmartPtr<T> plain = odrxCast<T>(static_cast<const OdRxObject*>(object.get()));

@@ -12,23 +12,23 @@
 
 enum OdRxObjMod { kOdRxObjAttach = 0 };
 
-// Out-of-line failures, so that the pointer stays small where it is inlined.
+/// Out-of-line failures, so that the pointer stays small where it is inlined.
 [[noreturn]] OD_API void odrxRaiseNullPointer();
 [[noreturn]] OD_API void odrxRaiseWrongClass(const OdRxObject* object, const OdRxClass* wanted);
-// Converts an open reference of a database object (write, notify) into a plain one.
+/// Converts an open reference of a database object (write, notify) into a plain one.
 OD_API void odrxMakePlain(OdRxObject* object, unsigned tag);
 
-// Holds one reference of an object, in one word: the address and, in its two low bits, the tag that
-// says what the reference means (OdRxReferenceTag). Copies hold references of the same tag.
-//
-// 1. From a raw pointer: a plain reference is added; with kOdRxObjAttach, or attach(), the
-//    caller's reference is taken over.
-// 2. From a smart pointer of a derived class: as it is. Of any other class: what queryX gives, or
-//    OdError_NotThatKindOfClass when that is nothing; null stays null. T::cast() gives null
-//    instead.
-// 3. Going through a null pointer with -> raises OdError(eNullPointer).
-//
-// T may be incomplete where a pointer is only declared.
+/// Holds one reference of an object, in one word: the address and, in its two low bits, the tag
+/// that says what the reference means (OdRxReferenceTag). Copies hold references of the same tag.
+///
+/// 1. From a raw pointer: a plain reference is added; with kOdRxObjAttach, or attach(), the
+///    caller's reference is taken over.
+/// 2. From a smart pointer of a derived class: as it is. Of any other class: what queryX gives, or
+///    OdError_NotThatKindOfClass when that is nothing; null stays null. T::cast() gives null
+///    instead.
+/// 3. Going through a null pointer with -> raises OdError(eNullPointer).
+///
+/// T may be incomplete where a pointer is only declared.
 template <class T>
 class OdSmartPtr {
  public:
@@ -70,29 +70,29 @@ class OdSmartPtr {
     return *this;
   }
 
-  // Takes over a reference of the given tag.
+  /// Takes over a reference of the given tag.
   static OdSmartPtr attachTagged(T* object, unsigned tag) noexcept {
     OdSmartPtr pointer;
     pointer.m_bits = pack(object, tag);
     return pointer;
   }
-  // Takes over the caller's plain reference.
+  /// Takes over the caller's plain reference.
   void attach(const T* object) { OdSmartPtr(const_cast<T*>(object), kOdRxObjAttach).swap(*this); }
-  // Hands the reference over to the caller as a plain one; one that keeps an object open for write
-  // or notification closes that state and leaves a plain reference instead.
+  /// Hands the reference over to the caller as a plain one; one that keeps an object open for write
+  /// or notification closes that state and leaves a plain reference instead.
   [[nodiscard]] T* detach() {
     T* object = get();
     if (object && tag() != kOdRxRead) odrxMakePlain(asRxObject(object), tag());
     m_bits = 0;
     return object;
   }
-  // Drops the reference; the pointer is null afterwards.
+  /// Drops the reference; the pointer is null afterwards.
   void release() noexcept { OdSmartPtr().swap(*this); }
   void swap(OdSmartPtr& other) noexcept { std::swap(m_bits, other.m_bits); }
 
-  T* get() const noexcept { return reinterpret_cast<T*>(m_bits & ~kTagMask); }
-  unsigned tag() const noexcept { return static_cast<unsigned>(m_bits & kTagMask); }
-  bool isNull() const noexcept { return m_bits == 0; }
+  [[nodiscard]] T* get() const noexcept { return reinterpret_cast<T*>(m_bits & ~kTagMask); }
+  [[nodiscard]] unsigned tag() const noexcept { return static_cast<unsigned>(m_bits & kTagMask); }
+  [[nodiscard]] bool isNull() const noexcept { return m_bits == 0; }
   operator T*() const noexcept { return get(); }
   T* operator->() const {
     if (m_bits == 0) [[unlikely]]
@@ -109,7 +109,7 @@ class OdSmartPtr {
   static OdRxObject* asRxObject(const T* object) noexcept {
     return const_cast<std::remove_const_t<T>*>(object);
   }
-  // As T, so that a class that seals its counting is called without a detour.
+  /// As T, so that a class that seals its counting is called without a detour.
   static std::remove_const_t<T>* mutableObject(std::uintptr_t bits) noexcept {
     return const_cast<std::remove_const_t<T>*>(reinterpret_cast<T*>(bits & ~kTagMask));
   }
@@ -122,19 +122,21 @@ class OdSmartPtr {
   }
   void addReference() {
     if (m_bits == 0) return;
-    if (tag() == kOdRxRead)
+    if (tag() == kOdRxRead) {
       mutableObject(m_bits)->addRef();
-    else
+    } else {
       mutableObject(m_bits)->addRefTagged(tag());
+    }
   }
   void dropReference() {
     if (m_bits == 0) return;
     const std::uintptr_t bits = std::exchange(m_bits, 0);
     auto* object = mutableObject(bits);
-    if ((bits & kTagMask) == kOdRxRead)
+    if ((bits & kTagMask) == kOdRxRead) {
       object->release();
-    else
+    } else {
       object->releaseTagged(static_cast<unsigned>(bits & kTagMask));
+    }
   }
   template <class U>
   void convertFrom(const OdSmartPtr<U>& other) {
@@ -147,13 +149,14 @@ class OdSmartPtr {
       adoptQueried(found, other.tag());
     }
   }
-  // `found` comes from queryX with a plain reference, which becomes one of the given tag.
+  /// `found` comes from queryX with a plain reference, which becomes one of the given tag.
   void adoptQueried(OdRxObject* found, unsigned tag) {
     OdSmartPtr plain(static_cast<T*>(found), kOdRxObjAttach);
-    if (tag == kOdRxRead)
+    if (tag == kOdRxRead) {
       swap(plain);
-    else
+    } else {
       reset(plain.get(), tag);
+    }
   }
 
   std::uintptr_t m_bits = 0;
@@ -182,8 +185,9 @@ OdSmartPtr<T> OdRxSingleObjectImpl<T>::createObject(Arguments&&... arguments) {
 
 template <class T, class... Arguments>
 OdSmartPtr<T> odrxMake(Arguments&&... arguments) {
-  if constexpr (requires { typename T::OdSelfCounted; })
+  if constexpr (requires { typename T::OdSelfCounted; }) {
     return OdSmartPtr<T>(new T(std::forward<Arguments>(arguments)...), kOdRxObjAttach);
-  else
+  } else {
     return OdRxObjectImpl<T>::createObject(std::forward<Arguments>(arguments)...);
+  }
 }

@@ -52,7 +52,8 @@ std::uint64_t localSize(std::uint64_t payloadSize) {
   return fitting <= kMaxLocal ? fitting : kMinLocal;
 }
 
-// --- Columns -------------------------------------------------------------------------------------
+// ---- Columns
+// -------------------------------------------------------------------------------------
 
 struct Column {
   std::uint64_t type = 0;
@@ -107,7 +108,8 @@ std::size_t takeColumns(std::string_view payload, std::array<Column, kMaxColumns
 
 }  // namespace
 
-// --- TreePage ------------------------------------------------------------------------------------
+// ---- TreePage
+// ------------------------------------------------------------------------------------
 
 TreePage::TreePage(const std::uint8_t* bytes, std::uint32_t number)
     : m_bytes(bytes), m_start(number == 1 ? kFileHeaderBytes : 0) {
@@ -156,7 +158,8 @@ bool TreePage::leafCell(std::size_t index, LeafCell& cell) const {
   return true;
 }
 
-// --- Rows ----------------------------------------------------------------------------------------
+// ---- Rows
+// ----------------------------------------------------------------------------------------
 
 bool decodeRow(std::int64_t key, std::string_view payload, StoredRow& row) {
   std::array<Column, kMaxColumns> columns;

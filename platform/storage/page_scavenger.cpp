@@ -88,7 +88,8 @@ void PageScavenger::lostSpan(std::uint32_t number, const char* why, KeySpan keys
   m_report(line);
 }
 
-// --- Phase 1: trees ------------------------------------------------------------------------------
+// ---- Phase 1: trees
+// ------------------------------------------------------------------------------
 
 void PageScavenger::walkTrees() {
   for (const std::uint32_t root : kRootPages) walkPage(root, 0, {kFirstKey, kLastKey});
@@ -180,7 +181,8 @@ bool PageScavenger::readPayload(const TreePage::LeafCell& cell) {
   return true;
 }
 
-// --- Phase 2: pages without a tree ---------------------------------------------------------------
+// ---- Phase 2: pages without a tree
+// ---------------------------------------------------------------
 
 void PageScavenger::searchLostPages() {
   markFreePages();
@@ -217,7 +219,8 @@ void PageScavenger::markFreePages() {
   for (const std::uint32_t number : free) m_visited[number] = true;
 }
 
-// --- Phase 3: what was found ---------------------------------------------------------------------
+// ---- Phase 3: what was found
+// ---------------------------------------------------------------------
 
 /// Keeps one row per key: the one from a tree, else the one from the earliest page.
 void PageScavenger::sortRows() {

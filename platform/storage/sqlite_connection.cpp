@@ -78,7 +78,8 @@ constexpr const char* kFreshPragmas =
 
 }  // namespace
 
-// --- Statement -----------------------------------------------------------------------------------
+// ---- Statement
+// -----------------------------------------------------------------------------------
 
 int Statement::prepare(sqlite3* connection, std::string_view sql) {
   sqlite3_stmt* statement = nullptr;
@@ -110,7 +111,8 @@ std::string_view Statement::bytes(int column) const {
   return {static_cast<const char*>(data), size(column)};
 }
 
-// --- Connection ----------------------------------------------------------------------------------
+// ---- Connection
+// ----------------------------------------------------------------------------------
 
 OdStatus Connection::open(const std::string& path, ConnectionMode mode,
                           const ConnectionOptions& options) {

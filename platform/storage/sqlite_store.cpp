@@ -38,7 +38,8 @@ SqliteStore::SqliteStore(std::shared_ptr<const StoreEnvironment> environment, Od
 
 SqliteStore::~SqliteStore() { closeConnection(); }
 
-// --- Helpers -------------------------------------------------------------------------------------
+// ---- Helpers
+// -------------------------------------------------------------------------------------
 
 OdStatus SqliteStore::fail(OdResult code, const std::string& what) const {
   return failure(code, m_path, what);
@@ -68,7 +69,8 @@ OdStatus SqliteStore::checkUnchanged() {
   return m_unusable;
 }
 
-// --- Single records ------------------------------------------------------------------------------
+// ---- Single records
+// ------------------------------------------------------------------------------
 
 OdStatus SqliteStore::readRecord(OdUInt64 handle, OdDbRecordView& record) {
   record = {};
@@ -157,7 +159,8 @@ OdStatus SqliteStore::readRecordHeader(OdUInt64 handle, OdUInt32& classId, OdUIn
   return status;
 }
 
-// --- All records ---------------------------------------------------------------------------------
+// ---- All records
+// ---------------------------------------------------------------------------------
 
 /// Steps through all rows of `sql` in rising handle order. `visit(row)` returns false to stop and
 /// reports failures through its status argument. The statement is the walk's own, so that a

@@ -164,8 +164,9 @@ OdStatus SqliteStore::checkVariableRow(const Statement& row, const std::string& 
                 "the file has more than " + std::to_string(kMaxVariables) + " drawing settings");
   }
   const auto sum = static_cast<std::uint64_t>(row.integer(2));
-  if (sum != variableChecksum(row.integer(0), row.bytes(1), row.bytes(3)))
+  if (sum != variableChecksum(row.integer(0), row.bytes(1), row.bytes(3))) {
     return nameDamaged(m_path, what);
+  }
   return {};
 }
 

@@ -27,7 +27,8 @@ constexpr std::string_view kSaving = "saving";
 
 }  // namespace
 
-// --- Fresh files ---------------------------------------------------------------------------------
+// ---- Fresh files
+// ---------------------------------------------------------------------------------
 
 OdStatus SqliteStore::startFresh(TargetLock lock) {
   m_mode = OdDbStoreOpenMode::kReadWrite;
@@ -67,7 +68,8 @@ OdStatus SqliteStore::commitFresh() {
   return openExisting(OdDbStoreOpenMode::kReadWrite);
 }
 
-// --- Save ----------------------------------------------------------------------------------------
+// ---- Save
+// ----------------------------------------------------------------------------------------
 
 /// Takes the write lock, unless it is held already. eFileChanged when another program saved since
 /// this store last had it.
@@ -101,8 +103,9 @@ OdStatus SqliteStore::beginSave() {
 OdStatus SqliteStore::checkSaving() {
   OdStatus status = checkUsable();
   if (status.ok()) status = m_saveFailure;
-  if (status.ok() && !m_isSaving)
+  if (status.ok() && !m_isSaving) {
     status = fail(eInvalidOpenState, "no save of this file is running");
+  }
   return status;
 }
 
@@ -181,7 +184,8 @@ OdStatus SqliteStore::removeRecord(OdUInt64 handle) {
   return {};
 }
 
-// --- Classes and variables -----------------------------------------------------------------------
+// ---- Classes and variables
+// -----------------------------------------------------------------------
 
 OdStatus SqliteStore::checkClassLimits(const OdDbStoredClass& item, bool exists) const {
   if (item.id == 0) return fail(eInvalidInput, "a class with number 0 cannot be saved");
@@ -304,7 +308,8 @@ OdStatus SqliteStore::writeStateRow(Sql sql) {
                        variableChecksum(kStateRowId, kStateRowKey, value));
 }
 
-// --- End of a save -------------------------------------------------------------------------------
+// ---- End of a save
+// -------------------------------------------------------------------------------
 
 OdStatus SqliteStore::commitSave() {
   OdStatus status = checkSaving();
@@ -349,8 +354,9 @@ void SqliteStore::abandonSave() {
     return;
   }
   // After some failures SQLite has rolled back by itself.
-  if (sqlite3_get_autocommit(m_connection.get()) == 0)
+  if (sqlite3_get_autocommit(m_connection.get()) == 0) {
     std::ignore = m_connection.execute("ROLLBACK", kSaving);
+  }
   m_hasWriteLock = false;
   m_dataVersion = m_connection.dataVersion();
   m_state = m_savedState;
@@ -383,7 +389,8 @@ OdStatus SqliteStore::createReplacement(std::unique_ptr<OdDbRecordStore>& store)
   return status;
 }
 
-// --- Compaction ----------------------------------------------------------------------------------
+// ---- Compaction
+// ----------------------------------------------------------------------------------
 
 OdStatus SqliteStore::compact() {
   OdStatus status = lockForReplacing("compacting");

@@ -249,8 +249,9 @@ std::vector<std::string> checkTree(const fs::path& root) {
 std::vector<std::string> missingFolders(const fs::path& root) {
   std::set<std::string> named;
   for (const FolderRule& rule : folderRules()) named.emplace(rule.folder);
-  for (const ForeignRule& rule : foreignRules())
+  for (const ForeignRule& rule : foreignRules()) {
     named.insert(rule.allowedFolders.begin(), rule.allowedFolders.end());
+  }
   std::vector<std::string> missing;
   std::ranges::copy_if(named, std::back_inserter(missing), [&root](const std::string& folder) {
     return !fs::is_directory(root / folder);

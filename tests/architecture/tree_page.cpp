@@ -52,8 +52,9 @@ std::vector<TreeLine> readTree(const fs::path& page) {
       folder = found[1].str();
       tree.push_back({folder, found[2].str()});
     } else {
-      for (std::sregex_iterator at(line.begin(), line.end(), kFolderName), end; at != end; ++at)
+      for (std::sregex_iterator at(line.begin(), line.end(), kFolderName), end; at != end; ++at) {
         tree.push_back({(*at)[1].str(), "one of several"});
+      }
     }
   }
   return tree;
@@ -70,8 +71,9 @@ std::set<std::string> roomsOnDisk(const fs::path& root) {
   for (const std::string_view folder : kFoldersWithRooms) {
     if (!fs::is_directory(root / folder)) continue;
     for (const fs::directory_entry& entry : fs::directory_iterator(root / folder)) {
-      if (entry.is_directory() && holdsCode(entry.path()))
+      if (entry.is_directory() && holdsCode(entry.path())) {
         rooms.insert(entry.path().lexically_relative(root).generic_string());
+      }
     }
   }
   return rooms;
@@ -86,8 +88,9 @@ std::vector<std::string> checkTreePage(const fs::path& root, const fs::path& pag
   std::set<std::string> unnamed = roomsOnDisk(root);
   for (const TreeLine& line : tree) {
     unnamed.erase(line.folder);
-    if (!fs::is_directory(root / line.folder))
+    if (!fs::is_directory(root / line.folder)) {
       complaints.push_back(line.folder + " is shown, and there is no such folder");
+    }
     if (line.text.empty()) complaints.push_back(line.folder + " is shown without a text");
   }
   for (const std::string& room : unnamed) complaints.push_back(room + " is not shown");

@@ -33,7 +33,8 @@ Verdict judge(FileEvent event) {
   return Verdict::kPerform;
 }
 
-// --- Files below SQLite --------------------------------------------------------------------------
+// ---- Files below SQLite
+// --------------------------------------------------------------------------
 
 struct FaultFile {
   sqlite3_file base;
@@ -149,7 +150,8 @@ const char* faultVfsName() {
   return registered == SQLITE_OK ? vfs.zName : nullptr;
 }
 
-// --- Whole files ---------------------------------------------------------------------------------
+// ---- Whole files
+// ---------------------------------------------------------------------------------
 
 int FaultFileOps::createExclusive(const std::string& path) {
   if (judge({Kind::kCreate, path}) == Verdict::kFail) return ENOSPC;

@@ -3,9 +3,9 @@
 
 #include <map>
 
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/database.h"
 #include "platform/db/dictionary.h"
-#include "platform/cloning/id_mapping.h"
 #include "platform/db/proxy_object.h"
 #include "tests/random/edit_script.h"
 #include "tests/support/drawing_testing.h"

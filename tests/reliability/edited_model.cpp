@@ -191,8 +191,9 @@ EditResult EditedModel::drill(const ModelEdit& edit) {
   for (const TruthInsert& insert : m_truth.inserts) {
     const OdGePoint3d at = insert.place * OdGePoint3d();
     if (insert.solid == chosen && !m_truth.blocks[insert.block].fills.empty() &&
-        at.distanceTo(point) < 30.0)
+        at.distanceTo(point) < 30.0) {
       return {};
+    }
   }
   TruthSolid& solid = m_truth.solids[chosen];
   OdModelerBodyPtr tool;
@@ -200,8 +201,9 @@ EditResult EditedModel::drill(const ModelEdit& edit) {
   if (!odModeler().cylinder(3.5, 100.0, tool).ok()) fail("no drill can be made");
   const OdGeVector3d down{0.0, 0.0, -95.0};
   if (!tool->transformed(OdGeMatrix3d::translation(point.asVector() + down), local).ok() ||
-      !local->transformed(solid.frame, tool).ok())
+      !local->transformed(solid.frame, tool).ok()) {
     fail("the drill cannot be placed");
+  }
   solid.drills.push_back(local);
   return m_editor->edit(OdString(L"drill"), [&] {
     return idOf(solid.handle)

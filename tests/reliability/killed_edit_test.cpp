@@ -48,7 +48,7 @@ class KilledEdit : public ModelingTest {
     ::_exit(database->save().ok() ? 0 : 3);
   }
   /// The exit code of a process that does it.
-  int runKilledAt(std::size_t at) const {
+  [[nodiscard]] int runKilledAt(std::size_t at) const {
     std::filesystem::copy_file(kStart, kFile, std::filesystem::copy_options::overwrite_existing);
     const pid_t child = ::fork();
     if (child == 0) editAndSave(at);

@@ -2,10 +2,10 @@
 #include <filesystem>
 
 #include "host/naming/name_feature.h"
-#include "platform/entities/block_reference.h"
-#include "platform/db/dictionary.h"
 #include "platform/cloning/id_mapping.h"
+#include "platform/db/dictionary.h"
 #include "platform/db/proxy_object.h"
+#include "platform/entities/block_reference.h"
 #include "tests/host/modeling/modeling_testing.h"
 #include "tests/support/dump_drawing.h"
 
@@ -65,7 +65,7 @@ class MissingClasses : public ModelingTest, public testing::WithParamInterface<M
     loadAgain();
     return reopen(path);
   }
-  std::size_t countProxies() const {
+  [[nodiscard]] std::size_t countProxies() const {
     std::size_t count = 0;
     m_database->forEachId([&count](OdDbObjectId id) {
       if (id.objectClass() == OdDbProxyObject::desc()) ++count;
@@ -73,7 +73,7 @@ class MissingClasses : public ModelingTest, public testing::WithParamInterface<M
     });
     return count;
   }
-  OdDbObjectId insertId() const { return m_database->getOdDbObjectId(m_insert); }
+  [[nodiscard]] OdDbObjectId insertId() const { return m_database->getOdDbObjectId(m_insert); }
   void moveByHand() const {
     insertId()
         .safeOpenAs<OdDbBlockReference>(OdDb::kForWrite)

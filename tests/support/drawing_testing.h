@@ -8,12 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "platform/entities/block_reference.h"
 #include "platform/db/block_table.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/db/host_app_services.h"
 #include "platform/db/layer_table.h"
+#include "platform/entities/block_reference.h"
 #include "platform/entities/line.h"
 #include "tests/support/runtime.h"
 #include "tests/support/status_testing.h"

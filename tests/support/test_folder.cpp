@@ -16,8 +16,9 @@ TestFolder::TestFolder() {
   const bool hasMemory = ::access("/dev/shm", W_OK) == 0;
   const fs::path base = hasMemory ? fs::path("/dev/shm") : fs::temp_directory_path();
   std::string name = (base / "vdm_test.XXXXXX").string();
-  if (::mkdtemp(name.data()) == nullptr)
+  if (::mkdtemp(name.data()) == nullptr) {
     throw std::runtime_error("no folder for the test: " + name);
+  }
   m_path = fs::canonical(name);
 }
 

@@ -17,8 +17,9 @@ namespace {
 /// Raises for what is no dependency and for what cannot be opened.
 VdmDbObjectDependencyPtr openArgument(const OdDbObjectId& id) {
   const OdDbObjectPtr object = id.openObject();
-  if (object.isNull())
+  if (object.isNull()) {
     throw OdError(eNotOpenForRead, OdString("constraint argument ") + id.getHandle().ascii());
+  }
   return VdmDbObjectDependencyPtr(object);  // raises for another class
 }
 
@@ -208,8 +209,9 @@ bool VdmConstraint::getExtArgument(OdUInt32 index, VdmExtendedPath& path) const 
   path = VdmExtendedPath();
   if (!m_arguments[index].isNull()) {
     const VdmDbObjectDependencyPtr dependency = openArgument(m_arguments[index]);
-    if (dependency->getLinkObject(path.path, /*openErased=*/false) == vdmu::ePathInvalid)
+    if (dependency->getLinkObject(path.path, /*openErased=*/false) == vdmu::ePathInvalid) {
       return false;
+    }
   }
   path.isDefaultGeometry = m_defaultGeometry[index] != vdmu::kDefaultGeometryNone;
   if (path.isDefaultGeometry) path.defaultGeometry = m_defaultGeometry[index];

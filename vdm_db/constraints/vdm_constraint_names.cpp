@@ -7,8 +7,9 @@
 namespace vdmu {
 
 void getConstraintNamesSet(VdmDbConstraintManager* manager, std::set<OdString>& names) {
-  for (const VdmConstraintPtr& constraint : manager->constraints())
+  for (const VdmConstraintPtr& constraint : manager->constraints()) {
     names.insert(odToUpper(constraint->name()));
+  }
 }
 
 OdString takeNumberedName(const OdString& base, std::set<OdString>& taken, int& number) {

@@ -19,8 +19,9 @@ namespace {
 /// The model object of the entity, open for write; made when there is none.
 VdmDbObjectPtr modelObjectOf(const OdDbObjectId& entity, const VdmDbConstraintManager* manager) {
   VdmDbObjectPtr object = VdmDbObject::openVdmDbObject(entity, OdDb::kForWrite);
-  if (object.isNull() && !entity.isNull())
+  if (object.isNull() && !entity.isNull()) {
     object = VdmDbObject::getInstance(entity, manager->objectId()).openObject(OdDb::kForWrite);
+  }
   return object;
 }
 

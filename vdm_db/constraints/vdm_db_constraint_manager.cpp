@@ -133,8 +133,9 @@ void VdmDbConstraintManager::removeConstraint(VdmConstraint* constraint) {
 
 void VdmDbConstraintManager::removeConstraints(const OdArray<VdmConstraintPtr>& constraints) {
   bool anyRemoved = false;
-  for (const VdmConstraintPtr& constraint : constraints)
+  for (const VdmConstraintPtr& constraint : constraints) {
     anyRemoved = takeOut(constraint.get()) || anyRemoved;
+  }
   if (anyRemoved) cleanUpRegistry();
 }
 

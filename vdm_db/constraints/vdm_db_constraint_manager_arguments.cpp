@@ -31,8 +31,9 @@ ExtendedDep VdmDbConstraintManager::dependencyOf(const VdmExtendedPath& path) {
         VdmDbObject::getInstance(entity, objectId()).openAs<VdmDbObject>(OdDb::kForWrite);
     if (!object.isNull()) dependency.dependency = object->append(path.path);
   }
-  if (dependency.dependency.isNull() && !dependency.isDefaultGeometry)
+  if (dependency.dependency.isNull() && !dependency.isDefaultGeometry) {
     throw OdError(OdString("Failed to create dependency"));
+  }
   return dependency;
 }
 

@@ -32,8 +32,9 @@ Ids readIds(OdDbDwgFiler* filer) {
 
 VdmConstraintPtr createConstraint(const OdString& className) {
   const OdRxClass* stored = odrxClassDictionary()->getAt(className);
-  if (stored == nullptr || !stored->isDerivedFrom(VdmConstraint::desc()) || stored->isAbstract())
+  if (stored == nullptr || !stored->isDerivedFrom(VdmConstraint::desc()) || stored->isAbstract()) {
     throw OdError(eCorruptData, "constraint of class \"" + className + "\"");
+  }
   return VdmConstraintPtr(stored->create());
 }
 
@@ -100,13 +101,15 @@ OdResult VdmDbConstraintManager::dwgInFields(OdDbDwgFiler* filer) {
 // Null ids of a file vanish; those that an audit has set are part of the state that undo restores.
 void VdmDbConstraintManager::readChildren(OdDbDwgFiler* filer) {
   if (!filesState(filer)) return vdmu::readSoftPointerIdArray(filer, m_childManagers.array());
-  for (OdUInt32 count = filer->rdCount(0); count > 0; --count)
+  for (OdUInt32 count = filer->rdCount(0); count > 0; --count) {
     m_childManagers.array().append(filer->rdSoftPointerId());
+  }
 }
 
 void VdmDbConstraintManager::clearForRead() {
-  for (const auto& [nodeId, constraint] : m_constraints)
-    constraint->setOwner(OdDbObjectId::kNull);  // others may hold it still
+  for (const auto& [nodeId, constraint] : m_constraints) {
+    constraint->setOwner(OdDbObjectId::kNull);
+  }  // others may hold it still
   m_constraints.clear();
   m_vdmDbObjects.array().clear();
   m_reservedIds.clear();

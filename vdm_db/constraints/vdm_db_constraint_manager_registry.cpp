@@ -61,8 +61,9 @@ void VdmDbConstraintManager::unregisterVdmDbObject(VdmDbObject* object) {
   assertWriteEnabled(/*autoUndo=*/false);
   OdDbObjectIdArray gone;
   gone.append(object->objectId());
-  if (m_vdmDbObjects.contains(gone[0]))
+  if (m_vdmDbObjects.contains(gone[0])) {
     m_vdmDbObjects.takeOut(m_vdmDbObjects.positionsOf(gone), beginStep(kRegistryStep));
+  }
   m_names.reset();
   const OdDbObjectId child = managerOfInsertedBlock(object);
   if (!child.isNull() && m_childManagers.contains(child)) removeChild(child);

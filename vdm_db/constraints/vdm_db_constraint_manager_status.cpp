@@ -54,14 +54,16 @@ void VdmDbConstraintManager::markArgumentsModified(const VdmConstraint& constrai
     OdDbFullSubentPath path;
     if (!argument.isNull()) {
       const auto dependency = argument.openAs<VdmDbObjectDependency>();
-      if (dependency.isNull() || dependency->getLinkObject(path, false) == vdmu::ePathInvalid)
+      if (dependency.isNull() || dependency->getLinkObject(path, false) == vdmu::ePathInvalid) {
         continue;
+      }
     }
     const OdDbObjectId object = vdmu::getInsertId(path);
     if (!m_modifiedObjects.contains(object)) added.insert(object);
   }
-  if (!added.empty() || m_status < kPartlyModified)
+  if (!added.empty() || m_status < kPartlyModified) {
     changeState(std::max(m_status, kPartlyModified), added, {});
+  }
 }
 
 void VdmDbConstraintManager::notifyAboutModifications(const OdDbObjectId& object, bool modified) {

@@ -13,8 +13,9 @@ namespace {
 constexpr const wchar_t* kArrayActionClass = L"OdDbAssocArrayActionBody";
 
 OdDbBlockTableRecordPtr blockOf(const OdDbObject* object) {
-  if (const OdDbBlockReferencePtr insert = OdDbBlockReference::cast(object); !insert.isNull())
+  if (const OdDbBlockReferencePtr insert = OdDbBlockReference::cast(object); !insert.isNull()) {
     return insert->blockTableRecord().openAs<OdDbBlockTableRecord>();
+  }
   return OdDbBlockTableRecord::cast(object);
 }
 

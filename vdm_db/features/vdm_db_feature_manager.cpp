@@ -123,9 +123,9 @@ class VdmDbFeatureManager::FeatureSource final : public VdmDbIteratorBase::DataS
   explicit FeatureSource(const VdmDbFeatureManager* manager)
       : m_manager(manager), m_features(&manager->implForRead().features.ids()) {}
 
-  OdUInt32 size() const override { return m_features->size(); }
-  OdDbObjectId at(OdUInt32 index) const override { return (*m_features)[index]; }
-  std::unique_ptr<DataSource> clone() const override {
+  [[nodiscard]] OdUInt32 size() const override { return m_features->size(); }
+  [[nodiscard]] OdDbObjectId at(OdUInt32 index) const override { return (*m_features)[index]; }
+  [[nodiscard]] std::unique_ptr<DataSource> clone() const override {
     return std::make_unique<FeatureSource>(m_manager);
   }
 

@@ -138,7 +138,7 @@ class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject, public VdmFeatureRe
  private:
   class FeatureSource;
 
-  VdmDbFeatureManagerImpl& implForRead() const;
+  [[nodiscard]] VdmDbFeatureManagerImpl& implForRead() const;
   OdDbDwgFiler* recordList();
   void appendFeature(const OdDbObjectId& feature);
   void takeOut(const OdDbObjectIdArray& features);

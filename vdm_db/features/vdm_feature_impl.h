@@ -31,10 +31,12 @@ class VdmFeatureImpl final : public TBase {
     OdDbObject* const carrier = m_dbObject;
     if (dropReference() && carrier != nullptr) carrier->releaseTagged(tag);
   }
-  OdInt32 numRefs() const override { return m_references.load(std::memory_order_relaxed); }
+  [[nodiscard]] OdInt32 numRefs() const override {
+    return m_references.load(std::memory_order_relaxed);
+  }
 
   OdDbObject* getDbObject() override { return m_dbObject; }
-  const OdDbObject* getDbObject() const override { return m_dbObject; }
+  [[nodiscard]] const OdDbObject* getDbObject() const override { return m_dbObject; }
   void attach(OdDbObject* carrier) override { m_dbObject = carrier; }
 
  private:

@@ -111,7 +111,8 @@ OdRxObjectPtr VdmUpdateFeatureInterface::getExtension(OdDbObject* object) {
   VdmProperties bag;
   OdString className;
   if (object == nullptr || !hasProperties(object) || !bag.readFromDbObject(object) ||
-      !bag.getProperty(kVdmFeatureType, className))
+      !bag.getProperty(kVdmFeatureType, className)) {
     return {};
+  }
   return makeOfClass(className);
 }

@@ -64,16 +64,18 @@ OdString prefixOf(const OdDbBlockTableRecordPtr& block) {
 }
 
 LayerScope scopeOf(const OdDbBlockTableRecordPtr& block) {
-  if (OdDbDatabase* external = block->xrefDatabase(); external != nullptr)
+  if (OdDbDatabase* external = block->xrefDatabase(); external != nullptr) {
     return {external, prefixOf(block), false};
+  }
   LayerScope scope{block->database(), {}, false};
   if (scope.database == nullptr) return scope;
   const OdDbBlockTableRecordPtr attached =
       scope.database->xrefBlockId().openAs<OdDbBlockTableRecord>();
-  if (!attached.isNull())
+  if (!attached.isNull()) {
     scope.prefix = prefixOf(attached);
-  else
+  } else {
     scope.stripCheckedOut = vdmu::isInLongTransaction(scope.database);
+  }
   return scope;
 }
 
@@ -98,8 +100,9 @@ void findCheckedOut(const OdDbLayerTable* table, const OdStringArray& names, Lay
   for (OdDbSymbolTableIteratorPtr it = table->newIterator(); !it->done(); it->step()) {
     const OdString name = withoutCheckOut(it->getRecordName());
     if (std::any_of(names.begin(), names.end(),
-                    [&name](const OdString& wanted) { return name.iCompare(wanted) == 0; }))
+                    [&name](const OdString& wanted) { return name.iCompare(wanted) == 0; })) {
       found.insert(it->getRecordId());
+    }
   }
 }
 
@@ -116,8 +119,9 @@ class SolidCollector {
 
   void addItems(const OdDbObjectId& array, const OdGeMatrix3d& transform, const LayerSet* layers) {
     forEachEntity(array, [&](const OdDbEntityPtr& entity) {
-      if (const OdDbBlockReferencePtr item = OdDbBlockReference::cast(entity); !item.isNull())
+      if (const OdDbBlockReferencePtr item = OdDbBlockReference::cast(entity); !item.isNull()) {
         addElement(item->blockTableRecord(), transform * item->blockTransform(), layers);
+      }
     });
   }
 
@@ -188,10 +192,11 @@ VdmUpdateFeatureInterface::LayerSet VdmUpdateFeatureInterface::findLayersByName(
   if (scope.database == nullptr) return found;
   const OdDbLayerTablePtr table = scope.database->getLayerTableId().openAs<OdDbLayerTable>();
   if (table.isNull()) return found;
-  if (scope.stripCheckedOut)
+  if (scope.stripCheckedOut) {
     findCheckedOut(table, names, found);
-  else
+  } else {
     findByName(table, names, scope.prefix, found);
+  }
   return found;
 }
 

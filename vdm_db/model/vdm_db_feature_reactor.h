@@ -62,11 +62,11 @@ class VDM_DB_EXPORT VdmDbFeatureReactor : public OdDbObject {
   explicit VdmDbFeatureReactor(std::unique_ptr<VdmDbFeatureReactorImpl> impl);
 
   /// Raises OdError eNotOpenForRead unless the reactor is open for read.
-  const VdmDbFeatureReactorImpl& implForRead() const;
+  [[nodiscard]] const VdmDbFeatureReactorImpl& implForRead() const;
   /// Records the whole state for undo.
   VdmDbFeatureReactorImpl& implForWrite();
   /// Without a check, for a subclass that records its steps itself.
-  VdmDbFeatureReactorImpl& impl() const { return *m_impl; }
+  [[nodiscard]] VdmDbFeatureReactorImpl& impl() const { return *m_impl; }
 
  private:
   std::unique_ptr<VdmDbFeatureReactorImpl> m_impl;

@@ -131,7 +131,7 @@ class VDM_DB_EXPORT VdmDbObject : public OdDbObject {
     kUndoPersIdList = 5,
   };
 
-  VdmDbObjectImpl& implForRead() const;
+  [[nodiscard]] VdmDbObjectImpl& implForRead() const;
   OdDbDwgFiler* recordStep(UndoStep step);
   void recordAttributes();
   void recordTransform(bool isOpen);

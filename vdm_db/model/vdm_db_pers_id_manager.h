@@ -100,7 +100,7 @@ class VDM_DB_EXPORT VdmDbPersIdManager : public OdDbObject {
   [[nodiscard]] std::size_t approximateSize() const override;
 
  private:
-  VdmDbPersIdManagerImpl& implForRead() const;
+  [[nodiscard]] VdmDbPersIdManagerImpl& implForRead() const;
   void appendIds(const OdDbObjectIdArray& ids);
   void takeOut(const OdArray<OdUInt32>& positions);
   void eraseUnwatched(const OdDbObjectIdArray& ids) const;

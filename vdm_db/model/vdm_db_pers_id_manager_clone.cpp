@@ -51,8 +51,9 @@ void VdmDbPersIdManager::mergeManagers(VdmDbPersIdManager* source, OdDbIdMapping
                                        std::unordered_set<OdDbObjectId>& mergedObjects,
                                        bool keepAll,
                                        std::map<OdDbObjectId, OdDbObjectId>& replaced) {
-  if (source == nullptr)
+  if (source == nullptr) {
     throw OdError(eNullPointer, L"mergeManagers : Persistent id manager is NULL");
+  }
   VdmMergeContext context{mapping, reverse, keepAll, mergedObjects, replaced};
   if (source != this) takeOver(*source, context);
 }

@@ -125,8 +125,9 @@ OdDbHandle VdmFlatFiler::rdDbHandle() {
 void VdmFlatFiler::wrDbHandle(const OdDbHandle& value) {
   std::array<OdUInt8, 8> bytes;
   OdUInt64 rest = value;
-  for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte, rest >>= 8)
+  for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte, rest >>= 8) {
     *byte = static_cast<OdUInt8>(rest);
+  }
   put(bytes);
 }
 

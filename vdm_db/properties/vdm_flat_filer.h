@@ -49,12 +49,12 @@ class VDM_DB_EXPORT VdmFlatFiler : public OdStaticRxObject<OdDbDwgFiler> {
   // Appends the bytes to the chain as one record of code 1004. Nothing
   // happens when `rb` is null or there are kMaxChunkSize bytes or more.
   void appendToResBuf(OdResBuf* rb);
-  OdStreamBuf& io() const { return *m_stream; }
+  [[nodiscard]] OdStreamBuf& io() const { return *m_stream; }
   // A string that cannot be read back was written.
   [[nodiscard]] bool hasUnreadableString() const { return m_hasUnreadableString; }
 
   [[nodiscard]] FilerType filerType() const override { return kCopyFiler; }
-  OdDbFilerController* controller() const override { return nullptr; }
+  [[nodiscard]] OdDbFilerController* controller() const override { return nullptr; }
   void seek(OdInt64 offset, OdDb::FilerSeekType from) override;
   // Cut to 32 bits.
   [[nodiscard]] OdUInt64 tell() const override;

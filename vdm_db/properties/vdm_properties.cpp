@@ -62,8 +62,9 @@ OdUInt32 VdmProperties::findSlot(const OdString& key) const {
 
 // Grows by half, from four slots on, or at once to the size of the last bag that went this way.
 void VdmProperties::makeRoom() {
-  if (const OdUInt32 count = m_slots.size(); count == m_slots.capacity())
+  if (const OdUInt32 count = m_slots.size(); count == m_slots.capacity()) {
     m_slots.reserve(std::max({4u, count + count / 2, VdmPropertyShape::expectedSize(m_shape)}));
+  }
 }
 
 OdUInt32 VdmProperties::takeStep(const VdmPropertyShapeStep& step) {
@@ -89,10 +90,11 @@ OdUInt32 VdmProperties::findOrAddSlot(const OdString& key) {
 void VdmProperties::removeSlot(OdUInt32 slot) {
   const bool shifts = m_shape->isShared();
   m_shape = VdmPropertyShape::remove(m_shape, slot);
-  if (shifts)
+  if (shifts) {
     m_slots.eraseShifting(slot);
-  else
+  } else {
     m_slots.eraseFilling(slot);
+  }
 }
 
 const OdString& VdmProperties::keyOfSlot(OdUInt32 slot) const { return m_shape->keyOfSlot(slot); }
@@ -192,8 +194,10 @@ bool VdmProperties::mapProperty(const OdString& key, OdDbObjectIdArray* ids,
 void VdmProperties::setReferenceType(const OdString& key, OdDb::ReferenceType type) {
   const OdUInt32 slot = findOrAddSlot(key);
   if (!m_slots.isBoxed(slot)) return;
-  if (auto* mapping = dynamic_cast<VdmPropertyDataObjectIdArrayMapping*>(m_slots.boxed(slot).get()))
+  if (auto* mapping =
+          dynamic_cast<VdmPropertyDataObjectIdArrayMapping*>(m_slots.boxed(slot).get())) {
     mapping->setReferenceType(type);
+  }
 }
 
 // ---- Instantiations for plain values and arrays; those for maps are in vdm_properties_maps.cpp

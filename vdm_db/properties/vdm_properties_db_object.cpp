@@ -50,10 +50,11 @@ void VdmProperties::writeToDbObject(OdDbObject* object) const {
     VdmFlatFiler filer;
     writeFlat(*this, filer, object);
     object->assertWriteEnabled();
-    if (filer.getBinaryDataSize() < VdmFlatFiler::kMaxChunkSize)
+    if (filer.getBinaryDataSize() < VdmFlatFiler::kMaxChunkSize) {
       filer.appendToResBuf(chain.get());
-    else
+    } else {
       vdmu::storeExtensionBytes(object, kVdmRegApp, filer.getBinaryData());
+    }
   }
   object->database()->newRegApp(kVdmRegApp);
   object->setXData(chain.get());

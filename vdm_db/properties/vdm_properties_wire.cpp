@@ -108,8 +108,9 @@ class VdmPropertiesWriter {
   template <class T>
   void writeSlot(OdUInt32 slot) {
     if constexpr (VdmPackedValue<T>) {
-      if (m_bag.m_slots.isPacked(slot))
+      if (m_bag.m_slots.isPacked(slot)) {
         return VdmPropertyEncoding<T>::write(m_filer, m_bag.m_slots.unpacked<T>(slot), m_config);
+      }
     }
     VdmPropertyEncoding<T>::write(m_filer, m_bag.m_slots.get<T>(slot), m_config);
   }
@@ -180,12 +181,14 @@ class VdmPropertiesReader {
 
   void dropUnmapped() {
     OdUInt32 mapped = 0;
-    for (OdUInt32 slot = 0; slot < m_bag.size(); ++slot)
+    for (OdUInt32 slot = 0; slot < m_bag.size(); ++slot) {
       if (m_bag.isMappedSlot(slot)) ++mapped;
+    }
     if (mapped == m_bag.size()) return;
     if (mapped == 0) return m_bag.clear();
-    for (OdUInt32 slot = m_bag.size(); slot-- > 0;)
+    for (OdUInt32 slot = m_bag.size(); slot-- > 0;) {
       if (!m_bag.isMappedSlot(slot)) m_bag.removeSlot(slot);
+    }
   }
 
   OdResult readEntries(OdUInt32 count) {
@@ -210,8 +213,9 @@ class VdmPropertiesReader {
   }
 
   bool readValue(const OdString& key, const Step* likely) {
-    if (likely != nullptr && likely->key == key)
+    if (likely != nullptr && likely->key == key) {
       return readNew([&] { return m_bag.takeStep(*likely); });
+    }
     const OdUInt32 slot = findSlot(key);
     return slot == VdmPropertyShape::kNoSlot ? readNew(key) : readInPlace(slot);
   }
@@ -245,8 +249,9 @@ class VdmPropertiesReader {
   bool readNew(MakeSlot makeSlot) {
     const OdInt8 number = m_filer->rdInt8();
     const auto put = [&]<class T>() {
-      if constexpr (VdmPackedValue<T>)
+      if constexpr (VdmPackedValue<T>) {
         if (readPacked<T>(makeSlot)) return;
+      }
       T value{};
       VdmPropertyEncoding<T>::read(m_filer, value, m_config);
       m_bag.m_slots.put<T>(makeSlot(), std::move(value));
@@ -284,10 +289,11 @@ class VdmPropertiesReader {
     if constexpr (std::is_same_v<T, OdString>) {
       std::string_view text;
       if (!m_filer->rdStringBytes(text)) return false;
-      if (text.size() <= kMaxPackedBytes)
+      if (text.size() <= kMaxPackedBytes) {
         pack<T>(makeSlot(), text);
-      else
+      } else {
         m_bag.m_slots.put(makeSlot(), OdString::fromUtf8(text));
+      }
     } else {
       readPackedArray<typename T::value_type>(makeSlot);
     }
@@ -304,8 +310,9 @@ class VdmPropertiesReader {
       return m_bag.m_slots.put(makeSlot(), std::move(array));
     }
     std::array<E, kMaxPackedElements> elements;
-    for (OdUInt32 i = 0; i < count; ++i)
+    for (OdUInt32 i = 0; i < count; ++i) {
       elements[i] = VdmElementEncoding<E>::read(m_filer, m_config);
+    }
     pack<VdmArray<E>>(makeSlot(),
                       {reinterpret_cast<const char*>(elements.data()), count * sizeof(E)});
   }
@@ -318,8 +325,9 @@ class VdmPropertiesReader {
 
   bool readInPlace(OdUInt32 slot) {
     if (!vdmAssert(!m_bag.m_slots.isNull(slot), "!val.isNull()", OdString(),
-                   "vdm_db/vdm_properties", 798))
+                   "vdm_db/vdm_properties", 798)) {
       return false;
+    }
     if (m_bag.m_slots.isBoxed(slot)) {
       const VdmPropertyDataPtr value = m_bag.m_slots.boxed(slot);
       return value->readFromDwg(m_filer, m_config);
@@ -343,8 +351,9 @@ class VdmPropertiesReader {
 
   // What a sparse stream does not hold has its default.
   OdResult resetMissing() {
-    if (!std::is_sorted(m_keysRead.begin(), m_keysRead.end()))
+    if (!std::is_sorted(m_keysRead.begin(), m_keysRead.end())) {
       std::sort(m_keysRead.begin(), m_keysRead.end());
+    }
     for (OdUInt32 position = 0; position < m_bag.size(); ++position) {
       const OdUInt32 slot = m_bag.slotAt(position);
       if (std::binary_search(m_keysRead.begin(), m_keysRead.end(), m_bag.keyOfSlot(slot))) continue;

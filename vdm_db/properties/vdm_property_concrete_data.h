@@ -29,7 +29,7 @@ class VdmPropertyConcreteData : public VdmPropertyData {
  public:
   // For writing; a mapping through a getter refreshes its cached copy first.
   virtual T& value() = 0;
-  virtual const T& value() const = 0;
+  [[nodiscard]] virtual const T& value() const = 0;
 
   void writeValue(OdDbDwgFiler* filer, int config) const override {
     Encoding::write(filer, std::as_const(*this).value(), config);
@@ -72,7 +72,7 @@ class VdmPropertyDataContainer final : public VdmPropertyConcreteData<T> {
   explicit VdmPropertyDataContainer(T&& value) : m_value(std::move(value)) {}
 
   T& value() override { return m_value; }
-  const T& value() const override { return m_value; }
+  [[nodiscard]] const T& value() const override { return m_value; }
 
  private:
   T m_value;
@@ -92,10 +92,11 @@ VdmDoubleArray vdmDoublesOf(const T& value) {
 
 template <class T>
 VdmPropertyDataPtr VdmPropertyData::create(const T& value) {
-  if constexpr (VdmGeometryValue<T>)
+  if constexpr (VdmGeometryValue<T>) {
     return create(vdmDoublesOf(value));
-  else
+  } else {
     return VdmPropertyDataPtr(new VdmPropertyDataContainer<T>(value));
+  }
 }
 
 template <class T>

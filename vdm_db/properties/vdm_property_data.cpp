@@ -37,19 +37,21 @@ VdmPropertyData* makeArray(OdInt8 elementType) {
 
 VdmPropertyData* makeMap(OdInt8 keyType, OdInt8 valueType) {
   return vdmMakeByNumber(keyType, [&]<class K>() -> VdmPropertyData* {
-    if constexpr (VdmPlainType<K>)
+    if constexpr (VdmPlainType<K>) {
       return vdmMakeMap<K>(valueType);
-    else
+    } else {
       return nullptr;
+    }
   });
 }
 
 VdmPropertyData* makeElement(OdInt8 type) {
   return vdmMakeByNumber(type, []<class E>() -> VdmPropertyData* {
-    if constexpr (VdmPropertyValue<E>)
+    if constexpr (VdmPropertyValue<E>) {
       return new VdmPropertyDataContainer<E>;
-    else
+    } else {
       return nullptr;
+    }
   });
 }
 

@@ -88,8 +88,9 @@ VdmBlob VdmElementEncoding<VdmBlob>::read(OdDbDwgFiler* filer, int) {
   // Where the filer cannot tell what is left, a size beyond this is taken for damage.
   constexpr OdUInt32 kMaxUncheckedSize = 1u << 28;
   const OdUInt32 size = filer->rdCount(1);
-  if (size > kMaxUncheckedSize && filer->bytesLeft() == ~OdUInt64{0})
+  if (size > kMaxUncheckedSize && filer->bytesLeft() == ~OdUInt64{0}) {
     throw OdError(eCorruptData, OdString("a blob of " + std::to_string(size) + " bytes"));
+  }
   VdmBlob blob(size);
   if (size > 0) filer->rdBytes(blob.data(), size);
   return blob;

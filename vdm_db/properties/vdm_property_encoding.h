@@ -97,8 +97,9 @@ struct VdmValueEncoding<OdArray<E, A>> {
   static void write(OdDbDwgFiler* filer, const Array& value, int config) {
     filer->wrInt8(static_cast<OdInt8>(vdmElementType<E>()));
     filer->wrInt32(static_cast<OdInt32>(value.size() - countLeftOut(filer, value, config)));
-    for (const E& element : value)
+    for (const E& element : value) {
       if (!isLeftOut(filer, element, config)) VdmElementEncoding<E>::write(filer, element, config);
+    }
   }
   static void read(OdDbDwgFiler* filer, Array& value, int config) {
     readElements(filer, value, filer->rdCount(VdmElementEncoding<E>::kMinBytes), config);
@@ -114,8 +115,9 @@ struct VdmValueEncoding<OdArray<E, A>> {
     const OdInt8 type = filer->rdInt8();
     const OdInt8 subType = filer->rdInt8();
     if (type == static_cast<OdInt8>(VdmPropertyType::kArray) &&
-        subType == static_cast<OdInt8>(vdmElementType<E>()))
+        subType == static_cast<OdInt8>(vdmElementType<E>())) {
       return true;
+    }
     vdmReportWrongType("type == this->type() && subType == VdmPropertyTypeInfo<T>::Id", 1481);
     return false;
   }
@@ -125,10 +127,11 @@ struct VdmValueEncoding<OdArray<E, A>> {
   static constexpr OdUInt32 kMaxReserve = 1u << 16;
 
   static bool isLeftOut(OdDbDwgFiler* filer, const E& element, int config) {
-    if constexpr (std::is_same_v<E, OdDbTypedId>)
+    if constexpr (std::is_same_v<E, OdDbTypedId>) {
       return vdmIsLeftOut(filer, element.id, config);
-    else
+    } else {
       return false;
+    }
   }
   static OdUInt32 countLeftOut(OdDbDwgFiler* filer, const Array& value, int config) {
     if constexpr (!std::is_same_v<E, OdDbTypedId>) return 0;
@@ -169,8 +172,9 @@ struct VdmValueEncoding<std::map<K, V>> {
     const OdInt8 valueType = filer->rdInt8();
     if (type == static_cast<OdInt8>(VdmPropertyType::kMap) &&
         keyType == static_cast<OdInt8>(vdmElementType<K>()) &&
-        valueType == static_cast<OdInt8>(vdmElementType<V>()))
+        valueType == static_cast<OdInt8>(vdmElementType<V>())) {
       return true;
+    }
     vdmReportWrongType(
         "type == this->type() && keyType == VdmPropertyTypeInfo<Key>::Id && "
         "valueType == VdmPropertyTypeInfo<Value>::Id",
@@ -189,10 +193,11 @@ void VdmPropertyEncoding<T>::read(OdDbDwgFiler* filer, T& value, int config) {
 }
 template <class T>
 bool VdmPropertyEncoding<T>::readTypes(OdDbDwgFiler* filer) {
-  if constexpr (VdmElementType<T>)
+  if constexpr (VdmElementType<T>) {
     return filer->rdInt8() == static_cast<OdInt8>(vdmElementType<T>());
-  else
+  } else {
     return VdmValueEncoding<T>::readTypes(filer);
+  }
 }
 
 // In each other source that uses the encodings which vdm_property_encoding.cpp makes: a copy made

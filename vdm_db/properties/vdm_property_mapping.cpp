@@ -25,7 +25,8 @@ void VdmPropertyDataObjectIdArrayMapping::updateMapped() {
 const VdmTypedIdArray& VdmPropertyDataObjectIdArrayMapping::value() const {
   m_cached.clear();
   m_cached.reserve(m_variable->size());
-  for (const OdDbObjectId& id : std::as_const(*m_variable))
+  for (const OdDbObjectId& id : std::as_const(*m_variable)) {
     m_cached.append(OdDbTypedId(id, m_type));
+  }
   return m_cached;
 }

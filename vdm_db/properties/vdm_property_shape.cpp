@@ -29,7 +29,7 @@ class Probe {
  public:
   Probe(const OdString& key, std::size_t tableSize)
       : m_mask(tableSize - 1), m_at(vdmBufferHash(key) & m_mask) {}
-  std::size_t at() const { return m_at; }
+  [[nodiscard]] std::size_t at() const { return m_at; }
   void next() { m_at = (m_at + 1) & m_mask; }
 
  private:
@@ -52,8 +52,9 @@ VdmPropertyShape::VdmPropertyShape(std::vector<OdString> sortedKeys)
 
 OdUInt32 VdmPropertyShape::findBuffer(const OdString& key) const noexcept {
   if (m_buckets.empty()) {
-    for (std::size_t slot = 0; slot < m_keys.size(); ++slot)
+    for (std::size_t slot = 0; slot < m_keys.size(); ++slot) {
       if (m_keys[slot].sharesBuffer(key)) return static_cast<OdUInt32>(slot);
+    }
     return kNoSlot;
   }
   for (Probe probe(key, m_buckets.size()); m_buckets[probe.at()] != 0; probe.next()) {
@@ -96,8 +97,9 @@ const VdmPropertyShape* VdmPropertyShape::add(const VdmPropertyShape* shape, con
 const VdmPropertyShape* VdmPropertyShape::remove(const VdmPropertyShape* shape, OdUInt32 slot) {
   if (!shape->isShared()) return changeable(shape)->removePrivate(slot);
   if (shape->size() == 1) return nullptr;
-  if (const Step* step = VdmPropertyShapeRegistry::instance().stepByRemoving(shape, slot))
+  if (const Step* step = VdmPropertyShapeRegistry::instance().stepByRemoving(shape, slot)) {
     return step->to;
+  }
   std::vector<OdString> keys = shape->m_keys;
   keys.erase(keys.begin() + static_cast<std::ptrdiff_t>(slot));
   return new VdmPropertyShape(PrivateTag(), std::move(keys));
@@ -126,8 +128,9 @@ void VdmPropertyShape::release(const VdmPropertyShape* shape) noexcept {
 VdmPropertyShape::VdmPropertyShape(PrivateTag, std::vector<OdString> keys)
     : m_keys(std::move(keys)), m_index(std::make_unique<PrivateIndex>()) {
   m_index->slots.reserve(m_keys.size() + 1);
-  for (std::size_t slot = 0; slot < m_keys.size(); ++slot)
+  for (std::size_t slot = 0; slot < m_keys.size(); ++slot) {
     m_index->slots.emplace(m_keys[slot], static_cast<OdUInt32>(slot));
+  }
   m_index->isSorted = false;
 }
 

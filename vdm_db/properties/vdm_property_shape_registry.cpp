@@ -58,8 +58,9 @@ const VdmPropertyShape::Step* VdmPropertyShapeRegistry::findStep(const VdmProper
 const VdmPropertyShape::Step* VdmPropertyShapeRegistry::stepByAdding(const VdmPropertyShape* from,
                                                                      const OdString& key) {
   std::atomic<const Step*>& last = from == nullptr ? m_firstStep : from->m_lastStep;
-  if (const Step* step = last.load(std::memory_order_acquire); step && step->key == key)
+  if (const Step* step = last.load(std::memory_order_acquire); step && step->key == key) {
     return step;
+  }
   const Step* step = findStep(from, key, /*isRemoval=*/false);
   if (step == nullptr) {
     const OdString* interned = findKey(key);
@@ -80,8 +81,9 @@ const VdmPropertyShape::Step* VdmPropertyShapeRegistry::stepByAdding(const VdmPr
 OdUInt32 VdmPropertyShapeRegistry::expectedSize(const VdmPropertyShape* from) const noexcept {
   OdUInt32 size = from == nullptr ? 0 : from->size();
   const Step* step = likelyStep(from);
-  for (; step != nullptr && size < VdmPropertyShape::kMaxSharedKeys; ++size)
+  for (; step != nullptr && size < VdmPropertyShape::kMaxSharedKeys; ++size) {
     step = likelyStep(step->to);
+  }
   return size;
 }
 
@@ -112,12 +114,14 @@ const VdmPropertyShape* VdmPropertyShapeRegistry::shapeOf(std::vector<OdString> 
   std::size_t hash = sortedKeys.size();
   for (const OdString& key : sortedKeys) hash = hash * 31 + textHash(key.utf8());
   const auto [first, last] = m_shapesByContent.equal_range(hash);
-  for (auto known = first; known != last; ++known)
+  for (auto known = first; known != last; ++known) {
     if (known->second->m_keys == sortedKeys) return known->second;
+  }
 
   if (sortedKeys.size() > VdmPropertyShape::kMaxSharedKeys ||
-      m_shapes.size() >= VdmPropertyShape::kMaxShapes)
+      m_shapes.size() >= VdmPropertyShape::kMaxShapes) {
     return nullptr;
+  }
   for (OdString& key : sortedKeys) key = intern(key);
   const VdmPropertyShape& added = m_shapes.emplace_back(std::move(sortedKeys));
   m_shapesByContent.emplace(hash, &added);

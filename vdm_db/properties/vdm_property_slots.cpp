@@ -29,8 +29,9 @@ void VdmPropertySlots::reserve(OdUInt32 capacity) {
   if (capacity <= m_capacity) return;
   constexpr OdUInt32 kMaxCapacity = std::numeric_limits<OdUInt32>::max() / 2;
   if (capacity > kMaxCapacity) odRaise(eLimitExceeded, "too many properties in one bag");
-  for (OdUInt32 slot = 0; slot < m_size; ++slot)
+  for (OdUInt32 slot = 0; slot < m_size; ++slot) {
     if (isPacked(slot)) unpack(slot);
+  }
   auto* block = static_cast<OdUInt8*>(std::malloc(slotBytes(capacity)));
   if (block == nullptr) odRaise(eOutOfMemory);
   if (m_size > 0) {
@@ -88,10 +89,11 @@ void VdmPropertySlots::dropValue(OdUInt32 slot) noexcept {
 
 template <VdmSlotValue T>
 void VdmPropertySlots::set(OdUInt32 slot, T value) {
-  if (isMappedVariable(slot))
+  if (isMappedVariable(slot)) {
     *reinterpret_cast<T*>(word(slot)) = std::move(value);
-  else
+  } else {
     put(slot, std::move(value));
+  }
 }
 
 template <VdmSlotValue T>
@@ -146,12 +148,13 @@ void VdmPropertySlots::unpack(OdUInt32 slot) const {
     ::new (static_cast<void*>(&word(slot))) T(std::move(value));
     tag(slot) = kTagOf<T>;
   };
-  if (holds<OdString>(slot))
+  if (holds<OdString>(slot)) {
     put(unpacked<OdString>(slot));
-  else if (holds<VdmArray<double>>(slot))
+  } else if (holds<VdmArray<double>>(slot)) {
     put(unpacked<VdmArray<double>>(slot));
-  else
+  } else {
     put(unpacked<VdmArray<OdLong>>(slot));
+  }
 }
 
 void VdmPropertySlots::putBoxed(OdUInt32 slot, const VdmPropertyDataPtr& value) {
@@ -163,16 +166,18 @@ void VdmPropertySlots::putBoxed(OdUInt32 slot, const VdmPropertyDataPtr& value) 
 
 template <VdmSlotValue T>
 VdmPropertyDataPtr VdmPropertySlots::makeObject(OdUInt32 slot) const {
-  if (isMappedVariable(slot))
+  if (isMappedVariable(slot)) {
     return VdmPropertyDataPtr(new VdmPropertyDataMapping<T>(reinterpret_cast<T*>(word(slot))));
+  }
   return VdmPropertyDataPtr(new VdmPropertyDataContainer<T>(get<T>(slot)));
 }
 
 const VdmPropertyDataPtr& VdmPropertySlots::box(OdUInt32 slot) {
   static const VdmPropertyDataPtr kNullPointer;
   if (isNull(slot)) return kNullPointer;
-  if (!isBoxed(slot))
+  if (!isBoxed(slot)) {
     putBoxed(slot, visitType(slot, [&]<class T>() { return makeObject<T>(slot); }));
+  }
   return boxed(slot);
 }
 

@@ -20,7 +20,7 @@ concept VdmPackedValue = std::is_same_v<T, OdString> || std::is_same_v<T, VdmArr
 //
 //   tags     one byte for each of m_capacity slots, filled up to whole words; m_size are in use
 //   words    eight bytes for each of m_capacity slots
-//   packed   bytes of values that nobody has asked for yet
+//   packed   bytes of values that were not asked for yet
 //
 // The tag says what the word holds:
 //
@@ -100,7 +100,7 @@ class VDM_DB_EXPORT VdmPropertySlots {
   }
   template <VdmPackedValue T>
   T unpacked(OdUInt32 slot) const;
-  const VdmPropertyDataPtr& boxed(OdUInt32 slot) const noexcept {
+  [[nodiscard]] const VdmPropertyDataPtr& boxed(OdUInt32 slot) const noexcept {
     return *reinterpret_cast<const VdmPropertyDataPtr*>(word(slot));
   }
 
@@ -138,11 +138,11 @@ class VDM_DB_EXPORT VdmPropertySlots {
   static constexpr std::size_t tagBytes(OdUInt32 capacity) noexcept {
     return (std::size_t{capacity} + 7) / 8 * 8;
   }
-  OdUInt8& tag(OdUInt32 slot) const noexcept { return m_tags[slot]; }
-  OdUInt64* words() const noexcept {
+  [[nodiscard]] OdUInt8& tag(OdUInt32 slot) const noexcept { return m_tags[slot]; }
+  [[nodiscard]] OdUInt64* words() const noexcept {
     return reinterpret_cast<OdUInt64*>(m_tags + tagBytes(m_capacity));
   }
-  OdUInt64& word(OdUInt32 slot) const noexcept { return words()[slot]; }
+  [[nodiscard]] OdUInt64& word(OdUInt32 slot) const noexcept { return words()[slot]; }
   // Texts and arrays are one pointer, and their words may be moved as memory.
   template <class T>
   T& object(OdUInt32 slot) const noexcept {
@@ -154,11 +154,13 @@ class VDM_DB_EXPORT VdmPropertySlots {
   static std::size_t slotBytes(OdUInt32 capacity) noexcept {
     return tagBytes(capacity) + capacity * sizeof(OdUInt64);
   }
-  char* packedBytes() const noexcept { return reinterpret_cast<char*>(words() + m_capacity); }
+  [[nodiscard]] char* packedBytes() const noexcept {
+    return reinterpret_cast<char*>(words() + m_capacity);
+  }
   // The word of a packed slot: where its bytes begin in the lower half, their number in the upper.
   void unpack(OdUInt32 slot) const;
   template <VdmSlotValue T>
-  VdmPropertyDataPtr makeObject(OdUInt32 slot) const;
+  [[nodiscard]] VdmPropertyDataPtr makeObject(OdUInt32 slot) const;
 
   OdUInt8* m_tags = nullptr;  // the block
   OdUInt32 m_size = 0;

@@ -45,8 +45,9 @@ void TransDwgFiler::rdBytes(void* buffer, OdUInt32 size) {
   m_filer->nextItem();
   OdBinaryData chunk;
   m_filer->rdBinaryChunk(chunk);
-  if (size != 0 && chunk.size() == size)
+  if (size != 0 && chunk.size() == size) {
     std::copy(chunk.cbegin(), chunk.cend(), static_cast<OdUInt8*>(buffer));
+  }
 }
 
 OdInt8 TransDwgFiler::rdInt8() {

@@ -66,8 +66,7 @@ void VdmFeatureUpdateData::initReactor(const OdDbObjectId& entity) {
   const bool isFirst = m_initializedEntities.empty();
   m_initializedEntities.insert(entity);
   const OdDbObjectId block = object->ownerId();
-  const OdDbObjectId constraintManager =
-      VdmDbConstraintManager::getInstance(block, isFirst);
+  const OdDbObjectId constraintManager = VdmDbConstraintManager::getInstance(block, isFirst);
   VdmDbObject::getInstance(entity, constraintManager);
   if (isFirst) VdmDbPersIdManager::getInstance(block, /*create=*/true);
 }
@@ -95,8 +94,9 @@ void VdmFeatureUpdateData::fillData(VdmUpdateFeatureInterface* updateInterface,
   VdmOpeningEntities entities{insert, updateInterface->subtractSolids(blockId, /*forWrite=*/true),
                               updateInterface->uniteSolids(blockId, /*forWrite=*/true), solid};
   if (addCopiesToUpdateData(updateInterface, feature, entities) && !entities.uniters.isEmpty() &&
-      updateInterface->needsBaseFaces() && isAbsentOrEmpty(subtrBaseFaceMap(feature)))
+      updateInterface->needsBaseFaces() && isAbsentOrEmpty(subtrBaseFaceMap(feature))) {
     appendFeatureToRemove(feature);
+  }
 }
 
 bool VdmFeatureUpdateData::collectFromFeature(VdmFeature* feature, const VdmMatchingFaces& faces,
@@ -117,8 +117,9 @@ void VdmFeatureUpdateData::appendSubEntityToRemove(const OdDbObjectId& feature,
   const OdDbObjectId entity = vdmu::getLeafId(path);
   if (entity.isNull()) return;
   m_subentToFeatures[path].insert(feature);
-  if (!m_newFeatures.empty() && m_entToSubents.count(entity) == 0)
+  if (!m_newFeatures.empty() && m_entToSubents.count(entity) == 0) {
     initReactor(vdmu::getInsertId(path));
+  }
   m_entToSubents[entity].insert(path);
 }
 

@@ -201,18 +201,20 @@ bool VdmFeatureUpdateDataHelper::runSolid(OdDb::BoolOperType type, const OdDbObj
   }
   VdmUpdateObserver* observer = m_updateData->observer();
   if (observer == nullptr) return status.ok();
-  if (status.ok())
+  if (status.ok()) {
     observer->solidChanged(solidId, type, keysOf(sources));
-  else
+  } else {
     observer->solidFailed(solidId, type, status.text);
+  }
   return status.ok();
 }
 
 void VdmFeatureUpdateDataHelper::reportLeftOut(OdDb::BoolOperType type, const OdDbObjectId& solidId,
                                                const OdString& text, int line) const {
   vdmcCallAssert("false", text, kSource, line);
-  if (m_updateData->observer() != nullptr)
+  if (m_updateData->observer() != nullptr) {
     m_updateData->observer()->solidFailed(solidId, type, text);
+  }
 }
 
 OdSmartPtr<OdDb3dSolid> VdmFeatureUpdateDataHelper::uniteSolids(Tools& tools, OdDb3dSolid* base) {
@@ -221,10 +223,11 @@ OdSmartPtr<OdDb3dSolid> VdmFeatureUpdateDataHelper::uniteSolids(Tools& tools, Od
   for (const OdSmartPtr<OdDb3dSolid>& tool : tools) {
     if (tool.isNull()) continue;
     if (base != nullptr) tool->setPropertiesFrom(base);
-    if (result.isNull())
+    if (result.isNull()) {
       result = tool;
-    else
+    } else {
       others.push_back(tool);
+    }
   }
   if (others.empty() || uniteAtOnce(result, others)) return result;
   for (const OdDb3dSolid* tool : others) {

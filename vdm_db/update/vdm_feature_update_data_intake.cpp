@@ -76,8 +76,9 @@ VdmFeatureUpdateData::Intake VdmFeatureUpdateData::decideIntake(const VdmFeature
   if (force) return {true, true, VdmUpdateReason::kForced};
   if (constraintsWereCalculated()) {
     bool recalculated = false;
-    if (feature->hasChanges(recalculated) || recalculated)
+    if (feature->hasChanges(recalculated) || recalculated) {
       return {true, true, VdmUpdateReason::kConstraint};
+    }
   }
   Intake intake;
   intake.taken = featureHasChanges(feature, intake.reason);
@@ -104,12 +105,14 @@ bool VdmFeatureUpdateData::featureHasChanges(const VdmFeature* feature, VdmUpdat
       const OdDbObjectId entity = dependency->getInsertId();
       entities.add(entity);
       if (wasMoved(map, entity)) return because(VdmUpdateReason::kEntityTransformed);
-      if (host != nullptr && isConcerned(*host, *feature, *dependency))
+      if (host != nullptr && isConcerned(*host, *feature, *dependency)) {
         return because(VdmUpdateReason::kEntityChanged);
+      }
     }
   }
-  if (!entities.isExactlyOne())
+  if (!entities.isExactlyOne()) {
     return !context().isFollowUp && because(VdmUpdateReason::kSeveralEntities);
+  }
   return openingWasMoved(feature) && because(VdmUpdateReason::kInsertTransformed);
 }
 
@@ -139,8 +142,9 @@ void VdmFeatureUpdateData::removeUnusedReactors(VdmFeature* feature) {
   const auto found = m_reactorsToRemove.find(feature->getDbObject()->objectId());
   if (found == m_reactorsToRemove.end()) return;
   feature->upgradeOpen();
-  for (const OdDbObjectId& reactor : found->second)
+  for (const OdDbObjectId& reactor : found->second) {
     feature->removeReactor(reactor, /*eraseReactor=*/true);
+  }
 }
 
 // The helper may add features of entities meanwhile; it does not get those of new entities.

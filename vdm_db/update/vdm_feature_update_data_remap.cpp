@@ -44,8 +44,9 @@ class SeenGroups {
  private:
   static std::size_t hashOf(const std::vector<OdDbObjectId>& group) {
     std::size_t hash = group.size();
-    for (const OdDbObjectId& id : group)
+    for (const OdDbObjectId& id : group) {
       hash = hash * 1099511628211ULL ^ vdmu::OdDbObjectIdHash()(id);
+    }
     return hash;
   }
 

@@ -22,13 +22,15 @@ void collectAllSubentsFromFSPs(const VdmFeatureUpdateData::PathSet& paths,
   subents.reserve(paths.size());
   for (const OdDbFullSubentPath& path : paths) {
     if (!vdmAssert(path.objectIds().size() == 1, "path.objectIds().size() == 1",
-                   "geometry can be removed only with simple paths!", kSource, __LINE__))
+                   "geometry can be removed only with simple paths!", kSource, __LINE__)) {
       continue;
+    }
     const OdDbSubentId& subent = path.subentId();
     const bool isNamed = subent.type() != OdDb::kNullSubentType && subent.index() != 0;
     if (!vdmAssert(isNamed, "subent.type() && subent.index()", "subent type must be not empty!",
-                   kSource, __LINE__))
+                   kSource, __LINE__)) {
       continue;
+    }
     subents.push_back(subent);
   }
 }

@@ -126,8 +126,9 @@ class VdmFeatureUpdateDriver {
   }
   void abortSolids(VdmUpdatePhase phase) {
     // Model objects that were made meanwhile are rolled back, too, and may be asked for again.
-    if (m_data.m_initializedEntities.size() != m_numInitialized)
+    if (m_data.m_initializedEntities.size() != m_numInitialized) {
       m_data.m_initializedEntities.clear();
+    }
     m_solids.reset();
     if (m_data.observer() != nullptr) m_data.observer()->transactionAborted(phase);
   }

@@ -52,8 +52,9 @@ FeaturePtr addFeature(const ManagerPtr& manager, OdRxClass* cls) {
 OdArray<VdmFeatureGroupFaces> groupsOfFeature(const OdDbFullSubentPath& basePath,
                                               const OdDbFullSubentPathArray* const (&sets)[3]) {
   OdArray<VdmFeatureGroupFaces> groups;
-  if (isFace(basePath))
+  if (isFace(basePath)) {
     groups.append(VdmFeatureGroupFaces(kMask, OdDbFullSubentPathArray{basePath}, kTagBaseFace));
+  }
   for (int tag = 0; tag < 3; ++tag) groups.append(VdmFeatureGroupFaces(kMask, *sets[tag], tag));
   return groups;
 }
@@ -65,9 +66,10 @@ OdDbObjectIdArray addFeatures(const ManagerPtr& manager, const OdDbFullSubentPat
   const OdSmartPtr<VdmDbFeatureManagerTransaction> references =
       VdmDbFeatureManagerTransaction::createObject();
   OdArray<VdmFeatureGroupFaces> groups;
-  if (isFace(basePath))
+  if (isFace(basePath)) {
     groups.append(
         VdmFeatureGroupFaces(kMaskOfBaseFace, OdDbFullSubentPathArray{basePath}, kTagOfBaseFace));
+  }
   for (OdUInt32 i = 0; i < count; ++i) {
     const FeaturePtr feature = addFeature(manager, cls);
     if (!feature.isNull()) feature->init(groups);

@@ -45,7 +45,7 @@ class PropertyValues : public virtual Runtime, public testing::Test {
  protected:
   PropertyValues() : m_drawing(m_services.createDatabase()) {}
 
-  const OdDbDatabase& drawing() const { return *m_drawing; }
+  [[nodiscard]] const OdDbDatabase& drawing() const { return *m_drawing; }
 
   /// The line of the error that a parse ends with; empty when it ends well.
   template <class Parse>
@@ -57,7 +57,7 @@ class PropertyValues : public virtual Runtime, public testing::Test {
       return error.what();
     }
   }
-  std::string scalarError(Type type, const std::string& text) const {
+  [[nodiscard]] std::string scalarError(Type type, const std::string& text) const {
     return errorOf([&] { return parseScalar(type, text, drawing()); });
   }
 

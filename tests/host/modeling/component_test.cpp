@@ -43,8 +43,9 @@ TEST_F(ComponentTest, AHoleFollowsItsInsertAndIsHealedWithIt) {
 
 TEST_F(ComponentTest, TheHalvesOfASplitEdgeStayThemselvesHoweverOftenTheHoleIsCut) {
   OdUInt32 edge = 1;
-  while (plateBody()->distanceTo({OdModelerSubentType::kEdge, edge}, {150.0, 0.0, 10.0}) > 1e-6)
+  while (plateBody()->distanceTo({OdModelerSubentType::kEdge, edge}, {150.0, 0.0, 10.0}) > 1e-6) {
     ++edge;
+  }
   OdDbObjectId name;
   ASSERT_EQ(nameReference({m_plate, OdDbSubentId(OdDb::kEdgeSubentType, edge)}, L"rim", name), eOk);
   const EditResult made = insert(hole(L"H", 12.0), 150.0, 0.0);
@@ -88,8 +89,9 @@ TEST_F(ComponentTest, AFaceInThePlaceOfAnotherIsNotTheOther) {
     std::vector<int> ends;
     for (int face = 1; face <= 6; ++face) {
       const OdUInt32 now = openingFace(made.feature, face);
-      if (now != 0 && plateBody()->face(now).kind == OdModelerSurfaceKind::kCylinder)
+      if (now != 0 && plateBody()->face(now).kind == OdModelerSurfaceKind::kCylinder) {
         ends.push_back(face);
+      }
     }
     return ends;
   };
@@ -254,8 +256,9 @@ TEST_F(ComponentTest, AComponentOfAnErasedSolidIsErasedByTheNextUpdate) {
 TEST_F(ComponentTest, ABlendThatRunsOnBelongsToThePart) {
   const EditResult made = insert(hole(L"H", 20.0), 100.0, 0.0);
   OdUInt32 edge = 1;
-  while (plateBody()->distanceTo({OdModelerSubentType::kEdge, edge}, {200.0, 0.0, 10.0}) > 1e-6)
+  while (plateBody()->distanceTo({OdModelerSubentType::kEdge, edge}, {200.0, 0.0, 10.0}) > 1e-6) {
     ++edge;
+  }
   ASSERT_TRUE(done(m_editor->chamferEdges(m_plate, {&edge, 1}, 1.5)));
   const double taken = kPlate - 0.5 * drilled(20.0, 10.0) - volume();
   EXPECT_GT(taken, 0.5 * 1.5 * 1.5 * 189.0);

@@ -94,8 +94,9 @@ class FollowerTest : public ModelingTest {
     const OdDbObjectId id =
         manager->createFeatureData(FollowerFeature::desc(), L"follower", true, false);
     OdArray<VdmFeatureGroupFaces> groups;
-    for (const OdDbFullSubentPath& path : paths)
+    for (const OdDbFullSubentPath& path : paths) {
       groups.append(VdmFeatureGroupFaces(1, {path}, static_cast<int>(groups.size())));
+    }
     VdmFeature::open(id, OdDb::kForWrite)->init(groups);
     return id;
   }

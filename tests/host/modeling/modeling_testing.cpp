@@ -78,8 +78,9 @@ OdModelerBodyPtr ModelingTest::freshBody(const OdModelerBodyPtr& base) const {
     if (place.isNull() || place->layer() == kVdmSuppressLayer) continue;
     const BlockTools& all = library.of(place->blockTableRecord());
     for (std::size_t kind = 0; kind < kToolKindCount; ++kind) {
-      for (const OdModelerBodyPtr& tool : all.bodies[kind])
+      for (const OdModelerBodyPtr& tool : all.bodies[kind]) {
         tools[kind].push_back(moved(tool, place->blockTransform()));
+      }
     }
   }
   OdModelerBodyPtr body = base;
@@ -91,14 +92,17 @@ OdModelerBodyPtr ModelingTest::freshBody(const OdModelerBodyPtr& base) const {
 testing::AssertionResult ModelingTest::isAsFresh(const OdModelerBodyPtr& base) const {
   const OdModelerBodyPtr now = plateBody();
   const OdModelerBodyPtr fresh = freshBody(base);
-  if (const OdStatus sound = now->check(); !sound.ok())
+  if (const OdStatus sound = now->check(); !sound.ok()) {
     return testing::AssertionFailure() << "unsound: " << sound.text.utf8();
+  }
   const double expected = fresh->massProperties().volume;
   const double volume = now->massProperties().volume;
-  if (std::abs(volume - expected) > 1e-6 * expected)
+  if (std::abs(volume - expected) > 1e-6 * expected) {
     return testing::AssertionFailure() << "volume " << volume << ", built fresh " << expected;
-  if (now->numFaces() != fresh->numFaces())
+  }
+  if (now->numFaces() != fresh->numFaces()) {
     return testing::AssertionFailure()
            << now->numFaces() << " faces, built fresh " << fresh->numFaces();
+  }
   return testing::AssertionSuccess();
 }

@@ -34,18 +34,18 @@ class ModelingTest : public virtual SolidRuntime,
   void put(const OdDbObjectId& block, double x, double y) { (void)insert(block, x, y); }
   static testing::AssertionResult done(const vdm_host::EditResult& result);
 
-  OdModelerBodyPtr plateBody() const { return solid(m_plate)->body(); }
-  double volume() const { return plateBody()->massProperties().volume; }
-  OdUInt32 numFaces() const { return plateBody()->numFaces(); }
-  VdmComponentFeaturePtr component(const OdDbObjectId& feature) const;
+  [[nodiscard]] OdModelerBodyPtr plateBody() const { return solid(m_plate)->body(); }
+  [[nodiscard]] double volume() const { return plateBody()->massProperties().volume; }
+  [[nodiscard]] OdUInt32 numFaces() const { return plateBody()->numFaces(); }
+  [[nodiscard]] VdmComponentFeaturePtr component(const OdDbObjectId& feature) const;
   /// Index of the face that the only reference of the tool's face stands for; 0 when unresolved.
-  OdUInt32 openingFace(const OdDbObjectId& feature, int toolFace) const;
-  OdDbObjectId openingReference(const OdDbObjectId& feature, int toolFace) const;
+  [[nodiscard]] OdUInt32 openingFace(const OdDbObjectId& feature, int toolFace) const;
+  [[nodiscard]] OdDbObjectId openingReference(const OdDbObjectId& feature, int toolFace) const;
   [[nodiscard]] std::map<OdUInt64, std::string> snapshot() const { return statesOf(*m_database); }
   /// The plate without components, all fills, less all cuts, made by the modeller directly.
-  OdModelerBodyPtr freshBody(const OdModelerBodyPtr& base) const;
+  [[nodiscard]] OdModelerBodyPtr freshBody(const OdModelerBodyPtr& base) const;
   /// The plate and `fresh` are the same in volume and number of faces, and the plate is sound.
-  testing::AssertionResult isAsFresh(const OdModelerBodyPtr& base) const;
+  [[nodiscard]] testing::AssertionResult isAsFresh(const OdModelerBodyPtr& base) const;
 
   FilingHost m_files;
   OdDbObjectId m_plate;

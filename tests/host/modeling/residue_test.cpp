@@ -66,8 +66,9 @@ TEST_F(ResidueTest, PiecesOfToolsAreDisjointAndTogetherWhatIsTaken) {
   ASSERT_TRUE(succeeded(ledger.takeCuts(m_base, {features.begin(), features.end()}, tools)));
   const OdModelerBodyPtr cut = combine(OdModelerBooleanKind::kSubtract, m_base, tools);
   double taken = 0.0;
-  for (ComponentPieces& pieces : ledger.components())
+  for (ComponentPieces& pieces : ledger.components()) {
     taken += volumeOf(pieces.pieceOf(ToolKind::kCut));
+  }
   EXPECT_NEAR(taken, volumeOf(m_base) - volumeOf(cut), 1e-6 * volumeOf(m_base));
 }
 

@@ -41,8 +41,9 @@ TEST_F(VdmPlaneSignature, LinesArcsAndHolesInAnyPlace) {
   const OdModelerBodyPtr bossed =
       combine(BooleanKind::kUnite, notched, {cylinder(40.0, 10.0, {250.0, 0.0, 0.0})});
   int planes = 0;
-  for (OdUInt32 i = 1; i <= bossed->numFaces(); ++i)
+  for (OdUInt32 i = 1; i <= bossed->numFaces(); ++i) {
     planes += bossed->surfaceKind(i) == OdModelerSurfaceKind::kPlane ? 1 : 0;
+  }
   EXPECT_GT(planes, 10);
   expectAsModeller(*bossed, planes);
   const OdGeMatrix3d tilted = OdGeMatrix3d::translation({5000.0, -3000.0, 800.0}) *

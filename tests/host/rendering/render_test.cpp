@@ -85,8 +85,9 @@ class RenderTest : public WorkingFolder, public DrawingTest {
   OdDbObjectId addReferences(const std::vector<OdGeMatrix3d>& placements) {
     const OdDbObjectId block = addBlock(m_database, L"part");
     const OdDbObjectId partId = addSolid(box(1, 2, 3), block);
-    for (const OdGeMatrix3d& placement : placements)
+    for (const OdGeMatrix3d& placement : placements) {
       addReference(m_database->getModelSpaceId(), block, placement);
+    }
     return partId;
   }
 

@@ -7,6 +7,7 @@
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "platform/base/error.h"
@@ -79,8 +80,8 @@ TEST(OdArray, RefusesIndicesOutOfRange) {
   EXPECT_THROW(array.insertAt(4, 1), OdError_InvalidIndex);
   EXPECT_THROW(array.removeAt(3), OdError_InvalidIndex);
   EXPECT_THROW(array.removeSubArray(2, 1), OdError_InvalidIndex);
-  EXPECT_THROW(none.first(), OdError_InvalidIndex);
-  EXPECT_THROW(none.last(), OdError_InvalidIndex);
+  EXPECT_THROW(std::ignore = none.first(), OdError_InvalidIndex);
+  EXPECT_THROW(std::ignore = none.last(), OdError_InvalidIndex);
   EXPECT_EQ(contents(array), (std::vector<int>{1, 2, 3}));
 }
 

@@ -27,8 +27,9 @@ TEST(CaseCompare, SortsAsADictionaryIgnoringCase) {
   const OdString ordered[] = {L"_x",   L"-x",   L"(x",    L"#x",    L"<x",     L"1",
                               L"10",   L"2",    L"Äpfel", L"apple", L"banana", L"Cote",
                               L"coté", L"côte", L"zebra", L"Ω"};
-  for (std::size_t i = 1; i < std::size(ordered); ++i)
+  for (std::size_t i = 1; i < std::size(ordered); ++i) {
     EXPECT_LT(odStrICmp(ordered[i - 1], ordered[i]), 0) << ordered[i - 1] << " " << ordered[i];
+  }
   EXPECT_EQ(odStrICmp(L"CÔTE", L"côte"), 0);
   EXPECT_NE(odStrICmp(L"cote", L"côte"), 0);
   EXPECT_EQ(odStrICmp(L"Length", L"LENGTH"), 0);

@@ -6,6 +6,7 @@
 #include <clocale>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <unordered_set>
 #include <vector>
 
@@ -73,8 +74,9 @@ TEST(OdString, KeepsBytesThatDoNotDecode) {
                                               "\xF0\x80\x80\x80",
                                               "\xF8\x88\x80\x80\x80",
                                               "\xC3\xA9\xC3"};
-  for (const std::string& bytes : malformed)
+  for (const std::string& bytes : malformed) {
     EXPECT_EQ(OdString(bytes).utf8(), bytes) << testing::PrintToString(bytes);
+  }
   EXPECT_EQ(OdString("a\xFFz").getAt(1), 0xDCFF);
   EXPECT_EQ(odWideToValidUtf8(OdString("a\xFFz").toWide()), "a\xEF\xBF\xBDz");
   for (const wchar_t invalid : {wchar_t{0xD800}, wchar_t{0xDC7F}, wchar_t{0x110000}, wchar_t{-1}}) {
@@ -105,8 +107,8 @@ TEST(OdString, AppendsToItself) {
 TEST(OdString, RefusesIndicesOutOfRange) {
   OdString text(L"ab");
   EXPECT_EQ(text[2], L'\0');
-  EXPECT_THROW(text.getAt(3), OdError_InvalidIndex);
-  EXPECT_THROW(text.getAt(-1), OdError_InvalidIndex);
+  EXPECT_THROW(std::ignore = text.getAt(3), OdError_InvalidIndex);
+  EXPECT_THROW(std::ignore = text.getAt(-1), OdError_InvalidIndex);
   EXPECT_THROW(text.setAt(2, L'x'), OdError_InvalidIndex);
   EXPECT_EQ(text, L"ab");
   EXPECT_THROW(OdString(L'x', std::size_t{1} << 30), OdError);
@@ -135,11 +137,12 @@ TEST(OdString, MakesItsOtherFormOnceForAllThreads) {
     const OdString text(round % 2 ? L"ascii text" : L"wide téxt");
     std::vector<const void*> seen(4);
     std::vector<std::thread> threads;
-    for (auto& slot : seen)
+    for (auto& slot : seen) {
       threads.emplace_back([&slot, text, round] {
         slot = round % 2 ? static_cast<const void*>(text.c_str())
                          : static_cast<const void*>(static_cast<const char*>(text));
       });
+    }
     for (auto& thread : threads) thread.join();
     EXPECT_EQ(std::unordered_set<const void*>(seen.begin(), seen.end()).size(), 1U);
   }

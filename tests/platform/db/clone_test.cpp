@@ -7,7 +7,7 @@ namespace {
 
 class OdDbClonerTest : public CloneTest {
  protected:
-  OdDbObjectId dictionary() const { return m_drawing->getNamedObjectsDictionaryId(); }
+  [[nodiscard]] OdDbObjectId dictionary() const { return m_drawing->getNamedObjectsDictionaryId(); }
 
   OdResult deepClone(const OdDbObjectIdArray& ids, OdDbObjectId owner, bool defer = false) {
     return m_drawing->deepCloneObjects(ids, owner, *m_mapping, defer);

@@ -51,10 +51,12 @@ TEST_F(OdModelerBodyTest, EdgesAndVerticesAgreeAboutTheirNeighbours) {
   for (OdUInt32 i = 1; i <= plate->numEdges(); ++i) {
     const OdModelerEdge& edge = plate->edge(i);
     EXPECT_EQ(edge.faces.size(), edge.seam ? 1u : 2u);
-    for (const OdUInt32 face : edge.faces)
+    for (const OdUInt32 face : edge.faces) {
       EXPECT_EQ(std::ranges::count(plate->face(face).edges, i), 1);
-    for (const OdUInt32 end : {edge.startVertex, edge.endVertex})
+    }
+    for (const OdUInt32 end : {edge.startVertex, edge.endVertex}) {
       EXPECT_EQ(std::ranges::count(plate->vertex(end).edges, i), 1);
+    }
   }
   OdModelerBodyPtr sphere;
   ASSERT_TRUE(succeeded(odModeler().sphere(3.0, sphere)));
@@ -76,8 +78,9 @@ TEST_F(OdModelerBodyTest, TransformationsScaleTheVolumeAndKeepTheOrder) {
     EXPECT_TRUE(succeeded(body->check()));
     ASSERT_EQ(body->numFaces(), plate->numFaces());
     ASSERT_EQ(body->numVertices(), plate->numVertices());
-    for (OdUInt32 i = 1; i <= plate->numVertices(); ++i)
+    for (OdUInt32 i = 1; i <= plate->numVertices(); ++i) {
       EXPECT_TRUE(body->vertex(i).point.isEqualTo(matrix * plate->vertex(i).point, kTol));
+    }
     for (OdUInt32 i = 1; i <= plate->numFaces(); ++i) {
       EXPECT_EQ(body->face(i).edges, plate->face(i).edges);
       EXPECT_LT(body->face(i).centroid.distanceTo(matrix * plate->face(i).centroid), 1e-3);
@@ -100,8 +103,9 @@ TEST_F(OdModelerBodyTest, MeshIsClosedAndFollowsItsOptions) {
     EXPECT_GT(std::abs(volumeOf(coarse) - volume), std::abs(volumeOf(fine) - volume));
     const OdUInt32 hole = faceOfKind(*body, OdModelerSurfaceKind::kCylinder);
     const OdModelerFaceMesh& wall = fine.faces.at(hole - 1);
-    for (std::size_t i = 0; i < wall.points.size(); ++i)
+    for (std::size_t i = 0; i < wall.points.size(); ++i) {
       EXPECT_LT(wall.normals[i].dotProduct(wall.points[i] - body->face(hole).origin), 0.0);
+    }
   }
   EXPECT_EQ(bytesOf(plate), before) << "meshing must not change the body";
 }

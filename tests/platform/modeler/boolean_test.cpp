@@ -102,8 +102,9 @@ TEST_F(OdModelerBoolean, FacesOfOnePlaneMergeAndBothOldOnesPointToTheNewOne) {
 TEST_F(OdModelerBoolean, WhatStoodApartInThePartStaysApartAlsoWhereItIsCutAndHealed) {
   OdModelerProfile profile;  // the side along y = 0 in two halves, as exchange files have them
   for (const OdGePoint2d& corner : {OdGePoint2d(0, 0), OdGePoint2d(50, 0), OdGePoint2d(100, 0),
-                                    OdGePoint2d(100, 60), OdGePoint2d(0, 60)})
+                                    OdGePoint2d(100, 60), OdGePoint2d(0, 60)}) {
     profile.outer.push_back({corner, 0.0});
+  }
   const OdModelerBodyPtr part =
       made([&](auto& r) { return odModeler().extrude(profile, OdGeVector3d::kZAxis * 10.0, r); });
   ASSERT_EQ(part->numFaces(), 7u);

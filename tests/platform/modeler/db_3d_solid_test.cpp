@@ -83,8 +83,9 @@ TEST_F(OdDb3dSolidTest, SubentitiesAndMarkersFindEachOther) {
     EXPECT_FALSE(plate->subentPtr({id, {type, index}}).isNull());
   }
   OdDbFullSubentPathArray none;
-  for (const OdGsMarker marker : {0, 1, 4, 8, 33, 66})
+  for (const OdGsMarker marker : {0, 1, 4, 8, 33, 66}) {
     EXPECT_EQ(plate->getSubentPathsAtGsMarker(OdDb::kNullSubentType, marker, none), eInvalidInput);
+  }
   EXPECT_EQ(plate->getSubentPathsAtGsMarker(OdDb::kEdgeSubentType, 5, none), eInvalidInput);
   EXPECT_TRUE(plate->subentPtr({id, {OdDb::kFaceSubentType, 8}}).isNull());
   EXPECT_TRUE(plate->subentPtr({id, {OdDb::kFaceSubentType, OdGsMarker{1} << 32}}).isNull());

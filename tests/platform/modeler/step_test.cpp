@@ -53,7 +53,7 @@ class OdModelerStep : public DrawingTest {
     a.roots = {{0, {}, L"", {}}};
     return a;
   }
-  OdString writeStep(const OdModelerAssembly& assembly) const {
+  [[nodiscard]] OdString writeStep(const OdModelerAssembly& assembly) const {
     EXPECT_TRUE(succeeded(odModeler().exportStep(path("made.stp"), assembly)));
     return path("made.stp");
   }
@@ -297,8 +297,9 @@ TEST_F(OdModelerStep, DeepChainsNeedNoDeepStack) {
   OdModelerAssembly chain;
   constexpr OdUInt32 kDepth = 200000;
   chain.products.resize(kDepth);
-  for (OdUInt32 i = 0; i + 1 < kDepth; ++i)
+  for (OdUInt32 i = 0; i + 1 < kDepth; ++i) {
     chain.products[i].occurrences.push_back({i + 1, {}, L"", {}});
+  }
   EXPECT_TRUE(succeeded(chain.check()));
   chain.products.back().occurrences.push_back({0, {}, L"", {}});
   EXPECT_EQ(chain.check().code, eInvalidInput);

@@ -62,8 +62,9 @@ TEST_F(OdRxDynamicLinkerTest, FindsBareNamesOnlyInNamedFolders) {
 
 TEST_F(OdRxDynamicLinkerTest, RefusesRelativePathsMissingFilesAndOtherFiles) {
   m_linker.addSearchPath(kFolder);
-  for (const wchar_t* relative : {L"./rx_test_module.tx", L"modules/rx_test_module.tx", L""})
+  for (const wchar_t* relative : {L"./rx_test_module.tx", L"modules/rx_test_module.tx", L""}) {
     EXPECT_EQ(raisedBy([&] { m_linker.loadModule(relative); }), eInvalidInput);
+  }
   EXPECT_EQ(raisedBy([&] { m_linker.loadModule(L"/nowhere/rx_test_module.tx"); }), eFileNotFound);
   EXPECT_TRUE(m_linker.loadModule(L"/nowhere/rx_test_module.tx", /*silent=*/true).isNull());
   EXPECT_GE(failure(pathOf("rx_other_version_module")).find(L"19.6, the runtime is 20.6"), 0);

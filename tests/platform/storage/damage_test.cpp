@@ -41,14 +41,15 @@ class Damage : public storetest::FolderTest {
     m_bytes = readBytes(m_path);
   }
   /// True when the damaged file is refused; a file that passes must have the intact content.
-  bool isNoticed(const std::string& path, const std::string& what) const {
+  [[nodiscard]] bool isNoticed(const std::string& path, const std::string& what) const {
     const auto found = readEverything(*m_factory, path);
     EXPECT_TRUE(!found.has_value() || *found == m_content) << what;
     return !found.has_value();
   }
   /// Flips the bits from `first` to before `last` one by one, in a copy of the file of its own.
   /// Returns how many were noticed.
-  std::size_t flipBits(const std::string& path, std::size_t first, std::size_t last) const {
+  [[nodiscard]] std::size_t flipBits(const std::string& path, std::size_t first,
+                                     std::size_t last) const {
     writeBytes(path, m_bytes);
     const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
     EXPECT_GE(fd, 0);

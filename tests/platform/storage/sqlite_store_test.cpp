@@ -108,7 +108,8 @@ TEST_F(SqliteStore, RefusesWhatIsBeyondTheLimits) {
   EXPECT_EQ(store->putRecord(huge).code, eLimitExceeded);
 }
 
-// --- Several programs ----------------------------------------------------------------------------
+// ---- Several programs
+// ----------------------------------------------------------------------------
 
 TEST_F(SqliteStore, SecondWriterIsRefusedAndReadersAreNot) {
   const Content content = makeContent(10, 100);
@@ -152,7 +153,8 @@ TEST_F(SqliteStore, WriterOfAMovedFileSavesNothing) {
   expectContent(first);
 }
 
-// --- Save-as and compaction ----------------------------------------------------------------------
+// ---- Save-as and compaction
+// ----------------------------------------------------------------------
 
 /// Through a link, which stays; who reads the old file keeps its state.
 TEST_F(SqliteStore, ReplacesAFileOnlyOnCommitAndKeepsItsPermissions) {

@@ -83,7 +83,8 @@ VdmConstraintPtr ConstraintTest::addConstraint(OdLong type,
 
 std::vector<OdULong> ConstraintTest::nodeIds() const {
   std::vector<OdULong> ids;
-  for (const VdmConstraintPtr& constraint : manager()->constraints())
+  for (const VdmConstraintPtr& constraint : manager()->constraints()) {
     ids.push_back(constraint->nodeId());
+  }
   return ids;
 }

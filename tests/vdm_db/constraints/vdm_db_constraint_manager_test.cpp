@@ -47,15 +47,17 @@ TEST_F(VdmDbConstraintManagerTest, StatusFollowsEvents) {
     EXPECT_EQ(manager()->getModifiedObjects(), OdDbObjectIdArray{line});
     EXPECT_EQ(after(from, modify), Manager::kPartlyModified);
   }
-  for (const auto from : {0, 1, 2})
+  for (const auto from : {0, 1, 2}) {
     EXPECT_EQ(after(Manager::ConstraintManagerStatus(from), finish), Manager::kUpToDate);
+  }
   EXPECT_EQ(
       after(Manager::kPartlyModified, [&] { modify(), setStatus(Manager::kSolvedWithChanges); }),
       Manager::kSolvedWithChanges);
   EXPECT_EQ(manager()->getModifiedObjects().size(), 1u) << "both states have a set";
   const std::function<void()> events[] = {change, modify, finish};
-  for (const auto& event : events)
+  for (const auto& event : events) {
     EXPECT_EQ(after(Manager::kNotEvaluated, event), Manager::kFullyModified);
+  }
   EXPECT_TRUE(manager()->getModifiedObjects().isEmpty());
 
   after(Manager::kUpToDate, modify);

@@ -1,9 +1,9 @@
 // Tests of feature colours: the draw overrule of solids, its material, marked blocks and hooks.
 #include <gmock/gmock.h>
 
+#include "platform/cloning/xref_man.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/layer_table.h"
-#include "platform/cloning/xref_man.h"
 #include "tests/support/model_testing.h"
 #include "tests/support/recording_draw.h"
 #include "tests/support/solid_drawing_testing.h"

@@ -103,8 +103,9 @@ TEST_F(VdmDbFeatureManagerTest, MakesAndFindsFeatures) {
   EXPECT_FALSE(hole.isResident() || plain.isResident());
   OdDbObjectIdArray walked;
   VdmDbIterator<VdmFeature> it = manager(OdDb::kForRead)->newFeatureIterator();
-  for (const VdmDbIterator<VdmFeature> copy = it; !it.done(); it.next())
+  for (const VdmDbIterator<VdmFeature> copy = it; !it.done(); it.next()) {
     walked.append(it.objectId());
+  }
   EXPECT_EQ(walked, (OdDbObjectIdArray{hole, plain}));
   EXPECT_THROW((void)it.objectId(), OdError_InvalidIndex);
   EXPECT_EQ(manager()->getFeatures({VdmFeature::desc()}).size(), 2u);

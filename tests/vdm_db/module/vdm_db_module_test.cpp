@@ -81,8 +81,9 @@ const std::vector<ClassRow> kClassRows = {
 
 std::vector<OdRxClass*> registered() {
   std::vector<OdRxClass*> classes;
-  for (const ClassRow& row : kClassRows)
+  for (const ClassRow& row : kClassRows) {
     if (OdRxClass* rxClass = row.desc()) classes.push_back(rxClass);
+  }
   return classes;
 }
 

@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 
 #include "platform/base/error.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/database.h"
 #include "platform/db/dictionary.h"
 #include "platform/db/host_app_services.h"
-#include "platform/cloning/id_mapping.h"
 #include "platform/db/xrecord.h"
 #include "platform/filer/memory_filer.h"
 #include "tests/support/module_testing.h"

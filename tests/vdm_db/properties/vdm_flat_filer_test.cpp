@@ -35,8 +35,9 @@ TEST(VdmFlatFiler, ReadsOnlyNormalDoubles) {
   const double infinity = std::numeric_limits<double>::infinity();
   VdmFlatFiler filer;
   filer.clear();
-  for (const double value : {1.5e-320, nan, infinity, -infinity, -0.0, 2.5, -1e-300})
+  for (const double value : {1.5e-320, nan, infinity, -infinity, -0.0, 2.5, -1e-300}) {
     filer.wrDouble(value);
+  }
   filer.wrScale3d(OdGeScale3d(2.0, infinity, 3.0));
   filer.wrPoint2d(OdGePoint2d(nan, 4.0));
   filer.seek(0, OdDb::kSeekFromStart);

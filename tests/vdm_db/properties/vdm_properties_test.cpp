@@ -155,10 +155,11 @@ TEST(VdmProperties, BehavesLikeAPlainMap) {
         break;
       default:
         EXPECT_TRUE(bags[at].setProperty(key, value));
-        if (models[at].count(name))
+        if (models[at].count(name)) {
           *models[at][name] = value;
-        else
+        } else {
           models[at][name] = std::make_shared<OdLong>(value);
+        }
     }
     OdLong read = -1;
     ASSERT_EQ(bags[at].getProperty(key, read), models[at].count(name) == 1) << "step " << step;

@@ -109,8 +109,9 @@ VdmDbFeatureManagerPtr UpdateTest::manager() const {
 OdDbObjectId UpdateTest::addFeature(const std::vector<OdDbFullSubentPathArray>& references) {
   const OdDbObjectId id = manager()->createFeatureData(ScriptedFeature::desc(), L"", false, false);
   OdArray<VdmFeatureGroupFaces> groups;
-  for (const OdDbFullSubentPathArray& paths : references)
+  for (const OdDbFullSubentPathArray& paths : references) {
     groups.append(VdmFeatureGroupFaces(1, paths, static_cast<int>(groups.size())));
+  }
   VdmFeature::open(id, OdDb::kForWrite)->init(groups);
   return id;
 }
@@ -135,8 +136,9 @@ bool UpdateTest::pass(const OdDbObjectIdArray& ids, bool force, bool constraints
 
 OdDbObjectId UpdateTest::addTo(const OdDbObjectId& block, OdDbEntity* entity,
                                const wchar_t* layer) {
-  if (!open<OdDbLayerTable>(block.database()->getLayerTableId())->has(layer))
+  if (!open<OdDbLayerTable>(block.database()->getLayerTableId())->has(layer)) {
     addLayer(block.database(), layer);
+  }
   const OdDbObjectId id = addTo(block, entity);
   entity->setLayer(layer);
   return id;

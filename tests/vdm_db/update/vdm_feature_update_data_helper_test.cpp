@@ -79,8 +79,9 @@ TEST_F(VdmFeatureUpdateDataHelperTest, MarkersFollowTheirFirstNewOne) {
 
 TEST_F(VdmFeatureUpdateDataHelperTest, MatchingFacesTellWhichGo) {
   VdmMatchingFaces matching;
-  for (const OdInt32 kind : {0, 1, 2, 3})
+  for (const OdInt32 kind : {0, 1, 2, 3}) {
     matching.faces.append(SolidFace{facePath(m_plate, kind + 1), kind});
+  }
   OdDbFullSubentPathArray paths;
   matching.fillFacesToRemove(paths);
   EXPECT_EQ(paths, (OdDbFullSubentPathArray{facePath(m_plate, 1), facePath(m_plate, 3)}));

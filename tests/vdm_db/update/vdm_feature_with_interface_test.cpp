@@ -38,8 +38,9 @@ TEST_F(VdmFeatureWithInterfaceTest, ComponentFeaturesAreFoundThroughTheirInsert)
   namespace utils = VdmFeatureManagerUtils;
   const OdDbObjectId second = addFeature({}), passive = addFeature({});
   EXPECT_TRUE(utils::getComponentFeatures(m_insert, {}, false).isEmpty());
-  for (const OdDbObjectId& id : {m_feature, second, passive})
+  for (const OdDbObjectId& id : {m_feature, second, passive}) {
     m_insert.safeOpenObject(OdDb::kForWrite)->addPersistentReactor(id);
+  }
   EXPECT_TRUE(utils::getComponentFeatures(m_insert, {}, false).isEmpty()) << "nobody's own";
   script(second).ownIds = {m_plate, second};
   script(m_feature).ownIds.append(m_feature);

@@ -18,8 +18,9 @@ class VdmUpdateFeatureInterfaceTest : public UpdateTest {
 
 TEST_F(VdmUpdateFeatureInterfaceTest, OnlyNamedComponentsAreListed) {
   for (OdRxClass* cls : {static_cast<OdRxClass*>(nullptr), OdDb3dSolid::desc(), VdmFeature::desc(),
-                         ScriptedFeature::desc()})
+                         ScriptedFeature::desc()}) {
     Interface::registerComponentFeature(cls);
+  }
   EXPECT_TRUE(Interface::getRegisteredExtensions().isEmpty()) << "none has a name";
   m_scene.componentName = L"opening";
   Interface::registerComponentFeature(ScriptedFeature::desc());

@@ -44,8 +44,9 @@ TEST_F(VdmUpdateFeatureLayersTest, SolidsCountByTheirLayer) {
   EXPECT_EQ(Interface::getAdditionsOnDedicatedLayer(block, false)[0].first, unite);
   EXPECT_TRUE(Interface::findLayersByName(block, {}).empty());
   const auto bound = Interface::cast(VdmFeature::open(addFeature({})).get());
-  for (const OdStringArray& names : {bound->layersToHide(), bound->layersToShowOnInsert()})
+  for (const OdStringArray& names : {bound->layersToHide(), bound->layersToShowOnInsert()}) {
     EXPECT_EQ(names, OdStringArray({L"VC_SUBTRACT", L"BIM_SUBTRACT", L"VC_UNITE", L"BIM_UNITE"}));
+  }
   EXPECT_TRUE(bound->layersToShow().isEmpty() && bound->layersToHideOnInsert().isEmpty());
   EXPECT_TRUE(Interface::findLayersByName(unite, {OdString(L"0")}).empty());
 }
