@@ -6,6 +6,7 @@
 #include <memory>
 #include <random>
 #include <string>
+
 #include "tests/support/test_seed.h"
 
 namespace {
@@ -114,6 +115,25 @@ TEST(VdmProperties, MapsIds) {
   EXPECT_EQ(typedIds.getAt(0).type, OdDb::kHardOwnershipRef);
   EXPECT_TRUE(bag.getProperty(L"id", typedId));
   EXPECT_EQ(typedId.type, OdDb::kHardPointerRef);
+}
+
+TEST(VdmProperties, WalksALargeBagInKeyOrderAfterEachEdit) {
+  VdmProperties bag;
+  std::vector<std::string> keys;
+  for (int i = 100; i < 200; ++i) {
+    keys.push_back("k" + std::to_string(i));
+    bag.setProperty(keys.back(), OdLong{i});
+  }
+  EXPECT_EQ(keysOf(bag), keys);
+  bag.removeProperty("k120");
+  keys.erase(keys.begin() + 20);
+  EXPECT_EQ(keysOf(bag), keys) << "the last key took the place of the removed one";
+  bag.setProperty("a", OdLong{1});
+  keys.insert(keys.begin(), "a");
+  EXPECT_EQ(keysOf(bag), keys);
+  bag.setProperty("z", OdLong{2});
+  keys.push_back("z");
+  EXPECT_EQ(keysOf(bag), keys);
 }
 
 // Bags that share values, against maps of shared cells.

@@ -342,6 +342,32 @@ TEST(VdmPropertiesWire, MarksDxfWithWhatItsReaderRefuses) {
   EXPECT_EQ(flatOf(read), flatOf(bag));
 }
 
+TEST(TransDwgFiler, GivesEachKindOfReferenceItsGroup) {
+  OdDbIdRecord idRecord;
+  idRecord.handle = 0x2A;
+  const OdDbObjectId id(&idRecord);
+  OdDbTextDxfFiler written;
+  TransDwgFiler writer(&written);
+  writer.wrSoftPointerId(id);
+  writer.wrHardPointerId(id);
+  writer.wrSoftOwnershipId(id);
+  writer.wrHardOwnershipId(id);
+  writer.wrHardOwnershipId(id);
+  EXPECT_EQ(written.text(), "330\n2A\n340\n2A\n350\n2A\n360\n2A\n360\n2A\n");
+
+  const auto resolver = [](void* context, const OdDbHandle& handle) {
+    return handle == OdDbHandle(0x2A) ? OdDbObjectId(static_cast<OdDbIdRecord*>(context))
+                                      : OdDbObjectId();
+  };
+  OdDbTextDxfFiler back(written.text(), nullptr, resolver, &idRecord);
+  TransDwgFiler reader(&back);
+  EXPECT_EQ(reader.rdSoftPointerId(), id);
+  EXPECT_EQ(reader.rdHardPointerId(), id);
+  EXPECT_EQ(reader.rdSoftOwnershipId(), id);
+  EXPECT_EQ(reader.rdHardOwnershipId(), id);
+  EXPECT_TRUE(reader.rdSoftOwnershipId().isNull()) << "the group of another kind";
+}
+
 // ---- Marks, id arrays, the old map
 
 TEST(VdmDwgUtils, MarksEveryFilerButFiles) {
@@ -362,6 +388,30 @@ TEST(VdmDwgUtils, MarksEveryFilerButFiles) {
     EXPECT_EQ(error.description(), OdString("Corrupted dwg stream: wrong mark found in dbFiler. "
                                             "Application can be unstable"));
   }
+}
+
+TEST(VdmDwgUtils, ReadsIdArraysWithoutNullIds) {
+  OdDbIdRecord first, second;
+  OdDbObjectIdArray ids;
+  for (OdDbIdRecord* record : {&first, static_cast<OdDbIdRecord*>(nullptr), &second})
+    ids.append(OdDbObjectId(record));
+  OdDbFilerBuffer buffer;
+  std::vector<OdDbFiledId> filed;
+  OdDbMemoryFiler filer(OdDbDwgFiler::kCopyFiler, buffer);
+  filer.collectIds(&filed);
+  vdmu::writeHardOwnershipIdArray(&filer, ids);
+  vdmu::writeSoftPointerIdArray(&filer, ids);
+  ASSERT_EQ(filed.size(), 4u);
+  EXPECT_EQ(filed[1].type, OdDb::kHardOwnershipRef);
+  EXPECT_EQ(filed[2].type, OdDb::kSoftPointerRef);
+  ids.removeAt(1);
+  OdDbObjectIdArray read;
+  filer.startReading(0, 0);
+  vdmu::readHardOwnershipIdArray(&filer, read);
+  EXPECT_EQ(read, ids);
+  read.append(OdDbObjectId(&first));
+  vdmu::readSoftPointerIdArray(&filer, read);
+  EXPECT_EQ(read, ids) << "what the array held is replaced";
 }
 
 TEST(VdmDwgUtils, ReadsTheOldMapOfStrings) {

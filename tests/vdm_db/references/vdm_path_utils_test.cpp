@@ -66,4 +66,11 @@ TEST_F(VdmPathUtilsTest, ValidPathsLeadFromBlockToBlock) {
   EXPECT_TRUE(vdmu::isValidObjectIdPath({m_reference, m_carrier}, true));
 }
 
+TEST(VdmPathUtils, FormatsTheSubentityByItsLetter) {
+  EXPECT_EQ(vdmu::strSubentId(kFace2), OdString("f_2"));
+  EXPECT_EQ(vdmu::strSubentId(OdDbSubentId(OdDb::kEdgeSubentType, 3)), OdString("e_3"));
+  EXPECT_EQ(vdmu::strSubentId(OdDbSubentId(OdDb::kVertexSubentType, -1)), OdString("v_-1"));
+  EXPECT_EQ(vdmu::strSubentId(OdDbSubentId(static_cast<OdDb::SubentType>(4), 5)), OdString("0_5"));
+}
+
 }  // namespace
