@@ -8,6 +8,7 @@
 
 #include "platform/base/error.h"
 #include "platform/base/status.h"
+#include "platform/base/work_note.h"
 
 namespace od_occt {
 
@@ -19,8 +20,10 @@ OdStatus foreignFailure(const char* operation, const Standard_Failure& error);
 /// Runs `work`, which returns a status. What it throws becomes a status: allocation failure is
 /// eOutOfMemory, the runtime's errors keep their code, anything else is eModelerError. Faults that
 /// the processor reports as signals are not caught: a library has no right to the host's handlers.
+/// Meanwhile the operation is noted for the process's supervisor.
 template <class Work>
 OdStatus guarded(const char* operation, Work&& work) {
+  const OdWorkNote note(operation);
   try {
     return std::forward<Work>(work)();
   } catch (const OdError& error) {
