@@ -22,6 +22,7 @@
 #include "platform/modeler_occt/occt_convert.h"
 #include "platform/modeler_occt/occt_guard.h"
 #include "platform/modeler_occt/occt_operations.h"
+#include "platform/modeler_occt/step_names.h"
 #include "platform/modeler_occt/step_session.h"
 #include "platform/modeler_occt/step_unit.h"
 
@@ -83,55 +84,49 @@ std::optional<OdModelerColor> labelColor(const Handle(XCAFDoc_ColorTool) & color
 
 class PartStyles {
  public:
-  PartStyles(const StepSession& session, const TDF_Label& product) {
+  PartStyles(const StepSession& session, const StepNames& names, const TDF_Label& product)
+      : m_names(names) {
     m_color = labelColor(session.colors(), product);
     TDF_LabelSequence parts;
     XCAFDoc_ShapeTool::GetSubShapes(product, parts);
     for (const TDF_Label& part : parts) {
-      Style style{labelName(part), labelColor(session.colors(), part)};
-      if (!style.color && style.name.isEmpty()) continue;
-      m_styles.Bind(XCAFDoc_ShapeTool::GetShape(part), static_cast<int>(m_rows.size()));
-      m_rows.push_back(std::move(style));
+      const std::optional<OdModelerColor> color = labelColor(session.colors(), part);
+      if (!color) continue;
+      m_rows.Bind(XCAFDoc_ShapeTool::GetShape(part), static_cast<int>(m_colors.size()));
+      m_colors.push_back(*color);
     }
   }
 
   OdModelerBodyAttributes attributesOf(const TopoDS_Shape& body) const {
     OdModelerBodyAttributes result;
     result.color = m_color;
-    if (const Style* own = find(body)) {
-      result.name = own->name;
-      if (own->color) result.color = own->color;
-    }
+    result.name = m_names.of(body);
+    if (const OdModelerColor* own = find(body)) result.color = *own;
     for (TopExp_Explorer shell(body, TopAbs_SHELL); shell.More(); shell.Next()) {
-      if (const Style* own = find(shell.Current()); own != nullptr && own->color) {
-        result.color = own->color;
-      }
+      if (const OdModelerColor* own = find(shell.Current())) result.color = *own;
     }
     TopTools_IndexedMapOfShape faces;
     TopExp::MapShapes(body, TopAbs_FACE, faces);
     for (int i = 1; i <= faces.Extent(); ++i) {
-      const Style* own = find(faces(i));
-      if (own == nullptr) continue;
       const auto index = static_cast<OdUInt32>(i);
-      if (own->color && own->color != result.color) result.faceColors.emplace(index, *own->color);
-      if (!own->name.isEmpty()) result.faceNames.emplace(index, own->name);
+      const OdModelerColor* own = find(faces(i));
+      if (own != nullptr && *own != result.color) result.faceColors.emplace(index, *own);
+      const OdString& name = m_names.of(faces(i));
+      if (!name.isEmpty()) result.faceNames.emplace(index, name);
     }
     return result;
   }
 
  private:
-  struct Style {
-    OdString name;
-    std::optional<OdModelerColor> color;
-  };
-  const Style* find(const TopoDS_Shape& shape) const {
-    const int* row = m_styles.Seek(shape);
-    return row == nullptr ? nullptr : &m_rows[static_cast<std::size_t>(*row)];
+  const OdModelerColor* find(const TopoDS_Shape& shape) const {
+    const int* row = m_rows.Seek(shape);
+    return row == nullptr ? nullptr : &m_colors[static_cast<std::size_t>(*row)];
   }
 
+  const StepNames& m_names;
   std::optional<OdModelerColor> m_color;
-  TopTools_DataMapOfShapeInteger m_styles;
-  std::vector<Style> m_rows;
+  TopTools_DataMapOfShapeInteger m_rows;
+  std::vector<OdModelerColor> m_colors;
 };
 
 // ---- The bodies of a shape: each solid and each shell alone, loose faces and curves together.
@@ -166,8 +161,8 @@ std::vector<TopoDS_Shape> splitBodies(const TopoDS_Shape& shape) {
 
 class Collector {
  public:
-  Collector(const StepSession& session, OdModelerAssembly& assembly)
-      : m_session(session), m_assembly(assembly) {}
+  Collector(const StepSession& session, const StepNames& names, OdModelerAssembly& assembly)
+      : m_session(session), m_names(names), m_assembly(assembly) {}
 
   void run() {
     TDF_LabelSequence roots;
@@ -216,7 +211,7 @@ class Collector {
   }
 
   void addBodies(OdUInt32 product, const TDF_Label& label, const gp_Trsf& placement) {
-    const PartStyles styles(m_session, label);
+    const PartStyles styles(m_session, m_names, label);
     for (const TopoDS_Shape& shape : splitBodies(XCAFDoc_ShapeTool::GetShape(label))) {
       OdModelerBodyAttributes attributes = styles.attributesOf(shape);
       const TopoDS_Shape placed =
@@ -237,6 +232,7 @@ class Collector {
   }
 
   const StepSession& m_session;
+  const StepNames& m_names;
   OdModelerAssembly& m_assembly;
   NCollection_DataMap<TDF_Label, int, TDF_LabelMapHasher> m_products;
   std::set<OdString> m_ids;
@@ -260,7 +256,7 @@ OdStatus readFile(const OdString& path, OdModelerAssembly& result) {
   if (!reader.Transfer(session.document())) {
     return fileFailure(eModelerError, path, "there is no geometry in it");
   }
-  Collector(session, assembly).run();
+  Collector(session, StepNames(reader.Reader()), assembly).run();
   const auto hasBody = [](const OdModelerProduct& product) { return !product.bodies.empty(); };
   if (std::ranges::none_of(assembly.products, hasBody)) {
     return fileFailure(eModelerError, path, "there is no geometry in it");

@@ -33,7 +33,7 @@ struct Switch {
 };
 
 constexpr Switch kSwitches[] = {
-    {"read.stepcaf.subshapes.name", 1},
+    {"read.stepcaf.subshapes.name", 0},  // StepNames reads them without crashing
     {"write.stepcaf.subshapes.name", 1},
     {"read.step.product.mode", 1},
     {"write.step.assembly", 2},  // an assembly where the document has one
