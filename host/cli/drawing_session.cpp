@@ -7,6 +7,7 @@
 #include "host/cli/cli_error.h"
 #include "host/cli/text_output.h"
 #include "platform/base/error.h"
+#include "platform/base/work_note.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "platform/modeler/modeler.h"
 #include "platform/modeler_occt/occt_modeler.h"
@@ -146,14 +147,28 @@ int DrawingSession::formatVersion(const std::string& path) {
   return store->formatVersion();
 }
 
-void saveDrawing(OdDbDatabase& drawing) { require(drawing.save(), str(drawing.getFilename())); }
+namespace {
+
+// A command that dies from here on has changed something.
+void noteSaved() {
+  if (OdWorkBoard* board = odWorkBoard()) board->saved = true;
+}
+
+}  // namespace
+
+void saveDrawing(OdDbDatabase& drawing) {
+  require(drawing.save(), str(drawing.getFilename()));
+  noteSaved();
+}
 
 void compactDrawing(OdDbDatabase& drawing) {
   require(drawing.compact(), str(drawing.getFilename()));
+  noteSaved();
 }
 
 void saveDrawingAs(OdDbDatabase& drawing, const std::string& path) {
   require(drawing.saveAs(OdString(path)), path);
+  noteSaved();
 }
 
 }  // namespace cli

@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/modeling/model_editor.h"
@@ -34,7 +35,7 @@ struct Parameter {
 /// Values by parameter. The caller has checked them against the parameters.
 class Arguments {
  public:
-  void add(const std::string& name, std::string value) { m_values[name].push_back(value); }
+  void add(const std::string& name, std::string value) { m_values[name].push_back(std::move(value)); }
 
   [[nodiscard]] bool has(const std::string& name) const { return m_values.contains(name); }
   /// Empty when there is none.

@@ -33,7 +33,7 @@ void showUntilStopped(const std::stop_token& stop, const std::string& what) {
 
 }  // namespace
 
-Progress::Progress(std::string what) {
+Progress::Progress(const std::string& what) {
   if (isatty(STDERR_FILENO) == 0) return;
   m_thread = std::jthread(
       [text = oneLine(what)](const std::stop_token& stop) { showUntilStopped(stop, text); });

@@ -10,7 +10,7 @@ namespace cli {
 /// the destructor wipes the line. Runs a thread of its own, which touches nothing else.
 class Progress {
  public:
-  explicit Progress(std::string what);
+  explicit Progress(const std::string& what);
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;

@@ -66,7 +66,6 @@ OdStatus erase(const OdDbObjectId& id) {
 }  // namespace
 
 ModelEditor::ModelEditor(OdDbDatabase* database) : m_database(database) {}
-ModelEditor::~ModelEditor() = default;
 
 namespace {
 

@@ -47,7 +47,6 @@ struct ComponentPlacement {
 class ModelEditor {
  public:
   explicit ModelEditor(OdDbDatabase* database);
-  ~ModelEditor();
   ModelEditor(const ModelEditor&) = delete;
   ModelEditor& operator=(const ModelEditor&) = delete;
 
