@@ -37,18 +37,22 @@ class FollowerInterface : public VdmSimpleFeatureInterface {
   }
   bool initAfterUpdate(VdmFeatureUpdateData&) override {
     ++initialised[objectId()];
-    return false;
+    const auto found = closings.find(objectId());
+    if (found != closings.end()) found->second();
+    return found != closings.end();
   }
   static void reset() {
     prepared.clear();
     initialised.clear();
     updates.clear();
+    closings.clear();
     motion = OdGeMatrix3d();
   }
 
   static std::map<OdDbObjectId, int> prepared;
   static std::map<OdDbObjectId, int> initialised;
-  static std::map<OdDbObjectId, std::function<void()>> updates;
+  static std::map<OdDbObjectId, std::function<void()>> updates;   ///< in the feature's update
+  static std::map<OdDbObjectId, std::function<void()>> closings;  ///< in initAfterUpdate
   static OdDbObjectId watched;
   static OdGeMatrix3d motion;
 };
@@ -56,6 +60,7 @@ OD_RX_DEFINE(FollowerInterface, VdmSimpleFeatureInterface, L"TestFollowerInterfa
 std::map<OdDbObjectId, int> FollowerInterface::prepared;
 std::map<OdDbObjectId, int> FollowerInterface::initialised;
 std::map<OdDbObjectId, std::function<void()>> FollowerInterface::updates;
+std::map<OdDbObjectId, std::function<void()>> FollowerInterface::closings;
 OdDbObjectId FollowerInterface::watched;
 OdGeMatrix3d FollowerInterface::motion;
 
@@ -157,15 +162,16 @@ TEST_F(FollowerTest, EveryEditOfTheSolidReachesTheFeatureOnce) {
   }
 }
 
-TEST_F(FollowerTest, AMoveIsInTheMap) {
+TEST_F(FollowerTest, AllMovesOfAnEditAreInTheMapAsOne) {
   follow({face(m_block, 1)});
+  const OdGeMatrix3d turn = OdGeMatrix3d::rotation(0.5, OdGeVector3d::kZAxis);
+  const OdGeMatrix3d shift = OdGeMatrix3d::translation({3.0, 0.0, 0.0});
   ASSERT_TRUE(done(m_editor->edit(L"twice", [&]() -> OdStatus {
-    for (const double step : {1.0, 2.0}) {
-      solid(m_block, OdDb::kForWrite)->transformBy(OdGeMatrix3d::translation({step, 0.0, 0.0}));
-    }
+    for (const OdGeMatrix3d& move : {turn, shift})
+      solid(m_block, OdDb::kForWrite)->transformBy(move);
     return {};
   })));
-  EXPECT_TRUE(FollowerInterface::motion.isEqualTo(OdGeMatrix3d::translation({3.0, 0.0, 0.0})));
+  EXPECT_TRUE(FollowerInterface::motion.isEqualTo(shift * turn));
 }
 
 // What a component does to the plate comes after the features were asked.
@@ -204,6 +210,16 @@ TEST_F(FollowerTest, AFeatureThatChangesItsSolidSettlesAndTellsTheOthers) {
   const auto& reports = result.report.features;
   EXPECT_EQ(std::ranges::find(reports, writer, &FeatureReport::feature)->outcome,
             FeatureOutcome::kUpdated);
+}
+
+TEST_F(FollowerTest, WhatAFeatureDoesAtTheEndIsNoNewsToItself) {
+  const OdDbObjectId reader = follow({face(m_block, 1)});
+  const OdDbObjectId writer = follow({face(m_block, 2)});
+  FollowerInterface::closings[writer] = [&] {
+    solid(m_block, OdDb::kForWrite)->setBody(box(50.0, 40.0, 40.0, {1.0, 0.0, 100.0}));
+  };
+  EXPECT_EQ(calls(writer, m_editor->moveObject(m_block, {1.0, 0.0, 0.0})), 1);
+  EXPECT_EQ(m_calls[reader], 2);
 }
 
 TEST_F(FollowerTest, FeaturesThatUndoEachOthersWorkAreRefused) {
