@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define OD_SHADOW_MEMORY 1  // the sanitizer reserves terabytes, so that memory cannot be limited
@@ -24,7 +23,7 @@ std::size_t append(char* note, std::size_t used, std::string_view text) noexcept
   std::size_t size = std::min(text.size(), OdWorkBoard::kNoteSize - 1 - used);
   while (size > 0 && size < text.size() && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80)
     --size;
-  std::memcpy(note + used, text.data(), size);
+  text.copy(note + used, size);
   note[used + size] = '\0';
   return used + size;
 }
