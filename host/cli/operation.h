@@ -35,7 +35,9 @@ struct Parameter {
 /// Values by parameter. The caller has checked them against the parameters.
 class Arguments {
  public:
-  void add(const std::string& name, std::string value) { m_values[name].push_back(std::move(value)); }
+  void add(const std::string& name, std::string value) {
+    m_values[name].push_back(std::move(value));
+  }
 
   [[nodiscard]] bool has(const std::string& name) const { return m_values.contains(name); }
   /// Empty when there is none.

@@ -3,7 +3,7 @@
 // The parent forks, waits and translates; all limits are set by the child and kept by the kernel,
 // so that the parent has nothing to watch. The board lies in a shared anonymous mapping that both
 // inherit: a child that dies at any instruction leaves its notes there, since they are plain writes
-// to memory that nobody else changes.
+// to memory that only the child changes.
 #include "host/supervision/supervised_run.h"
 
 #include <sys/mman.h>

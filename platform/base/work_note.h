@@ -34,7 +34,7 @@ class OD_API OdWorkNote {
  public:
   /// UTF-8, such as "reading step file 'a.stp'"; cut where it is too long.
   explicit OdWorkNote(std::string_view text) noexcept;
-  /// The same in two pieces, so that nobody joins them without a board.
+  /// The same in two pieces, which are joined only when there is a board.
   OdWorkNote(std::string_view what, std::string_view subject) noexcept;
   ~OdWorkNote();
   OdWorkNote(const OdWorkNote&) = delete;
