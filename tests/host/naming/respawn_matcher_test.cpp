@@ -64,6 +64,22 @@ TEST_F(VdmRespawnMatcher, Law2TakesThePieceOfAnEdgeThatIsNearestByFar) {
   }
 }
 
+TEST_F(VdmRespawnMatcher, Law2RefusesAPlaceWhereAnotherFaceMeets) {
+  // A notch swallows the vertex of a hole's rim, and makes two others on the rim: one is near.
+  const OdModelerBodyPtr tool = cylinder(4.0, 20.0, {100.0, 100.0, -5.0});
+  const OdModelerBodyPtr before = cut(plate(), {tool});
+  const OdModelerSubent vertex{Type::kVertex, vertexAt(*before, {104, 100, 10})};
+  ASSERT_NE(vertex.index, 0u);
+  m_changes.clear();
+  const OdModelerBodyPtr again = cut(unite(before, {pieceOf(tool)}), {tool});
+  const OdModelerBodyPtr now = cut(again, {box(8.0, 4.0, 5.0, {102.0, 99.0, 5.0})});
+  const FaceRespawn wall = row(1, tool, {96, 100, 5}, before, {96, 100, 5}, now);
+  ASSERT_EQ(wall.newFaces.size(), 1u);
+  const SubentMatch match = matchOf({wall}, before, now, vertex);
+  EXPECT_TRUE(match.images.empty());
+  EXPECT_EQ(match.grade, ReferenceGrade::kLost);
+}
+
 TEST_F(VdmRespawnMatcher, Law3ComesBackOnlyToTheExactPlace) {
   const OdModelerBodyPtr tool = slot();
   const OdModelerBodyPtr open = cut(plate(), {tool});
