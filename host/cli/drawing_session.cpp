@@ -147,28 +147,19 @@ int DrawingSession::formatVersion(const std::string& path) {
   return store->formatVersion();
 }
 
-namespace {
-
-// A command that dies from here on has changed something.
-void noteSaved() {
-  if (OdWorkBoard* board = odWorkBoard()) board->saved = true;
-}
-
-}  // namespace
-
 void saveDrawing(OdDbDatabase& drawing) {
   require(drawing.save(), str(drawing.getFilename()));
-  noteSaved();
+  odNoteFileWritten();
 }
 
 void compactDrawing(OdDbDatabase& drawing) {
   require(drawing.compact(), str(drawing.getFilename()));
-  noteSaved();
+  odNoteFileWritten();
 }
 
 void saveDrawingAs(OdDbDatabase& drawing, const std::string& path) {
   require(drawing.saveAs(OdString(path)), path);
-  noteSaved();
+  odNoteFileWritten();
 }
 
 }  // namespace cli

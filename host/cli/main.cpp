@@ -11,8 +11,7 @@ namespace {
 int reportDeath(const supervision::Death& death) {
   const std::string line =
       death.operation.empty() ? death.cause : death.operation + ": " + death.cause;
-  cli::printError(line +
-                  (death.saved ? "; the drawing was saved before" : "; nothing was changed"));
+  cli::printError(line + (death.written ? "; a file was written before" : "; nothing was changed"));
   return cli::kCouldNot;
 }
 

@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <system_error>
 
+#include "platform/base/work_note.h"
+
 namespace rendering {
 
 namespace {
@@ -43,7 +45,10 @@ std::string writeWholeFile(const std::string& path, const std::string& bytes) {
     done = false;
     reason = errno;
   }
-  if (done && std::rename(beside.c_str(), path.c_str()) == 0) return {};
+  if (done && std::rename(beside.c_str(), path.c_str()) == 0) {
+    odNoteFileWritten();
+    return {};
+  }
   if (done) reason = errno;
   ::unlink(beside.c_str());
   return failure(path, reason);

@@ -103,7 +103,7 @@ std::string operationOf(const OdWorkBoard& board) {
 }  // namespace
 
 Death describeDeath(int signal, const OdWorkBoard& board) {
-  return {signal, operationOf(board), causeOf(signal, board), board.saved};
+  return {signal, operationOf(board), causeOf(signal, board), board.written};
 }
 
 int runSupervised(const std::function<int()>& work,

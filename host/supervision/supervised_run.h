@@ -13,7 +13,7 @@ struct Death {
   int signal = 0;         ///< 0 when the process ended by itself
   std::string operation;  ///< its open notes, outermost first, joined by ": "; may be empty
   std::string cause;      ///< such as "it crashed (segmentation fault)"
-  bool saved = false;     ///< it had saved a drawing before
+  bool written = false;   ///< it had written a file before
 };
 
 /// Runs `work` in a child process and returns its result, which the child ends with as its exit

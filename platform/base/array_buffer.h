@@ -80,7 +80,7 @@ struct OdArrayBuffer {
     return fresh;
   }
 
-  /// An unshared buffer made larger; the old one is gone afterwards, or intact after an error.
+  /// An unshared buffer made larger; it replaces the old one, which stays intact after an error.
   static T* regrow(T* data, OdUInt32 capacity) {
     if (!data) return allocate(nullptr, capacity);
     if constexpr (kTrivial) {

@@ -37,10 +37,14 @@ void write(OdWorkBoard& board, std::uint32_t index, std::string_view what,
 
 // ---- Limits
 
+/// Rounded up, so that a budget is never shorter than it says.
 std::uint64_t usedSeconds() noexcept {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
-  return static_cast<std::uint64_t>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec);
+  const auto whole = static_cast<std::uint64_t>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec);
+  const auto parts = static_cast<std::uint64_t>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
+  constexpr std::uint64_t kMicroseconds = 1'000'000;
+  return whole + (parts + kMicroseconds - 1) / kMicroseconds;
 }
 
 /// Bytes of data that the process has mapped: what RLIMIT_DATA counts.
@@ -73,6 +77,10 @@ void setSoftLimit(Resource resource, std::uint64_t value) noexcept {
 
 void odInstallWorkBoard(OdWorkBoard* board) noexcept { t_board = board; }
 OdWorkBoard* odWorkBoard() noexcept { return t_board; }
+
+void odNoteFileWritten() noexcept {
+  if (t_board != nullptr) t_board->written = true;
+}
 
 OdWorkNote::OdWorkNote(std::string_view text) noexcept : OdWorkNote(text, {}) {}
 

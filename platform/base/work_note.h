@@ -18,7 +18,7 @@ struct OdWorkBoard {
   std::uint32_t seconds = 0;  ///< processor time that the innermost limit allows; 0 for none
   std::uint64_t bytes = 0;    ///< memory that the innermost limit allows; 0 for none
   bool outOfMemory = false;   ///< an allocation failed
-  bool saved = false;         ///< a drawing was saved: not everything is as before
+  bool written = false;       ///< a file was written: not everything is as before
   char notes[kMaxNotes][kNoteSize] = {};
 };
 
@@ -27,6 +27,9 @@ struct OdWorkBoard {
 OD_API void odInstallWorkBoard(OdWorkBoard* board) noexcept;
 /// The board of the calling thread; null unless its process is supervised.
 [[nodiscard]] OD_API OdWorkBoard* odWorkBoard() noexcept;
+
+/// A file that users keep was written: from here on the process cannot say that nothing changed.
+OD_API void odNoteFileWritten() noexcept;
 
 /// One note, for a scope. Notes nest: the innermost says most exactly what is being done. Costs
 /// nothing that matters without a board.

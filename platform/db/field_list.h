@@ -37,8 +37,8 @@
 ///   OdCmColor     4 x uint8       code, an int32 of the four bytes, method first
 ///
 /// A check decides whether a value may be kept; one that fails ends reading with eCorruptData.
-/// Reading stores into the members as it goes: after a failure the object is dropped or rolled back
-/// by whoever reads it. The group form begins with a subclass marker (100 and the class name), may
+/// Reading stores into the members as it goes: after a failure the caller drops the object or
+/// rolls it back. The group form begins with a subclass marker (100 and the class name), may
 /// have its groups in any order, and ends before the next marker; groups that no field has are
 /// passed.
 

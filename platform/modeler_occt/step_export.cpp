@@ -24,6 +24,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/base/work_note.h"
 #include "platform/modeler_occt/occt_body.h"
 #include "platform/modeler_occt/occt_convert.h"
 #include "platform/modeler_occt/occt_guard.h"
@@ -342,6 +343,7 @@ OdStatus writeFile(const OdString& path, const OdModelerAssembly& assembly) {
     fs::remove(beside, error);
     return fileFailure(eFileWriteError, path, reason.c_str());
   }
+  odNoteFileWritten();
   return {};
 }
 

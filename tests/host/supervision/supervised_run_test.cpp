@@ -69,7 +69,7 @@ TEST(SupervisedRun, TellsWhatAProcessDiedOfAndWhatItWasAt) {
     EXPECT_EQ(death.signal, row.signal);
     EXPECT_EQ(death.operation, "reading a.stp: face #13");
     EXPECT_EQ(death.cause, row.cause);
-    EXPECT_FALSE(death.saved);
+    EXPECT_FALSE(death.written);
   }
 }
 
@@ -126,11 +126,11 @@ TEST(SupervisedRun, KeepsWhatFitsOfManyAndLongNotes) {
     const OdWorkNote longNote("x", umlauts);
     std::vector<std::unique_ptr<OdWorkNote>> deep;
     for (int i = 0; i < 40; ++i) deep.push_back(std::make_unique<OdWorkNote>("n"));
-    odWorkBoard()->saved = true;
+    odNoteFileWritten();
     std::raise(SIGKILL);
     return 0;
   });
-  EXPECT_TRUE(death.saved);
+  EXPECT_TRUE(death.written);
   EXPECT_EQ(death.operation.substr(0, 239), "x" + umlauts.substr(0, 238));
   EXPECT_EQ(death.operation.substr(239), ": n: n: n: n: n: n: n: n: n: n: n: n: n: n: n");
 }
