@@ -52,6 +52,21 @@ void ComponentHandler::addWork(Work work) {
   m_work.push_back(std::move(work));
 }
 
+void ComponentHandler::indexWork() {
+  m_workIndex.clear();
+  for (std::size_t i = 0; i < m_work.size(); ++i) m_workIndex[m_work[i].feature] = i;
+}
+
+void ComponentHandler::withdraw(const OdDbObjectId& feature) {
+  std::erase_if(m_work, [&](const Work& work) { return work.feature == feature; });
+  indexWork();
+  for (const std::unique_ptr<Site>& site : m_sites) {
+    std::erase_if(site->ledger.components(),
+                  [&](const ComponentPieces& pieces) { return pieces.feature == feature; });
+  }
+  std::erase_if(m_toolOf, [&](const auto& entry) { return entry.second.feature == feature; });
+}
+
 ComponentHandler::Site& ComponentHandler::siteOf(const OdDbObjectId& solid) {
   for (const std::unique_ptr<Site>& site : m_sites) {
     if (site->solid == solid) return *site;
@@ -84,8 +99,7 @@ bool ComponentHandler::matchFaces(const OdDbObjectId& feature,
     case Plan::kNothing:
       clearChange(*component);
       return false;
-    case Plan::kCondemned:
-      m_helper.condemn(feature);
+    case Plan::kCondemned:  // by settle(): a solid that cannot be healed keeps its component
       return false;
     case Plan::kWork:
       sampleFaces(*component, *findWork(feature), args);

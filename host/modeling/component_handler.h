@@ -37,6 +37,7 @@ class ComponentHandler final : public FeatureHandler {
   void addGrossTools(const OdDbObjectId& feature, const OdDbBlockReference& insert,
                      const OdDbObjectId& solid) override;
   [[nodiscard]] bool takesOver(const OdDbObjectId& solid) const override;
+  void withdraw(const OdDbObjectId& feature) override;
   bool prepareSolids() override;
   bool checkTools(const OdDb3dSolidPtr& solid, Tools& waiting, Tools& tools) override;
   void settle() override;
@@ -47,7 +48,7 @@ class ComponentHandler final : public FeatureHandler {
   enum class Plan {
     kNothing,    ///< the solid is as the component wants it
     kWork,       ///< it is to be healed, cut, or both
-    kCondemned,  ///< its insert or its solid was erased: it is healed and erased
+    kCondemned,  ///< its insert or its solid was erased: it is healed, and erased after that
   };
   struct Tool {
     OdDbObjectId feature;
@@ -87,6 +88,7 @@ class ComponentHandler final : public FeatureHandler {
   // Planning and tools.
   Work* findWork(const OdDbObjectId& feature);
   void addWork(Work work);
+  void indexWork();
   Plan plan(const VdmComponentFeature& feature);
   void planAt(const VdmComponentFeature& feature, Work& work);
   void enterSite(const VdmComponentFeature& feature, Work& work);

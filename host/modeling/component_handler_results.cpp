@@ -214,7 +214,10 @@ void ComponentHandler::matchSamples(const BodyLineage& lineage) {
 
 void ComponentHandler::storeApplied() {
   for (const Work& work : m_work) {
-    if (work.condemned) continue;
+    if (work.condemned) {
+      m_helper.condemn(work.feature);
+      continue;
+    }
     const VdmComponentFeaturePtr feature = openForWrite(work.feature);
     if (feature.isNull()) continue;
     feature->getDbObject()->assertWriteEnabled();

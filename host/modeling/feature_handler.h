@@ -31,12 +31,14 @@ class FeatureHandler {
                              const OdDbObjectId& solid) = 0;
   /// The handler changes the solid as a whole: no interface is asked to remove faces from it.
   [[nodiscard]] virtual bool takesOver(const OdDbObjectId& solid) const = 0;
+  /// The feature failed after it was planned: nothing is done for it.
+  virtual void withdraw(const OdDbObjectId& feature) = 0;
   /// Before anything is subtracted. False fails the solid operations of the pass.
   virtual bool prepareSolids() = 0;
   /// Moves the tools that it queued from `waiting` to `tools`, as far as they cut. False when it
   /// failed.
   virtual bool checkTools(const OdDb3dSolidPtr& solid, Tools& waiting, Tools& tools) = 0;
-  /// The solids are done: brings references and what features store up to date.
+  /// The solids are done and kept: brings references and what features store up to date.
   virtual void settle() = 0;
   /// The feature's solid was changed for it in this pass.
   [[nodiscard]] virtual bool worked(const OdDbObjectId& feature) const = 0;

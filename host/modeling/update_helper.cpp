@@ -121,6 +121,22 @@ bool UpdateHelper::checkTools(OdSmartPtr<OdDb3dSolid>& solid, Tools& tools) {
   return !tools.isEmpty();
 }
 
+// ---- The outcome
+
+bool UpdateHelper::acceptSolids() { return !failed(); }
+
+void UpdateHelper::solidsAborted(VdmUpdatePhase phase, const OdString& text) {
+  const bool isKnown = failed();
+  m_failed = true;
+  if (isKnown || m_context == nullptr || text.isEmpty()) return;
+  m_context->recorder.noteFailure({}, {eModelerError, toText(phase) + L" of the solids: " + text});
+}
+
+void UpdateHelper::withdrawFeature(const OdDbObjectId& feature) {
+  VdmFeatureUpdateDataHelper::withdrawFeature(feature);
+  for (const HandlerRow& row : m_handlers) row.handler->withdraw(feature);
+}
+
 void UpdateHelper::prepareInit() {
   if (failed()) return;
   for (const HandlerRow& row : m_handlers) row.handler->settle();

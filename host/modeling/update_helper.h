@@ -30,7 +30,7 @@ class UpdateHelper final : public VdmFeatureUpdateDataHelper {
   [[nodiscard]] ModelUpdateContext* context() const { return m_context; }
   /// What happened to solids since the pass began.
   [[nodiscard]] std::span<const OdSolidChange> changes() const;
-  /// A solid operation of the pass failed: nothing more is written down.
+  /// The solid operations of the pass failed or were rolled back: nothing is written down.
   [[nodiscard]] bool failed() const;
   /// Reports the failure of a feature's operation; false always.
   bool fail(const OdDbObjectId& feature, OdStatus status);
@@ -58,6 +58,10 @@ class UpdateHelper final : public VdmFeatureUpdateDataHelper {
                     OdSmartPtr<OdDbBlockReference> insert, OdSmartPtr<OdDb3dSolid> solid) override;
   bool prepareForSubtract() override;
   bool checkTools(OdSmartPtr<OdDb3dSolid>& solid, Tools& tools) override;
+  /// False when an operation failed that the booleans pass over, such as a check of tools.
+  bool acceptSolids() override;
+  void solidsAborted(VdmUpdatePhase phase, const OdString& text) override;
+  void withdrawFeature(const OdDbObjectId& feature) override;
 
  private:
   struct HandlerRow {

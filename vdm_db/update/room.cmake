@@ -2,6 +2,7 @@
 list(APPEND VDM_DB_SOURCES
   update/vdm_db_feature_manager_pass.cpp
   update/vdm_db_feature_manager_pe.cpp
+  update/vdm_feature_guard.cpp
   update/vdm_feature_update_data.cpp
   update/vdm_feature_update_data_features.cpp
   update/vdm_feature_update_data_helper.cpp
@@ -15,6 +16,7 @@ list(APPEND VDM_DB_SOURCES
 )
 list(APPEND VDM_DB_HEADERS
   update/vdm_db_feature_manager_pe.h
+  update/vdm_feature_guard.h
   update/vdm_feature_subents_to_remove.h
   update/vdm_feature_update_data.h
   update/vdm_feature_update_data_helper.h

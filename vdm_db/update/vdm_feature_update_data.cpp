@@ -177,6 +177,7 @@ bool VdmFeatureUpdateData::prepareForSubtract() {
 }
 bool VdmFeatureUpdateData::subtractOperation() { return m_helper && m_helper->subtractOperation(); }
 bool VdmFeatureUpdateData::unionOperation() { return m_helper && m_helper->unionOperation(); }
+bool VdmFeatureUpdateData::acceptSolids() { return !m_helper || m_helper->acceptSolids(); }
 
 // ---- Queries
 

@@ -143,6 +143,8 @@ class VDM_DB_EXPORT VdmFeatureUpdateData {
   bool prepareForSubtract();
   bool subtractOperation();
   bool unionOperation();
+  /// Whether the helper keeps what the operations made; true without one.
+  bool acceptSolids();
   bool update();
   bool initFeatures();
   /// Points the reactors of the features to what replaced their dependencies, and drops reactors
@@ -167,10 +169,12 @@ class VDM_DB_EXPORT VdmFeatureUpdateData {
 
   void makeHelper(VdmDbFeatureManager* manager);
 
+  void takeIn(const OdDbObjectId& id, OdSmartPtr<VdmFeature>& feature, bool force);
   Intake decideIntake(const VdmFeature* feature, bool force);
   bool featureHasChanges(const VdmFeature* feature, VdmUpdateReason& reason);
   bool openingWasMoved(const VdmFeature* feature) const;
   void prepareFeature(const OdDbObjectId& id, OdSmartPtr<VdmFeature>& feature, bool forced);
+  void withdrawFeature(const OdDbObjectId& id);
   void removeUnusedReactors(VdmFeature* feature);
   void collectByEntity();
 

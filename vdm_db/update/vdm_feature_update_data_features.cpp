@@ -1,11 +1,10 @@
 // VdmFeatureUpdateData: the features' own part of an update pass.
 #include "vdm_db/update/vdm_feature_update_data.h"
 
-#include "platform/base/error.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_feature.h"
+#include "vdm_db/update/vdm_feature_guard.h"
 #include "vdm_db/update/vdm_feature_update_data_helper.h"
-#include "vdm_utils/vdmc_assert.h"
 
 template <class Step>
 bool VdmFeatureUpdateData::forEachFeatureToUpdate(Step step) {
@@ -16,14 +15,10 @@ bool VdmFeatureUpdateData::forEachFeatureToUpdate(Step step) {
     const OdDbObject* carrier = feature->getDbObject();
     if (carrier == nullptr || carrier->isErased()) continue;
     const OdDbObjectId id = carrier->objectId();
-    try {
+    changed |= vdmGuardFeature(id, observer(), [&] {
       feature->upgradeOpen();
-      changed |= step(feature.get(), id);
-    } catch (const OdError& error) {
-      const OdString text = "feature " + id.getHandle().ascii() + ": " + error.description();
-      vdmcCallAssert("false", text, "vdm_db/vdm_feature_update_data", __LINE__);
-      if (observer() != nullptr) observer()->featureFailed(id, text);
-    }
+      return step(feature.get(), id);
+    });
   }
   return changed;
 }

@@ -61,6 +61,23 @@ VdmFeatureUpdateDataHelper& VdmFeatureUpdateDataHelper::operator=(
     const VdmFeatureUpdateDataHelper& other) = default;
 VdmFeatureUpdateDataHelper::~VdmFeatureUpdateDataHelper() = default;
 
+// ---- The outcome
+
+bool VdmFeatureUpdateDataHelper::acceptSolids() { return true; }
+
+void VdmFeatureUpdateDataHelper::solidsAborted(VdmUpdatePhase /*phase*/, const OdString& /*text*/) {
+}
+
+void VdmFeatureUpdateDataHelper::withdrawFeature(const OdDbObjectId& feature) {
+  const OdDbObjectId id = redirected(feature);
+  for (Queue* queue : {&m_solidsToPrepareSubtract, &m_solidsToSubtract, &m_solidsToUnite}) {
+    for (auto& [solid, sources] : *queue) sources.erase(id);
+    std::erase_if(*queue, [](const auto& entry) { return entry.second.empty(); });
+  }
+  m_sampleFeatureMap.erase(id);
+  m_subtrBaseFaceMap.erase(id);
+}
+
 // ---- Faces by marker
 
 const std::map<int, VdmFeatureUpdateDataUtils::Face>* VdmFeatureUpdateDataHelper::subtrBaseFaceMap(

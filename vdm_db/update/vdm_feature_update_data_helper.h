@@ -14,6 +14,7 @@
 #include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/common/vdm_object_id_hash.h"
 #include "vdm_db/features/vdm_matching_faces.h"
+#include "vdm_db/update/vdm_update_observer.h"
 
 class OdDbBlockReference;
 class OdGePoint3d;
@@ -68,6 +69,16 @@ class VDM_DB_EXPORT VdmFeatureUpdateDataHelper {
   virtual bool prepareForSubtract() = 0;
   /// May change the list. False leaves the solid out of the boolean; that is no failure.
   virtual bool checkTools(OdSmartPtr<OdDb3dSolid>& solid, Tools& tools) = 0;
+
+  // The outcome, which the pass says to the helper whether it has an observer or not.
+  /// Asked once all booleans are done. False rolls them back; the base says true.
+  virtual bool acceptSolids();
+  /// The solid operations were rolled back in this phase: nothing that was planned for them is
+  /// done. `text` is that of an error that was raised, and empty when an operation gave false.
+  virtual void solidsAborted(VdmUpdatePhase phase, const OdString& text);
+  /// The feature failed while it prepared: what it gathered is not to be done. The base drops its
+  /// tools and its faces; a subclass that keeps more drops that, too.
+  virtual void withdrawFeature(const OdDbObjectId& feature);
 
   // Faces by marker.
   /// Base faces of a feature's subtraction by tag; null when there are none.

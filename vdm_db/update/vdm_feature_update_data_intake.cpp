@@ -9,6 +9,7 @@
 #include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"
+#include "vdm_db/update/vdm_feature_guard.h"
 #include "vdm_db/update/vdm_feature_update_data_helper.h"
 
 namespace {
@@ -58,17 +59,27 @@ bool VdmFeatureUpdateData::init(const OdDbObjectIdArray& ids,
   for (const OdDbObjectId& id : ids) {
     OdSmartPtr<VdmFeature> feature = id.openAs<VdmFeature>();
     if (feature.isNull()) continue;
-    const Intake intake = decideIntake(feature, force);
-    if (!intake.taken) {
-      if (observer() != nullptr) observer()->featureSkipped(id);
-      continue;
+    try {
+      takeIn(id, feature, force);
+    } catch (...) {
+      vdmReportRaisedError(id, observer());
+      withdrawFeature(id);
     }
-    if (observer() != nullptr) observer()->featureTaken(id, intake.reason);
-    m_featureIds.append(id);
-    prepareFeature(id, feature, intake.forced);
   }
   if (m_helper) collectByEntity();
   return true;
+}
+
+void VdmFeatureUpdateData::takeIn(const OdDbObjectId& id, OdSmartPtr<VdmFeature>& feature,
+                                  bool force) {
+  const Intake intake = decideIntake(feature, force);
+  if (!intake.taken) {
+    if (observer() != nullptr) observer()->featureSkipped(id);
+    return;
+  }
+  if (observer() != nullptr) observer()->featureTaken(id, intake.reason);
+  m_featureIds.append(id);
+  prepareFeature(id, feature, intake.forced);
 }
 
 VdmFeatureUpdateData::Intake VdmFeatureUpdateData::decideIntake(const VdmFeature* feature,
@@ -137,6 +148,30 @@ void VdmFeatureUpdateData::prepareFeature(const OdDbObjectId& id, OdSmartPtr<Vdm
   if (observer() != nullptr) observer()->featurePrepared(id, result);
 }
 
+// What the feature gathered before it failed is half of what it wanted: none of it is done. It
+// keeps its turn in the repair of references.
+void VdmFeatureUpdateData::withdrawFeature(const OdDbObjectId& id) {
+  for (auto it = m_subentToFeatures.begin(); it != m_subentToFeatures.end();) {
+    it->second.erase(id);
+    if (!it->second.empty()) {
+      ++it;
+      continue;
+    }
+    const auto paths = m_entToSubents.find(vdmu::getLeafId(it->first));
+    if (paths != m_entToSubents.end() && paths->second.erase(it->first) != 0 &&
+        paths->second.empty()) {
+      m_entToSubents.erase(paths);
+    }
+    it = m_subentToFeatures.erase(it);
+  }
+  for (auto& [entity, features] : m_entToFeatures) features.erase(id);
+  std::erase_if(m_entToFeatures, [](const auto& entry) { return entry.second.empty(); });
+  m_featuresToRemove.erase(id);
+  m_featureEntitiesMap.erase(id);
+  m_reactorsToRemove.erase(id);
+  if (m_helper) m_helper->withdrawFeature(id);
+}
+
 void VdmFeatureUpdateData::removeUnusedReactors(VdmFeature* feature) {
   if (m_reactorsToRemove.empty()) return;
   const auto found = m_reactorsToRemove.find(feature->getDbObject()->objectId());
@@ -162,6 +197,12 @@ void VdmFeatureUpdateData::initGrossData(const OdDbObjectIdArray& ids) {
   m_grossMode = true;
   for (const OdDbObjectId& id : ids) {
     const OdSmartPtr<VdmFeature> feature = id.openAs<VdmFeature>();
-    if (!feature.isNull()) feature->prepareUpdateData(*this, /*forced=*/true);
+    if (feature.isNull()) continue;
+    try {
+      feature->prepareUpdateData(*this, /*forced=*/true);
+    } catch (...) {
+      vdmReportRaisedError(id, observer());
+      withdrawFeature(id);
+    }
   }
 }

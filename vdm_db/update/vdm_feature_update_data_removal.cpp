@@ -7,6 +7,7 @@
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/features/vdm_feature_manager_utils.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
+#include "vdm_db/update/vdm_feature_guard.h"
 #include "vdm_db/update/vdm_feature_subents_to_remove.h"
 #include "vdm_db/update/vdm_feature_update_data_helper.h"
 #include "vdm_utils/vdmc_assert.h"
@@ -97,10 +98,12 @@ bool VdmFeatureUpdateData::removeSubentsWithFeatures(VdmFeatureSubentsToRemove& 
   if (record.subents.empty()) return false;
   bool removed = false;
   for (const OdDbObjectId& id : featuresOf(record)) {
-    const OdSmartPtr<VdmFeature> feature = id.openAs<VdmFeature>();
-    const VdmUpdateFeatureInterfacePtr active = VdmUpdateFeatureInterface::activeOf(feature);
-    if (active.isNull()) continue;
-    removed |= active->removeSubents(record, feature->getFeatureEntities(-1, /*filtered=*/false));
+    removed |= vdmGuardFeature(id, observer(), [&] {
+      const OdSmartPtr<VdmFeature> feature = id.openAs<VdmFeature>();
+      const VdmUpdateFeatureInterfacePtr active = VdmUpdateFeatureInterface::activeOf(feature);
+      return !active.isNull() &&
+             active->removeSubents(record, feature->getFeatureEntities(-1, /*filtered=*/false));
+    });
     if (record.subents.empty()) break;
   }
   return removed;
@@ -128,10 +131,13 @@ VdmFeatureUpdateData::IdSet VdmFeatureUpdateData::featuresOf(
 bool VdmFeatureUpdateData::removeUnusedFeatures() {
   bool removed = false;
   for (const OdDbObjectId& id : m_featuresToRemove) {
-    const OdDbObjectPtr carrier = id.openObject(OdDb::kForWrite);
-    if (carrier.isNull() || carrier->isErased()) continue;
-    carrier->erase();
-    if (!carrier->isErased()) continue;
+    const bool isErasedNow = vdmGuardFeature(id, observer(), [&] {
+      const OdDbObjectPtr carrier = id.openObject(OdDb::kForWrite);
+      if (carrier.isNull() || carrier->isErased()) return false;
+      carrier->erase();
+      return carrier->isErased();
+    });
+    if (!isErasedNow) continue;
     removed = true;
     if (observer() != nullptr) observer()->featureCondemned(id);
   }

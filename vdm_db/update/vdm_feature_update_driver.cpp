@@ -9,7 +9,10 @@
 #include "vdm_db/features/vdm_db_sheet_metal_context_pe.h"
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"
+#include "vdm_db/update/vdm_feature_guard.h"
 #include "vdm_db/update/vdm_feature_update_data.h"
+#include "vdm_db/update/vdm_feature_update_data_helper.h"
+#include "vdm_utils/vdmc_assert.h"
 
 namespace {
 
@@ -110,16 +113,30 @@ class VdmFeatureUpdateDriver {
 
   // ---- Solids: all or nothing
 
-  static Outcome failUnless(bool ok) { return ok ? Outcome::kUnchanged : Outcome::kFailed; }
+  // An operation that raises an error has failed like one that gives false.
+  bool succeeds(bool (VdmFeatureUpdateData::*operation)()) {
+    try {
+      return (m_data.*operation)();
+    } catch (...) {
+      m_raisedText = vdmRaisedErrorText();
+      vdmcCallAssert("false", m_raisedText, "vdm_db/vdm_feature_update_driver", __LINE__);
+      return false;
+    }
+  }
+  Outcome failUnless(bool (VdmFeatureUpdateData::*operation)()) {
+    return succeeds(operation) ? Outcome::kUnchanged : Outcome::kFailed;
+  }
 
   Outcome prepareSolids() {
     m_numInitialized = m_data.m_initializedEntities.size();
     m_solids.emplace(m_database);
-    return failUnless(m_data.prepareForSubtract());
+    return failUnless(&VdmFeatureUpdateData::prepareForSubtract);
   }
-  Outcome subtract() { return failUnless(m_data.subtractOperation()); }
+  Outcome subtract() { return failUnless(&VdmFeatureUpdateData::subtractOperation); }
   Outcome uniteAndCommit() {
-    if (!m_data.unionOperation()) return Outcome::kFailed;
+    const bool isKept = succeeds(&VdmFeatureUpdateData::unionOperation) &&
+                        succeeds(&VdmFeatureUpdateData::acceptSolids);
+    if (!isKept) return Outcome::kFailed;
     m_solids->commit();
     m_solids.reset();
     return Outcome::kUnchanged;
@@ -130,6 +147,7 @@ class VdmFeatureUpdateDriver {
       m_data.m_initializedEntities.clear();
     }
     m_solids.reset();
+    if (m_data.helper() != nullptr) m_data.helper()->solidsAborted(phase, m_raisedText);
     if (m_data.observer() != nullptr) m_data.observer()->transactionAborted(phase);
   }
 
@@ -157,6 +175,7 @@ class VdmFeatureUpdateDriver {
   const MapOfPass m_mapOfPass;
   std::optional<OdDbTransaction> m_solids;
   std::size_t m_numInitialized = 0;  // entities, before the solids
+  OdString m_raisedText;             // of an error that a solid operation raised
   bool m_sheetMetalChanged = false;
 };
 

@@ -23,7 +23,9 @@ struct VdmFeatureUpdateInput {
 /// feature is asked. docs/update-pass.md has the laws of a pass.
 ///
 /// One transaction of the drawing holds the solid operations: they are done all, or none is. An
-/// error that they raise aborts it and passes through. One that a feature's update or
-/// initAfterUpdate raises is reported as an assertion and to the observer, and the pass continues.
+/// error that they raise aborts it like an operation that fails. The helper and the observer hear
+/// of every abort. An error of any type that a feature raises fails that feature: it is reported as
+/// an assertion and to the observer, and the pass continues. A feature that fails while it prepares
+/// has nothing done of what it gathered.
 VDM_DB_EXPORT bool vdmRunFeatureUpdate(VdmDbFeatureManager* manager, const OdDbObjectIdArray& ids,
                                        VdmFeatureUpdateInput& input);

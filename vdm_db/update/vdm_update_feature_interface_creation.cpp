@@ -13,6 +13,7 @@
 #include "vdm_db/features/vdm_feature_color_material.h"
 #include "vdm_db/features/vdm_feature_group_faces.h"
 #include "vdm_db/features/vdm_feature_manager_utils.h"
+#include "vdm_db/update/vdm_feature_guard.h"
 #include "vdm_db/update/vdm_feature_subents_to_remove.h"
 #include "vdm_db/update/vdm_feature_update_data.h"
 #include "vdm_utils/vdmc_assert.h"
@@ -144,9 +145,12 @@ OdDbObjectIdArray VdmUpdateFeatureInterface::createFeatures(const OdDbFullSubent
   VdmFeatureUpdateData data(manager);
   OdDbObjectIdArray accepted(ids.size());
   for (OdUInt32 i = 0; i < ids.size(); ++i) {
-    const FeaturePtr feature = ids[i].openAs<VdmFeature>();
-    const auto found = cast(feature.get());
-    if (!found.isNull() && found->createForEntity(manager, basePath, entities[i], data)) {
+    const bool isAccepted = vdmGuardFeature(ids[i], data.observer(), [&] {
+      const FeaturePtr feature = ids[i].openAs<VdmFeature>();
+      const auto found = cast(feature.get());
+      return !found.isNull() && found->createForEntity(manager, basePath, entities[i], data);
+    });
+    if (isAccepted) {
       accepted.append(ids[i]);
       continue;
     }

@@ -66,7 +66,8 @@ class VDM_DB_EXPORT VdmUpdateObserver {
   virtual void featureUpdated(const OdDbObjectId& /*feature*/, bool /*changed*/) {}
   /// Its initAfterUpdate ran, and returned `changed`.
   virtual void featureInitialised(const OdDbObjectId& /*feature*/, bool /*changed*/) {}
-  /// Its update or its initAfterUpdate raised an error; the pass continues with the next one.
+  /// It raised an error, of any type; the pass continues with the next one. One that failed while
+  /// it prepared has no featurePrepared.
   virtual void featureFailed(const OdDbObjectId& /*feature*/, const OdString& /*text*/) {}
 
   /// A solid took its tools; `sources` are those who queued them, in the order of the tools.

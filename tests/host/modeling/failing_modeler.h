@@ -11,9 +11,10 @@
 class FailingModeler : public OdModeler {
  public:
   explicit FailingModeler(std::shared_ptr<OdModeler> modeler) : m_modeler(std::move(modeler)) {}
-  /// Lets the n-th boolean from now on fail; 0 none.
-  void failAt(int boolean) {
+  /// Lets `times` booleans from the n-th from now on fail; 0 none.
+  void failAt(int boolean, int times = 1) {
     m_fails = boolean;
+    m_times = times;
     m_count = 0;
   }
   [[nodiscard]] int count() const { return m_count; }
@@ -48,7 +49,9 @@ class FailingModeler : public OdModeler {
   OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
                    std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& r,
                    OdModelerHistory* history) override {
-    if (++m_count == m_fails) return {eModelerError, OdString(L"the modeller gave up")};
+    ++m_count;
+    if (m_fails != 0 && m_count >= m_fails && m_count < m_fails + m_times)
+      return {eModelerError, OdString(L"the modeller gave up")};
     return m_modeler->boolean(kind, base, tools, r, history);
   }
   OdStatus fillet(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges, double radius,
@@ -75,5 +78,6 @@ class FailingModeler : public OdModeler {
  private:
   std::shared_ptr<OdModeler> m_modeler;
   int m_fails = 0;
+  int m_times = 1;
   int m_count = 0;
 };

@@ -1,6 +1,7 @@
 // Failures within a pass: everything is rolled back and reported.
 #include "tests/host/modeling/failing_modeler.h"
 #include "tests/host/modeling/modeling_testing.h"
+#include "vdm_db/features/vdm_db_feature_manager.h"
 
 using namespace vdm_host;
 
@@ -53,6 +54,80 @@ TEST_F(RollbackTest, EveryFailingBooleanLeavesTheDrawingAsItWas) {
     }
     EXPECT_GE(rolledBack, 2);
   }
+}
+
+// A pass of another caller: no report, no editor that rolls back.
+class BarePassTest : public RollbackTest {
+ protected:
+  // All components in one pass; assertions are no news here.
+  void bareUpdate() {
+    const AssertionSink silent([](const VdmAssertion&) {});
+    const VdmDbFeatureManagerPtr manager =
+        VdmDbFeatureManager::getInstance(m_database->getModelSpaceId(), /*create=*/false)
+            .openAs<VdmDbFeatureManager>(OdDb::kForWrite);
+    manager->update(manager->featureIds());
+  }
+  static void move(const OdDbObjectId& insert, double x) {
+    insert.safeOpenAs<OdDbBlockReference>(OdDb::kForWrite)
+        ->transformBy(OdGeMatrix3d::translation({x, 0.0, 0.0}));
+  }
+  static void erase(const OdDbObjectId& insert) { insert.safeOpenObject(OdDb::kForWrite)->erase(); }
+  void setTool(const OdDbObjectId& block, const OdModelerBodyPtr& tool) const {
+    const OdDbBlockTableRecordPtr record = block.safeOpenAs<OdDbBlockTableRecord>();
+    const OdDb3dSolidPtr solid = OdDb3dSolid::cast(record->newIterator()->entity(OdDb::kForWrite));
+    solid->setBody(tool);
+  }
+};
+
+TEST_F(BarePassTest, ABoreThatWasNotCutIsNotRecordedAsCut) {
+  const EditResult bore = insert(hole(L"bore", 10.0), 50.0, 50.0);
+  const EditResult gone = insert(hole(L"gone", 12.0), 100.0, 50.0);
+  const OdDbObjectId wide = hole(L"wide", 20.0);
+  put(wide, 150.0, 100.0);
+  const OdModelerBodyPtr tool = cylinder(10.0, 400.0, {0.0, 0.0, -200.0});
+  move(bore.created, 30.0);
+  erase(gone.created);
+  setTool(wide, cylinder(900.0, 400.0, {0.0, 0.0, -200.0}));
+  const double before = volume();
+  bareUpdate();
+  EXPECT_EQ(volume(), before) << "a tool takes all of the plate";
+  EXPECT_FALSE(gone.feature.isErased()) << "its hole is there";
+  EXPECT_FALSE(m_editor->update(/*force=*/true).ok());
+  setTool(wide, tool);
+  bareUpdate();
+  EXPECT_TRUE(isAsFresh(m_base));
+  EXPECT_TRUE(gone.feature.isErased());
+  ASSERT_TRUE(done(m_editor->update(/*force=*/true)));
+  EXPECT_TRUE(isAsFresh(m_base));
+}
+
+// Two booleans in a row fail, from each on: what the pass leaves is caught up with.
+TEST_F(BarePassTest, AnUpdateAfterAFailedPassMakesUpForIt) {
+  const OdDbObjectId small = hole(L"small", 20.0);
+  const EditResult first = insert(small, 50.0, 50.0);
+  put(small, 62.0, 50.0);
+  put(boss(L"boss", 30.0, 5.0), 60.0, 60.0);
+  m_modeler->failAt(0);
+  move(first.created, 3.0);
+  bareUpdate();
+  const int booleans = m_modeler->count();
+  ASSERT_GE(booleans, 3);
+  int rolledBack = 0;
+  for (int n = 1; n <= booleans; ++n) {
+    move(first.created, n % 2 == 0 ? 3.0 : -3.0);
+    const OdModelerBodyPtr before = plateBody();
+    m_modeler->failAt(n, /*times=*/2);
+    bareUpdate();
+    m_modeler->failAt(0);
+    const bool isRolledBack = plateBody() == before;
+    rolledBack += isRolledBack ? 1 : 0;
+    EXPECT_TRUE(isRolledBack || isAsFresh(m_base)) << "boolean " << n;
+    bareUpdate();
+    ASSERT_TRUE(isAsFresh(m_base)) << "boolean " << n;
+  }
+  EXPECT_GE(rolledBack, 2);
+  ASSERT_TRUE(done(m_editor->update(/*force=*/true)));
+  EXPECT_TRUE(isAsFresh(m_base)) << "what is stored heals the plate";
 }
 
 TEST_F(RollbackTest, ACutThatLeavesNothingIsRefused) {

@@ -79,6 +79,11 @@ bool TestHelper::addCopiesToUpdateData(VdmUpdateFeatureInterface*, OdDbObjectId 
   return true;
 }
 
+void TestHelper::solidsAborted(VdmUpdatePhase phase, const OdString& text) {
+  Scene::current->abortsHeardByHelper.push_back(Recorder::nameOf(phase) + ": " +
+                                                std::string(text.utf8()));
+}
+
 UpdateTest::UpdateTest()
     : m_assertionSink([this](const VdmAssertion& assertion) {
         m_assertions.emplace_back(assertion.message.utf8());

@@ -44,6 +44,9 @@ struct Scene {
   bool hasHelper = true;
   bool preparesSubtract = true;
   bool acceptsTools = true;
+  bool acceptsSolids = true;
+  std::function<void()> beforeSolids;            ///< in prepareForSubtract
+  std::vector<std::string> abortsHeardByHelper;  ///< phase and text
   bool removesSubents = false;
   static Scene* current;
 };
@@ -92,7 +95,12 @@ class TestHelper : public VdmFeatureUpdateDataHelper {
                     OdSmartPtr<OdDbBlockReference>, OdSmartPtr<OdDb3dSolid> solid) override {
     subtractorsOnLayers()[solid->objectId()][feature].append(OdDb3dSolid::createObject());
   }
-  bool prepareForSubtract() override { return Scene::current->preparesSubtract; }
+  bool prepareForSubtract() override {
+    if (Scene::current->beforeSolids) Scene::current->beforeSolids();
+    return Scene::current->preparesSubtract;
+  }
+  bool acceptSolids() override { return Scene::current->acceptsSolids; }
+  void solidsAborted(VdmUpdatePhase phase, const OdString& text) override;
   bool checkTools(OdSmartPtr<OdDb3dSolid>&, Tools& tools) override {
     Scene::current->numTools = tools.size();
     return Scene::current->acceptsTools;
@@ -104,7 +112,6 @@ class Recorder : public VdmUpdateObserver {
  public:
   std::vector<std::string> lines;
   std::map<OdDbObjectId, std::string> names;
-
   void phaseBegan(VdmUpdatePhase phase) override { lines.push_back("- " + nameOf(phase)); }
   void featureSkipped(const OdDbObjectId& id) override { add("skip ", id); }
   void featureTaken(const OdDbObjectId& id, VdmUpdateReason reason) override {
@@ -130,16 +137,16 @@ class Recorder : public VdmUpdateObserver {
     lines.push_back("abort in " + nameOf(phase));
   }
   void reactorDropped(const OdDbObjectId& id, const OdDbObjectId&) override { add("drop ", id); }
-
- private:
-  void add(const char* verb, const OdDbObjectId& id, const std::string& detail = "") {
-    lines.push_back(verb + names[id] + detail);
-  }
   static std::string nameOf(VdmUpdatePhase phase) {
     static constexpr const char* kNames[] = {
         "intake", "early removal", "prepare subtract", "subtract",    "unite",    "update",
         "init",   "late removal",  "dependencies",     "recognition", "geometry", "unfolding"};
     return kNames[static_cast<int>(phase)];
+  }
+
+ private:
+  void add(const char* verb, const OdDbObjectId& id, const std::string& detail = "") {
+    lines.push_back(verb + names[id] + detail);
   }
 };
 

@@ -181,6 +181,71 @@ TEST_F(VdmFeatureUpdateDataTest, AFailedSolidRollsAllOfThemBackAndThePassGoesOn)
   EXPECT_EQ(bytesOf(solid(m_plate)->body()), before);
 }
 
+TEST_F(VdmFeatureUpdateDataTest, TheHelperHearsOfEveryAbortWithoutAnObserver) {
+  const OdDbObjectId hole = opening("hole", {20.0, 30.0, 0.0});
+  const OdBinaryData before = bytesOf(solid(m_plate)->body());
+  const auto heard = [&] {
+    m_scene.abortsHeardByHelper.clear();
+    manager()->update({hole});
+    EXPECT_EQ(bytesOf(solid(m_plate)->body()), before);
+    EXPECT_EQ(m_database->numActiveTransactions(), 0u);
+    return m_scene.abortsHeardByHelper;
+  };
+  m_scene.acceptsSolids = false;
+  EXPECT_EQ(heard(), Lines{"unite: "}) << "what was cut is not kept";
+  m_scene.preparesSubtract = false;
+  EXPECT_EQ(heard(), Lines{"prepare subtract: "});
+  m_scene.beforeSolids = [] { throw std::runtime_error("out of order"); };
+  EXPECT_EQ(heard(), Lines{"prepare subtract: out of order"});
+  m_scene.beforeSolids = [] { throw 7; };
+  EXPECT_EQ(heard(), Lines{"prepare subtract: an error of an unknown type was raised"});
+  m_scene.beforeSolids = nullptr;
+  m_scene.preparesSubtract = m_scene.acceptsSolids = true;
+  m_scene.abortsHeardByHelper.clear();
+  manager()->update({hole});
+  EXPECT_TRUE(m_scene.abortsHeardByHelper.empty());
+  EXPECT_EQ(solid(m_plate)->body()->numFaces(), 7u);
+}
+
+// Whatever a feature raises, and wherever, is its own failure: the others have their turn, and
+// nothing is done of what it had gathered.
+TEST_F(VdmFeatureUpdateDataTest, AFeatureThatRaisesFailsAlone) {
+  const std::vector<std::function<void()>> raises = {
+      [] { throw OdError(eInvalidInput, OdString("no good")); },
+      [] { throw std::length_error("no good"); },
+      [] { throw "no good"; },
+  };
+  for (const std::function<void()>& raise : raises) {
+    const OdDbObjectId plate = addSolid(box(100.0, 60.0, 10.0));
+    m_recorder.names[plate] = "other plate";
+    const OdDbObjectId bad = opening("bad", {60.0, 30.0, 0.0});
+    const OdDbObjectId good = opening("good", {20.0, 30.0, 0.0});
+    script(bad).prepare = [&, gather = script(bad).prepare](VdmFeatureUpdateData& data) {
+      gather(data);
+      data.appendSubEntityToRemove(bad, facePath(plate, 1));
+      data.appendFeatureToEnt(plate, bad);
+      data.appendFeatureToRemove(bad);
+      raise();
+      return false;
+    };
+    pass({bad, good}, true);
+    EXPECT_TRUE(recorded("failed bad") && !recorded("queued bad") && !recorded("update bad"));
+    EXPECT_TRUE(recorded("cut plate by 1") && recorded("update good"));
+    EXPECT_EQ(solid(m_plate)->body()->numFaces(), 7u) << "one hole, and not that of the other";
+    EXPECT_FALSE(bad.isErased()) << "what it asked for is withdrawn";
+    script(bad).prepare = [](VdmFeatureUpdateData&) { return false; };
+    script(bad).update = [&](VdmFeatureUpdateData&) {
+      raise();
+      return false;
+    };
+    pass({bad, good}, true);
+    EXPECT_TRUE(recorded("failed bad") && recorded("update good"));
+    bad.safeOpenObject(OdDb::kForWrite)->erase();
+    good.safeOpenObject(OdDb::kForWrite)->erase();
+  }
+  takeAssertions();
+}
+
 TEST_F(VdmFeatureUpdateDataTest, CondemnedFeaturesGoBeforeTheSolidsOrAfterThem) {
   const OdDbObjectId early = onPlate("early");
   const OdDbObjectId late = onPlate("late");
