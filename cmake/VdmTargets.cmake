@@ -5,6 +5,10 @@
 #   VDM_TARGETS             all targets declared here
 #   VDM_HEADERS_<target>    headers of one target, relative to the repository root
 
+# Modules are loaded from folders that only their owner may write, whatever the umask.
+set(CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE
+    GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
 # vdm_add_folders(<folder>...): adds each folder, in the given order. A folder without a build file
 # is an error.
 function(vdm_add_folders)
@@ -41,6 +45,12 @@ endfunction()
 function(_vdm_set_library_path target path)
   set_target_properties(${target} PROPERTIES INSTALL_RPATH "${path}"
                                              BUILD_WITH_INSTALL_RPATH ON)
+endfunction()
+
+# The loader refuses modules that others may write, and the umask of a build may allow just that.
+function(_vdm_close_module_to_others target)
+  add_custom_command(TARGET ${target} POST_BUILD VERBATIM
+                     COMMAND chmod go-w "$<TARGET_FILE:${target}>" "$<TARGET_FILE_DIR:${target}>")
 endfunction()
 
 function(_vdm_refuse_unknown_arguments name unparsed)
@@ -82,6 +92,7 @@ function(vdm_add_library target)
   endif()
   if(arg_OUTPUT_NAME)
     set_target_properties(${target} PROPERTIES OUTPUT_NAME "${arg_OUTPUT_NAME}" PREFIX "" SUFFIX "")
+    _vdm_close_module_to_others(${target})
   endif()
 
   install(TARGETS ${target} EXPORT vdm_dbTargets

@@ -2,8 +2,10 @@
 #include "platform/rx/dynamic_linker.h"
 
 #include <dlfcn.h>
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -26,6 +28,22 @@ OdString existingFile(const fs::path& path) {
   if (!fs::is_regular_file(path, error)) return OdString();
   const fs::path canonical = fs::canonical(path, error);
   return error ? toString(path) : toString(canonical);
+}
+
+// Whoever may write a module, or put another file in its place, runs code in this process.
+void requireUnshared(const fs::path& path, const wchar_t* what, const OdString& module) {
+  constexpr mode_t kOthersWrite = S_IWGRP | S_IWOTH;
+  constexpr mode_t kPermissions = 07777;
+  struct stat found = {};
+  if (::stat(path.c_str(), &found) != 0) {
+    throw OdError(eModuleNotLoaded, toString(path) + L": " +
+                                        OdString(std::generic_category().message(errno).c_str()));
+  }
+  if ((found.st_mode & kOthersWrite) == 0) return;
+  throw OdError(eModuleNotLoaded,
+                OdString().format(L"%ls: others may write %ls %ls (mode %o), at most its owner may",
+                                  module.c_str(), what, toString(path).c_str(),
+                                  static_cast<unsigned>(found.st_mode & kPermissions)));
 }
 
 // Closes the file of a load that fails.
@@ -133,6 +151,8 @@ OdString OdRxDynamicLinker::resolve(const OdString& module) const {
 }
 
 OdRxDynamicLinker::Entry OdRxDynamicLinker::open(const OdString& path) {
+  requireUnshared(toPath(path), L"the file", path);
+  requireUnshared(toPath(path).parent_path(), L"its folder", path);
   LibraryGuard library{::dlopen(static_cast<const char*>(path), RTLD_NOW | RTLD_LOCAL)};
   if (!library.handle) throw OdError(eModuleNotLoaded, OdString(::dlerror()));
 

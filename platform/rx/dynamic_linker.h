@@ -15,7 +15,10 @@
 ///    influence.
 /// 2. Loading a loaded module counts up and gives the same object; unloading counts down, and the
 ///    last one runs uninitApp, destroys the object and closes the file.
-/// 3. A load that fails leaves nothing: the file is closed, classes that initApp registered before
+/// 3. A file is refused that group or others may write, and one in a folder that they may write:
+///    they could put code of theirs into the process. The folder is the one that holds the file
+///    after links are resolved.
+/// 4. A load that fails leaves nothing: the file is closed, classes that initApp registered before
 ///    it failed are released.
 class OD_API OdRxDynamicLinker {
  public:
@@ -23,8 +26,9 @@ class OD_API OdRxDynamicLinker {
   void addSearchPath(const OdString& folder);
 
   /// Loads, calls both entry points and initApp. Failure raises OdError naming the module:
-  /// eInvalidInput (relative path), eFileNotFound, eModuleNotLoaded (loader or missing entry
-  /// point), eModuleVersionMismatch, or what initApp raised. With `silent` it gives null instead.
+  /// eInvalidInput (relative path), eFileNotFound, eModuleNotLoaded (loader, missing entry
+  /// point, or writable by others), eModuleVersionMismatch, or what initApp raised. With `silent`
+  /// it gives null instead.
   OdRxModulePtr loadModule(const OdString& module, bool silent = false);
 
   /// False when no such module is loaded. Raises OdError(eModuleInUse) when the last load is taken

@@ -3,6 +3,7 @@
 
 #include <system_error>
 
+#include "platform/storage/side_files.h"
 #include "platform/storage/status.h"
 #include "platform/storage/storage_format.h"
 
@@ -18,7 +19,8 @@ struct CodeRow {
 
 /// Extended codes first: the first row whose number is the code, or its primary code, counts.
 constexpr CodeRow kCodeRows[] = {
-    {SQLITE_READONLY_DBMOVED, eFileChanged, "the file was moved or replaced since it was opened"},
+    {SQLITE_READONLY_DBMOVED, eFileChanged,
+     "the file was deleted, moved or replaced since it was opened"},
     {SQLITE_READONLY_ROLLBACK, eFileAccess,
      "an interrupted save must be undone first, and the file cannot be written"},
     {SQLITE_IOERR_READ, eFileAccess, nullptr},
@@ -151,6 +153,9 @@ void Connection::setLimits() {
 }
 
 OdStatus Connection::configure() {
+  if (m_mode != ConnectionMode::kFreshFile) {
+    if (OdStatus status = checkSideFiles(m_path); !status.ok()) return status;
+  }
   std::string pragmas = kGuardPragmas;
   pragmas += "PRAGMA cache_size=-" + std::to_string(m_cacheKiB) + ";";
   if (m_mode == ConnectionMode::kReadWrite) pragmas += kWriterPragmas;

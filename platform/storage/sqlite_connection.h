@@ -85,7 +85,8 @@ class Connection {
   /// Opens `path` (absolute) and sets the limits. Reads nothing: the caller looks at the first
   /// bytes before SQLite does.
   OdStatus open(const std::string& path, ConnectionMode mode, const ConnectionOptions& options);
-  /// Makes the settings that let SQLite read the file.
+  /// Makes the settings that let SQLite read the file, which may undo an interrupted save.
+  /// eCorruptData when a file beside the drawing is not to be trusted (side_files.h).
   OdStatus configure();
   void close() { m_handle.reset(); }
 

@@ -4,6 +4,8 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "platform/rx/dynamic_linker.h"
 #include "tests/platform/rx/rx_test_classes.h"
 
@@ -70,6 +72,40 @@ TEST_F(OdRxDynamicLinkerTest, RefusesRelativePathsMissingFilesAndOtherFiles) {
   EXPECT_GE(failure(pathOf("rx_other_version_module")).find(L"19.6, the runtime is 20.6"), 0);
   EXPECT_GE(failure(pathOf("rx_entryless_module")).find(L"odrxGetAPIVersion"), 0);
   EXPECT_EQ(raisedBy([&] { m_linker.loadModule(L"/etc/passwd"); }), eModuleNotLoaded);
+}
+
+TEST_F(OdRxDynamicLinkerTest, RefusesFilesThatOthersMayWrite) {
+  namespace fs = std::filesystem;
+  using fs::perms;
+  const fs::path folder = fs::absolute("shared_modules");
+  const fs::path file = folder / "copy.tx";
+  const fs::path link = fs::absolute("link.tx");
+  fs::remove_all(folder);
+  fs::remove(link);
+  fs::create_directory(folder);
+  fs::copy_file(std::string(pathOf("rx_test_module").utf8()), file);
+  fs::create_symlink(file, link);
+  constexpr perms kPrivate = perms(0755);
+  const std::pair<perms, perms> kShared[] = {{perms(0775), kPrivate},
+                                             {perms(0757), kPrivate},
+                                             {perms(01777), kPrivate},
+                                             {kPrivate, perms(0664)},
+                                             {kPrivate, perms(0646)}};
+  for (const auto& [folderMode, fileMode] : kShared) {
+    fs::permissions(folder, folderMode);
+    fs::permissions(file, fileMode);
+    for (const fs::path& path : {file, link}) {
+      const OdString text = failure(OdString(path.native()));
+      EXPECT_GE(text.find(L"others may write"), 0) << text;
+      EXPECT_GE(text.find(L"copy.tx"), 0) << text;
+    }
+  }
+  fs::permissions(folder, kPrivate);
+  fs::permissions(file, perms(0644));
+  EXPECT_FALSE(m_linker.loadModule(OdString(link.native())).isNull());
+  m_linker.unloadAllModules();
+  fs::remove_all(folder);
+  fs::remove(link);
 }
 
 TEST_F(OdRxDynamicLinkerTest, UndoesALoadWhoseStartFails) {

@@ -2,6 +2,7 @@
 #include <sqlite3.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <functional>
 
 #include "platform/storage/record_checksum.h"
@@ -137,6 +138,63 @@ TEST_F(Refusals, RecordsThatWereTamperedWithAreNamed) {
     EXPECT_EQ(record.data, nullptr);
     EXPECT_TRUE(succeeded(store->readRecord(6, record)));
     EXPECT_FALSE(storetest::readAll(*store).has_value());
+  }
+}
+
+// ---- Files beside a drawing
+// --------------------------------------------------------------------
+
+std::string bigEndianText(std::uint32_t value) {
+  std::string text;
+  for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>(value >> shift & 0xffU);
+  return text;
+}
+
+/// The journal of an interrupted save that holds no pages and names a super-journal.
+std::string journalThatNames(const std::string& superJournal) {
+  const std::string magic = "\xd9\xd5\x05\xf9\x20\xa1\x63\xd7";
+  std::string journal = magic + bigEndianText(0) + bigEndianText(1) + bigEndianText(1) +
+                        bigEndianText(512) + bigEndianText(odstorage::kPageSize);
+  journal.resize(512, '\0');
+  std::uint32_t sum = 0;
+  for (const char byte : superJournal) sum += static_cast<std::uint32_t>(byte);
+  journal += bigEndianText(0x40000000 / odstorage::kPageSize + 1) + superJournal;
+  journal += bigEndianText(static_cast<std::uint32_t>(superJournal.size())) + bigEndianText(sum);
+  return journal + magic;
+}
+
+/// Nothing may act on a file that only pretends to belong to a drawing: neither an opening nor a
+/// recovery nor a replacement of the drawing.
+TEST_F(Refusals, FilesBesideADrawingAreNotTrusted) {
+  namespace fs = std::filesystem;
+  const std::string path = file("drawing.vdm");
+  const std::string victim = file("thesis.tex");
+  const std::pair<std::function<void()>, const char*> kSideFiles[] = {
+      {[&] { writeBytes(path + "-journal", journalThatNames(victim)); }, "thesis.tex\", which"},
+      {[&] { fs::create_symlink(victim, path + "-journal"); }, "not a regular file"},
+      {[&] { fs::create_directory(path + "-journal"); }, "not a regular file"},
+      {[&] { writeBytes(path + "-wal", "pages"); }, "write-ahead log"},
+  };
+  const auto factory = createSqliteStoreFactory();
+  const storetest::Content content = makeContent(20, 200);
+  for (const auto& [prepare, text] : kSideFiles) {
+    SCOPED_TRACE(text);
+    fs::remove_all(path + "-journal");
+    ASSERT_TRUE(writeFile(*factory, path, content).ok());
+    writeBytes(victim, std::string("\0precious", 9));
+    prepare();
+    const std::string before = m_folder.listing();
+    for (const OdDbStoreOpenMode mode :
+         {OdDbStoreOpenMode::kReadOnly, OdDbStoreOpenMode::kReadWrite}) {
+      std::unique_ptr<OdDbRecordStore> store;
+      const OdStatus status = factory->open(path, mode, store);
+      EXPECT_EQ(status.code, eCorruptData) << textOf(status);
+      EXPECT_NE(textOf(status).find(text), std::string::npos) << textOf(status);
+    }
+    EXPECT_EQ(m_folder.listing(), before);
+    const bool isReplaceable = !fs::is_directory(path + "-journal");
+    EXPECT_EQ(writeFile(*factory, path, content).ok(), isReplaceable);
+    EXPECT_TRUE(readBytes(victim) == std::string("\0precious", 9));
   }
 }
 
