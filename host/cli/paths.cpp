@@ -26,6 +26,9 @@ void checkOutput(const OutputFile& output, const std::string& input) {
   if (fs::is_directory(path, failure)) {
     throw CliError("output " + quote(output.path) + " is a folder");
   }
+  if (fs::exists(path, failure) && !fs::is_regular_file(path, failure)) {
+    throw CliError("output " + quote(output.path) + " is not a regular file and is not replaced");
+  }
   if (!input.empty() && isSameFile(input, output.path)) {
     throw CliError("output " + quote(output.path) + " is the input itself");
   }

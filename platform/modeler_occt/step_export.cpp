@@ -18,13 +18,11 @@
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <random>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
-#include "platform/base/work_note.h"
+#include "platform/base/new_file.h"
 #include "platform/modeler_occt/occt_body.h"
 #include "platform/modeler_occt/occt_convert.h"
 #include "platform/modeler_occt/occt_guard.h"
@@ -307,12 +305,6 @@ bool escapeFile(const fs::path& file) {
   return static_cast<bool>(output.flush());
 }
 
-fs::path besideOf(const fs::path& target) {
-  std::random_device random;
-  return target.parent_path() /
-         (target.filename().string() + "." + std::to_string(random()) + ".tmp");
-}
-
 OdStatus writeFile(const OdString& path, const OdModelerAssembly& assembly) {
   StepSession session;
   if (OdStatus status = DocumentBuilder(session, assembly).run(); !status.ok()) {
@@ -330,21 +322,12 @@ OdStatus writeFile(const OdString& path, const OdModelerAssembly& assembly) {
   const Handle(StepData_StepModel) model = writer.ChangeWriter().Model();
   numberOccurrences(*model);
   orderColors(model);
-  const fs::path target(std::string(path.utf8()));
-  const fs::path beside = besideOf(target);
-  std::error_code error;
-  if (writer.Write(beside.c_str()) != IFSelect_RetDone || !escapeFile(beside)) {
-    fs::remove(beside, error);
+  OdNewFile file(std::string(path.utf8()));
+  if (OdStatus status = file.create(); !status.ok()) return status;
+  if (writer.Write(file.temporary().c_str()) != IFSelect_RetDone || !escapeFile(file.temporary())) {
     return fileFailure(eFileWriteError, path, "it cannot be written");
   }
-  fs::rename(beside, target, error);
-  if (error) {
-    const std::string reason = error.message();
-    fs::remove(beside, error);
-    return fileFailure(eFileWriteError, path, reason.c_str());
-  }
-  odNoteFileWritten();
-  return {};
+  return file.commit();
 }
 
 }  // namespace

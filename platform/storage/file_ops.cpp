@@ -6,9 +6,9 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
 #include <cstdio>
-#include <cstdlib>
+
+#include "platform/base/new_file.h"
 
 namespace {
 
@@ -19,15 +19,6 @@ int syncPath(const std::string& path, int flags) {
   const int failure = ::fsync(fd) == 0 ? 0 : errno;
   ::close(fd);
   return failure;
-}
-
-/// realpath of something that exists.
-int realPath(const std::string& path, std::string& resolved) {
-  char* found = ::realpath(path.c_str(), nullptr);
-  if (found == nullptr) return errno;
-  resolved = found;
-  std::free(found);
-  return 0;
 }
 
 }  // namespace
@@ -45,18 +36,7 @@ int OdPosixFileOps::inspect(const std::string& path, OdStoreFileInfo& info) {
 }
 
 int OdPosixFileOps::resolve(const std::string& path, std::string& resolved) {
-  const int failure = realPath(path, resolved);
-  if (failure != ENOENT) return failure;
-  const std::size_t slash = path.rfind('/');
-  const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-  const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
-  if (name.empty()) return EISDIR;
-  if (const int folderFailure = realPath(folder, resolved); folderFailure != 0) {
-    return folderFailure;
-  }
-  if (resolved.back() != '/') resolved += '/';
-  resolved += name;
-  return 0;
+  return odResolveForWriting(path, resolved);
 }
 
 int OdPosixFileOps::createExclusive(const std::string& path) {
@@ -85,6 +65,10 @@ int OdPosixFileOps::syncDirectory(const std::string& path) {
 
 int OdPosixFileOps::rename(const std::string& from, const std::string& to) {
   return std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+}
+
+int OdPosixFileOps::renameToFreeName(const std::string& from, const std::string& to) {
+  return odRenameToFreeName(from, to);
 }
 
 int OdPosixFileOps::remove(const std::string& path) {

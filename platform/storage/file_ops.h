@@ -20,7 +20,7 @@ class OdStoreFileOps {
 
   /// A missing path is not an error: `info.exists` is false then.
   virtual int inspect(const std::string& path, OdStoreFileInfo& info) = 0;
-  /// Absolute path with all symbolic links of existing parts followed; the last part may be absent.
+  /// Absolute path with all symbolic links followed; the last part may be absent.
   virtual int resolve(const std::string& path, std::string& resolved) = 0;
   /// Creates an empty file; EEXIST when the name is taken.
   virtual int createExclusive(const std::string& path) = 0;
@@ -32,6 +32,8 @@ class OdStoreFileOps {
   virtual int syncDirectory(const std::string& path) = 0;
   /// Atomically gives `from` the name `to`, which may exist.
   virtual int rename(const std::string& from, const std::string& to) = 0;
+  /// The same, but `to` must be free: EEXIST.
+  virtual int renameToFreeName(const std::string& from, const std::string& to) = 0;
   virtual int remove(const std::string& path) = 0;
 };
 
@@ -45,5 +47,6 @@ class OdPosixFileOps : public OdStoreFileOps {
   int syncFile(const std::string& path) override;
   int syncDirectory(const std::string& path) override;
   int rename(const std::string& from, const std::string& to) override;
+  int renameToFreeName(const std::string& from, const std::string& to) override;
   int remove(const std::string& path) override;
 };

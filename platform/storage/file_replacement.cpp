@@ -11,12 +11,14 @@
 // The old file stays locked from step 3 to 4, so that no other program saves in between.
 #include "platform/storage/file_replacement.h"
 
+#include <unistd.h>
+
 #include <cerrno>
-#include <cinttypes>
-#include <cstdio>
-#include <random>
+#include <string_view>
 #include <utility>
 
+#include "platform/base/new_file.h"
+#include "platform/base/work_note.h"
 #include "platform/storage/file_header.h"
 #include "platform/storage/status.h"
 
@@ -29,12 +31,9 @@ constexpr int kNameAttempts = 16;
 /// Files that SQLite would take for a part of the target's state.
 constexpr const char* kSideFileSuffixes[] = {"-journal", "-wal", "-shm"};
 
-std::string randomSuffix() {
-  std::random_device device;
-  const std::uint64_t bits = (std::uint64_t{device()} << 32U) | device();
-  char text[24];
-  std::snprintf(text, sizeof text, ".%016" PRIx64 ".tmp", bits);
-  return text;
+/// Of two programs that make one new file the first one wins.
+OdStatus madeMeanwhile(std::string_view target) {
+  return failure(eFileChanged, target, "another program made the file meanwhile");
 }
 
 /// Only a database with a rollback journal can be locked and can have an interrupted save.
@@ -65,25 +64,33 @@ OdStatus FileReplacement::create(TargetLock lock) {
   }
   if (!status.ok()) return status;
 
+  m_replaces = info.exists;
+  odRemoveLeftovers(m_folder, m_target.substr(m_folder.size()));
+  return createTemporary(info);
+}
+
+OdStatus FileReplacement::createTemporary(const OdStoreFileInfo& info) {
   const std::string name = m_target.substr(m_folder.size());
-  int error = 0;
-  for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
-    const std::string path = m_folder + "." + name + randomSuffix();
+  int error = EEXIST;
+  for (int attempt = 0; attempt < kNameAttempts && (error == EEXIST || error == ENOENT);
+       ++attempt) {
+    const std::string path = m_folder + odTemporaryName(name);
     error = fileOps().createExclusive(path);
-    if (error == 0) {
-      m_temporary = path;
-      // Before there is content: a private drawing must not be readable while it is saved.
-      return takeAttributes(info);
-    }
-    if (error != EEXIST) break;
+    if (error != 0) continue;
+    m_temporary = path;
+    error = odHoldTemporary(path, m_hold);
+    if (error == ENOENT) m_temporary.clear();
   }
-  return systemFailure(error, m_target, "creating a file in its folder");
+  if (error != 0) return systemFailure(error, m_target, "creating a file in its folder");
+  // Before there is content: a private drawing must not be readable while it is saved.
+  return takeAttributes(info);
 }
 
 OdStatus FileReplacement::replaceTarget(TargetLock lock) {
   OdStoreFileInfo info;
   OdStatus status = inspectTarget(info);
   if (!status.ok()) return status;
+  if (info.exists && !m_replaces) return madeMeanwhile(m_target);
   status = takeAttributes(info);  // they may have changed since create()
   if (!status.ok()) return status;
 
@@ -96,14 +103,15 @@ OdStatus FileReplacement::replaceTarget(TargetLock lock) {
   if (status.ok()) status = removeSideFiles();
   if (!status.ok()) return status;
 
-  if (const int error = fileOps().rename(m_temporary, m_target); error != 0) {
-    return systemFailure(error, m_target, "replacing the file");
-  }
+  const int error = m_replaces ? fileOps().rename(m_temporary, m_target)
+                               : fileOps().renameToFreeName(m_temporary, m_target);
+  if (error == EEXIST) return madeMeanwhile(m_target);
+  if (error != 0) return systemFailure(error, m_target, "replacing the file");
   m_temporary.clear();
-  if (const int error = fileOps().syncDirectory(m_folder); error != 0) {
-    return systemFailure(error, m_target, "the file is saved, but writing its folder to disk");
-  }
-  return {};
+  endHold();
+  odNoteFileWritten();
+  const int unsynced = fileOps().syncDirectory(m_folder);
+  return unsynced == 0 ? OdStatus{} : savedWithoutFolder(unsynced, m_target);
 }
 
 OdStatus FileReplacement::inspectTarget(OdStoreFileInfo& info) {
@@ -148,7 +156,14 @@ OdStatus FileReplacement::removeSideFiles() {
   return error == 0 ? OdStatus{} : systemFailure(error, m_folder, "writing the folder to disk");
 }
 
+/// Closing any handle of a file drops the locks that SQLite has on it, so this one is closed before
+/// SQLite opens the file in its place.
+void FileReplacement::endHold() {
+  if (m_hold >= 0) ::close(std::exchange(m_hold, -1));
+}
+
 void FileReplacement::discard() {
+  endHold();
   if (m_temporary.empty()) return;
   fileOps().remove(m_temporary);
   m_temporary.clear();

@@ -36,10 +36,12 @@ class FileReplacement {
 
   /// Creates the empty temporary file ".<name>.<16 random hex digits>.tmp" with the permissions of
   /// the file it will replace. Refuses a target that could not be replaced, before any work was
-  /// done for it. A process that is killed leaves the temporary file; nothing ever reads it.
+  /// done for it. A process that is killed leaves the temporary file; nothing ever reads it, and
+  /// the next replacement of the same target removes it.
   OdStatus create(TargetLock lock);
   /// Puts the complete, closed temporary file durably in the target's place. Permissions of a
-  /// replaced file are kept. eFileLocked when another store has the target open for writing.
+  /// replaced file are kept. eFileLocked when another store has the target open for writing,
+  /// eFileChanged when nothing lay there at create() and something does now.
   OdStatus replaceTarget(TargetLock lock);
   /// Removes the temporary file.
   void discard();
@@ -48,13 +50,17 @@ class FileReplacement {
   OdStatus inspectTarget(OdStoreFileInfo& info);
   OdStatus takeAttributes(const OdStoreFileInfo& info);
   OdStatus lockTarget(Connection& connection);
+  OdStatus createTemporary(const OdStoreFileInfo& info);
   OdStatus removeSideFiles();
+  void endHold();
   [[nodiscard]] OdStoreFileOps& fileOps() const { return *m_environment->fileOps; }
 
   std::shared_ptr<const StoreEnvironment> m_environment;
   std::string m_target;
   std::string m_folder;
   std::string m_temporary;
+  int m_hold = -1;  ///< the locked temporary file, see odHoldTemporary()
+  bool m_replaces = false;
 };
 
 }  // namespace odstorage

@@ -109,6 +109,7 @@ class SqliteStore final : public OdDbRecordStore {
   OdStatus commitExisting();
   void abandonSave();
   OdStatus takeWriteLock();
+  [[nodiscard]] OdStatus checkNotMoved(const std::string& doing) const;
   OdStatus lockForReplacing(const std::string& doing);
   OdStatus copyAllTo(SqliteStore& target);
 

@@ -13,9 +13,11 @@
 // two another program can save; the data version shows that, and the next save here is refused
 // instead of overwriting it.
 #include <algorithm>
+#include <cerrno>
 #include <tuple>
 #include <utility>
 
+#include "platform/base/work_note.h"
 #include "platform/storage/sqlite_store.h"
 #include "platform/storage/status.h"
 
@@ -318,15 +320,28 @@ OdStatus SqliteStore::commitSave() {
   return status;
 }
 
+/// SQLite compares the file with its path when the journal is made; rows may take long to write
+/// after that.
+OdStatus SqliteStore::checkNotMoved(const std::string& doing) const {
+  if (!m_connection.hasMoved()) return {};
+  return fail(eFileChanged,
+              doing + " failed: the file was deleted, moved or replaced since it was opened");
+}
+
 OdStatus SqliteStore::commitExisting() {
   OdStatus status;
   if (m_isChanged) {
     status = writeStateRow(Sql::kUpdateVariable);
+    if (status.ok()) status = checkNotMoved("saving");
     if (status.ok()) status = m_connection.execute("COMMIT", kSaving);
-    if (!status.ok()) {
+    // The removal of the journal is the commit; the sync of its folder comes after it.
+    const bool isCommitted = status.ok() || m_connection.extendedError() == SQLITE_IOERR_DIR_FSYNC;
+    if (!isCommitted) {
       abandonSave();
       return status;
     }
+    if (!status.ok()) status = savedWithoutFolder(EIO, m_path);
+    odNoteFileWritten();
     // The lock is taken again at once. Where another program was quicker, this save is done all the
     // same, and the next one reports the change.
     m_hasWriteLock = false;
@@ -334,7 +349,7 @@ OdStatus SqliteStore::commitExisting() {
     std::ignore = takeWriteLock();
   }
   m_isSaving = false;
-  return {};
+  return status;
 }
 
 void SqliteStore::rollbackSave() {
@@ -372,11 +387,7 @@ OdStatus SqliteStore::lockForReplacing(const std::string& doing) {
   if (isReadOnly()) return fail(eReadOnlyDatabase, doing + " failed: the file is open for reading");
   if (m_isSaving) return fail(eInvalidOpenState, doing + " failed: a save is running");
   status = takeWriteLock();
-  if (status.ok() && m_connection.hasMoved()) {
-    return fail(eFileChanged,
-                doing + " failed: the file was moved or replaced since it was opened");
-  }
-  return status;
+  return status.ok() ? checkNotMoved(doing) : status;
 }
 
 OdStatus SqliteStore::createReplacement(std::unique_ptr<OdDbRecordStore>& store) {

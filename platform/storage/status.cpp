@@ -28,6 +28,13 @@ OdStatus systemFailure(int error, std::string_view path, std::string_view doing)
   return failure(code, path, what);
 }
 
+OdStatus savedWithoutFolder(int error, std::string_view path) {
+  return failure(eFileWriteError, path,
+                 "the file is saved, but writing its folder to disk failed: " +
+                     std::generic_category().message(error) +
+                     "; a power loss may bring the old state back");
+}
+
 std::string handleText(OdUInt64 handle) {
   char text[20];
   std::snprintf(text, sizeof text, "%" PRIX64, static_cast<std::uint64_t>(handle));

@@ -15,6 +15,10 @@ namespace odstorage {
 /// eFileLocked, eOutOfMemory or eFileAccess.
 [[nodiscard]] OdStatus systemFailure(int error, std::string_view path, std::string_view doing);
 
+/// The outcome of a save whose last step failed, after the new state was in its place: the system
+/// would not confirm that the names in the folder are on the disk.
+[[nodiscard]] OdStatus savedWithoutFolder(int error, std::string_view path);
+
 /// True for the errno values that mean that no space or quota is left.
 [[nodiscard]] bool isDiskFull(int error);
 

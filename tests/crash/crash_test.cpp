@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "platform/base/work_note.h"
 #include "tests/crash/fault_vfs.h"
 #include "tests/crash/power_loss.h"
 #include "tests/platform/storage/store_testing.h"
@@ -210,6 +211,38 @@ TEST_F(Crash, DiskFullAtAnyOperationIsReportedAndLosesNothing) {
     }
     EXPECT_GT(diskFull, 0U);
   }
+}
+
+/// The last step of a save: the new state is in its place, and that is what the report must say.
+TEST_F(Crash, AFolderThatCannotBeSyncedIsReportedAsASave) {
+  for (const Scenario& scenario : scenarios()) {
+    SCOPED_TRACE(scenario.name);
+    prepare(scenario);
+    OdWorkBoard board;
+    odInstallWorkBoard(&board);
+    faultState().start(FaultMode::kFailFolders);
+    const OdStatus status = act(scenario);
+    faultState().start(FaultMode::kNone);
+    odInstallWorkBoard(nullptr);
+    EXPECT_EQ(status.code, eFileWriteError) << textOf(status);
+    EXPECT_NE(textOf(status).find("the file is saved, but"), std::string::npos) << textOf(status);
+    EXPECT_TRUE(board.written);
+    EXPECT_TRUE(isAfter(scenario));
+  }
+}
+
+TEST_F(Crash, AStoreGoesOnAfterAFolderThatCannotBeSynced) {
+  const Scenario scenario = scenarios()[1];
+  prepare(scenario);
+  std::unique_ptr<OdDbRecordStore> store;
+  ASSERT_TRUE(succeeded(m_faulty->open(m_path, OdDbStoreOpenMode::kReadWrite, store)));
+  faultState().start(FaultMode::kFailFolders);
+  EXPECT_FALSE(saveChanges(*store, scenario.before, scenario.after).ok());
+  faultState().start(FaultMode::kNone);
+  EXPECT_TRUE(storetest::readAll(*store) == scenario.after);
+  const Content next = thinned(scenario.after);
+  EXPECT_TRUE(succeeded(saveChanges(*store, scenario.after, next)));
+  EXPECT_TRUE(storetest::readAll(*store) == next);
 }
 
 /// The journal of a save that was interrupted must not be played back into the new file.

@@ -24,6 +24,9 @@ Verdict judge(FileEvent event) {
   FaultState& state = faultState();
   const std::size_t index = state.count++;
   const bool isDue = index >= state.at;
+  if (state.mode == FaultMode::kFailFolders && event.kind == Kind::kSyncFolder) {
+    return Verdict::kFail;
+  }
   if (state.mode == FaultMode::kFail && isDue && event.kind != Kind::kRemove) return Verdict::kFail;
   if (state.mode == FaultMode::kKill && isDue) {
     if (event.kind == Kind::kWrite) return Verdict::kTearAndEnd;
@@ -131,7 +134,9 @@ int openFile(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int*
 
 int deleteFile(sqlite3_vfs*, const char* name, int syncFolder) {
   judge({.kind = Kind::kRemove, .path = name, .syncsFolder = syncFolder != 0});
-  return realVfs()->xDelete(realVfs(), name, syncFolder);
+  const int code = realVfs()->xDelete(realVfs(), name, syncFolder);
+  const bool fails = syncFolder != 0 && faultState().mode == FaultMode::kFailFolders;
+  return code == SQLITE_OK && fails ? SQLITE_IOERR_DIR_FSYNC : code;
 }
 
 }  // namespace
@@ -171,6 +176,11 @@ int FaultFileOps::syncDirectory(const std::string& path) {
 int FaultFileOps::rename(const std::string& from, const std::string& to) {
   if (judge({.kind = Kind::kRename, .path = from, .to = to}) == Verdict::kFail) return ENOSPC;
   return OdPosixFileOps::rename(from, to);
+}
+
+int FaultFileOps::renameToFreeName(const std::string& from, const std::string& to) {
+  if (judge({.kind = Kind::kRename, .path = from, .to = to}) == Verdict::kFail) return ENOSPC;
+  return OdPosixFileOps::renameToFreeName(from, to);
 }
 
 int FaultFileOps::remove(const std::string& path) {

@@ -22,9 +22,10 @@ struct FileEvent {
 
 enum class FaultMode {
   kNone,
-  kRecord,  ///< keep all events
-  kKill,    ///< end the process in place of event `at`; half of a write is still done
-  kFail,    ///< event `at` and all later ones fail as on a full disk; removing still works
+  kRecord,       ///< keep all events
+  kKill,         ///< end the process in place of event `at`; half of a write is still done
+  kFail,         ///< event `at` and all later ones fail as on a full disk; removing still works
+  kFailFolders,  ///< syncing a folder fails, also the sync that is a part of another event
 };
 
 /// State of the layer. There is one, as the process has one list of VFSes.
@@ -51,6 +52,7 @@ class FaultFileOps final : public OdPosixFileOps {
   int syncFile(const std::string& path) override;
   int syncDirectory(const std::string& path) override;
   int rename(const std::string& from, const std::string& to) override;
+  int renameToFreeName(const std::string& from, const std::string& to) override;
   int remove(const std::string& path) override;
 };
 

@@ -1,5 +1,6 @@
 // Tests of the record store on SQLite: content, saving, locks and the files beside the drawing.
 #include <filesystem>
+#include <functional>
 
 #include "platform/storage/sqlite_record_store.h"
 #include "platform/storage/storage_format.h"
@@ -142,15 +143,38 @@ TEST_F(SqliteStore, ReaderNeverMixesTwoStates) {
   EXPECT_EQ(reader->readAll([](const OdDbRecordView&) { return true; }).code, eFileChanged);
 }
 
-TEST_F(SqliteStore, WriterOfAMovedFileSavesNothing) {
+/// Before the first row is written and after the last one.
+TEST_F(SqliteStore, WriterOfAMovedReplacedOrDeletedFileSavesNothing) {
+  namespace fs = std::filesystem;
   const Content first = makeContent(10, 100);
-  write(first);
-  const StorePtr writer = open();
-  std::filesystem::rename(m_path, file("moved.vdm"));
-  EXPECT_EQ(saveChanges(*writer, first, makeContent(12, 100)).code, eFileChanged);
-  EXPECT_EQ(writer->compact().code, eFileChanged);
-  m_path = file("moved.vdm");
-  expectContent(first);
+  const std::string aside = file("aside.vdm");
+  const std::function<void()> kChanges[] = {
+      [&] { fs::rename(m_path, aside); },
+      [&] { fs::remove(m_path); },
+      [&] {
+        fs::copy_file(m_path, aside);
+        fs::rename(aside, m_path);
+      },
+  };
+  for (const auto& change : kChanges) {
+    for (const bool isLate : {false, true}) {
+      fs::remove(aside);
+      write(first);
+      StorePtr writer = open();
+      ASSERT_TRUE(writer->beginSave().ok());
+      if (!isLate) change();
+      const OdStatus put = putAll(*writer, makeContent(12, 100));
+      if (isLate) change();
+      EXPECT_EQ(put.code, isLate ? eOk : eFileChanged);
+      const OdStatus status = writer->commitSave();
+      EXPECT_EQ(status.code, eFileChanged) << textOf(status);
+      EXPECT_EQ(writer->compact().code, eFileChanged);
+      writer.reset();
+      if (fs::exists(aside)) fs::rename(aside, m_path);
+      if (fs::exists(m_path)) expectContent(first);
+      EXPECT_LE(m_folder.listing(), "drawing.vdm");
+    }
+  }
 }
 
 // ---- Save-as and compaction
@@ -186,6 +210,31 @@ TEST_F(SqliteStore, ReplacesAFileOnlyOnCommitAndKeepsItsPermissions) {
   EXPECT_EQ(std::filesystem::status(m_path).permissions(), std::filesystem::perms(0640));
   EXPECT_TRUE(std::filesystem::is_symlink(file("link.vdm")));
   EXPECT_EQ(m_folder.listing(), "drawing.vdm link.vdm");
+}
+
+TEST_F(SqliteStore, OfTwoMakersOfANewFileTheFirstOneWins) {
+  const Content first = makeContent(10, 100);
+  const Content second = makeContent(20, 100);
+  StorePtr stores[2];
+  for (StorePtr& store : stores) ASSERT_TRUE(succeeded(m_factory->create(m_path, store)));
+  EXPECT_TRUE(succeeded(putAll(*stores[0], second)));
+  EXPECT_TRUE(succeeded(putAll(*stores[1], first)));
+  EXPECT_TRUE(succeeded(stores[1]->commitSave()));
+  const OdStatus status = stores[0]->commitSave();
+  EXPECT_EQ(status.code, eFileChanged) << textOf(status);
+  EXPECT_TRUE(succeeded(saveChanges(*stores[1], first, first)));
+  for (StorePtr& store : stores) store.reset();
+  expectContent(first);
+  EXPECT_EQ(m_folder.listing(), "drawing.vdm");
+}
+
+TEST_F(SqliteStore, RemovesWhatAKilledSaveLeft) {
+  const std::string leftover = file(".drawing.vdm.0123456789abcdef.tmp");
+  for (int round = 0; round < 2; ++round) {
+    writeBytes(leftover, "half of a drawing");
+    write(makeContent(10, 100));
+    EXPECT_EQ(m_folder.listing(), "drawing.vdm");
+  }
 }
 
 TEST_F(SqliteStore, CompactsWithoutChangingTheContent) {
