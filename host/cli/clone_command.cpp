@@ -10,6 +10,8 @@
 #include "platform/db/block_table.h"
 #include "platform/db/entity.h"
 #include "platform/db/units.h"
+#include "vdm_db/features/vdm_clone_with_features.h"
+#include "vdm_db/features/vdm_db_feature_data.h"
 
 namespace cli {
 
@@ -31,6 +33,7 @@ struct Outcome {
   std::string what;  ///< "block" or the class of the entity
   std::string name;  ///< of a block
   std::uint64_t objects = 0;
+  std::uint64_t features = 0;
   std::vector<std::string> handles;  ///< "<source> -> <clone> <class>", in the order of cloning
   std::vector<std::string> notes;
 };
@@ -178,10 +181,32 @@ void convertLengths(const OdDbObjectId& source, const OdDbObjectId& clone, Outco
                           str(oddbUnitsName(from)) + " to " + str(oddbUnitsName(to)));
 }
 
-void cloneEntity(const Drawings& drawings, const OdDbObjectId& id, OdDbIdMapping& mapping,
-                 Outcome& outcome) {
+/// Components know where they cut in lengths of their drawing.
+void checkUnits(const Drawings& drawings, const OdDbObjectId& id) {
+  const OdDb::UnitsValue from = lengthUnitsOf(*id.safeOpenAs<OdDbEntity>());
+  const OdDb::UnitsValue to = drawings.target->getINSUNITS();
+  if (drawings.isOne() || oddbGetUnitsConversion(from, to) == 1.0) return;
+  throw CliError("object " + str(id.getHandle()) + " is in " + str(oddbUnitsName(from)) +
+                 " and cannot take its features into a drawing in " + str(oddbUnitsName(to)));
+}
+
+void cloneFeatured(const Drawings& drawings, const OdDbObjectId& id, const OdDbObjectId& owner,
+                   OdDbIdMapping& mapping) {
+  checkUnits(drawings, id);
+  if (const OdResult result = vdmu::cloneWithFeatures({id}, owner, mapping); result != eOk) {
+    throw CliError("object " + str(id.getHandle()) +
+                   " cannot be cloned with its features: " + odResultText(result));
+  }
+}
+
+void cloneEntity(const Drawings& drawings, const OdDbObjectId& id, const CloneOptions& options,
+                 OdDbIdMapping& mapping, Outcome& outcome) {
   const OdDbObjectId owner = drawings.isOne() ? id.ownerId() : drawings.target->getModelSpaceId();
-  cloneInto(drawings, id, owner, mapping);
+  if (options.withFeatures) {
+    cloneFeatured(drawings, id, owner, mapping);
+  } else {
+    cloneInto(drawings, id, owner, mapping);
+  }
   outcome.clone = cloneOf(id, mapping);
   convertLengths(id, outcome.clone, outcome);
   outcome.what = classNameOf(*outcome.clone.safeOpenObject());
@@ -196,6 +221,7 @@ void describeMapping(OdDbIdMapping& mapping, const Drawings& drawings, Outcome& 
     if (value.isNull()) continue;
     if (pair.isCloned()) {
       ++outcome.objects;
+      if (value->isKindOf(VdmDbFeatureData::desc())) ++outcome.features;
       outcome.handles.push_back(str(pair.key().getHandle()) + " -> " +
                                 str(pair.value().getHandle()) + " " + classNameOf(*value));
     } else if (const auto block = OdDbBlockTableRecord::cast(value);
@@ -237,7 +263,7 @@ Outcome cloneObject(const Drawings& drawings, const CloneOptions& options) {
   if (isBlock) {
     cloneBlock(drawings, id, options, *mapping, outcome);
   } else {
-    cloneEntity(drawings, id, *mapping, outcome);
+    cloneEntity(drawings, id, options, *mapping, outcome);
   }
   describeMapping(*mapping, drawings, outcome);
   return outcome;
@@ -270,6 +296,7 @@ int runClone(const SessionSettings& settings, const CloneOptions& options) {
       .add("handle", handle)
       .add("name", outcome.name)
       .add("objects", outcome.objects)
+      .add("features", outcome.features)
       .addLines("handles", std::move(outcome.handles))
       .addLines("notes", std::move(outcome.notes))
       .print(settings.json);

@@ -14,6 +14,7 @@ struct CloneOptions {
   std::string handle;
   std::string into;                  ///< the other drawing; empty: the same one
   std::string name;                  ///< of a cloned block; empty: chosen
+  bool withFeatures = false;         ///< an entity takes its names and components along
   std::optional<OutputFile> output;  ///< where the result is saved; otherwise in its own file
 };
 

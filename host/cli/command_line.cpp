@@ -191,6 +191,8 @@ void addClone(CLI::App& app, CommandLine& line) {
   command->add_option("--into", line.clone.into, "drawing that receives the copy")
       ->type_name("OTHER");
   command->add_option("--name", line.clone.name, "name of the copied block")->type_name("NEW");
+  command->add_flag("--with-features", line.clone.withFeatures,
+                    "an entity takes its names and components along; blocks always do");
   const CLI::Option* output =
       addOutput(command, line.cloneOutput, "save the result here instead of in place");
   command->callback([&line, output] {

@@ -19,6 +19,11 @@ struct OdDbCloneState {
     OdDbObjectId cloneOwner;
     OdDbDwgFiler::FilerType type;
   };
+  /// A clone whose source has reactors.
+  struct Copy {
+    OdDbObjectId source;
+    OdDbObjectId clone;
+  };
   /// How the name of a record or entry was settled with its destination, before it is cloned.
   struct Settled {
     OdDbObjectId source;
@@ -33,6 +38,7 @@ struct OdDbCloneState {
   std::vector<OdDbObjectId> followed;      ///< hard pointers met by a wblock clone
   std::size_t numFollowed = 0;             ///< how many of them are dealt with
   std::vector<OdDbObjectId> untranslated;  ///< clones that hold ids of their sources
+  std::vector<Copy> unannounced;           ///< copies that reactors have not heard of yet
   std::vector<OdDbObjectId> entered;       ///< keys of the pairs made since the operation began
   std::vector<Settled> settled;            ///< a stack, as primary clones may nest
   std::unordered_map<OdString, OdUInt32> nameCounters;     ///< last number given to a mangled name

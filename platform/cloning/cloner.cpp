@@ -109,20 +109,21 @@ OdResult OdDbCloner::run(const OdDbObjectIdArray& ids, const OdDbObjectId& owner
     return eOk;
   }
   const std::size_t numUntranslated = m_state.untranslated.size();
+  const std::size_t numUnannounced = m_state.unannounced.size();
   OdDbTransaction transaction(m_mapping.destDb());
   m_state.entered.clear();
   try {
     runPhases(ids, owner, deferXlation);
     return transaction.commit();
   } catch (const OdError& error) {
-    rollBack(numUntranslated);
+    rollBack(numUntranslated, numUnannounced);
     m_mapping.destDb()->impl().report(OdString(L"clone failed: ") + error.description());
     return error.code();
   } catch (const std::bad_alloc&) {
-    rollBack(numUntranslated);
+    rollBack(numUntranslated, numUnannounced);
     return eOutOfMemory;
   } catch (...) {
-    rollBack(numUntranslated);
+    rollBack(numUntranslated, numUnannounced);
     throw;
   }
 }
@@ -212,7 +213,7 @@ void OdDbCloner::translateIds(OdDbIdMapping& mapping, OdDbDwgFiler::FilerType ty
   cloner.translateAll();
 }
 
-void OdDbCloner::rollBack(std::size_t numUntranslated) {
+void OdDbCloner::rollBack(std::size_t numUntranslated, std::size_t numUnannounced) {
   for (auto key = m_state.entered.rbegin(); key != m_state.entered.rend(); ++key) {
     m_mapping.del(*key);
   }
@@ -221,6 +222,7 @@ void OdDbCloner::rollBack(std::size_t numUntranslated) {
   m_state.followed.clear();
   m_state.numFollowed = 0;
   m_state.untranslated.resize(std::min(numUntranslated, m_state.untranslated.size()));
+  m_state.unannounced.resize(std::min(numUnannounced, m_state.unannounced.size()));
 }
 
 // ---- One clone
@@ -282,8 +284,9 @@ OdDbObjectPtr OdDbCloner::makeClone(const OdDbObject* source, OdDbObject* owner,
   if (isPrimary && owner != nullptr && replaced.isNull()) {
     clone->appendToOwner(pair, owner, m_mapping);
   }
-  OdDbReactorCalls::tell<const OdDbObject*, const OdDbObject*>(
-      source, &OdDbObject::copied, &OdDbObjectReactor::copied, source, clone.get());
+  if (OdDbReactorCalls::hasReactors(source)) {
+    m_state.unannounced.push_back({source->objectId(), id});
+  }
   const std::size_t endOwned = m_state.owned.size();
   for (std::size_t i = firstOwned; i < endOwned; ++i) cloneOwned(m_state.owned[i], clone);
   m_state.owned.resize(firstOwned);

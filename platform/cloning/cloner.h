@@ -34,7 +34,9 @@ struct OdDbCloneState;
 ///    are, reactors included, since what they name is there; to another database pointers become
 ///    null and reactors are dropped. Ids that a hook has set to objects of the clone already stay.
 ///    In extended data 1005 handles go the way of soft pointers.
-/// 7. The operation runs in a transaction of the destination. A failure aborts it, and the mapping
+/// 7. When the ids are translated, the reactors of each source hear `copied`. A clone has then its
+///    own references; a persistent reactor that has no place at it takes itself off.
+/// 8. The operation runs in a transaction of the destination. A failure aborts it, and the mapping
 ///    loses the pairs that the operation made.
 class OdDbCloner {
  public:
@@ -85,7 +87,8 @@ class OdDbCloner {
   void finishOwned();
   void finishFollowed();
   void translateAll();
-  void rollBack(std::size_t numUntranslated);
+  void announceCopies();
+  void rollBack(std::size_t numUntranslated, std::size_t numUnannounced);
 
   // One clone.
   OdDbObjectPtr makeClone(const OdDbObject* source, OdDbObject* owner, bool isPrimary);

@@ -8,6 +8,7 @@
 #include "platform/db/internal_access.h"
 #include "platform/db/object_extra.h"
 #include "platform/db/proxy_object.h"
+#include "platform/db/reactor_calls.h"
 
 void OdDbCloner::translateAll() {
   for (const OdDbObjectId id : m_state.untranslated) {
@@ -21,6 +22,20 @@ void OdDbCloner::translateAll() {
     if (!entity.isNull()) entity->subAppended();
   }
   m_state.untranslated.clear();
+  announceCopies();
+}
+
+// A reactor that hears of a copy may make another one, which is announced after it.
+void OdDbCloner::announceCopies() {
+  for (std::size_t i = 0; i < m_state.unannounced.size(); ++i) {
+    const OdDbCloneState::Copy copy = m_state.unannounced[i];
+    const OdDbObjectPtr source = copy.source.openObject();
+    const OdDbObjectPtr clone = copy.clone.openObject();
+    if (source.isNull() || clone.isNull()) continue;
+    OdDbReactorCalls::tell<const OdDbObject*, const OdDbObject*>(
+        source, &OdDbObject::copied, &OdDbObjectReactor::copied, source.get(), clone.get());
+  }
+  m_state.unannounced.clear();
 }
 
 // The clone is filed and, when one of its ids becomes another, read back through the translation.

@@ -12,10 +12,14 @@
 /// called.
 class OdDbReactorCalls {
  public:
+  [[nodiscard]] static bool hasReactors(const OdDbObject* object) {
+    return object->m_extra && !object->m_extra->reactors.empty();
+  }
+
   template <class... Arguments>
   static void tell(const OdDbObject* object, void (OdDbObject::*persistent)(Arguments...),
                    void (OdDbObjectReactor::*transient)(Arguments...), Arguments... arguments) {
-    if (!object->m_extra || object->m_extra->reactors.empty()) return;
+    if (!hasReactors(object)) return;
     const std::vector<OdDbObject::Extra::Reactor> told = object->m_extra->reactors;
     std::size_t place = 0;
     for (const OdDbObject::Extra::Reactor& reactor : told) {

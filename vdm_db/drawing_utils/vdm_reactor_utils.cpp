@@ -17,9 +17,7 @@ bool opensAs(const OdDbObjectId& id, const OdRxClass* cls) {
 
 void removeReactor(const OdDbObjectId& id, const OdDbObjectId& reactor) {
   const OdDbObjectPtr object = id.openObject();
-  if (object.isNull() || !object->hasPersistentReactor(reactor)) return;
-  const VdmOpenUpgrade upgrade(object);
-  object->removePersistentReactor(reactor);
+  if (!object.isNull()) vdmu::detachReactor(*object, reactor);
 }
 
 }  // namespace
@@ -37,6 +35,12 @@ bool hasReactor(OdDbObjectId id, std::initializer_list<OdRxClass*> classes) {
   const OdDbObjectPtr object = id.openObject();
   return std::any_of(classes.begin(), classes.end(),
                      [&object](const OdRxClass* cls) { return hasReactorOfKind(object, cls); });
+}
+
+void detachReactor(const OdDbObject& object, OdDbObjectId reactor) {
+  if (!object.hasPersistentReactor(reactor)) return;
+  const VdmOpenUpgrade upgrade(&object);
+  const_cast<OdDbObject&>(object).removePersistentReactor(reactor);
 }
 
 void detachReactor(const OdArray<OdDbObjectId>& objects, OdDbObjectId reactor,

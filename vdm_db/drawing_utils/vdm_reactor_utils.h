@@ -18,6 +18,8 @@ namespace vdmu {
 /// The same for any class of the list; false when the object cannot be opened.
 [[nodiscard]] VDM_DB_EXPORT bool hasReactor(OdDbObjectId id,
                                             std::initializer_list<OdRxClass*> classes);
+/// Takes the reactor from the persistent reactors of an open object, which is upgraded for that.
+VDM_DB_EXPORT void detachReactor(const OdDbObject& object, OdDbObjectId reactor);
 /// Takes the reactor from the persistent reactors of the objects that have it. With a mapping that
 /// has a clone of the reactor, clones of the objects lose both the reactor and its clone. Objects
 /// that cannot be opened are skipped.

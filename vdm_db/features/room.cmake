@@ -1,5 +1,6 @@
 # Features: carriers and adapters, reactors, managers, names, the interface of the update pass.
 list(APPEND VDM_DB_SOURCES
+  features/vdm_clone_with_features.cpp
   features/vdm_db_feature_data.cpp
   features/vdm_db_feature_manager.cpp
   features/vdm_db_feature_manager_audit.cpp
@@ -26,6 +27,7 @@ list(APPEND VDM_DB_SOURCES
   features/vdm_update_feature_interface_layers.cpp
 )
 list(APPEND VDM_DB_HEADERS
+  features/vdm_clone_with_features.h
   features/vdm_db_feature_data.h
   features/vdm_db_feature_manager.h
   features/vdm_db_feature_manager_transaction.h

@@ -6,6 +6,7 @@
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/drawing_utils/vdm_display_utils.h"
 #include "vdm_db/drawing_utils/vdm_erase_utils.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_feature_colors.h"
 #include "vdm_db/features/vdm_feature_external_pe.h"
@@ -209,6 +210,13 @@ OdDbObjectPtr VdmDbFeatureData::subWblockClone(OdDbIdMapping& mapping, OdDbObjec
     active->onWblockClone(mapping, self, clone, isPrimary);
   }
   return clone;
+}
+
+void VdmDbFeatureData::appendToOwner(OdDbIdPair& pair, OdDbObject* owner, OdDbIdMapping& mapping) {
+  const VdmDbFeatureManagerPtr manager = VdmDbFeatureManager::cast(owner);
+  if (manager.isNull()) return OdDbObject::appendToOwner(pair, owner, mapping);
+  const VdmOpenUpgrade upgrade(manager);
+  manager->onAppendToOwner(this);
 }
 
 // ---- Erasing

@@ -69,6 +69,8 @@ class VDM_DB_EXPORT VdmDbFeatureData : public OdDbObject {
                              bool isPrimary) const override;
   OdDbObjectPtr subWblockClone(OdDbIdMapping& mapping, OdDbObject* owner,
                                bool isPrimary) const override;
+  /// Lists a clone with its manager.
+  void appendToOwner(OdDbIdPair& pair, OdDbObject* owner, OdDbIdMapping& mapping) override;
   /// Erases what the feature owns. 417, the carrier being erased, for one without a feature.
   OdResult subErase(bool erasing) override;
 

@@ -13,6 +13,7 @@
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/model/vdm_block_managers.h"
 
+class VdmDbFeatureData;
 class VdmDbFeatureManagerImpl;
 class VdmDbReverseIdMapping;
 class VdmDependenciesReplacementMap;
@@ -56,6 +57,9 @@ class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject, public VdmFeatureRe
   /// without one the name is taken as it is. Null without a database and for a class that makes no
   /// feature.
   OdDbObjectId createFeatureData(OdRxClass* cls, const OdString& name, bool numberGiven, bool trim);
+  /// Lists the clone of a carrier, which is in the database and has this owner. The
+  /// VdmDbNamingPolicyPE makes its feature's name unique.
+  void onAppendToOwner(VdmDbFeatureData* carrier);
   /// Features that open, in order. The manager stays open while the iterator lives.
   [[nodiscard]] VdmDbIterator<VdmFeature> newFeatureIterator() const;
   /// Ids of the resident features of one of the classes or below one. Opens nothing: what is not

@@ -109,6 +109,15 @@ OdDbObjectPtr VdmDbFeatureManager::subWblockClone(OdDbIdMapping& mapping, OdDbOb
                            [&] { return OdDbObject::subWblockClone(mapping, owner, isPrimary); });
 }
 
+void VdmDbFeatureManager::onAppendToOwner(VdmDbFeatureData* carrier) {
+  if (carrier->adapter() != nullptr) {
+    const VdmFeaturePtr feature = VdmFeature::cast(carrier);
+    feature->setName(finalName(feature->isA(), feature->name(), /*numberGiven=*/false,
+                               /*trim=*/false));
+  }
+  appendFeature(carrier->objectId());
+}
+
 // ---- Variables
 
 OdDbObjectIdArray VdmDbFeatureManager::getVariables(bool withSheetMetal,

@@ -2,6 +2,7 @@
 #include "vdm_db/model/vdm_db_feature_reactor.h"
 
 #include "vdm_db/common/vdm_class_registration.h"
+#include "vdm_db/drawing_utils/vdm_reactor_utils.h"
 #include "vdm_db/model/vdm_block_managers.h"
 
 VDM_DEFINE_DB_CLASS(VdmDbFeatureReactor, OdDbObject, L"VdmDbFeatureReactor", L"VDMDBFEATUREREACTOR",
@@ -64,6 +65,10 @@ OdDbObjectId VdmDbFeatureReactor::blockId() const {
   const OdDbObjectPtr owner = carrier->ownerId().openObject();
   const VdmFeatureRegistry* manager = VdmFeatureRegistry::of(owner.get());
   return manager == nullptr ? OdDbObjectId::kNull : manager->blockId();
+}
+
+void VdmDbFeatureReactor::copied(const OdDbObject* /*object*/, const OdDbObject* clone) {
+  vdmu::detachReactor(*clone, objectId());
 }
 
 OdResult VdmDbFeatureReactor::subErase(bool erasing) {

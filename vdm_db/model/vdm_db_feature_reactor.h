@@ -53,6 +53,8 @@ class VDM_DB_EXPORT VdmDbFeatureReactor : public OdDbObject {
   /// Block of the manager of the feature; null when the carrier or the manager does not open.
   [[nodiscard]] OdDbObjectId blockId() const;
 
+  /// A copy of what the reactor is attached to concerns another feature or none: takes itself off.
+  void copied(const OdDbObject* object, const OdDbObject* clone) override;
   OdResult subErase(bool erasing) override;
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;

@@ -8,6 +8,7 @@
 #include "vdm_db/drawing_utils/vdm_erase_utils.h"
 #include "vdm_db/drawing_utils/vdm_object_id_class.h"
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"
+#include "vdm_db/drawing_utils/vdm_reactor_utils.h"
 #include "vdm_db/model/vdm_block_managers.h"
 #include "vdm_db/model/vdm_db_feature_reactor.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
@@ -198,6 +199,10 @@ void VdmDbObject::modifiedGraphics(const OdDbObject* object) {
   const VdmDbObjectPEPtr host = VdmDbObjectPE::cast(this);
   if (host.isNull() || !host->entityChanged(const_cast<OdDbObject*>(object), objectId())) return;
   if (m_impl->notifies && isWatched()) notifyAboutModifications(/*modified=*/true);
+}
+
+void VdmDbObject::copied(const OdDbObject* /*object*/, const OdDbObject* clone) {
+  vdmu::detachReactor(*clone, objectId());
 }
 
 OdResult VdmDbObject::subErase(bool erasing) {

@@ -114,6 +114,8 @@ class VDM_DB_EXPORT VdmDbObject : public OdDbObject {
   // As a reactor of the entity, and of its own life.
   void erased(const OdDbObject* object, bool erasing) override;
   void modifiedGraphics(const OdDbObject* object) override;
+  /// A copy of the entity has no share in this object, and gets one of its own when it needs one.
+  void copied(const OdDbObject* object, const OdDbObject* clone) override;
   OdResult subErase(bool erasing) override;
 
   void applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) override;

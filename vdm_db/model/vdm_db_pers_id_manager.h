@@ -74,6 +74,8 @@ class VDM_DB_EXPORT VdmDbPersIdManager : public OdDbObject {
   void onAppendToOwner(VdmDbObjectDependency* dependency);
   /// Lists all dependencies with the model objects of their entities.
   void attachDepsToVdmDbObjects() const;
+  /// The same for some of them.
+  void attachToModelObjects(const OdDbObjectIdArray& dependencies) const { attach(dependencies); }
   /// Removes unwatched dependencies, drops ids of objects that do not open, and makes model objects
   /// and dependencies agree.
   void doAudit();

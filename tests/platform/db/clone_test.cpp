@@ -219,6 +219,32 @@ TEST_F(OdDbClonerTest, DeferredTranslationSeesClonesOfLaterCalls) {
             cloneOf(m_mapping, first));
 }
 
+/// Notes what copies refer to when it hears of them.
+class CopyWatch : public OdDbObjectReactor {
+ public:
+  std::vector<OdDbObjectId> seen;
+  void copied(const OdDbObject*, const OdDbObject* clone) override {
+    seen.push_back(static_cast<const CloneNode*>(clone)->references[OdDb::kSoftPointerRef][0]);
+  }
+};
+
+TEST_F(OdDbClonerTest, ReactorsHearOfACopyOnceItIsWhole) {
+  const OdDbObjectId first = addRoot(m_drawing, L"first");
+  const OdDbObjectId second = addRoot(m_drawing, L"second");
+  refer(first, OdDb::kSoftPointerRef, second);
+  CopyWatch watch;
+  node(first)->addReactor(&watch);
+  ASSERT_EQ(deepClone({first}, dictionary(), /*defer=*/true), eOk);
+  EXPECT_TRUE(watch.seen.empty());
+  ASSERT_EQ(deepClone({second}, dictionary()), eOk);
+  EXPECT_EQ(watch.seen, std::vector<OdDbObjectId>{cloneOf(m_mapping, second)});
+  node(addChild(second, L"bad"))->failsToRead = true;
+  m_mapping = OdDbIdMapping::createObject(OdDb::kDcObjects);
+  EXPECT_EQ(deepClone({first, second}, dictionary()), eCorruptData);
+  EXPECT_EQ(watch.seen.size(), 1u) << "a copy that was taken back";
+  node(first)->removeReactor(&watch);
+}
+
 TEST_F(OdDbClonerTest, ReplacingAnEntryByItselfChangesNothing) {
   const OdDbObjectId root = addRoot(m_drawing, L"root");
   const OdDbObjectId child = addChild(root, L"child");
