@@ -1,6 +1,6 @@
 // Measures update passes and persistent references, each figure against a peer in the same run.
 //
-//   vdm_bench_update [--only moves|idle|resolve] [--features N,N,...] [--cuts N,N,...]
+//   vdm_bench_update [--only moves|idle|resolve|wall] [--features N,N,...] [--cuts N,N,...]
 //                    [--rounds N] [--peers 0|1]
 #include <cstdio>
 #include <exception>
@@ -17,8 +17,10 @@ struct TaskRow {
   const char* name;
   std::vector<Figure> (*measure)(const FigureOptions& options);
 };
-constexpr TaskRow kTasks[] = {
-    {"moves", measureMoves}, {"idle", measureIdlePasses}, {"resolve", measureResolving}};
+constexpr TaskRow kTasks[] = {{"moves", measureMoves},
+                              {"idle", measureIdlePasses},
+                              {"resolve", measureResolving},
+                              {"wall", measureWall}};
 
 struct Arguments {
   FigureOptions figures;

@@ -15,6 +15,10 @@ CLI::App* addCommand(CLI::App& parent, CommandRun& line, const char* name, const
                    "file or folder of the module, instead of the one beside the program")
       ->envname("VDM_MODULE_PATH")
       ->type_name("PATH");
+  command
+      ->add_option("--keep-failed", line.settings.keepFailed,
+                   "folder for what a failing operation of the modeller worked on")
+      ->type_name("DIR");
   return command;
 }
 

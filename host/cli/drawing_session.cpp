@@ -5,12 +5,14 @@
 #include <vector>
 
 #include "host/cli/cli_error.h"
+#include "host/cli/failed_inputs.h"
 #include "host/cli/text_output.h"
 #include "platform/base/error.h"
 #include "platform/base/work_note.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "platform/modeler/modeler.h"
 #include "platform/modeler_occt/occt_modeler.h"
+#include "platform/modeler_wall/walled_modeler.h"
 #include "platform/runtime/runtime_init.h"
 #include "platform/rx/dynamic_linker.h"
 #include "platform/storage/sqlite_record_store.h"
@@ -69,8 +71,8 @@ void require(const OdStatus& status, const std::string& path) {
 DrawingSession::DrawingSession(const SessionSettings& settings) : m_settings(settings) {
   oddbInitialize();
   odModelerInitialize();
-  odInstallOcctModeler();
   try {
+    installModeler();
     m_services = std::make_unique<OdDbHostAppServices>(createSqliteStoreFactory());
     if (!m_settings.noModules) loadModules();
   } catch (...) {
@@ -96,6 +98,18 @@ void DrawingSession::stop() {
   odSetModeler(nullptr);
   odModelerUninitialize();
   oddbUninitialize();
+}
+
+// Inputs are kept by the process that handed them to a worker: that one outlives the failure.
+void DrawingSession::installModeler() {
+  odInstallOcctModeler();
+  if (m_settings.keepFailed.empty()) return;
+  m_failedInputs = std::make_unique<FailedInputs>(m_settings.keepFailed);
+  OdWallSettings settings;
+  settings.onFailure = [this](const OdWallFailure& failure) {
+    m_failedInputs->keep(failure, *m_services);
+  };
+  odSetModeler(odCreateWalledModeler(odCreateOcctModeler(), std::move(settings)));
 }
 
 void DrawingSession::loadModules() {

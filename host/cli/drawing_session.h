@@ -10,11 +10,14 @@
 
 namespace cli {
 
+class FailedInputs;
+
 /// What all commands share.
 struct SessionSettings {
   bool json = false;       ///< output for machines
   bool noModules = false;  ///< do not load the modules: their objects are proxies then
   std::string modulePath;  ///< file or folder of the module; empty: beside the program
+  std::string keepFailed;  ///< folder for inputs of failed operations; empty: none are kept
 };
 
 /// Starts the runtime and stops it again. One at a time in a process; it outlives its drawings.
@@ -38,11 +41,13 @@ class DrawingSession {
   int formatVersion(const std::string& path);
 
  private:
+  void installModeler();
   void loadModules();
   void loadModule(const std::string& path);
   void stop();
 
   const SessionSettings& m_settings;
+  std::unique_ptr<FailedInputs> m_failedInputs;  ///< null unless they are kept
   std::unique_ptr<OdDbHostAppServices> m_services;
   std::vector<OdString> m_modules;  ///< in the order of loading
 };

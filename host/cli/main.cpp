@@ -8,7 +8,7 @@
 
 namespace {
 
-int reportDeath(const supervision::Death& death) {
+int reportDeath(const OdWorkDeath& death) {
   const std::string line =
       death.operation.empty() ? death.cause : death.operation + ": " + death.cause;
   cli::printError(line + (death.written ? "; a file was written before" : "; nothing was changed"));

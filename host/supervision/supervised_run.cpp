@@ -16,7 +16,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <new>
 
 namespace supervision {
@@ -40,16 +39,11 @@ OdWorkBoard* makeSharedBoard() {
   return memory == MAP_FAILED ? nullptr : new (memory) OdWorkBoard;
 }
 
-void noteOutOfMemory() {
-  if (OdWorkBoard* board = odWorkBoard()) board->outOfMemory = true;
-  throw std::bad_alloc();
-}
-
 [[noreturn]] void runChild(pid_t parent, OdWorkBoard* board, const std::function<int()>& work) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (getppid() != parent) _exit(EXIT_FAILURE);  // the parent died before that
   odInstallWorkBoard(board);
-  std::set_new_handler(&noteOutOfMemory);
+  std::set_new_handler(&odNoteOutOfMemory);
   std::exit(work());
 }
 
@@ -65,49 +59,10 @@ void dieOf(int signal) {
   std::raise(signal);
 }
 
-struct Meaning {
-  int signal;
-  const char* text;
-};
-
-constexpr Meaning kMeanings[] = {
-    {SIGSEGV, "it crashed (segmentation fault)"},
-    {SIGBUS, "it crashed (bus error)"},
-    {SIGILL, "it crashed (illegal instruction)"},
-    {SIGFPE, "it crashed (arithmetic fault)"},
-    {SIGABRT, "it gave up (abort)"},
-    {SIGKILL, "it was killed"},
-    {SIGXFSZ, "it wrote more than the limit on files allows"},
-};
-
-std::string causeOf(int signal, const OdWorkBoard& board) {
-  if (signal == SIGXCPU)
-    return "it did not end within " + std::to_string(board.seconds) + " s of processor time";
-  const auto* found = std::ranges::find(kMeanings, signal, &Meaning::signal);
-  std::string text =
-      found != std::end(kMeanings) ? found->text : "it ended by signal " + std::to_string(signal);
-  if (board.outOfMemory) text += ", out of memory";
-  return text;
-}
-
-std::string operationOf(const OdWorkBoard& board) {
-  std::string text;
-  for (std::uint32_t i = 0; i < std::min(board.count, OdWorkBoard::kMaxNotes); ++i) {
-    const char* note = board.notes[i];
-    if (i > 0) text += ": ";
-    text.append(note, strnlen(note, OdWorkBoard::kNoteSize));
-  }
-  return text;
-}
-
 }  // namespace
 
-Death describeDeath(int signal, const OdWorkBoard& board) {
-  return {signal, operationOf(board), causeOf(signal, board), board.written};
-}
-
 int runSupervised(const std::function<int()>& work,
-                  const std::function<int(const Death&)>& report) {
+                  const std::function<int(const OdWorkDeath&)>& report) {
   OdWorkBoard* board = makeSharedBoard();
   if (board == nullptr) return work();
   const pid_t parent = getpid();
@@ -121,7 +76,7 @@ int runSupervised(const std::function<int()>& work,
   if (WIFEXITED(status)) return WEXITSTATUS(status);
   const int signal = WTERMSIG(status);
   if (std::ranges::find(kExpectedDeaths, signal) != kExpectedDeaths.end()) dieOf(signal);
-  return report(describeDeath(signal, *board));
+  return report(odDescribeDeath(signal, *board));
 }
 
 }  // namespace supervision

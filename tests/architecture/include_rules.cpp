@@ -23,6 +23,7 @@ constexpr std::string_view kBase = "platform/base", kRx = "platform/rx", kGe = "
                            kEntities = "platform/entities", kCloning = "platform/cloning",
                            kRuntime = "platform/runtime", kStorage = "platform/storage",
                            kGi = "platform/gi", kModeler = "platform/modeler",
+                           kModelerWall = "platform/modeler_wall",
                            kModelerOcct = "platform/modeler_occt";
 
 bool isBelow(std::string_view path, std::string_view folder) {
@@ -199,6 +200,7 @@ std::vector<FolderRule> makeFolderRules() {
       {kRuntime, {kDb, kEntities, kCloning}},
       {kStorage, below},
       {kModeler, {kBase, kRx, kGe, kFiler, kGi, kDb, kEntities}},
+      {kModelerWall, {kBase, kGe, kGi, kModeler}},
       {kModelerOcct, {kBase, kRx, kGe, kFiler, kGi, kDb, kModeler}},
       {"vdm_utils", below},
   };
@@ -224,8 +226,8 @@ std::span<const FolderRule> folderRules() {
 std::span<const ForeignRule> foreignRules() {
   static const std::vector<ForeignRule> rules{
       {"the operating system",
-       {"dlfcn.h", "link.h", "unistd.h", "fcntl.h", "pthread.h", "locale.h", "signal.h", "sys/",
-        "cxxabi.h"},
+       {"dlfcn.h", "link.h", "poll.h", "unistd.h", "fcntl.h", "pthread.h", "locale.h", "signal.h",
+        "sys/", "cxxabi.h"},
        {"platform", "vdm_utils", "host"}},
       {"ICU", {"unicode/"}, {kBase}},
       {"SQLite", {"sqlite3"}, {kStorage}},

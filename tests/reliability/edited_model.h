@@ -8,7 +8,7 @@
 #include "host/modeling/model_editor.h"
 #include "host/naming/reference_query.h"
 #include "platform/db/host_app_services.h"
-#include "tests/host/modeling/failing_modeler.h"
+#include "tests/support/failing_modeler.h"
 #include "tests/host/modeling/modeling_testing.h"
 #include "tests/reliability/model_edit.h"
 #include "tests/reliability/model_play.h"

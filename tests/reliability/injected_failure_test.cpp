@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "tests/host/modeling/failing_modeler.h"
+#include "tests/support/failing_modeler.h"
 #include "tests/host/modeling/modeling_testing.h"
 #include "tests/support/dump_drawing.h"
 

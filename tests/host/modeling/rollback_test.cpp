@@ -1,5 +1,5 @@
 // Failures within a pass: everything is rolled back and reported.
-#include "tests/host/modeling/failing_modeler.h"
+#include "tests/support/failing_modeler.h"
 #include "tests/host/modeling/modeling_testing.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 

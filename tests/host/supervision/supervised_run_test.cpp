@@ -15,15 +15,14 @@
 
 namespace {
 
-using supervision::Death;
 using supervision::runSupervised;
 
 constexpr int kDied = 77;
 
 /// Runs work that is to die, and gives what the supervisor learnt.
-Death deathOf(const std::function<int()>& work) {
-  Death seen;
-  const int code = runSupervised(work, [&seen](const Death& death) {
+OdWorkDeath deathOf(const std::function<int()>& work) {
+  OdWorkDeath seen;
+  const int code = runSupervised(work, [&seen](const OdWorkDeath& death) {
     seen = death;
     return kDied;
   });
@@ -32,7 +31,7 @@ Death deathOf(const std::function<int()>& work) {
 }
 
 int resultOf(const std::function<int()>& work) {
-  return runSupervised(work, [](const Death& death) {
+  return runSupervised(work, [](const OdWorkDeath& death) {
     ADD_FAILURE() << death.operation << ": " << death.cause;
     return kDied;
   });
@@ -57,7 +56,7 @@ TEST(SupervisedRun, TellsWhatAProcessDiedOfAndWhatItWasAt) {
   for (const Row& row :
        {Row{SIGSEGV, "it crashed (segmentation fault)"}, Row{SIGABRT, "it gave up (abort)"},
         Row{SIGKILL, "it was killed"}, Row{SIGUSR1, "it ended by signal 10"}}) {
-    const Death death = deathOf([&row] {
+    const OdWorkDeath death = deathOf([&row] {
       const OdWorkNote outer("reading ", "a.stp");
       { const OdWorkNote closed("something that is done"); }
       const OdWorkNote inner("face #12");
@@ -74,7 +73,7 @@ TEST(SupervisedRun, TellsWhatAProcessDiedOfAndWhatItWasAt) {
 }
 
 TEST(SupervisedRun, EndsALoopAtItsLimitAndSaysWhich) {
-  const Death death = deathOf([] {
+  const OdWorkDeath death = deathOf([] {
     const OdWorkLimit outer({.seconds = 1});
     const OdWorkLimit inner({.seconds = 100});  // allows no more than the outer one
     std::atomic<unsigned> turns = 0;
@@ -122,17 +121,17 @@ TEST(SupervisedRun, KeepsWhatFitsOfManyAndLongNotes) {
     for (int i = 0; i < 200; ++i) text += "\xC3\xA4";
     return text;
   }();
-  const Death death = deathOf([&umlauts] {
+  const OdWorkDeath death = deathOf([&umlauts] {
     const OdWorkNote longNote("x", umlauts);
     std::vector<std::unique_ptr<OdWorkNote>> deep;
-    for (int i = 0; i < 40; ++i) deep.push_back(std::make_unique<OdWorkNote>("n"));
+    for (int i = 0; i < 40; ++i) deep.push_back(std::make_unique<OdWorkNote>(i % 3 == 0 ? "m" : "n"));
     odNoteFileWritten();
     std::raise(SIGKILL);
     return 0;
   });
   EXPECT_TRUE(death.written);
   EXPECT_EQ(death.operation.substr(0, 239), "x" + umlauts.substr(0, 238));
-  EXPECT_EQ(death.operation.substr(239), ": n: n: n: n: n: n: n: n: n: n: n: n: n: n: n");
+  EXPECT_EQ(death.operation.substr(239), ": m: n: m: n: m: n: m: n: m: n");
 }
 
 TEST(SupervisedRun, AChildDoesNotOutliveItsParent) {
@@ -147,7 +146,7 @@ TEST(SupervisedRun, AChildDoesNotOutliveItsParent) {
           for (;;) pause();
           return 0;
         },
-        [](const Death&) { return 0; }));
+        [](const OdWorkDeath&) { return 0; }));
   }
   pid_t child = 0;
   ASSERT_EQ(read(ends[0], &child, sizeof(child)), static_cast<ssize_t>(sizeof(child)));

@@ -62,6 +62,10 @@ class FailingModeler : public OdModeler {
                    OdModelerBodyPtr& r, OdModelerHistory* history) override {
     return m_modeler->chamfer(body, edges, distance, r, history);
   }
+  OdStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
+                       OdModelerBodyPtr& r, OdModelerHistory* history) override {
+    return m_modeler->removeFaces(body, faces, r, history);
+  }
   OdStatus compound(std::span<const OdModelerBodyPtr> bodies, OdModelerBodyPtr& r) override {
     return m_modeler->compound(bodies, r);
   }

@@ -1,0 +1,61 @@
+// The worker process of a wall, and its renewal.
+#pragma once
+
+#include <sys/types.h>
+
+#include <functional>
+#include <span>
+#include <vector>
+
+#include "platform/base/work_death.h"
+
+namespace od_wall {
+
+/// Answers one request; runs in the worker.
+using Answer = std::function<std::vector<char>(std::span<const char>)>;
+/// Makes the answering function of a new worker; runs in the worker.
+using MakeAnswer = std::function<Answer()>;
+
+/// A worker that answers requests one by one, kept warm between them.
+///
+/// Two processes belong to it. The keeper is forked once, when the host has a single thread, and
+/// stays as it was then: it only waits for orders, forks a worker when asked, and tells what the
+/// worker died of. So a new worker is a copy of the host at that time whatever the host's threads
+/// hold by then. Each worker has a channel of its own: what a dying one has half written cannot be
+/// taken for an answer of the next. Both end when the host does, since their channels close.
+class WallWorker {
+ public:
+  /// Raises OdError eModelerError when there are no processes or channels to be had.
+  explicit WallWorker(const MakeAnswer& makeAnswer);
+  ~WallWorker();
+  WallWorker(const WallWorker&) = delete;
+  WallWorker& operator=(const WallWorker&) = delete;
+
+  /// True when the next request would be the first one of its worker.
+  [[nodiscard]] bool isNew() const { return m_channel < 0; }
+
+  struct Reply {
+    bool died = false;
+    bool idle = false;         ///< it had died before it took the request up
+    OdWorkDeath death;         ///< when it died
+    std::vector<char> answer;  ///< when it did not
+  };
+  /// Sends a request and waits for its answer, for `seconds` of the clock at most: a worker that
+  /// takes longer is killed. Starts a worker when there is none.
+  [[nodiscard]] Reply ask(std::span<const char> request, unsigned seconds);
+  /// Ends the worker; the next request gets a new one.
+  void end();
+
+ private:
+  void startWorker();
+  [[nodiscard]] OdWorkDeath buryWorker();
+  [[nodiscard]] bool askOnce(std::span<const char> request, unsigned seconds,
+                             std::vector<char>& answer) const;
+
+  OdWorkBoard* m_board = nullptr;  ///< shared with keeper and worker
+  int m_keeper = -1;               ///< channel to the keeper
+  int m_channel = -1;              ///< channel to the worker; -1 when there is none
+  pid_t m_keeperId = -1;
+};
+
+}  // namespace od_wall
