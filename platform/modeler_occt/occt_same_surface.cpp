@@ -20,7 +20,10 @@ bool isSamePlane(const gp_Pln& a, const gp_Pln& b) {
   return a.Axis().IsParallel(b.Axis(), kAngular) && a.Distance(b.Location()) <= kLinear;
 }
 
-bool isCoaxial(const gp_Ax1& a, const gp_Ax1& b) { return a.IsCoaxial(b, kAngular, kLinear); }
+// The senses may be opposite.
+bool isCoaxial(const gp_Ax1& a, const gp_Ax1& b) {
+  return a.IsCoaxial(b, kAngular, kLinear) || a.Reversed().IsCoaxial(b, kAngular, kLinear);
+}
 
 // The position of a surface of revolution.
 std::optional<gp_Ax3> positionOf(const BRepAdaptor_Surface& surface) {
@@ -51,9 +54,10 @@ bool haveOneSurface(const TopoDS_Face& a, const TopoDS_Face& b) {
       return isSame(s.Cylinder().Radius(), t.Cylinder().Radius()) &&
              isCoaxial(s.Cylinder().Axis(), t.Cylinder().Axis());
     case GeomAbs_Cone:
+      // With opposite axes they would be the two halves of a double cone.
       return std::abs(s.Cone().SemiAngle() - t.Cone().SemiAngle()) <= kAngular &&
              s.Cone().Apex().IsEqual(t.Cone().Apex(), kLinear) &&
-             isCoaxial(s.Cone().Axis(), t.Cone().Axis());
+             s.Cone().Axis().IsCoaxial(t.Cone().Axis(), kAngular, kLinear);
     case GeomAbs_Sphere:
       return isSame(s.Sphere().Radius(), t.Sphere().Radius()) &&
              s.Sphere().Location().IsEqual(t.Sphere().Location(), kLinear);

@@ -9,9 +9,16 @@
 //   - in a tool, such edges too, but only those that are connected with kept edges of the base. A
 //     piece that was cut out and is put back continues the border of the part; a tool of its own
 //     does not add borders to the part.
-// All other borders go: first those of curved faces (occt_join_curved.h), then, by the modeller's
-// own unification, those of planes and of edges. The history of each step is merged into that of
-// the boolean, so that one lookup leads from an input to the outcome.
+// All other borders go: first those of surfaces of revolution (occt_join_curved.h), then, by the
+// modeller's own unification, those of planes, of free-form surfaces and of edges. The history of
+// each step is merged into that of the boolean, so that one lookup leads from an input to the
+// outcome.
+//
+// The unification is given little to decide. By its own measure of one surface, which is wider than
+// ours, it joins faces that lay side by side in the part, and while it does so it writes new traces
+// into edges. Those are edges of the part, and of every body that shares them: one cut would damage
+// the bodies before it. So all edges are kept that do not lie between two faces of one plane or of
+// one free-form surface (leaveToUnification), and around free-form faces it works on copies.
 //
 // Following the borders of a tool takes passes over the edges that are still open, until a pass
 // connects none; each pass but the last takes one away, so it ends. Tools have few such edges.
@@ -19,13 +26,18 @@
 
 #include <BRepAdaptor_Surface.hxx>
 #include <BRepAlgoAPI_BooleanOperation.hxx>
+#include <BRepTools_ReShape.hxx>
+#include <BRep_Builder.hxx>
 #include <BRep_Tool.hxx>
 #include <Precision.hxx>
 #include <ShapeUpgrade_UnifySameDomain.hxx>
 #include <TopExp.hxx>
+#include <TopExp_Explorer.hxx>
 #include <TopTools_IndexedDataMapOfShapeListOfShape.hxx>
 #include <TopoDS.hxx>
+#include <TopoDS_Iterator.hxx>
 #include <TopoDS_Vertex.hxx>
+#include <vector>
 
 #include "platform/modeler_occt/occt_body.h"
 #include "platform/modeler_occt/occt_join_curved.h"
@@ -142,7 +154,61 @@ class Borders {
   TopTools_MapOfShape m_ends;  // of the edges that are kept
 };
 
+enum class Sort { kPlane, kTurned, kFreeForm };
+
+Sort sortOf(const TopoDS_Face& face) {
+  const GeomAbs_SurfaceType type = BRepAdaptor_Surface(face, Standard_False).GetType();
+  if (type == GeomAbs_Plane) return Sort::kPlane;
+  return type <= GeomAbs_Torus ? Sort::kTurned : Sort::kFreeForm;
+}
+
+/// Keeps every edge but those whose faces the unification may join. Gives the free-form faces among
+/// these.
+TopTools_IndexedMapOfShape leaveToUnification(Simplified& outcome) {
+  TopTools_IndexedDataMapOfShapeListOfShape facesOfEdge;
+  TopExp::MapShapesAndAncestors(outcome.shape, TopAbs_EDGE, TopAbs_FACE, facesOfEdge);
+  TopTools_IndexedMapOfShape freeForms;
+  for (int i = 1; i <= facesOfEdge.Extent(); ++i) {
+    const TopoDS_Shape& edge = facesOfEdge.FindKey(i);
+    const TopTools_ListOfShape& faces = facesOfEdge(i);
+    if (outcome.kept.Contains(edge)) continue;
+    const TopoDS_Face& a = TopoDS::Face(faces.First());
+    const TopoDS_Face& b = TopoDS::Face(faces.Last());
+    const Sort sort = sortOf(a);
+    if (faces.Extent() != 2 || sort == Sort::kTurned || !haveOneSurface(a, b)) {
+      outcome.kept.Add(edge);
+    } else if (sort == Sort::kFreeForm) {
+      freeForms.Add(a);
+      freeForms.Add(b);
+    }
+  }
+  return freeForms;
+}
+
+// An edge of its own with the same curve, traces and vertices.
+TopoDS_Shape copyOf(const TopoDS_Shape& edge) {
+  TopoDS_Shape copy = edge.EmptyCopied();
+  BRep_Builder builder;
+  for (TopoDS_Iterator it(edge); it.More(); it.Next()) builder.Add(copy, it.Value());
+  copy.Closed(edge.Closed());
+  return copy;
+}
+
+void copyEdgesOf(const TopTools_IndexedMapOfShape& faces, Simplified& outcome) {
+  if (faces.IsEmpty()) return;
+  const Handle(BRepTools_ReShape) changes = new BRepTools_ReShape;
+  for (int i = 1; i <= faces.Extent(); ++i) {
+    for (TopExp_Explorer it(faces(i), TopAbs_EDGE); it.More(); it.Next()) {
+      const TopoDS_Shape edge = it.Current().Oriented(TopAbs_FORWARD);
+      if (!changes->IsRecorded(edge)) changes->Replace(edge, copyOf(edge));
+    }
+  }
+  const TopoDS_Shape copied = changes->Apply(outcome.shape);  // completes the history
+  outcome.advance(copied, changes->History());
+}
+
 void unify(Simplified& outcome, bool unifyEdges) {
+  copyEdgesOf(leaveToUnification(outcome), outcome);
   ShapeUpgrade_UnifySameDomain unifier(outcome.shape, unifyEdges, /*UnifyFaces=*/Standard_True,
                                        /*ConcatBSplines=*/Standard_True);
   unifier.SetLinearTolerance(kLinear);

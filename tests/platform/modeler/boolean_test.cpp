@@ -50,6 +50,31 @@ TEST_F(OdModelerBoolean, VolumesFollowSetArithmeticAndInputsAreNotTouched) {
   EXPECT_EQ(bytesNow(b), before[1]);
 }
 
+// A ring in an upper and a lower half, as exchange files have them, whose axes are opposite.
+TEST_F(OdModelerBoolean, ACutElsewhereLeavesThePartAndItsOtherFacesAsTheyAre) {
+  OdModelerProfile halfDisc;
+  halfDisc.plane = OdGePlane(OdGePoint3d(), OdGeVector3d::kXAxis, OdGeVector3d::kZAxis);
+  halfDisc.outer = {{{17.0, 0.0}, 0.0}, {{23.0, 0.0}, 1.0}};
+  constexpr double kAngle = 4.2;
+  const OdModelerBodyPtr upper = made(
+      [&](auto& r) { return odModeler().revolve(halfDisc, {}, OdGeVector3d::kZAxis, kAngle, r); });
+  const OdModelerBodyPtr lower =
+      moved(upper, OdGeMatrix3d::rotation(kAngle, OdGeVector3d::kZAxis) *
+                       OdGeMatrix3d::rotation(std::numbers::pi, OdGeVector3d::kXAxis));
+  const OdModelerBodyPtr block = box(10.0, 20.0, 10.0, {15.0, -10.0, -5.0});
+  // As read from a file, where nothing is known of how it was made.
+  const OdModelerBodyPtr part = bodyOf(bytesOf(combine(Kind::kUnite, upper, {lower, block})));
+  const OdBinaryData before = bytesNow(part);
+  const OdModelerBodyPtr tool = box(2.0, 2.0, 2.0, {24.0, -9.0, 4.0});
+  const OdModelerBodyPtr piece = combine(Kind::kIntersect, part, {tool});
+  const OdModelerBodyPtr cut = combine(Kind::kSubtract, part, {tool});
+  const OdModelerBodyPtr healed = combine(Kind::kUnite, cut, {piece});
+  for (const OdModelerBodyPtr& body : {part, cut, healed}) EXPECT_TRUE(succeeded(body->check()));
+  EXPECT_EQ(bytesNow(part), before);
+  EXPECT_EQ(cut->numFaces(), part->numFaces() + 4);
+  EXPECT_EQ(healed->numFaces(), part->numFaces());
+}
+
 TEST_F(OdModelerBoolean, WhatAnIntersectionLeavesServesItsOwnSubtractionOnly) {
   const OdModelerBodyPtr a = box(10.0, 10.0, 10.0);
   const OdModelerBodyPtr b = box(10.0, 10.0, 5.0, {5.0, 5.0, 5.0});
