@@ -9,7 +9,7 @@ namespace {
 
 class LabelMethod final : public NamingMethod {
  public:
-  const char* name() const override { return "labels"; }
+  [[nodiscard]] const char* name() const override { return "labels"; }
   void begin(const OdModelerBodyPtr& body, std::span<const OdModelerSubent> references) override {
     m_naming = std::make_unique<LabelNaming>();
     m_naming->begin(body);

@@ -8,8 +8,8 @@ namespace {
 
 class ReferenceMethod final : public NamingMethod {
  public:
-  const char* name() const override { return "references"; }
-  bool namesAllParts() const override { return true; }
+  [[nodiscard]] const char* name() const override { return "references"; }
+  [[nodiscard]] bool namesAllParts() const override { return true; }
   void begin(const OdModelerBodyPtr& body, std::span<const OdModelerSubent> references) override {
     m_drawing = std::make_unique<ReferenceDrawing>(body, references);
     m_count = references.size();

@@ -50,7 +50,7 @@ bool facesAway(const Signature& a, const Signature& b) {
 
 class SignatureMethod final : public NamingMethod {
  public:
-  const char* name() const override { return "signature"; }
+  [[nodiscard]] const char* name() const override { return "signature"; }
   void begin(const OdModelerBodyPtr& body, std::span<const OdModelerSubent> references) override {
     m_body = body;
     m_references.assign(references.begin(), references.end());

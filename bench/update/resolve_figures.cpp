@@ -81,12 +81,12 @@ class CutPlate {
     return cost;
   }
 
-  std::size_t holes() const { return m_holes; }
+  [[nodiscard]] std::size_t holes() const { return m_holes; }
   /// References that the last cut found there.
-  std::size_t settled() const { return m_settled; }
-  std::size_t references() const { return m_count; }
+  [[nodiscard]] std::size_t settled() const { return m_settled; }
+  [[nodiscard]] std::size_t references() const { return m_count; }
 
-  double resolveOurs() const {
+  [[nodiscard]] double resolveOurs() const {
     const OdDbObjectIdArray all = m_drawing->dependencies();
     return workOf([&] {
       for (const vdm_host::ResolvedReference& now :

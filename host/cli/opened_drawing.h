@@ -37,8 +37,8 @@ void requireModules(const SessionSettings& settings);
 
 /// Does the work and shows a sign of life while it takes long; see Progress.
 template <class Work>
-decltype(auto) withProgress(std::string what, const Work& work) {
-  const Progress progress(std::move(what));
+decltype(auto) withProgress(const std::string& what, const Work& work) {
+  const Progress progress(what);
   return work();
 }
 

@@ -123,9 +123,9 @@ std::string wrapped(std::string_view text, std::string_view indent, std::size_t 
 
 TextTable::TextTable(std::vector<std::pair<std::string, Align>> header, std::string indent)
     : m_indent(std::move(indent)) {
-  for (auto& [name, align] : header) {
-    m_header.push_back(std::move(name));
-    m_aligns.push_back(align);
+  for (std::pair<std::string, Align>& column : header) {
+    m_header.push_back(std::move(column.first));
+    m_aligns.push_back(column.second);
   }
 }
 

@@ -114,14 +114,14 @@ class MotionSearch {
   }
 
  private:
-  bool isLaid(const SubentSignature& face) const {
+  [[nodiscard]] bool isLaid(const SubentSignature& face) const {
     bool laid = false;
     m_grid.within(face.place, std::max(face.reach() / 2.0, m_tolerance.length),
                   [&](OdUInt32 i) { laid = laid || liesOnSame(face, m_now[i], m_tolerance); });
     return laid;
   }
 
-  OdUInt32 count(const OdGeMatrix3d& motion, Signatures faces) const {
+  [[nodiscard]] OdUInt32 count(const OdGeMatrix3d& motion, Signatures faces) const {
     return static_cast<OdUInt32>(std::ranges::count_if(
         faces, [&](const SubentSignature& face) { return isLaid(face.movedBy(motion)); }));
   }
@@ -178,7 +178,7 @@ class MotionSearch {
   };
 
   // The most telling first: those with the fewest candidates.
-  std::vector<Seed> rankedSeeds() const {
+  [[nodiscard]] std::vector<Seed> rankedSeeds() const {
     std::unordered_map<OdUInt32, std::vector<OdUInt32>> byShape;
     for (OdUInt32 i = 0; i < m_now.size(); ++i) byShape[m_now[i].shapeHash()].push_back(i);
     std::vector<Seed> seeds;
@@ -194,7 +194,9 @@ class MotionSearch {
     return seeds;
   }
 
-  const OdGePoint3d& oldPlace(const Seed& seed) const { return m_before[seed.face].place; }
+  [[nodiscard]] const OdGePoint3d& oldPlace(const Seed& seed) const {
+    return m_before[seed.face].place;
+  }
 
   static double distanceFromLine(const OdGePoint3d& a, const OdGePoint3d& b,
                                  const OdGePoint3d& point) {
@@ -202,7 +204,8 @@ class MotionSearch {
     return along.crossProduct(point - a).length() / along.length();
   }
 
-  bool sameDistance(OdUInt32 oldA, OdUInt32 oldB, OdUInt32 nowA, OdUInt32 nowB) const {
+  [[nodiscard]] bool sameDistance(OdUInt32 oldA, OdUInt32 oldB, OdUInt32 nowA,
+                                  OdUInt32 nowB) const {
     const double before = m_before[oldA].place.distanceTo(m_before[oldB].place);
     const double now = m_now[nowA].place.distanceTo(m_now[nowB].place);
     return std::abs(before - now) <= std::max(m_tolerance.length, 1e-5 * before);
@@ -278,7 +281,7 @@ class MotionSearch {
   // ---- Choice
 
   // Faces at even steps, for a first look at a motion.
-  std::vector<SubentSignature> sample() const {
+  [[nodiscard]] std::vector<SubentSignature> sample() const {
     const std::size_t step = std::max<std::size_t>(1, m_before.size() / kSampleSize);
     std::vector<SubentSignature> faces;
     for (std::size_t i = 0; i < m_before.size(); i += step) faces.push_back(m_before[i]);
@@ -286,7 +289,7 @@ class MotionSearch {
   }
 
   // How far the face that moves farthest does.
-  double displacement(const OdGeMatrix3d& motion) const {
+  [[nodiscard]] double displacement(const OdGeMatrix3d& motion) const {
     double farthest = 0.0;
     for (const SubentSignature& face : m_before) {
       farthest = std::max(farthest, face.place.distanceTo(motion * face.place));
@@ -294,7 +297,7 @@ class MotionSearch {
     return farthest;
   }
 
-  std::vector<BodyMotion> choose(const BodyMotion& none) const {
+  [[nodiscard]] std::vector<BodyMotion> choose(const BodyMotion& none) const {
     const std::vector<SubentSignature> few = sample();
     std::vector<BodyMotion> better;
     OdUInt32 best = none.laid;
@@ -315,7 +318,7 @@ class MotionSearch {
     return better;
   }
 
-  bool isSmall(const BodyMotion& motion) const {
+  [[nodiscard]] bool isSmall(const BodyMotion& motion) const {
     return displacement(motion.matrix) < kSmallMotion * m_tolerance.size;
   }
 

@@ -76,7 +76,7 @@ SolidStamp SolidStamp::read(const OdDbObjectId& solid) {
   return stamp;
 }
 
-bool SolidStamp::write(const OdDbObjectId& solid) const {
+void SolidStamp::write(const OdDbObjectId& solid) const {
   const OdBinaryData data = stampBytes(*this);
   OdDbXrecordPtr record = stampRecord(solid, OdDb::kForRead);
   if (record.isNull()) {
@@ -84,14 +84,14 @@ bool SolidStamp::write(const OdDbObjectId& solid) const {
   } else {
     const OdResBufPtr present = record->rbChain();
     if (!present.isNull() && present->restype() == kCode && present->getBinaryChunk() == data) {
-      return true;
+      return;
     }
     record->upgradeOpen();
   }
-  if (record.isNull()) return false;
+  if (record.isNull()) return;
   const OdResBufPtr chain = OdResBuf::newRb(kCode);
   chain->setBinaryChunk(data);
-  return record->setFromRbChain(chain) == eOk;
+  (void)record->setFromRbChain(chain);
 }
 
 }  // namespace vdm_host

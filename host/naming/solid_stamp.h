@@ -16,9 +16,9 @@ struct SolidStamp {
 
   /// A default one when the solid has none.
   [[nodiscard]] static SolidStamp read(const OdDbObjectId& solid);
-  /// Writes nothing that is there already. False, with nothing written, for a null id and for a
-  /// solid that cannot be opened for write.
-  bool write(const OdDbObjectId& solid) const;
+  /// Writes nothing that is there already, nor for a null id or a solid that cannot be opened for
+  /// write.
+  void write(const OdDbObjectId& solid) const;
 };
 
 }  // namespace vdm_host

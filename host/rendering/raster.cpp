@@ -26,7 +26,8 @@ constexpr double kSameSurface = 3.0;  // gaps within one surface count from this
 
 std::uint8_t lit(std::uint8_t component, double diffuse, double specular) {
   const double value = component * diffuse + 255.0 * specular;
-  return static_cast<std::uint8_t>(std::clamp(value, 0.0, 255.0) + 0.5);
+  constexpr double kHalf = 0.5;  // to the nearest
+  return static_cast<std::uint8_t>(std::clamp(value, 0.0, 255.0) + kHalf);
 }
 
 RenderColor lit(const RenderColor& color, double diffuse, double specular) {

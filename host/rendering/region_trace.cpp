@@ -198,7 +198,7 @@ class Tracer {
     }
   }
 
-  bool isBorder(const Corner& at, int direction, Label label) const {
+  [[nodiscard]] bool isBorder(const Corner& at, int direction, Label label) const {
     const Sides sides = sidesOf(at, direction);
     return m_map.at(sides.own.x, sides.own.y) == label &&
            m_map.at(sides.other.x, sides.other.y) != label;
@@ -263,7 +263,7 @@ class Tracer {
   }
 
   // Junctions; without two of them the first corner in reading order and the one farthest from it.
-  std::vector<std::size_t> cutsOf(const std::vector<Corner>& loop) const {
+  [[nodiscard]] std::vector<std::size_t> cutsOf(const std::vector<Corner>& loop) const {
     std::vector<std::size_t> cuts;
     for (std::size_t i = 0; i < loop.size(); ++i) {
       if (m_map.isJunction(loop[i])) cuts.push_back(i);

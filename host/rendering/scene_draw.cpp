@@ -85,13 +85,13 @@ class SceneTraits : public OdGiSubEntityTraits {
   void setMaterial(const OdDbObjectId& material) override { m_values.material = material; }
   void setFillType(OdGiFillType type) override { m_values.fill = type; }
   void setSelectionMarker(OdGsMarker marker) override { m_values.marker = marker; }
-  OdCmEntityColor trueColor() const override { return m_values.color; }
-  OdDbObjectId layer() const override { return m_values.layer; }
-  OdDbObjectId lineType() const override { return m_values.lineType; }
-  OdInt16 lineWeight() const override { return m_values.lineWeight; }
-  OdDbObjectId material() const override { return m_values.material; }
-  OdGiFillType fillType() const override { return m_values.fill; }
-  OdGsMarker selectionMarker() const override { return m_values.marker; }
+  [[nodiscard]] OdCmEntityColor trueColor() const override { return m_values.color; }
+  [[nodiscard]] OdDbObjectId layer() const override { return m_values.layer; }
+  [[nodiscard]] OdDbObjectId lineType() const override { return m_values.lineType; }
+  [[nodiscard]] OdInt16 lineWeight() const override { return m_values.lineWeight; }
+  [[nodiscard]] OdDbObjectId material() const override { return m_values.material; }
+  [[nodiscard]] OdGiFillType fillType() const override { return m_values.fill; }
+  [[nodiscard]] OdGsMarker selectionMarker() const override { return m_values.marker; }
 
   [[nodiscard]] const Values& values() const { return m_values; }
   void setValues(const Values& values) { m_values = values; }

@@ -105,7 +105,7 @@ class HashIdMappingIter : public OdDbIdMappingIter {
     m_at = 0;
     skipHoles();
   }
-  bool done() const override { return m_at >= m_mapping->pairs().size(); }
+  [[nodiscard]] bool done() const override { return m_at >= m_mapping->pairs().size(); }
   void next() override {
     if (done()) return;
     ++m_at;

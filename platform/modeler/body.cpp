@@ -40,7 +40,7 @@ std::size_t OdModelerBody::displayMeshSize() const {
              face.triangles.size() * sizeof(face.triangles[0]);
   }
   for (const auto& edge : m_displayMesh->edges) {
-    bytes += sizeof(edge) + edge.size() * sizeof(OdGePoint3d);
+    bytes += sizeof(m_displayMesh->edges[0]) + edge.size() * sizeof(OdGePoint3d);
   }
   return bytes;
 }

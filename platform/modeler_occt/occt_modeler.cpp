@@ -13,7 +13,9 @@ namespace {
 
 class Modeler final : public OdModeler {
  public:
-  OdString name() const override { return OdString(L"Open CASCADE " OCC_VERSION_COMPLETE); }
+  [[nodiscard]] OdString name() const override {
+    return OdString(L"Open CASCADE " OCC_VERSION_COMPLETE);
+  }
 
   OdStatus box(double dx, double dy, double dz, OdModelerBodyPtr& result) override {
     return makeBox(dx, dy, dz, result);

@@ -47,6 +47,7 @@
 #include <numbers>
 #include <optional>
 #include <ranges>
+#include <span>
 #include <utility>
 
 #include "platform/modeler_occt/occt_same_surface.h"
@@ -476,10 +477,11 @@ bool rebuildFace(const FaceGroup& group, RebuiltFace& result) {
   const FaceBuilder known(group, first, 0.0, Passing::kRefused);
   const std::vector<AngleSpan> spans = known.spans();
   if (const auto angle = freeAngle(spans)) return works(first, *angle, Passing::kRefused);
+  const auto widest = std::span(spans).first(std::min<std::size_t>(kMostTurns, spans.size()));
   return std::any_of(faces.begin(), firstOther, worksDivided) ||
          std::ranges::any_of(known.anchors(), worksTurned) ||
          std::any_of(firstOther, faces.end(), worksDivided) ||
-         std::ranges::any_of(spans | std::views::take(kMostTurns), worksTurned, &AngleSpan::low);
+         std::ranges::any_of(widest, worksTurned, &AngleSpan::low);
 }
 
 }  // namespace od_occt

@@ -136,7 +136,7 @@ class Borders {
     }
   }
 
-  const TopTools_MapOfShape& kept() const { return m_kept; }
+  [[nodiscard]] const TopTools_MapOfShape& kept() const { return m_kept; }
 
  private:
   void keepEdge(const TopoDS_Shape& edge) {
@@ -144,7 +144,7 @@ class Borders {
     m_ends.Add(TopExp::FirstVertex(TopoDS::Edge(edge)));
     m_ends.Add(TopExp::LastVertex(TopoDS::Edge(edge)));
   }
-  bool continuesKept(const TopoDS_Shape& edge) const {
+  [[nodiscard]] bool continuesKept(const TopoDS_Shape& edge) const {
     return m_ends.Contains(TopExp::FirstVertex(TopoDS::Edge(edge))) ||
            m_ends.Contains(TopExp::LastVertex(TopoDS::Edge(edge)));
   }

@@ -33,7 +33,9 @@ class Frame {
       : m_origin(plane.origin()),
         m_x(plane.uAxis().normal()),
         m_y(plane.normal().crossProduct(m_x)) {}
-  gp_Pnt at(const OdGePoint2d& p) const { return toOcct(m_origin + m_x * p.x + m_y * p.y); }
+  [[nodiscard]] gp_Pnt at(const OdGePoint2d& p) const {
+    return toOcct(m_origin + m_x * p.x + m_y * p.y);
+  }
 
  private:
   OdGePoint3d m_origin;

@@ -98,7 +98,7 @@ class PartStyles {
     }
   }
 
-  OdModelerBodyAttributes attributesOf(const TopoDS_Shape& body) const {
+  [[nodiscard]] OdModelerBodyAttributes attributesOf(const TopoDS_Shape& body) const {
     OdModelerBodyAttributes result;
     result.color = m_color;
     result.name = m_names.of(body);
@@ -119,7 +119,7 @@ class PartStyles {
   }
 
  private:
-  const OdModelerColor* find(const TopoDS_Shape& shape) const {
+  [[nodiscard]] const OdModelerColor* find(const TopoDS_Shape& shape) const {
     const int* row = m_rows.Seek(shape);
     return row == nullptr ? nullptr : &m_colors[static_cast<std::size_t>(*row)];
   }

@@ -35,7 +35,7 @@ class ArtificialTree {
     fs::create_directories((m_root / path).parent_path());
     std::ofstream(m_root / path) << text;
   }
-  std::vector<std::string> check() const { return architecture::checkTree(m_root); }
+  [[nodiscard]] std::vector<std::string> check() const { return architecture::checkTree(m_root); }
 
  private:
   fs::path m_root;

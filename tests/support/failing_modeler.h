@@ -19,7 +19,7 @@ class FailingModeler : public OdModeler {
   }
   [[nodiscard]] int count() const { return m_count; }
 
-  OdString name() const override { return m_modeler->name(); }
+  [[nodiscard]] OdString name() const override { return m_modeler->name(); }
   OdStatus box(double x, double y, double z, OdModelerBodyPtr& r) override {
     return m_modeler->box(x, y, z, r);
   }

@@ -59,7 +59,7 @@ class VdmDbIterator final : public VdmDbIteratorBase {
   /// Null when the walk is done or the object does not open in that mode.
   [[nodiscard]] OdSmartPtr<T> object(OdDb::OpenMode mode = OdDb::kForRead) const {
     if (done()) return OdSmartPtr<T>();
-    return objectId().openAs<T>(mode);
+    return objectId().template openAs<T>(mode);
   }
 
  protected:

@@ -46,7 +46,7 @@ class Shell {
   explicit Shell(std::filesystem::path folder);
 
   [[nodiscard]] const std::filesystem::path& folder() const { return m_folder; }
-  Outcome run(const std::string& command) const;
+  [[nodiscard]] Outcome run(const std::string& command) const;
   /// Contents of every file below the folder, by path.
   [[nodiscard]] std::map<std::string, std::string> files() const;
 

@@ -18,9 +18,9 @@ class VdmRespawnMatcher : public NamingTest {
     return combine(BooleanKind::kIntersect, plate(), {tool});
   }
   /// What the face of a tool at `toolPoint` left at `oldPoint` and leaves in `now`.
-  FaceRespawn row(OdUInt64 feature, const OdModelerBodyPtr& tool, const OdGePoint3d& toolPoint,
-                  const OdModelerBodyPtr& before, const OdGePoint3d& oldPoint,
-                  const OdModelerBodyPtr& now) const {
+  [[nodiscard]] FaceRespawn row(OdUInt64 feature, const OdModelerBodyPtr& tool,
+                                const OdGePoint3d& toolPoint, const OdModelerBodyPtr& before,
+                                const OdGePoint3d& oldPoint, const OdModelerBodyPtr& now) const {
     FaceRespawn result;
     result.feature = feature;
     result.toolFace = faceAt(*tool, toolPoint);
@@ -28,8 +28,9 @@ class VdmRespawnMatcher : public NamingTest {
     result.newFaces = BodyLineage(m_changes).facesFrom(tool, result.toolFace, now);
     return result;
   }
-  SubentMatch matchOf(const std::vector<FaceRespawn>& rows, const OdModelerBodyPtr& before,
-                      const OdModelerBodyPtr& now, OdModelerSubent subent) const {
+  [[nodiscard]] SubentMatch matchOf(const std::vector<FaceRespawn>& rows,
+                                    const OdModelerBodyPtr& before, const OdModelerBodyPtr& now,
+                                    OdModelerSubent subent) const {
     const BodyLineage lineage(m_changes);
     const std::optional<BodyTrace> trace = lineage.trace(before, now);
     LineageMatcher byLineage(before, now, *trace);

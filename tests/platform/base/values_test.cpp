@@ -68,7 +68,7 @@ TEST(OdSharedPtr, MayBeReplacedByWhatItOwns) {
   EXPECT_EQ(deletions, 1);
   EXPECT_EQ(head.refCount(), 1);
   OdSharedPtr<Base> moved(std::move(head));
-  EXPECT_TRUE(head.isNull());
+  EXPECT_TRUE(head.isNull());  // NOLINT(bugprone-use-after-move): what is tested
   EXPECT_EQ(moved.refCount(), 1);
   moved = nullptr;
   EXPECT_EQ(deletions, 2);

@@ -47,7 +47,7 @@ TEST_F(OdDbObjectOpen, WhatCannotBeOpenedIsNullOrRaises) {
   const std::vector<std::pair<OdDbObjectId, OdResult>> refused = {
       {OdDbObjectId::kNull, eNullObjectId}, {erased, eWasErased}, {nobody, eUnknownHandle}};
   for (const auto& [id, code] : refused) {
-    EXPECT_EQ(raisedBy([&] { (void)id.safeOpenObject(); }), code);
+    EXPECT_EQ(raisedBy([&id = id] { (void)id.safeOpenObject(); }), code);
   }
 }
 

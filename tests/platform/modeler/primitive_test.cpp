@@ -94,10 +94,10 @@ TEST_F(OdModelerPrimitives, RefusedOperationsNameTheReasonAndLeaveResultAndHisto
   history.inputs.resize(7);
   using Bodies = std::vector<OdModelerBodyPtr>;
   using Edges = std::vector<OdUInt32>;
-  const auto boolean = [&](Kind kind, OdModelerBodyPtr base, Bodies tools) {
+  const auto boolean = [&](Kind kind, const OdModelerBodyPtr& base, const Bodies& tools) {
     return [&, kind, base, tools](auto& r) { return m.boolean(kind, base, tools, r, &history); };
   };
-  const auto fillet = [&](OdModelerBodyPtr body, Edges edges, double size) {
+  const auto fillet = [&](const OdModelerBodyPtr& body, const Edges& edges, double size) {
     return [&, body, edges, size](auto& r) {
       OdModelerBodyPtr other = r;
       EXPECT_FALSE(m.chamfer(body, edges, size, other, &history).ok());
