@@ -3,6 +3,7 @@
 
 #include "host/cli/drawing_facts.h"
 #include "host/cli/find_object.h"
+#include "host/cli/new_name.h"
 #include "host/cli/opened_drawing.h"
 #include "host/cli/report.h"
 #include "platform/base/error.h"
@@ -51,6 +52,7 @@ OdDbObjectId blockNamed(const OdDbDatabase& drawing, const OdString& name) {
 
 void checkName(const OdDbDatabase& target, const std::string& name) {
   if (name.empty()) return;
+  requireName(name);
   const OdString text(name);
   if (!odDbIsValidRecordName(text) || name.front() == '*') {
     throw CliError("name " + quote(name) + " is no name for a block", kWrongUsage);

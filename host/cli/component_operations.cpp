@@ -5,6 +5,7 @@
 
 #include "host/cli/cli_error.h"
 #include "host/cli/model_lookup.h"
+#include "host/cli/new_name.h"
 #include "host/cli/operation.h"
 #include "host/cli/text_lines.h"
 #include "host/modeling/component_library.h"
@@ -98,6 +99,7 @@ StepResult addComponent(Editing& editing, const Arguments& arguments) {
   const std::string kind = arguments.text("kind");
   const std::string name = arguments.text("name");
   checkComponent(kindNamed(kind), arguments);
+  requireName(name);
   if (!odDbIsValidRecordName(OdString(name)) || name.front() == '*') {
     throw CliError("name " + quote(name) + " is no name for a block", kWrongUsage);
   }
@@ -176,14 +178,7 @@ StepResult insertComponent(Editing& editing, const Arguments& arguments) {
   const OdDbObjectId block = findComponentBlock(editing.drawing, component);
   const vdm_host::ComponentPlacement placement = placementOf(editing, arguments);
   if (const std::string name = arguments.text("name"); !name.empty()) {
-    OdDbHandle handle;
-    if (OdDbHandle::parse(name.c_str(), handle)) {
-      throw CliError("name " + quote(name) + " reads as a handle, choose another one", kWrongUsage);
-    }
-    if (!featuresNamed(editing.drawing, name).empty()) {
-      throw CliError("name " + quote(name) + " is taken by " +
-                     objectText(featuresNamed(editing.drawing, name).front()));
-    }
+    requireFreeName(editing.drawing, name);
   }
   vdm_host::EditResult result = editing.editor.insertComponent(block, placement);
   requireEdited(result);
@@ -203,7 +198,7 @@ StepResult insertComponent(Editing& editing, const Arguments& arguments) {
 constexpr Parameter kAddParameters[] = {
     {"name", Kind::kText, true, true, "name of the component, which is that of its block"},
     {"kind", Kind::kText, true, true, "hole, counterbore, slot, boss, block or step"},
-    {"source", Kind::kText, true, false, "STEP file"},
+    {"source", Kind::kFile, true, false, "STEP file"},
     {"diameter", Kind::kNumber, false, false, "of hole or boss"},
     {"depth", Kind::kNumber, false, false, "of hole, counterbore or slot, from the face"},
     {"through", Kind::kFlag, false, false, "through everything below, which is the default"},

@@ -9,6 +9,7 @@
 #include <set>
 
 #include "host/cli/cli_error.h"
+#include "host/cli/new_name.h"
 #include "host/cli/paths.h"
 #include "host/cli/text_output.h"
 
@@ -40,6 +41,7 @@ std::string shown(const Json& value) {
 const char* wantedText(ParameterKind kind) {
   switch (kind) {
     case ParameterKind::kText:
+    case ParameterKind::kFile:
       return "a text";
     case ParameterKind::kNumber:
       return "a number";
@@ -85,6 +87,7 @@ bool addValue(const Parameter& parameter, const Json& value, Arguments& argument
       }
       return true;
     case ParameterKind::kText:
+    case ParameterKind::kFile:
       break;
   }
   if (!value.is_string()) return false;
@@ -159,20 +162,48 @@ ScriptStep readStep(const Json& json, std::size_t number, std::set<std::string>&
   return step;
 }
 
-/// A key that comes twice would silently lose the first value.
-class KeyCheck {
+/// Looks at a script before it is read: a key that comes twice would silently lose its first value,
+/// and depth costs a reader's stack. Linear in the length of the text.
+class ScriptCheck : public nlohmann::json_sax<Json> {
  public:
-  bool operator()(int /*depth*/, Json::parse_event_t event, Json& parsed) {
-    if (event == Json::parse_event_t::object_start) m_keys.emplace_back();
-    if (event == Json::parse_event_t::object_end) m_keys.pop_back();
-    if (event == Json::parse_event_t::key &&
-        !m_keys.back().insert(parsed.get<std::string>()).second) {
-      refuse("key " + quote(parsed.get<std::string>()) + " comes twice in a step");
-    }
-    return true;
+  explicit ScriptCheck(std::string source) : m_source(std::move(source)) {}
+
+  bool null() override { return true; }
+  bool boolean(bool /*value*/) override { return true; }
+  bool number_integer(number_integer_t /*value*/) override { return true; }
+  bool number_unsigned(number_unsigned_t /*value*/) override { return true; }
+  bool number_float(number_float_t /*value*/, const string_t& /*text*/) override { return true; }
+  bool string(string_t& /*value*/) override { return true; }
+  bool binary(binary_t& /*value*/) override { return true; }
+  bool start_object(std::size_t /*elements*/) override { return enter(); }
+  bool end_object() override { return leave(); }
+  bool start_array(std::size_t /*elements*/) override { return enter(); }
+  bool end_array() override { return leave(); }
+  bool key(string_t& name) override {
+    if (m_keys.back().insert(name).second) return true;
+    refuse("key " + quote(name) + " comes twice in a step");
+  }
+  bool parse_error(std::size_t position, const std::string& /*token*/,
+                   const nlohmann::detail::exception& /*error*/) override {
+    refuse("script " + quote(m_source) + " is not JSON: error at byte " + std::to_string(position));
   }
 
  private:
+  /// Steps in a list, with lists of numbers or texts in them.
+  static constexpr std::size_t kMaxDepth = 8;
+
+  bool enter() {
+    m_keys.emplace_back();
+    if (m_keys.size() <= kMaxDepth) return true;
+    refuse("script " + quote(m_source) + " is nested deeper than " + std::to_string(kMaxDepth) +
+           " levels");
+  }
+  bool leave() {
+    m_keys.pop_back();
+    return true;
+  }
+
+  std::string m_source;
   std::vector<std::set<std::string>> m_keys;
 };
 
@@ -187,16 +218,17 @@ void requireArguments(const Operation& operation, const Arguments& arguments) {
     if (parameter.required && !arguments.has(parameter.name)) {
       throw CliError(quote(parameter.name) + " is missing: " + parameter.help, kWrongUsage);
     }
+    if (parameter.kind == ParameterKind::kFile) continue;
+    for (const std::string& text : arguments.texts(parameter.name)) {
+      requireUtf8(parameter.name, text);
+    }
   }
 }
 
 std::vector<ScriptStep> parseScript(const std::string& text, const std::string& source) {
-  Json json;
-  try {
-    json = Json::parse(text, KeyCheck());
-  } catch (const Json::parse_error& error) {
-    refuse("script " + quote(source) + " is not JSON: error at byte " + std::to_string(error.byte));
-  }
+  ScriptCheck check(source);
+  Json::sax_parse(text, &check);
+  const Json json = Json::parse(text);
   if (!json.is_array()) refuse("script " + quote(source) + " is not an array of steps");
   if (json.empty()) refuse("script " + quote(source) + " has no steps");
   std::vector<ScriptStep> steps;

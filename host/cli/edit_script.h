@@ -33,7 +33,7 @@ void noteValues(const ScriptStep& step, const StepResult& result, StepValues& va
 /// "step 3 (insert)".
 [[nodiscard]] std::string stepName(const ScriptStep& step);
 
-/// Raises CliError for a required parameter that has no value.
+/// Raises CliError for a required parameter that has no value, and for a text that is not UTF-8.
 void requireArguments(const Operation& operation, const Arguments& arguments);
 
 }  // namespace cli

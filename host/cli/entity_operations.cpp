@@ -172,7 +172,7 @@ constexpr Parameter kSuppressParameters[] = {
 };
 constexpr Parameter kReplaceParameters[] = {
     {"solid", Kind::kText, true, true, "solid, a handle"},
-    {"file", Kind::kText, true, true, "STEP file with one solid"},
+    {"file", Kind::kFile, true, true, "STEP file with one solid"},
 };
 constexpr Parameter kFilletParameters[] = {
     {"edges", Kind::kTexts, true, true, "references to edges of one solid, names or handles"},

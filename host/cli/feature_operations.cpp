@@ -3,6 +3,7 @@
 
 #include "host/cli/cli_error.h"
 #include "host/cli/model_lookup.h"
+#include "host/cli/new_name.h"
 #include "host/cli/operation.h"
 #include "host/cli/text_output.h"
 #include "host/modeling/component_query.h"
@@ -16,23 +17,10 @@ namespace {
 
 using Kind = ParameterKind;
 
-void checkNewName(OdDbDatabase& drawing, const std::string& name) {
-  OdDbHandle handle;
-  if (name.empty() || OdDbHandle::parse(name.c_str(), handle)) {
-    throw CliError("name " + quote(name) +
-                       (name.empty() ? " is empty" : " reads as a handle, choose another one"),
-                   kWrongUsage);
-  }
-  const std::vector<OdDbObjectId> taken = featuresNamed(drawing, name);
-  if (!taken.empty()) {
-    throw CliError("name " + quote(name) + " is taken by " + objectText(taken.front()));
-  }
-}
-
 StepResult renameFeature(Editing& editing, const Arguments& arguments) {
   const OdDbObjectId feature = findFeature(editing.drawing, arguments.text("feature"));
   const std::string name = arguments.text("name");
-  checkNewName(editing.drawing, name);
+  requireFreeName(editing.drawing, name);
   const std::string before = objectText(feature);
   vdm_host::EditResult result = editing.editor.renameFeature(feature, OdString(name));
   requireEdited(result);
@@ -171,7 +159,7 @@ StepResult makeGroup(Editing& editing, const Arguments& arguments) {
   if (!arguments.has("members")) {
     throw CliError("group " + quote(name) + " has no members", kWrongUsage);
   }
-  checkNewName(editing.drawing, name);
+  requireFreeName(editing.drawing, name);
   OdDbFullSubentPathArray paths;
   for (const std::string& member : arguments.texts("members")) {
     paths.append(pathOf(editing.drawing, member));

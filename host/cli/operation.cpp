@@ -6,6 +6,7 @@
 
 #include "host/cli/cli_error.h"
 #include "host/cli/text_output.h"
+#include "platform/modeler/reach.h"
 
 namespace cli {
 
@@ -13,6 +14,14 @@ namespace {
 
 [[noreturn]] void refuse(const std::string& name, const std::string& value, const char* wanted) {
   throw CliError(name + " is " + quote(value) + ", it must be " + wanted, kWrongUsage);
+}
+
+/// Lengths, places and angles alike: nothing that a modeller works with is larger.
+void requireReach(const std::string& name, const std::string& value, const OdGePoint3d& point) {
+  if (odIsWithinReach(point)) return;
+  throw CliError(
+      name + " is " + quote(value) + ", numbers are at most " + roundedNumber(kOdModelerReach),
+      kWrongUsage);
 }
 
 std::vector<Operation> collectOperations() {
@@ -64,6 +73,7 @@ const std::vector<std::string>& Arguments::texts(const std::string& name) const 
 double Arguments::number(const std::string& name) const {
   const std::optional<double> value = parseNumber(text(name));
   if (!value) refuse(name, text(name), "a finite number");
+  requireReach(name, text(name), {*value, 0.0, 0.0});
   return *value;
 }
 
@@ -74,6 +84,7 @@ std::optional<double> Arguments::optionalNumber(const std::string& name) const {
 OdGePoint3d Arguments::point(const std::string& name) const {
   const std::optional<OdGePoint3d> value = parsePoint(text(name));
   if (!value) refuse(name, text(name), "three finite numbers x,y,z");
+  requireReach(name, text(name), *value);
   return *value;
 }
 
@@ -84,6 +95,7 @@ OdGeVector3d Arguments::vector(const std::string& name) const {
   if (value == "z") return OdGeVector3d::kZAxis;
   const std::optional<OdGePoint3d> point = parsePoint(value);
   if (!point) refuse(name, value, "three finite numbers x,y,z, or one of x, y and z");
+  requireReach(name, value, *point);
   return {point->x, point->y, point->z};
 }
 

@@ -16,6 +16,7 @@ namespace cli {
 
 enum class ParameterKind {
   kText,
+  kFile,  ///< a path: any bytes
   kNumber,
   kPoint,  ///< "x,y,z", also for vectors
   kFlag,

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/cli/find_object.h"
+#include "host/cli/new_name.h"
 #include "host/cli/opened_drawing.h"
 #include "host/cli/paths.h"
 #include "host/cli/property_home.h"
@@ -76,6 +77,9 @@ void checkForm(const PropsOptions& options) {
     throw CliError("key " + quote(options.key) + " cannot be set, it means something to the file",
                    kWrongUsage);
   }
+  requireUtf8("key", options.key);
+  if (options.value) requireUtf8("value", *options.value);
+  if (options.jsonValue) requireUtf8("value", *options.jsonValue);
   if (options.value.has_value() == options.jsonValue.has_value()) {
     throw CliError(options.value ? "both VALUE and --json-value are given, one is enough"
                                  : "no value is given, name it as VALUE or with --json-value",

@@ -3,6 +3,7 @@
 
 #include "host/cli/cli_error.h"
 #include "host/cli/model_lookup.h"
+#include "host/cli/new_name.h"
 #include "host/cli/operation.h"
 #include "host/cli/text_lines.h"
 #include "host/naming/name_feature.h"
@@ -65,24 +66,13 @@ OdModelerSubent chosenSubent(const OdModelerBody& body, const std::string& solid
   return subent;
 }
 
-void checkFreeName(OdDbDatabase& drawing, const std::string& name) {
-  OdDbHandle handle;
-  if (OdDbHandle::parse(name.c_str(), handle)) {
-    throw CliError("name " + quote(name) + " reads as a handle, choose another one", kWrongUsage);
-  }
-  const std::vector<OdDbObjectId> taken = featuresNamed(drawing, name);
-  if (taken.empty()) return;
-  throw CliError("name " + quote(name) + " is taken by " + objectText(taken.front()));
-}
-
 StepResult addReference(Editing& editing, const Arguments& arguments) {
   const OdDbObjectId solid = findSolid(editing.drawing, arguments.text("solid"));
   const OdModelerBodyPtr body = bodyOfSolid(solid);
   const OdModelerSubent subent = chosenSubent(*body, solidText(solid), arguments);
   const std::string name = arguments.text("name");
   if (arguments.has("name")) {
-    if (name.empty()) throw CliError("name '' is empty", kWrongUsage);
-    checkFreeName(editing.drawing, name);
+    requireFreeName(editing.drawing, name);
   }
   const OdDbFullSubentPath path(
       solid, OdDbSubentId(static_cast<OdDb::SubentType>(subent.type), subent.index));

@@ -10,6 +10,7 @@
 #include <numeric>
 
 #include "host/cli/cli_error.h"
+#include "platform/base/utf8.h"
 
 namespace cli {
 
@@ -20,6 +21,10 @@ constexpr std::string_view kEllipsis = "\u2026";
 /// No column gets narrower than this to make room for others.
 constexpr std::size_t kNarrowestColumn = 12;
 
+bool isControl(wchar_t ch) { return ch < 0x20 || (ch >= 0x7F && ch < 0xA0); }
+/// A byte that is no UTF-8; see platform/base/utf8.h.
+bool isUndecoded(wchar_t ch) { return ch >= 0xDC80 && ch <= 0xDCFF; }
+
 bool startsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0u) != 0x80u; }
 
 }  // namespace
@@ -28,21 +33,22 @@ std::string str(const OdString& text) { return std::string(text.utf8()); }
 
 std::string str(OdDbHandle handle) { return str(handle.ascii()); }
 
+bool isUtf8(std::string_view text) { return std::ranges::none_of(odUtf8ToWide(text), isUndecoded); }
+
 std::string oneLine(std::string_view text) {
   std::string line;
   line.reserve(text.size());
-  for (const char byte : text) {
-    const auto code = static_cast<unsigned char>(byte);
-    if (byte == '\n') {
+  for (const wchar_t ch : odUtf8ToWide(text)) {
+    if (ch == L'\n') {
       line += "\\n";
-    } else if (byte == '\t') {
+    } else if (ch == L'\t') {
       line += "\\t";
-    } else if (code < 0x20 || code == 0x7F) {
+    } else if (isControl(ch) || isUndecoded(ch)) {
       std::array<char, 8> escape{};
-      std::snprintf(escape.data(), escape.size(), "\\x%02x", static_cast<unsigned>(code));
+      std::snprintf(escape.data(), escape.size(), "\\x%02x", static_cast<unsigned>(ch) & 0xFFU);
       line += escape.data();
     } else {
-      line += byte;
+      line += odWideToUtf8({&ch, 1});
     }
   }
   return line;

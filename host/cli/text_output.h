@@ -19,8 +19,9 @@ inline constexpr std::size_t kTextWidth = 100;
 /// UTF-8 as it is.
 [[nodiscard]] std::string str(const OdString& text);
 [[nodiscard]] std::string str(OdDbHandle handle);
-/// UTF-8 on one line: control characters become escapes, so that no name from a file moves the
-/// cursor of a terminal.
+[[nodiscard]] bool isUtf8(std::string_view text);
+/// UTF-8 on one line: control characters and bytes that are no UTF-8 become escapes, so that no
+/// name from a file moves the cursor of a terminal.
 [[nodiscard]] std::string oneLine(std::string_view text);
 /// In single quotes, on one line.
 [[nodiscard]] std::string quote(std::string_view text);

@@ -10,6 +10,7 @@
 #include "platform/base/error.h"
 #include "platform/db/layer_table.h"
 #include "platform/entities/block_reference.h"
+#include "platform/modeler/reach.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 
@@ -197,6 +198,43 @@ EditResult ModelEditor::renameFeature(const OdDbObjectId& feature, const OdStrin
 
 // ---- Entities
 
+namespace {
+
+/// Why an entity cannot be moved, where its body is the reason.
+OdStatus refuseMove(const OdDbEntity& entity, const OdGeMatrix3d& transform, OdResult result) {
+  OdStatus status{result, OdString(L"object ") + entity.objectId().getHandle().ascii() +
+                              L" cannot be moved: " + OdString(odResultText(result))};
+  const OdDb3dSolid* solid = OdDb3dSolid::cast(&entity).get();
+  OdModelerBodyPtr body;
+  if (solid == nullptr || !solid->getBody(body).ok() || !body) return status;
+  const OdStatus reach = odCheckReach(*body, transform);
+  if (!reach.ok()) status.text = L"solid " + handleText(entity.objectId()) + L": " + reach.text;
+  return status;
+}
+
+/// An insert may lie where bodies may lie.
+OdStatus requirePlace(const OdDbEntity& entity, const OdGeMatrix3d& transform) {
+  const OdDbBlockReferencePtr insert = OdDbBlockReference::cast(&entity);
+  if (insert.isNull()) return {};
+  const OdGePoint3d place = transform * insert->position();
+  if (odIsWithinReach(place)) return {};
+  OdStatus status{eInvalidInput, {}};
+  status.text.format(L"object %ls would lie at (%g, %g, %g), coordinates are at most %g",
+                     handleText(entity.objectId()).c_str(), place.x, place.y, place.z,
+                     kOdModelerReach);
+  return status;
+}
+
+OdStatus transformEntity(const OdDbObjectId& entity, const OdGeMatrix3d& transform) {
+  const OdDbEntityPtr object = entity.openAs<OdDbEntity>(OdDb::kForWrite);
+  if (object.isNull()) return refuse(handleText(entity) + L" is no entity");
+  if (OdStatus status = requirePlace(*object, transform); !status.ok()) return status;
+  const OdResult moved = object->transformBy(transform);
+  return moved == eOk ? OdStatus() : refuseMove(*object, transform, moved);
+}
+
+}  // namespace
+
 EditResult ModelEditor::moveObject(const OdDbObjectId& entity, const OdGeVector3d& by) {
   return transformObject(entity, OdGeMatrix3d::translation(by));
 }
@@ -204,7 +242,7 @@ EditResult ModelEditor::moveObject(const OdDbObjectId& entity, const OdGeVector3
 EditResult ModelEditor::rotateObject(const OdDbObjectId& entity, const OdGeVector3d& axis,
                                      double angle, const std::optional<OdGePoint3d>& center) {
   return edit(OdString(L"rotate"), [&]() -> OdStatus {
-    const OdDbEntityPtr object = entity.openAs<OdDbEntity>(OdDb::kForWrite);
+    const OdDbEntityPtr object = entity.openAs<OdDbEntity>();
     if (object.isNull()) return refuse(handleText(entity) + L" is no entity");
     OdGePoint3d about;
     const OdDbBlockReferencePtr insert = OdDbBlockReference::cast(object.get());
@@ -216,20 +254,12 @@ EditResult ModelEditor::rotateObject(const OdDbObjectId& entity, const OdGeVecto
     } else if (object->getGeomExtents(box) == eOk) {
       about = box.center();
     }
-    const OdResult moved = object->transformBy(OdGeMatrix3d::rotation(angle, axis, about));
-    if (moved == eOk) return {};
-    return {moved, L"object " + handleText(entity) + L" cannot be rotated"};
+    return transformEntity(entity, OdGeMatrix3d::rotation(angle, axis, about));
   });
 }
 
 EditResult ModelEditor::transformObject(const OdDbObjectId& entity, const OdGeMatrix3d& transform) {
-  return edit(OdString(L"move"), [&]() -> OdStatus {
-    const OdDbEntityPtr object = entity.openAs<OdDbEntity>(OdDb::kForWrite);
-    if (object.isNull()) return refuse(handleText(entity) + L" is no entity");
-    const OdResult moved = object->transformBy(transform);
-    if (moved == eOk) return {};
-    return {moved, L"object " + handleText(entity) + L" cannot be transformed"};
-  });
+  return edit(OdString(L"move"), [&] { return transformEntity(entity, transform); });
 }
 
 EditResult ModelEditor::eraseObject(const OdDbObjectId& entity) {

@@ -1,5 +1,6 @@
 // A body of the runtime that holds an Open CASCADE shape.
 #include "platform/modeler_occt/occt_body.h"
+#include "platform/modeler/reach.h"
 
 #include <BRep_Tool.hxx>
 #include <TopExp.hxx>
@@ -210,7 +211,13 @@ OdModelerMassProperties Body::massProperties() const {
 }
 
 OdStatus Body::check() const {
-  return guarded("check", [this] { return checkShape(m_shape); });
+  return guarded("check", [this]() -> OdStatus {
+    if (OdStatus status = odCheckReach(*this); !status.ok()) {
+      status.code = eModelerInvalidBody;
+      return status;
+    }
+    return checkShape(m_shape);
+  });
 }
 
 OdStatus Body::subentBody(OdModelerSubent subent, OdModelerBodyPtr& result) const {

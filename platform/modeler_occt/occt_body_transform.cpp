@@ -4,6 +4,7 @@
 #include <gp_GTrsf.hxx>
 
 #include "platform/ge/finite.h"
+#include "platform/modeler/reach.h"
 #include "platform/modeler_occt/occt_body.h"
 #include "platform/modeler_occt/occt_bridge.h"
 #include "platform/modeler_occt/occt_convert.h"
@@ -49,6 +50,7 @@ OdStatus Body::transformed(const OdGeMatrix3d& matrix, OdModelerBodyPtr& result)
     return {eInvalidInput, text};
   }
   return guarded("transform", [&]() -> OdStatus {
+    if (OdStatus status = odCheckReach(*this, matrix); !status.ok()) return status;
     const bool rigid = isRigid(matrix);
     const bool uniform = rigid || matrix.isUniScaledOrtho(OdGeTol(kOrthogonalTolerance));
     const TopoDS_Shape shape = rigid     ? moved(m_shape, matrix)

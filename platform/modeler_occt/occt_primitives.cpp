@@ -9,6 +9,7 @@
 #include <cmath>
 #include <initializer_list>
 
+#include "platform/modeler/reach.h"
 #include "platform/modeler_occt/occt_body.h"
 #include "platform/modeler_occt/occt_bridge.h"
 #include "platform/modeler_occt/occt_guard.h"
@@ -22,13 +23,13 @@ struct Size {
   double value;
 };
 
-// Sizes are more than the distance at which points count as one.
-OdStatus requirePositive(const char* solid, std::initializer_list<Size> sizes) {
+// Sizes are more than the distance at which points count as one, and within reach.
+OdStatus requireSizes(const char* solid, std::initializer_list<Size> sizes) {
   for (const Size& size : sizes) {
-    if (std::isfinite(size.value) && size.value > Precision::Confusion()) continue;
+    if (size.value > Precision::Confusion() && size.value <= kOdModelerReach) continue;
     OdString text;
-    text.format(L"%ls: %ls is %g, it must be more than %g", OdString(solid).c_str(),
-                OdString(size.name).c_str(), size.value, Precision::Confusion());
+    text.format(L"%ls: %ls is %g, it must be more than %g and at most %g", OdString(solid).c_str(),
+                OdString(size.name).c_str(), size.value, Precision::Confusion(), kOdModelerReach);
     return {eInvalidInput, text};
   }
   return {};
@@ -37,7 +38,7 @@ OdStatus requirePositive(const char* solid, std::initializer_list<Size> sizes) {
 template <class Make>
 OdStatus build(const char* solid, std::initializer_list<Size> sizes, OdModelerBodyPtr& result,
                const Make& make) {
-  if (OdStatus status = requirePositive(solid, sizes); !status.ok()) return status;
+  if (OdStatus status = requireSizes(solid, sizes); !status.ok()) return status;
   return guarded(solid, [&]() -> OdStatus {
     OdModelerBodyPtr body = odBodyFromOcct(make());
     if (!body) return failure(eModelerError, solid, "nothing came out");

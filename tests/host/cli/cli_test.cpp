@@ -103,6 +103,9 @@ TEST_F(RefusedCommand, WrongUsage) {
       {"vdm props set part.vdm 21 k v --json-value '{}'", 2, "both VALUE and --json-value*"},
       {"vdm props set part.vdm 21 '' v", 2, "key '' cannot be set, *"},
       {"vdm clone part.vdm 21 --name hole", 2, "*is an entity and cannot be named 'hole'"},
+      {"vdm props set part.vdm 21 $(printf 'k\\377') v", 2, "key 'k\\xff' is not UTF-8"},
+      {"vdm props set part.vdm 21 k $(printf 'v\\303')", 2, "value 'v\\xc3' is not UTF-8"},
+      {"vdm import $(printf 'gone\\377.stp') -o b.vdm", 1, "file 'gone\\xff.stp' was not found"},
   });
 }
 
@@ -158,6 +161,7 @@ TEST_F(RefusedCommand, ObjectsAndValuesThatDoNotFit) {
 TEST_F(RefusedCommand, EditsOfModels) {
   prepare("vdm refs add part.vdm 21 --at 60,40,10 --face --name top");
   prepare("vdm component add part.vdm h hole --diameter 9");
+  prepare("cp part.vdm far.vdm && vdm move far.vdm 21 --by 0,0,-9e7");
   expectRefused({
       {"vdm refs add part.vdm 21", 2, "neither a subentity such as f_12 nor a point*"},
       {"vdm refs add part.vdm 21 f_99", 1, "solid 21 'plate' has no f_99: it has 10 faces, *"},
@@ -182,6 +186,16 @@ TEST_F(RefusedCommand, EditsOfModels) {
       {"vdm insert part.vdm h --on top --at 1,2", 2, "at is '1,2', it must be three finite*"},
       {"vdm insert part.vdm h --on 21 --at 0,0,900", 1, "insert: *nothing lies within*"},
       {"vdm move part.vdm 21 --by 1,2,nan", 2, "by is '1,2,nan', it must be three finite*"},
+      {"vdm move part.vdm 21 --by 0,1e200,0", 2, "by is '0,1e200,0', numbers are at most 1e+08"},
+      {"vdm move far.vdm 21 --by 0,0,-9e7", 1,
+       "move: solid 21: the body would reach to coordinate -1.8e+08, at most 1e+08 is possible"},
+      {"vdm rotate part.vdm 21 --angle 1e300", 2, "angle is '1e300', numbers are at most 1e+08"},
+      {"vdm component add part.vdm c hole --diameter 1e99", 2, "diameter is '1e99', numbers are*"},
+      {"vdm refs add part.vdm 21 f_1 --name $(printf 'a\\377')", 2, "name 'a\\xff' is not UTF-8"},
+      {"vdm refs add part.vdm 21 f_1 --name $(printf '%0256d')", 2,
+       "name '000*' has 256 characters, at most 255 are allowed"},
+      {"vdm component add part.vdm $(printf '%0256d') hole --diameter 1", 2,
+       "name '000*' has 256 characters, at most 255 are allowed"},
       {"vdm suppress part.vdm 21", 1, "*21 is no component"},
       {"vdm replace part.vdm 21 $SAMPLES/assembly.step", 1, "*holds 6 solids, one is needed"},
       {"vdm move part.vdm 21 --by 1,2,3 --no-modules", 2, "the command needs the modules, *"},
@@ -209,11 +223,16 @@ TEST_F(RefusedCommand, ScriptsThatCannotBeRead) {
       {R"([{"op": "update", "forse": true}])",
        "step 1 (update): key 'forse' is not known, update has the keys force"},
       {R"([{"op": "update", "op": "move"}])", "key 'op' comes twice in a step"},
+      {R"([{"op": [[[[[[[[1]]]]]]]]}])", "script '-' is nested deeper than 8 levels"},
+      {R"([{"op": "move", "entity": "21", "by": [0, 0, 1e9]}])",
+       "step 1 (move): by is '0,0,1e+09', numbers are at most 1e+08"},
       {R"([{"op": "erase", "entity": "$gone"}])",
        "step 1 (erase): key 'entity' is '$gone', which no earlier step gave"},
       {R"([{"op": "update", "as": "a"}, {"op": "update", "as": "a"}])",
        "step 2 (update): key 'as' is 'a', which an earlier step has"},
   };
+  expectRefused({{"printf '%0100000d' | tr 0 [ | vdm edit part.vdm --script -", 2,
+                  "script '-' is nested deeper than 8 levels"}});
   for (const auto& [script, line] : rows) {
     expectRefused(
         {{("echo '" + std::string(script) + "' | vdm edit part.vdm --script -").c_str(), 2, line}});

@@ -14,9 +14,9 @@ using nlohmann::json;
 class JsonOutput : public testing::Test {
  protected:
   JsonOutput() : m_shell(fs::current_path() / "json") {
-    m_shell.run("vdm import $SAMPLES/assembly.step -o asm.vdm");
-    m_shell.run("vdm import $SAMPLES/plate.step -o part.vdm");
-    m_shell.run("vdm props set part.vdm 21 n 1 --type long");
+    EXPECT_EQ(m_shell.run("vdm import $SAMPLES/assembly.step -o asm.vdm").exitCode, 0);
+    EXPECT_EQ(m_shell.run("vdm import $SAMPLES/plate.step -o part.vdm").exitCode, 0);
+    EXPECT_EQ(m_shell.run("vdm props set part.vdm 21 n 1 --type long").exitCode, 0);
   }
 
   json run(const std::string& command) {

@@ -108,6 +108,11 @@ TEST_F(OdModelerPrimitives, RefusedOperationsNameTheReasonAndLeaveResultAndHisto
   const std::pair<Make, OdResult> rows[] = {
       {[&](auto& r) { return m.box(1.0, -1.0, 1.0, r); }, eInvalidInput},
       {[&](auto& r) { return m.box(1.0, 1.0, nan, r); }, eInvalidInput},
+      {[&](auto& r) { return m.box(1.0, 1.0, 1.1e8, r); }, eInvalidInput},
+      {[&](auto& r) {
+         return far->transformed(OdGeMatrix3d::translation({1e8, 0, 0}), r);
+       },
+       eInvalidInput},
       {[&](auto& r) { return m.cylinder(inf, 1.0, r); }, eInvalidInput},
       {[&](auto& r) { return m.cone(0.0, 0.0, 1.0, r); }, eInvalidInput},
       {[&](auto& r) { return m.sphere(1e-12, r); }, eInvalidInput},
