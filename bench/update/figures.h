@@ -33,6 +33,10 @@ std::vector<Figure> measureIdlePasses(const FigureOptions& options);
 /// References brought up to date and resolved after a cut, against the labels' solve.
 std::vector<Figure> measureResolving(const FigureOptions& options);
 
+/// The check of a cut's outcome against the cut, on plates of 300 to 635 faces and on the parts in
+/// the folder VDM_STEP_DIR.
+std::vector<Figure> measureChecks(const FigureOptions& options);
+
 /// A cut behind the wall of platform/modeler_wall against the same cut without it, on plates of 300
 /// and 700 faces and on the parts in the folder VDM_STEP_DIR.
 std::vector<Figure> measureWall(const FigureOptions& options);

@@ -1,6 +1,6 @@
 // Measures update passes and persistent references, each figure against a peer in the same run.
 //
-//   vdm_bench_update [--only moves|idle|resolve|wall] [--features N,N,...] [--cuts N,N,...]
+//   vdm_bench_update [--only moves|idle|resolve|wall|checks] [--features N,N,...] [--cuts N,N,...]
 //                    [--rounds N] [--peers 0|1]
 #include <cstdio>
 #include <exception>
@@ -20,7 +20,8 @@ struct TaskRow {
 constexpr TaskRow kTasks[] = {{"moves", measureMoves},
                               {"idle", measureIdlePasses},
                               {"resolve", measureResolving},
-                              {"wall", measureWall}};
+                              {"wall", measureWall},
+                              {"checks", measureChecks}};
 
 struct Arguments {
   FigureOptions figures;

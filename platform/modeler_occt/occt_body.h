@@ -116,11 +116,12 @@ OdModelerMassProperties measureMass(const TopoDS_Shape& shape);
 void measureArea(const TopoDS_Shape& shape, GProp_GProps& result);
 /// eModelerInvalidBody with the first fault, or ok.
 OdStatus checkShape(const TopoDS_Shape& shape);
-/// The same for the outcome of an operation on a sound body, at the cost of what the operation
-/// changed. Laws: faces of the base that are there as they were are sound; in a face that is not,
-/// boundaries that were the base's are sound by themselves and towards each other, and are checked
-/// against those that are not where their boxes meet; that shells close and are oriented, and that
-/// solids are well formed, is checked as a whole.
+/// The same for the outcome of an operation on a base, at about the cost of what the operation
+/// changed. Laws: over the whole body, shells close, are connected and oriented, each edge is used
+/// once in either sense, solids are well formed, and boundaries close in the parameters of their
+/// faces; the geometry of faces of the base that are there as they were is not looked at; in a face
+/// that is not, boundaries that were the base's are sound by themselves and towards each other, and
+/// are checked against those that are not where their boxes meet.
 OdStatus checkOutcome(const Body& outcome, const Body& base);
 
 /// Resets the flags of all parts of a shape that depend on how it was made and not on what it is.

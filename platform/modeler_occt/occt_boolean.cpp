@@ -175,6 +175,8 @@ class Combination {
       }
       if (first.ok()) first = std::move(status);
     }
+    const bool isOfBase = first.code == eModelerInvalidBody && !m_inputs.front()->check().ok();
+    if (isOfBase) first.text += L" (the body was not sound before)";
     return first;
   }
 
