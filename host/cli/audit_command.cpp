@@ -27,8 +27,8 @@ void saveMended(OdDbDatabase& drawing, const OdDbAuditInfo& mended) {
 
 int runAudit(const SessionSettings& settings, const AuditOptions& options) {
   using Access = DrawingSession::Access;
-  const OpenedDrawing drawing(settings, options.input,
-                              options.fix ? Access::kWrite : Access::kRead);
+  OpenedDrawing drawing(settings, options.input, options.fix ? Access::kWrite : Access::kRead);
+  drawing.session().reportNoReadFaults();  // they are findings
   OdDbAuditInfo findings(options.fix);
   OdDbAuditInfo rest;
   std::string damage;

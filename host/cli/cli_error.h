@@ -12,6 +12,7 @@ enum ExitCode : int {
   kCouldNot = 1,    ///< nothing was changed
   kWrongUsage = 2,  ///< the command line itself is wrong; nothing was changed
   kNotSound = 3,    ///< done, but the drawing has findings or lost something
+  kWritten = 4,     ///< a file was written, and what should follow could not be done
 };
 
 /// Ends a command. The line is lower case, has no full stop, and names the thing and the values

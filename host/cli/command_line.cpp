@@ -2,10 +2,13 @@
 #include "host/cli/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cctype>
+#include <csignal>
 #include <memory>
 #include <new>
 #include <sstream>
+#include <vector>
 
 #include "host/cli/audit_command.h"
 #include "host/cli/cli_error.h"
@@ -24,6 +27,7 @@
 #include "host/cli/text_output.h"
 #include "host/cli/tree_command.h"
 #include "platform/base/error.h"
+#include "platform/base/work_note.h"
 
 namespace cli {
 
@@ -230,13 +234,72 @@ int parseAndRun(CLI::App& app, CommandLine& line, int argc, char** argv) {
   return line.run();
 }
 
+/// Whether a file was written before whatever went wrong.
+bool hasWritten() {
+  const OdWorkBoard* board = odWorkBoard();
+  return board != nullptr && board->written;
+}
+
+/// The exit code of the work; errors become one line on standard error.
+template <class Work>
+int outcomeOf(const Work& work, const CLI::App& app) {
+  int code = kCouldNot;
+  try {
+    return work();
+  } catch (const CLI::Success& asked) {
+    return app.exit(asked);
+  } catch (const CliError& error) {
+    printError(error.what());
+    code = error.code();
+  } catch (const OdError& error) {
+    printError(error.description().utf8());
+  } catch (const std::bad_alloc&) {
+    printError("out of memory");
+  } catch (const std::exception& error) {
+    printError(error.what());
+  }
+  return hasWritten() ? kWritten : code;
+}
+
+/// What could not be read is not absent: no command that met such a thing ends with kDone.
+int withReadFaults(int code, const std::vector<std::string>& faults) {
+  constexpr std::size_t kShownFaults = 20;
+  for (std::size_t i = 0; i < std::min(faults.size(), kShownFaults); ++i) {
+    printError("unreadable: " + faults[i]);
+  }
+  if (faults.size() > kShownFaults) {
+    printError("unreadable: " + std::to_string(faults.size() - kShownFaults) + " more");
+  }
+  return code == kDone ? kNotSound : code;
+}
+
+/// Shows the output. A command that only reads ends like any filter when its reader went away; one
+/// that wrote a file must say that it did.
+int showOutcome(int code) {
+  try {
+    if (showOutput() == Shown::kAll) return code;
+    if (!hasWritten()) {
+      std::signal(SIGPIPE, SIG_DFL);
+      std::raise(SIGPIPE);
+    }
+    printError("a file was written, but standard output cannot be: its reader is gone");
+  } catch (const CliError& error) {
+    printError(hasWritten() ? std::string("a file was written, but ") + error.what()
+                            : std::string(error.what()));
+    if (!hasWritten()) return kCouldNot;
+  }
+  return kWritten;
+}
+
 }  // namespace
 
 int runCommandLine(int argc, char** argv) {
+  std::signal(SIGPIPE, SIG_IGN);  // showOutcome() decides
   CommandLine line;
   CLI::App app("Drawings with solid parts that remember: properties, structure, history.", "vdm");
   app.footer(
-      "Exit code: 0 done, 1 could not, 2 wrong usage, 3 done but something is not sound.\n"
+      "Exit code: 0 done, 1 could not, 2 wrong usage, 3 done but something is not sound,\n"
+      "4 a file was written, but what follows could not be done.\n"
       "Example:\n  vdm import bracket.step -o bracket.vdm");
   app.formatter(std::make_shared<HelpFormatter>());
   app.require_subcommand(1);
@@ -249,21 +312,10 @@ int runCommandLine(int argc, char** argv) {
   addKeepers(app, line);
   addClone(app, line);
   addModelCommands(app, line, line.model);
-  try {
-    return parseAndRun(app, line, argc, argv);
-  } catch (const CLI::Success& asked) {
-    return app.exit(asked);
-  } catch (const CliError& error) {
-    printError(error.what());
-    return error.code();
-  } catch (const OdError& error) {
-    printError(error.description().utf8());
-  } catch (const std::bad_alloc&) {
-    printError("out of memory");
-  } catch (const std::exception& error) {
-    printError(error.what());
-  }
-  return kCouldNot;
+  std::vector<std::string> readFaults;
+  line.settings.readFaults = &readFaults;
+  const int code = outcomeOf([&] { return parseAndRun(app, line, argc, argv); }, app);
+  return showOutcome(readFaults.empty() ? code : withReadFaults(code, readFaults));
 }
 
 }  // namespace cli

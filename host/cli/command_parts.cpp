@@ -19,6 +19,13 @@ CLI::App* addCommand(CLI::App& parent, CommandRun& line, const char* name, const
       ->add_option("--keep-failed", line.settings.keepFailed,
                    "folder for what a failing operation of the modeller worked on")
       ->type_name("DIR");
+  command
+      ->add_option("--wait", line.settings.waitSeconds,
+                   "how long a save waits for programs that read the drawing, and reading for a "
+                   "save")
+      ->check(CLI::Range(0.0, 86400.0))
+      ->envname("VDM_WAIT")
+      ->type_name("SECONDS");
   return command;
 }
 

@@ -8,7 +8,7 @@
 #include "host/cli/failed_inputs.h"
 #include "host/cli/text_output.h"
 #include "platform/base/error.h"
-#include "platform/base/work_note.h"
+#include "platform/db/read_faults.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "platform/modeler/modeler.h"
 #include "platform/modeler_occt/occt_modeler.h"
@@ -73,7 +73,10 @@ DrawingSession::DrawingSession(const SessionSettings& settings) : m_settings(set
   odModelerInitialize();
   try {
     installModeler();
-    m_services = std::make_unique<OdDbHostAppServices>(createSqliteStoreFactory());
+    OdSqliteStoreOptions files;
+    files.readersHoldOneState = true;
+    files.commitTimeoutMs = static_cast<int>(m_settings.waitSeconds * 1000.0);
+    m_services = std::make_unique<OdDbHostAppServices>(createSqliteStoreFactory(files));
     if (!m_settings.noModules) loadModules();
   } catch (...) {
     stop();
@@ -90,6 +93,8 @@ DrawingSession::~DrawingSession() {
 }
 
 void DrawingSession::stop() {
+  collectReadFaults();
+  m_drawings.clear();
   m_services.reset();
   while (!m_modules.empty()) {
     odrxDynamicLinker()->unloadModule(m_modules.back());
@@ -110,6 +115,16 @@ void DrawingSession::installModeler() {
     m_failedInputs->keep(failure, *m_services);
   };
   odSetModeler(odCreateWalledModeler(odCreateOcctModeler(), std::move(settings)));
+}
+
+void DrawingSession::collectReadFaults() {
+  if (!m_reportsReadFaults || m_settings.readFaults == nullptr) return;
+  for (const OdDbDatabasePtr& drawing : m_drawings) {
+    const OdStringArray lines = oddbReadFaults(drawing.get());
+    for (const OdString& line : lines) {
+      m_settings.readFaults->push_back(str(line));
+    }
+  }
 }
 
 void DrawingSession::loadModules() {
@@ -133,6 +148,11 @@ void DrawingSession::loadModule(const std::string& path) {
   m_modules.push_back(OdString(path));
 }
 
+OdDbDatabasePtr DrawingSession::keep(const OdDbDatabasePtr& drawing) {
+  m_drawings.push_back(drawing);
+  return drawing;
+}
+
 OdDbDatabasePtr DrawingSession::create() { return m_services->createDatabase(); }
 
 OdDbDatabasePtr DrawingSession::open(const std::string& path, Access access) {
@@ -143,7 +163,7 @@ OdDbDatabasePtr DrawingSession::open(const std::string& path, Access access) {
   OdStatus status;
   OdDbDatabasePtr drawing = m_services->readFile(OdString(path), status, options);
   require(status, path);
-  return drawing;
+  return keep(drawing);
 }
 
 OdDbDatabasePtr DrawingSession::recover(const std::string& path, OdStringArray& report) {
@@ -153,27 +173,14 @@ OdDbDatabasePtr DrawingSession::recover(const std::string& path, OdStringArray& 
   return drawing;
 }
 
-int DrawingSession::formatVersion(const std::string& path) {
-  std::unique_ptr<OdDbRecordStore> store;
-  require(
-      m_services->recordStoreFactory()->open(OdString(path), OdDbStoreOpenMode::kReadOnly, store),
-      path);
-  return store->formatVersion();
-}
-
-void saveDrawing(OdDbDatabase& drawing) {
-  require(drawing.save(), str(drawing.getFilename()));
-  odNoteFileWritten();
-}
+void saveDrawing(OdDbDatabase& drawing) { require(drawing.save(), str(drawing.getFilename())); }
 
 void compactDrawing(OdDbDatabase& drawing) {
   require(drawing.compact(), str(drawing.getFilename()));
-  odNoteFileWritten();
 }
 
 void saveDrawingAs(OdDbDatabase& drawing, const std::string& path) {
   require(drawing.saveAs(OdString(path)), path);
-  odNoteFileWritten();
 }
 
 }  // namespace cli

@@ -8,6 +8,7 @@
 #include "host/cli/opened_drawing.h"
 #include "host/cli/paths.h"
 #include "platform/db/drawing_settings.h"
+#include "platform/db/read_faults.h"
 
 namespace cli {
 
@@ -160,9 +161,8 @@ bool isSound(const DrawingFacts& facts) {
 }  // namespace
 
 int runInfo(const SessionSettings& settings, const InfoOptions& options) {
-  OpenedDrawing drawing(settings, options.input, DrawingSession::Access::kRead);
-  const FileFacts file{options.input, drawing.session().formatVersion(options.input),
-                       fileSize(options.input)};
+  const OpenedDrawing drawing(settings, options.input, DrawingSession::Access::kRead);
+  const FileFacts file{options.input, oddbFormatVersion(&*drawing), fileSize(options.input)};
   const DrawingFacts facts =
       withProgress("measuring " + options.input, [&] { return gatherFacts(*drawing); });
   printResult(

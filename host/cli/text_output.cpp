@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <numeric>
+#include <utility>
 
 #include "host/cli/cli_error.h"
 #include "platform/base/utf8.h"
@@ -24,6 +25,11 @@ constexpr std::size_t kNarrowestColumn = 12;
 bool isControl(wchar_t ch) { return ch < 0x20 || (ch >= 0x7F && ch < 0xA0); }
 /// A byte that is no UTF-8; see platform/base/utf8.h.
 bool isUndecoded(wchar_t ch) { return ch >= 0xDC80 && ch <= 0xDCFF; }
+
+std::string& pendingOutput() {
+  static std::string text;
+  return text;
+}
 
 bool startsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0u) != 0x80u; }
 
@@ -179,11 +185,14 @@ std::string TextTable::text() const {
   return out;
 }
 
-void printOut(std::string_view text) {
+void printOut(std::string_view text) { pendingOutput() += text; }
+
+Shown showOutput() {
+  const std::string text = std::exchange(pendingOutput(), std::string());
   const std::size_t written = std::fwrite(text.data(), 1, text.size(), stdout);
-  if (written != text.size() || std::fflush(stdout) != 0) {
-    throw CliError(std::string("standard output cannot be written: ") + std::strerror(errno));
-  }
+  if (written == text.size() && std::fflush(stdout) == 0) return Shown::kAll;
+  if (errno == EPIPE) return Shown::kReaderGone;
+  throw CliError(std::string("standard output cannot be written: ") + std::strerror(errno));
 }
 
 void printError(std::string_view line) {

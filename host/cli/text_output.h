@@ -69,8 +69,15 @@ class TextTable {
   std::string m_indent;
 };
 
-/// Writes to standard output and sees it through; a full disk or a closed pipe raises CliError.
+/// Adds to what the command shows on standard output. It is shown when the command has ended, so
+/// that a slow reader of it does not keep drawings locked.
 void printOut(std::string_view text);
+enum class Shown {
+  kAll,
+  kReaderGone,  ///< the pipe is closed: whoever reads does not want more
+};
+/// Writes what was added and sees it through; raises CliError when it cannot be written.
+[[nodiscard]] Shown showOutput();
 /// One line "vdm: <line>" on standard error.
 void printError(std::string_view line);
 

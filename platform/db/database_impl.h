@@ -3,6 +3,7 @@
 
 #include <deque>
 #include <memory>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/base/array.h"
@@ -49,6 +50,10 @@ class OdDbDatabaseImpl {
   /// Makes ids for all records of the file.
   void listAll();
   OdUInt64 pageOut(OdUInt64 budgetBytes);
+  /// Notes the content of an object that cannot be understood, once an object (read_faults.cpp).
+  void noteContentFault(OdUInt64 handle, const OdString& line);
+  /// Where handles without a record were met, finds out whether records vanished.
+  void checkMissing();
   /// Ties a new object to its record in memory and counts it as created.
   OdDbObjectId append(OdDbObject* object, OdDbIdRecord* ownerRecord, OdUInt64 handle);
   /// Deletes an object whose creation was undone and cannot be redone, unless it is still open.
@@ -114,6 +119,7 @@ class OdDbDatabaseImpl {
   OdDbObject* instantiate(OdDbIdRecord* idRecord, const OdDbRecordView& record);
   OdDbObject* reviveProxy(OdDbIdRecord* idRecord);
   void noteDamage(OdDbIdRecord* idRecord, const OdString& text);
+  void noteAbsent(OdDbIdRecord* idRecord);
   bool isAlive(OdDbIdRecord* idRecord);
 
   struct SavePlan;
@@ -128,6 +134,9 @@ class OdDbDatabaseImpl {
   OdStatus writeClasses(OdDbRecordStore& target, bool all);
   OdStatus writeSettings(OdDbRecordStore& target, bool all);
   void savedTo(const OdString& path);
+
+  std::vector<OdUInt64> m_missing;  ///< handles that were looked for in the file and not found
+  std::unordered_set<OdUInt64> m_contentFaults;  ///< objects whose fault is noted
 };
 
 template <class Call>

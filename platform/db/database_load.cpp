@@ -44,7 +44,7 @@ void OdDbDatabaseImpl::fetchHeader(OdDbIdRecord* idRecord) {
                                 : OdStatus{eUnknownHandle, OdString()};
   if (!status.ok()) {
     if (status.code != eUnknownHandle) noteDamage(idRecord, status.text);
-    idRecord->set(OdDbIdRecord::kAbsent);
+    noteAbsent(idRecord);
     return;
   }
   OdDbClassEntry* entry = classes.find(classId);
@@ -72,7 +72,7 @@ OdDbObject* OdDbDatabaseImpl::loadFromStore(OdDbIdRecord* idRecord) {
   const OdStatus status = store->readRecord(idRecord->handle, record);
   if (!status.ok()) {
     if (status.code == eUnknownHandle) {
-      idRecord->set(OdDbIdRecord::kAbsent);
+      noteAbsent(idRecord);
     } else {
       noteDamage(idRecord, status.text);
     }

@@ -11,3 +11,9 @@ OdDbDatabasePtr OdDbXrefRegistry::find(const OdDbObjectId& block) const {
 }
 
 void OdDbXrefRegistry::remove(const OdDbObjectId& block) { m_databases.erase(block.getHandle()); }
+
+std::vector<OdDbDatabasePtr> OdDbXrefRegistry::databases() const {
+  std::vector<OdDbDatabasePtr> all;
+  for (const auto& [block, database] : m_databases) all.push_back(database);
+  return all;
+}

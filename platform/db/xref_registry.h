@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <vector>
 
 #include "platform/db/database.h"
 #include "platform/filer/object_id.h"
@@ -15,6 +16,8 @@ class OdDbXrefRegistry {
   /// Null when the block has no loaded drawing.
   [[nodiscard]] OdDbDatabasePtr find(const OdDbObjectId& block) const;
   void remove(const OdDbObjectId& block);
+  /// In rising order of the handles of their blocks.
+  [[nodiscard]] std::vector<OdDbDatabasePtr> databases() const;
   void clear() { m_databases.clear(); }
   [[nodiscard]] bool empty() const { return m_databases.empty(); }
 

@@ -5,6 +5,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/audit_info.h"
+#include "platform/db/read_faults.h"
 #include "platform/filer/memory_filer.h"
 #include "platform/modeler/solid_journal.h"
 
@@ -94,6 +95,7 @@ OdStatus OdDb3dSolid::getBody(OdModelerBodyPtr& body) const {
     OdStatus status = odModeler().deserialise(m_bytes, m_body);
     if (!status.ok()) {
       status.text = OdString(L"solid ") + getDbHandle().ascii() + L": " + status.text;
+      if (status.code != eNoModeler) oddbNoteReadFault(this, status.text);
       return status;
     }
   }

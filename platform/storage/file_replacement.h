@@ -13,6 +13,8 @@ namespace odstorage {
 /// What stores need from outside; shared by the stores of one factory.
 struct StoreEnvironment {
   ConnectionOptions connection;
+  bool readersHoldOneState = false;
+  int commitTimeoutMs = 0;
   std::shared_ptr<OdStoreFileOps> fileOps;
 };
 

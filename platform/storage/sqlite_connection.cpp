@@ -149,7 +149,11 @@ void Connection::setLimits() {
   sqlite3_db_config(get(), SQLITE_DBCONFIG_DEFENSIVE, defensive, nullptr);
   sqlite3_db_config(get(), SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
   sqlite3_db_config(get(), SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
-  sqlite3_busy_timeout(get(), m_lockTimeoutMs);
+  setLockTimeout(kUsualTimeout);
+}
+
+void Connection::setLockTimeout(int milliseconds) {
+  sqlite3_busy_timeout(get(), milliseconds == kUsualTimeout ? m_lockTimeoutMs : milliseconds);
 }
 
 OdStatus Connection::configure() {

@@ -105,6 +105,9 @@ class Connection {
 
   /// Changes whenever the file's content as seen by this connection changed.
   [[nodiscard]] unsigned dataVersion() const;
+  /// How long the next calls wait for locks of other programs.
+  static constexpr int kUsualTimeout = -1;
+  void setLockTimeout(int milliseconds);
   /// Changes the size of the page cache; kUsualCache is that of the options.
   static constexpr int kUsualCache = 0;
   OdStatus setCacheSize(int kibibytes);

@@ -19,12 +19,18 @@ struct OdSqliteStoreOptions {
   int lockTimeoutMs = 2000;
   /// Page cache of one open file, in KiB.
   int cacheKiB = 8192;
+  /// Stores that are opened for reading keep one read transaction until they are closed: all that
+  /// they read is of one state, and a commit of another program waits until they are closed.
+  bool readersHoldOneState = false;
+  /// How long a commit waits for such readers, and they for a commit, in milliseconds.
+  int commitTimeoutMs = 30000;
 };
 
 /// A factory of SQLite stores. The factory may go before its stores.
 ///
 /// A store that was opened for writing keeps the file's write lock until it is destroyed: readers
-/// go on undisturbed, a second writer gets eFileLocked when it opens. A reader whose file is saved
-/// by another program afterwards gets eFileChanged from its next read, never a mixture of states.
+/// go on undisturbed, a second writer gets eFileLocked when it opens. A reader never sees a mixture
+/// of two states: it either holds its state (readersHoldOneState), or gets eFileChanged from its
+/// next read after another program saved.
 [[nodiscard]] std::unique_ptr<OdDbRecordStoreFactory> createSqliteStoreFactory(
     OdSqliteStoreOptions options = {});

@@ -18,7 +18,8 @@ namespace odstorage {
 
 /// An open drawing file. Three forms:
 ///
-///  - read-only: every call reads the file under a lock of its own and holds none between calls;
+///  - read-only: every call reads the file under a lock of its own and holds none between calls, or
+///    the store holds one state from opening to closing, as the options of its factory say;
 ///  - for writing: one transaction with the write lock is always open, so that a second writer is
 ///    refused from the start, reads need no lock calls, and a save is the commit of it;
 ///  - fresh (from create() until commitSave()): a temporary file that no other program reads.
@@ -107,6 +108,7 @@ class SqliteStore final : public OdDbRecordStore {
   OdStatus writeStateRow(Sql sql);
   OdStatus commitFresh();
   OdStatus commitExisting();
+  OdStatus commitAmongReaders();
   void abandonSave();
   OdStatus takeWriteLock();
   [[nodiscard]] OdStatus checkNotMoved(const std::string& doing) const;

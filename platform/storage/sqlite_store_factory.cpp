@@ -15,6 +15,8 @@ class SqliteStoreFactory final : public OdDbRecordStoreFactory {
   explicit SqliteStoreFactory(OdSqliteStoreOptions options) {
     auto environment = std::make_shared<StoreEnvironment>();
     environment->connection = {std::move(options.vfsName), options.lockTimeoutMs, options.cacheKiB};
+    environment->readersHoldOneState = options.readersHoldOneState;
+    environment->commitTimeoutMs = options.commitTimeoutMs;
     environment->fileOps = options.fileOps != nullptr ? std::move(options.fileOps)
                                                       : std::make_shared<OdPosixFileOps>();
     m_environment = std::move(environment);

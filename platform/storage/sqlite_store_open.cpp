@@ -93,8 +93,11 @@ OdStatus SqliteStore::undoInterruptedSave() {
 }
 
 OdStatus SqliteStore::beginSession() {
-  if (isReadOnly()) return m_connection.execute("BEGIN", "opening");
-  return takeWriteLock();
+  if (!isReadOnly()) return takeWriteLock();
+  if (m_environment->readersHoldOneState) {
+    m_connection.setLockTimeout(m_environment->commitTimeoutMs);
+  }
+  return m_connection.execute("BEGIN", "opening");
 }
 
 OdStatus SqliteStore::checkFile() {
@@ -242,7 +245,8 @@ OdStatus SqliteStore::findLastKey(std::int64_t limit, bool& exists, std::int64_t
 
 OdStatus SqliteStore::endReading() {
   m_dataVersion = m_connection.dataVersion();
-  return isReadOnly() ? m_connection.execute("COMMIT", "opening") : OdStatus{};
+  const bool holdsLock = !isReadOnly() || m_environment->readersHoldOneState;
+  return holdsLock ? OdStatus{} : m_connection.execute("COMMIT", "opening");
 }
 
 void SqliteStore::closeConnection() {

@@ -94,6 +94,9 @@ OdStatus SqliteStore::beginSave() {
   if (m_isSaving) return fail(eInvalidOpenState, "a save of this file is running already");
   status = takeWriteLock();
   if (!status.ok()) return status;
+  // A large save writes pages ahead of its commit where it can. It must not wait for readers each
+  // time that it cannot.
+  m_connection.setLockTimeout(0);
   m_savedState = m_state;
   m_saveFailure = {};
   m_isChanged = false;
@@ -328,12 +331,21 @@ OdStatus SqliteStore::checkNotMoved(const std::string& doing) const {
               doing + " failed: the file was deleted, moved or replaced since it was opened");
 }
 
+/// A commit has to wait until no program reads the file. New readers wait for it in turn.
+OdStatus SqliteStore::commitAmongReaders() {
+  m_connection.setLockTimeout(m_environment->commitTimeoutMs);
+  OdStatus status = m_connection.execute("COMMIT", kSaving);
+  if (status.code != eFileLocked) return status;
+  return fail(eFileLocked, "saving failed: another program still reads the file after a wait of " +
+                               std::to_string(m_environment->commitTimeoutMs) + " ms");
+}
+
 OdStatus SqliteStore::commitExisting() {
   OdStatus status;
   if (m_isChanged) {
     status = writeStateRow(Sql::kUpdateVariable);
     if (status.ok()) status = checkNotMoved("saving");
-    if (status.ok()) status = m_connection.execute("COMMIT", kSaving);
+    if (status.ok()) status = commitAmongReaders();
     // The removal of the journal is the commit; the sync of its folder comes after it.
     const bool isCommitted = status.ok() || m_connection.extendedError() == SQLITE_IOERR_DIR_FSYNC;
     if (!isCommitted) {
@@ -342,12 +354,14 @@ OdStatus SqliteStore::commitExisting() {
     }
     if (!status.ok()) status = savedWithoutFolder(EIO, m_path);
     odNoteFileWritten();
+    m_connection.setLockTimeout(Connection::kUsualTimeout);
     // The lock is taken again at once. Where another program was quicker, this save is done all the
     // same, and the next one reports the change.
     m_hasWriteLock = false;
     m_dataVersion = m_connection.dataVersion();
     std::ignore = takeWriteLock();
   }
+  m_connection.setLockTimeout(Connection::kUsualTimeout);
   m_isSaving = false;
   return status;
 }
@@ -368,6 +382,7 @@ void SqliteStore::abandonSave() {
     if (m_unusable.ok()) m_unusable = fail(eInvalidOpenState, "the save was given up");
     return;
   }
+  m_connection.setLockTimeout(Connection::kUsualTimeout);
   // After some failures SQLite has rolled back by itself.
   if (sqlite3_get_autocommit(m_connection.get()) == 0) {
     std::ignore = m_connection.execute("ROLLBACK", kSaving);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 
 #include "tests/host/cli/script_case.h"
@@ -68,7 +69,7 @@ class RefusedCommand : public testing::Test {
     prepare("vdm props set part.vdm 21 sizes '[1, 2]' --type array:long");
     prepare("echo 'no drawing, no STEP' > text.txt");
     prepare(": > empty.vdm");
-    prepare("mkdir folder && cp part.vdm cut.vdm && truncate -s 5000 cut.vdm");
+    prepare("mkfifo pipe.svg && mkdir folder && cp part.vdm cut.vdm && truncate -s 5000 cut.vdm");
   }
 
   void prepare(const std::string& command) { ASSERT_EQ(m_shell.run(command).exitCode, 0); }
@@ -123,6 +124,8 @@ TEST_F(RefusedCommand, FilesThatCannotBeUsed) {
       {"vdm import $SAMPLES/plate.step -o a.vdm", 1, "output 'a.vdm' exists, --force replaces it"},
       {"vdm new a.vdm", 1, "output 'a.vdm' exists, --force replaces it"},
       {"vdm new folder --force", 1, "output 'folder' is a folder"},
+      {"vdm export part.vdm -o /dev/full --force", 1, "*/dev/full' is not a regular file*"},
+      {"vdm render part.vdm -o pipe.svg --force", 1, "*pipe.svg' is not a regular file*"},
       {"vdm new no/b.vdm", 1, "output 'no/b.vdm': the folder 'no' does not exist"},
       {"vdm export a.vdm -o b.step", 1, "*"},
       {"vdm recover text.txt -o b.vdm", 1, "*text.txt*"},
@@ -131,6 +134,29 @@ TEST_F(RefusedCommand, FilesThatCannotBeUsed) {
       {"trap '' XFSZ; ulimit -f 8; vdm import $SAMPLES/assembly.step -o b.vdm", 1, "*b.vdm*"},
       {"trap '' XFSZ; ulimit -f 1; vdm export part.vdm -o b.step", 1, "*b.step*"},
   });
+}
+
+/// The exit code tells a command that changed nothing from one whose report was lost.
+TEST_F(RefusedCommand, OutputThatCannotBeShown) {
+  const std::string kClosedPipe = "mkfifo p; { : < p; } & exec 3> p; wait; rm p; ";
+  const std::string kSave = "vdm props set part.vdm 21 length ";
+  const std::string kLost = "a file was written, but standard output cannot be*";
+  expectRefused({
+      {"vdm tree a.vdm > /dev/full", 1, "standard output cannot be written: *"},
+      {"vdm tree a.vdm >&-", 1, "standard output cannot be written: *"},
+  });
+  EXPECT_EQ(m_shell.run(kClosedPipe + "vdm tree a.vdm >&3").exitCode, 128 + SIGPIPE);
+  int value = 20;
+  for (const std::string& lost :
+       {kSave + "20 > /dev/full", kSave + "21 >&-", kClosedPipe + kSave + "22 >&3"}) {
+    SCOPED_TRACE(lost);
+    const Outcome outcome = m_shell.run(lost);
+    Words words;
+    EXPECT_EQ(outcome.exitCode, 4);
+    EXPECT_EQ(compareLines({"vdm: " + kLost}, outcome.errors, words), "");
+    const Outcome saved = m_shell.run("vdm props get part.vdm 21 length");
+    EXPECT_EQ(saved.output, std::vector<std::string>{std::to_string(value++)});
+  }
 }
 
 TEST_F(RefusedCommand, ObjectsAndValuesThatDoNotFit) {

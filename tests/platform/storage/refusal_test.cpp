@@ -1,6 +1,4 @@
 // Files that are no drawings, or not ones to trust, are refused with an error that says why.
-#include <sqlite3.h>
-
 #include <cstdio>
 #include <filesystem>
 #include <functional>
@@ -11,18 +9,8 @@
 
 namespace {
 
+using storetest::executeSql;
 using storetest::makeContent;
-
-/// Edits a drawing without the store.
-void execute(const std::string& path, const std::string& sql) {
-  sqlite3* connection = nullptr;
-  ASSERT_EQ(sqlite3_open(path.c_str(), &connection), SQLITE_OK);
-  char* message = nullptr;
-  EXPECT_EQ(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, &message), SQLITE_OK)
-      << sql << ": " << (message != nullptr ? message : "");
-  sqlite3_free(message);
-  sqlite3_close(connection);
-}
 
 struct Refusal {
   std::function<void(const std::string& path)> prepare;
@@ -31,7 +19,7 @@ struct Refusal {
 };
 
 std::function<void(const std::string&)> sql(const std::string& text) {
-  return [text](const std::string& path) { execute(path, text); };
+  return [text](const std::string& path) { executeSql(path, text); };
 }
 
 std::function<void(const std::string&)> bytes(const std::string& content) {
@@ -60,8 +48,8 @@ void makeNewer(const std::string& path) {
     std::snprintf(digits, sizeof(digits), "%02X", byte);
     hex += digits;
   }
-  execute(path, "PRAGMA user_version=7;UPDATE header SET value=x'" + hex +
-                    "',sum=" + std::to_string(static_cast<std::int64_t>(sum)) + " WHERE id=1");
+  executeSql(path, "PRAGMA user_version=7;UPDATE header SET value=x'" + hex +
+                       "',sum=" + std::to_string(static_cast<std::int64_t>(sum)) + " WHERE id=1");
 }
 
 class Refusals : public storetest::FolderTest {};
@@ -130,7 +118,7 @@ TEST_F(Refusals, RecordsThatWereTamperedWithAreNamed) {
   for (const auto& [change, code] : kTamperings) {
     SCOPED_TRACE(change);
     ASSERT_TRUE(writeFile(*factory, path, makeContent(20, 200)).ok());
-    execute(path, change);
+    executeSql(path, change);
     std::unique_ptr<OdDbRecordStore> store;
     ASSERT_TRUE(factory->open(path, OdDbStoreOpenMode::kReadOnly, store).ok());
     OdDbRecordView record;
@@ -204,14 +192,14 @@ TEST_F(Refusals, NewerFormatOpensForReadingWhenItSaysSo) {
   const std::string path = file("newer.vdm");
   const storetest::Content content = makeContent(20, 200);
   ASSERT_TRUE(writeFile(*factory, path, content).ok());
-  execute(path, "CREATE TABLE more(x);PRAGMA user_version=2");
+  executeSql(path, "CREATE TABLE more(x);PRAGMA user_version=2");
   std::unique_ptr<OdDbRecordStore> store;
   EXPECT_EQ(factory->open(path, OdDbStoreOpenMode::kReadWrite, store).code, eNewerFormat);
   EXPECT_TRUE(succeeded(factory->open(path, OdDbStoreOpenMode::kReadOnly, store)));
   ASSERT_NE(store, nullptr);
   EXPECT_EQ(store->formatVersion(), 2);
   EXPECT_TRUE(storetest::readAll(*store) == content);
-  execute(path, "CREATE VIEW v AS SELECT 1");
+  executeSql(path, "CREATE VIEW v AS SELECT 1");
   EXPECT_EQ(factory->open(path, OdDbStoreOpenMode::kReadOnly, store).code, eCorruptData);
 }
 

@@ -143,6 +143,31 @@ TEST_F(SqliteStore, ReaderNeverMixesTwoStates) {
   EXPECT_EQ(reader->readAll([](const OdDbRecordView&) { return true; }).code, eFileChanged);
 }
 
+/// Also a save that is larger than the page cache, which would write ahead of its commit.
+TEST_F(SqliteStore, ReaderOfOneStateHoldsBackCommits) {
+  const Content first = makeContent(10, 100);
+  Content second = first;
+  for (std::uint64_t handle = 20; handle < 60; ++handle) {
+    second.records[handle] = {1, 0, noise(100000, static_cast<std::uint32_t>(handle))};
+  }
+  OdSqliteStoreOptions options;
+  options.cacheKiB = 64;
+  options.readersHoldOneState = true;
+  options.commitTimeoutMs = 0;
+  m_factory = createSqliteStoreFactory(options);
+  write(first);
+  StorePtr reader = openReader();
+  StorePtr writer = open();
+  const OdStatus status = saveChanges(*writer, first, second);
+  EXPECT_EQ(status.code, eFileLocked) << textOf(status);
+  EXPECT_NE(textOf(status).find("still reads"), std::string::npos) << textOf(status);
+  EXPECT_TRUE(storetest::readAll(*reader) == first);
+  EXPECT_TRUE(storetest::readAll(*openReader()) == first) << "readers do not hold back each other";
+  reader.reset();
+  EXPECT_TRUE(succeeded(saveChanges(*writer, first, second)));
+  expectContent(second);
+}
+
 /// Before the first row is written and after the last one.
 TEST_F(SqliteStore, WriterOfAMovedReplacedOrDeletedFileSavesNothing) {
   namespace fs = std::filesystem;

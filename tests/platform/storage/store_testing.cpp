@@ -1,6 +1,8 @@
 // Helpers for tests of the drawing file.
 #include "tests/platform/storage/store_testing.h"
 
+#include <sqlite3.h>
+
 #include <random>
 
 namespace storetest {
@@ -93,6 +95,16 @@ std::optional<Content> readFile(OdDbRecordStoreFactory& factory, const std::stri
   const OdStatus status = factory.open(path, OdDbStoreOpenMode::kReadOnly, store);
   if (reason != nullptr) *reason = status;
   return status.ok() ? readAll(*store, reason) : std::nullopt;
+}
+
+void executeSql(const std::string& path, const std::string& sql) {
+  sqlite3* connection = nullptr;
+  ASSERT_EQ(sqlite3_open(path.c_str(), &connection), SQLITE_OK);
+  char* message = nullptr;
+  EXPECT_EQ(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, &message), SQLITE_OK)
+      << sql << ": " << (message != nullptr ? message : "");
+  sqlite3_free(message);
+  sqlite3_close(connection);
 }
 
 }  // namespace storetest

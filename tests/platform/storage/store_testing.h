@@ -52,6 +52,9 @@ std::optional<Content> readAll(OdDbRecordStore& store, OdStatus* reason = nullpt
 std::optional<Content> readFile(OdDbRecordStoreFactory& factory, const std::string& path,
                                 OdStatus* reason = nullptr);
 
+/// Edits a drawing without the store, so that checksums and digests stay as they are.
+void executeSql(const std::string& path, const std::string& sql);
+
 class FolderTest : public testing::Test {
  protected:
   [[nodiscard]] std::string file(const std::string& name) const { return m_folder.file(name); }

@@ -1,0 +1,168 @@
+// A reading command answers from one state of the drawing, wherever another program saves.
+//
+// The command is stopped before each read and each change of a lock in turn. Another process, this
+// one, saves then, or is refused. The answer must be that of the drawing before the save or of the
+// one after it, to the byte.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "tests/host/cli/script_case.h"
+#include "tests/platform/storage/store_testing.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace cli_testing;
+
+/// A reading command, and the file that it writes.
+struct ReadingCommand {
+  const char* line;
+  const char* output = "";
+};
+constexpr ReadingCommand kCommands[] = {
+    {"info a.vdm"},
+    {"tree a.vdm"},
+    {"dump a.vdm"},
+    {"refs list a.vdm"},
+    {"refs audit a.vdm"},
+    {"feature list a.vdm"},
+    {"component list a.vdm"},
+    {"props list a.vdm 21"},
+    {"audit a.vdm"},
+    {"export a.vdm -o out.step --force", "out.step"},
+    {"render a.vdm -o out.svg --labels --force", "out.svg"},
+};
+
+/// Exit code, what was printed, what was written.
+struct Answer {
+  int exitCode = -1;
+  std::string text;
+  std::string file;
+  friend bool operator==(const Answer&, const Answer&) = default;
+};
+
+/// Stores that wait for nobody.
+std::unique_ptr<OdDbRecordStoreFactory> makeFactory() {
+  OdSqliteStoreOptions options;
+  options.lockTimeoutMs = 0;
+  options.commitTimeoutMs = 0;
+  return createSqliteStoreFactory(options);
+}
+
+class StoppedReader : public testing::Test {
+ protected:
+  StoppedReader() : m_shell(fs::current_path() / "stopped") {
+    run("cp $SAMPLES/plate.step . && vdm import plate.step -o a.vdm");
+    run("vdm refs add a.vdm 21 --at 60,40,10 --face --name top");
+    run("vdm component add a.vdm h hole --diameter 9");
+    run("vdm insert a.vdm h --on top --at 30,30,10 --name left");
+    run("cp a.vdm old.vdm");
+    run("vdm insert a.vdm h --on top --at 90,30,10 --name right");
+    run("vdm move a.vdm left --by 5,5,0 && vdm props set a.vdm 21 state new");
+    run("vdm refs add a.vdm 21 --at 0,0,5 --edge --name corner && mv a.vdm new.vdm");
+    m_old = contentOf("old.vdm");
+    m_new = contentOf("new.vdm");
+    begin("old.vdm");
+    EXPECT_TRUE(save());  // the size of the file is a part of what commands show
+    fs::rename(path("a.vdm"), path("new.vdm"));
+  }
+
+  void run(const std::string& command) { ASSERT_EQ(m_shell.run(command).exitCode, 0) << command; }
+  [[nodiscard]] std::string path(const std::string& name) const {
+    return (m_shell.folder() / name).string();
+  }
+  [[nodiscard]] storetest::Content contentOf(const std::string& name) const {
+    return storetest::readFile(*m_factory, path(name)).value();
+  }
+  /// The drawing is as in that file, and nothing of an earlier command is left.
+  void begin(const char* state) const {
+    fs::copy_file(path(state), path("a.vdm"), fs::copy_options::overwrite_existing);
+    for (const char* name : {"out.step", "out.svg"}) fs::remove(path(name));
+  }
+  /// Starts the command so that it stops before step `at`; true when it did, false when it ended.
+  bool startAndStop(const ReadingCommand& command, std::size_t at) {
+    m_process = ::fork();
+    if (m_process == 0) {
+      ::setenv("LD_PRELOAD", VDM_STOP_BETWEEN_READS, 1);
+      ::setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
+      ::setenv("VDM_TEST_STOP_FILE", "a.vdm", 1);
+      ::setenv("VDM_TEST_STOP_AT", std::to_string(at).c_str(), 1);
+      ::setenv("VDM_UNSUPERVISED", "1", 1);  // a stop of the child's child would not be seen
+      const std::string line = "cd '" + m_shell.folder().string() + "' && exec vdm " +
+                               command.line + " > '" + path("../stopped.answer") + "'";
+      ::execl("/bin/sh", "sh", "-c", line.c_str(), nullptr);
+      ::_exit(127);
+    }
+    int status = 0;
+    EXPECT_EQ(::waitpid(m_process, &status, WUNTRACED), m_process);
+    if (WIFSTOPPED(status)) return true;
+    m_exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return false;
+  }
+  Answer finish(const ReadingCommand& command, bool isStopped) {
+    if (isStopped) {
+      int status = 0;
+      ::kill(m_process, SIGCONT);
+      EXPECT_EQ(::waitpid(m_process, &status, 0), m_process);
+      m_exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    const std::string written = *command.output == '\0' ? "" : readBytes(path(command.output));
+    return {m_exitCode, readBytes(path("../stopped.answer")), written};
+  }
+  Answer answerOf(const ReadingCommand& command, const char* state) {
+    begin(state);
+    EXPECT_FALSE(startAndStop(command, 0));
+    return finish(command, /*isStopped=*/false);
+  }
+  /// False when the reader holds the file.
+  bool save() {
+    std::unique_ptr<OdDbRecordStore> store;
+    EXPECT_TRUE(succeeded(m_factory->open(path("a.vdm"), OdDbStoreOpenMode::kReadWrite, store)));
+    const OdStatus status = saveChanges(*store, m_old, m_new);
+    EXPECT_TRUE(status.ok() || status.code == eFileLocked) << textOf(status);
+    return status.ok();
+  }
+
+  Shell m_shell;
+  std::unique_ptr<OdDbRecordStoreFactory> m_factory = makeFactory();
+  storetest::Content m_old;
+  storetest::Content m_new;
+  pid_t m_process = 0;
+  int m_exitCode = -1;
+};
+
+TEST_F(StoppedReader, AnswersFromOneState) {
+  const std::size_t step = std::getenv("VDM_LONG_TESTS") != nullptr ? 1 : 3;
+  for (const ReadingCommand& command : kCommands) {
+    SCOPED_TRACE(command.line);
+    const Answer before = answerOf(command, "old.vdm");
+    const Answer after = answerOf(command, "new.vdm");
+    EXPECT_EQ(before.exitCode, 0);
+    EXPECT_FALSE(before.text.empty());
+    std::size_t stops = 0;
+    std::size_t saves = 0;
+    for (std::size_t at = 1;; at += step) {
+      begin("old.vdm");
+      const bool isStopped = startAndStop(command, at);
+      const bool saved = isStopped && save();
+      const Answer answer = finish(command, isStopped);
+      EXPECT_TRUE(answer == before || (saved && answer == after))
+          << "step " << at << ": exit " << answer.exitCode << "\n"
+          << answer.text;
+      if (!isStopped) break;
+      ++stops;
+      if (saved) ++saves;
+    }
+    EXPECT_GT(stops, 8 / step);
+    EXPECT_LT(saves, stops) << "the reader held no lock";
+    EXPECT_TRUE(save()) << "the reader left a lock";
+  }
+}
+
+}  // namespace
