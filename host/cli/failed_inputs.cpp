@@ -13,6 +13,7 @@
 #include "host/cli/drawing_session.h"
 #include "host/cli/text_output.h"
 #include "platform/base/error.h"
+#include "platform/base/work_note.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/host_app_services.h"
 #include "platform/modeler/db_3d_solid.h"
@@ -30,6 +31,22 @@ bool isOfInterest(const OdWallFailure& failure) {
   return std::ranges::find(kCodes, failure.status.code) != kCodes.end() &&
          (!failure.inputs.empty() || !failure.path.isEmpty());
 }
+
+/// What is written in its scope is kept for the one who looks into the failure; it is no result of
+/// the command.
+class UncountedFiles {
+ public:
+  UncountedFiles() : m_board(odWorkBoard()), m_written(m_board != nullptr && m_board->written) {}
+  ~UncountedFiles() {
+    if (m_board != nullptr) m_board->written = m_written;
+  }
+  UncountedFiles(const UncountedFiles&) = delete;
+  UncountedFiles& operator=(const UncountedFiles&) = delete;
+
+ private:
+  OdWorkBoard* m_board;
+  bool m_written;
+};
 
 void writeSolids(const OdWallFailure& failure, OdDbHostAppServices& services,
                  const fs::path& path) {
@@ -73,6 +90,7 @@ fs::path FailedInputs::reserve(const std::string& operation) const {
 
 void FailedInputs::keep(const OdWallFailure& failure, OdDbHostAppServices& services) const {
   if (!isOfInterest(failure)) return;
+  const UncountedFiles uncounted;
   try {
     std::string operation = str(failure.operation);
     std::ranges::replace(operation, ' ', '-');
