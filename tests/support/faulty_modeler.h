@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <memory>
@@ -19,6 +20,8 @@ inline constexpr double kLoop = 667.0;
 inline constexpr double kEatMemory = 668.0;
 inline constexpr double kExit = 669.0;
 inline constexpr double kWait = 670.0;
+/// A boolean crashes on a tool whose box is as wide.
+inline constexpr double kCrashingTool = 13.25;
 }  // namespace fault
 
 /// Faults come with the radius of a cylinder. A sphere fails and says in its text how many bodies
@@ -48,6 +51,9 @@ class FaultyModeler : public FailingModeler {
   OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
                    std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& result,
                    OdModelerHistory* history) override {
+    for (const OdModelerBodyPtr& tool : tools) {
+      if (std::abs(tool->extents().diagonal().x - fault::kCrashingTool) < 1e-3) raise(SIGSEGV);
+    }
     OdStatus status = FailingModeler::boolean(kind, base, tools, result, history);
     if (m_spoilsHistories && history != nullptr) history->inputs[0].faces[0].images = {12345};
     return status;

@@ -1,6 +1,7 @@
 // Failures within a pass: everything is rolled back and reported.
-#include "tests/support/failing_modeler.h"
+#include "platform/modeler_wall/walled_modeler.h"
 #include "tests/host/modeling/modeling_testing.h"
+#include "tests/support/faulty_modeler.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 
 using namespace vdm_host;
@@ -128,6 +129,36 @@ TEST_F(BarePassTest, AnUpdateAfterAFailedPassMakesUpForIt) {
   EXPECT_GE(rolledBack, 2);
   ASSERT_TRUE(done(m_editor->update(/*force=*/true)));
   EXPECT_TRUE(isAsFresh(m_base)) << "what is stored heals the plate";
+}
+
+// The modeller dies of one tool, behind its wall: the pass ends as if that boolean had failed.
+class WalledPassTest : public BarePassTest {
+ protected:
+  WalledPassTest() {
+    auto faulty = std::make_shared<FaultyModeler>(odCreateOcctModeler());
+    odSetModeler(odCreateWalledModeler(std::move(faulty)));
+  }
+};
+
+TEST_F(WalledPassTest, APassOutlivesItsModeller) {
+  const EditResult here = insert(hole(L"here", 10.0), 50.0, 50.0);
+  const OdDbObjectId bad = hole(L"bad", 20.0);
+  const EditResult failing = insert(bad, 150.0, 100.0);
+  const OdModelerBodyPtr tool = cylinder(10.0, 400.0, {0.0, 0.0, -200.0});
+  setTool(bad, cylinder(fault::kCrashingTool / 2.0, 400.0, {0.0, 0.0, -200.0}));
+  move(here.created, 20.0);
+  move(failing.created, 20.0);
+  const double before = volume();
+  bareUpdate();
+  EXPECT_EQ(volume(), before);
+  const EditResult refused = m_editor->update();
+  EXPECT_FALSE(refused.ok());
+  EXPECT_GE(refused.status.text.find(L"boolean: it crashed (segmentation fault)"), 0)
+      << refused.status.text.utf8();
+  EXPECT_EQ(volume(), before);
+  setTool(bad, tool);
+  ASSERT_TRUE(done(m_editor->update()));
+  EXPECT_TRUE(isAsFresh(m_base));
 }
 
 TEST_F(RollbackTest, ACutThatLeavesNothingIsRefused) {
