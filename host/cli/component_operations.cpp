@@ -121,8 +121,11 @@ StepResult addComponent(Editing& editing, const Arguments& arguments) {
 OdGePoint3d middleOf(const OdModelerBody& body, OdModelerSubent subent) {
   if (subent.type == OdModelerSubentType::kFace) {
     const OdModelerFace& face = body.face(subent.index);
-    const bool isFlat = face.kind == OdModelerSurfaceKind::kPlane;
-    return isFlat ? face.centroid : face.pointOnFace;
+    // The middle of a ring or of a bent strip lies beside it.
+    const double tolerance = 1e-9 * body.subentExtents(subent).diagonal().length();
+    const bool hasMiddle = face.kind == OdModelerSurfaceKind::kPlane &&
+                           body.distanceTo(subent, face.centroid) <= tolerance;
+    return hasMiddle ? face.centroid : face.pointOnFace;
   }
   if (subent.type == OdModelerSubentType::kEdge) return body.edge(subent.index).midPoint;
   return body.vertex(subent.index).point;
@@ -170,6 +173,7 @@ vdm_host::ComponentPlacement placementOf(Editing& editing, const Arguments& argu
     placement.rotation = arguments.number("angle") * std::numbers::pi / 180.0;
   }
   placement.name = OdString(arguments.text("name"));
+  placement.acceptsNoEffect = arguments.has("force");
   return placement;
 }
 
@@ -217,6 +221,7 @@ constexpr Parameter kInsertParameters[] = {
      "out of the material; the normal of the face by default"},
     {"angle", Kind::kNumber, false, false, "of the component about its axis, degrees"},
     {"name", Kind::kText, false, false, "name of the feature; numbered by default"},
+    {"force", Kind::kFlag, false, false, "insert it even if it changes nothing there"},
 };
 
 constexpr Operation kOperations[] = {

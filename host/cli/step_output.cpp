@@ -96,8 +96,8 @@ bool isLoss(const ReferenceReport& report) {
 }
 
 bool isSoundPass(const UpdateReport& report) {
-  const auto failed = [](const FeatureReport& f) { return f.outcome == FeatureOutcome::kFailed; };
-  return !report.rolledBack && std::ranges::none_of(report.features, failed) &&
+  return !report.rolledBack &&
+         std::ranges::none_of(report.features, &FeatureReport::needsAttention) &&
          std::ranges::none_of(mergedByReference(report), isLoss);
 }
 
@@ -110,13 +110,13 @@ bool isWorthALine(const FeatureReport& feature, bool explain) {
 }
 
 std::string summaryLine(const UpdateReport& report) {
-  std::array<std::uint64_t, 4> counts{};
+  std::array<std::uint64_t, 5> counts{};
   for (const FeatureReport& feature : report.features) {
     ++counts[static_cast<std::size_t>(feature.outcome)];
   }
   std::string line;
-  for (const FeatureOutcome outcome :
-       {FeatureOutcome::kUpdated, FeatureOutcome::kFailed, FeatureOutcome::kCondemned}) {
+  for (const FeatureOutcome outcome : {FeatureOutcome::kUpdated, FeatureOutcome::kFailed,
+                                       FeatureOutcome::kCondemned, FeatureOutcome::kIdle}) {
     const std::uint64_t count = counts[static_cast<std::size_t>(outcome)];
     if (count == 0 && outcome != FeatureOutcome::kUpdated) continue;
     line += std::to_string(count) + " " + str(vdm_host::toText(outcome)) + ", ";

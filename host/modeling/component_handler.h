@@ -116,6 +116,7 @@ class ComponentHandler final : public FeatureHandler {
   void noteOpenings(const BodyLineage& lineage) const;
   void matchSamples(const BodyLineage& lineage);
   void storeApplied();
+  void noteWithoutEffect(const Work& work);
   [[nodiscard]] static ToolFaces toolFaces(const BodyLineage& lineage, const Work& work);
 
   UpdateHelper& m_helper;

@@ -233,7 +233,28 @@ void ComponentHandler::storeApplied() {
     const VdmDbInsertReactorPtr reactor =
         feature->insertReactorId().openAs<VdmDbInsertReactor>(OdDb::kForWrite);
     if (!reactor.isNull()) reactor->setChanged(false);
+    if (work.applies) noteWithoutEffect(work);
   }
+}
+
+// A component whose tools left no residue: it is off the solid, or in what others took already.
+void ComponentHandler::noteWithoutEffect(const Work& work) {
+  ComponentPieces* pieces = siteOf(work.solid).ledger.find(work.feature);
+  if (m_helper.context() == nullptr) return;
+  if (pieces != nullptr &&
+      std::ranges::any_of(kToolKinds, [&](ToolKind kind) { return pieces->hasPiece(kind); })) {
+    return;
+  }
+  const OdGeVector3d at = work.now.translation();
+  const OdModelerBodyPtr body = bodyOf(work.solid);
+  const OdGeExtents3d box = body ? body->extents() : OdGeExtents3d();
+  OdString text;
+  text.format(
+      L"at (%g, %g, %g) it changes nothing: solid %ls reaches from (%g, %g, %g) to "
+      L"(%g, %g, %g)",
+      at.x, at.y, at.z, OdString(work.solid.getHandle().ascii()).c_str(), box.minPoint().x,
+      box.minPoint().y, box.minPoint().z, box.maxPoint().x, box.maxPoint().y, box.maxPoint().z);
+  m_helper.context()->recorder.noteIdle(work.feature, text);
 }
 
 }  // namespace vdm_host

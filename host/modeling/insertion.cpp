@@ -3,8 +3,8 @@
 // The place of a component is a point, a direction out of the material and a base face. A caller
 // gives the point and any of the other two. The face is the one that was named or the one in which
 // the point lies; the direction is the one that was given or the outward normal of the face there.
-// Planes, cylinders and spheres have a normal that follows from their axis or centre; for other
-// surfaces a direction is required. Without a face the component has no base face to follow.
+// At an apex, which has no normal, a direction is required. Without a face the component has no
+// base face to follow.
 #include "host/modeling/insertion.h"
 
 #include <cmath>
@@ -58,22 +58,12 @@ OdStatus findFace(const OdModelerBody& body, const ComponentPlacement& placement
   return refuse(text);
 }
 
-// Out of the material at the point, of any length.
-OdStatus outwardNormal(const OdModelerFace& face, const OdGePoint3d& point,
+// Out of the material at the point of the face that is nearest to the point.
+OdStatus outwardNormal(const OdModelerBody& body, OdUInt32 face, const OdGePoint3d& point,
                        OdGeVector3d& direction) {
-  if (face.kind == OdModelerSurfaceKind::kPlane) {
-    direction = face.axis;
-    return {};
-  }
-  if (face.kind == OdModelerSurfaceKind::kCylinder || face.kind == OdModelerSurfaceKind::kSphere) {
-    OdGeVector3d out = point - face.origin;
-    if (face.kind == OdModelerSurfaceKind::kCylinder) out -= face.axis * out.dotProduct(face.axis);
-    if (!out.isZeroLength()) {
-      direction = face.inward ? -out : out;
-      return {};
-    }
-  }
-  return refuse(OdString(L"the face has no simple normal at the point: a direction is needed"));
+  direction = body.nearestOnFace(face, point).normal;
+  if (!direction.isZeroLength()) return {};
+  return refuse(OdString(L"the face has no normal at the point: a direction is needed"));
 }
 
 }  // namespace
@@ -101,7 +91,7 @@ OdStatus makeInsertion(OdDbDatabase* database, const OdDbObjectId& block,
   if (status.ok() && placement.direction) {
     direction = *placement.direction;
   } else if (status.ok()) {
-    status = outwardNormal(body->face(face), placement.point, direction);
+    status = outwardNormal(*body, face, placement.point, direction);
   }
   if (!status.ok()) return status;
 

@@ -94,11 +94,14 @@ OdStatus runEdit(OdDbDatabase* database, UpdateReport& report, bool force,
   }
 }
 
-EditResult transact(OdDbDatabase* database, bool force, const std::function<OdStatus()>& change) {
+// `accept` sees the report of an edit that went well, and may refuse it.
+EditResult transact(OdDbDatabase* database, bool force, const std::function<OdStatus()>& change,
+                    const std::function<OdStatus(UpdateReport&)>& accept = nullptr) {
   const auto began = Clock::now();
   EditResult result;
   OdDbTransaction transaction(database);
   result.status = runEdit(database, result.report, force, change);
+  if (result.ok() && accept) result.status = accept(result.report);
   if (result.ok()) {
     transaction.commit();
   } else {
@@ -117,8 +120,13 @@ void ModelEditor::beginStep() {
 }
 
 EditResult ModelEditor::edit(const OdString& what, const std::function<OdStatus()>& change) {
+  return edit(what, change, nullptr);
+}
+
+EditResult ModelEditor::edit(const OdString& what, const std::function<OdStatus()>& change,
+                             const std::function<OdStatus(UpdateReport&)>& accept) {
   beginStep();
-  EditResult result = transact(m_database, /*force=*/false, change);
+  EditResult result = transact(m_database, /*force=*/false, change, accept);
   if (!result.ok() && !what.isEmpty()) result.status.text = what + L": " + result.status.text;
   return result;
 }
@@ -134,9 +142,13 @@ EditResult ModelEditor::insertComponent(const OdDbObjectId& block,
                                         const ComponentPlacement& placement) {
   OdDbObjectId insert;
   OdDbObjectId feature;
-  EditResult result = edit(OdString(L"insert"), [&] {
-    return makeInsertion(m_database, block, placement, insert, feature);
-  });
+  const auto make = [&] { return makeInsertion(m_database, block, placement, insert, feature); };
+  const auto accept = [&](UpdateReport& report) -> OdStatus {
+    const FeatureReport& own = report.feature(feature);
+    if (own.outcome != FeatureOutcome::kIdle || placement.acceptsNoEffect) return {};
+    return refuse(L"component \"" + own.component + L"\": " + own.text);
+  };
+  EditResult result = edit(OdString(L"insert"), make, accept);
   if (!result.ok()) return result;
   result.created = insert;
   result.feature = feature;

@@ -37,6 +37,9 @@ struct ComponentPlacement {
   std::optional<OdGeVector3d> direction;
   double rotation = 0.0;  ///< of the component about that axis, radians
   OdString name;          ///< of the feature; numbered names by default
+  /// A component that changes nothing is inserted all the same, and the report says so; by default
+  /// that is refused.
+  bool acceptsNoEffect = false;
 };
 
 /// Each edit runs in one transaction of the drawing, under a journal of the solids it touches, and
@@ -101,6 +104,8 @@ class ModelEditor {
                                                  std::span<const OdUInt32> edges, double size);
 
   void beginStep();
+  EditResult edit(const OdString& what, const std::function<OdStatus()>& change,
+                  const std::function<OdStatus(UpdateReport&)>& accept);
   EditResult blendEdges(const OdString& what, Blend blend, const OdDbObjectId& solid,
                         std::span<const OdUInt32> edges, double size);
   EditResult blendReferences(BlendEdges blend, std::span<const OdDbObjectId> references,

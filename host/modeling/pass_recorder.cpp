@@ -87,6 +87,12 @@ void PassRecorder::setReason(const OdDbObjectId& feature, const OdString& reason
   m_reasons[feature] = reason;
 }
 
+void PassRecorder::noteIdle(const OdDbObjectId& feature, const OdString& text) {
+  FeatureReport& report = entry(feature);
+  report.outcome = FeatureOutcome::kIdle;
+  report.text = text;
+}
+
 void PassRecorder::noteStep(const OdDbObjectId& feature, const OdDbObjectId& solid,
                             SolidAction action) {
   FeatureReport& report = entry(feature);

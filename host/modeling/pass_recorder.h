@@ -22,6 +22,8 @@ class PassRecorder final : public VdmUpdateObserver {
   [[nodiscard]] const OdStatus& failure() const { return m_failure; }
   /// A failure of one feature's operation; the pass continues, and its host rolls back.
   void noteFailure(const OdDbObjectId& feature, OdStatus status);
+  /// The feature was done and changed nothing; `text` says where it is and where its solid is.
+  void noteIdle(const OdDbObjectId& feature, const OdString& text);
   void noteStep(const OdDbObjectId& feature, const OdDbObjectId& solid, SolidAction action);
   /// Why the feature will be taken, where the host knows better than the pass.
   void setReason(const OdDbObjectId& feature, const OdString& reason);

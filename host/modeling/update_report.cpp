@@ -6,8 +6,7 @@
 namespace vdm_host {
 
 bool UpdateReport::isSound() const {
-  const auto failed = [](const FeatureReport& f) { return f.outcome == FeatureOutcome::kFailed; };
-  return !rolledBack && std::ranges::none_of(features, failed) &&
+  return !rolledBack && std::ranges::none_of(features, &FeatureReport::needsAttention) &&
          std::ranges::none_of(references, &ReferenceReport::needsAttention);
 }
 
@@ -37,6 +36,8 @@ OdString toText(FeatureOutcome outcome) {
       return OdString(L"failed");
     case FeatureOutcome::kCondemned:
       return OdString(L"erased");
+    case FeatureOutcome::kIdle:
+      return OdString(L"without effect");
   }
   return {};
 }

@@ -15,6 +15,7 @@ enum class FeatureOutcome {
   kUpdated,    ///< its solid operations were done anew
   kFailed,     ///< an operation or its update failed
   kCondemned,  ///< erased, since its insert or its solid was erased
+  kIdle,       ///< done, and its tools neither took anything away nor added anything
 };
 
 /// What was done to a solid on behalf of a feature.
@@ -33,6 +34,10 @@ struct FeatureReport {
   OdString reason;  ///< why it took part
   OdString text;    ///< what went wrong; empty when nothing did
   std::vector<SolidStep> steps;
+
+  [[nodiscard]] bool needsAttention() const {
+    return outcome == FeatureOutcome::kFailed || outcome == FeatureOutcome::kIdle;
+  }
 };
 
 /// A reference that leads to something else than before, or is resolved in another way.
@@ -62,7 +67,7 @@ struct UpdateReport {
   bool rolledBack = false;          ///< the drawing is as it was before
   OdString rollbackReason;
 
-  /// Nothing failed, and no reference became lost or ambiguous.
+  /// Nothing failed or had no effect, and no reference became lost or ambiguous.
   [[nodiscard]] bool isSound() const;
   /// The feature's entry, made when it is missing.
   FeatureReport& feature(const OdDbObjectId& id);

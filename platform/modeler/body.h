@@ -54,6 +54,12 @@ struct OdModelerFace {
   std::vector<OdUInt32> edges;  ///< indices, rising, each once; a degenerate edge is left out
 };
 
+/// A point of a face.
+struct OdModelerFacePoint {
+  OdGePoint3d point;
+  OdGeVector3d normal;  ///< unit, away from the material; zero at a point without one, as an apex
+};
+
 /// One edge. A closed edge has the same start and end; an edge without ends (a degenerate point of
 /// a cone or sphere has none of length) gives index 0.
 struct OdModelerEdge {
@@ -136,6 +142,9 @@ class OdModelerBody {
   /// From a point to the nearest point of a subentity, its boundary included.
   [[nodiscard]] virtual double distanceTo(OdModelerSubent subent,
                                           const OdGePoint3d& point) const = 0;
+  /// The point of a face, its boundary included, that is nearest to a point.
+  [[nodiscard]] virtual OdModelerFacePoint nearestOnFace(OdUInt32 face,
+                                                         const OdGePoint3d& point) const = 0;
   [[nodiscard]] virtual OdModelerMassProperties massProperties() const = 0;
   /// Checks the boundary: closed, oriented, curves on their surfaces within tolerance. The text
   /// names the first fault.

@@ -65,6 +65,7 @@ class Body final : public OdModelerBody {
   OdGeExtents3d extents() const override;
   OdGeExtents3d subentExtents(OdModelerSubent subent) const override;
   double distanceTo(OdModelerSubent subent, const OdGePoint3d& point) const override;
+  OdModelerFacePoint nearestOnFace(OdUInt32 face, const OdGePoint3d& point) const override;
   OdModelerMassProperties massProperties() const override;
   OdStatus check() const override;
   OdStatus tessellate(const OdModelerMeshOptions& options, OdModelerMesh& mesh) const override;

@@ -43,6 +43,9 @@ class WalledBody final : public OdModelerBody {
   double distanceTo(OdModelerSubent subent, const OdGePoint3d& point) const override {
     return m_inner->distanceTo(subent, point);
   }
+  OdModelerFacePoint nearestOnFace(OdUInt32 face, const OdGePoint3d& point) const override {
+    return m_inner->nearestOnFace(face, point);
+  }
   /// Raises OdError when the worker died of it.
   OdModelerMassProperties massProperties() const override;
   OdStatus check() const override;

@@ -211,6 +211,8 @@ TEST_F(RefusedCommand, EditsOfModels) {
       {"vdm insert part.vdm h --on 21", 2, "no point (at) is given on solid 21"},
       {"vdm insert part.vdm h --on top --at 1,2", 2, "at is '1,2', it must be three finite*"},
       {"vdm insert part.vdm h --on 21 --at 0,0,900", 1, "insert: *nothing lies within*"},
+      {"vdm insert part.vdm h --on top --at 900,0,10", 1,
+       "insert: component \"h\": at (900, 0, 10) it changes nothing: solid 21 reaches from *"},
       {"vdm move part.vdm 21 --by 1,2,nan", 2, "by is '1,2,nan', it must be three finite*"},
       {"vdm move part.vdm 21 --by 0,1e200,0", 2, "by is '0,1e200,0', numbers are at most 1e+08"},
       {"vdm move far.vdm 21 --by 0,0,-9e7", 1,

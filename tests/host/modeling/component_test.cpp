@@ -201,6 +201,65 @@ TEST_F(ComponentTest, RefusalsNameTheThingAndChangeNothing) {
   EXPECT_EQ(makeHole(m_database, L"m8", {5.0, {}}, block).code, eDuplicateKey);
 }
 
+TEST_F(ComponentTest, AnInsertThatChangesNothingIsRefusedUnlessItIsWanted) {
+  const OdDbObjectId blind = hole(L"blind", 20.0, 4.0);
+  put(hole(L"wide", 40.0, 8.0), 200.0, 100.0);
+  ComponentPlacement placement;
+  placement.solid = m_plate;
+  placement.direction = OdGeVector3d::kZAxis;
+  const auto before = snapshot();
+  // In the air above the face, off the part, in the hole that another component made.
+  for (const OdGePoint3d& point :
+       {OdGePoint3d(50, 50, 14.5), OdGePoint3d(400, 50, 10), OdGePoint3d(200, 100, 10)}) {
+    placement.point = point;
+    placement.acceptsNoEffect = false;
+    const EditResult refused = m_editor->insertComponent(blind, placement);
+    EXPECT_FALSE(refused.ok());
+    EXPECT_GE(refused.status.text.find(L"it changes nothing: solid"), 0)
+        << refused.status.text.utf8();
+    EXPECT_EQ(snapshot(), before);
+    placement.acceptsNoEffect = true;
+    const EditResult forced = m_editor->insertComponent(blind, placement);
+    ASSERT_TRUE(done(forced));
+    EXPECT_FALSE(forced.report.isSound());
+    ASSERT_EQ(m_database->undo(), eOk);
+  }
+  // A component that was moved off the part is there all the same, and cuts again when it is back.
+  const EditResult made = insert(blind, 50.0, 50.0);
+  EXPECT_FALSE(m_editor->moveObject(made.created, {0, 0, 30}).report.isSound());
+  EXPECT_TRUE(m_editor->moveObject(made.created, {0, 0, -30}).report.isSound());
+  EXPECT_TRUE(isAsFresh(m_base));
+}
+
+// The normal of any face, by the face alone: free-form ones that are flat or round among them.
+TEST_F(ComponentTest, TheDirectionIsTheNormalOfAnyFaceAtThePoint) {
+  OdModelerBodyPtr tube = cylinder(30.0, 60.0);
+  const OdModelerBodyPtr bore = cylinder(20.0, 60.0);
+  tube = combine(OdModelerBooleanKind::kSubtract, tube, {bore});
+  // A stretch by unequal factors turns every surface into a free-form one.
+  OdGeMatrix3d stretch;
+  stretch.entry[0][0] = 1.0 + 1e-9;
+  for (const OdModelerBodyPtr& body : {tube, moved(tube, stretch)}) {
+    m_plate = addSolid(body);
+    const OdDbObjectId block = hole(body == tube ? L"round" : L"free form", 4.0, 3.0);
+    EXPECT_EQ(body->surfaceKind(1) == OdModelerSurfaceKind::kOther, body != tube);
+    const std::pair<OdGePoint3d, OdGeVector3d> places[] = {
+        {{25, 0, 60}, OdGeVector3d::kZAxis},
+        {{0, -25, 0}, -OdGeVector3d::kZAxis},
+        {{30 * std::sqrt(0.5), 30 * std::sqrt(0.5), 30}, {std::sqrt(0.5), std::sqrt(0.5), 0}},
+        {{0, 20, 30}, -OdGeVector3d::kYAxis}};
+    for (const auto& [point, normal] : places) {
+      ComponentPlacement placement;
+      placement.solid = m_plate;
+      placement.point = point;
+      const EditResult made = m_editor->insertComponent(block, placement);
+      ASSERT_TRUE(done(made));
+      const OdGeMatrix3d place = made.created.openAs<OdDbBlockReference>()->blockTransform();
+      EXPECT_TRUE((place * OdGeVector3d::kZAxis).isEqualTo(normal, OdGeTol(1e-6)));
+    }
+  }
+}
+
 TEST_F(ComponentTest, GroupsAreOneStepOrNothing) {
   const OdDbObjectId block = hole(L"H", 9.0);
   const auto before = snapshot();

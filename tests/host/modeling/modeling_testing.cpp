@@ -48,6 +48,7 @@ EditResult ModelingTest::insert(const OdDbObjectId& block, double x, double y, d
   placement.solid = m_plate;
   placement.point = {x, y, z};
   placement.direction = OdGeVector3d::kZAxis;
+  placement.acceptsNoEffect = true;
   EditResult result = m_editor->insertComponent(block, placement);
   EXPECT_TRUE(done(result));
   return result;
