@@ -88,11 +88,20 @@ void addNew(CLI::App& app, CommandLine& line) {
 }
 
 void addImport(CLI::App& app, CommandLine& line) {
-  CLI::App* command = addCommand(app, line, "import", "Turn a STEP file into a drawing",
-                                 "vdm import bracket.step -o bracket.vdm");
+  CLI::App* command =
+      addCommand(app, line, "import",
+                 "Turn a STEP file into a drawing; exit code 3 when the file is incomplete",
+                 "vdm import bracket.step -o bracket.vdm");
   addInput(command, line.importStep.input, "IN", "STEP file");
   addOutput(command, line.importStep.output, "drawing to create")->required();
   command->add_flag("--curves", line.importStep.curves, "take over wireframe and curves, too");
+  command->add_flag("--annotations", line.importStep.annotations,
+                    "take over drawn dimensions and notes, on the layer Annotations");
+  command
+      ->add_option("--encoding", line.importStep.encoding,
+                   "encoding of the file's names: GBK, Shift_JIS, windows-1252, ...; found out "
+                   "where it is not given")
+      ->type_name("NAME");
   setAction(command, line, runImport, line.importStep);
 }
 
@@ -161,6 +170,8 @@ void addExport(CLI::App& app, CommandLine& line) {
                                  "vdm export bracket.vdm -o bracket.step");
   addInput(command, line.exportStep.input);
   addOutput(command, line.exportStep.output, "STEP file to write")->required();
+  command->add_flag("--reproducible", line.exportStep.reproducible,
+                    "no date in the file: the same drawing gives the same bytes");
   setAction(command, line, runExport, line.exportStep);
 }
 

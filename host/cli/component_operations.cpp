@@ -68,7 +68,7 @@ void checkComponent(const ComponentKindRow& kind, const Arguments& arguments) {
 }
 
 OdStatus makeComponent(Editing& editing, const std::string& kind, const Arguments& arguments,
-                       OdDbObjectId& block) {
+                       OdDbObjectId& block, OdStringArray& leftOut) {
   OdDbDatabase* drawing = &editing.drawing;
   const OdString name(arguments.text("name"));
   const std::optional<double> depth = arguments.optionalNumber("depth");
@@ -92,7 +92,8 @@ OdStatus makeComponent(Editing& editing, const std::string& kind, const Argument
                               {arguments.number("diameter"), arguments.number("height")}, block);
   }
   if (kind == "block") return vdm_host::makeFromBlock(drawing, name, role, block);
-  return vdm_host::makeFromStep(drawing, name, OdString(arguments.text("source")), role, block);
+  return vdm_host::makeFromStep(drawing, name, OdString(arguments.text("source")), role, block,
+                                &leftOut);
 }
 
 StepResult addComponent(Editing& editing, const Arguments& arguments) {
@@ -104,7 +105,8 @@ StepResult addComponent(Editing& editing, const Arguments& arguments) {
     throw CliError("name " + quote(name) + " is no name for a block", kWrongUsage);
   }
   OdDbObjectId block;
-  const OdStatus status = makeComponent(editing, kind, arguments, block);
+  OdStringArray leftOut;
+  const OdStatus status = makeComponent(editing, kind, arguments, block, leftOut);
   if (!status.ok()) {
     throw CliError("component " + quote(name) + ": " +
                    (status.text.isEmpty() ? odResultText(status.code) : str(status.text)));
@@ -112,6 +114,7 @@ StepResult addComponent(Editing& editing, const Arguments& arguments) {
   StepResult step;
   step.headline = "component " + quote(name) + " (" + kind + ") is block " + handleOf(block);
   step.values = {{"name", name}, {"kind", kind}, {"block", handleOf(block)}};
+  for (const OdString& line : leftOut) step.notes.push_back("left out: " + str(line));
   return step;
 }
 

@@ -85,10 +85,10 @@ StepResult suppress(Editing& editing, const Arguments& arguments) {
 // Bodies.
 
 /// The one solid of a STEP file, in the given units.
-OdModelerBodyPtr readPart(const std::string& path, OdDb::UnitsValue units) {
+OdModelerBodyPtr readPart(const std::string& path, OdDb::UnitsValue units, OdStringArray& leftOut) {
   checkInput(path);
   std::vector<OdModelerBodyPtr> solids;
-  requireModelled(vdm_host::readStepSolids(OdString(path), units, solids));
+  requireModelled(vdm_host::readStepSolids(OdString(path), units, solids, &leftOut));
   if (solids.size() == 1) return solids.front();
   throw CliError("file " + quote(path) + " holds " + counted(solids.size(), "solid") +
                  ", one is needed");
@@ -107,9 +107,12 @@ StepResult replace(Editing& editing, const Arguments& arguments) {
   const OdDb::UnitsValue units = lengthUnitsOf(*solid.safeOpenAs<OdDbEntity>());
   const std::string path = arguments.text("file");
   const std::string before = solidText(solid);
-  const OdModelerBodyPtr body = withLookOf(bodyOfSolid(solid), readPart(path, units));
-  return edited(editing.editor.replaceBody(solid, body),
-                "replaced the body of " + before + " by that of " + path, solid);
+  OdStringArray leftOut;
+  const OdModelerBodyPtr body = withLookOf(bodyOfSolid(solid), readPart(path, units, leftOut));
+  StepResult step = edited(editing.editor.replaceBody(solid, body),
+                           "replaced the body of " + before + " by that of " + path, solid);
+  for (const OdString& line : leftOut) step.notes.push_back("left out: " + str(line));
+  return step;
 }
 
 std::vector<OdDbObjectId> edgesOf(Editing& editing, const Arguments& arguments) {

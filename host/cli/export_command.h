@@ -11,6 +11,7 @@ namespace cli {
 struct ExportOptions {
   std::string input;
   OutputFile output;
+  bool reproducible = false;  ///< one drawing gives one file: no date
 };
 
 int runExport(const SessionSettings& settings, const ExportOptions& options);

@@ -17,6 +17,8 @@ int runImport(const SessionSettings& settings, const ImportOptions& options) {
   OdStepReport step;
   OdStepImportOptions stepOptions;
   stepOptions.curves = options.curves;
+  stepOptions.annotations = options.annotations;
+  stepOptions.encoding = OdString(options.encoding);
   withProgress("reading " + options.input, [&] {
     requireModelled(
         importStepIntoDatabase(drawing.get(), OdString(options.input), &step, stepOptions));
@@ -33,8 +35,10 @@ int runImport(const SessionSettings& settings, const ImportOptions& options) {
       .add("units", unitsName(*drawing))
       .add("source_units", str(step.sourceUnit))
       .addLines("notes", linesOf(step.lines))
+      .addLines("left_out", linesOf(step.leftOut), "left out: ")
+      .addLines("not_read", linesOf(step.lost), "not read: ")
       .print(settings.json);
-  return kDone;
+  return step.lost.isEmpty() ? kDone : kNotSound;
 }
 
 }  // namespace cli

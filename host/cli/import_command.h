@@ -11,7 +11,9 @@ namespace cli {
 struct ImportOptions {
   std::string input;
   OutputFile output;
-  bool curves = false;  ///< take over wireframe, too
+  bool curves = false;       ///< take over wireframe, too
+  bool annotations = false;  ///< and drawn annotations
+  std::string encoding;      ///< of names; empty to find it out
 };
 
 int runImport(const SessionSettings& settings, const ImportOptions& options);

@@ -25,7 +25,7 @@ std::string Report::text() const {
   for (const Row& row : m_rows) widest = std::max(widest, row.key.size());
   for (const Row& row : m_rows) {
     if (const auto* lines = std::get_if<std::vector<std::string>>(&row.value)) {
-      for (const std::string& line : *lines) out += wrapped(oneLine(line), "  ");
+      for (const std::string& line : *lines) out += wrapped(oneLine(row.lead + line), "  ");
       continue;
     }
     if (const auto* value = std::get_if<std::string>(&row.value); value && value->empty()) continue;

@@ -21,9 +21,11 @@ class Report {
   Report& add(std::string key, std::uint64_t value) {
     return put(std::move(key), static_cast<std::int64_t>(value));
   }
-  /// The text shows the lines below its rows, indented.
-  Report& addLines(std::string key, std::vector<std::string> lines) {
-    return put(std::move(key), std::move(lines));
+  /// The text shows the lines below its rows, indented, each after `lead`.
+  Report& addLines(std::string key, std::vector<std::string> lines, std::string lead = {}) {
+    put(std::move(key), std::move(lines));
+    m_rows.back().lead = std::move(lead);
+    return *this;
   }
 
   [[nodiscard]] std::string text() const;
@@ -35,9 +37,10 @@ class Report {
   struct Row {
     std::string key;
     Value value;
+    std::string lead;
   };
   Report& put(std::string key, Value value) {
-    m_rows.push_back({std::move(key), std::move(value)});
+    m_rows.push_back({std::move(key), std::move(value), {}});
     return *this;
   }
 

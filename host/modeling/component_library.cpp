@@ -224,9 +224,9 @@ OdStatus makeFromBlock(OdDbDatabase* database, const OdString& blockName, Compon
 }
 
 OdStatus makeFromStep(OdDbDatabase* database, const OdString& name, const OdString& path,
-                      ComponentRole role, OdDbObjectId& block) {
+                      ComponentRole role, OdDbObjectId& block, OdStringArray* leftOut) {
   Bodies bodies;
-  const OdStatus status = readStepSolids(path, database->getINSUNITS(), bodies);
+  const OdStatus status = readStepSolids(path, database->getINSUNITS(), bodies, leftOut);
   if (!status.ok()) return status;
   if (bodies.empty()) return {eInvalidInput, path + L": there are no solids"};
   return makeBlock(database, name, name.c_str(), role, bodies, block);

@@ -61,8 +61,9 @@ OdStatus makeBoss(OdDbDatabase* database, const OdString& name, const BossSpec& 
 OdStatus makeFromBlock(OdDbDatabase* database, const OdString& blockName, ComponentRole role,
                        OdDbObjectId& block);
 /// A new block with all solids of a STEP file, where the file places them, in drawing units.
+/// `leftOut`, which may be null, gets a line for each kind of body in the file that is no solid.
 OdStatus makeFromStep(OdDbDatabase* database, const OdString& name, const OdString& path,
-                      ComponentRole role, OdDbObjectId& block);
+                      ComponentRole role, OdDbObjectId& block, OdStringArray* leftOut = nullptr);
 
 /// All components of the drawing, in the order of the block table.
 [[nodiscard]] std::vector<ComponentInfo> listComponents(OdDbDatabase* database);

@@ -14,6 +14,12 @@
 /// Numbers are stored and part of the interface of solids.
 enum class OdModelerBooleanKind : OdInt32 { kUnite = 0, kIntersect = 1, kSubtract = 2 };
 
+/// How exchange files are read.
+struct OdModelerReadOptions {
+  OdString encoding;         ///< of names with bytes outside of ASCII; empty to find it out
+  bool annotations = false;  ///< read drawn annotations, too
+};
+
 /// A modeller makes bodies. One is installed per process with odSetModeler(). Operations report
 /// through their status, never through exceptions; on failure `result` and `history` stay as they
 /// were. All lengths are drawing units and all angles radians; primitives lie at the origin with
@@ -75,11 +81,19 @@ class OdModeler {
   // Stored form and exchange.
   /// eCorruptData for bytes that are damaged or not a body, eUnsupportedVersion for a newer form.
   virtual OdStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result) = 0;
-  /// Reads a STEP file. eFileNotFound, eFileAccess, or eModelerError for a file that is not STEP or
-  /// has no geometry. A product is read once, however many times it occurs.
-  virtual OdStatus importStep(const OdString& path, OdModelerAssembly& result) = 0;
-  /// Writes a STEP file in millimetres beside the target and renames it, so that an old file stays
-  /// whole on failure. The same assembly gives the same file.
+  /// Reads a STEP file and the files of parts that it names. eFileNotFound, eFileAccess, or
+  /// eModelerError for a file that is not STEP or has no geometry; eInvalidInput for an unknown
+  /// encoding. A product is read once, however many times it occurs. What could be read is no
+  /// failure: the notes of the assembly name what is missing in it.
+  virtual OdStatus importStep(const OdString& path, const OdModelerReadOptions& options,
+                              OdModelerAssembly& result) = 0;
+  OdStatus importStep(const OdString& path, OdModelerAssembly& result) {
+    return importStep(path, OdModelerReadOptions(), result);
+  }
+  /// Writes a STEP file beside the target and renames it, so that an old file stays whole on
+  /// failure. It is in the unit of the assembly, or in millimetres when the format does not know
+  /// that; it has the assembly's header, with a fixed date where that has none. The same assembly
+  /// gives the same file.
   virtual OdStatus exportStep(const OdString& path, const OdModelerAssembly& assembly) = 0;
 };
 

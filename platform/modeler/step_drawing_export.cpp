@@ -1,6 +1,9 @@
 // Drawings into STEP files.
 #include <algorithm>
+#include <filesystem>
 #include <map>
+#include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -20,7 +23,9 @@ class Exporter {
 
   OdModelerAssembly run() {
     const double scale = oddbGetUnitsConversion(m_database->getINSUNITS(), OdDb::kUnitsMillimeters);
+    m_assembly.sourceUnit = {oddbUnitsName(m_database->getINSUNITS()), scale};
     const OdUInt32 space = productOf(m_database->getModelSpaceId());
+    reportOthers();
     OdModelerOccurrence root{space, OdGeMatrix3d::scaling(scale), OdString(), std::nullopt};
     const OdModelerProduct& whole = m_assembly.products[space];
     // Model space that holds one reference and nothing else is no product of its own.
@@ -34,7 +39,9 @@ class Exporter {
     return std::move(m_assembly);
   }
 
-  [[nodiscard]] bool foundBodies() const { return m_report.solids + m_report.sheets > 0; }
+  [[nodiscard]] bool foundBodies() const {
+    return m_report.solids + m_report.sheets + m_report.curves > 0;
+  }
 
  private:
   // Products are numbered from the outside inwards, in the order of the entities.
@@ -47,14 +54,21 @@ class Exporter {
     OdDbBlockTableRecordPtr record = block.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForRead);
     const bool isSpace = block == m_database->getModelSpaceId();
     const OdString comment = record->comments();
-    m_assembly.products[index].uniqueId = isSpace ? OdString(L"drawing") : record->getName();
-    m_assembly.products[index].name =
-        isSpace || comment.isEmpty() ? m_assembly.products[index].uniqueId : comment;
+    const OdString ownName = isSpace ? drawingName() : record->getName();
+    m_assembly.products[index].uniqueId = isSpace && !comment.isEmpty() ? comment : ownName;
+    m_assembly.products[index].name = comment.isEmpty() ? ownName : comment;
     for (OdDbObjectIteratorPtr it = record->newIterator(); !it->done(); it->step()) {
       addEntity(index, it->entity(), record->origin());
     }
-    if (isSpace) nameAfterBody(m_assembly.products[index]);
+    if (isSpace && comment.isEmpty()) nameAfterBody(m_assembly.products[index]);
     return index;
+  }
+
+  // The name of the drawing's file.
+  [[nodiscard]] OdString drawingName() const {
+    const std::string file(m_database->getFilename().utf8());
+    const std::string stem = std::filesystem::path(file).stem().string();
+    return stem.empty() ? OdString(L"drawing") : OdString(stem);
   }
 
   // Model space with a single part is that part.
@@ -90,8 +104,64 @@ class Exporter {
   }
 
   void skip(const OdDbEntity& entity, const wchar_t* why) {
-    m_report.lines.append(entity.isA()->name() + L" " + entity.getDbHandle().ascii() + L" " + why +
-                          L", left out");
+    m_report.leftOut.append(entity.isA()->name() + L" " + entity.getDbHandle().ascii() +
+                            L", which " + why);
+  }
+
+  // What the written entities have and the file cannot hold.
+  void countExtras(const OdDbEntity& entity) {
+    const bool hasData = !entity.extensionDictionary().isNull() || hasForeignData(entity);
+    m_withData += hasData ? 1U : 0U;
+    m_withLines += !entity.linetypeId().isNull() || entity.lineWeight() != OdDb::kLnWtByLayer;
+    m_withMaterial += entity.materialId().isNull() ? 0U : 1U;
+    m_invisible += entity.visibility() == OdDb::kInvisible ? 1U : 0U;
+  }
+
+  static bool hasForeignData(const OdDbEntity& entity) {
+    for (OdResBufPtr data = entity.xData(); !data.isNull(); data = data->next()) {
+      const bool isName = data->restype() == OdResBuf::kDxfRegAppName;
+      if (isName && data->getString() != OdString(kOdStepRegApp)) return true;
+    }
+    return false;
+  }
+
+  void reportOthers() {
+    const auto report = [this](unsigned count, const wchar_t* one, const wchar_t* several) {
+      if (count == 0) return;
+      OdString line;
+      line.format(L"%u %ls", count, count == 1 ? one : several);
+      m_report.leftOut.append(line);
+    };
+    report(m_withData, L"entity's extension dictionary or extended data",
+           L"entities' extension dictionaries or extended data");
+    report(m_withLines, L"entity's line type or weight", L"entities' line types or weights");
+    report(m_withMaterial, L"entity's material", L"entities' materials");
+    report(m_layeredInserts, L"block reference's layer", L"block references' layers");
+    report(m_invisible, L"entity's invisibility: it is written",
+           L"entities' invisibility: they are written");
+    const auto paper = m_database->getPaperSpaceId().openAs<OdDbBlockTableRecord>();
+    if (!paper.isNull() && !paper->isEmpty()) {
+      m_report.leftOut.append(OdString(L"the entities of paper space"));
+    }
+  }
+
+  // An entity's own colour, or the one that its layer gives it; none for a layer's first colour,
+  // with which every layer begins.
+  static std::optional<OdModelerColor> shownColor(const OdDbEntity& entity) {
+    OdCmColor color = entity.color();
+    if (color.isByLayer()) {
+      const auto layer = entity.layerId().openAs<OdDbLayerTableRecord>();
+      if (layer.isNull() || layer->color() == OdCmColor::fromIndex(7)) return std::nullopt;
+      color = layer->color();
+    }
+    if (!color.isByColor() && !color.isByACI()) return std::nullopt;
+    const OdCmColor value = color.toRGB();
+    return OdModelerColor{value.red(), value.green(), value.blue()};
+  }
+
+  static OdString layerOf(const OdDbEntity& entity) {
+    const OdString name = entity.layer();
+    return name == L"0" ? OdString() : name;
   }
 
   // Products have their origin at zero: the block's origin is taken off, as its references do.
@@ -107,13 +177,23 @@ class Exporter {
     OdModelerBodyPtr body = solid.body();
     if (!body) return skip(solid, L"is empty");
     if (origin != OdGePoint3d::kOrigin) body = moved(body, origin);
-    if (const OdCmColor color = solid.color(); color.isByColor()) {
+    if (const std::optional<OdModelerColor> color = shownColor(solid)) {
       OdModelerBodyAttributes attributes = body->attributes();
-      attributes.color = OdModelerColor{color.red(), color.green(), color.blue()};
+      attributes.color = color;
       body = body->withAttributes(std::move(attributes));
     }
-    ++(body->kind() == OdModelerBodyKind::kSolid ? m_report.solids : m_report.sheets);
+    countExtras(solid);
+    count(body->kind());
     m_assembly.products[product].bodies.push_back(std::move(body));
+    m_assembly.products[product].layers.push_back(layerOf(solid));
+  }
+
+  void count(OdModelerBodyKind kind) {
+    if (kind == OdModelerBodyKind::kSolid) {
+      ++m_report.solids;
+    } else {
+      ++(kind == OdModelerBodyKind::kWire ? m_report.curves : m_report.sheets);
+    }
   }
 
   void addReference(OdUInt32 product, const OdDbBlockReference& reference,
@@ -129,9 +209,9 @@ class Exporter {
     const OdUInt32 its = productOf(shown);
     if (isEmpty(m_assembly.products[its])) return;
     OdModelerOccurrence occurrence{its, placement, nameOf(reference), std::nullopt};
-    if (const OdCmColor color = reference.color(); color.isByColor()) {
-      occurrence.color = OdModelerColor{color.red(), color.green(), color.blue()};
-    }
+    occurrence.color = shownColor(reference);
+    countExtras(reference);
+    if (const OdString layer = layerOf(reference); !layer.isEmpty()) ++m_layeredInserts;
     m_assembly.products[product].occurrences.push_back(std::move(occurrence));
     ++m_report.occurrences;
   }
@@ -151,6 +231,11 @@ class Exporter {
   OdStepReport& m_report;
   OdModelerAssembly m_assembly;
   std::map<OdDbObjectId, OdUInt32> m_products;
+  unsigned m_withData = 0;
+  unsigned m_withLines = 0;
+  unsigned m_withMaterial = 0;
+  unsigned m_invisible = 0;
+  unsigned m_layeredInserts = 0;
 };
 
 // Removes occurrences of products without any body below them: some readers refuse such products.
@@ -172,8 +257,8 @@ OdUInt32 dropEmptyOccurrences(OdModelerAssembly& assembly) {
 
 }  // namespace
 
-OdStatus exportStepFromDatabase(OdDbDatabase* database, const OdString& path,
-                                OdStepReport* report) {
+OdStatus exportStepFromDatabase(OdDbDatabase* database, const OdString& path, OdStepReport* report,
+                                const OdStepExportOptions& options) {
   OdStepReport done;
   OdModelerAssembly assembly;
   try {
@@ -187,6 +272,9 @@ OdStatus exportStepFromDatabase(OdDbDatabase* database, const OdString& path,
     return {error.code(), OdString(L"step file '") + path + L"': " + error.description()};
   }
   done.products = dropEmptyOccurrences(assembly);
+  assembly.header.name = assembly.products[assembly.roots[0].product].name;
+  assembly.header.timeStamp = options.timeStamp;
+  assembly.header.originatingSystem = options.originatingSystem;
   OdStatus status = odModeler().exportStep(path, assembly);
   if (status.ok() && report != nullptr) *report = std::move(done);
   return status;

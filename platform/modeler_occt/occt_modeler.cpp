@@ -67,8 +67,9 @@ class Modeler final : public OdModeler {
   OdStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result) override {
     return od_occt::deserialise(bytes, result);
   }
-  OdStatus importStep(const OdString& path, OdModelerAssembly& result) override {
-    return od_occt::importStep(path, result);
+  OdStatus importStep(const OdString& path, const OdModelerReadOptions& options,
+                      OdModelerAssembly& result) override {
+    return od_occt::importStep(path, options, result);
   }
   OdStatus exportStep(const OdString& path, const OdModelerAssembly& assembly) override {
     return od_occt::exportStep(path, assembly);

@@ -43,7 +43,8 @@ OdStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> fac
 OdStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result);
 
 // step_import.cpp, step_export.cpp
-OdStatus importStep(const OdString& path, OdModelerAssembly& result);
+OdStatus importStep(const OdString& path, const OdModelerReadOptions& options,
+                    OdModelerAssembly& result);
 OdStatus exportStep(const OdString& path, const OdModelerAssembly& assembly);
 
 }  // namespace od_occt

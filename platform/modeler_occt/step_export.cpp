@@ -4,6 +4,7 @@
 #include <Interface_EntityIterator.hxx>
 #include <Interface_Graph.hxx>
 #include <Interface_Protocol.hxx>
+#include <Interface_Static.hxx>
 #include <STEPCAFControl_Writer.hxx>
 #include <StepData_StepModel.hxx>
 #include <StepRepr_NextAssemblyUsageOccurrence.hxx>
@@ -89,7 +90,11 @@ class DocumentBuilder {
       }
     }
     label = m_session.shapes()->AddShape(wholeOf(bodies), /*makeAssembly=*/Standard_False);
-    for (const OdModelerBodyPtr& body : bodies) addStyles(label, asOcct(*body), bodies.size() == 1);
+    for (std::size_t i = 0; i < bodies.size(); ++i) {
+      const bool isWhole = bodies.size() == 1;
+      addStyles(label, asOcct(*bodies[i]), isWhole);
+      addLayer(label, asOcct(*bodies[i]), isWhole, product.layerOf(i));
+    }
     return {};
   }
 
@@ -121,19 +126,28 @@ class DocumentBuilder {
     }
   }
 
+  void addLayer(const TDF_Label& part, const Body& body, bool whole, const OdString& layer) {
+    if (layer.isEmpty()) return;
+    const TDF_Label label = whole ? part : subShape(part, body.shape());
+    if (!label.IsNull()) m_session.layers()->SetLayer(label, toOcct(layer));
+  }
+
   static const TopoDS_Shape& faceOf(const Body& body, OdUInt32 index) {
     return body.topology().faces(static_cast<int>(index));
   }
 
   void setStyle(const TDF_Label& part, const TopoDS_Shape& shape,
                 const std::optional<OdModelerColor>& color, const OdString& name) {
-    TDF_Label label;
-    if (!m_session.shapes()->FindSubShape(part, shape, label)) {
-      label = m_session.shapes()->AddSubShape(part, shape);
-    }
+    const TDF_Label label = subShape(part, shape);
     if (label.IsNull()) return;
     if (color) m_session.colors()->SetColor(label, toOcct(*color), XCAFDoc_ColorSurf);
     setLabelName(label, name);
+  }
+
+  [[nodiscard]] TDF_Label subShape(const TDF_Label& part, const TopoDS_Shape& shape) const {
+    TDF_Label label;
+    const bool isKnown = m_session.shapes()->FindSubShape(part, shape, label);
+    return isKnown ? label : m_session.shapes()->AddSubShape(part, shape);
   }
 
   OdStatus addAssembly(const OdModelerProduct& product, const OdGeMatrix3d& baked,
@@ -193,18 +207,42 @@ class DocumentBuilder {
 
 // ---- The file.
 
-// A header without place and time, so that one assembly gives one file.
-void neutralHeader(STEPCAFControl_Writer& writer) {
+// Without a date of its own the file gets a fixed one, so that one assembly gives one file.
+void writeHeader(STEPCAFControl_Writer& writer, const OdModelerFileHeader& values) {
   const Handle(StepData_StepModel) model = writer.ChangeWriter().Model();
   APIHeaderSection_MakeHeader header(model);
-  const auto text = [](const char* value) { return new TCollection_HAsciiString(value); };
-  header.SetName(text("assembly"));
-  header.SetTimeStamp(text("1970-01-01T00:00:00"));
-  header.SetAuthorValue(1, text(""));
-  header.SetOrganizationValue(1, text(""));
-  header.SetOriginatingSystem(text(""));
-  header.SetPreprocessorVersion(text(""));
-  header.SetAuthorisation(text(""));
+  const auto text = [](const OdString& value, const char* fallback) {
+    return new TCollection_HAsciiString(value.isEmpty() ? fallback : value.utf8().data());
+  };
+  header.SetName(text(values.name, "assembly"));
+  header.SetTimeStamp(text(values.timeStamp, "1970-01-01T00:00:00"));
+  header.SetAuthorValue(1, text(values.author, ""));
+  header.SetOrganizationValue(1, text(values.organization, ""));
+  header.SetOriginatingSystem(text(values.originatingSystem, ""));
+  header.SetPreprocessorVersion(text({}, ""));
+  header.SetAuthorisation(text({}, ""));
+}
+
+struct WrittenUnit {
+  double millimetres;
+  const char* name;  ///< as the writer calls it
+};
+
+// The length units that the writer knows.
+constexpr WrittenUnit kWrittenUnits[] = {
+    {1.0, "MM"}, {10.0, "CM"},  {1000.0, "M"},   {25.4, "INCH"},    {304.8, "FT"},
+    {1e6, "KM"}, {0.001, "UM"}, {0.0254, "MIL"}, {1609344.0, "MI"}, {2.54e-5, "UIN"},
+};
+
+// Millimetres for a unit that the writer does not know.
+const char* writtenUnit(const OdModelerLengthUnit& unit) {
+  constexpr double kTolerance = 1e-9;
+  for (const WrittenUnit& row : kWrittenUnits) {
+    if (std::abs(row.millimetres - unit.millimetres) <= kTolerance * row.millimetres) {
+      return row.name;
+    }
+  }
+  return kWrittenUnits[0].name;
 }
 
 // Numbers the occurrences from 1. The writer takes the numbers from a counter of the process.
@@ -307,18 +345,19 @@ bool escapeFile(const fs::path& file) {
 
 OdStatus writeFile(const OdString& path, const OdModelerAssembly& assembly) {
   StepSession session;
+  Interface_Static::SetCVal("write.step.unit", writtenUnit(assembly.sourceUnit));
   if (OdStatus status = DocumentBuilder(session, assembly).run(); !status.ok()) {
     return status;
   }
   STEPCAFControl_Writer writer;
   writer.SetColorMode(Standard_True);
   writer.SetNameMode(Standard_True);
-  writer.SetLayerMode(Standard_False);
+  writer.SetLayerMode(Standard_True);
   writer.SetPropsMode(Standard_False);
   if (!writer.Transfer(session.document(), STEPControl_AsIs)) {
     return fileFailure(eModelerError, path, "the assembly cannot be put into STEP");
   }
-  neutralHeader(writer);
+  writeHeader(writer, assembly.header);
   const Handle(StepData_StepModel) model = writer.ChangeWriter().Model();
   numberOccurrences(*model);
   orderColors(model);

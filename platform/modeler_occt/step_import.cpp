@@ -1,31 +1,19 @@
-// STEP files to products and occurrences.
-#include <BRep_Builder.hxx>
-#include <NCollection_DataMap.hxx>
-#include <STEPCAFControl_Reader.hxx>
-#include <TDF_LabelMapHasher.hxx>
-#include <TDF_LabelSequence.hxx>
-#include <TopExp.hxx>
-#include <TopExp_Explorer.hxx>
-#include <TopTools_DataMapOfShapeInteger.hxx>
-#include <TopoDS.hxx>
-#include <TopoDS_Compound.hxx>
-#include <XSControl_WorkSession.hxx>
+// STEP files to products and occurrences, with the parts that are in files of their own.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <map>
 #include <set>
 #include <string>
 
 #include "platform/base/case_compare.h"
+#include "platform/base/text_encoding.h"
 #include "platform/base/work_note.h"
-#include "platform/modeler_occt/occt_body.h"
-#include "platform/modeler_occt/occt_bridge.h"
-#include "platform/modeler_occt/occt_convert.h"
 #include "platform/modeler_occt/occt_guard.h"
 #include "platform/modeler_occt/occt_operations.h"
-#include "platform/modeler_occt/step_names.h"
+#include "platform/modeler_occt/step_reader.h"
 #include "platform/modeler_occt/step_session.h"
-#include "platform/modeler_occt/step_unit.h"
 
 namespace od_occt {
 namespace {
@@ -72,172 +60,7 @@ OdStatus checkFile(const OdString& path) {
   return {};
 }
 
-// ---- Colours and names of a product's shape and its parts.
-
-std::optional<OdModelerColor> labelColor(const Handle(XCAFDoc_ColorTool) & colors,
-                                         const TDF_Label& label) {
-  for (const XCAFDoc_ColorType type : {XCAFDoc_ColorSurf, XCAFDoc_ColorGen}) {
-    Quantity_Color color;
-    if (colors->GetColor(label, type, color)) return toColor(color);
-  }
-  return std::nullopt;
-}
-
-class PartStyles {
- public:
-  PartStyles(const StepSession& session, const StepNames& names, const TDF_Label& product)
-      : m_names(names) {
-    m_color = labelColor(session.colors(), product);
-    TDF_LabelSequence parts;
-    XCAFDoc_ShapeTool::GetSubShapes(product, parts);
-    for (const TDF_Label& part : parts) {
-      const std::optional<OdModelerColor> color = labelColor(session.colors(), part);
-      if (!color) continue;
-      m_rows.Bind(XCAFDoc_ShapeTool::GetShape(part), static_cast<int>(m_colors.size()));
-      m_colors.push_back(*color);
-    }
-  }
-
-  [[nodiscard]] OdModelerBodyAttributes attributesOf(const TopoDS_Shape& body) const {
-    OdModelerBodyAttributes result;
-    result.color = m_color;
-    result.name = m_names.of(body);
-    if (const OdModelerColor* own = find(body)) result.color = *own;
-    for (TopExp_Explorer shell(body, TopAbs_SHELL); shell.More(); shell.Next()) {
-      if (const OdModelerColor* own = find(shell.Current())) result.color = *own;
-    }
-    TopTools_IndexedMapOfShape faces;
-    TopExp::MapShapes(body, TopAbs_FACE, faces);
-    for (int i = 1; i <= faces.Extent(); ++i) {
-      const auto index = static_cast<OdUInt32>(i);
-      const OdModelerColor* own = find(faces(i));
-      if (own != nullptr && *own != result.color) result.faceColors.emplace(index, *own);
-      const OdString& name = m_names.of(faces(i));
-      if (!name.isEmpty()) result.faceNames.emplace(index, name);
-    }
-    return result;
-  }
-
- private:
-  [[nodiscard]] const OdModelerColor* find(const TopoDS_Shape& shape) const {
-    const int* row = m_rows.Seek(shape);
-    return row == nullptr ? nullptr : &m_colors[static_cast<std::size_t>(*row)];
-  }
-
-  const StepNames& m_names;
-  std::optional<OdModelerColor> m_color;
-  TopTools_DataMapOfShapeInteger m_rows;
-  std::vector<OdModelerColor> m_colors;
-};
-
-// ---- The bodies of a shape: each solid and each shell alone, loose faces and curves together.
-
-void addLoose(const TopoDS_Shape& shape, TopAbs_ShapeEnum type, TopAbs_ShapeEnum outside,
-              std::vector<TopoDS_Shape>& bodies) {
-  BRep_Builder builder;
-  TopoDS_Compound loose;
-  builder.MakeCompound(loose);
-  bool any = false;
-  for (TopExp_Explorer it(shape, type, outside); it.More(); it.Next()) {
-    builder.Add(loose, it.Current());
-    any = true;
-  }
-  if (any) bodies.push_back(loose);
-}
-
-std::vector<TopoDS_Shape> splitBodies(const TopoDS_Shape& shape) {
-  std::vector<TopoDS_Shape> bodies;
-  for (TopExp_Explorer it(shape, TopAbs_SOLID); it.More(); it.Next()) {
-    bodies.push_back(it.Current());
-  }
-  for (TopExp_Explorer it(shape, TopAbs_SHELL, TopAbs_SOLID); it.More(); it.Next()) {
-    bodies.push_back(it.Current());
-  }
-  addLoose(shape, TopAbs_FACE, TopAbs_SHELL, bodies);
-  addLoose(shape, TopAbs_EDGE, TopAbs_FACE, bodies);
-  return bodies;
-}
-
-// ---- The product structure.
-
-class Collector {
- public:
-  Collector(const StepSession& session, const StepNames& names, OdModelerAssembly& assembly)
-      : m_session(session), m_names(names), m_assembly(assembly) {}
-
-  void run() {
-    TDF_LabelSequence roots;
-    m_session.shapes()->GetFreeShapes(roots);
-    for (const TDF_Label& root : roots) {
-      const OdUInt32 product = productOf(root);
-      m_assembly.roots.push_back({product, {}, m_assembly.products[product].name, std::nullopt});
-    }
-  }
-
- private:
-  // Products are numbered in the order in which the walk meets them first.
-  OdUInt32 productOf(const TDF_Label& label) {
-    if (const int* known = m_products.Seek(label)) return static_cast<OdUInt32>(*known);
-    const auto index = static_cast<OdUInt32>(m_assembly.products.size());
-    m_products.Bind(label, static_cast<int>(index));
-    OdModelerProduct& product = m_assembly.products.emplace_back();
-    product.name = labelName(label);
-    product.uniqueId = uniqueId(product.name);
-    addContent(index, label, gp_Trsf());
-    return index;
-  }
-
-  // Several representations of one product arrive as components without a name. They are no
-  // products; their content belongs to the product itself.
-  void addContent(OdUInt32 product, const TDF_Label& label, const gp_Trsf& placement) {
-    if (!XCAFDoc_ShapeTool::IsAssembly(label)) {
-      addBodies(product, label, placement);
-      return;
-    }
-    TDF_LabelSequence components;
-    XCAFDoc_ShapeTool::GetComponents(label, components);
-    for (const TDF_Label& component : components) {
-      TDF_Label referred;
-      if (!XCAFDoc_ShapeTool::GetReferredShape(component, referred)) continue;
-      const gp_Trsf place = placement * XCAFDoc_ShapeTool::GetLocation(component).Transformation();
-      if (labelName(referred).isEmpty()) {
-        addContent(product, referred, place);
-        continue;
-      }
-      const OdUInt32 child = productOf(referred);
-      m_assembly.products[product].occurrences.push_back(
-          {child, toMatrix(place), labelName(component),
-           labelColor(m_session.colors(), component)});
-    }
-  }
-
-  void addBodies(OdUInt32 product, const TDF_Label& label, const gp_Trsf& placement) {
-    const PartStyles styles(m_session, m_names, label);
-    for (const TopoDS_Shape& shape : splitBodies(XCAFDoc_ShapeTool::GetShape(label))) {
-      OdModelerBodyAttributes attributes = styles.attributesOf(shape);
-      const TopoDS_Shape placed =
-          placement.Form() == gp_Identity ? shape : shape.Moved(TopLoc_Location(placement));
-      if (OdModelerBodyPtr body = odBodyFromOcct(placed, std::move(attributes))) {
-        m_assembly.products[product].bodies.push_back(std::move(body));
-      }
-    }
-  }
-
-  OdString uniqueId(const OdString& name) {
-    const OdString base = name.isEmpty() ? OdString(L"product") : name;
-    OdString candidate = base;
-    for (unsigned number = 2; !m_ids.insert(odCaseFold(candidate)).second; ++number) {
-      candidate.format(L"%ls~%u", base.c_str(), number);
-    }
-    return candidate;
-  }
-
-  const StepSession& m_session;
-  const StepNames& m_names;
-  OdModelerAssembly& m_assembly;
-  NCollection_DataMap<TDF_Label, int, TDF_LabelMapHasher> m_products;
-  std::set<OdString> m_ids;
-};
+// ---- One file, within its budget.
 
 // What a reader may use before it counts as one that loops or eats memory. The public test models
 // (up to 2 MB) need less than a fifth of both.
@@ -249,45 +72,186 @@ OdWorkBudget budgetFor(std::uintmax_t fileSize) {
   return budget;
 }
 
-OdStatus readFile(const OdString& path, OdModelerAssembly& result) {
-  StepSession session;
-  STEPCAFControl_Reader reader;
-  reader.SetColorMode(Standard_True);
-  reader.SetNameMode(Standard_True);
-  reader.SetLayerMode(Standard_False);
-  reader.SetPropsMode(Standard_False);
-  reader.SetGDTMode(Standard_False);
-  reader.SetMatMode(Standard_False);
-  reader.SetViewMode(Standard_False);
-  if (reader.ReadFile(static_cast<const char*>(path)) != IFSelect_RetDone) {
-    return fileFailure(eModelerError, path, "it cannot be read as STEP");
-  }
-  OdModelerAssembly assembly;
-  assembly.sourceUnit = lengthUnitOf(*reader.Reader().WS()->Model());
-  if (!reader.Transfer(session.document())) {
-    return fileFailure(eModelerError, path, "there is no geometry in it");
-  }
-  Collector(session, StepNames(reader.Reader()), assembly).run();
-  const auto hasBody = [](const OdModelerProduct& product) { return !product.bodies.empty(); };
-  if (std::ranges::none_of(assembly.products, hasBody)) {
-    return fileFailure(eModelerError, path, "there is no geometry in it");
-  }
-  result = std::move(assembly);
+OdStatus readWhole(const fs::path& file, std::string& text) {
+  std::ifstream stream(file, std::ios::binary);
+  text.assign(std::istreambuf_iterator<char>(stream), {});
+  if (!stream) return {eFileAccess, L"it cannot be read"};
   return {};
+}
+
+// Failures name the file.
+OdStatus readFile(const OdString& path, const OdModelerReadOptions& options, StepReading& result) {
+  if (OdStatus status = checkFile(path); !status.ok()) return status;
+  const OdWorkNote note("reading step file ", path.utf8());
+  const fs::path file(std::string(path.utf8()));
+  std::error_code error;
+  const OdWorkLimit limit(budgetFor(fs::file_size(file, error)));
+  const OdStatus status = guarded("import", [&] {
+    std::string text;
+    OdStatus read = readWhole(file, text);
+    return read.ok() ? readStepText(std::move(text), options, result) : read;
+  });
+  return status.ok() ? status
+                     : fileFailure(status.code, path, static_cast<const char*>(status.text));
+}
+
+// ---- A file with its parts.
+
+// Puts what a part's file has into the product that names the file. The product keeps its name.
+class PartMerge {
+ public:
+  PartMerge(OdModelerAssembly& whole, OdUInt32 product, const OdModelerAssembly& part)
+      : m_whole(whole), m_product(product), m_part(part) {}
+
+  void run() {
+    // A single root is the product itself.
+    const bool isSame = m_part.roots.size() == 1 && m_part.roots[0].placement.isIdentity();
+    m_indices.resize(m_part.products.size(), m_product);
+    auto next = static_cast<OdUInt32>(m_whole.products.size());
+    for (OdUInt32 i = 0; i < m_part.products.size(); ++i) {
+      if (!isSame || i != m_part.roots[0].product) m_indices[i] = next++;
+    }
+    m_whole.products.resize(next);
+    for (OdUInt32 i = 0; i < m_part.products.size(); ++i) copy(i);
+    if (!isSame) place(m_part.roots);
+  }
+
+ private:
+  void copy(OdUInt32 index) {
+    const OdModelerProduct& source = m_part.products[index];
+    OdModelerProduct& target = m_whole.products[m_indices[index]];
+    const bool isSame = m_indices[index] == m_product;
+    const OdModelerProduct named = isSame ? target : source;
+    target = source;
+    if (isSame && !named.name.isEmpty()) target.name = named.name;
+    target.uniqueId = isSame ? named.uniqueId : uniqueId(source.uniqueId);
+    for (OdModelerOccurrence& occurrence : target.occurrences) {
+      occurrence.product = m_indices[occurrence.product];
+    }
+  }
+
+  void place(const std::vector<OdModelerOccurrence>& roots) {
+    for (OdModelerOccurrence root : roots) {
+      root.product = m_indices[root.product];
+      m_whole.products[m_product].occurrences.push_back(std::move(root));
+    }
+  }
+
+  OdString uniqueId(const OdString& wanted) {
+    if (m_ids.empty()) {
+      for (const OdModelerProduct& product : m_whole.products) {
+        m_ids.insert(odCaseFold(product.uniqueId));
+      }
+    }
+    OdString candidate = wanted;
+    for (unsigned number = 2; !m_ids.insert(odCaseFold(candidate)).second; ++number) {
+      candidate.format(L"%ls~%u", wanted.c_str(), number);
+    }
+    return candidate;
+  }
+
+  OdModelerAssembly& m_whole;
+  OdUInt32 m_product;
+  const OdModelerAssembly& m_part;
+  std::vector<OdUInt32> m_indices;  // in the whole, by product of the part
+  std::set<OdString> m_ids;
+};
+
+class AssemblyReader {
+ public:
+  explicit AssemblyReader(const OdModelerReadOptions& options) : m_options(options) {}
+
+  OdStatus read(const OdString& path, OdModelerAssembly& result) {
+    const fs::path file = fs::absolute(std::string(path.utf8())).lexically_normal();
+    StepReading reading;
+    if (OdStatus status = readFile(path, m_options, reading); !status.ok()) return status;
+    m_open.insert(file);
+    for (const StepMissingPart& part : reading.parts) {
+      addPart(file.parent_path(), part, reading.assembly);
+    }
+    m_open.erase(file);
+    result = std::move(reading.assembly);
+    return {};
+  }
+
+ private:
+  void addPart(const fs::path& folder, const StepMissingPart& part, OdModelerAssembly& assembly) {
+    const OdString what = L"part file '" + part.file + L"' of product '" +
+                          assembly.products[part.product].name + L"' ";
+    const std::optional<fs::path> file = locate(folder, part.file);
+    if (!file) return assembly.notes.lost.append(what + L"was not found"), void();
+    if (m_open.contains(*file)) {
+      return assembly.notes.lost.append(what + L"contains itself"), void();
+    }
+    const Outcome& outcome = outcomeOf(*file);
+    if (!outcome.status.ok()) {
+      return assembly.notes.lost.append(what + L"was not read: " + outcome.status.text), void();
+    }
+    PartMerge(assembly, part.product, outcome.assembly).run();
+    if (outcome.isNoted) return;
+    appendNotes(outcome.assembly.notes, L"part file '" + part.file + L"': ", assembly.notes);
+    outcome.isNoted = true;
+  }
+
+  struct Outcome {
+    OdStatus status;
+    OdModelerAssembly assembly;
+    mutable bool isNoted = false;  ///< its notes are in those of a file that names it
+  };
+
+  // Each file is read once, however many products name it.
+  const Outcome& outcomeOf(const fs::path& file) {
+    const auto known = m_outcomes.find(file);
+    if (known != m_outcomes.end()) return known->second;
+    Outcome outcome;
+    outcome.status = read(OdString(file.string()), outcome.assembly);
+    return m_outcomes.emplace(file, std::move(outcome)).first->second;
+  }
+
+  static void appendNotes(const OdModelerReadNotes& from, const OdString& lead,
+                          OdModelerReadNotes& to) {
+    for (const OdString& line : from.leftOut) to.leftOut.append(lead + line);
+    for (const OdString& line : from.lost) to.lost.append(lead + line);
+    for (const OdString& line : from.remarks) to.remarks.append(lead + line);
+  }
+
+  // Where the file says, else beside the file that names it.
+  static std::optional<fs::path> locate(const fs::path& folder, const OdString& name) {
+    std::string text(name.utf8());
+    std::ranges::replace(text, '\\', '/');
+    const fs::path said(text);
+    for (const fs::path& candidate : {folder / said, folder / said.filename()}) {
+      std::error_code error;
+      if (fs::is_regular_file(candidate, error)) return candidate.lexically_normal();
+    }
+    return std::nullopt;
+  }
+
+  const OdModelerReadOptions& m_options;
+  std::set<fs::path> m_open;  // files that are being read, from the outermost inwards
+  std::map<fs::path, Outcome> m_outcomes;
+};
+
+OdStatus checkOptions(const OdModelerReadOptions& options) {
+  if (options.encoding.isEmpty() || OdTextDecoder(options.encoding).isKnown()) return {};
+  return {eInvalidInput, L"'" + options.encoding + L"' is no known encoding"};
 }
 
 }  // namespace
 
-OdStatus importStep(const OdString& path, OdModelerAssembly& result) {
-  if (OdStatus status = checkFile(path); !status.ok()) return status;
-  const OdWorkNote note("reading step file ", path.utf8());
-  std::error_code error;
-  const OdWorkLimit limit(budgetFor(fs::file_size(fs::path(std::string(path.utf8())), error)));
-  OdStatus status = guarded("import", [&] { return readFile(path, result); });
-  if (!status.ok() && status.text.find(path) < 0) {
-    return fileFailure(status.code, path, static_cast<const char*>(status.text));
+OdStatus importStep(const OdString& path, const OdModelerReadOptions& options,
+                    OdModelerAssembly& result) {
+  if (OdStatus status = checkOptions(options); !status.ok()) return status;
+  OdModelerAssembly assembly;
+  if (OdStatus status = AssemblyReader(options).read(path, assembly); !status.ok()) return status;
+  const auto hasBody = [](const OdModelerProduct& product) { return !product.bodies.empty(); };
+  if (std::ranges::none_of(assembly.products, hasBody)) {
+    OdString reason = L"there is no geometry in it";
+    for (const OdString& line : assembly.notes.lost) reason += L"; " + line;
+    return fileFailure(eModelerError, path, static_cast<const char*>(reason));
   }
-  return status;
+  result = std::move(assembly);
+  return {};
 }
 
 }  // namespace od_occt

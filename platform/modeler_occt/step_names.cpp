@@ -1,60 +1,124 @@
-// Names that a STEP file gives to bodies, shells and faces.
+// Names and layers that a STEP file gives to bodies, shells and faces.
 #include "platform/modeler_occt/step_names.h"
 
-#include <Interface_InterfaceModel.hxx>
-#include <StepRepr_RepresentationItem.hxx>
-#include <StepShape_ConnectedFaceSet.hxx>
-#include <StepShape_FaceSurface.hxx>
-#include <StepShape_ShellBasedSurfaceModel.hxx>
-#include <StepShape_SolidModel.hxx>
-#include <TCollection_HAsciiString.hxx>
-#include <TransferBRep.hxx>
-#include <Transfer_TransientProcess.hxx>
-#include <XSControl_Reader.hxx>
-#include <XSControl_TransferReader.hxx>
-#include <XSControl_WorkSession.hxx>
-
-#include "platform/modeler_occt/occt_convert.h"
+#include <algorithm>
+#include <optional>
 
 namespace od_occt {
 namespace {
 
-bool namesShape(const Handle(StepRepr_RepresentationItem) & item) {
-  return item->IsKind(STANDARD_TYPE(StepShape_FaceSurface)) ||
-         item->IsKind(STANDARD_TYPE(StepShape_SolidModel)) ||
-         item->IsKind(STANDARD_TYPE(StepShape_ConnectedFaceSet)) ||
-         item->IsKind(STANDARD_TYPE(StepShape_ShellBasedSurfaceModel));
+constexpr std::string_view kNamedTypes[] = {
+    "ADVANCED_FACE",   "FACE_SURFACE", "MANIFOLD_SOLID_BREP",
+    "BREP_WITH_VOIDS", "FACETED_BREP", "SHELL_BASED_SURFACE_MODEL",
+    "CLOSED_SHELL",    "OPEN_SHELL",   "CONNECTED_FACE_SET",
+};
+
+bool namesShape(const StepText& file, const StepInstance& instance) {
+  const std::vector<std::string_view> types = file.types(instance);
+  return std::ranges::find_first_of(types, kNamedTypes) != types.end();
 }
 
-/// The reader decodes escapes of the file into UTF-8.
-OdString utf8Name(const TCollection_HAsciiString& name) {
-  return OdString::fromUtf8(name.ToCString(), static_cast<std::size_t>(name.Length()));
+// The name is the first argument; of an instance in parts, that of the part of all items.
+OdString itemName(const StepText& file, const StepStrings& strings, const StepInstance& instance) {
+  const bool isComplex = file.text()[instance.at] == '(';
+  const std::vector<std::string_view> arguments =
+      isComplex ? file.arguments(instance, "REPRESENTATION_ITEM") : file.arguments(instance);
+  return arguments.empty() ? OdString() : strings.decodeArgument(arguments.front());
 }
 
 TopoDS_Shape unplaced(const TopoDS_Shape& shape) { return shape.Located(TopLoc_Location()); }
 
-}  // namespace
+// ---- Layers.
 
-StepNames::StepNames(const XSControl_Reader& reader) {
-  const Handle(Interface_InterfaceModel)& model = reader.WS()->Model();
-  const Handle(Transfer_TransientProcess)& transfer =
-      reader.WS()->TransferReader()->TransientProcess();
-  if (model.IsNull() || transfer.IsNull()) return;
-  for (int i = 1; i <= model->NbEntities(); ++i) {
-    const auto item = Handle(StepRepr_RepresentationItem)::DownCast(model->Value(i));
-    if (item.IsNull() || item->Name().IsNull() || item->Name()->IsEmpty() || !namesShape(item))
-      continue;
-    const TopoDS_Shape shape = TransferBRep::ShapeResult(transfer, item);
-    if (shape.IsNull()) continue;
-    if (m_rows.Bind(unplaced(shape), static_cast<int>(m_names.size())))
-      m_names.push_back(utf8Name(*item->Name()));
+bool endsIn(std::string_view text, std::string_view end) { return text.ends_with(end); }
+
+// What an assigned item is about: a styled item's item, a representation's items, or itself.
+std::vector<OdUInt64> subjectsOf(const StepText& file, OdUInt64 id) {
+  const StepInstance* instance = file.find(id);
+  if (instance == nullptr) return {};
+  const std::vector<std::string_view> types = file.types(*instance);
+  const auto isStyled = [](std::string_view type) {
+    return endsIn(type, "STYLED_ITEM") || endsIn(type, "_OCCURRENCE");
+  };
+  if (std::ranges::any_of(types, isStyled)) {
+    const bool inParts = types.size() > 1;
+    const std::vector<std::string_view> arguments =
+        inParts ? file.arguments(*instance, "STYLED_ITEM") : file.arguments(*instance);
+    const std::size_t place = inParts ? 1 : 2;
+    const auto item =
+        arguments.size() > place ? StepText::reference(arguments[place]) : std::nullopt;
+    return item ? std::vector<OdUInt64>{*item} : std::vector<OdUInt64>();
   }
+  if (types.size() == 1 && endsIn(types.front(), "REPRESENTATION")) {
+    const std::vector<std::string_view> arguments = file.arguments(*instance);
+    std::vector<OdUInt64> items;
+    if (arguments.size() < 2) return items;
+    for (const std::string_view element : StepText::elements(arguments[1])) {
+      if (const auto item = StepText::reference(element)) items.push_back(*item);
+    }
+    return items;
+  }
+  return {id};
 }
 
-const OdString& StepNames::of(const TopoDS_Shape& shape) const {
+bool assignLayer(const StepText& file, const StepTransfer& transfer, OdUInt64 item,
+                 const OdString& layer, ShapeTexts& layers) {
+  bool any = false;
+  for (const OdUInt64 subject : subjectsOf(file, item)) {
+    const TopoDS_Shape shape = transfer.shapeOf(subject);
+    if (shape.IsNull()) continue;
+    layers.add(shape, layer);
+    any = true;
+  }
+  return any;
+}
+
+}  // namespace
+
+bool ShapeTexts::add(const TopoDS_Shape& shape, const OdString& text) {
+  if (!m_rows.Bind(unplaced(shape), static_cast<int>(m_texts.size()))) return false;
+  m_texts.push_back(text);
+  return true;
+}
+
+const OdString& ShapeTexts::of(const TopoDS_Shape& shape) const {
   static const OdString kNone;
   const int* row = m_rows.Seek(unplaced(shape));
-  return row == nullptr ? kNone : m_names[static_cast<std::size_t>(*row)];
+  return row == nullptr ? kNone : m_texts[static_cast<std::size_t>(*row)];
+}
+
+ShapeTexts stepNames(const StepText& file, const StepStrings& strings,
+                     const StepTransfer& transfer) {
+  ShapeTexts names;
+  for (const StepInstance& instance : file.instances()) {
+    if (!namesShape(file, instance)) continue;
+    const OdString name = itemName(file, strings, instance);
+    const TopoDS_Shape shape = name.isEmpty() ? TopoDS_Shape() : transfer.shapeOf(instance.id);
+    if (!shape.IsNull()) names.add(shape, name);
+  }
+  return names;
+}
+
+ShapeTexts stepLayers(const StepText& file, const StepStrings& strings,
+                      const StepTransfer& transfer, OdStringArray& leftOut) {
+  ShapeTexts layers;
+  for (const StepInstance& instance : file.instances()) {
+    const std::vector<std::string_view> arguments =
+        file.arguments(instance, "PRESENTATION_LAYER_ASSIGNMENT");
+    if (arguments.size() != 3) continue;
+    const OdString layer = strings.decodeArgument(arguments[0]);
+    unsigned others = 0;
+    for (const std::string_view element : StepText::elements(arguments[2])) {
+      const auto item = StepText::reference(element);
+      if (!item || !assignLayer(file, transfer, *item, layer, layers)) ++others;
+    }
+    if (others == 0) continue;
+    OdString line;
+    line.format(L"layer '%ls': %u %ls no body", layer.c_str(), others,
+                others == 1 ? L"item is" : L"items are");
+    leftOut.append(line);
+  }
+  return layers;
 }
 
 }  // namespace od_occt

@@ -50,6 +50,7 @@ StepSession::StepSession() : m_lock(sessionMutex()) {
   m_document = new TDocStd_Document("BinXCAF");
   m_shapes = XCAFDoc_DocumentTool::ShapeTool(m_document->Main());
   m_colors = XCAFDoc_DocumentTool::ColorTool(m_document->Main());
+  m_layers = XCAFDoc_DocumentTool::LayerTool(m_document->Main());
 }
 
 OdString labelName(const TDF_Label& label) {

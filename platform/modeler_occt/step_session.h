@@ -3,6 +3,7 @@
 
 #include <TDocStd_Document.hxx>
 #include <XCAFDoc_ColorTool.hxx>
+#include <XCAFDoc_LayerTool.hxx>
 #include <XCAFDoc_ShapeTool.hxx>
 #include <mutex>
 
@@ -20,12 +21,14 @@ class StepSession {
   Handle(TDocStd_Document) & document() { return m_document; }
   [[nodiscard]] const Handle(XCAFDoc_ShapeTool) & shapes() const { return m_shapes; }
   [[nodiscard]] const Handle(XCAFDoc_ColorTool) & colors() const { return m_colors; }
+  [[nodiscard]] const Handle(XCAFDoc_LayerTool) & layers() const { return m_layers; }
 
  private:
   std::unique_lock<std::mutex> m_lock;
   Handle(TDocStd_Document) m_document;
   Handle(XCAFDoc_ShapeTool) m_shapes;
   Handle(XCAFDoc_ColorTool) m_colors;
+  Handle(XCAFDoc_LayerTool) m_layers;
 };
 
 /// The name attribute of a label; empty when there is none.

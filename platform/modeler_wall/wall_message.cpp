@@ -35,6 +35,12 @@ void MessageReader::take(OdString& text) {
   text = OdString::fromUtf8(std::string_view(raw(size), size));
 }
 
+void MessageReader::take(OdStringArray& lines) {
+  const std::size_t count = takeCount(1);
+  lines.clear();
+  for (std::size_t i = 0; i < count; ++i) lines.append(get<OdString>());
+}
+
 void MessageReader::take(OdBinaryData& bytes) {
   const std::size_t size = takeCount(1);
   bytes.resize(static_cast<OdUInt32>(size));

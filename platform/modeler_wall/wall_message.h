@@ -16,9 +16,8 @@
 #include "platform/modeler/body.h"
 #include "platform/modeler/history.h"
 #include "platform/modeler/mesh.h"
+#include "platform/modeler/modeler.h"
 #include "platform/modeler/profile.h"
-
-class OdModeler;
 
 namespace od_wall {
 
@@ -48,14 +47,28 @@ void fields(auto& message, Maybe<OdModelerMesh> auto& mesh) { message(mesh.faces
 void fields(auto& message, Maybe<OdModelerOccurrence> auto& occurrence) {
   message(occurrence.product, occurrence.placement, occurrence.name, occurrence.color);
 }
+void fields(auto& message, Maybe<OdModelerAnnotation> auto& annotation) {
+  message(annotation.body, annotation.name);
+}
 void fields(auto& message, Maybe<OdModelerProduct> auto& product) {
-  message(product.name, product.uniqueId, product.bodies, product.occurrences);
+  message(product.name, product.uniqueId, product.bodies, product.occurrences, product.layers,
+          product.annotations);
 }
 void fields(auto& message, Maybe<OdModelerLengthUnit> auto& unit) {
   message(unit.name, unit.millimetres);
 }
+void fields(auto& message, Maybe<OdModelerFileHeader> auto& header) {
+  message(header.name, header.timeStamp, header.author, header.organization,
+          header.originatingSystem);
+}
+void fields(auto& message, Maybe<OdModelerReadNotes> auto& notes) {
+  message(notes.leftOut, notes.lost, notes.remarks);
+}
 void fields(auto& message, Maybe<OdModelerAssembly> auto& assembly) {
-  message(assembly.products, assembly.roots, assembly.sourceUnit);
+  message(assembly.products, assembly.roots, assembly.sourceUnit, assembly.header, assembly.notes);
+}
+void fields(auto& message, Maybe<OdModelerReadOptions> auto& options) {
+  message(options.encoding, options.annotations);
 }
 
 /// Appends values to a message. A body is put as its stored form; raises OdError when it has none.
@@ -90,6 +103,9 @@ class MessageWriter {
     }
   }
   void put(const OdString& text) { put(std::span<const char>(text.utf8())); }
+  void put(const OdStringArray& lines) {
+    put(std::span<const OdString>(lines.asArrayPtr(), lines.size()));
+  }
   void put(const OdBinaryData& bytes) {
     put(std::span<const OdUInt8>(bytes.asArrayPtr(), bytes.size()));
   }
@@ -137,6 +153,7 @@ class MessageReader {
     }
   }
   void take(OdString& text);
+  void take(OdStringArray& lines);
   void take(OdBinaryData& bytes);
   void take(OdModelerBodyPtr& body);
   const char* raw(std::size_t size);

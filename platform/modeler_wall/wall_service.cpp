@@ -106,8 +106,9 @@ OdStatus doRemoveFaces(Job& job) {
 
 OdStatus doImportStep(Job& job) {
   const auto path = job.take<OdString>();
+  const auto options = job.take<OdModelerReadOptions>();
   OdModelerAssembly assembly;
-  OdStatus status = job.modeler.importStep(path, assembly);
+  OdStatus status = job.modeler.importStep(path, options, assembly);
   if (status.ok()) job.results(assembly);
   return status;
 }

@@ -148,9 +148,10 @@ class WalledModeler final : public OdModeler {
     return status;
   }
 
-  OdStatus importStep(const OdString& path, OdModelerAssembly& result) override {
+  OdStatus importStep(const OdString& path, const OdModelerReadOptions& options,
+                      OdModelerAssembly& result) override {
     MessageWriter arguments;
-    arguments(path);
+    arguments(path, options);
     return m_link->ask({Operation::kImportStep, {}, false, path}, arguments,
                        [&](MessageReader& answer, BodyNumber) {
                          auto assembly = answer.get<OdModelerAssembly>();
@@ -186,6 +187,7 @@ class WalledModeler final : public OdModeler {
   static void eachBody(OdModelerAssembly& assembly, const Change& change) {
     for (OdModelerProduct& product : assembly.products) {
       for (OdModelerBodyPtr& body : product.bodies) body = change(body);
+      for (OdModelerAnnotation& each : product.annotations) each.body = change(each.body);
     }
   }
 

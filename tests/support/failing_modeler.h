@@ -72,8 +72,9 @@ class FailingModeler : public OdModeler {
   OdStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& r) override {
     return m_modeler->deserialise(bytes, r);
   }
-  OdStatus importStep(const OdString& path, OdModelerAssembly& r) override {
-    return m_modeler->importStep(path, r);
+  OdStatus importStep(const OdString& path, const OdModelerReadOptions& options,
+                      OdModelerAssembly& r) override {
+    return m_modeler->importStep(path, options, r);
   }
   OdStatus exportStep(const OdString& path, const OdModelerAssembly& assembly) override {
     return m_modeler->exportStep(path, assembly);

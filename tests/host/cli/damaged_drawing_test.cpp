@@ -30,7 +30,7 @@ constexpr const char* kCommands[] = {
     "vdm component list a.vdm",
     "vdm group a.vdm --list",
     "vdm render a.vdm -o out.svg --labels --force && cat out.svg",
-    "vdm export a.vdm -o out.step --force && cat out.step",
+    "vdm export a.vdm -o out.step --force --reproducible && cat out.step",
 };
 
 /// Bytes in the file that are not those that were saved.

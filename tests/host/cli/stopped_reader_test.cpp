@@ -35,7 +35,7 @@ constexpr ReadingCommand kCommands[] = {
     {"component list a.vdm"},
     {"props list a.vdm 21"},
     {"audit a.vdm"},
-    {"export a.vdm -o out.step --force", "out.step"},
+    {"export a.vdm -o out.step --force --reproducible", "out.step"},
     {"render a.vdm -o out.svg --labels --force", "out.svg"},
 };
 

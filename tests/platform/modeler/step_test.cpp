@@ -1,73 +1,14 @@
 // STEP exchange: what a file keeps, what is refused, files in and out of drawings.
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <numbers>
 
-#include "platform/modeler/step_drawing.h"
-#include "tests/support/solid_drawing_testing.h"
-#include "tests/support/test_folder.h"
+#include "tests/platform/modeler/step_testing.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 constexpr double kPi = std::numbers::pi;
-
-class OdModelerStep : public DrawingTest {
- protected:
-  OdString path(const char* name) const { return m_folder.odFile(name); }
-  OdString write(const char* name, const std::string& content) const {
-    writeBytes(m_folder.file(name), content);
-    return path(name);
-  }
-  static std::string read(const OdString& file) {
-    std::ifstream stream(std::string(file.utf8()), std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
-
-  // cart -> wheel (left, turned right), cart -> load; the load has two solids in two colours.
-  static OdModelerAssembly cart() {
-    OdModelerBodyAttributes style;
-    const OdModelerBodyPtr wheel = cylinder(10.0, 4.0);
-    style.color = OdModelerColor{20, 40, 60};
-    style.faceColors[faceTowards(*wheel, OdGeVector3d::kZAxis)] = {250, 128, 3};
-    const OdModelerBodyPtr crate = colored(box(5.0, 5.0, 5.0), {255, 0, 0}, L"crate");
-    const OdModelerBodyPtr chest =
-        colored(box(5.0, 5.0, 5.0, {20.0, 0.0, 0.0}), {0, 255, 0}, L"chest");
-    const OdGeMatrix3d right =
-        OdGeMatrix3d::translation({0.0, 50.0, 0.0}) * OdGeMatrix3d::rotation(0.5, {1.0, 1.0, 0.0});
-    OdModelerAssembly a;
-    a.products = {{L"cart: no/1",
-                   L"c",
-                   {},
-                   {{1, {}, L"left", {}}, {1, right, L"right", {}}, {2, {}, L"top", {}}}},
-                  {L"wheel", L"w", {wheel->withAttributes(style)}, {}},
-                  {L"load", L"l", {crate, chest}, {}}};
-    a.roots = {{0, {}, L"", {}}};
-    return a;
-  }
-  static OdModelerAssembly part(const OdModelerBodyPtr& body) {
-    OdModelerAssembly a;
-    a.products = {{L"part", L"part", {body}, {}}};
-    a.roots = {{0, {}, L"", {}}};
-    return a;
-  }
-  [[nodiscard]] OdString writeStep(const OdModelerAssembly& assembly) const {
-    EXPECT_TRUE(succeeded(odModeler().exportStep(path("made.stp"), assembly)));
-    return path("made.stp");
-  }
-  static OdModelerAssembly readStep(const OdString& file) {
-    OdModelerAssembly result;
-    EXPECT_TRUE(succeeded(odModeler().importStep(file, result)));
-    return result;
-  }
-  OdDbObjectId blockId(const wchar_t* name) const {
-    return m_database->getBlockTableId().safeOpenAs<OdDbBlockTable>()->getAt(name);
-  }
-
-  TestFolder m_folder;
-};
 
 TEST_F(OdModelerStep, AssemblyKeepsStructureNamesPlacementsAndColours) {
   const OdModelerAssembly made = cart();

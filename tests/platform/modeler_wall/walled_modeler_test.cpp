@@ -98,7 +98,10 @@ TEST_F(SameOutcome, AProfileAndAnAssemblyArriveWhole) {
   OdModelerAssembly assembly;
   assembly.products.push_back({L"outer", L"outer", {}, {{1, OdGeMatrix3d(), L"first", {}}}});
   assembly.products.push_back({L"inner", L"inner", {colored(swept, {255, 0, 0}, L"swept")}, {}});
+  assembly.products[1].layers = {L"thin"};
   assembly.roots.push_back({0, OdGeMatrix3d(), L"root", {}});
+  assembly.sourceUnit = {L"inches", 25.4};
+  assembly.header.timeStamp = L"2026-01-31T12:00:00";
   ASSERT_TRUE(odModeler().exportStep(file, assembly).ok());
   const auto read =
       made<OdModelerAssembly>([&](auto& a) { return odModeler().importStep(file, a); });
@@ -107,6 +110,11 @@ TEST_F(SameOutcome, AProfileAndAnAssemblyArriveWhole) {
   EXPECT_EQ(read.products[1].name, OdString(L"inner"));
   EXPECT_EQ(read.products[1].bodies[0]->attributes().color, (OdModelerColor{255, 0, 0}));
   EXPECT_NEAR(read.products[1].bodies[0]->massProperties().volume, expected, 1e-6);
+  EXPECT_EQ(read.products[1].layerOf(0), OdString(L"thin"));
+  EXPECT_EQ(read.sourceUnit.millimetres, 25.4);
+  EXPECT_EQ(read.header.timeStamp, assembly.header.timeStamp);
+  OdModelerAssembly none;
+  EXPECT_EQ(odModeler().importStep(file, {L"no encoding", false}, none).code, eInvalidInput);
 }
 
 TEST_F(WalledModelerTest, EveryDeathFailsOneOperationAndNothingElse) {
