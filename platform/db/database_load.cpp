@@ -269,6 +269,7 @@ OdUInt64 OdDbDatabaseImpl::pageOut(OdUInt64 budgetBytes) {
     if (idRecord->has(OdDbIdRecord::kDirty | OdDbIdRecord::kErased | OdDbIdRecord::kLoading)) {
       return false;
     }
+    if (object->hasStateOutsideFile()) return false;
     if (!object->m_extra) return true;
     for (const auto& reactor : object->m_extra->reactors) {
       if (reactor.transient != nullptr) return false;

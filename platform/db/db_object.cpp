@@ -174,7 +174,9 @@ void OdDbObject::downgradeOpen() {
 }
 
 OdDbDwgFiler* OdDbObject::undoFiler() {
-  return m_idRecord == nullptr ? nullptr : OdDbDatabaseImpl::of(m_idRecord).undo.partialFiler(this);
+  if (m_idRecord == nullptr) return nullptr;
+  OdDbDwgFiler* started = OdDbDatabaseImpl::of(m_idRecord).undo.partialFiler(this);
+  return started != nullptr ? started : beginPartialUndo(isA());
 }
 
 OdDbDwgFiler* OdDbObject::beginPartialUndo(OdRxClass* cls) {
@@ -198,11 +200,14 @@ OdResult OdDbObject::erase(bool erasing) {
   if (isErased() == erasing) return erasing ? eWasErased : eOk;
   assertWriteEnabled(/*autoUndo=*/false, /*recordModified=*/false);
   const OdResult result = subErase(erasing);
-  if (result != eOk) return result;
+  if (result == eOk) completeErase(erasing);
+  return result;
+}
+
+void OdDbObject::completeErase(bool erasing) {
   OdDbDatabaseImpl& impl = OdDbDatabaseImpl::of(m_idRecord);
   impl.undo.recordErased(m_idRecord, erasing);
   impl.setErased(m_idRecord, erasing);
-  return eOk;
 }
 
 OdResult OdDbObject::subErase(bool) { return eOk; }

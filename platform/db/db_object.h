@@ -87,8 +87,10 @@ class OdDbObject : public OdGiDrawable {
   /// Ends what upgradeOpen() began; without one, ends the write opens of the object. Reactors are
   /// told when that was the last.
   void downgradeOpen();
-  /// Filer for a partial undo record of this object; null when nothing records. Usage: write the
-  /// class through beginPartialUndo(), then the fields that applyPartialUndo() will read.
+  /// Filer of the partial undo record that beginPartialUndo() has started for this object; without
+  /// one of a new record for the object's own class. The caller writes the fields that
+  /// applyPartialUndo() will read. Null when nothing records, and when the span has the whole
+  /// state.
   [[nodiscard]] OdDbDwgFiler* undoFiler();
   /// Starts a partial undo record of this object for `cls` and returns its filer, null when nothing
   /// records. The record ends with the next record or with the span.
@@ -180,10 +182,16 @@ class OdDbObject : public OdGiDrawable {
   virtual void reappended(const OdDbObject* object);
   virtual void goodbye(const OdDbObject* object);
 
+  /// The object has state that its record in a file does not hold, and that others count on as long
+  /// as the drawing is open. It is not dropped from memory then.
+  [[nodiscard]] virtual bool hasStateOutsideFile() const { return false; }
   /// A memory estimate in bytes, for the residency budget.
   [[nodiscard]] virtual std::size_t approximateSize() const;
 
  protected:
+  /// For a subErase() that refuses nothing and yet has an error to report: what erase() does after
+  /// it, at once.
+  void completeErase(bool erasing);
   /// Marks that graphics changed, so that reactors hear modifiedGraphics at close.
   void noteGraphicsModified();
 

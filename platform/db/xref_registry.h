@@ -4,6 +4,7 @@
 #include <map>
 #include <vector>
 
+#include "platform/base/export.h"
 #include "platform/db/database.h"
 #include "platform/filer/object_id.h"
 
@@ -12,13 +13,19 @@
 /// it.
 class OdDbXrefRegistry {
  public:
+  ~OdDbXrefRegistry() { clear(); }
+
+  /// A number that rises whenever an external drawing of any host is loaded or closed. What was
+  /// found by ids of external drawings is outdated when it has risen.
+  [[nodiscard]] static OD_API OdUInt64 generation();
+
   void add(const OdDbObjectId& block, const OdDbDatabasePtr& database);
   /// Null when the block has no loaded drawing.
   [[nodiscard]] OdDbDatabasePtr find(const OdDbObjectId& block) const;
   void remove(const OdDbObjectId& block);
   /// In rising order of the handles of their blocks.
   [[nodiscard]] std::vector<OdDbDatabasePtr> databases() const;
-  void clear() { m_databases.clear(); }
+  void clear();
   [[nodiscard]] bool empty() const { return m_databases.empty(); }
 
  private:

@@ -7,7 +7,8 @@ void ManagerHost::findExisting(VdmDbPersIdManager*, const OdDbFullSubentPathArra
                                OdDbObjectIdArray& ids) {
   calls.append(L"find");
   for (const OdDbFullSubentPath& path : paths) {
-    ids.append(VdmDbObject::openVdmDbObject(path.objectIds()[0])->getPersIdDependency(path));
+    const VdmDbObjectPtr object = VdmDbObject::openVdmDbObject(path.objectIds()[0]);
+    ids.append(object.isNull() ? OdDbObjectId::kNull : object->getPersIdDependency(path));
   }
 }
 

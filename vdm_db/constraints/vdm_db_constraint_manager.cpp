@@ -29,11 +29,15 @@ VdmDbConstraintManager::~VdmDbConstraintManager() = default;
 
 // ---- Finding managers
 
-OdDbObjectId VdmDbConstraintManager::getInstance(const OdDbObjectId& blockTableRecordId,
-                                                 bool create) {
+OdDbObjectId VdmDbConstraintManager::getInstance(const OdDbObjectId& blockId, bool create) {
+  return getInstanceImpl(blockId, create, /*link=*/true);
+}
+
+OdDbObjectId VdmDbConstraintManager::getInstanceImpl(const OdDbObjectId& blockTableRecordId,
+                                                     bool create, bool link) {
   const OdDbObjectId manager =
       vdmu::getObjInExtDict(blockTableRecordId, kVdmDatabaseKey, create ? desc() : nullptr);
-  if (manager.isNull() || !create) return manager;
+  if (manager.isNull() || !create || !link) return manager;
   VDM_ASSERT_AT(blockTableRecordId != blockTableRecordId.database()->getPaperSpaceId(), kSource,
                 __LINE__);
   linkUnderRoot(manager);
@@ -80,7 +84,7 @@ void VdmDbConstraintManager::appendChild(const OdDbObjectId& manager) {
 void VdmDbConstraintManager::removeChild(const OdDbObjectId& manager) {
   OdDbObjectIdArray gone;
   gone.append(manager);
-  m_childManagers.takeOut(m_childManagers.positionsOf(gone), beginStep(kChildStep));
+  m_childManagers.takeOut(m_childManagers.lastPositionsOf(gone), beginStep(kChildStep));
 }
 
 OdDbObjectIdArray VdmDbConstraintManager::getAllConstraintManagers() const {

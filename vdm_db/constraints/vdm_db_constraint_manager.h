@@ -20,6 +20,7 @@
 
 class VdmDbConstraintManager;
 class VdmDbObject;
+class VdmFeatureUpdateData;
 using VdmDbConstraintManagerPtr = OdSmartPtr<VdmDbConstraintManager>;
 
 /// Holds the 3D constraints of one block, registers the model objects (VdmDbObject) that these
@@ -128,7 +129,8 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   [[nodiscard]] OdDbObjectIdArray getModifiedObjects() const;
   void setModifiedObjects(const OdDbObjectIdArray& objects);
 
-  // ---- Variables that keep their values while a model is updated; not filed
+  // ---- Variables that keep their values while a model is updated; not filed, and none after
+  // ---- loading
 
   void freezeVariable(const OdDbObjectId& variable) { m_frozenVariables.insert(variable); }
   [[nodiscard]] bool isVariableFrozen(const OdDbObjectId& variable) const {
@@ -196,6 +198,8 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   void subSwapIdWith(const OdDbObjectId& otherId, bool swapExtendedData,
                      bool swapExtDictionary) override;
   void subIdSwapped() override;
+  /// Its status is another one than after loading, or variables are frozen.
+  [[nodiscard]] bool hasStateOutsideFile() const override;
   [[nodiscard]] std::size_t approximateSize() const override;
 
  protected:
@@ -206,11 +210,15 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
 
  private:
   friend class VdmConstraint;
+  friend class VdmFeatureUpdateData;  // makes managers without linking them
 
   using ModifiedObjects = std::set<OdDbObjectId, vdmu::ObjectIdLess>;
   enum UndoStep : OdUInt8 { kStateStep = 0, kRegistryStep = 1, kChildStep = 2 };
   struct ObjectNames;
 
+  /// The manager of a block, made with `create`. One that was asked for with `create` and `link` is
+  /// linked under the root manager.
+  static OdDbObjectId getInstanceImpl(const OdDbObjectId& blockId, bool create, bool link);
   static void linkUnderRoot(const OdDbObjectId& manager);
 
   OdDbDwgFiler* beginStep(UndoStep step);

@@ -84,6 +84,7 @@ OdResult VdmDbConstraintManager::dwgInFields(OdDbDwgFiler* filer) {
   const OdInt16 version = filer->rdInt16();
   if (version > kVersion) return eCorruptData;
   clearForRead();
+  if (filer->filerType() != OdDbDwgFiler::kUndoFiler) m_frozenVariables.clear();
   vdmu::readHardOwnershipIdArray(filer, m_vdmDbObjects.array());
   m_vdmDbObjects.replaced();
   vdmu::readHardOwnershipIdArray(filer, m_reservedIds);
@@ -210,6 +211,10 @@ void VdmDbConstraintManager::subSwapIdWith(const OdDbObjectId& otherId, bool swa
 
 void VdmDbConstraintManager::subIdSwapped() {
   for (const auto& [nodeId, constraint] : m_constraints) constraint->setOwner(objectId());
+}
+
+bool VdmDbConstraintManager::hasStateOutsideFile() const {
+  return m_status != kNotEvaluated || !m_modifiedObjects.empty() || !m_frozenVariables.empty();
 }
 
 std::size_t VdmDbConstraintManager::approximateSize() const {

@@ -224,7 +224,6 @@ void VdmDbFeatureData::appendToOwner(OdDbIdPair& pair, OdDbObject* owner, OdDbId
 OdResult VdmDbFeatureData::subErase(bool erasing) {
   const OdResult result = OdDbObject::subErase(erasing);
   if (result != eOk) return result;
-  invalidateNamesOfManager();  // also when undo brings a name back
   refileManager();
   return erasing && !isUndoing() ? eraseOwnObjects() : eOk;
 }
@@ -237,12 +236,16 @@ void VdmDbFeatureData::invalidateNamesOfManager() const {
 // The manager's list as filed leaves out erased features: it is to be filed anew.
 void VdmDbFeatureData::refileManager() const {
   const VdmDbFeatureManagerPtr manager = ownerId().openAs<VdmDbFeatureManager>(OdDb::kForWrite);
-  if (!manager.isNull()) manager->assertWriteEnabled(/*autoUndo=*/false, /*recordModified=*/false);
+  if (manager.isNull()) return invalidateNamesOfManager();
+  manager->onFeatureErased(objectId());
 }
 
 OdResult VdmDbFeatureData::eraseOwnObjects() {
   VdmFeature* feature = m_impl->feature();
-  if (feature == nullptr) return kVdmNoFeature;
+  if (feature == nullptr) {
+    completeErase(/*erasing=*/true);
+    return kVdmNoFeature;
+  }
   if (vdmu::GetFEATURECOLORS::getValue()) {
     vdmu::markEntToRedraw(vdmEntitiesOf(feature->getAllDependencies(/*filtered=*/false)));
   }

@@ -71,7 +71,8 @@ class VDM_DB_EXPORT VdmDbFeatureData : public OdDbObject {
                                bool isPrimary) const override;
   /// Lists a clone with its manager.
   void appendToOwner(OdDbIdPair& pair, OdDbObject* owner, OdDbIdMapping& mapping) override;
-  /// Erases what the feature owns. 417, the carrier being erased, for one without a feature.
+  /// Erases what the feature owns. 417 for a carrier without a feature, which is erased all the
+  /// same.
   OdResult subErase(bool erasing) override;
 
  private:

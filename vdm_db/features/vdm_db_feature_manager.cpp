@@ -22,7 +22,7 @@ VDM_DEFINE_DB_CLASS(VdmDbFeatureManager, OdDbObject, L"VdmDbFeatureManager", L"V
 namespace {
 
 // What a partial undo record begins with.
-enum UndoStep : OdUInt8 { kUndoFeatures = 0, kUndoNeedEvaluate = 1 };
+enum UndoStep : OdUInt8 { kUndoFeatures = 0, kUndoNeedEvaluate = 1, kUndoNames = 2 };
 
 }  // namespace
 
@@ -106,7 +106,9 @@ void VdmDbFeatureManager::recordNeedEvaluate() {
 
 void VdmDbFeatureManager::applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) {
   if (cls != desc()) return OdDbObject::applyPartialUndo(filer, cls);
-  if (filer->rdUInt8() == kUndoFeatures) {
+  const OdUInt8 step = filer->rdUInt8();
+  if (step == kUndoNames) return namesWillChange();
+  if (step == kUndoFeatures) {
     m_namingService->invalidateCache();
     m_impl->features.applyUndo(filer, recordList());
     return;
@@ -172,8 +174,9 @@ OdDbObjectIdArray VdmDbFeatureManager::getFeatures(
 
 OdResult VdmDbFeatureManager::updateFeaturesStatus(VdmFeature::Status status) {
   for (VdmDbIterator<VdmFeature> it = newFeatureIterator(); !it.done(); it.next()) {
-    if (it.object()->getStatus() == VdmFeature::StatusNotifyEntities) continue;
-    const VdmFeaturePtr feature = it.object(OdDb::kForWrite);
+    const VdmFeaturePtr feature = it.object();
+    if (feature->getStatus() == VdmFeature::StatusNotifyEntities) continue;
+    feature->upgradeOpen();
     const OdResult result = feature->setStatus(status);
     if (result != eOk) return result;
   }
@@ -205,8 +208,19 @@ void VdmDbFeatureManager::evaluate() {
 // ---- Names
 
 bool VdmDbFeatureManager::onFeatureErased(const OdDbObjectId& /*feature*/) {
-  m_namingService->invalidateCache();
+  if (isWriteEnabled()) {
+    namesWillChange();
+  } else {
+    m_namingService->invalidateCache();
+  }
   return true;
+}
+
+// Undo of an erase brings a name back, and redo takes it away again: both come by here.
+void VdmDbFeatureManager::namesWillChange() {
+  assertWriteEnabled(/*autoUndo=*/false, /*recordModified=*/false);
+  m_namingService->invalidateCache();
+  if (OdDbDwgFiler* filer = beginPartialUndo(desc())) filer->wrUInt8(kUndoNames);
 }
 
 bool VdmDbFeatureManager::onFeatureRenamed(const OdDbObjectId& /*feature*/, const OdString& name) {

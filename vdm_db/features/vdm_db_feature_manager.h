@@ -68,7 +68,7 @@ class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject, public VdmFeatureRe
   /// Ids of all features, erased ones among them. Valid until the manager changes.
   [[nodiscard]] const OdDbObjectIdArray& featureIds() const;
   /// Sets the status of every feature whose status is not exactly StatusNotifyEntities. The first
-  /// result that is not eOk, or eOk.
+  /// result that is not eOk, or eOk. Raises as upgradeOpen, when there is something to set.
   OdResult updateFeaturesStatus(VdmFeature::Status status);
   /// Variables that features depend on; in a mapping's contexts 1, 3, 6, 9 and 10 also those that
   /// depend on features, and with a mapping only of features that it takes along. Those of the
@@ -148,6 +148,7 @@ class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject, public VdmFeatureRe
   void takeOut(const OdDbObjectIdArray& features);
   static bool dropLostReactors(VdmFeature& feature);
   void recordNeedEvaluate();
+  void namesWillChange();
   [[nodiscard]] OdString finalName(OdRxClass* cls, const OdString& name, bool numberGiven,
                                    bool trim);
   [[nodiscard]] bool featuresTellChanges(bool constraintsWereCalculated) const;

@@ -1,10 +1,16 @@
 // What other rooms read from sheet-metal contexts.
 #include "vdm_db/features/vdm_sheet_metal_source.h"
 
+#include <cmath>
+
 #include "platform/db/db_object.h"
 #include "vdm_db/common/vdm_constants.h"
 
 namespace {
+
+constexpr double kSameValue = 1e-10;  // a change of a double counts beyond this
+
+bool isSame(double a, double b) { return std::abs(a - b) <= kSameValue; }
 
 constexpr const wchar_t* kBendRadius = L"BendRadius";
 constexpr const wchar_t* kBendRadiusType = L"BendRadiusType";
@@ -26,7 +32,10 @@ struct Sheet {
       bag.getProperty(kBendRadiusType, bendRadiusType);
     });
   }
-  friend bool operator==(const Sheet&, const Sheet&) = default;
+  friend bool operator==(const Sheet& a, const Sheet& b) {
+    return isSame(a.thickness, b.thickness) && isSame(a.bendRadius, b.bendRadius) &&
+           a.bendRadiusType == b.bendRadiusType;
+  }
 
   double thickness = 0;  // drawing units
   double bendRadius = 0;

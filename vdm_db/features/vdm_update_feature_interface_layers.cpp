@@ -181,7 +181,7 @@ OdGeMatrix3d placementOf(const OdDbObject* object) {
 OdStringArray VdmUpdateFeatureInterface::layersToHide() const { return dedicatedLayers(); }
 OdStringArray VdmUpdateFeatureInterface::layersToShow() const { return {}; }
 OdStringArray VdmUpdateFeatureInterface::layersToHideOnInsert() const { return {}; }
-OdStringArray VdmUpdateFeatureInterface::layersToShowOnInsert() const { return dedicatedLayers(); }
+OdStringArray VdmUpdateFeatureInterface::layersToShowOnInsert() const { return layersToHide(); }
 
 VdmUpdateFeatureInterface::LayerSet VdmUpdateFeatureInterface::findLayersByName(
     const OdDbObjectId& blockId, const OdStringArray& names) {

@@ -157,7 +157,7 @@ bool VdmDbObject::isWatched() const {
     const OdDbObjectPtr opened = reactor.openObject();
     if (opened.isNull()) continue;
     for (const OdDbObjectId watcher : opened->getPersistentReactors()) {
-      if (vdmu::isIdOf<VdmDbFeatureReactor>(watcher)) return true;
+      if (vdmu::isIdOf<VdmDbFeatureReactor>(watcher) && !watcher.isErased()) return true;
     }
   }
   return false;
@@ -304,6 +304,10 @@ void VdmDbObject::dwgOutFields(OdDbDwgFiler* filer) const {
   assertReadEnabled();
   OdDbObject::dwgOutFields(filer);
   m_impl->dwgOutFields(filer);
+}
+
+bool VdmDbObject::hasStateOutsideFile() const {
+  return !m_impl->notifies || !m_impl->isTransformOpen || !m_impl->transform.isIdentity();
 }
 
 std::size_t VdmDbObject::approximateSize() const {

@@ -76,8 +76,8 @@ class VDM_DB_EXPORT VdmDbObject : public OdDbObject {
   /// Takes out the ids of erased dependencies and of those that refer to another entity; true when
   /// there were any.
   bool removeStalePersIdDependencies();
-  /// Makes the next look-up by path read all paths again. Callers need it after external drawings
-  /// on the paths were loaded again; changes of dependencies are noticed without it.
+  /// Makes the next look-up by path read all paths again. Changes of dependencies, and of what
+  /// external drawings are loaded, are noticed without it.
   void invalidatePersIdDepsCache();
   /// It has dependencies, or a feature reactor is attached to one of the entity's reactors.
   [[nodiscard]] bool isWatched() const;
@@ -87,7 +87,8 @@ class VDM_DB_EXPORT VdmDbObject : public OdDbObject {
   void setAttributes(VdmIndexMap& attributes);
   [[nodiscard]] const VdmIndexMap& attributes() const;
 
-  // The transform that waits to be applied to the entity. Undo restores it; files do not store it.
+  // The transform that waits to be applied to the entity. Undo restores it; files do not store it,
+  // and the object stays in memory while one waits.
   [[nodiscard]] const OdGeMatrix3d& getTransform() const;
   /// It is open and not the identity within OdGeTol::kDefault.
   [[nodiscard]] bool canTransformBeApplied() const;
@@ -121,6 +122,8 @@ class VDM_DB_EXPORT VdmDbObject : public OdDbObject {
   void applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) override;
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
+  /// A transform waits, or changes are not passed on.
+  [[nodiscard]] bool hasStateOutsideFile() const override;
   [[nodiscard]] std::size_t approximateSize() const override;
 
  private:

@@ -18,6 +18,11 @@ bool filesForUndo(const OdDbDwgFiler* filer) {
   return filer->filerType() == OdDbDwgFiler::kUndoFiler;
 }
 
+bool filesForClones(const OdDbDwgFiler* filer) {
+  return filer->filerType() == OdDbDwgFiler::kDeepCloneFiler ||
+         filer->filerType() == OdDbDwgFiler::kWblockCloneFiler;
+}
+
 void writeStrings(OdDbDwgFiler* filer, const OdArray<OdString>& strings) {
   filer->wrInt32(static_cast<OdInt32>(strings.size()));
   for (const OdString& string : strings) filer->wrString(string);
@@ -99,7 +104,7 @@ void VdmDbObjectDependency::applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls
 //   top         hard pointer in files, soft pointer elsewhere; null unless the first element of the
 //               path is an id
 //   extended    only when the tag or the hash is not 0, or the path has several elements, and not
-//               for drawing versions up to 29:
+//               for drawing versions up to 29; in clones also when the path has side strings:
 //     mark        int32   -1
 //     version     int32   3
 //     properties  bag
@@ -116,6 +121,7 @@ void VdmDbObjectDependency::applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls
 
 bool VdmDbObjectDependency::needsExtendedForm(const OdDbDwgFiler* filer) const {
   if (filesForUndo(filer)) return true;
+  if (filesForClones(filer) && !m_compoundId.sideStrings().isEmpty()) return true;
   return filer->dwgVersion() > kLastVersionWithoutExtendedForm &&
          (m_entityTag != 0 || m_bodyHash != 0 || !m_compoundId.isSimpleObjectId());
 }

@@ -13,7 +13,6 @@
 #include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/model/vdm_db_pers_id_manager_impl.h"
 #include "vdm_db/model/vdm_db_pers_id_manager_pe.h"
-#include "vdm_utils/vdmc_assert.h"
 
 VDM_DEFINE_DB_CLASS(VdmDbPersIdManager, OdDbObject, L"VdmDbPersIdManager", L"VdmDbPersIdManager",
                     L"model data")
@@ -83,7 +82,6 @@ OdDbObjectIdArray VdmDbPersIdManager::append(const OdDbFullSubentPathArray& path
   host->findExisting(this, paths, ids);
   OdDbObjectIdArray added;
   host->createDependencies(added, this, paths, userIO, ids);
-  VDM_ASSERT_AT(ids.size() == paths.size(), "vdm_db/vdm_db_pers_id_manager", 0);
   appendIds(added);
   openPathsOf(added);
   attach(added);

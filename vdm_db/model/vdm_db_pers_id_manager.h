@@ -114,6 +114,7 @@ class VDM_DB_EXPORT VdmDbPersIdManager : public OdDbObject {
   OdDbObjectId addClone(const VdmDbObjectDependency* source, const OdDbFullSubentPath& path);
   void ensureModelObjects(const OdDbFullSubentPathArray& paths) const;
   [[nodiscard]] OdDbObjectId constraintManagerId() const;
+  [[nodiscard]] OdDbObjectId presentConstraintManager() const;
   void attach(const OdDbObjectIdArray& dependencies) const;
   static void detach(const OdDbObjectIdArray& dependencies);
   OdDbObjectIdArray cleanReplaced(const VdmDependenciesReplacementMap& map);

@@ -47,13 +47,22 @@ OdDbObjectId VdmDbPersIdManager::constraintManagerId() const {
   return VdmModelObjectRegistry::ofBlock(blockId(), /*create=*/true);
 }
 
+// A block without one gets it with its first dependency, see attach(). Asking with `create` links
+// the one that is there under the root manager.
+OdDbObjectId VdmDbPersIdManager::presentConstraintManager() const {
+  const OdDbObjectId present = VdmModelObjectRegistry::ofBlock(blockId(), /*create=*/false);
+  return present.isNull() ? present : constraintManagerId();
+}
+
 void VdmDbPersIdManager::ensureModelObjects(const OdDbFullSubentPathArray& paths) const {
   OdDbObjectId manager;
+  bool isLookedUp = false;
   std::unordered_set<OdDbObjectId> met{OdDbObjectId::kNull};
   for (const OdDbFullSubentPath& path : paths) {
     const OdDbObjectId entity = vdmu::getInsertId(path);
     if (!met.insert(entity).second) continue;
-    if (manager.isNull()) manager = constraintManagerId();
+    if (!isLookedUp) manager = presentConstraintManager();
+    isLookedUp = true;
     VdmDbObject::getInstance(entity, manager);
   }
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "platform/db/xref_registry.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
 
 void VdmDependencyPaths::enter(const OdDbObjectId& id) {
@@ -21,7 +22,14 @@ void VdmDependencyPaths::build(const OdDbObjectIdArray& ids) {
   m_ids.reserve(ids.size());
   for (const OdDbObjectId& id : ids) enter(id);
   m_isBuilt = true;
-  m_generation = VdmDbObjectDependency::linkGeneration();
+  // Read after the walk: resolving a path may load external drawings.
+  m_linkGeneration = VdmDbObjectDependency::linkGeneration();
+  m_xrefGeneration = OdDbXrefRegistry::generation();
+}
+
+bool VdmDependencyPaths::isCurrent() const {
+  return m_isBuilt && m_linkGeneration == VdmDbObjectDependency::linkGeneration() &&
+         m_xrefGeneration == OdDbXrefRegistry::generation();
 }
 
 void VdmDependencyPaths::added(const OdDbObjectIdArray& ids) {
@@ -41,7 +49,7 @@ bool VdmDependencyPaths::hasOneComeBack() const {
 
 OdDbObjectId VdmDependencyPaths::find(const OdDbFullSubentPath& path,
                                       const OdDbObjectIdArray& ids) {
-  if (m_isBuilt && m_generation == VdmDbObjectDependency::linkGeneration()) {
+  if (isCurrent()) {
     const OdDbObjectId id = lookUp(path);
     if (id.isNull() ? !hasOneComeBack() : !id.isErased()) return id;
   }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "platform/base/error.h"
 #include "vdm_db/cloning/vdm_remapping_operation_bracket.h"
 #include "vdm_db/concrete_features/vdm_diff_feature.h"
 #include "vdm_db/concrete_features/vdm_group_feature.h"
@@ -39,11 +40,12 @@ namespace {
 struct ClassRow {
   void (*init)();
   void (*uninit)();
+  OdRxClass* (*desc)();
 };
 
 template <class T>
 constexpr ClassRow rowOf() {
-  return {static_cast<void (*)()>(&T::rxInit), &T::rxUninit};
+  return {static_cast<void (*)()>(&T::rxInit), &T::rxUninit, &T::desc};
 }
 
 // In the order of registration: each parent precedes its children.
@@ -79,6 +81,11 @@ constexpr ClassRow kClassRows[] = {
     rowOf<vdmu::VdmRemappingOperationBracket>(),
 };
 
+bool isOfTable(const OdRxClass* rxClass) {
+  return std::any_of(std::begin(kClassRows), std::end(kClassRows),
+                     [rxClass](const ClassRow& row) { return row.desc() == rxClass; });
+}
+
 // Releases what was registered unless all of it was.
 class RegistrationGuard {
  public:
@@ -106,6 +113,15 @@ void vdmRegisterClasses() {
   RegistrationGuard guard(std::begin(kClassRows));
   while (!guard.isDone()) guard.registerNext();
   VdmModelObjectRegistry::installFinder(&VdmDbConstraintManager::getInstance);
+}
+
+void vdmRequireReleasable() {
+  for (const OdRxClass* rxClass : odrxClassDictionary()->classes()) {
+    const OdRxClass* parent = rxClass->myParent();
+    if (parent == nullptr || !isOfTable(parent) || isOfTable(rxClass)) continue;
+    throw OdError(eModuleInUse, "class " + parent->name() + ", from which class " +
+                                    rxClass->name() + " of another module derives");
+  }
 }
 
 void vdmReleaseClasses() {

@@ -15,6 +15,7 @@ void VdmDbModule::initApp() {
 }
 
 void VdmDbModule::uninitApp() {
+  vdmRequireReleasable();
   OdRxOverrule::removeOverrule(oddbDwgClassMapDesc(kSolidType), &m_solidDrawOverrule);
   vdmReleaseClasses();
 }

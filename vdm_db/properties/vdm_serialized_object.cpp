@@ -64,5 +64,10 @@ void VdmWriteSerializedObject(OdRxClass* rxClass, const OdDbObject* source, OdDb
   filer.clear();
   filer.wrString(source->isA()->name());
   source->dwgOutFields(&filer);
+  if (filer.hasUnreadableString()) {
+    throw OdError(eLimitExceeded, "an object of class " + source->isA()->name() +
+                                      " beside object " + host->getDbHandle().ascii() +
+                                      ": a text of more than 32767 bytes");
+  }
   vdmu::storeExtensionBytes(host, kVdmSerializedObject, filer.getBinaryData());
 }

@@ -15,6 +15,7 @@ VDM_DB_EXPORT OdDbObjectPtr VdmReadSerializedObject(const OdString& className,
 
 // Keeps the state of `source`, which is open for read, beside the host, which is open for write and
 // in a database; a host keeps one object, and a null source removes it. Raises
-// OdError(eWrongObjectType), nothing being changed, when the source is not of the class.
+// OdError, nothing being changed: eWrongObjectType when the source is not of the class,
+// eLimitExceeded when it files a text of more than 32767 bytes.
 VDM_DB_EXPORT void VdmWriteSerializedObject(OdRxClass* rxClass, const OdDbObject* source,
                                             OdDbObject* host);

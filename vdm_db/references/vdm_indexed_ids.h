@@ -13,12 +13,18 @@ class OdDbDwgFiler;
 /// below change it. The look-up table is made when it is first needed and kept until
 /// the array is replaced.
 ///
-/// An undo record holds what an edit changes: positions, and ids where something was taken out. An
-/// owner files it after a byte that names the list; the filer is null when nothing records.
+/// An undo record names ids, never positions: between an edit and its undo the list may be read
+/// from a file, which leaves out ids of objects that are gone for good. Where an id is listed
+/// several times, the last places are meant. An owner files the record after a byte that names the
+/// list; the filer is null when nothing records.
 ///
-///   kind       bool    false: take out at the positions; true: put in so that the ids get these
-///   positions count      int32 positions  int32 each, rising ids        soft pointer each, with
-///   true
+///   kind     bool    false: ids to take out; true: runs to put in
+///   false    int32 count, soft pointer each
+///   true     int32 count of runs, and for each the neighbours that it had in the list, two soft
+///            pointers, null at the ends; int32 count, soft pointer each
+///
+/// A run goes between its neighbours. With one of them lost it goes beside the other, and without
+/// both to the end.
 class VDM_DB_EXPORT VdmIndexedIds {
  public:
   [[nodiscard]] const OdDbObjectIdArray& ids() const { return m_ids; }
@@ -41,6 +47,9 @@ class VDM_DB_EXPORT VdmIndexedIds {
   /// Rising positions of those of `ids` that are listed. One walk, however many there are.
   [[nodiscard]] OdArray<OdUInt32> positionsOf(const OdDbObjectIdArray& ids) const;
 
+  /// The same, and of each id only as many places as `ids` has it, the last ones.
+  [[nodiscard]] OdArray<OdUInt32> lastPositionsOf(const OdDbObjectIdArray& ids) const;
+
   /// `ids` come from notListed().
   void append(const OdDbObjectIdArray& ids, OdDbDwgFiler* undo);
   void takeOut(const OdArray<OdUInt32>& positions, OdDbDwgFiler* undo);
@@ -48,7 +57,11 @@ class VDM_DB_EXPORT VdmIndexedIds {
   void applyUndo(OdDbDwgFiler* record, OdDbDwgFiler* inverse);
 
  private:
-  void putIn(const OdArray<OdUInt32>& positions, const OdDbObjectIdArray& ids, OdDbDwgFiler* undo);
+  struct Run;
+
+  [[nodiscard]] OdArray<Run> runsAt(const OdArray<OdUInt32>& positions) const;
+  [[nodiscard]] OdArray<OdUInt32> placesOf(const OdArray<Run>& runs) const;
+  void putIn(const OdArray<Run>& runs, OdDbDwgFiler* undo);
   void makeIndex() const;
 
   OdDbObjectIdArray m_ids;

@@ -66,7 +66,8 @@ void VdmFeatureUpdateData::initReactor(const OdDbObjectId& entity) {
   const bool isFirst = m_initializedEntities.empty();
   m_initializedEntities.insert(entity);
   const OdDbObjectId block = object->ownerId();
-  const OdDbObjectId constraintManager = VdmDbConstraintManager::getInstance(block, isFirst);
+  const OdDbObjectId constraintManager =
+      VdmDbConstraintManager::getInstanceImpl(block, /*create=*/isFirst, /*link=*/false);
   VdmDbObject::getInstance(entity, constraintManager);
   if (isFirst) VdmDbPersIdManager::getInstance(block, /*create=*/true);
 }

@@ -21,6 +21,12 @@ class TestCell : public OdDbObject {
     if (OdDbDwgFiler* filer = beginPartialUndo(desc())) filer->wrInt32(m_number);
     m_number = number;
   }
+  /// The same, without a beginPartialUndo().
+  void setNumberAlone(OdInt32 number) {
+    assertWriteEnabled(/*autoUndo=*/false);
+    if (OdDbDwgFiler* filer = undoFiler()) filer->wrInt32(m_number);
+    m_number = number;
+  }
   void own(const OdDbObjectId& id) {
     assertWriteEnabled();
     m_owned.append(id);

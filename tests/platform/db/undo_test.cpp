@@ -35,6 +35,29 @@ TEST_F(OdDbUndoLogTest, UndoBackReturnsToTheMarkOverManySteps) {
   EXPECT_EQ(database->undoBack(), eNothingToUndo);
 }
 
+TEST_F(OdDbUndoLogTest, AChangeThatIsFiledThroughTheUndoFilerAloneIsAStepOfItsOwn) {
+  OdDbObjectId a;
+  step([&] { a = addCell(L"a"); });
+  step([&] { setNumber(a, 1); });
+  step([&] { open(a, OdDb::kForWrite)->setNumberAlone(2); });
+  step([&] {
+    const TestCellPtr cell = open(a, OdDb::kForWrite);
+    cell->setText(L"whole");  // the state covers what follows
+    cell->setNumberAlone(3);
+  });
+  for (const OdInt32 number : {2, 1, 0}) {
+    ASSERT_EQ(database->undo(), eOk);
+    EXPECT_EQ(open(a)->number(), number);
+  }
+  EXPECT_EQ(open(a)->text(), L"a");
+  for (const OdInt32 number : {1, 2, 3}) {
+    ASSERT_EQ(database->redo(), eOk);
+    EXPECT_EQ(open(a)->number(), number);
+  }
+  database->disableUndoRecording(true);
+  EXPECT_EQ(open(a, OdDb::kForWrite)->undoFiler(), nullptr);
+}
+
 TEST_F(OdDbUndoLogTest, NestedTransactionsAbortByThemselves) {
   OdDbObjectId a;
   step([&] { a = addCell(L"a"); });

@@ -86,6 +86,39 @@ TEST_F(VdmDbConstraintManagerFiling, OlderRecords) {
   EXPECT_EQ(raisedBy([&] { read(1, L"VdmNoConstraint"); }), eCorruptData);
 }
 
+TEST_F(VdmDbConstraintManagerFiling, NothingIsFrozenAfterLoadingAndUndoKeepsIt) {
+  editManager()->freezeVariable(m_carrier);
+  for (const auto type : {OdDbDwgFiler::kUndoFiler, OdDbDwgFiler::kFileFiler}) {
+    EXPECT_TRUE(manager()->isVariableFrozen(m_carrier));
+    VersionedFiler filer(type, 33);
+    manager()->dwgOutFields(&filer);
+    ASSERT_EQ(editManager()->dwgInFields(&filer.rewound()), eOk);
+  }
+  EXPECT_FALSE(manager()->isVariableFrozen(m_carrier));
+}
+
+TEST_F(VdmDbConstraintManagerFiling, AChildThatAFileRepeatsLeavesOnceForEachInsert) {
+  const OdDbObjectId block = addBlock(m_drawing, L"B");
+  const OdDbObjectId child = Manager::getInstance(block, /*create=*/true);
+  const OdDbObjectId reference = addReference(m_modelSpace, block);
+  manager()->getVdmDbObject(reference);
+  OdDbFilerBuffer buffer;
+  OdDbMemoryFiler filer(OdDbDwgFiler::kFileFiler, buffer, m_drawing);
+  OdDbXrecord::createObject()->OdDbObject::dwgOutFields(&filer);
+  filer.wrInt16(1);
+  for (const OdInt32 count : {1, 0, 3}) {
+    filer.wrInt32(count);
+    if (count == 1) filer.wrHardOwnershipId(registry()[0]);
+    for (int i = 0; count == 3 && i < count; ++i) filer.wrSoftPointerId(child);
+  }
+  filer.wrInt32(0);
+  filer.startReading(0, 0);
+  ASSERT_EQ(editManager()->dwgInFields(&filer), eOk);
+  ASSERT_EQ(manager()->getAllConstraintManagers().size(), 3u);
+  expectUndoable("erasing the insert", [&] { edit<OdDbBlockReference>(reference)->erase(); });
+  EXPECT_EQ(manager()->getAllConstraintManagers().size(), 2u);
+}
+
 TEST_F(VdmDbConstraintManagerFiling, ClonesTakeModelObjectsOfClonedEntities) {
   const OdDbObjectId line = newLine();
   const OdDbObjectId object = manager()->getVdmDbObject(line);

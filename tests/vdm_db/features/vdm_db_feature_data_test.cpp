@@ -176,6 +176,17 @@ TEST_F(VdmDbFeatureDataTest, ErasingTakesReactorsAndUndoBringsAllBack) {
   EXPECT_TRUE(manager(OdDb::kForRead)->newFeatureIterator().done());
 }
 
+TEST_F(VdmDbFeatureDataTest, ACarrierWithoutAFeatureSaysSoAndIsErased) {
+  const OdDbObjectId id = m_drawing->addOdDbObject(VdmDbFeatureData::createObject(), m_features);
+  m_drawing->startUndoRecord();
+  EXPECT_EQ(edit<VdmDbFeatureData>(id)->erase(), kVdmNoFeature);
+  EXPECT_TRUE(id.isErased());
+  ASSERT_EQ(m_drawing->undo(), eOk);
+  EXPECT_FALSE(id.isErased());
+  ASSERT_EQ(m_drawing->redo(), eOk);
+  EXPECT_TRUE(id.isErased());
+}
+
 // ---- Queries
 
 class Shape : public VdmFeaturePE {

@@ -5,6 +5,7 @@
 #include "vdm_db/drawing_utils/vdm_block_utils.h"
 #include "vdm_db/drawing_utils/vdm_db_reverse_id_mapping.h"
 #include "vdm_db/features/vdm_db_sheet_metal_context_pe.h"
+#include "vdm_db/features/vdm_naming_service.h"
 #include "vdm_db/features/vdm_sheet_metal_source.h"
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"
 
@@ -80,6 +81,39 @@ TEST_F(VdmDbFeatureManagerTest, StatusOfAllButThoseThatOnlyNotify) {
   EXPECT_EQ(manager()->updateFeaturesStatus(VdmFeature::StatusInitialized), eOk);
   EXPECT_EQ(hole(notifies)->getStatus(), VdmFeature::StatusNotifyEntities);
   EXPECT_EQ(hole(both)->getStatus(), VdmFeature::StatusInitialized);
+}
+
+TEST_F(VdmDbFeatureManagerTest, AReadOnlyDrawingTakesNoStatus) {
+  addHole();
+  saveAs(m_drawing, path("model.vdm"));
+  OdDbReadOptions options;
+  options.mode = OdDbStoreOpenMode::kReadOnly;
+  const OdDbDatabasePtr drawing = DrawingVerbs::read(m_host, path("model.vdm"), options);
+  const VdmDbFeatureManagerPtr opened =
+      open<VdmDbFeatureManager>(drawing->getOdDbObjectId(m_features.getHandle()));
+  EXPECT_EQ(raisedBy([&] { opened->updateFeaturesStatus(VdmFeature::StatusNotifyEntities); }),
+            eReadOnlyDatabase);
+}
+
+TEST_F(VdmDbFeatureManagerTest, NamesOfErasedFeaturesComeBackWithThem) {
+  addHole(L"Hole_1");
+  const OdDbObjectId second = addHole(L"Hole_2");
+  const auto isTaken = [this] { return manager()->namingService().checkNameCollision(L"Hole_2"); };
+  {
+    OdDbTransaction transaction(m_drawing);
+    edit<VdmDbFeatureData>(second)->erase();
+    EXPECT_FALSE(isTaken());
+  }
+  EXPECT_TRUE(isTaken()) << "after an abort";
+  m_drawing->startUndoRecord();
+  edit<VdmDbFeatureData>(second)->erase();
+  EXPECT_FALSE(isTaken());
+  for (int round = 0; round < 2; ++round) {
+    ASSERT_EQ(m_drawing->undo(), eOk);
+    EXPECT_TRUE(isTaken());
+    ASSERT_EQ(m_drawing->redo(), eOk);
+    EXPECT_FALSE(isTaken());
+  }
 }
 
 TEST_F(VdmDbFeatureManagerTest, MakesAndFindsFeatures) {
@@ -235,8 +269,14 @@ TEST_F(VdmDbFeatureManagerTest, MergingMovesFeaturesOfClones) {
   EXPECT_EQ(hole(moves)->featureManagerId(), other);
   EXPECT_EQ(open<VdmDbFeatureManager>(other)->sheetMetalContext(), context);
 
+  const OdDbObjectId alike = VdmDbFeatureManager::getInstance(addBlock(m_drawing, L"C"), true);
+  addContext(alike, 2.0 + 0.9e-10);
+  expectUndoable([&] { merge(alike, other); });
+  EXPECT_EQ(open<VdmDbFeatureManager>(alike)->featureIds(), OdDbObjectIdArray{moves});
+  ASSERT_EQ(m_drawing->undo(), eOk);
+
   const OdDbObjectId third = VdmDbFeatureManager::getInstance(addBlock(m_drawing, L"B"), true);
-  addContext(third, 3.0);
+  addContext(third, 2.0 + 1.1e-10);
   merge(third, other);
   EXPECT_TRUE(open<VdmDbFeatureManager>(third)->featureIds().isEmpty());
   EXPECT_TRUE(moves.isErased() && context.isErased());

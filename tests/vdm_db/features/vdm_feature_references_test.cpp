@@ -83,6 +83,24 @@ TEST_F(VdmFeatureReferences, TransactionsJoinAndEndWithTheOutermostOwner) {
   EXPECT_TRUE(m_managerHost->calls.isEmpty());
 }
 
+TEST_F(VdmFeatureReferences, TooFewIdsLeaveReactorsEmptyWithoutAReport) {
+  class ShortHost : public ManagerHost {
+   public:
+    void createDependencies(OdDbObjectIdArray& made, VdmDbPersIdManager* manager,
+                            const OdDbFullSubentPathArray& paths, OdDbUserIO* userIO,
+                            OdDbObjectIdArray& existing) override {
+      ManagerHost::createDependencies(made, manager, paths, userIO, existing);
+      existing.removeLast();
+    }
+  };
+  VdmDbPersIdManager::desc()->addX(VdmDbPersIdManagerPE::desc(),
+                                   OdRxObjectPtr(new ShortHost, kOdRxObjAttach));
+  hole(OdDb::kForWrite)->updatePaths(1, {face(m_carrier, 1), face(m_carrier, 2)});
+  EXPECT_EQ(hole()->reactors().size(), 1u);
+  EXPECT_TRUE(hole()->getAllDependencies(false).isEmpty());
+  EXPECT_TRUE(m_assertions.empty());
+}
+
 TEST_F(VdmFeatureReferences, TheLastLostDependencyDecidesAboutTheFeature) {
   refer({{4, 7, {1, 2}}, {1, -1, {3}}});
   const OdDbObjectId lost = reactor(0);

@@ -1,6 +1,7 @@
 // Tests of dependencies: links, undo steps, forms of the record.
 #include "vdm_db/model/vdm_db_object_dependency.h"
 
+#include "platform/cloning/id_mapping.h"
 #include "platform/filer/id_filer.h"
 #include "tests/support/model_testing.h"
 #include "vdm_db/references/vdm_path_utils.h"
@@ -176,6 +177,25 @@ TEST_F(VdmDbObjectDependencyTest, FilesKeepTheEntityAliveAndOtherFilersDoNot) {
   ASSERT_EQ(elsewhere.ids().size(), 1u);
   EXPECT_EQ(inFile.ids()[0].type, OdDb::kHardPointerRef);
   EXPECT_EQ(elsewhere.ids()[0].type, OdDb::kSoftPointerRef);
+}
+
+TEST_F(VdmDbObjectDependencyTest, ClonesKeepTheSideStringsOfEveryPath) {
+  for (const OdDbObjectIdArray& ids :
+       {OdDbObjectIdArray{m_carrier}, OdDbObjectIdArray{m_carrier, m_other}}) {
+    VdmCompoundObjectId path;
+    path.setFullPath(ids, /*keepLonger=*/false);
+    path.setSideStrings({OdString(L"left"), OdString()});
+    const VdmDbObjectDependencyPtr source = VdmDbObjectDependency::createObject();
+    source->setCompoundId(path);
+    const OdDbObjectId id = m_drawing->addOdDbObject(source, m_manager);
+    const OdDbIdMappingPtr mapping = OdDbIdMapping::createObject(OdDb::kDcObjects);
+    ASSERT_EQ(m_drawing->deepCloneObjects({id}, m_manager, *mapping), eOk);
+    OdDbIdPair pair(id);
+    ASSERT_TRUE(mapping->compute(pair));
+    const VdmDbObjectDependencyPtr clone = open<VdmDbObjectDependency>(pair.value());
+    EXPECT_EQ(clone->compoundId().sideStrings(), path.sideStrings());
+    EXPECT_EQ(clone->compoundId().size(), ids.size());
+  }
 }
 
 TEST_F(VdmDbObjectDependencyTest, AnErasedReactorWatchesNothing) {

@@ -1,6 +1,7 @@
 // Tests of model objects: attaching, dependencies by path, transforms, events, record.
 #include "vdm_db/model/vdm_db_object.h"
 
+#include "platform/cloning/xref_man.h"
 #include "tests/support/model_testing.h"
 
 namespace {
@@ -91,6 +92,53 @@ TEST_F(VdmDbObjectTest, FindsDependenciesWhereTheyStandNow) {
   EXPECT_EQ(find(2), second);
 }
 
+TEST_F(VdmDbObjectTest, FindsDependenciesInDrawingsThatWereLoadedAgain) {
+  const OdDbHandle inPart = writePart("part.vdm");
+  const OdDbObjectId block = attach(m_drawing, "part.vdm", L"PART");
+  const OdDbObjectId insert = addReference(m_modelSpace, block);
+  const auto pathOf = [&](OdGsMarker index) {
+    const OdDbDatabase* part = open<OdDbBlockTableRecord>(block)->xrefDatabase();
+    return OdDbFullSubentPath({insert, part->getOdDbObjectId(inPart)},
+                              OdDbSubentId(OdDb::kFaceSubentType, index));
+  };
+  OdDbObjectIdArray ids;
+  for (OdGsMarker i = 1; i <= 3; ++i) ids.append(addDependency(pathOf(i)));
+  const OdDbObjectId ofConstraint = modelObject(insert, OdDb::kForWrite)->append(pathOf(2));
+  std::vector<OdDbDatabasePtr> others;  // in the memory of what is closed
+  for (int round = 0; round < 3; ++round) {
+    ASSERT_EQ(OdDbXRefMan::unload(edit<OdDbBlockTableRecord>(block)), eOk);
+    EXPECT_FALSE(modelObject(insert)->getPersIdDependency({insert, OdDbSubentId()}).isValid());
+    for (int i = 0; i < 4; ++i) others.push_back(m_host.createDatabase());
+    ASSERT_EQ(OdDbXRefMan::load(edit<OdDbBlockTableRecord>(block)), eOk);
+    for (OdGsMarker i = 1; i <= 3; ++i) {
+      const OdDbObjectId wanted = ids[OdUInt32(i) - 1];
+      EXPECT_EQ(modelObject(insert)->getPersIdDependency(pathOf(i)), wanted);
+      EXPECT_EQ(addDependency(pathOf(i)), wanted) << "made a second time";
+    }
+    EXPECT_EQ(modelObject(insert)->getConstraintDependency(pathOf(2)), ofConstraint);
+  }
+  EXPECT_EQ(listed().size(), 3u);
+}
+
+TEST_F(VdmDbObjectTest, StaysInMemoryAsLongAsItKeepsWhatFilesDoNot) {
+  OdGeMatrix3d move = OdGeMatrix3d::translation({1, 2, 3});
+  modelObject(m_other)->constrainerNotify(false);
+  const OdDbObjectId silent = modelObject(m_other)->objectId();
+  object()->addTransform(move);
+  solved();
+  saveAs(m_drawing, path("model.vdm"));
+  m_drawing->pageOut(0);
+  EXPECT_TRUE(m_object.isResident() && silent.isResident());
+  EXPECT_EQ(object(OdDb::kForRead)->getTransform(), move);
+  EXPECT_EQ(status(), VdmDbConstraintManager::kUpToDate);
+  object()->clearTransform();
+  modelObject(m_other)->constrainerNotify(true);
+  edit<VdmDbConstraintManager>(m_constraints)->setStatus(VdmDbConstraintManager::kNotEvaluated);
+  ASSERT_EQ(m_drawing->save().code, eOk);
+  m_drawing->pageOut(0);
+  EXPECT_FALSE(m_object.isResident() || silent.isResident() || m_constraints.isResident());
+}
+
 TEST_F(VdmDbObjectTest, ListsPersistentIdsOnceAndOnlyOfTheirManager) {
   OdDbObjectIdArray ids;
   for (int i = 1; i <= 40; ++i) ids.append(addDependency(face(m_carrier, i)));
@@ -117,6 +165,13 @@ TEST_F(VdmDbObjectTest, PassesOnWhatMattersToSomebody) {
   edit<OdDbEntity>(m_carrier)->addPersistentReactor(reactor);
   EXPECT_FALSE(object()->isWatched());
   const OdDbObjectId feature = watch({reactor});
+  EXPECT_TRUE(object()->isWatched());
+  {
+    OdDbTransaction transaction(m_drawing);
+    edit<OdDbObject>(feature)->erase();
+    edit<OdDbObject>(reactor)->addPersistentReactor(feature);  // a place that nobody has cleared
+    EXPECT_FALSE(object()->isWatched()) << "an erased reactor watches nothing";
+  }
   EXPECT_TRUE(object()->isWatched());
   edit<VdmDbPersIdReactor>(feature)->removePersIds();
   solved();

@@ -40,6 +40,56 @@ TEST_F(VdmDbPersIdManagerTest, AppendGivesOneIdPerPath) {
   EXPECT_EQ(placeOf(m_ids[0]), face(m_carrier, 1));
 }
 
+/// Finds and makes nothing.
+class IdleHost : public ManagerHost {
+ public:
+  void findExisting(VdmDbPersIdManager*, const OdDbFullSubentPathArray&,
+                    OdDbObjectIdArray&) override {}
+  void createDependencies(OdDbObjectIdArray&, VdmDbPersIdManager*, const OdDbFullSubentPathArray&,
+                          OdDbUserIO*, OdDbObjectIdArray&) override {}
+};
+
+TEST_F(VdmDbPersIdManagerTest, AppendNeedsNoConstraintManagerForNothing) {
+  const OdDbObjectId block = addBlock(m_drawing, L"A");
+  const OdDbObjectId carrier = addCarrier(block);
+  const OdDbObjectId manager = VdmDbPersIdManager::getInstance(block, /*create=*/true);
+  const auto append = [&] {
+    return edit<VdmDbPersIdManager>(manager)->append({face(carrier, 1)}, nullptr);
+  };
+  VdmDbPersIdManager::desc()->addX(VdmDbPersIdManagerPE::desc(),
+                                   OdRxObjectPtr(new IdleHost, kOdRxObjAttach));
+  EXPECT_TRUE(append().isEmpty());
+  EXPECT_TRUE(m_assertions.empty()) << "fewer ids than paths is an answer";
+  EXPECT_TRUE(VdmDbConstraintManager::getInstance(block, /*create=*/false).isNull());
+  EXPECT_TRUE(VdmDbObject::openVdmDbObject(carrier).isNull());
+}
+
+TEST_F(VdmDbPersIdManagerTest, UndoAfterSavingAndPagingTakesBackWhatIsNamed) {
+  for (const OdUInt32 lost : {0u, 1u}) edit<OdDbObject>(m_ids[lost])->erase();
+  m_drawing->startUndoRecord();
+  const OdDbObjectIdArray added{addDependency(face(m_other, 1)), addDependency(face(m_other, 2))};
+  m_drawing->startUndoRecord();
+  manager()->removeDependencies({m_ids[2]});  // watched: only the list changes
+  saveAs(m_drawing, path("model.vdm"));
+  m_drawing->pageOut(0);
+  ASSERT_FALSE(m_manager.isResident());
+  const auto live = [this] {
+    OdDbObjectIdArray ids;
+    for (const OdDbObjectId& id : listed()) {
+      EXPECT_FALSE(id.isNull());
+      if (!id.isErased()) ids.append(id);
+    }
+    return ids;
+  };
+  EXPECT_EQ(live(), added);
+  ASSERT_EQ(m_drawing->undo(), eOk);
+  EXPECT_EQ(live(), (OdDbObjectIdArray{m_ids[2], added[0], added[1]}));
+  ASSERT_EQ(m_drawing->undo(), eOk);
+  EXPECT_EQ(live(), OdDbObjectIdArray{m_ids[2]});
+  ASSERT_EQ(m_drawing->redo(), eOk);
+  EXPECT_EQ(live(), (OdDbObjectIdArray{m_ids[2], added[0], added[1]}));
+}
+
 TEST_F(VdmDbPersIdManagerTest, UpdatePairsLeavesUnknownIdsOut) {
   const OdDbFullSubentPathArray paths{face(m_other, 1), face(m_carrier, 8), face(m_carrier, 9)};
   const OdDbObjectId unknown = m_drawing->addOdDbObject(VdmDbObjectDependency::createObject());

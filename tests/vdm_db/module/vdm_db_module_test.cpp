@@ -10,6 +10,13 @@
 #include "tests/support/status_testing.h"
 #include "vdm_db/vdm_db.h"
 
+// A feature class of another module, which is still loaded.
+class ForeignFeature : public VdmFeature {
+ public:
+  VDM_DECLARE_FEATURE_MEMBERS(ForeignFeature)
+};
+VDM_DEFINE_FEATURE_CLASS(ForeignFeature, VdmFeature, L"ForeignFeature")
+
 namespace {
 
 const OdString kModuleFile(VDM_MODULE_FILE);
@@ -153,6 +160,17 @@ TEST_F(VdmDbModuleTest, MakesOneObjectInTheProcess) {
   VdmDbExtensionData::rxUninit();
   module->deleteModule();
   ::dlclose(file);
+}
+
+TEST_F(VdmDbModuleTest, IsReleasedWholeOrNotAtAll) {
+  odrxDynamicLinker()->loadModule(kModuleFile);
+  ForeignFeature::rxInit();
+  EXPECT_EQ(raisedBy([] { odrxDynamicLinker()->unloadModule(kModuleFile); }), eModuleInUse);
+  EXPECT_EQ(registered().size(), kClassRows.size());
+  EXPECT_FALSE(ForeignFeature::createObject().isNull());
+  ForeignFeature::rxUninit();
+  EXPECT_TRUE(odrxDynamicLinker()->unloadModule(kModuleFile));
+  EXPECT_TRUE(registered().empty());
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "platform/db/xrecord.h"
 #include "platform/filer/memory_filer.h"
 #include "tests/support/module_testing.h"
+#include "tests/support/status_testing.h"
 #include "tests/vdm_db/properties/property_testing.h"
 #include "vdm_db/properties/vdm_serialized_object.h"
 
@@ -176,6 +177,18 @@ TEST_F(VdmDbExtensionDataTest, RebuildsASerialisedObjectApartFromTheBag) {
     ASSERT_FALSE(back.isNull());
     EXPECT_EQ(back->database(), nullptr);
     EXPECT_TRUE(back->rbChain()->valueEquals(*source->rbChain()));
+  }
+  for (const std::size_t size : {std::size_t{32767}, std::size_t{32768}}) {
+    const OdDbXrecordPtr longer = OdDbXrecord::createObject();
+    const OdResBufPtr text = OdResBuf::newRb(1, OdString(std::string(size, 'x')));
+    ASSERT_EQ(longer->setFromRbChain(text), eOk);
+    const auto keep = [&] {
+      VdmWriteSerializedObject(OdDbXrecord::desc(), longer.get(), open(OdDb::kForWrite).get());
+    };
+    EXPECT_EQ(raisedBy(keep), size > 32767 ? eLimitExceeded : eOk);
+    const OdDbXrecordPtr back = VdmReadSerializedObject(OdDbXrecord::desc(), open().get());
+    ASSERT_FALSE(back.isNull()) << "what was there is kept";
+    EXPECT_EQ(back->rbChain()->getString().getLength(), 32767);
   }
   EXPECT_TRUE(VdmReadSerializedObject(L"NoSuchClass", open().get()).isNull());
   EXPECT_TRUE(VdmReadSerializedObject(VdmDbExtensionData::desc(), open().get()).isNull());

@@ -83,4 +83,82 @@ TEST_F(VdmIndexedIdsTest, FollowsAPlainListThroughEditsAndTheirUndo) {
   }
 }
 
+// What a file drops between an edit and its undo.
+TEST_F(VdmIndexedIdsTest, WhatComesBackFindsItsPlaceInAListThatLostOthers) {
+  std::mt19937 random(freshSeed());
+  const auto placeIn = [](const Plain& list, const OdDbObjectId& wanted) {
+    return std::find(list.begin(), list.end(), wanted) - list.begin();
+  };
+  for (int round = 0; round < 300; ++round) {
+    const std::size_t count = 1 + random() % m_records.size();
+    m_list.array().clear();
+    for (std::size_t i = 0; i < count; ++i) m_list.array().append(id(i));
+    m_list.replaced();
+    const Plain before = present();
+    std::vector<bool> isTaken(count), isDropped(count);
+    OdDbObjectIdArray taken;
+    for (std::size_t i = 0; i < count; ++i) {
+      isTaken[i] = random() % 3 == 0;
+      isDropped[i] = !isTaken[i] && random() % 4 == 0;
+      if (isTaken[i]) taken.append(id(i));
+    }
+    OdDbFilerBuffer record;
+    OdDbMemoryFiler undo(OdDbDwgFiler::kUndoFiler, record);
+    m_list.takeOut(m_list.positionsOf(taken), &undo);
+    Plain kept = present();
+    std::erase_if(kept, [&](const OdDbObjectId& each) {
+      return isDropped[std::size_t(placeIn(before, each))];
+    });
+    m_list.array().assign(kept.data(), kept.data() + kept.size());
+    m_list.replaced();
+    undo.startReading(0, 0);
+    m_list.applyUndo(&undo, nullptr);
+    Plain expected = before;
+    std::erase_if(expected, [&](const OdDbObjectId& each) {
+      return isDropped[std::size_t(placeIn(before, each))];
+    });
+    const Plain after = present();
+    ASSERT_TRUE(std::is_permutation(after.begin(), after.end(), expected.begin(), expected.end()));
+    for (std::size_t i = 0; i + 1 < count; ++i) {
+      if (isDropped[i] || isDropped[i + 1]) continue;
+      ASSERT_LT(placeIn(after, id(i)), placeIn(after, id(i + 1))) << "round " << round;
+    }
+    expectLookUp();
+  }
+}
+
+TEST_F(VdmIndexedIdsTest, AnEditThatAFileHasForgottenIsNothingToTakeBack) {
+  OdDbFilerBuffer record;
+  OdDbMemoryFiler undo(OdDbDwgFiler::kUndoFiler, record);
+  for (std::size_t i = 0; i < 20; ++i) m_list.append({id(i)}, i == 19 ? &undo : nullptr);
+  m_list.array().clear();
+  m_list.array().append(id(3));
+  m_list.replaced();
+  undo.startReading(0, 0);
+  m_list.applyUndo(&undo, nullptr);
+  EXPECT_EQ(present(), Plain{id(3)});
+}
+
+TEST_F(VdmIndexedIdsTest, OfRepeatedIdsTheLastAreTaken) {
+  for (const std::size_t i : {1u, 2u, 1u, 3u, 1u}) m_list.array().append(id(i));
+  for (std::size_t i = 10; i < 30; ++i) m_list.array().append(id(i));
+  m_list.replaced();
+  EXPECT_TRUE(m_list.contains(id(1)));
+  const Plain before = present();
+  OdDbFilerBuffer record, redo;
+  OdDbMemoryFiler undo(OdDbDwgFiler::kUndoFiler, record);
+  OdDbMemoryFiler inverse(OdDbDwgFiler::kUndoFiler, redo);
+  m_list.takeOut(m_list.lastPositionsOf({id(1), id(1)}), &undo);
+  const Plain after = present();
+  EXPECT_EQ(m_list.ids()[0], id(1));
+  EXPECT_EQ(m_list.ids()[2], id(3));
+  EXPECT_TRUE(m_list.contains(id(1)));
+  undo.startReading(0, 0);
+  m_list.applyUndo(&undo, &inverse);
+  EXPECT_EQ(present(), before);
+  inverse.startReading(0, 0);
+  m_list.applyUndo(&inverse, nullptr);
+  EXPECT_EQ(present(), after);
+}
+
 }  // namespace

@@ -2,6 +2,7 @@
 #include "platform/db/long_transaction.h"
 #include "tests/vdm_db/update/update_testing.h"
 #include "vdm_db/drawing_utils/vdm_assoc_array_utils.h"
+#include "vdm_db/features/vdm_simple_feature_interface.h"
 
 /// The action that fills an array.
 class ArrayAction : public OdDbObject {
@@ -47,6 +48,10 @@ TEST_F(VdmUpdateFeatureLayersTest, SolidsCountByTheirLayer) {
   for (const OdStringArray& names : {bound->layersToHide(), bound->layersToShowOnInsert()}) {
     EXPECT_EQ(names, OdStringArray({L"VC_SUBTRACT", L"BIM_SUBTRACT", L"VC_UNITE", L"BIM_UNITE"}));
   }
+  struct Hiding : OdStaticRxObject<VdmSimpleFeatureInterface> {
+    OdStringArray layersToHide() const override { return {L"MINE"}; }
+  };
+  EXPECT_EQ(Hiding().layersToShowOnInsert(), OdStringArray({L"MINE"})) << "what it hides";
   EXPECT_TRUE(bound->layersToShow().isEmpty() && bound->layersToHideOnInsert().isEmpty());
   EXPECT_TRUE(Interface::findLayersByName(unite, {OdString(L"0")}).empty());
 }
