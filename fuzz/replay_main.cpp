@@ -1,8 +1,9 @@
 // Driver of a fuzz target without a fuzzing engine: replays inputs, then random changes of them.
 //
-//   fuzz_<target> [--rounds <n>] [--seed <n>] [--first-round <n>] [--write-corpus <folder>]
-//                 [<file or folder>...]
+//   fuzz_<target> [--rounds <n>] [--seconds <n>] [--seed <n>] [--first-round <n>]
+//                 [--write-corpus <folder>] [<file or folder>...]
 //
+// With seconds it goes on until it has used that much processor time, whatever the rounds.
 // Round r of a seed is the same on every machine; a crash prints both, so that
 // `--first-round r --rounds 1` plays it again.
 #include <algorithm>
@@ -17,6 +18,7 @@
 #include <string>
 #include <string_view>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include "fuzz/fuzz_target.h"
@@ -28,6 +30,7 @@ namespace {
 
 struct Options {
   std::uint64_t rounds = 1000;
+  std::uint64_t seconds = 0;  ///< of processor time; 0: as many as the rounds take
   std::uint64_t seed = 1;
   std::uint64_t firstRound = 0;
   std::string corpusFolder;
@@ -154,6 +157,8 @@ bool parse(int argc, char** argv, Options& options) {
     const std::uint64_t number = std::strtoull(argv[i], nullptr, 10);
     if (name == "--rounds") {
       options.rounds = number;
+    } else if (name == "--seconds") {
+      options.seconds = number;
     } else if (name == "--seed") {
       options.seed = number;
     } else if (name == "--first-round") {
@@ -167,6 +172,17 @@ bool parse(int argc, char** argv, Options& options) {
   return true;
 }
 
+std::uint64_t secondsUsed() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return static_cast<std::uint64_t>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec);
+}
+
+bool isDue(const Options& options, std::uint64_t round) {
+  if (options.seconds == 0) return round < options.firstRound + options.rounds;
+  return secondsUsed() < options.seconds;
+}
+
 int run(const Options& options) {
   std::vector<FuzzInput> corpus = fuzzCorpus();
   if (!options.corpusFolder.empty()) writeCorpus(corpus, options.corpusFolder);
@@ -176,17 +192,18 @@ int run(const Options& options) {
     return EXIT_FAILURE;
   }
   for (const FuzzInput& input : corpus) play(input);
-  const std::uint64_t end = options.firstRound + options.rounds;
-  for (std::uint64_t round = options.firstRound; round < end; ++round) {
+  std::uint64_t round = options.firstRound;
+  for (; isDue(options, round); ++round) {
     std::snprintf(playedNow, sizeof playedNow, "seed %llu, round %llu",
                   static_cast<unsigned long long>(options.seed),
                   static_cast<unsigned long long>(round));
     RandomSource random(options.seed * 0x100000001B3u + round);
     play(changed(corpus, random));
   }
-  std::printf("%zu inputs and %llu changed ones of seed %llu: sound\n", corpus.size(),
-              static_cast<unsigned long long>(options.rounds),
-              static_cast<unsigned long long>(options.seed));
+  std::printf("%zu inputs and %llu changed ones of seed %llu, %llu s: sound\n", corpus.size(),
+              static_cast<unsigned long long>(round - options.firstRound),
+              static_cast<unsigned long long>(options.seed),
+              static_cast<unsigned long long>(secondsUsed()));
   return EXIT_SUCCESS;
 }
 
@@ -196,7 +213,7 @@ int main(int argc, char** argv) {
   Options options;
   if (!parse(argc, argv, options)) {
     std::fprintf(stderr,
-                 "usage: %s [--rounds <n>] [--seed <n>] [--first-round <n>] "
+                 "usage: %s [--rounds <n>] [--seconds <n>] [--seed <n>] [--first-round <n>] "
                  "[--write-corpus <folder>] [<file or folder>...]\n",
                  argv[0]);
     return 2;

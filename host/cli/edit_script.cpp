@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "host/cli/checked_json.h"
 #include "host/cli/cli_error.h"
 #include "host/cli/new_name.h"
 #include "host/cli/paths.h"
@@ -21,6 +22,8 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* kOpKey = "op";
 constexpr const char* kAsKey = "as";
+/// Steps in a list, with lists of numbers or texts in them.
+constexpr std::size_t kMaxDepth = 8;
 
 [[noreturn]] void refuse(const std::string& line) { throw CliError(line, kWrongUsage); }
 
@@ -162,51 +165,6 @@ ScriptStep readStep(const Json& json, std::size_t number, std::set<std::string>&
   return step;
 }
 
-/// Looks at a script before it is read: a key that comes twice would silently lose its first value,
-/// and depth costs a reader's stack. Linear in the length of the text.
-class ScriptCheck : public nlohmann::json_sax<Json> {
- public:
-  explicit ScriptCheck(std::string source) : m_source(std::move(source)) {}
-
-  bool null() override { return true; }
-  bool boolean(bool /*value*/) override { return true; }
-  bool number_integer(number_integer_t /*value*/) override { return true; }
-  bool number_unsigned(number_unsigned_t /*value*/) override { return true; }
-  bool number_float(number_float_t /*value*/, const string_t& /*text*/) override { return true; }
-  bool string(string_t& /*value*/) override { return true; }
-  bool binary(binary_t& /*value*/) override { return true; }
-  bool start_object(std::size_t /*elements*/) override { return enter(); }
-  bool end_object() override { return leave(); }
-  bool start_array(std::size_t /*elements*/) override { return enter(); }
-  bool end_array() override { return leave(); }
-  bool key(string_t& name) override {
-    if (m_keys.back().insert(name).second) return true;
-    refuse("key " + quote(name) + " comes twice in a step");
-  }
-  bool parse_error(std::size_t position, const std::string& /*token*/,
-                   const nlohmann::detail::exception& /*error*/) override {
-    refuse("script " + quote(m_source) + " is not JSON: error at byte " + std::to_string(position));
-  }
-
- private:
-  /// Steps in a list, with lists of numbers or texts in them.
-  static constexpr std::size_t kMaxDepth = 8;
-
-  bool enter() {
-    m_keys.emplace_back();
-    if (m_keys.size() <= kMaxDepth) return true;
-    refuse("script " + quote(m_source) + " is nested deeper than " + std::to_string(kMaxDepth) +
-           " levels");
-  }
-  bool leave() {
-    m_keys.pop_back();
-    return true;
-  }
-
-  std::string m_source;
-  std::vector<std::set<std::string>> m_keys;
-};
-
 }  // namespace
 
 std::string stepName(const ScriptStep& step) {
@@ -226,9 +184,21 @@ void requireArguments(const Operation& operation, const Arguments& arguments) {
 }
 
 std::vector<ScriptStep> parseScript(const std::string& text, const std::string& source) {
-  ScriptCheck check(source);
-  Json::sax_parse(text, &check);
-  const Json json = Json::parse(text);
+  const std::string script = "script " + quote(source);
+  const Json json = parseJson(
+      text, kMaxDepth,
+      [&script](const JsonFault& fault) -> std::string {
+        switch (fault.kind) {
+          case JsonFault::Kind::kTwin:
+            return "key " + quote(fault.key) + " comes twice in a step";
+          case JsonFault::Kind::kDepth:
+            return script + " is nested deeper than " + std::to_string(kMaxDepth) + " levels";
+          case JsonFault::Kind::kSyntax:
+            break;
+        }
+        return script + " is not JSON: error at byte " + std::to_string(fault.position);
+      },
+      kWrongUsage);
   if (!json.is_array()) refuse("script " + quote(source) + " is not an array of steps");
   if (json.empty()) refuse("script " + quote(source) + " has no steps");
   std::vector<ScriptStep> steps;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <set>
 
+#include "host/cli/checked_json.h"
 #include "host/cli/cli_error.h"
 #include "host/cli/property_text.h"
 #include "host/cli/text_output.h"
@@ -66,24 +67,14 @@ Json bareJson(const PropertyNode& node) {
 // Reading.
 
 Json parseText(const std::string& text) {
-  // A key that comes twice would silently lose a value.
-  std::vector<std::set<std::string>> keys;
-  const Json::parser_callback_t refuseTwins = [&keys](int, Json::parse_event_t event,
-                                                      Json& parsed) {
-    if (event == Json::parse_event_t::object_start) keys.emplace_back();
-    if (event == Json::parse_event_t::object_end) keys.pop_back();
-    if (event == Json::parse_event_t::key &&
-        !keys.back().insert(parsed.get<std::string>()).second) {
-      throw CliError("key " + quote(parsed.get<std::string>()) + " comes twice");
-    }
-    return true;
-  };
-  try {
-    return Json::parse(text, refuseTwins);
-  } catch (const nlohmann::json::parse_error& error) {
-    throw CliError(quote(shortened(text, 40)) + " is not JSON, wrong near character " +
-                   std::to_string(error.byte));
-  }
+  return parseJson(
+      text, kAnyDepth,
+      [&text](const JsonFault& fault) {
+        if (fault.kind == JsonFault::Kind::kTwin) return "key " + quote(fault.key) + " comes twice";
+        return quote(shortened(text, 40)) + " is not JSON, wrong near character " +
+               std::to_string(fault.position);
+      },
+      kCouldNot);
 }
 
 std::string sample(const Json& json) {

@@ -67,7 +67,7 @@ OdStatus checkFile(const OdString& path) {
 OdWorkBudget budgetFor(std::uintmax_t fileSize) {
   constexpr std::uintmax_t kMegabyte = std::uintmax_t{1} << 20U;
   OdWorkBudget budget;
-  budget.seconds = static_cast<std::uint32_t>(5 + 5 * (fileSize / kMegabyte));
+  budget.seconds = static_cast<std::uint32_t>(3 + 5 * (fileSize / kMegabyte));
   budget.bytes = 512 * kMegabyte + 40 * fileSize;
   return budget;
 }
