@@ -3,9 +3,11 @@
 #include "platform/db/block_table_record.h"
 
 #include <string>
+#include <utility>
 
 #include "platform/base/error.h"
 #include "platform/db/database.h"
+#include "platform/db/field_list.h"
 #include "platform/db/internal_access.h"
 #include "platform/db/list_filing.h"
 #include "platform/db/units.h"
@@ -18,7 +20,6 @@ OD_RX_DEFINE_ABSTRACT(OdDbObjectIterator, OdRxObject, L"OdDbObjectIterator")
 
 namespace {
 
-constexpr OdUInt8 kVersion = 1;
 // Below this a scan of the entities is as fast as a set.
 constexpr OdUInt32 kScanLimit = 32;
 
@@ -378,84 +379,99 @@ void OdDbBlockTableRecord::noteBlockReference(const OdDbObjectId& reference, boo
 
 // ---- Filing
 //
-//   version        uint8
-//   origin         point       drawing units
-//   units          int32       OdDb::UnitsValue
-//   comments       string
-//   path           string      of the external drawing; empty for an ordinary block
-//   overlay        bool
-//   xref status    uint8       OdDb::XrefStatus
-//   entities       int32 count, then hard ownership, in order of appending
-//   references     int32 count, then soft pointers, in rising handle order; not in copies and
-//   clones
+//   field          binary                            groups
+//   version        uint8                                     1
+//   origin         point                             10      drawing units
+//   units          int32                             90      OdDb::UnitsValue
+//   comments       string                            4
+//   path           string                            1       of the external drawing; empty for an
+//                                                            ordinary block
+//   overlay        bool                              290
+//   xref status    uint8                             280     OdDb::XrefStatus
+//   entities       int32 count, hard ownership ids   360     in order of appending
+//   references     int32 count, soft pointers        331     in rising handle order; not in copies
+//                                                            and clones
 //
 // For erased objects see oddbIsFiled().
 
-void OdDbBlockTableRecord::writeLists(OdDbDwgFiler* filer) const {
-  const auto isFiled = [filer](const OdDbObjectId& id) { return oddbIsFiled(filer, id); };
-  OdInt32 count = 0;
-  for (const OdDbObjectId& id : m_entities) count += isFiled(id) ? 1 : 0;
-  filer->wrInt32(count);
-  for (const OdDbObjectId& id : m_entities) {
-    if (isFiled(id)) filer->wrHardOwnershipId(id);
-  }
-  if (!filesReferences(filer)) return;
-  count = 0;
-  m_references.forEach([&](const OdDbObjectId& id) { count += isFiled(id) ? 1 : 0; });
-  filer->wrInt32(count);
-  m_references.forEach([&](const OdDbObjectId& id) {
-    if (isFiled(id)) filer->wrSoftPointerId(id);
-  });
-}
+template <class Self>
+struct OdDbBlockTableRecord::EntityList {
+  Self& self;
 
-void OdDbBlockTableRecord::readLists(OdDbDwgFiler* filer) {
-  OdDbObjectIdArray entities;
-  OdUInt32 count = filer->rdCount();
-  entities.reserve(count);
-  for (; count > 0; --count) {
-    const OdDbObjectId id = filer->rdHardOwnershipId();
-    if (!id.isNull()) entities.append(id);
+  template <class Visit>
+  void forEach(Visit&& visit) {
+    for (const OdDbObjectId& id : std::as_const(self.m_entities)) visit(id);
   }
-  m_entities = entities;
-  m_entitySet.reset();
-  if (!filesReferences(filer)) return;
-  m_references.clear();
-  for (count = filer->rdCount(); count > 0; --count) {
-    const OdDbObjectId id = filer->rdSoftPointerId();
-    if (!id.isNull()) m_references.insert(id);
+  static bool isFiled(const OdDbDwgFiler* filer, const OdDbObjectId& id) {
+    return oddbIsFiled(filer, id);
   }
+  static bool isFiledAtAll(const OdDbDwgFiler*) { return true; }
+  void clear() {
+    self.m_entities = OdDbObjectIdArray();
+    self.m_entitySet.reset();
+  }
+  void reserve(OdUInt32 count) { self.m_entities.reserve(count); }
+  void add(const OdDbObjectId& id) { self.m_entities.append(id); }
+};
+
+template <class Self>
+struct OdDbBlockTableRecord::ReferenceList {
+  Self& self;
+
+  template <class Visit>
+  void forEach(Visit&& visit) {
+    self.m_references.forEach(visit);
+  }
+  static bool isFiled(const OdDbDwgFiler* filer, const OdDbObjectId& id) {
+    return oddbIsFiled(filer, id);
+  }
+  static bool isFiledAtAll(const OdDbDwgFiler* filer) { return filesReferences(filer); }
+  void clear() { self.m_references.clear(); }
+  void reserve(OdUInt32) {}
+  void add(const OdDbObjectId& id) { self.m_references.insert(id); }
+};
+
+template <class Fields, class Self>
+void OdDbBlockTableRecord::fields(Fields& fields, Self& self) {
+  fields.version(1);
+  fields.value(10, self.m_origin, [](const OdGePoint3d& point) { return odgeIsFinite(point); });
+  fields.template number<OdInt32>(90, self.m_units, oddbIsUnit);
+  fields.value(4, self.m_comments);
+  fields.value(1, self.m_path);
+  fields.value(290, self.m_overlay);
+  fields.template number<OdUInt8>(280, self.m_xrefStatus,
+                                  [](OdUInt8 status) { return status <= OdDb::kXrfUnresolved; });
+  fields.template ids<OdDb::kHardOwnershipRef>(360, EntityList<Self>{self});
+  fields.template ids<OdDb::kSoftPointerRef>(331, ReferenceList<Self>{self});
 }
 
 void OdDbBlockTableRecord::dwgOutFields(OdDbDwgFiler* filer) const {
   OdDbSymbolTableRecord::dwgOutFields(filer);
-  filer->wrUInt8(kVersion);
-  filer->wrPoint3d(m_origin);
-  filer->wrInt32(m_units);
-  filer->wrString(m_comments);
-  filer->wrString(m_path);
-  filer->wrBool(m_overlay);
-  filer->wrUInt8(static_cast<OdUInt8>(m_xrefStatus));
-  writeLists(filer);
+  OdDbFieldFiling::dwgOut(filer, *this);
 }
 
 OdResult OdDbBlockTableRecord::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = OdDbSymbolTableRecord::dwgInFields(filer);
+  OdResult result = OdDbSymbolTableRecord::dwgInFields(filer);
   if (result != eOk) return result;
-  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
-  m_origin = filer->rdPoint3d();
-  const OdInt32 units = filer->rdInt32();
-  m_comments = filer->rdString();
-  m_path = filer->rdString();
-  m_overlay = filer->rdBool();
-  const OdUInt8 status = filer->rdUInt8();
-  if (!odgeIsFinite(m_origin) || !oddbIsUnit(units) || status > OdDb::kXrfUnresolved) {
-    return eCorruptData;
-  }
-  m_units = static_cast<OdDb::UnitsValue>(units);
-  adoptStatus(static_cast<OdDb::XrefStatus>(status),
-              /*undoing=*/filer->filerType() == OdDbDwgFiler::kUndoFiler);
-  readLists(filer);
+  const OdDb::XrefStatus present = m_xrefStatus;
+  result = OdDbFieldFiling::dwgIn(filer, *this);
+  const OdDb::XrefStatus filed = std::exchange(m_xrefStatus, present);
+  if (result != eOk) return result;
+  adoptStatus(filed, /*undoing=*/filer->filerType() == OdDbDwgFiler::kUndoFiler);
   return eOk;
+}
+
+void OdDbBlockTableRecord::dxfOutFields(OdDbDxfFiler* filer) const {
+  OdDbSymbolTableRecord::dxfOutFields(filer);
+  OdDbFieldFiling::dxfOut(filer, *this);
+}
+
+OdResult OdDbBlockTableRecord::dxfInFields(OdDbDxfFiler* filer) {
+  OdResult result = OdDbSymbolTableRecord::dxfInFields(filer);
+  if (result != eOk) return result;
+  result = OdDbFieldFiling::dxfIn(filer, *this);
+  if (result == eOk) adoptStatus(m_xrefStatus, /*undoing=*/false);
+  return result;
 }
 
 // Undo changes what a block stands for, and not whether an external drawing is loaded.

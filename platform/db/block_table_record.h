@@ -111,6 +111,8 @@ class OdDbBlockTableRecord : public OdDbSymbolTableRecord {
 
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
+  OdResult dxfInFields(OdDbDxfFiler* filer) override;
+  void dxfOutFields(OdDbDxfFiler* filer) const override;
   void applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) override;
   [[nodiscard]] std::size_t approximateSize() const override;
 
@@ -120,6 +122,14 @@ class OdDbBlockTableRecord : public OdDbSymbolTableRecord {
   bool subWorldDraw(OdGiWorldDraw* context) const override;
 
  private:
+  friend struct OdDbFieldFiling;
+  template <class Fields, class Self>
+  static void fields(Fields& fields, Self& self);
+  template <class Self>
+  struct EntityList;
+  template <class Self>
+  struct ReferenceList;
+
   class Iterator;
   struct ByHandle {
     static int compare(const OdDbObjectId& a, const OdDbObjectId& b) {
@@ -139,8 +149,6 @@ class OdDbBlockTableRecord : public OdDbSymbolTableRecord {
   void unlistFromOwners(const OdDbObjectIdArray& ids);
   void collectReferences(OdDbObjectIdArray& ids, bool forceValidity) const;
   void adoptStatus(OdDb::XrefStatus status, bool undoing);
-  void writeLists(OdDbDwgFiler* filer) const;
-  void readLists(OdDbDwgFiler* filer);
 
   OdDbObjectIdArray m_entities;
   OdDbChunkedOrder<OdDbObjectId, ByHandle> m_references;

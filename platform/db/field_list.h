@@ -1,11 +1,17 @@
 // Field lists: one list of a class's fields, from which its binary and its DXF form both come.
 #pragma once
 
+#include <concepts>
+#include <memory>
+
+#include "platform/base/array.h"
 #include "platform/base/result.h"
 #include "platform/filer/dwg_filer.h"
 #include "platform/filer/dxf_filer.h"
+#include "platform/ge/matrix3d.h"
 #include "platform/ge/point2d.h"
 #include "platform/ge/point3d.h"
+#include "platform/ge/scale3d.h"
 #include "platform/ge/vector3d.h"
 #include "platform/gi/entity_color.h"
 
@@ -25,16 +31,24 @@
 ///   value(code, member, check)    filed by the member's type, see the table
 ///   number<T>(code, member, ...)  an enumeration, filed as the integer T
 ///   pointer<type>(code, id)       an id with its reference type
+///   list(code, array, limit, check)    doubles, at most `limit`, each checked
+///   placement(code, matrix, check)     an affine matrix behind a unique_ptr, null for none
+///   ids<type>(code, list)              ids of one reference type, see OdDbFiledIdList
 ///
 ///   member        binary          groups
 ///   OdString      string          code
 ///   bool          bool            code
 ///   OdUInt8       uint8           code
 ///   OdInt16       int16           code
+///   OdInt32       int32           code
 ///   double        double          code
 ///   OdGePoint2d   2 doubles       code, code + 10
 ///   OdGePoint3d   3 doubles       code, code + 10, code + 20; so OdGeVector3d
+///   OdGeScale3d   3 doubles       code, code + 1, code + 2
 ///   OdCmColor     4 x uint8       code, an int32 of the four bytes, method first
+///   list          int32 count, doubles           code, for each in order
+///   placement     bool, then 3 rows of 4 doubles    code to code + 11; none without a matrix
+///   ids           int32 count, ids               code, for each in order
 ///
 /// A check decides whether a value may be kept; one that fails ends reading with eCorruptData.
 /// Reading stores into the members as it goes: after a failure the caller drops the object or
@@ -48,6 +62,26 @@ struct OdDbAnyValue {
   constexpr bool operator()(const T&) const {
     return true;
   }
+};
+
+constexpr unsigned kOdDbPlacementSize = 12;  // three rows; the fourth is 0 0 0 1
+
+/// What ids() takes: how an owner gives and receives a list of ids.
+///
+///   forEach(visit)            visit(id) for each, in stored order
+///   isFiled(filer, id)        whether a record that the filer writes has the id
+///   isFiledAtAll(filer)       whether it has the list
+///   clear(), reserve(count), add(id)    reading replaces the list; null ids are not added
+///
+/// The group form has the ids of objects that are not erased.
+template <class List>
+concept OdDbFiledIdList = requires(List list, const OdDbDwgFiler* filer, const OdDbObjectId& id) {
+  list.forEach([](const OdDbObjectId&) {});
+  { list.isFiled(filer, id) } -> std::same_as<bool>;
+  { list.isFiledAtAll(filer) } -> std::same_as<bool>;
+  list.clear();
+  list.reserve(OdUInt32{});
+  list.add(id);
 };
 
 /// Writes the binary form.
@@ -68,16 +102,39 @@ class OdDbDwgFieldWriter {
   void pointer(int, const OdDbObjectId& id) {
     m_filer->wrId(kType, id);
   }
+  template <class Array, class Check = OdDbAnyValue>
+  void list(int, const Array& values, OdUInt32, const Check& = {}) {
+    m_filer->wrInt32(static_cast<OdInt32>(values.size()));
+    for (const double value : values) m_filer->wrDouble(value);
+  }
+  template <class Check = OdDbAnyValue>
+  void placement(int, const std::unique_ptr<OdGeMatrix3d>& matrix, const Check& = {}) {
+    m_filer->wrBool(matrix != nullptr);
+    if (!matrix) return;
+    for (unsigned i = 0; i < kOdDbPlacementSize; ++i) m_filer->wrDouble(matrix->getElements()[i]);
+  }
+  template <OdDb::ReferenceType kType>
+  void ids(int, OdDbFiledIdList auto list) {
+    if (!list.isFiledAtAll(m_filer)) return;
+    OdInt32 count = 0;
+    list.forEach([&](const OdDbObjectId& id) { count += list.isFiled(m_filer, id) ? 1 : 0; });
+    m_filer->wrInt32(count);
+    list.forEach([&](const OdDbObjectId& id) {
+      if (list.isFiled(m_filer, id)) m_filer->wrId(kType, id);
+    });
+  }
 
  private:
   void write(const OdString& value) { m_filer->wrString(value); }
   void write(bool value) { m_filer->wrBool(value); }
   void write(OdUInt8 value) { m_filer->wrUInt8(value); }
   void write(OdInt16 value) { m_filer->wrInt16(value); }
+  void write(OdInt32 value) { m_filer->wrInt32(value); }
   void write(double value) { m_filer->wrDouble(value); }
   void write(const OdGePoint2d& value) { m_filer->wrPoint2d(value); }
   void write(const OdGePoint3d& value) { m_filer->wrPoint3d(value); }
   void write(const OdGeVector3d& value) { m_filer->wrVector3d(value); }
+  void write(const OdGeScale3d& value) { m_filer->wrScale3d(value); }
   void write(const OdCmEntityColor& value) { value.dwgOut(m_filer); }
 
   OdDbDwgFiler* m_filer;
@@ -114,16 +171,51 @@ class OdDbDwgFieldReader {
   void pointer(int, OdDbObjectId& id) {
     if (m_result == eOk) id = m_filer->rdId(kType);
   }
+  template <class Array, class Check = OdDbAnyValue>
+  void list(int, Array& values, OdUInt32 limit, const Check& isSound = {}) {
+    if (m_result != eOk) return;
+    const OdUInt32 count = m_filer->rdCount(sizeof(double));
+    if (count > limit) m_result = eCorruptData;
+    Array read;
+    for (OdUInt32 i = 0; i < count && m_result == eOk; ++i) {
+      read.append(m_filer->rdDouble());
+      if (!isSound(read.last())) m_result = eCorruptData;
+    }
+    if (m_result == eOk) values = read;
+  }
+  template <class Check = OdDbAnyValue>
+  void placement(int, std::unique_ptr<OdGeMatrix3d>& matrix, const Check& isSound = {}) {
+    if (m_result != eOk) return;
+    matrix.reset();
+    if (!m_filer->rdBool()) return;
+    matrix = std::make_unique<OdGeMatrix3d>();
+    for (unsigned i = 0; i < kOdDbPlacementSize; ++i)
+      matrix->getElements()[i] = m_filer->rdDouble();
+    if (!isSound(*matrix)) m_result = eCorruptData;
+  }
+  template <OdDb::ReferenceType kType>
+  void ids(int, OdDbFiledIdList auto list) {
+    if (m_result != eOk || !list.isFiledAtAll(m_filer)) return;
+    list.clear();
+    OdUInt32 count = m_filer->rdCount();
+    list.reserve(count);
+    for (; count > 0; --count) {
+      const OdDbObjectId id = m_filer->rdId(kType);
+      if (!id.isNull()) list.add(id);
+    }
+  }
 
  private:
   void read(OdString& value) { value = m_filer->rdString(); }
   void read(bool& value) { value = m_filer->rdBool(); }
   void read(OdUInt8& value) { value = m_filer->rdUInt8(); }
   void read(OdInt16& value) { value = m_filer->rdInt16(); }
+  void read(OdInt32& value) { value = m_filer->rdInt32(); }
   void read(double& value) { value = m_filer->rdDouble(); }
   void read(OdGePoint2d& value) { value = m_filer->rdPoint2d(); }
   void read(OdGePoint3d& value) { value = m_filer->rdPoint3d(); }
   void read(OdGeVector3d& value) { value = m_filer->rdVector3d(); }
+  void read(OdGeScale3d& value) { value = m_filer->rdScale3d(); }
   void read(OdCmEntityColor& value) { m_result = value.dwgIn(m_filer); }
 
   OdDbDwgFiler* m_filer;
@@ -148,14 +240,36 @@ class OdDbDxfFieldWriter {
   void pointer(int code, const OdDbObjectId& id) {
     m_filer->wrObjectId(code, id);
   }
+  template <class Array, class Check = OdDbAnyValue>
+  void list(int code, const Array& values, OdUInt32, const Check& = {}) {
+    for (const double value : values) m_filer->wrDouble(code, value);
+  }
+  template <class Check = OdDbAnyValue>
+  void placement(int code, const std::unique_ptr<OdGeMatrix3d>& matrix, const Check& = {}) {
+    for (unsigned i = 0; matrix && i < kOdDbPlacementSize; ++i) {
+      m_filer->wrDouble(code + static_cast<int>(i), matrix->getElements()[i]);
+    }
+  }
+  template <OdDb::ReferenceType>
+  void ids(int code, OdDbFiledIdList auto list) {
+    list.forEach([&](const OdDbObjectId& id) {
+      if (!id.isErased()) m_filer->wrObjectId(code, id);
+    });
+  }
 
  private:
   void write(int code, const OdString& value) { m_filer->wrString(code, value); }
   void write(int code, bool value) { m_filer->wrBool(code, value); }
   void write(int code, OdUInt8 value) { m_filer->wrUInt8(code, value); }
   void write(int code, OdInt16 value) { m_filer->wrInt16(code, value); }
+  void write(int code, OdInt32 value) { m_filer->wrInt32(code, value); }
   void write(int code, double value) { m_filer->wrDouble(code, value); }
   void write(int code, const OdCmEntityColor& value) { m_filer->wrInt32(code, value.packed()); }
+  void write(int code, const OdGeScale3d& value) {
+    m_filer->wrDouble(code, value.sx);
+    m_filer->wrDouble(code + 1, value.sy);
+    m_filer->wrDouble(code + 2, value.sz);
+  }
   void write(int code, const OdGePoint2d& value) {
     m_filer->wrDouble(code, value.x);
     m_filer->wrDouble(code + 10, value.y);
@@ -195,6 +309,25 @@ class OdDbDxfFieldReader {
   void pointer(int code, OdDbObjectId& id) {
     if (code == m_code) id = m_filer->rdObjectId();
   }
+  template <class Array, class Check = OdDbAnyValue>
+  void list(int code, Array& values, OdUInt32 limit, const Check& = {}) {
+    if (code != m_code) return;
+    if (values.size() >= limit) m_result = eCorruptData;
+    if (m_result == eOk) values.append(m_filer->rdDouble());
+  }
+  template <class Check = OdDbAnyValue>
+  void placement(int code, std::unique_ptr<OdGeMatrix3d>& matrix, const Check& = {}) {
+    const int element = m_code - code;
+    if (element < 0 || element >= static_cast<int>(kOdDbPlacementSize)) return;
+    if (!matrix) matrix = std::make_unique<OdGeMatrix3d>();
+    matrix->getElements()[element] = m_filer->rdDouble();
+  }
+  template <OdDb::ReferenceType>
+  void ids(int code, OdDbFiledIdList auto list) {
+    if (code != m_code) return;
+    const OdDbObjectId id = m_filer->rdObjectId();
+    if (!id.isNull()) list.add(id);
+  }
 
  private:
   void read(int code, OdString& value) {
@@ -209,11 +342,19 @@ class OdDbDxfFieldReader {
   void read(int code, OdInt16& value) {
     if (code == m_code) value = m_filer->rdInt16();
   }
+  void read(int code, OdInt32& value) {
+    if (code == m_code) value = m_filer->rdInt32();
+  }
   void read(int code, double& value) {
     if (code == m_code) value = m_filer->rdDouble();
   }
   void read(int code, OdCmEntityColor& value) {
     if (code == m_code) m_result = value.setPacked(m_filer->rdInt32());
+  }
+  void read(int code, OdGeScale3d& value) {
+    read(code, value.sx);
+    read(code + 1, value.sy);
+    read(code + 2, value.sz);
   }
   void read(int code, OdGePoint2d& value) {
     read(code, value.x);
@@ -234,6 +375,30 @@ class OdDbDxfFieldReader {
   OdResult m_result = eOk;
 };
 
+/// Empties what groups add to: they come one by one.
+class OdDbFieldEmptier {
+ public:
+  void version(OdUInt8) {}
+  template <class T, class Check = OdDbAnyValue>
+  void value(int, T&, const Check& = {}) {}
+  template <class Stored, class T, class Check = OdDbAnyValue>
+  void number(int, T&, const Check& = {}) {}
+  template <OdDb::ReferenceType>
+  void pointer(int, OdDbObjectId&) {}
+  template <class Array, class Check = OdDbAnyValue>
+  void list(int, Array& values, OdUInt32, const Check& = {}) {
+    values.clear();
+  }
+  template <class Check = OdDbAnyValue>
+  void placement(int, std::unique_ptr<OdGeMatrix3d>& matrix, const Check& = {}) {
+    matrix.reset();
+  }
+  template <OdDb::ReferenceType>
+  void ids(int, OdDbFiledIdList auto list) {
+    list.clear();
+  }
+};
+
 /// Checks the members as they are.
 class OdDbFieldChecker {
  public:
@@ -250,6 +415,16 @@ class OdDbFieldChecker {
   }
   template <OdDb::ReferenceType>
   void pointer(int, const OdDbObjectId&) {}
+  template <class Array, class Check = OdDbAnyValue>
+  void list(int, const Array& values, OdUInt32, const Check& check = {}) {
+    for (const double value : values) m_sound = m_sound && check(value);
+  }
+  template <class Check = OdDbAnyValue>
+  void placement(int, const std::unique_ptr<OdGeMatrix3d>& matrix, const Check& check = {}) {
+    m_sound = m_sound && (!matrix || check(*matrix));
+  }
+  template <OdDb::ReferenceType>
+  void ids(int, const OdDbFiledIdList auto&) {}
 
  private:
   bool m_sound = true;
@@ -287,6 +462,8 @@ struct OdDbFieldFiling {
         filer->rdString() != T::desc()->name()) {
       return eCorruptData;
     }
+    OdDbFieldEmptier emptier;
+    T::fields(emptier, object);
     while (!filer->atEOF()) {
       const int code = filer->nextItem();
       if (code == kSubclassMarker) {

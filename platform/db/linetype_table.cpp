@@ -1,20 +1,16 @@
 // OdDbLinetypeTable and its records.
 #include "platform/db/linetype_table.h"
 
-#include <algorithm>
 #include <cmath>
 #include <string>
 
 #include "platform/base/error.h"
+#include "platform/db/field_list.h"
 
 OD_RX_DEFINE_DB(OdDbLinetypeTable, OdDbSymbolTable, L"OdDbLinetypeTable", 0, 0, 0, L"LTYPE_TABLE",
                 OdString())
 OD_RX_DEFINE_DB(OdDbLinetypeTableRecord, OdDbSymbolTableRecord, L"OdDbLinetypeTableRecord", 0, 0, 0,
                 L"LTYPE", OdString())
-
-namespace {
-constexpr OdUInt8 kVersion = 1;
-}
 
 OdRxClass* OdDbLinetypeTable::recordClass() const { return OdDbLinetypeTableRecord::desc(); }
 
@@ -58,30 +54,35 @@ double OdDbLinetypeTableRecord::patternLength() const {
 
 // Fields:
 //
-//   version       uint8
-//   description   string
-//   dashes        int32 count (at most 12), then doubles: dash > 0, gap < 0, dot 0; drawing units
+//   field         binary                    groups
+//   version       uint8                             1
+//   description   string                    3
+//   dashes        int32 count, doubles      49      at most 12: dash > 0, gap < 0, dot 0; drawing
+//                                                   units
+
+template <class Fields, class Self>
+void OdDbLinetypeTableRecord::fields(Fields& fields, Self& self) {
+  fields.version(1);
+  fields.value(3, self.m_description);
+  fields.list(49, self.m_dashes, kMaxDashes, [](double dash) { return std::isfinite(dash); });
+}
 
 void OdDbLinetypeTableRecord::dwgOutFields(OdDbDwgFiler* filer) const {
   OdDbSymbolTableRecord::dwgOutFields(filer);
-  filer->wrUInt8(kVersion);
-  filer->wrString(m_description);
-  filer->wrInt32(static_cast<OdInt32>(m_dashes.size()));
-  for (const double dash : m_dashes) filer->wrDouble(dash);
+  OdDbFieldFiling::dwgOut(filer, *this);
 }
 
 OdResult OdDbLinetypeTableRecord::dwgInFields(OdDbDwgFiler* filer) {
   const OdResult result = OdDbSymbolTableRecord::dwgInFields(filer);
-  if (result != eOk) return result;
-  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
-  m_description = filer->rdString();
-  const OdUInt32 count = filer->rdCount(sizeof(double));
-  if (count > kMaxDashes) return eCorruptData;
-  OdDbDashArray dashes;
-  for (OdUInt32 i = 0; i < count; ++i) {
-    dashes.append(filer->rdDouble());
-    if (!std::isfinite(dashes.last())) return eCorruptData;
-  }
-  m_dashes = dashes;
-  return eOk;
+  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
+}
+
+void OdDbLinetypeTableRecord::dxfOutFields(OdDbDxfFiler* filer) const {
+  OdDbSymbolTableRecord::dxfOutFields(filer);
+  OdDbFieldFiling::dxfOut(filer, *this);
+}
+
+OdResult OdDbLinetypeTableRecord::dxfInFields(OdDbDxfFiler* filer) {
+  const OdResult result = OdDbSymbolTableRecord::dxfInFields(filer);
+  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
 }

@@ -23,8 +23,14 @@ class OdDbLinetypeTableRecord : public OdDbSymbolTableRecord {
 
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
+  OdResult dxfInFields(OdDbDxfFiler* filer) override;
+  void dxfOutFields(OdDbDxfFiler* filer) const override;
 
  private:
+  friend struct OdDbFieldFiling;
+  template <class Fields, class Self>
+  static void fields(Fields& fields, Self& self);
+
   OdString m_description;
   OdDbDashArray m_dashes;
 };

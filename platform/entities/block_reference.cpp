@@ -7,6 +7,7 @@
 #include "platform/base/error.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
+#include "platform/db/field_list.h"
 #include "platform/ge/finite.h"
 #include "platform/gi/world_draw.h"
 
@@ -16,8 +17,6 @@ OD_RX_DEFINE_DB(OdDbViewRepBlockReference, OdDbBlockReference, L"OdDbViewRepBloc
                 0, L"VIEWREP_INSERT", OdString())
 
 namespace {
-
-constexpr OdUInt8 kVersion = 1;
 
 bool isAffine(const OdGeMatrix3d& matrix) {
   return matrix(3, 0) == 0.0 && matrix(3, 1) == 0.0 && matrix(3, 2) == 0.0 && matrix(3, 3) == 1.0;
@@ -304,49 +303,55 @@ OdResult OdDbBlockReference::explode(OdRxObjectPtrArray& parts) const {
 
 // ---- Filing
 //
-//   version        uint8
-//   block          hard pointer
-//   position       point          drawing units, coordinates of the owner
-//   scale          scale          factors, none is 0
-//   rotation       double         radians
-//   normal         vector         unit length
-//   exact          bool           a matrix follows that the parameters do not give back exactly:
-//     matrix       12 doubles     rows 1 to 3, row by row; without the block's origin
+//   field      binary                   groups
+//   version    uint8                               1
+//   block      hard pointer             340
+//   position   point                    10         drawing units, coordinates of the owner
+//   scale      3 doubles                41 to 43   factors, none is 0
+//   rotation   double                   50         radians
+//   normal     vector                   210        unit length
+//   exact      bool, then 12 doubles    110 to 121  a matrix that the parameters do not give back
+//                                                  exactly: rows 1 to 3, without the block's origin
+
+template <class Fields, class Self>
+void OdDbBlockReference::fields(Fields& fields, Self& self) {
+  fields.version(1);
+  fields.template pointer<OdDb::kHardPointerRef>(340, self.m_block);
+  fields.value(10, self.m_position, [](const OdGePoint3d& point) { return odgeIsFinite(point); });
+  fields.value(41, self.m_scale, isScale);
+  fields.value(50, self.m_rotation, [](double angle) { return std::isfinite(angle); });
+  fields.value(210, self.m_normal,
+               [](const OdGeVector3d& normal) { return normal.isUnitLength(OdGeTol(1e-6)); });
+  fields.placement(110, self.m_exact,
+                   [](const OdGeMatrix3d& matrix) { return odgeIsFinite(matrix); });
+}
 
 void OdDbBlockReference::dwgOutFields(OdDbDwgFiler* filer) const {
   OdDbEntity::dwgOutFields(filer);
-  filer->wrUInt8(kVersion);
-  filer->wrHardPointerId(m_block);
-  filer->wrPoint3d(m_position);
-  filer->wrScale3d(m_scale);
-  filer->wrDouble(m_rotation);
-  filer->wrVector3d(m_normal);
-  filer->wrBool(m_exact != nullptr);
-  if (!m_exact) return;
-  for (int i = 0; i < 12; ++i) filer->wrDouble(m_exact->getElements()[i]);
+  OdDbFieldFiling::dwgOut(filer, *this);
 }
 
 OdResult OdDbBlockReference::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = OdDbEntity::dwgInFields(filer);
+  OdResult result = OdDbEntity::dwgInFields(filer);
   if (result != eOk) return result;
-  if (filer->rdUInt8() != kVersion) return eUnsupportedVersion;
   const OdDbObjectId oldBlock = m_block;
-  m_block = filer->rdHardPointerId();
-  m_position = filer->rdPoint3d();
-  m_scale = filer->rdScale3d();
-  m_rotation = filer->rdDouble();
-  m_normal = filer->rdVector3d();
-  m_exact.reset();
-  if (filer->rdBool()) {
-    m_exact = std::make_unique<OdGeMatrix3d>();
-    for (int i = 0; i < 12; ++i) m_exact->getElements()[i] = filer->rdDouble();
-    if (!odgeIsFinite(*m_exact)) return eCorruptData;
-  }
-  const bool isSound = odgeIsFinite(m_position) && isScale(m_scale) && std::isfinite(m_rotation) &&
-                       m_normal.isUnitLength(OdGeTol(1e-6));
-  if (!isSound) return eCorruptData;
-  if (isTranslating(filer)) followBlock(oldBlock);
-  return eOk;
+  result = OdDbFieldFiling::dwgIn(filer, *this);
+  if (result == eOk && isTranslating(filer)) followBlock(oldBlock);
+  return result;
+}
+
+void OdDbBlockReference::dxfOutFields(OdDbDxfFiler* filer) const {
+  OdDbEntity::dxfOutFields(filer);
+  OdDbFieldFiling::dxfOut(filer, *this);
+}
+
+OdResult OdDbBlockReference::dxfInFields(OdDbDxfFiler* filer) {
+  OdResult result = OdDbEntity::dxfInFields(filer);
+  if (result != eOk) return result;
+  const OdDbObjectId oldBlock = m_block;
+  result = OdDbFieldFiling::dxfIn(filer, *this);
+  if (result == eOk) followBlock(oldBlock);
+  return result;
 }
 
 void OdDbBlockReference::followBlock(const OdDbObjectId& oldBlock) {

@@ -52,6 +52,8 @@ class OdDbBlockReference : public OdDbEntity {
 
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
+  OdResult dxfInFields(OdDbDxfFiler* filer) override;
+  void dxfOutFields(OdDbDxfFiler* filer) const override;
   void subCheckAppend(const OdDbObjectId& block) const override;
   void subAppended() override;
   [[nodiscard]] std::size_t approximateSize() const override;
@@ -63,6 +65,10 @@ class OdDbBlockReference : public OdDbEntity {
   OdResult subTransformBy(const OdGeMatrix3d& transform) override;
 
  private:
+  friend struct OdDbFieldFiling;
+  template <class Fields, class Self>
+  static void fields(Fields& fields, Self& self);
+
   [[nodiscard]] OdGePoint3d blockOrigin() const;
   [[nodiscard]] OdGeMatrix3d composed() const;
   [[nodiscard]] OdGeMatrix3d placement() const;

@@ -1,8 +1,11 @@
 // One list of fields gives the bytes of a record and the groups of its text.
 #include "platform/db/field_list.h"
 
+#include "platform/db/block_table_record.h"
 #include "platform/db/layer_table.h"
+#include "platform/db/linetype_table.h"
 #include "platform/db/material.h"
+#include "platform/entities/block_reference.h"
 #include "platform/entities/viewport.h"
 #include "platform/filer/dxf_text_filer.h"
 #include "platform/filer/file_filer.h"
@@ -91,8 +94,28 @@ TEST_F(FieldListTest, EveryListedFieldComesBackFromBothForms) {
   material->setDiffuse(OdCmColor::fromRGB(9, 8, 7));
   material->setOpacity(0.25);
   material->setShininess(0.75);
+  const OdDbLinetypeTableRecordPtr linetype = OdDbLinetypeTableRecord::createObject();
+  linetype->setComments(L"dash and dot");
+  linetype->setDashes({2.5, -1, 0, -1});
+  const OdDbBlockReferencePtr reference = OdDbBlockReference::createObject();
+  reference->setBlockTransform(OdGeMatrix3d::translation({1, 2, 3}) *
+                               OdGeMatrix3d::rotation(0.5, OdGeVector3d::kZAxis) *
+                               OdGeMatrix3d::scaling(2));
+  const OdDbBlockReferencePtr sheared = OdDbBlockReference::createObject();
+  OdGeMatrix3d shear;
+  shear(0, 1) = 0.25;
+  ASSERT_EQ(sheared->setBlockTransform(shear), eOk);
+  const OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::createObject();
+  block->setName(L"plate");
+  block->setOrigin({1, 2, 3});
+  block->setComments(L"bought");
+  block->setPathName(L"plate.vdm");
+  block->setBlockInsertUnits(OdDb::kUnitsMillimeters);
   for (const OdDbObjectPtr& object :
-       {OdDbObjectPtr(viewport), OdDbObjectPtr(layer), OdDbObjectPtr(material)}) {
+       {OdDbObjectPtr(viewport), OdDbObjectPtr(layer), OdDbObjectPtr(material),
+        OdDbObjectPtr(linetype), OdDbObjectPtr(reference), OdDbObjectPtr(sheared),
+        OdDbObjectPtr(block)}) {
+    SCOPED_TRACE(object->isA()->name().utf8());
     const std::string text = groupsOf(object);
     const OdDbObjectPtr fromGroups = OdDbObject::cast(object->isA()->create());
     ASSERT_NE(groupsOf(fromGroups), text);
@@ -102,6 +125,42 @@ TEST_F(FieldListTest, EveryListedFieldComesBackFromBothForms) {
     fromBytes->copyFrom(object);
     EXPECT_EQ(groupsOf(fromBytes), text);
   }
+}
+
+TEST_F(FieldListTest, ListsAndPlacementsOfGroupsReplaceWhatWasThere) {
+  const OdDbLinetypeTableRecordPtr linetype = OdDbLinetypeTableRecord::createObject();
+  linetype->setDashes({1, -1});
+  const std::string text = groupsOf(linetype);
+  for (int round = 0; round < 2; ++round) ASSERT_EQ(readGroups(linetype, text), eOk);
+  EXPECT_EQ(linetype->dashes(), (OdDbDashArray{1, -1}));
+  std::string tooMany = text;
+  for (OdUInt32 i = 0; i < OdDbLinetypeTableRecord::kMaxDashes - 1; ++i) tooMany += "49\n1\n";
+  EXPECT_EQ(readGroups(linetype, tooMany), eCorruptData);
+  const OdDbBlockReferencePtr reference = OdDbBlockReference::createObject();
+  const std::string plain = groupsOf(reference);
+  OdGeMatrix3d shear;
+  shear(0, 1) = 0.25;
+  reference->setBlockTransform(shear);
+  ASSERT_EQ(readGroups(reference, plain), eOk);
+  EXPECT_EQ(reference->blockTransform(), OdGeMatrix3d::kIdentity);
+  EXPECT_EQ(readGroups(reference, plain + "42\n0\n"), eCorruptData);
+}
+
+TEST_F(FieldListTest, ABlockNamesItsEntitiesInOrderAndWhatShowsIt) {
+  const OdDbDatabasePtr drawing = m_host.createDatabase();
+  const OdDbObjectId block = addBlock(drawing, L"PART");
+  const OdDbObjectId first = DbTest::addLine(block), erased = DbTest::addLine(block),
+                     last = DbTest::addLine(block);
+  const OdDbObjectId reference = addReference(drawing->getModelSpaceId(), block);
+  edit<OdDbEntity>(erased)->erase();
+  const OdDbBlockTableRecordPtr record = open<OdDbBlockTableRecord>(block);
+  const std::string text = groupsOf(record);
+  const auto group = [](const char* code, const OdDbObjectId& id) {
+    return std::string(code) + "\n" + std::string(id.getHandle().ascii().utf8()) + "\n";
+  };
+  const std::string lists = group("360", first) + group("360", last) + group("331", reference);
+  ASSERT_GE(text.size(), lists.size());
+  EXPECT_EQ(text.substr(text.size() - lists.size()), lists);
 }
 
 }  // namespace
