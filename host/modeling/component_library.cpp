@@ -12,10 +12,10 @@
 #include "platform/base/error.h"
 #include "platform/db/block_table.h"
 #include "platform/db/block_table_record.h"
-#include "platform/db/layer_table.h"
 #include "platform/db/units.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/drawing_utils/vdm_layer_utils.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/properties/vdm_properties.h"
 
@@ -57,15 +57,11 @@ double throughDepth(OdDbDatabase* database, double diameter) {
   return std::max(kThroughDiagonals * diagonal, kThroughDiameters * diameter);
 }
 
-OdDbObjectId layerOf(OdDbDatabase* database, ComponentRole role) {
-  const OdString& name = role == ComponentRole::kSubtract ? kVdmSubtractLayer : kVdmUniteLayer;
-  OdDbLayerTablePtr table = database->getLayerTableId().safeOpenAs<OdDbLayerTable>(OdDb::kForWrite);
-  const OdDbObjectId known = table->getAt(name);
-  if (!known.isNull()) return known;
-  const OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
-  layer->setName(name);
-  layer->setIsOff(true);  // tools are not part of what they make
-  return table->add(layer);
+// Off, since tools are not part of what they make.
+OdDbObjectId toolLayer(const OdDbDatabase* database, ComponentRole role) {
+  return vdmu::findOrAddLayer(database,
+                              role == ComponentRole::kSubtract ? kVdmSubtractLayer : kVdmUniteLayer,
+                              [](OdDbLayerTableRecord& layer) { layer.setIsOff(true); });
 }
 
 // All or nothing: what is raised becomes the status.
@@ -89,7 +85,7 @@ OdStatus makeBlock(OdDbDatabase* database, const OdString& name, const wchar_t* 
     const OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::createObject();
     record->setName(name);
     const OdDbObjectId made = table->add(record);
-    const OdDbObjectId layer = layerOf(database, role);
+    const OdDbObjectId layer = toolLayer(database, role);
     for (const OdModelerBodyPtr& body : bodies) {
       const OdDb3dSolidPtr solid = OdDb3dSolid::createObject();
       solid->setBody(body);
@@ -208,7 +204,7 @@ OdStatus makeFromBlock(OdDbDatabase* database, const OdString& blockName, Compon
       block = id;
       return {};
     }
-    const OdDbObjectId layer = layerOf(database, role);
+    const OdDbObjectId layer = toolLayer(database, role);
     OdUInt32 solids = 0;
     const OdDbBlockTableRecordPtr record = id.safeOpenAs<OdDbBlockTableRecord>();
     for (OdDbObjectIteratorPtr it = record->newIterator(); !it->done(); it->step()) {

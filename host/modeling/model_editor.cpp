@@ -8,16 +8,17 @@
 #include "host/modeling/model_update.h"
 #include "host/naming/reference_query.h"
 #include "platform/base/error.h"
-#include "platform/db/layer_table.h"
 #include "platform/entities/block_reference.h"
 #include "platform/modeler/reach.h"
 #include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/drawing_utils/vdm_handle_text.h"
+#include "vdm_db/drawing_utils/vdm_layer_utils.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 
 namespace vdm_host {
 namespace {
 
-OdString handleText(const OdDbObjectId& id) { return id.getHandle().ascii(); }
+using vdmu::handleText;
 
 OdStatus refuse(const OdString& text) { return {eInvalidInput, text}; }
 
@@ -47,13 +48,8 @@ OdStatus resolveEdges(std::span<const OdDbObjectId> references, OdDbObjectId& so
 }
 
 // Takes the layer from the table, or makes it: on, so that what lies on it can be picked.
-OdDbObjectId layerOf(OdDbDatabase* database, const OdString& name) {
-  const OdDbLayerTablePtr table = database->getLayerTableId().safeOpenAs<OdDbLayerTable>();
-  const OdDbObjectId known = table->getAt(name);
-  if (!known.isNull()) return known;
-  const OdDbLayerTableRecordPtr record = OdDbLayerTableRecord::createObject();
-  record->setName(name);
-  return database->getLayerTableId().safeOpenAs<OdDbLayerTable>(OdDb::kForWrite)->add(record);
+OdDbObjectId suppressLayer(const OdDbDatabase* database) {
+  return vdmu::findOrAddLayer(database, kVdmSuppressLayer, [](OdDbLayerTableRecord&) {});
 }
 
 OdStatus erase(const OdDbObjectId& id) {
@@ -162,7 +158,7 @@ EditResult ModelEditor::suppress(const OdDbObjectId& insert) {
     if (feature.isNull()) return refuse(handleText(insert) + L" is no component");
     const OdDbBlockReferencePtr reference =
         feature->insertId().safeOpenAs<OdDbBlockReference>(OdDb::kForWrite);
-    const OdDbObjectId layer = layerOf(m_database, kVdmSuppressLayer);
+    const OdDbObjectId layer = suppressLayer(m_database);
     if (reference->layerId() == layer) return {};
     feature->getDbObject()->assertWriteEnabled();
     feature->setLayerBeforeSuppression(reference->layerId());

@@ -35,6 +35,7 @@ list(APPEND VDM_DB_HEADERS
 list(APPEND VDM_DB_PRIVATE_HEADERS
   drawing_utils/undo_recording_off.h
   drawing_utils/vdm_erase_utils.h
+  drawing_utils/vdm_handle_text.h
   drawing_utils/vdm_layer_utils.h
   drawing_utils/vdm_object_id_class.h
   drawing_utils/vdm_open_upgrade.h

@@ -3,6 +3,7 @@
 #include "vdm_db/update/vdm_feature_update_data_helper.h"
 
 #include "vdm_db/drawing_utils/vdm_auto_save_solid_properties.h"
+#include "vdm_db/drawing_utils/vdm_handle_text.h"
 #include "vdm_db/update/vdm_feature_update_data.h"
 #include "vdm_utils/vdmc_assert.h"
 
@@ -48,8 +49,6 @@ bool uniteAtOnce(OdDb3dSolid* result, const std::vector<OdDb3dSolid*>& tools) {
   }
   return result->booleanOper(OdDb::kBoolUnite, bodies).ok();
 }
-
-OdString handleText(const OdDbObjectId& id) { return id.getHandle().ascii(); }
 
 }  // namespace
 
@@ -201,14 +200,14 @@ bool VdmFeatureUpdateDataHelper::runSolid(OdDb::BoolOperType type, const OdDbObj
   if (tools.isEmpty()) return true;
   OdDb3dSolidPtr solid = solidId.openAs<OdDb3dSolid>(OdDb::kForWrite);
   if (solid.isNull()) {
-    reportLeftOut(type, solidId, "solid " + handleText(solidId) + " cannot be opened for write",
-                  __LINE__);
+    reportLeftOut(type, solidId,
+                  "solid " + vdmu::handleText(solidId) + " cannot be opened for write", __LINE__);
     return true;
   }
   if (!checkTools(solid, tools)) return true;
   const OdDb3dSolidPtr united = uniteSolids(tools, solid);
   if (united.isNull()) {
-    reportLeftOut(type, solidId, "no tool for solid " + handleText(solidId), __LINE__);
+    reportLeftOut(type, solidId, "no tool for solid " + vdmu::handleText(solidId), __LINE__);
     return true;
   }
   OdStatus status;
