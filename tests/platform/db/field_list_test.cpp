@@ -1,6 +1,8 @@
 // One list of fields gives the bytes of a record and the groups of its text.
 #include "platform/db/field_list.h"
 
+#include <functional>
+
 #include "platform/db/block_table_record.h"
 #include "platform/db/layer_table.h"
 #include "platform/db/linetype_table.h"
@@ -22,8 +24,11 @@ class FieldListTest : public DbTest {
   }
   /// The stored record, two hexadecimal digits a byte.
   static std::string bytesOf(const OdDbObject* object) {
+    return bytesOf([object](OdDbDwgFiler& filer) { object->dwgOutFields(&filer); });
+  }
+  static std::string bytesOf(const std::function<void(OdDbDwgFiler&)>& write) {
     OdDbFileWriter writer(nullptr);
-    object->dwgOutFields(&writer);
+    write(writer);
     std::vector<OdUInt8> record;
     writer.assemble(record);
     std::string text;
@@ -125,6 +130,58 @@ TEST_F(FieldListTest, EveryListedFieldComesBackFromBothForms) {
     fromBytes->copyFrom(object);
     EXPECT_EQ(groupsOf(fromBytes), text);
   }
+}
+
+// One primitive after the other, as the records are described.
+TEST_F(FieldListTest, RecordsWithListsAndPlacementsKeepTheirStoredOrder) {
+  const OdDbLinetypeTableRecordPtr linetype = OdDbLinetypeTableRecord::createObject();
+  linetype->setComments(L"dash");
+  linetype->setDashes({2.5, -1});
+  EXPECT_EQ(bytesOf(linetype), bytesOf([&](OdDbDwgFiler& filer) {
+              linetype->OdDbSymbolTableRecord::dwgOutFields(&filer);
+              filer.wrUInt8(1);
+              filer.wrString(L"dash");
+              filer.wrInt32(2);
+              for (const double dash : {2.5, -1.0}) filer.wrDouble(dash);
+            }));
+  const OdDbObjectId block = addBlock(L"PART");
+  const OdDbObjectId line = DbTest::addLine(block);
+  const OdDbObjectId id = addReference(m_database->getModelSpaceId(), block);
+  OdGeMatrix3d shear;
+  shear(0, 1) = 0.25;
+  for (const bool isExact : {false, true}) {
+    const OdDbBlockReferencePtr reference = edit<OdDbBlockReference>(id);
+    if (isExact) reference->setBlockTransform(shear);
+    EXPECT_EQ(bytesOf(reference), bytesOf([&](OdDbDwgFiler& filer) {
+                reference->OdDbEntity::dwgOutFields(&filer);
+                filer.wrUInt8(1);
+                filer.wrHardPointerId(block);
+                filer.wrPoint3d(reference->position());
+                filer.wrScale3d(reference->scaleFactors());
+                filer.wrDouble(reference->rotation());
+                filer.wrVector3d(reference->normal());
+                filer.wrBool(isExact);
+                for (int i = 0; isExact && i < 12; ++i) filer.wrDouble(shear.getElements()[i]);
+              }));
+  }
+  const OdDbBlockTableRecordPtr record = edit<OdDbBlockTableRecord>(block);
+  record->setOrigin({1, 2, 3});
+  record->setComments(L"bought");
+  record->setBlockInsertUnits(OdDb::kUnitsInches);
+  EXPECT_EQ(bytesOf(record), bytesOf([&](OdDbDwgFiler& filer) {
+              record->OdDbSymbolTableRecord::dwgOutFields(&filer);
+              filer.wrUInt8(1);
+              filer.wrPoint3d({1, 2, 3});
+              filer.wrInt32(OdDb::kUnitsInches);
+              filer.wrString(L"bought");
+              filer.wrString(OdString());
+              filer.wrBool(false);
+              filer.wrUInt8(OdDb::kXrfNotAnXref);
+              filer.wrInt32(1);
+              filer.wrHardOwnershipId(line);
+              filer.wrInt32(1);
+              filer.wrSoftPointerId(id);
+            }));
 }
 
 TEST_F(FieldListTest, ListsAndPlacementsOfGroupsReplaceWhatWasThere) {
