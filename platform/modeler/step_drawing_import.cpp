@@ -70,6 +70,11 @@ class Importer {
         addReference(root, space);
       }
     }
+    if (m_report.annotations == 0) return;
+    OdString line;
+    line.format(L"%u annotations are on the layer '%ls'", m_report.annotations,
+                kOdStepAnnotationLayer);
+    m_report.lines.append(line);
   }
 
  private:

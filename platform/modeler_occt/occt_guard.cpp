@@ -16,10 +16,11 @@ OdStatus foreignFailure(const char* operation, const Standard_Failure& error) {
   if (error.IsKind(STANDARD_TYPE(Standard_OutOfMemory))) {
     return failure(eOutOfMemory, operation, "out of memory");
   }
-  const std::string kind = error.DynamicType()->Name();
+  std::string reason = "the modeller gave up (";
+  reason += error.DynamicType()->Name();
   const char* message = error.GetMessageString();
-  const bool silent = message == nullptr || *message == '\0';
-  return failure(eModelerError, operation, (silent ? kind : kind + ": " + message).c_str());
+  if (message != nullptr && *message != '\0') reason.append(": ").append(message);
+  return failure(eModelerError, operation, (reason + ")").c_str());
 }
 
 }  // namespace od_occt

@@ -2,7 +2,8 @@
 #include "platform/modeler_occt/step_names.h"
 
 #include <algorithm>
-#include <optional>
+
+#include "platform/modeler_occt/step_items.h"
 
 namespace od_occt {
 namespace {
@@ -18,38 +19,17 @@ bool namesShape(const StepText& file, const StepInstance& instance) {
   return std::ranges::find_first_of(types, kNamedTypes) != types.end();
 }
 
-// The name is the first argument; of an instance in parts, that of the part of all items.
-OdString itemName(const StepText& file, const StepStrings& strings, const StepInstance& instance) {
-  const bool isComplex = file.text()[instance.at] == '(';
-  const std::vector<std::string_view> arguments =
-      isComplex ? file.arguments(instance, "REPRESENTATION_ITEM") : file.arguments(instance);
-  return arguments.empty() ? OdString() : strings.decodeArgument(arguments.front());
-}
-
 TopoDS_Shape unplaced(const TopoDS_Shape& shape) { return shape.Located(TopLoc_Location()); }
 
 // ---- Layers.
-
-bool endsIn(std::string_view text, std::string_view end) { return text.ends_with(end); }
 
 // What an assigned item is about: a styled item's item, a representation's items, or itself.
 std::vector<OdUInt64> subjectsOf(const StepText& file, OdUInt64 id) {
   const StepInstance* instance = file.find(id);
   if (instance == nullptr) return {};
   const std::vector<std::string_view> types = file.types(*instance);
-  const auto isStyled = [](std::string_view type) {
-    return endsIn(type, "STYLED_ITEM") || endsIn(type, "_OCCURRENCE");
-  };
-  if (std::ranges::any_of(types, isStyled)) {
-    const bool inParts = types.size() > 1;
-    const std::vector<std::string_view> arguments =
-        inParts ? file.arguments(*instance, "STYLED_ITEM") : file.arguments(*instance);
-    const std::size_t place = inParts ? 1 : 2;
-    const auto item =
-        arguments.size() > place ? StepText::reference(arguments[place]) : std::nullopt;
-    return item ? std::vector<OdUInt64>{*item} : std::vector<OdUInt64>();
-  }
-  if (types.size() == 1 && endsIn(types.front(), "REPRESENTATION")) {
+  if (const auto item = styledItem(file, *instance)) return {*item};
+  if (types.size() == 1 && types.front().ends_with("REPRESENTATION")) {
     const std::vector<std::string_view> arguments = file.arguments(*instance);
     std::vector<OdUInt64> items;
     if (arguments.size() < 2) return items;

@@ -3,6 +3,7 @@
 
 #include <TDF_Label.hxx>
 #include <TopTools_DataMapOfShapeInteger.hxx>
+#include <TopTools_MapOfShape.hxx>
 #include <optional>
 #include <vector>
 
@@ -12,10 +13,11 @@
 
 namespace od_occt {
 
-/// The texts of a file by shape.
+/// What a file says about shapes, by shape.
 struct ShapeLooks {
   ShapeTexts names;
   ShapeTexts layers;
+  TopTools_MapOfShape annotations;  ///< faces and edges that only explain others
 };
 
 std::optional<OdModelerColor> labelColor(const Handle(XCAFDoc_ColorTool) & colors,

@@ -15,29 +15,35 @@ namespace {
 
 // ---- The bodies of a shape: each solid and each shell alone, loose faces and curves together.
 
+bool isAmong(const TopoDS_Shape& shape, const TopTools_MapOfShape& shapes) {
+  return shapes.Contains(shape.Located(TopLoc_Location()));
+}
+
 void addLoose(const TopoDS_Shape& shape, TopAbs_ShapeEnum type, TopAbs_ShapeEnum outside,
-              std::vector<TopoDS_Shape>& bodies) {
+              const TopTools_MapOfShape& excluded, std::vector<TopoDS_Shape>& bodies) {
   BRep_Builder builder;
   TopoDS_Compound loose;
   builder.MakeCompound(loose);
   bool any = false;
   for (TopExp_Explorer it(shape, type, outside); it.More(); it.Next()) {
+    if (isAmong(it.Current(), excluded)) continue;
     builder.Add(loose, it.Current());
     any = true;
   }
   if (any) bodies.push_back(loose);
 }
 
-std::vector<TopoDS_Shape> splitBodies(const TopoDS_Shape& shape) {
+std::vector<TopoDS_Shape> splitBodies(const TopoDS_Shape& shape,
+                                      const TopTools_MapOfShape& excluded) {
   std::vector<TopoDS_Shape> bodies;
   for (TopExp_Explorer it(shape, TopAbs_SOLID); it.More(); it.Next()) {
     bodies.push_back(it.Current());
   }
   for (TopExp_Explorer it(shape, TopAbs_SHELL, TopAbs_SOLID); it.More(); it.Next()) {
-    bodies.push_back(it.Current());
+    if (!isAmong(it.Current(), excluded)) bodies.push_back(it.Current());
   }
-  addLoose(shape, TopAbs_FACE, TopAbs_SHELL, bodies);
-  addLoose(shape, TopAbs_EDGE, TopAbs_FACE, bodies);
+  addLoose(shape, TopAbs_FACE, TopAbs_SHELL, excluded, bodies);
+  addLoose(shape, TopAbs_EDGE, TopAbs_FACE, excluded, bodies);
   return bodies;
 }
 
@@ -100,7 +106,8 @@ void StepProducts::addComponent(OdUInt32 product, const TDF_Label& component,
 
 void StepProducts::addBodies(OdUInt32 product, const TDF_Label& label, const gp_Trsf& placement) {
   const PartStyles styles(m_session, m_looks, label);
-  for (const TopoDS_Shape& shape : splitBodies(XCAFDoc_ShapeTool::GetShape(label))) {
+  for (const TopoDS_Shape& shape :
+       splitBodies(XCAFDoc_ShapeTool::GetShape(label), m_looks.annotations)) {
     OdModelerBodyAttributes attributes = styles.attributesOf(shape);
     const TopoDS_Shape placed =
         placement.Form() == gp_Identity ? shape : shape.Moved(TopLoc_Location(placement));

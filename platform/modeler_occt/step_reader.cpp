@@ -10,6 +10,7 @@
 #include <sstream>
 #include <utility>
 
+#include "platform/modeler_occt/step_annotations.h"
 #include "platform/modeler_occt/step_contents.h"
 #include "platform/modeler_occt/step_externals.h"
 #include "platform/modeler_occt/step_losses.h"
@@ -107,15 +108,25 @@ class Reading {
   OdStatus collect() {
     const StepTransfer transfer(m_reader.Reader());
     const ShapeLooks looks{stepNames(m_file, m_strings, transfer),
-                           stepLayers(m_file, m_strings, transfer, notes().leftOut)};
+                           stepLayers(m_file, m_strings, transfer, notes().leftOut),
+                           annotationShapes(m_file, transfer)};
     StepProducts products(m_session, m_strings, looks, m_result.assembly);
     products.run();
+    if (m_options.annotations) addAnnotations();
     append(notes().leftOut, stepLeftOut(m_file, m_options.annotations));
     append(notes().lost,
            stepLosses(m_file, m_strings, transfer, products.taken(), m_result.assembly));
     findParts(transfer, products);
     noteUnreadProducts(transfer, products);
     return {};
+  }
+
+  // Annotations explain the whole that the file describes: its first root.
+  void addAnnotations() {
+    OdModelerAssembly& assembly = m_result.assembly;
+    if (assembly.roots.empty()) return;
+    assembly.products[assembly.roots.front().product].annotations =
+        stepAnnotations(m_file, m_strings, assembly.sourceUnit.millimetres, notes().leftOut);
   }
 
   // A product that is placed may well be empty: a skeleton, a set of axes. One that is a whole has

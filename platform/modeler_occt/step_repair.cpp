@@ -98,11 +98,15 @@ class Repair {
                : std::ranges::find(kCollections, types[0]) != std::end(kCollections);
   }
 
-  // Named in a list of the instance and nowhere else in it.
+  // Named as an element of lists of the instance and nowhere else in it.
   [[nodiscard]] bool isElement(const StepInstance& instance, OdUInt64 id) const {
-    const std::vector<std::string_view> arguments = m_file.arguments(instance);
-    return std::ranges::none_of(
-        arguments, [&](std::string_view argument) { return StepText::reference(argument) == id; });
+    std::ptrdiff_t elements = 0;
+    for (const std::string_view argument : m_file.arguments(instance)) {
+      elements += std::ranges::count_if(
+          StepText::elements(argument),
+          [&](std::string_view element) { return StepText::reference(element) == id; });
+    }
+    return elements == std::ranges::count(m_file.references(instance), id);
   }
 
   [[nodiscard]] bool toleratesLoss(const StepInstance& instance, OdUInt64 id) const {

@@ -273,9 +273,10 @@ class StepText::Scanner {
 
   // TYPE(...) or (TYPE(...) TYPE(...)), and nothing after it.
   static bool isRecord(std::string_view record) {
-    const std::size_t open = afterBlank(record, typeAt(record, 0).size());
-    if (open >= record.size() || record[open] != '(') return false;
-    const std::size_t end = afterGroup(record, open);
+    bool hasPart = false;
+    visitParts(record, [&](std::string_view, std::string_view) { return hasPart = true; });
+    if (!hasPart) return false;
+    const std::size_t end = afterGroup(record, afterBlank(record, typeAt(record, 0).size()));
     return record[end - 1] == ')' && afterBlank(record, end) == record.size();
   }
 

@@ -198,6 +198,55 @@ TEST_F(OdModelerStepLosses, ForeignContentIsCountedByKind) {
   EXPECT_TRUE(got.notes.lost.isEmpty());
 }
 
+TEST_F(OdModelerStepLosses, AnnotationsAreNoBodiesAndComeOnRequestOnTheirLayer) {
+  OdModelerAssembly made = part(box(1.0, 2.0, 3.0));
+  made.sourceUnit = {L"", 25.4};
+  const OdString file = write(
+      "notes.stp",
+      extended(
+          read(writeStep(made)),
+          "#9001=COORDINATES_LIST('',4,((0.,0.,0.),(1.,0.,0.),(1.,1.,0.),(0.,1.,0.)));\n"
+          "#9002=TESSELLATED_CURVE_SET('',#9001,((1,2,3)));\n"
+          "#9003=COMPLEX_TRIANGULATED_SURFACE_SET('',#9001,4,((0.,0.,1.)),(),((1,2,4,3)),());\n"
+          "#9004=(GEOMETRIC_REPRESENTATION_ITEM() REPOSITIONED_TESSELLATED_ITEM(#9005) "
+          "REPRESENTATION_ITEM('') TESSELLATED_GEOMETRIC_SET((#9002,#9003)) "
+          "TESSELLATED_ITEM());\n"
+          "#9005=AXIS2_PLACEMENT_3D('',#9006,$,$);\n"
+          "#9006=CARTESIAN_POINT('',(0.,0.,10.));\n"
+          "#9007=TESSELLATED_ANNOTATION_OCCURRENCE('size',(),#9004);\n"
+          "#9008=POLYLINE('',(#9006,#9009));\n"
+          "#9009=CARTESIAN_POINT('',(0.,5.,10.));\n"
+          "#9010=GEOMETRIC_CURVE_SET('',(#9008,#9011));\n"
+          "#9011=CIRCLE('',#9005,2.);\n"
+          "#9012=ANNOTATION_CURVE_OCCURRENCE('leader',(),#9010);\n"
+          "#9013=ANNOTATION_OCCURRENCE('text',(),#9006);\n"
+          "#9014=ANNOTATION_PLANE('plane',(),#9005,(#9007));\n"));
+  OdStepReport report;
+  ASSERT_TRUE(succeeded(importStepIntoDatabase(m_database, file, &report)));
+  EXPECT_EQ(entities<OdDb3dSolid>(m_database->getModelSpaceId()).size(), 1u);
+  EXPECT_TRUE(mentions(report.leftOut, L"3 annotations"));
+  EXPECT_TRUE(mentions(report.leftOut, L"1 annotation plane"));
+
+  const OdDbDatabasePtr drawing = m_services.createDatabase();
+  OdStepImportOptions options;
+  options.annotations = true;
+  ASSERT_TRUE(succeeded(importStepIntoDatabase(drawing.get(), file, &report, options)));
+  EXPECT_EQ(report.annotations, 2u);
+  EXPECT_TRUE(mentions(report.leftOut, L"1 annotation without curves"));
+  const auto solids = entities<OdDb3dSolid>(drawing->getModelSpaceId());
+  ASSERT_EQ(solids.size(), 3u);
+  EXPECT_EQ(solids[0]->layer(), L"0");
+  // Two edges of the curve and the outline of the square; in inches, as the drawing is.
+  const OdModelerBodyPtr size = solids[1]->body();
+  EXPECT_EQ(solids[1]->layer(), kOdStepAnnotationLayer);
+  EXPECT_EQ(size->attributes().name, L"size");
+  EXPECT_EQ(size->kind(), OdModelerBodyKind::kWire);
+  EXPECT_EQ(size->numEdges(), 6u);
+  const OdGeExtents3d wanted({0.0, 0.0, 10.0}, {1.0, 1.0, 10.0});
+  EXPECT_TRUE(size->extents().isEqualTo(wanted, OdGeTol(1e-6)));
+  EXPECT_EQ(solids[2]->body()->numEdges(), 2u);
+}
+
 TEST_F(OdModelerStepLosses, PartsInOtherFilesAreReadOrNamed) {
   const OdString file = withExternals("alpha.stp", "parts\\beta.stp");
   OdModelerAssembly got;
