@@ -25,6 +25,24 @@ OdUInt32 totalFaces(const BlockTools& tools) {
   return total;
 }
 
+BaseFace baseFaceOf(const OdDbObjectId& feature, const OdDbObjectId& solid) {
+  const VdmComponentFeaturePtr component = openComponent(feature);
+  const OdDb3dSolidPtr object = solid.openAs<OdDb3dSolid>();
+  const OdModelerBodyPtr body = object.isNull() ? nullptr : object->body();
+  BaseFace base;
+  if (component.isNull() || !body) return base;
+  for (const OdDbObjectId& id : component->baseFaceDependencies()) {
+    base.kind = BaseKind::kOther;
+    const OdUInt32 index = resolvedIndexOf(id);
+    if (!body->hasSubent({OdModelerSubentType::kFace, index})) continue;
+    const OdModelerFace& face = body->face(index);
+    if (face.kind == OdModelerSurfaceKind::kPlane) {
+      return {BaseKind::kPlane, face.origin, face.axis};
+    }
+  }
+  return base;
+}
+
 OdDb3dSolidPtr newSolid(const OdModelerBodyPtr& body) {
   OdDb3dSolidPtr solid = OdDb3dSolid::createObject();
   solid->setBody(body);
@@ -196,16 +214,19 @@ bool ComponentHandler::addTools(const OdDbObjectId& feature, VdmOpeningEntities&
 
 // Copies of the tools in the solid's place. Cuts are queued; fills wait for their turn.
 OdStatus ComponentHandler::makeTools(Work& work, const BlockTools& tools) {
+  if (tools.form) work.base = baseFaceOf(work.feature, work.solid);
   int faces = 0;
   for (const ToolKind kind : kToolKinds) {
     for (const OdModelerBodyPtr& body : tools.of(kind)) {
-      Tool tool{work.feature, kind, nullptr, faces};
+      Tool tool{work.feature, kind, nullptr, faces, std::nullopt, {}};
       OdStatus status = body->transformed(work.now, tool.body);
       if (!status.ok()) return status;
       faces += static_cast<int>(body->numFaces());
       if (kind == ToolKind::kCut) {
         const OdDb3dSolidPtr copy = newSolid(tool.body);
         m_helper.appendSolidToSubtract(work.feature, work.solid, copy);
+        tool.form = tools.form;
+        tool.queued = copy;
         m_toolOf[copy.get()] = tool;
       }
       work.tools.push_back(std::move(tool));

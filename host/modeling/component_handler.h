@@ -3,6 +3,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <unordered_map>
 #include <utility>
@@ -12,6 +13,7 @@
 #include "host/modeling/component_tools.h"
 #include "host/modeling/feature_handler.h"
 #include "host/modeling/residues.h"
+#include "host/modeling/tool_fit.h"
 
 namespace vdm_host {
 
@@ -53,8 +55,10 @@ class ComponentHandler final : public FeatureHandler {
   struct Tool {
     OdDbObjectId feature;
     ToolKind kind = ToolKind::kCut;
-    OdModelerBodyPtr body;  ///< in the coordinates of the solid's block
-    int firstFace = 0;      ///< faces of the component's tools before it
+    OdModelerBodyPtr body;         ///< in the coordinates of the solid's block
+    int firstFace = 0;             ///< faces of the component's tools before it
+    std::optional<ToolForm> form;  ///< of a tool that is made to fit before it cuts
+    OdDb3dSolidPtr queued;         ///< the copy that waits to cut; null for a fill
   };
   struct Work {
     OdDbObjectId feature;
@@ -73,6 +77,7 @@ class ComponentHandler final : public FeatureHandler {
     /// Those of them, and base faces, that are followed through the pass as samples.
     std::vector<OdUInt32> sampledFaces;
     std::vector<Tool> tools;
+    BaseFace base;  ///< as the pass found it
   };
   /// One solid that components change.
   struct Site {
@@ -107,6 +112,8 @@ class ComponentHandler final : public FeatureHandler {
   OdStatus healSite(Site& site);
   static OdStatus healWithoutResidue(const Work& work, OdDb3dSolid& solid);
   OdStatus addFills(Site& site);
+  OdStatus fitTools(const Site& site);
+  OdStatus fitTool(const OdModelerBodyPtr& body, const Work& work, Tool& tool);
 
   // Results.
   void storePieces();

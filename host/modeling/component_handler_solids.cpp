@@ -11,7 +11,9 @@
 //      piece touches the wall of an open cut, and healing by whole openings leaves no trace.
 //   3. healSite: the pieces of cuts come back, the pieces of fills are taken away.
 //   4. addFills: fills are added while none of the cuts that they meet is open.
-//   5. checkTools, called for each solid before its cuts are made: notes what the cuts take away.
+//   5. fitTools: tools of built-in components get the reach that they need in the solid as it is
+//   now.
+//   6. checkTools, called for each solid before its cuts are made: notes what the cuts take away.
 //
 // The cost is one boolean for each step and kind at a solid, and a box test for each pair of a
 // component that is worked on and one that stays.
@@ -32,6 +34,7 @@ bool ComponentHandler::prepareSolids() {
     OdStatus status = widen(site);
     if (status.ok()) status = healSite(site);
     if (status.ok()) status = addFills(site);
+    if (status.ok()) status = fitTools(site);
     if (status.ok()) continue;
     const auto culprit = std::ranges::find(m_work, site.solid, &Work::solid);
     return fail(culprit == m_work.end() ? OdDbObjectId() : culprit->feature, std::move(status));
@@ -151,6 +154,32 @@ OdStatus ComponentHandler::addFills(Site& site) {
 }
 
 // ---- Cutting
+
+OdStatus ComponentHandler::fitTools(const Site& site) {
+  const OdDb3dSolidPtr solid = site.solid.openAs<OdDb3dSolid>();
+  const OdModelerBodyPtr body = solid.isNull() ? nullptr : solid->body();
+  if (!body) return {};
+  for (Work& work : m_work) {
+    if (work.solid != site.solid) continue;
+    for (Tool& tool : work.tools) {
+      if (!tool.form) continue;
+      if (OdStatus status = fitTool(body, work, tool); !status.ok()) return status;
+    }
+  }
+  return {};
+}
+
+OdStatus ComponentHandler::fitTool(const OdModelerBodyPtr& body, const Work& work, Tool& tool) {
+  ToolReach reach;
+  OdModelerBodyPtr made;
+  OdStatus status = fitReach(body, {*tool.form, work.now, work.base}, reach);
+  if (status.ok()) status = makeTool(*tool.form, reach, made);
+  if (status.ok()) status = made->transformed(work.now, tool.body);
+  if (!status.ok()) return status;
+  tool.queued->setBody(tool.body);
+  m_toolOf[tool.queued.get()].body = tool.body;
+  return {};
+}
 
 bool ComponentHandler::checkTools(const OdDb3dSolidPtr& solid, Tools& waiting, Tools& tools) {
   std::vector<OdDbObjectId> features;

@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <numbers>
 #include <vector>
 
 #include "host/modeling/component_kind.h"
 #include "host/modeling/step_solids.h"
+#include "host/modeling/tool_form.h"
 #include "platform/base/error.h"
 #include "platform/db/block_table.h"
 #include "platform/db/block_table_record.h"
@@ -25,10 +25,8 @@ namespace {
 using Bodies = std::vector<OdModelerBodyPtr>;
 constexpr const wchar_t* kKindKey = L"ComponentKind";
 
-/// How far cutting tools stand out of the face, as a part of their diameter: enough for curved
-/// faces, little enough for the walls of a pocket.
-constexpr double kClearance = 0.25;
-/// Length of tools that go through everything, in diagonals of what is in model space.
+/// Length of stored tools that go through everything, in diagonals of what is in model space. Each
+/// cut makes one of the length that its body needs.
 constexpr double kThroughDiagonals = 2.0;
 /// And at least that many diameters, for parts that come later.
 constexpr double kThroughDiameters = 100.0;
@@ -77,7 +75,8 @@ OdStatus inTransaction(OdDbDatabase* database, const std::function<OdStatus()>& 
 }
 
 OdStatus makeBlock(OdDbDatabase* database, const OdString& name, const wchar_t* kind,
-                   ComponentRole role, const Bodies& bodies, OdDbObjectId& block) {
+                   ComponentRole role, const Bodies& bodies, OdDbObjectId& block,
+                   const ToolForm* form = nullptr) {
   return inTransaction(database, [&]() -> OdStatus {
     OdDbBlockTablePtr table =
         database->getBlockTableId().safeOpenAs<OdDbBlockTable>(OdDb::kForWrite);
@@ -94,21 +93,21 @@ OdStatus makeBlock(OdDbDatabase* database, const OdString& name, const wchar_t* 
     }
     VdmProperties bag;
     bag.setProperty(OdString(kKindKey), OdString(kind));
+    if (form != nullptr) writeToolForm(*form, *bodies.front(), bag);
     bag.writeToDbObject(record.get());
     block = made;
     return {};
   });
 }
 
-OdStatus placed(const OdModelerBodyPtr& body, double z, OdModelerBodyPtr& result) {
-  return body->transformed(OdGeMatrix3d::translation(OdGeVector3d(0.0, 0.0, z)), result);
-}
-
-// From `bottom` up to `top` along z.
-OdStatus cylinder(double diameter, double bottom, double top, OdModelerBodyPtr& result) {
-  OdModelerBodyPtr standing;
-  OdStatus status = odModeler().cylinder(0.5 * diameter, top - bottom, standing);
-  return status.ok() ? placed(standing, bottom, result) : status;
+// A component of one cutting tool. The block shows a tool with its clearance; each cut makes one
+// that fits its place.
+OdStatus makeCutting(OdDbDatabase* database, const OdString& name, const wchar_t* kind,
+                     const ToolForm& form, double depth, OdDbObjectId& block) {
+  OdModelerBodyPtr tool;
+  OdStatus status = makeTool(form, {depth, form.clearance()}, tool);
+  if (!status.ok()) return status;
+  return makeBlock(database, name, kind, ComponentRole::kSubtract, {tool}, block, &form);
 }
 
 }  // namespace
@@ -122,74 +121,54 @@ OdString componentKind(const OdDbObjectId& block) {
   return record->getName();
 }
 
-OdStatus makeHole(OdDbDatabase* database, const OdString& name, const HoleSpec& spec,
+OdStatus makeHole(OdDbDatabase* database, const OdString& name, const HoleSize& size,
                   OdDbObjectId& block) {
-  OdStatus status = checkLength(L"the diameter", spec.diameter);
-  if (status.ok() && spec.depth) status = checkLength(L"the depth", *spec.depth);
+  OdStatus status = checkLength(L"the diameter", size.diameter);
+  if (status.ok() && size.depth) status = checkLength(L"the depth", *size.depth);
   if (!status.ok()) return status;
-  const double depth = spec.depth.value_or(throughDepth(database, spec.diameter));
-  OdModelerBodyPtr tool;
-  status = cylinder(spec.diameter, -depth, kClearance * spec.diameter, tool);
-  if (!status.ok()) return status;
-  return makeBlock(database, name, L"Hole", ComponentRole::kSubtract, {tool}, block);
+  const double depth = size.depth.value_or(throughDepth(database, size.diameter));
+  const ToolForm form{ToolShape::kHole, size.diameter, 0.0, 0.0, 0.0, size.depth};
+  return makeCutting(database, name, L"Hole", form, depth, block);
 }
 
-OdStatus makeCounterbore(OdDbDatabase* database, const OdString& name, const CounterboreSpec& spec,
+OdStatus makeCounterbore(OdDbDatabase* database, const OdString& name, const CounterboreSize& size,
                          OdDbObjectId& block) {
-  OdStatus status = checkLength(L"the diameter", spec.diameter);
-  if (status.ok()) status = checkLength(L"the bore's depth", spec.boreDepth);
-  if (status.ok() && spec.depth) status = checkLength(L"the depth", *spec.depth);
+  OdStatus status = checkLength(L"the diameter", size.diameter);
+  if (status.ok()) status = checkLength(L"the bore's depth", size.boreDepth);
+  if (status.ok() && size.depth) status = checkLength(L"the depth", *size.depth);
   if (!status.ok()) return status;
-  if (!isLength(spec.boreDiameter) || spec.boreDiameter <= spec.diameter) {
+  if (!isLength(size.boreDiameter) || size.boreDiameter <= size.diameter) {
     return refuse(L"the bore's diameter %g is not more than the hole's diameter %g",
-                  spec.boreDiameter, spec.diameter);
+                  size.boreDiameter, size.diameter);
   }
-  const double depth = spec.depth.value_or(throughDepth(database, spec.boreDiameter));
-  if (depth <= spec.boreDepth) {
-    return refuse(L"the depth %g is not more than the bore's depth %g", depth, spec.boreDepth);
+  const double depth = size.depth.value_or(throughDepth(database, size.boreDiameter));
+  if (depth <= size.boreDepth) {
+    return refuse(L"the depth %g is not more than the bore's depth %g", depth, size.boreDepth);
   }
-  OdModelerBodyPtr hole;
-  OdModelerBodyPtr bore;
-  OdModelerBodyPtr tool;
-  status = cylinder(spec.diameter, -depth, 0.0, hole);
-  if (status.ok()) {
-    status = cylinder(spec.boreDiameter, -spec.boreDepth, kClearance * spec.boreDiameter, bore);
-  }
-  if (status.ok()) {
-    status = odModeler().boolean(OdModelerBooleanKind::kUnite, hole, {&bore, 1}, tool, nullptr);
-  }
-  if (!status.ok()) return status;
-  return makeBlock(database, name, L"Counterbore", ComponentRole::kSubtract, {tool}, block);
+  const ToolForm form{ToolShape::kCounterbore, size.diameter,  0.0,
+                      size.boreDiameter,       size.boreDepth, size.depth};
+  return makeCutting(database, name, L"Counterbore", form, depth, block);
 }
 
-OdStatus makeSlot(OdDbDatabase* database, const OdString& name, const SlotSpec& spec,
+OdStatus makeSlot(OdDbDatabase* database, const OdString& name, const SlotSize& size,
                   OdDbObjectId& block) {
-  OdStatus status = checkLength(L"the width", spec.width);
-  if (status.ok() && spec.depth) status = checkLength(L"the depth", *spec.depth);
+  OdStatus status = checkLength(L"the width", size.width);
+  if (status.ok() && size.depth) status = checkLength(L"the depth", *size.depth);
   if (!status.ok()) return status;
-  if (!isLength(spec.length) || spec.length <= spec.width) {
-    return refuse(L"the length %g is not more than the width %g", spec.length, spec.width);
+  if (!isLength(size.length) || size.length <= size.width) {
+    return refuse(L"the length %g is not more than the width %g", size.length, size.width);
   }
-  const double depth = spec.depth.value_or(throughDepth(database, spec.width));
-  const double top = kClearance * spec.width;
-  const double x = 0.5 * (spec.length - spec.width);
-  const double y = 0.5 * spec.width;
-  OdModelerProfile outline;
-  outline.plane = OdGePlane(OdGePoint3d(0.0, 0.0, -depth), OdGeVector3d::kZAxis);
-  // Half circles have the bulge 1.
-  outline.outer = {{{-x, -y}, 0.0}, {{x, -y}, 1.0}, {{x, y}, 0.0}, {{-x, y}, 1.0}};
-  OdModelerBodyPtr tool;
-  status = odModeler().extrude(outline, OdGeVector3d(0.0, 0.0, depth + top), tool);
-  if (!status.ok()) return status;
-  return makeBlock(database, name, L"Slot", ComponentRole::kSubtract, {tool}, block);
+  const double depth = size.depth.value_or(throughDepth(database, size.width));
+  const ToolForm form{ToolShape::kSlot, size.width, size.length, 0.0, 0.0, size.depth};
+  return makeCutting(database, name, L"Slot", form, depth, block);
 }
 
-OdStatus makeBoss(OdDbDatabase* database, const OdString& name, const BossSpec& spec,
+OdStatus makeBoss(OdDbDatabase* database, const OdString& name, const BossSize& size,
                   OdDbObjectId& block) {
-  OdStatus status = checkLength(L"the diameter", spec.diameter);
-  if (status.ok()) status = checkLength(L"the height", spec.height);
+  OdStatus status = checkLength(L"the diameter", size.diameter);
+  if (status.ok()) status = checkLength(L"the height", size.height);
   OdModelerBodyPtr tool;
-  if (status.ok()) status = cylinder(spec.diameter, 0.0, spec.height, tool);
+  if (status.ok()) status = odModeler().cylinder(0.5 * size.diameter, size.height, tool);
   if (!status.ok()) return status;
   return makeBlock(database, name, L"Boss", ComponentRole::kUnite, {tool}, block);
 }

@@ -14,25 +14,25 @@ namespace vdm_host {
 enum class ComponentRole { kSubtract, kUnite };
 
 /// Dimensions in drawing units. The z axis of a component points out of the material at its origin;
-/// cutting tools begin a little above it and reach down. A missing depth means through everything
-/// below.
-struct HoleSpec {
+/// cutting tools begin there, or a little above where that removes nothing else, and reach down. A
+/// missing depth means through everything below, in whatever body the component is put.
+struct HoleSize {
   double diameter = 0.0;
   std::optional<double> depth;
 };
-struct CounterboreSpec {
+struct CounterboreSize {
   double diameter = 0.0;
   std::optional<double> depth;  ///< of the hole, from the face; more than the bore's
   double boreDiameter = 0.0;    ///< more than `diameter`
   double boreDepth = 0.0;
 };
 /// Along x, with round ends.
-struct SlotSpec {
+struct SlotSize {
   double width = 0.0;
   double length = 0.0;  ///< over all, more than the width
   std::optional<double> depth;
 };
-struct BossSpec {
+struct BossSize {
   double diameter = 0.0;
   double height = 0.0;
 };
@@ -48,13 +48,13 @@ struct ComponentInfo {
 /// Make a block of the given name with its solids on "VC_SUBTRACT" or "VC_UNITE". The codes:
 /// eInvalidInput for dimensions that make no component (the text names both values), eDuplicateKey
 /// for a name in use, those of the modeller. On failure the drawing is as it was.
-OdStatus makeHole(OdDbDatabase* database, const OdString& name, const HoleSpec& spec,
+OdStatus makeHole(OdDbDatabase* database, const OdString& name, const HoleSize& size,
                   OdDbObjectId& block);
-OdStatus makeCounterbore(OdDbDatabase* database, const OdString& name, const CounterboreSpec& spec,
+OdStatus makeCounterbore(OdDbDatabase* database, const OdString& name, const CounterboreSize& size,
                          OdDbObjectId& block);
-OdStatus makeSlot(OdDbDatabase* database, const OdString& name, const SlotSpec& spec,
+OdStatus makeSlot(OdDbDatabase* database, const OdString& name, const SlotSize& size,
                   OdDbObjectId& block);
-OdStatus makeBoss(OdDbDatabase* database, const OdString& name, const BossSpec& spec,
+OdStatus makeBoss(OdDbDatabase* database, const OdString& name, const BossSize& size,
                   OdDbObjectId& block);
 /// Turns a block of the drawing into a component by putting its solids on the role's layer. A block
 /// that has solids on such layers already is left as it is. eInvalidInput for one without solids.

@@ -8,6 +8,7 @@
 #include "host/modeling/component_tools.h"
 
 #include "platform/base/error.h"
+#include "platform/db/block_table_record.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 
@@ -52,6 +53,11 @@ const BlockTools& ComponentTools::of(const OdDbObjectId& block) {
   tools.stamp = mixed(tools.stamp, tools.bodies[0].size());
   readTools(Interface::getAdditionsOnDedicatedLayer(block, /*forWrite=*/false), tools.bodies[1],
             tools.stamp);
+  VdmProperties bag;
+  const OdDbBlockTableRecordPtr record = block.openAs<OdDbBlockTableRecord>();
+  if (tools.bodies[0].size() == 1 && !record.isNull() && bag.readFromDbObject(record.get())) {
+    tools.form = readToolForm(bag, *tools.bodies[0].front());
+  }
   return tools;
 }
 

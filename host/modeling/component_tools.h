@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/modeling/residues.h"
+#include "host/modeling/tool_form.h"
 #include "platform/filer/object_id.h"
 #include "platform/ge/matrix3d.h"
 
@@ -15,6 +16,8 @@ namespace vdm_host {
 struct BlockTools {
   std::array<std::vector<OdModelerBodyPtr>, kToolKindCount> bodies;
   OdUInt64 stamp = 0;  ///< tells these tools from others
+  /// Of the only cutting tool of a built-in component, which is made to fit at each cut.
+  std::optional<ToolForm> form;
 
   [[nodiscard]] const std::vector<OdModelerBodyPtr>& of(ToolKind kind) const {
     return bodies[static_cast<std::size_t>(kind)];

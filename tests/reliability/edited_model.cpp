@@ -64,7 +64,11 @@ void EditedModel::addBlocks() {
   ComponentTools tools;
   for (const OdDbObjectId& id : ids) {
     const BlockTools& all = tools.of(id);
-    m_truth.blocks.push_back({id.getHandle(), all.of(ToolKind::kCut), all.of(ToolKind::kFill)});
+    std::vector<OdModelerBodyPtr> cuts = all.of(ToolKind::kCut);
+    // What is meant ends at the face; what is above it is a matter of the place.
+    const ToolReach reach{all.form ? all.form->depth.value_or(1000.0) : 0.0, 0.0};
+    expect(!all.form || makeTool(*all.form, reach, cuts.front()).ok(), "a tool cannot be made");
+    m_truth.blocks.push_back({id.getHandle(), std::move(cuts), all.of(ToolKind::kFill)});
   }
 }
 

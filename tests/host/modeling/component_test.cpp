@@ -260,6 +260,105 @@ TEST_F(ComponentTest, TheDirectionIsTheNormalOfAnyFaceAtThePoint) {
   }
 }
 
+// A part with a slit of `gap` in a face, the opposite wall above it.
+OdModelerBodyPtr slitPart(double gap) {
+  OdModelerBodyPtr part;
+  OdModelerBodyPtr slit;
+  OdModelerBodyPtr placed;
+  EXPECT_TRUE(succeeded(odModeler().box(60.0, 40.0, 30.0, part)));
+  EXPECT_TRUE(succeeded(odModeler().box(60.0, 40.0, gap, slit)));
+  EXPECT_TRUE(succeeded(slit->transformed(OdGeMatrix3d::translation({10, -5, 10}), placed)));
+  OdModelerBodyPtr result;
+  EXPECT_TRUE(succeeded(
+      odModeler().boolean(OdModelerBooleanKind::kSubtract, part, {&placed, 1}, result, nullptr)));
+  return result;
+}
+
+TEST_F(ComponentTest, AToolTakesNothingThatItsComponentDoesNotMean) {
+  struct Row {
+    const char* what;
+    OdModelerBodyPtr body;
+    OdGePoint3d at;
+    double taken;
+  };
+  const double half = 0.5 * drilled(8.0, 5.0);
+  const Row rows[] = {
+      {"from outside", box(60.0, 40.0, 30.0), {30, 20, 30}, drilled(8.0, 5.0)},
+      {"a wall 1 above the face", slitPart(1.0), {40, 20, 10}, drilled(8.0, 5.0)},
+      {"a wall 1.99 above the face", slitPart(1.99), {40, 20, 10}, drilled(8.0, 5.0)},
+      {"a wall far above the face", slitPart(15.0), {40, 20, 10}, drilled(8.0, 5.0)},
+      {"a wall that rises from the face", slitPart(15.0), {10, 20, 10}, 2.0 * half},
+      {"a little above the face", slitPart(15.0), {40, 20, 10.001}, drilled(8.0, 4.999)},
+      {"a little below the face", slitPart(15.0), {40, 20, 9.999}, drilled(8.0, 5.001)},
+  };
+  const OdDbObjectId block = hole(L"H", 8.0, 5.0);
+  for (const Row& row : rows) {
+    m_plate = addSolid(row.body);
+    ComponentPlacement placement;
+    placement.solid = m_plate;
+    placement.point = row.at;
+    placement.direction = OdGeVector3d::kZAxis;
+    const double before = volume();
+    for (OdUInt32 face = 1; face <= numFaces(); ++face) {
+      const OdModelerFace& base = plateBody()->face(face);
+      if (base.kind == OdModelerSurfaceKind::kPlane && base.axis.z > 0.99 &&
+          plateBody()->distanceTo({OdModelerSubentType::kFace, face}, row.at) < 0.01) {
+        placement.face = OdDbSubentId(OdDb::kFaceSubentType, face);
+      }
+    }
+    ASSERT_TRUE(placement.face) << row.what;
+    const EditResult made = m_editor->insertComponent(block, placement);
+    ASSERT_TRUE(done(made)) << row.what;
+    EXPECT_NEAR(before - volume(), row.taken, 1e-3) << row.what;
+    EXPECT_TRUE(succeeded(plateBody()->check())) << row.what;
+    ASSERT_TRUE(done(m_editor->eraseObject(made.created)));
+    EXPECT_NEAR(volume(), before, 1e-3) << row.what;
+  }
+}
+
+// In a round bar the rim of the hole is where the bar is, and nothing stays of it above.
+TEST_F(ComponentTest, ACurvedFaceIsOpenedWholly) {
+  const OdModelerBodyPtr pipe =
+      combine(OdModelerBooleanKind::kSubtract, cylinder(30.0, 60.0), {cylinder(20.0, 60.0)});
+  m_plate = addSolid(pipe);
+  const OdDbObjectId block = hole(L"H", 12.0, 14.0);
+  for (const auto& [point, direction] :
+       {std::pair(OdGePoint3d(30, 0, 30), OdGeVector3d(1, 0, 0)),
+        std::pair(OdGePoint3d(-20, 0, 30), OdGeVector3d(1, 0, 0))}) {
+    ComponentPlacement placement;
+    placement.solid = m_plate;
+    placement.point = point;
+    const EditResult made = m_editor->insertComponent(block, placement);
+    ASSERT_TRUE(done(made));
+    EXPECT_EQ(numFaces(), 5U) << "one wall, which goes from inside to outside";
+    const OdGeMatrix3d place = made.created.openAs<OdDbBlockReference>()->blockTransform();
+    EXPECT_TRUE((place * OdGeVector3d::kZAxis).isEqualTo(direction, OdGeTol(1e-6)));
+    ASSERT_TRUE(done(m_editor->eraseObject(made.created)));
+    EXPECT_EQ(numFaces(), 4U);
+  }
+}
+
+TEST_F(ComponentTest, AThroughHoleGoesThroughWhateverItIsCutInto) {
+  const OdDbObjectId through = hole(L"through", 6.0);
+  OdDbObjectId bored;
+  ASSERT_TRUE(succeeded(makeCounterbore(m_database, L"bored", {6.0, {}, 12.0, 4.0}, bored)));
+  const EditResult made = insert(through, 50.0, 50.0);
+  const EditResult other = insert(bored, 100.0, 50.0);
+  const OdUInt32 faces = numFaces();
+  const OdDbObjectId wall = openingReference(made.feature, 1);
+  for (const double depth : {1500.0, 3.0, 20000.0}) {
+    ASSERT_TRUE(
+        done(m_editor->replaceBody(m_plate, box(300.0, 200.0, depth, {0.0, 0.0, 10.0 - depth}))));
+    EXPECT_EQ(numFaces(), depth > 4.0 ? faces : faces - 2) << depth;
+    EXPECT_TRUE(succeeded(plateBody()->check()));
+    EXPECT_EQ(openingReference(made.feature, 1), wall);
+    EXPECT_NE(openingFace(made.feature, 1), 0U);
+  }
+  ASSERT_TRUE(done(m_editor->eraseObject(made.created)));
+  ASSERT_TRUE(done(m_editor->eraseObject(other.created)));
+  EXPECT_NEAR(volume(), 300.0 * 200.0 * 20000.0, 1.0);
+}
+
 TEST_F(ComponentTest, GroupsAreOneStepOrNothing) {
   const OdDbObjectId block = hole(L"H", 9.0);
   const auto before = snapshot();

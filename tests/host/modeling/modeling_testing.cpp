@@ -71,6 +71,16 @@ OdUInt32 ModelingTest::openingFace(const OdDbObjectId& feature, int toolFace) co
   return static_cast<OdUInt32>(reference->subentId().index());
 }
 
+// A cutting tool as it is meant: up to the face, and through whatever is below it.
+static OdModelerBodyPtr toTheFace(const BlockTools& tools, std::size_t kind,
+                                  const OdModelerBodyPtr& tool) {
+  if (kind != 0 || !tools.form) return tool;
+  constexpr double kThrough = 1000.0;
+  OdModelerBodyPtr made;
+  EXPECT_TRUE(succeeded(makeTool(*tools.form, {tools.form->depth.value_or(kThrough), 0.0}, made)));
+  return made;
+}
+
 OdModelerBodyPtr ModelingTest::freshBody(const OdModelerBodyPtr& base) const {
   std::array<std::vector<OdModelerBodyPtr>, kToolKindCount> tools;
   ComponentTools library;
@@ -80,7 +90,7 @@ OdModelerBodyPtr ModelingTest::freshBody(const OdModelerBodyPtr& base) const {
     const BlockTools& all = library.of(place->blockTableRecord());
     for (std::size_t kind = 0; kind < kToolKindCount; ++kind) {
       for (const OdModelerBodyPtr& tool : all.bodies[kind]) {
-        tools[kind].push_back(moved(tool, place->blockTransform()));
+        tools[kind].push_back(moved(toTheFace(all, kind, tool), place->blockTransform()));
       }
     }
   }

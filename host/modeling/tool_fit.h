@@ -1,0 +1,35 @@
+// How far a tool reaches at its place: decided on the body that it is about to cut.
+#pragma once
+
+#include "host/modeling/tool_form.h"
+#include "platform/ge/matrix3d.h"
+
+namespace vdm_host {
+
+/// The base face of a component. `kOther` is also one that its reference does not lead to at
+/// present.
+enum class BaseKind { kNone, kPlane, kOther };
+struct BaseFace {
+  BaseKind kind = BaseKind::kNone;
+  OdGePoint3d point;    ///< of the plane
+  OdGeVector3d normal;  ///< of the plane, outward
+};
+
+/// A tool and where it is to cut.
+struct ToolPlace {
+  ToolForm form;
+  OdGeMatrix3d place;
+  BaseFace base;
+};
+
+/// Laws:
+///   1. a tool without a depth reaches through all of the body that is below its face;
+///   2. above its face a tool reaches as far as its clearance where that removes nothing;
+///   3. above a plane face across its axis, and without a base face, it removes nothing: it ends
+///   half
+///      way to what it would reach, and at the face where something rises from there;
+///   4. above other faces it removes what rises from its rim, and ends half way to what lies
+///   beyond.
+OdStatus fitReach(const OdModelerBodyPtr& body, const ToolPlace& tool, ToolReach& reach);
+
+}  // namespace vdm_host
