@@ -8,6 +8,7 @@
 #include "tests/crash/fault_vfs.h"
 #include "tests/host/modeling/modeling_testing.h"
 #include "tests/support/dump_drawing.h"
+#include "tests/support/test_folder.h"
 
 using namespace vdm_host;
 
@@ -20,16 +21,13 @@ class KilledEdit : public ModelingTest {
     m_insert = insert(block, 100.0, 100.0).created.getHandle();
     put(block, 115.0, 100.0);
     put(boss(L"B", 40.0, 20.0), 120.0, 120.0);
-    saveAs(m_database, OdString(kStart));
+    saveAs(m_database, OdString(m_start));
     m_editor.reset();
     m_database.release();
   }
-  ~KilledEdit() override {
-    for (const char* file : {kStart, kFile}) std::filesystem::remove(file);
-  }
 
-  static std::string stateOfFile(OdDbHostAppServices& services) {
-    const OdDbDatabasePtr database = read(services, OdString(kFile));
+  std::string stateOfFile(OdDbHostAppServices& services) const {
+    const OdDbDatabasePtr database = read(services, OdString(m_file));
     return database.isNull() ? std::string() : dumpDrawing(database.get());
   }
   /// Opens the file, moves the insert and saves; ends at file operation `at` of all that.
@@ -40,7 +38,7 @@ class KilledEdit : public ModelingTest {
     OdDbHostAppServices services(createSqliteStoreFactory(options));
     OdStatus status;
     crashtest::faultState().start(crashtest::FaultMode::kKill, at);
-    const OdDbDatabasePtr database = services.readFile(OdString(kFile), status);
+    const OdDbDatabasePtr database = services.readFile(OdString(m_file), status);
     if (database.isNull()) ::_exit(1);
     ModelEditor editor(database.get());
     const OdDbObjectId insert = database->getOdDbObjectId(m_insert);
@@ -49,7 +47,7 @@ class KilledEdit : public ModelingTest {
   }
   /// The exit code of a process that does it.
   [[nodiscard]] int runKilledAt(std::size_t at) const {
-    std::filesystem::copy_file(kStart, kFile, std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::copy_file(m_start, m_file, std::filesystem::copy_options::overwrite_existing);
     const pid_t child = ::fork();
     if (child == 0) editAndSave(at);
     int status = 0;
@@ -57,13 +55,14 @@ class KilledEdit : public ModelingTest {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
 
-  static constexpr const char* kStart = "killed_start.vdm";
-  static constexpr const char* kFile = "killed.vdm";
+  const TestFolder m_folder;
+  const std::string m_start = m_folder.file("start.vdm");
+  const std::string m_file = m_folder.file("killed.vdm");
   OdDbHandle m_insert;
 };
 
 TEST_F(KilledEdit, IsSavedWhollyOrNotAtAll) {
-  std::filesystem::copy_file(kStart, kFile, std::filesystem::copy_options::overwrite_existing);
+  std::filesystem::copy_file(m_start, m_file, std::filesystem::copy_options::overwrite_existing);
   const std::string before = stateOfFile(m_files);
   ASSERT_EQ(runKilledAt(std::size_t(-1)), 0);
   const std::string after = stateOfFile(m_files);

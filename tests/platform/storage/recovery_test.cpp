@@ -130,7 +130,7 @@ TEST_F(Recovery, TakesTheVersionInTheTreeBeforeAnOlderOne) {
   m_content = second;
   m_bytes = readBytes(m_path);
   // The page with the older version, to which nothing refers, and damage to another record.
-  const std::size_t page = before.find(first.records.at(5).data) / kPageSize;
+  const std::size_t page = before.rfind(first.records.at(5).data) / kPageSize;
   m_bytes += before.substr(page * kPageSize, kPageSize);
   m_bytes[m_bytes.find(second.records.at(0x2F).data) + 3] ^= 1;
   EXPECT_TRUE(recover().content.records.contains(5));
