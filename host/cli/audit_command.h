@@ -10,6 +10,7 @@ namespace cli {
 struct AuditOptions {
   std::string input;
   bool fix = false;
+  bool sarif = false;  ///< print SARIF 2.1.0
 };
 
 /// kNotSound when findings remain.

@@ -181,6 +181,7 @@ void addKeepers(CLI::App& app, CommandLine& line) {
                  "vdm audit bracket.vdm --fix");
   addInput(audit, line.audit.input);
   audit->add_flag("--fix", line.audit.fix, "mend what can be mended and save");
+  audit->add_flag("--sarif", line.audit.sarif, "print the findings as SARIF 2.1.0");
   setAction(audit, line, runAudit, line.audit);
 
   CLI::App* recover = addCommand(app, line, "recover",

@@ -1,12 +1,11 @@
 // Operations on features and groups.
-#include <map>
-
+#include "host/cli/audit_output.h"
 #include "host/cli/cli_error.h"
 #include "host/cli/model_lookup.h"
 #include "host/cli/new_name.h"
 #include "host/cli/operation.h"
 #include "host/cli/text_output.h"
-#include "host/modeling/component_query.h"
+#include "host/modeling/drawing_audit.h"
 #include "vdm_db/concrete_features/vdm_group_feature.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/model/vdm_db_pers_id_manager.h"
@@ -43,23 +42,6 @@ StepResult eraseFeature(Editing& editing, const Arguments& arguments) {
 
 // Audit.
 
-struct FeatureCounts {
-  std::string text;
-  std::uint64_t reactors = 0;
-  std::uint64_t references = 0;
-};
-
-std::map<OdDbObjectId, FeatureCounts> countFeatures(OdDbDatabase& drawing) {
-  std::map<OdDbObjectId, FeatureCounts> counts;
-  for (const OdDbObjectId& id : allFeatures(drawing)) {
-    const VdmFeaturePtr feature = VdmFeature::open(id);
-    if (feature.isNull()) continue;
-    counts[id] = {objectText(id), feature->reactorIds().size(),
-                  feature->getAllDependencies(/*filtered=*/false).size()};
-  }
-  return counts;
-}
-
 std::uint64_t countReferences(OdDbDatabase& drawing) {
   std::uint64_t count = 0;
   for (const OdDbObjectId& id : vdmu::getAllPersIdManagers(&drawing)) {
@@ -69,54 +51,25 @@ std::uint64_t countReferences(OdDbDatabase& drawing) {
   return count;
 }
 
-void auditManagers(OdDbDatabase& drawing) {
-  for (const OdDbObjectId& id : vdm_host::featureManagers(&drawing)) {
-    id.safeOpenAs<VdmDbFeatureManager>(OdDb::kForWrite)->doAudit();
-  }
-  for (const OdDbObjectId& id : vdmu::getAllPersIdManagers(&drawing)) {
-    id.safeOpenAs<VdmDbPersIdManager>(OdDb::kForWrite)->doAudit();
-  }
-}
-
-std::vector<std::string> differences(const std::map<OdDbObjectId, FeatureCounts>& before,
-                                     const std::map<OdDbObjectId, FeatureCounts>& after) {
-  std::vector<std::string> lines;
-  for (const auto& [id, was] : before) {
-    const auto found = after.find(id);
-    if (found == after.end()) {
-      lines.push_back(was.text + " has lost what it cannot be without");
-    } else if (found->second.reactors != was.reactors ||
-               found->second.references != was.references) {
-      lines.push_back(was.text + " had " + counted(was.references, "reference") + ", " +
-                      std::to_string(found->second.references) + " of them sound");
-    }
-  }
-  return lines;
-}
-
 StepResult auditFeatures(Editing& editing, const Arguments& arguments) {
   const bool fix = arguments.has("fix");
-  const auto before = countFeatures(editing.drawing);
-  const std::uint64_t referencesBefore = countReferences(editing.drawing);
+  const std::uint64_t features = allFeatures(editing.drawing).size();
+  const std::uint64_t references = countReferences(editing.drawing);
+  constexpr vdm_host::AuditParts kParts{.drawing = false, .features = true, .references = true};
+  const vdm_host::DrawingAudit audit = vdm_host::auditDrawing(
+      &editing.drawing, fix ? vdm_host::AuditMode::kFix : vdm_host::AuditMode::kLook, kParts);
   StepResult step;
-  OdDbTransaction transaction(&editing.drawing);
-  auditManagers(editing.drawing);
-  step.notes = differences(before, countFeatures(editing.drawing));
-  const std::uint64_t referencesAfter = countReferences(editing.drawing);
-  if (referencesAfter < referencesBefore) {
-    step.notes.push_back(counted(referencesBefore - referencesAfter, "reference") +
-                         " that have no watcher or lead to nothing");
+  for (const vdm_host::DrawingFinding& finding : audit.findings) {
+    step.notes.push_back(findingLine(finding));
   }
-  if (fix) transaction.commit();
-  const bool sound = step.notes.empty();
-  step.headline = std::string(sound ? "sound: "
-                              : fix ? "mended: "
-                                    : "not sound: ") +
-                  counted(before.size(), "feature") + ", " + counted(referencesBefore, "reference");
-  step.values = {{"features", std::to_string(before.size())},
-                 {"references", std::to_string(referencesBefore)},
-                 {"findings", std::to_string(step.notes.size())}};
-  step.sound = sound || fix;
+  step.headline = std::string(audit.errors == 0 ? "sound: "
+                              : audit.isSound() ? "mended: "
+                                                : "not sound: ") +
+                  counted(features, "feature") + ", " + counted(references, "reference");
+  step.values = {{"features", std::to_string(features)},
+                 {"references", std::to_string(references)},
+                 {"findings", std::to_string(audit.errors)}};
+  step.sound = audit.isSound();
   return step;
 }
 

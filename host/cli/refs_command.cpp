@@ -7,6 +7,7 @@
 #include "host/cli/model_lookup.h"
 #include "host/cli/opened_drawing.h"
 #include "host/cli/paths.h"
+#include "host/modeling/drawing_audit.h"
 
 namespace cli {
 
@@ -102,15 +103,21 @@ struct ReferenceFindings {
   std::uint64_t unneeded = 0;  ///< without a watcher
 };
 
-ReferenceFindings findLost(const std::vector<ReferenceEntry>& entries) {
+ReferenceFindings findLost(const vdm_host::DrawingAudit& audit) {
   ReferenceFindings findings;
-  for (const ReferenceEntry& entry : entries) {
-    if (entry.now.resolved()) continue;
-    ReferenceText text = referenceText(entry);
-    if (!text.isExpected) {
-      findings.lost.push_back(std::move(text));
-    } else {
-      ++(text.watchers.empty() ? findings.unneeded : findings.waiting);
+  for (const ReferenceEntry& entry : audit.references) {
+    switch (vdm_host::needOf(entry)) {
+      case vdm_host::ReferenceNeed::kResolved:
+        break;
+      case vdm_host::ReferenceNeed::kWanted:
+        findings.lost.push_back(referenceText(entry));
+        break;
+      case vdm_host::ReferenceNeed::kWaiting:
+        ++findings.waiting;
+        break;
+      case vdm_host::ReferenceNeed::kUnneeded:
+        ++findings.unneeded;
+        break;
     }
   }
   return findings;
@@ -198,12 +205,15 @@ int runRefsExplain(const SessionSettings& settings, const RefsOptions& options) 
 
 int runRefsAudit(const SessionSettings& settings, const RefsOptions& options) {
   const OpenedModel model(settings, options);
-  const std::vector<ReferenceEntry> entries = readReferences(*model, options.input);
-  const ReferenceFindings findings = findLost(entries);
+  constexpr vdm_host::AuditParts kParts{.drawing = false, .features = false, .references = true};
+  const vdm_host::DrawingAudit audit = withProgress("reading " + options.input, [&] {
+    return vdm_host::auditDrawing(&*model, vdm_host::AuditMode::kLook, kParts);
+  });
+  const ReferenceFindings findings = findLost(audit);
   printResult(
-      settings, [&] { return auditJson(options, entries, findings); },
-      [&] { return auditText(entries, findings); });
-  return exitCodeFor(findings.lost.empty());
+      settings, [&] { return auditJson(options, audit.references, findings); },
+      [&] { return auditText(audit.references, findings); });
+  return exitCodeFor(audit.isSound());
 }
 
 }  // namespace cli

@@ -21,20 +21,73 @@
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/db/database_impl.h"
+#include "platform/db/default_content.h"
 #include "platform/db/dictionary.h"
+#include "platform/db/layer_table.h"
+#include "platform/db/linetype_table.h"
 #include "platform/db/open_upgrade.h"
 #include "platform/db/owner_listing.h"
+#include "platform/db/regapp_table.h"
 #include "platform/db/symbol_table.h"
 #include "platform/filer/id_filer.h"
 #include "platform/filer/memory_filer.h"
 
 namespace {
 
+/// Stored references hold handles below 2^62; a seed near that leaves no room.
+constexpr OdUInt64 kFirstUnusable = OdUInt64{1} << 61U;
+/// In place of the seed in the file: the next save writes the seed.
+constexpr OdUInt64 kSeedToBeWritten = ~OdUInt64{0};
+
 OdString nameOf(OdDbObjectId id) {
   const OdRxClass* objectClass = id.objectClass();
   return (objectClass == nullptr ? OdString(L"object") : objectClass->name()) + L"(" +
          id.getHandle().ascii() + L")";
 }
+
+/// What a finding is called, the rule that was broken, and what mending puts in its place.
+struct Rule {
+  const wchar_t* code;
+  const wchar_t* rule;
+  const wchar_t* remedy;
+};
+
+constexpr Rule kNoObjects{L"no-objects", L"a drawing", L"the content of a new drawing"};
+constexpr Rule kRootMissing{L"root-missing", L"in the drawing", L"a new one"};
+constexpr Rule kRootWrong{L"root-wrong", L"of its class", L""};
+constexpr Rule kSeed{L"handle-seed", L"above every handle", L"the next free one"};
+constexpr Rule kUnreadable{L"record-unreadable", L"readable", L""};
+constexpr Rule kDangling{L"dangling-reference", L"to an object", L"null"};
+constexpr Rule kDanglingReactor{L"dangling-reactor", L"an object", L"no reactor"};
+constexpr Rule kOwnerCycle{L"owner-cycle", L"above it", L"a new owner"};
+constexpr Rule kOwnerOfLister{L"owner-missing", L"the object that lists it", L"that object"};
+constexpr Rule kOwnerMissing{L"owner-missing", L"an object", L"a new owner"};
+constexpr Rule kWrongOwner{L"owner-wrong", L"the object that lists it", L"that object"};
+constexpr Rule kUnlisted{L"owner-lists-not", L"listed", L"a new entry"};
+constexpr Rule kSecondOwner{L"owner-twice", L"of its owner", L"no entry"};
+constexpr Rule kShownUnlisted{L"block-reference-unlisted", L"in the block's list", L"a new entry"};
+constexpr Rule kListedStranger{L"block-reference-stranger", L"a reference to the block",
+                               L"no entry"};
+
+/// The objects that every drawing has.
+struct RootRow {
+  OdUInt64 handle;
+  const wchar_t* name;
+  OdRxClass* (*itsClass)();
+};
+constexpr RootRow kRoots[] = {
+    {OdDbRootHandles::kBlockTable, L"block table", &OdDbBlockTable::desc},
+    {OdDbRootHandles::kLayerTable, L"layer table", &OdDbLayerTable::desc},
+    {OdDbRootHandles::kLinetypeTable, L"linetype table", &OdDbLinetypeTable::desc},
+    {OdDbRootHandles::kRegAppTable, L"application table", &OdDbRegAppTable::desc},
+    {OdDbRootHandles::kNamedObjectsDictionary, L"named objects", &OdDbDictionary::desc},
+    {OdDbRootHandles::kModelSpace, L"model space", &OdDbBlockTableRecord::desc},
+    {OdDbRootHandles::kPaperSpace, L"paper space", &OdDbBlockTableRecord::desc},
+    {OdDbRootHandles::kLayerZero, L"layer 0", &OdDbLayerTableRecord::desc},
+    {OdDbRootHandles::kLinetypeByBlock, L"linetype ByBlock", &OdDbLinetypeTableRecord::desc},
+    {OdDbRootHandles::kLinetypeByLayer, L"linetype ByLayer", &OdDbLinetypeTableRecord::desc},
+    {OdDbRootHandles::kLinetypeContinuous, L"linetype Continuous", &OdDbLinetypeTableRecord::desc},
+};
 
 /// One check. The phases run in the order of the functions; what they find is mended at once when
 /// that was asked for. The laws:
@@ -50,13 +103,19 @@ OdString nameOf(OdDbObjectId id) {
 /// 5. What an object owns names it as its owner; where two list one object the recorded owner keeps
 ///    it.
 /// 6. A block lists exactly the references that show it.
+/// 7. The objects that every drawing has are there, as in a new drawing.
+/// 8. No object is an owner of itself, over however many owners: one of the cycle is treated as
+///    lost.
+/// 9. The next handle that the file names is above every handle, and leaves room for more.
 class Audit {
  public:
   Audit(OdDbDatabase* database, OdDbAuditInfo* info) : m_database(database), m_info(info) {}
 
   void run() {
+    checkRoots();
     collect();
     checkSeed();
+    for (const OdDbObjectId id : m_cycles) mendCycle(id);
     for (const OdDbObjectId id : m_ids) checkReferences(id);
     for (const OdDbObjectId id : m_ids) checkOwner(id);
     for (const auto& [id, lister] : m_furtherOwners) mendSecondOwner(id, lister);
@@ -65,8 +124,36 @@ class Audit {
   }
 
  private:
+  // Law 7.
+  void checkRoots() {
+    bool isMissing = false;
+    bool isWrong = false;
+    if (m_database->approxNumObjects() == 0) {
+      if (found(kNoObjects, 0, L"drawing", L"a file without objects")) {
+        oddbMakeDefaultContent(m_database);
+      }
+      return;
+    }
+    for (const RootRow& row : kRoots) {
+      const OdDbObjectId id = m_database->getOdDbObjectId(OdDbHandle(row.handle));
+      const OdString name = OdString(row.name) + L"(" + OdDbHandle(row.handle).ascii() + L")";
+      if (id.isNull() || id.isErased()) {
+        isMissing = found(kRootMissing, row.handle, name, L"it") || isMissing;
+      } else if (id.objectClass() != nullptr && !id.objectClass()->isDerivedFrom(row.itsClass())) {
+        found(kRootWrong, row.handle, name, L"class " + id.objectClass()->name());
+        isWrong = true;
+      }
+      isWrong = isWrong || (!id.isNull() && id.openObject().isNull());
+    }
+    // Content is made around what is there; that must be what it pretends to be.
+    if (isMissing && !isWrong) oddbMakeDefaultContent(m_database);
+  }
+
+  enum class Walk { kOpen, kAlive, kErased };
+  using Walks = std::unordered_map<OdDbObjectId, Walk>;
+
   void collect() {
-    std::unordered_map<OdDbObjectId, bool> known;
+    Walks known;
     m_database->forEachId([this, &known](OdDbObjectId id) {
       if (id.isValid() && !isBelowErased(id, known)) m_ids.push_back(id);
       return true;
@@ -74,44 +161,58 @@ class Audit {
   }
 
   // Whether the object or one of its owners is erased; an owner that is absent is not. Every owner
-  // is looked at once for all objects.
-  static bool isBelowErased(OdDbObjectId id, std::unordered_map<OdDbObjectId, bool>& known) {
+  // is looked at once for all objects. A walk that meets itself found a cycle.
+  bool isBelowErased(OdDbObjectId id, Walks& known) {
     std::vector<OdDbObjectId> path;
-    bool erased = false;
+    Walk end = Walk::kAlive;
     for (; id.isValid(); id = id.ownerId()) {
       if (id.isErased()) {
-        erased = true;
+        end = Walk::kErased;
         break;
       }
-      const auto [state, isNew] = known.try_emplace(id, false);
+      const auto [state, isNew] = known.try_emplace(id, Walk::kOpen);
       if (!isNew) {
-        erased = state->second;
+        if (state->second == Walk::kOpen) m_cycles.push_back(id);
+        if (state->second == Walk::kErased) end = Walk::kErased;
         break;
       }
       path.push_back(id);
     }
-    for (const OdDbObjectId passed : path) known[passed] = erased;
-    return erased;
+    for (const OdDbObjectId passed : path) known[passed] = end;
+    return end == Walk::kErased;
+  }
+
+  // Law 8.
+  void mendCycle(OdDbObjectId id) {
+    const OdDbObjectId owner = id.ownerId();
+    if (found(kOwnerCycle, id, L"owner " + owner.getHandle().ascii())) giveHome(id, owner);
   }
 
   // Counts a finding; true when it is to be mended.
-  bool found(const OdString& name, const OdString& value, const wchar_t* rule,
-             const wchar_t* remedy) {
-    m_info->printError(name, value, rule, remedy);
-    if (m_info->fixErrors()) m_info->errorsFixed();
-    return m_info->fixErrors();
+  bool found(const Rule& rule, OdUInt64 handle, const OdString& name, const OdString& value) {
+    m_info->printFinding({rule.code, handle, name, value, rule.rule, rule.remedy});
+    const bool mends = m_info->fixErrors() && *rule.remedy != L'\0';
+    if (mends) m_info->errorsFixed();
+    return mends;
   }
-  bool found(OdDbObjectId id, const OdString& value, const wchar_t* rule, const wchar_t* remedy) {
-    return found(nameOf(id), value, rule, remedy);
+  bool found(const Rule& rule, OdDbObjectId id, const OdString& value) {
+    return found(rule, id.getHandle(), nameOf(id), value);
   }
 
+  // Law 9. The drawing in memory goes on above every handle, whatever the file says.
   void checkSeed() {
+    OdDbDatabaseImpl& impl = m_database->impl();
     OdUInt64 greatest = 0;
     for (const OdDbObjectId id : m_ids) greatest = std::max<OdUInt64>(greatest, id.getHandle());
-    const OdDbHandle seed = m_database->handseed();
-    if (greatest < seed) return;
-    if (found(L"next handle", seed.ascii(), L"above every handle", L"the next free one")) {
-      m_database->impl().seed = greatest + 1;
+    const bool isStored = impl.store && impl.savedSeed != kSeedToBeWritten;
+    const OdUInt64 seed = isStored ? impl.savedSeed : impl.seed;
+    // Objects that are not saved yet say nothing about the seed in the file.
+    const OdUInt64 inUse = isStored ? impl.store->maxHandle() : greatest;
+    if (inUse < seed && seed < kFirstUnusable) return;
+    if (found(kSeed, 0, L"next handle", OdDbHandle(seed).ascii())) {
+      impl.seed = std::max<OdUInt64>(greatest + 1, OdDbRootHandles::kFirstFree);
+      impl.savedSeed = kSeedToBeWritten;
+      ++impl.changes;
     }
   }
 
@@ -119,7 +220,9 @@ class Audit {
   void checkReferences(OdDbObjectId id) {
     const OdDbObjectPtr object = id.openObject();
     if (object.isNull()) {
-      m_info->printError(nameOf(id), L"its record", L"readable", L"nothing");
+      const OdString fault = m_database->impl().faultOf(id.getHandle());
+      found(kUnreadable, id,
+            fault.isEmpty() ? OdString(L"its record") : L"its record (" + fault + L")");
       return;
     }
     m_filer.clear();
@@ -128,9 +231,7 @@ class Audit {
     for (const OdDbFiledId& filed : m_filer.ids()) {
       if (OdDb::isOwnership(filed.type) && filed.id.isValid()) noteLister(filed.id, id);
       if (filed.type == OdDb::kSoftPointerRef || filed.id.isValid()) continue;
-      dangling =
-          found(id, L"reference to " + filed.id.getHandle().ascii(), L"to an object", L"null") ||
-          dangling;
+      dangling = found(kDangling, id, L"reference to " + filed.id.getHandle().ascii()) || dangling;
     }
     checkReactors(object);
     if (dangling) clearDangling(id);
@@ -144,8 +245,7 @@ class Audit {
   void checkReactors(const OdDbObjectPtr& object) {
     for (const OdDbObjectId& reactor : object->getPersistentReactors()) {
       if (reactor.isValid()) continue;
-      if (found(object->objectId(), L"reactor " + reactor.getHandle().ascii(), L"an object",
-                L"no reactor")) {
+      if (found(kDanglingReactor, object->objectId(), L"reactor " + reactor.getHandle().ascii())) {
         const OdDbOpenUpgrade upgrade(object);
         object->removePersistentReactor(reactor);
       }
@@ -198,7 +298,7 @@ class Audit {
 
   void mendSecondOwner(OdDbObjectId id, OdDbObjectId lister) {
     if (id.ownerId() == lister || id.isErased()) return;
-    if (found(id, L"entry of " + nameOf(lister), L"of its owner", L"no entry")) {
+    if (found(kSecondOwner, id, L"entry of " + nameOf(lister))) {
       dropFrom(lister, id);
     }
   }
@@ -211,14 +311,18 @@ class Audit {
     const OdString value =
         owner.isNull() ? OdString(L"no owner") : L"owner " + owner.getHandle().ascii();
     if (!lister.isNull()) {
-      if (found(id, value, L"the object that lists it", L"that object")) setOwner(id, lister);
-    } else if (found(id, value, L"an object", L"a new owner")) {
-      const bool isEntity = id.objectClass()->isDerivedFrom(OdDbEntity::desc());
-      const OdDbObjectId home = isEntity ? blockForLost(owner) : dictionaryForLost();
-      setOwner(id, home);
-      const OdDbObjectPtr homeObject = home.safeOpenObject();
-      oddbListWithOwner(id.safeOpenObject(OdDb::kForWrite), homeObject, id.getHandle().ascii());
+      if (found(kOwnerOfLister, id, value)) setOwner(id, lister);
+    } else if (found(kOwnerMissing, id, value)) {
+      giveHome(id, owner);
     }
+  }
+
+  void giveHome(OdDbObjectId id, OdDbObjectId owner) {
+    const bool isEntity = id.objectClass()->isDerivedFrom(OdDbEntity::desc());
+    const OdDbObjectId home = isEntity ? blockForLost(owner) : dictionaryForLost();
+    setOwner(id, home);
+    const OdDbObjectPtr homeObject = home.safeOpenObject();
+    oddbListWithOwner(id.safeOpenObject(OdDb::kForWrite), homeObject, id.getHandle().ascii());
   }
 
   OdDbObjectId blockForLost(OdDbObjectId owner) {
@@ -241,10 +345,10 @@ class Audit {
 
   void mendUnlisted(OdDbObjectId id, OdDbObjectId owner, OdDbObjectId lister) {
     if (!lister.isNull()) {
-      if (found(id, L"owner " + nameOf(owner), L"the object that lists it", L"that object")) {
+      if (found(kWrongOwner, id, L"owner " + nameOf(owner))) {
         setOwner(id, lister);
       }
-    } else if (found(id, L"its place in " + nameOf(owner), L"listed", L"a new entry")) {
+    } else if (found(kUnlisted, id, L"its place in " + nameOf(owner))) {
       const OdDbObjectPtr ownerObject = owner.safeOpenObject();
       const OdDbObjectPtr object = id.safeOpenObject(OdDb::kForWrite);
       const OdString freeName = L"audit_" + id.getHandle().ascii();
@@ -304,8 +408,7 @@ class Audit {
       return a.getHandle() < b.getHandle();
     };
     const bool present = std::binary_search(listed.begin(), listed.end(), reference, byHandle);
-    if (!present && found(blockId, L"reference " + reference.getHandle().ascii(),
-                          L"in the block's list", L"a new entry")) {
+    if (!present && found(kShownUnlisted, blockId, L"reference " + reference.getHandle().ascii())) {
       const OdDbOpenUpgrade upgrade(block);
       block->noteBlockReference(reference, /*shows=*/true);
     }
@@ -315,8 +418,8 @@ class Audit {
     for (const OdDbObjectId& reference : block->getBlockReferenceIds()) {
       const OdDbEntityPtr entity = reference.openAs<OdDbEntity>();
       if (!entity.isNull() && entity->insertedBlock() == block->objectId()) continue;
-      if (found(block->objectId(), L"listed reference " + reference.getHandle().ascii(),
-                L"a reference to the block", L"no entry")) {
+      if (found(kListedStranger, block->objectId(),
+                L"listed reference " + reference.getHandle().ascii())) {
         const OdDbOpenUpgrade upgrade(block);
         block->noteBlockReference(reference, /*shows=*/false);
       }
@@ -332,6 +435,7 @@ class Audit {
   OdDbDatabase* m_database;
   OdDbAuditInfo* m_info;
   std::vector<OdDbObjectId> m_ids;
+  std::vector<OdDbObjectId> m_cycles;  // one object of each cycle of owners
   OdDbIdFiler m_filer;
   std::unordered_map<OdDbObjectId, OdDbObjectId> m_owners;  // the first object that owns it ...
   std::vector<std::pair<OdDbObjectId, OdDbObjectId>> m_furtherOwners;  // ... and all others

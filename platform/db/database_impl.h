@@ -52,6 +52,10 @@ class OdDbDatabaseImpl {
   OdUInt64 pageOut(OdUInt64 budgetBytes);
   /// Notes the content of an object that cannot be understood, once an object (read_faults.cpp).
   void noteContentFault(OdUInt64 handle, const OdString& line);
+  /// Why the object could not be read; empty when nothing is known against it.
+  [[nodiscard]] OdString faultOf(OdUInt64 handle) const;
+  /// Lines of loadErrors that are about no single object.
+  [[nodiscard]] OdStringArray fileFaults() const;
   /// Where handles without a record were met, finds out whether records vanished.
   void checkMissing();
   /// Ties a new object to its record in memory and counts it as created.
@@ -118,6 +122,7 @@ class OdDbDatabaseImpl {
   OdDbObject* loadFromStore(OdDbIdRecord* idRecord);
   OdDbObject* instantiate(OdDbIdRecord* idRecord, const OdDbRecordView& record);
   OdDbObject* reviveProxy(OdDbIdRecord* idRecord);
+  void addLoadError(OdUInt64 handle, const OdString& line);
   void noteDamage(OdDbIdRecord* idRecord, const OdString& text);
   void noteAbsent(OdDbIdRecord* idRecord);
   bool isAlive(OdDbIdRecord* idRecord);
@@ -137,6 +142,7 @@ class OdDbDatabaseImpl {
 
   std::vector<OdUInt64> m_missing;  ///< handles that were looked for in the file and not found
   std::unordered_set<OdUInt64> m_contentFaults;  ///< objects whose fault is noted
+  std::vector<OdUInt64> m_loadErrorHandles;      ///< parallel to loadErrors; 0 for the file
 };
 
 template <class Call>

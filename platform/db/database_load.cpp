@@ -33,7 +33,7 @@ OdString describe(const OdDbIdRecord* idRecord, const OdString& className) {
 }  // namespace
 
 void OdDbDatabaseImpl::noteDamage(OdDbIdRecord* idRecord, const OdString& text) {
-  if (!idRecord->has(OdDbIdRecord::kUnloadable)) loadErrors.append(text);
+  if (!idRecord->has(OdDbIdRecord::kUnloadable)) addLoadError(idRecord->handle, text);
   idRecord->set(OdDbIdRecord::kUnloadable);
 }
 
@@ -199,7 +199,7 @@ void OdDbDatabaseImpl::listAll() {
         return true;
       });
   if (!status.ok()) {
-    loadErrors.append(status.text);
+    addLoadError(0, status.text);
     return;
   }
   allListed = true;

@@ -1,6 +1,7 @@
 // What could not be read of the file of a drawing.
 #include "platform/db/read_faults.h"
 
+#include <algorithm>
 #include <string>
 
 #include "platform/db/database_impl.h"
@@ -47,9 +48,30 @@ void oddbNoteReadFault(const OdDbObject* object, const OdString& line) {
   if (database != nullptr) database->impl().noteContentFault(object->getDbHandle(), line);
 }
 
+OdStringArray oddbFileFaults(const OdDbDatabase* database) { return database->impl().fileFaults(); }
+
 int oddbFormatVersion(const OdDbDatabase* database) {
   const std::unique_ptr<OdDbRecordStore>& store = database->impl().store;
   return store ? store->formatVersion() : 0;
+}
+
+void OdDbDatabaseImpl::addLoadError(OdUInt64 handle, const OdString& line) {
+  loadErrors.append(line);
+  m_loadErrorHandles.push_back(handle);
+}
+
+OdString OdDbDatabaseImpl::faultOf(OdUInt64 handle) const {
+  const auto found = std::ranges::find(m_loadErrorHandles, handle);
+  if (found == m_loadErrorHandles.end()) return {};
+  return loadErrors[static_cast<OdUInt32>(found - m_loadErrorHandles.begin())];
+}
+
+OdStringArray OdDbDatabaseImpl::fileFaults() const {
+  OdStringArray lines;
+  for (OdUInt32 i = 0; i < loadErrors.size(); ++i) {
+    if (m_loadErrorHandles[i] == 0) lines.append(loadErrors[i]);
+  }
+  return lines;
 }
 
 void OdDbDatabaseImpl::noteAbsent(OdDbIdRecord* idRecord) {
@@ -58,7 +80,7 @@ void OdDbDatabaseImpl::noteAbsent(OdDbIdRecord* idRecord) {
 }
 
 void OdDbDatabaseImpl::noteContentFault(OdUInt64 handle, const OdString& line) {
-  if (m_contentFaults.insert(handle).second) loadErrors.append(line);
+  if (m_contentFaults.insert(handle).second) addLoadError(handle, line);
 }
 
 // A drawing that is open for writing has records in memory that its file lacks, or the reverse.
@@ -67,7 +89,7 @@ void OdDbDatabaseImpl::checkMissing() {
   const OdStatus status =
       store->listRecords([](OdUInt64, OdUInt32, OdUInt64, std::size_t) { return true; });
   if (!status.ok()) {
-    loadErrors.append(status.text + L"; looked for in vain: " + handlesText(m_missing));
+    addLoadError(0, status.text + L"; looked for in vain: " + handlesText(m_missing));
   }
   m_missing.clear();
 }

@@ -18,6 +18,9 @@ class OdDbObject;
 /// with the handles that were looked for in vain.
 [[nodiscard]] OdStringArray oddbReadFaults(OdDbDatabase* database);
 
+/// Those lines that are about the drawing's own file as a whole and not about one object.
+[[nodiscard]] OdStringArray oddbFileFaults(const OdDbDatabase* database);
+
 /// Notes that the content of an object cannot be understood though its record is intact. One line
 /// an object is kept; an object without a drawing is passed over.
 void oddbNoteReadFault(const OdDbObject* object, const OdString& line);

@@ -394,7 +394,9 @@ void OdDb3dSolid::audit(OdDbAuditInfo* info) {
   if (status.ok() && held) status = held->check();
   if (status.ok()) return;
   // The bytes are kept: a body that this modeller cannot read may be read by a later one.
-  info->printError(this, status.text, OdString(L"a sound body"), OdString(L"the present body"));
+  info->printFinding({L"body-unsound", getDbHandle(),
+                      isA()->name() + L"(" + getDbHandle().ascii() + L")", status.text,
+                      L"a sound body", L""});
 }
 
 std::size_t OdDb3dSolid::approximateSize() const {

@@ -41,6 +41,10 @@ void auditReactors(OdDbEntity* entity, OdDbAuditInfo* info) {
                                       entity->getDbHandle().ascii().c_str(),
                                       reactor.getHandle().ascii().c_str(),
                                       object->attachedEntityId().getHandle().ascii().c_str()));
+    info->noteFinding({L"reactor-of-another", entity->getDbHandle(),
+                       entity->isA()->name() + L"(" + entity->getDbHandle().ascii() + L")",
+                       L"reactor " + reactor.getHandle().ascii(), L"a model object of the entity",
+                       L"no reactor"});
     if (!info->fixErrors()) {
       info->errorsFound(1);
       continue;
