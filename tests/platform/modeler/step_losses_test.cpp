@@ -177,6 +177,23 @@ TEST_F(OdModelerStepLosses, DamageIsNamed) {
   }
 }
 
+TEST_F(OdModelerStepLosses, ASheetThatLacksAFaceIsNamed) {
+  std::string text = read(writeStep(part(box(1.0, 2.0, 3.0))));
+  const std::size_t at = text.find("= MANIFOLD_SOLID_BREP(");
+  const std::string solid = statementAt(text, at);
+  const std::string shell =
+      solid.substr(solid.find(",#") + 1, solid.find(')') - solid.find(",#") - 1);
+  text = replaced(text, solid, "= SHELL_BASED_SURFACE_MODEL('',(" + shell + "));\n");
+  text = replaced(text, "CLOSED_SHELL", "OPEN_SHELL");
+  text = replaced(text, "ADVANCED_BREP_SHAPE", "MANIFOLD_SURFACE_SHAPE");
+  EXPECT_TRUE(readStep(write("sheet.stp", text)).notes.lost.isEmpty());
+  const std::size_t bound = text.rfind('\n', text.find("= FACE_BOUND(")) + 1;
+  text.erase(bound, statementAt(text, bound).size());
+  const OdModelerAssembly got = readStep(write("sheet.stp", text));
+  EXPECT_TRUE(mentions(got.notes.lost, L"lacks 1 of its 6 faces"));
+  EXPECT_EQ(numFaces(got.products.at(0)), 5u);
+}
+
 TEST_F(OdModelerStepLosses, ForeignContentIsCountedByKind) {
   const std::string text = read(writeStep(part(box(1.0, 2.0, 3.0))));
   const OdString file = write(
