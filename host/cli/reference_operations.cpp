@@ -156,7 +156,7 @@ constexpr Operation kOperations[] = {
     {"refs add", "Name a face, edge or vertex, to find it again after changes of the solid",
      "vdm refs add plate.vdm 21 --at 60,40,10 --face --name top", kAddParameters, addReference,
      /*updates=*/false},
-    {"refs remove", "Let go of a name that was given to a reference",
+    {"refs remove", "Take away a name that was given to a reference",
      "vdm refs remove plate.vdm top", kRemoveParameters, removeReference, /*updates=*/false},
 };
 

@@ -74,7 +74,7 @@ class TextTable {
 void printOut(std::string_view text);
 enum class Shown {
   kAll,
-  kReaderGone,  ///< the pipe is closed: whoever reads does not want more
+  kReaderGone,  ///< the pipe is closed: its reader does not want more
 };
 /// Writes what was added and sees it through; raises CliError when it cannot be written.
 [[nodiscard]] Shown showOutput();

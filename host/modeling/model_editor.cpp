@@ -123,7 +123,11 @@ EditResult ModelEditor::edit(const OdString& what, const std::function<OdStatus(
                              const std::function<OdStatus(UpdateReport&)>& accept) {
   beginStep();
   EditResult result = transact(m_database, /*force=*/false, change, accept);
-  if (!result.ok() && !what.isEmpty()) result.status.text = what + L": " + result.status.text;
+  // The modeller's own text may begin with the name of the same operation.
+  const bool isNamed = result.status.text.find(what + L":") == 0;
+  if (!result.ok() && !what.isEmpty() && !isNamed) {
+    result.status.text = what + L": " + result.status.text;
+  }
   return result;
 }
 

@@ -152,7 +152,7 @@ class OdArray {
   }
   void resize(size_type count, const T& value) {
     if (count <= size()) return truncate(count);
-    const T copy(value);
+    const T copy(value);  // the value may be an element  NOLINT(performance-unnecessary-*)
     makeRoom(count);
     Buffer::constructCopies(m_data, size(), count, copy);
   }

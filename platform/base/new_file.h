@@ -21,8 +21,8 @@ class OD_API OdNewFile {
   OdNewFile& operator=(const OdNewFile&) = delete;
 
   /// Creates the empty temporary file with the permissions of the file that it will replace, and
-  /// removes leftovers. Folders, devices and pipes are not replaced: eFileAccess. Other failures are
-  /// eDiskFull or eFileWriteError; all name the path.
+  /// removes leftovers. Folders, devices and pipes are not replaced: eFileAccess. Other failures
+  /// are eDiskFull or eFileWriteError; all name the path.
   OdStatus create();
   /// Where the content goes; the file at this path may be opened, truncated and closed, but not
   /// replaced.
@@ -51,7 +51,7 @@ class OD_API OdNewFile {
 OD_API int odResolveForWriting(const std::string& path, std::string& resolved);
 /// ".<name>.<16 random hexadecimal digits>.tmp", at most 255 bytes.
 [[nodiscard]] OD_API std::string odTemporaryName(const std::string& name);
-/// Opens and locks the temporary file, so that nobody takes it for a leftover. Closing `hold` ends
+/// Opens and locks the temporary file, so that no other run takes it for a leftover. Closing `hold` ends
 /// that. ENOENT when it was taken for one before the lock was there: the caller makes another one.
 OD_API int odHoldTemporary(const std::string& path, int& hold);
 /// Removes the temporary files for `name` that no process holds.

@@ -201,7 +201,7 @@ class OD_API OdString {
   }
   [[nodiscard]] std::string_view narrowView() const noexcept {
     return m_buffer ? std::string_view(m_buffer->narrow(), m_buffer->lengthAndWidth)
-                    : std::string_view("", 0);
+                    : std::string_view("");
   }
   [[nodiscard]] std::wstring_view wideView() const noexcept { return {m_buffer->wide(), size()}; }
   [[nodiscard]] wchar_t characterAt(OdUInt32 index) const noexcept {

@@ -53,7 +53,7 @@ class OdRxWin32Module final : public TBase {
       std::unique_ptr<void, decltype(&odrxFree)> memory(odrxAlloc(sizeof(OdRxWin32Module)),
                                                         &odrxFree);
       s_module = ::new (memory.get()) OdRxWin32Module(handle);
-      memory.release();  // deleteModule() frees it
+      (void)memory.release();  // deleteModule() frees it
       handle = nullptr;
     }
     return s_module;

@@ -21,7 +21,7 @@ struct Command {
   std::vector<std::string> words;  ///< the program first
   std::filesystem::path folder;    ///< where it runs
   std::string outputFile = {};     ///< standard output goes there instead; may be a device
-  bool closedOutput = false;       ///< standard output is a pipe that nobody reads
+  bool closedOutput = false;       ///< standard output is a pipe without a reader
   std::string input = {};          ///< standard input
   int killAfterMicroseconds = -1;  ///< SIGKILL to its whole process group then; -1: never
 };

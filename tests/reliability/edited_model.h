@@ -8,11 +8,11 @@
 #include "host/modeling/model_editor.h"
 #include "host/naming/reference_query.h"
 #include "platform/db/host_app_services.h"
-#include "tests/support/failing_modeler.h"
 #include "tests/host/modeling/modeling_testing.h"
 #include "tests/reliability/model_edit.h"
 #include "tests/reliability/model_play.h"
 #include "tests/reliability/model_truth.h"
+#include "tests/support/failing_modeler.h"
 
 [[noreturn]] void fail(const std::string& what);
 /// Raises what() when it does not hold.

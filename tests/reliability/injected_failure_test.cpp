@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "tests/support/failing_modeler.h"
 #include "tests/host/modeling/modeling_testing.h"
 #include "tests/support/dump_drawing.h"
+#include "tests/support/failing_modeler.h"
 
 using namespace vdm_host;
 

@@ -39,8 +39,8 @@ TEST_F(JsonOutput, EveryCommandPrintsOneDocument) {
   const Row rows[] = {
       {"vdm new n.vdm", {"file", "units", "objects"}},
       {"vdm import $SAMPLES/plate.step -o i.vdm",
-       {"file", "solids", "sheets", "blocks", "inserts", "units", "source_units", "notes", "left_out",
-        "not_read"}},
+       {"file", "solids", "sheets", "blocks", "inserts", "units", "source_units", "notes",
+        "left_out", "not_read"}},
       {"vdm info part.vdm",
        {"file", "format", "bytes", "units", "objects", "proxies", "proxy_classes", "variables",
         "layers", "blocks", "inserts", "solids", "faults"}},

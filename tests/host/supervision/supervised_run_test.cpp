@@ -124,7 +124,8 @@ TEST(SupervisedRun, KeepsWhatFitsOfManyAndLongNotes) {
   const OdWorkDeath death = deathOf([&umlauts] {
     const OdWorkNote longNote("x", umlauts);
     std::vector<std::unique_ptr<OdWorkNote>> deep;
-    for (int i = 0; i < 40; ++i) deep.push_back(std::make_unique<OdWorkNote>(i % 3 == 0 ? "m" : "n"));
+    for (int i = 0; i < 40; ++i)
+      deep.push_back(std::make_unique<OdWorkNote>(i % 3 == 0 ? "m" : "n"));
     odNoteFileWritten();
     std::raise(SIGKILL);
     return 0;
