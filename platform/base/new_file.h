@@ -51,8 +51,9 @@ class OD_API OdNewFile {
 OD_API int odResolveForWriting(const std::string& path, std::string& resolved);
 /// ".<name>.<16 random hexadecimal digits>.tmp", at most 255 bytes.
 [[nodiscard]] OD_API std::string odTemporaryName(const std::string& name);
-/// Opens and locks the temporary file, so that no other run takes it for a leftover. Closing `hold` ends
-/// that. ENOENT when it was taken for one before the lock was there: the caller makes another one.
+/// Opens and locks the temporary file, so that no other run takes it for a leftover. Closing `hold`
+/// ends that. ENOENT when it was taken for one before the lock was there: the caller makes another
+/// one.
 OD_API int odHoldTemporary(const std::string& path, int& hold);
 /// Removes the temporary files for `name` that no process holds.
 OD_API void odRemoveLeftovers(const std::string& folder, const std::string& name);

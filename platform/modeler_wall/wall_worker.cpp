@@ -24,7 +24,7 @@ namespace {
 
 // ---- Channels
 
-/// Milliseconds left until a time; -1 stands for no limit in poll().
+/// A time by which something is to be over; left() counts the milliseconds until then, 0 at last.
 class Deadline {
  public:
   explicit Deadline(unsigned seconds)

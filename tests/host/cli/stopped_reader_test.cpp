@@ -47,7 +47,7 @@ struct Answer {
   friend bool operator==(const Answer&, const Answer&) = default;
 };
 
-/// Stores that wait for nobody.
+/// Stores that refuse at once what another one has locked.
 std::unique_ptr<OdDbRecordStoreFactory> makeFactory() {
   OdSqliteStoreOptions options;
   options.lockTimeoutMs = 0;

@@ -169,7 +169,7 @@ TEST_F(VdmDbObjectTest, PassesOnWhatMattersToSomebody) {
   {
     OdDbTransaction transaction(m_drawing);
     edit<OdDbObject>(feature)->erase();
-    edit<OdDbObject>(reactor)->addPersistentReactor(feature);  // a place that nobody has cleared
+    edit<OdDbObject>(reactor)->addPersistentReactor(feature);  // a place left over
     EXPECT_FALSE(object()->isWatched()) << "an erased reactor watches nothing";
   }
   EXPECT_TRUE(object()->isWatched());
