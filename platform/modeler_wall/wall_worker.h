@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/base/work_death.h"
+#include "platform/modeler_wall/wall_channel.h"
 
 namespace od_wall {
 
@@ -16,6 +17,21 @@ using Answer = std::function<std::vector<char>(std::span<const char>)>;
 /// Makes the answering function of a new worker; runs in the worker.
 using MakeAnswer = std::function<Answer()>;
 
+/// A work board in memory that processes forked from here on share. Raises OdError eModelerError
+/// when there is none to be had.
+class SharedBoard {
+ public:
+  SharedBoard();
+  ~SharedBoard();
+  SharedBoard(const SharedBoard&) = delete;
+  SharedBoard& operator=(const SharedBoard&) = delete;
+  [[nodiscard]] OdWorkBoard* get() const { return m_board; }
+  OdWorkBoard* operator->() const { return m_board; }
+
+ private:
+  OdWorkBoard* m_board;
+};
+
 /// A worker that answers requests one by one, kept warm between them.
 ///
 /// Two processes belong to it. The keeper is forked once, when the host has a single thread, and
@@ -23,6 +39,8 @@ using MakeAnswer = std::function<Answer()>;
 /// worker died of. So a new worker is a copy of the host at that time whatever the host's threads
 /// hold by then. Each worker has a channel of its own: what a dying one has half written cannot be
 /// taken for an answer of the next. Both end when the host does, since their channels close.
+///
+/// Nothing here waits without end, whether a worker or the keeper is dead, busy or stopped.
 class WallWorker {
  public:
   /// Raises OdError eModelerError when there are no processes or channels to be had.
@@ -32,7 +50,7 @@ class WallWorker {
   WallWorker& operator=(const WallWorker&) = delete;
 
   /// True when the next request would be the first one of its worker.
-  [[nodiscard]] bool isNew() const { return m_channel < 0; }
+  [[nodiscard]] bool isNew() const { return !m_channel.isOpen(); }
 
   struct Reply {
     bool died = false;
@@ -40,21 +58,22 @@ class WallWorker {
     OdWorkDeath death;         ///< when it died
     std::vector<char> answer;  ///< when it did not
   };
-  /// Sends a request and waits for its answer, for `seconds` of the clock at most: a worker that
-  /// takes longer is killed. Starts a worker when there is none.
+  /// Sends a request and waits for its answer: a worker that has taken longer than `seconds` of the
+  /// clock by then, whether to take the request or to answer it, is killed. Starts a worker when
+  /// there is none. Raises OdError eModelerError when there is none to be had.
   [[nodiscard]] Reply ask(std::span<const char> request, unsigned seconds);
   /// Ends the worker; the next request gets a new one.
   void end();
 
  private:
-  void startWorker();
+  void startWorker(const Deadline& deadline);
   [[nodiscard]] OdWorkDeath buryWorker();
-  [[nodiscard]] bool askOnce(std::span<const char> request, unsigned seconds,
-                             std::vector<char>& answer) const;
+  [[noreturn]] void loseKeeper();
+  void endKeeper();
 
-  OdWorkBoard* m_board = nullptr;  ///< shared with keeper and worker
-  int m_keeper = -1;               ///< channel to the keeper
-  int m_channel = -1;              ///< channel to the worker; -1 when there is none
+  SharedBoard m_board;  ///< shared with keeper and worker
+  Channel m_keeper;
+  Channel m_channel;  ///< to the worker; closed when there is none
   pid_t m_keeperId = -1;
 };
 

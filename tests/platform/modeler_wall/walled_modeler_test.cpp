@@ -1,12 +1,16 @@
 // A modeller behind a wall: the same results, and every kind of death of one operation only.
 #include "platform/modeler_wall/walled_modeler.h"
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <string>
 #include <thread>
 
 #include "tests/support/faulty_modeler.h"
@@ -40,6 +44,29 @@ class WalledModelerTest : public ModelerTest {
 
   std::vector<OdWallFailure> m_failures;
 };
+
+/// The processes whose parent is `parent`.
+std::vector<pid_t> childrenOf(pid_t parent) {
+  std::vector<pid_t> children;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+    const pid_t process = std::atoi(entry.path().filename().c_str());
+    if (process == 0) continue;
+    std::string text;
+    std::getline(std::ifstream(entry.path() / "stat"), text);  // "process (name) state parent ..."
+    const std::size_t name = text.rfind(')');
+    if (name != std::string::npos && std::atoi(text.c_str() + name + 4) == parent) {
+      children.push_back(process);
+    }
+  }
+  return children;
+}
+
+/// The mappings of this process that others may share.
+long numSharedMappings() {
+  std::ifstream maps("/proc/self/maps");
+  return std::count_if(std::istream_iterator<std::string>(maps), {},
+                       [](const std::string& word) { return word == "rw-s"; });
+}
 
 /// Everything that a chain of operations gives.
 struct Outcome {
@@ -147,6 +174,38 @@ TEST_F(WalledModelerTest, AWorkerThatWaitsForeverIsKilled) {
   install({.budget = {}, .clockSeconds = 1});
   const OdStatus status = tryCylinder(fault::kWait);
   EXPECT_EQ(status.text, OdString(L"cylinder: it did not end within 1 s"));
+}
+
+TEST_F(WalledModelerTest, AStoppedProcessIsWaitedForNoLongerThanTheClock) {
+  install({.budget = {}, .clockSeconds = 1});
+  const OdModelerBodyPtr plate = box(10.0, 10.0, 10.0);
+  const pid_t keeper = childrenOf(getpid()).at(0);
+  ASSERT_EQ(kill(childrenOf(keeper).at(0), SIGSTOP), 0);
+  // More than a channel takes up while its other end does not read.
+  const std::vector<OdUInt32> faces(1'000'000, 1);
+  OdModelerBodyPtr result;
+  EXPECT_EQ(odModeler().removeFaces(plate, faces, result, nullptr).text,
+            OdString(L"removal of faces: it did not end within 1 s"));
+  EXPECT_TRUE(plate->check().ok());  // in a new worker
+  EXPECT_FALSE(tryCylinder(fault::kExit).ok());
+  ASSERT_EQ(kill(keeper, SIGSTOP), 0);
+  for (int tries = 0; tries < 2; ++tries) {
+    const OdString text = plate->check().text;
+    EXPECT_NE(text.utf8().find("its keeper died or does not answer"), std::string_view::npos);
+  }
+  EXPECT_TRUE(childrenOf(getpid()).empty());
+}
+
+TEST_F(WalledModelerTest, AWallThatCannotBeMadeLeavesNothing) {
+  const long before = numSharedMappings();
+  rlimit files{};
+  getrlimit(RLIMIT_NOFILE, &files);
+  const rlimit none{0, files.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &none);
+  EXPECT_THROW((void)odCreateWalledModeler(odCreateOcctModeler()), OdError);
+  setrlimit(RLIMIT_NOFILE, &files);
+  EXPECT_EQ(numSharedMappings(), before);
+  EXPECT_GT(before, 0);
 }
 
 TEST_F(WalledModelerTest, ABodyIsHandedOverOnceByItsContent) {
