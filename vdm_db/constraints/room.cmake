@@ -3,14 +3,18 @@ list(APPEND VDM_DB_SOURCES
   constraints/vdm_constraint.cpp
   constraints/vdm_constraint_cleanup.cpp
   constraints/vdm_constraint_filing.cpp
+  constraints/vdm_constraint_flip.cpp
+  constraints/vdm_constraint_manager_services.cpp
   constraints/vdm_constraint_names.cpp
   constraints/vdm_constraint_orientation.cpp
+  constraints/vdm_constraint_properties_utils.cpp
   constraints/vdm_constraint_utils.cpp
   constraints/vdm_db_assembly_pe.cpp
   constraints/vdm_db_constraint_manager.cpp
   constraints/vdm_db_constraint_manager_arguments.cpp
   constraints/vdm_db_constraint_manager_audit.cpp
   constraints/vdm_db_constraint_manager_clone.cpp
+  constraints/vdm_db_constraint_manager_creation.cpp
   constraints/vdm_db_constraint_manager_filing.cpp
   constraints/vdm_db_constraint_manager_pe.cpp
   constraints/vdm_db_constraint_manager_registry.cpp
@@ -19,8 +23,10 @@ list(APPEND VDM_DB_SOURCES
 list(APPEND VDM_DB_HEADERS
   constraints/vdm_constraint.h
   constraints/vdm_constraint_cleanup.h
+  constraints/vdm_constraint_manager_services.h
   constraints/vdm_constraint_names.h
   constraints/vdm_constraint_orientation.h
+  constraints/vdm_constraint_properties_utils.h
   constraints/vdm_constraint_utils.h
   constraints/vdm_db_assembly_pe.h
   constraints/vdm_db_constraint_manager.h

@@ -23,13 +23,6 @@ VdmDbObjectDependencyPtr openArgument(const OdDbObjectId& id) {
   return VdmDbObjectDependencyPtr(object);  // raises for another class
 }
 
-/// Stores a number, also in place of a value of another type.
-void putNumber(VdmProperties& properties, const OdString& key, OdLong number) {
-  if (properties.setProperty(key, number)) return;
-  properties.removeProperty(key);
-  properties.setProperty(key, number);
-}
-
 /// A letter that says something about the side of an argument.
 bool isHalfSpaceLetter(wchar_t letter) {
   return letter == L'0' || letter == L'+' || letter == L'-' || letter == L'K';
@@ -92,8 +85,8 @@ void VdmConstraint::decideLowestSoftVersionCode() {
     m_properties.removeProperty(kVdmExType);
     return;
   }
-  putNumber(m_properties, kVdmSoftVersion, code);
-  putNumber(m_properties, kVdmExType, m_type);
+  putProperty(kVdmSoftVersion, code);
+  putProperty(kVdmExType, m_type);
 }
 
 // 1: the newest types, explicit measurement modes. 2: default geometry. 3: alignment, half spaces.

@@ -105,15 +105,19 @@ class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
   [[nodiscard]] VdmConstraintOrientationProperties getConstraintOrientationProperties() const;
   [[nodiscard]] bool hasHalfSpaces() const;
   [[nodiscard]] bool hasAlignment() const;
+  /// Changes to the previous combination of sides with `down`, otherwise to the next one; without
+  /// sides the alignment changes. What is left to the drawing counts as it is drawn. False when the
+  /// constraint offers neither.
+  bool flipSide(bool down);
 
   // ---- Properties
 
   [[nodiscard]] const VdmProperties& properties() const { return m_properties; }
-  /// Stores a value, with the signals of a change.
+  /// Stores a value, also in place of one of another kind, with the signals of a change.
   template <VdmPropertyValue T>
   void changeProperty(const OdString& key, const T& value) {
     signalModification(kBeforeModify);
-    m_properties.setProperty(key, value);
+    putProperty(key, value);
     signalModification(kDataChanged);
     signalModification(kAfterModify);
   }
@@ -133,6 +137,12 @@ class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
 
  private:
   static const OdString& nodeIdKey();
+  template <VdmPropertyValue T>
+  void putProperty(const OdString& key, const T& value) {
+    if (m_properties.setProperty(key, value)) return;
+    m_properties.removeProperty(key);
+    m_properties.setProperty(key, value);
+  }
   void signalModification(NotifyCode code);
   void notifyOwner(NotifyCode code);
   template <class Call>

@@ -18,6 +18,7 @@
 #include "vdm_db/references/vdm_indexed_ids.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
+class VdmConstraintManagerServices;
 class VdmDbConstraintManager;
 class VdmDbObject;
 class VdmFeatureUpdateData;
@@ -100,6 +101,14 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   }
   /// Null when there is none.
   [[nodiscard]] VdmConstraintPtr getConstraintByNodeId(OdULong nodeId) const;
+  /// Makes a constraint with these arguments; one with an empty path refers to nothing, or to the
+  /// default geometry that it names. `name` and `flag` are handed to
+  /// VdmDbConstraintManagerPE::generateConstraintName(). Null, nothing being left of it, when
+  /// services.attachIndexesToArgs() refuses. Raises OdError "Failed to create dependency",
+  /// likewise.
+  VdmConstraintPtr addConstraint(int type, const VdmExtendedPathArray& args,
+                                 VdmConstraintManagerServices& services, const OdString& name,
+                                 bool flag);
   /// Nothing happens for null and for a constraint that this manager does not hold. Model objects
   /// and dependencies that no constraint or persistent id uses any more go with it.
   void removeConstraint(VdmConstraint* constraint);
@@ -210,6 +219,7 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
 
  private:
   friend class VdmConstraint;
+  friend class VdmConstraintManagerServices;
   friend class VdmFeatureUpdateData;  // makes managers without linking them
 
   using ModifiedObjects = std::set<OdDbObjectId, vdmu::ObjectIdLess>;
@@ -228,6 +238,8 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   void markFinished(const OdDbObjectId& object);
   void markArgumentsModified(const VdmConstraint& constraint);
   void undoStateStep(OdDbDwgFiler* filer);
+  VdmConstraintPtr makeConstraint(OdLong type, const OdString& name, bool flag);
+  void setFirstValue(VdmConstraint* constraint, double value);
   void appendChild(const OdDbObjectId& manager);
   void removeChild(const OdDbObjectId& manager);
   bool takeOut(VdmConstraint* constraint);

@@ -1,16 +1,7 @@
 // A drawing with constraints.
 #include "tests/vdm_db/constraints/constraint_testing.h"
 
-namespace {
-
-/// Reaches the protected operation of managers.
-struct ManagerAccess : VdmDbConstraintManager {
-  static void add(VdmDbConstraintManager* manager, VdmConstraintPtr& constraint) {
-    (manager->*(&ManagerAccess::addConstraint))(constraint);
-  }
-};
-
-}  // namespace
+#include "vdm_db/constraints/vdm_constraint_manager_services.h"
 
 // ---- Records
 
@@ -68,17 +59,10 @@ VdmExtendedPath ConstraintTest::argument(OdDbObjectId entity) {
 VdmConstraintPtr ConstraintTest::addConstraint(OdLong type,
                                                const std::vector<OdDbObjectId>& entities,
                                                const OdString& name) {
-  const VdmDbConstraintManagerPtr holder = editManager();
-  VdmConstraintPtr constraint = VdmConstraint::createObject();
-  constraint->setType(type);
-  constraint->setName(name);
-  ManagerAccess::add(holder, constraint);
-  constraint->setOwner(m_constraints);
   VdmExtendedPathArray arguments;
-  VdmExtendedPathArray added;
   for (const OdDbObjectId& entity : entities) arguments.append(argument(entity));
-  holder->addArguments(constraint, arguments, added);
-  return constraint;
+  VdmConstraintManagerServices services;
+  return editManager()->addConstraint(type, arguments, services, name, /*flag=*/false);
 }
 
 std::vector<OdULong> ConstraintTest::nodeIds() const {

@@ -7,7 +7,7 @@
 #include "platform/db/audit_info.h"
 #include "tests/support/model_testing.h"
 
-/// Types from 10 on are parametric. Counts what it hears.
+/// Types from 10 on are parametric. Counts what it hears, and answers with what is set.
 class TestSolver : public OdStaticRxObject<VdmDbConstraintManagerPE> {
  public:
   bool isParametric(const VdmConstraint* constraint) override { return constraint->type() >= 10; }
@@ -26,19 +26,25 @@ class TestSolver : public OdStaticRxObject<VdmDbConstraintManagerPE> {
   bool skipRemapping(VdmConstraint*, OdInt32) override { return false; }
   void invalidateTCCache(OdDbDatabase*) override { ++invalidations; }
   void reservedOperationB() override {}
-  bool getAlignmentFromDrawing(const VdmConstraint*, AlignmentOrientation&) override {
-    return false;
+  bool getAlignmentFromDrawing(const VdmConstraint*, AlignmentOrientation& alignment) override {
+    alignment = drawnAlignment;
+    return alignment != kAlignmentNotSpecified;
   }
-  bool getHalfSpacesFromDrawing(const VdmConstraint*, std::vector<HalfSpaceOrientation>&) override {
-    return false;
+  bool getHalfSpacesFromDrawing(const VdmConstraint*,
+                                std::vector<HalfSpaceOrientation>& halfSpaces) override {
+    halfSpaces = drawnSides;
+    return !halfSpaces.empty();
   }
   VdmConstraintOrientationProperties getConstraintOrientationProperties(
       const VdmConstraint*) override {
-    return {};
+    return offers;
   }
 
   OdStringArray removed;
   int invalidations = 0;
+  VdmConstraintOrientationProperties offers;
+  AlignmentOrientation drawnAlignment = kAlignmentNotSpecified;
+  std::vector<HalfSpaceOrientation> drawnSides;
 };
 
 /// The stored form of a constraint in memory.
