@@ -7,8 +7,11 @@
 #include "platform/base/error.h"
 #include "vdm_db/cloning/vdm_remapping_operation_bracket.h"
 #include "vdm_db/concrete_features/vdm_diff_feature.h"
+#include "vdm_db/concrete_features/vdm_drafting_group_feature.h"
 #include "vdm_db/concrete_features/vdm_group_feature.h"
 #include "vdm_db/concrete_features/vdm_suppress_feature.h"
+#include "vdm_db/concrete_features/vdm_thread_feature.h"
+#include "vdm_db/concrete_features/vdm_tracking_feature.h"
 #include "vdm_db/constraints/vdm_constraint.h"
 #include "vdm_db/constraints/vdm_db_assembly_pe.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
@@ -75,6 +78,9 @@ constexpr ClassRow kClassRows[] = {
     rowOf<VdmDbNamingPolicyPE>(),
     rowOf<VdmPropertiesPE>(),
     rowOf<VdmDbExtensionData>(),
+    rowOf<VdmThreadFeature>(),
+    rowOf<VdmTrackingFeature>(),
+    rowOf<VdmDraftingGroupFeature>(),
     rowOf<VdmUpdateFeatureInterface>(),
     rowOf<VdmSimpleFeatureInterface>(),
     rowOf<VdmDbAssemblyPE>(),

@@ -32,7 +32,7 @@ void FeatureTest::refer(OdDbObjectId feature, std::initializer_list<Group> group
     for (const int index : group.faces) paths.append(face(m_carrier, index));
     all.append(VdmFeatureGroupFaces(group.mask, paths, group.tag));
   }
-  hole(feature, OdDb::kForWrite)->init(all);
+  feature.openAs<VdmFeature>(OdDb::kForWrite)->init(all);
 }
 
 void FeatureTest::reopenWith(std::initializer_list<OdDbObjectId*> ids) {
