@@ -18,12 +18,12 @@ constexpr std::array<std::string_view, 4> kCheckedFolders{"platform", "vdm_utils
 /// Headers that gather a library for its users; nothing below the hosts includes them.
 constexpr std::array<std::string_view, 2> kUmbrellas{"platform/platform.h", "vdm_db/vdm_db.h"};
 
-constexpr std::string_view kBase = "platform/base", kRx = "platform/rx", kGe = "platform/ge",
-                           kFiler = "platform/filer", kDb = "platform/db",
-                           kEntities = "platform/entities", kCloning = "platform/cloning",
-                           kRuntime = "platform/runtime", kStorage = "platform/storage",
-                           kGi = "platform/gi", kModeler = "platform/modeler",
-                           kModelerWall = "platform/modeler_wall",
+constexpr std::string_view kBase = "platform/base", kExpressions = "platform/expressions",
+                           kRx = "platform/rx", kGe = "platform/ge", kFiler = "platform/filer",
+                           kDb = "platform/db", kEntities = "platform/entities",
+                           kCloning = "platform/cloning", kRuntime = "platform/runtime",
+                           kStorage = "platform/storage", kGi = "platform/gi",
+                           kModeler = "platform/modeler", kModelerWall = "platform/modeler_wall",
                            kModelerOcct = "platform/modeler_occt";
 
 bool isBelow(std::string_view path, std::string_view folder) {
@@ -190,6 +190,7 @@ std::vector<FolderRule> makeFolderRules() {
   const std::vector<std::string_view> below{kBase, kRx, kGe, kFiler, kGi, kDb};
   std::vector<FolderRule> table{
       {kBase, {}},
+      {kExpressions, {kBase}},
       {kRx, {kBase}},
       {kGe, {kBase}},
       {kFiler, {kBase, kRx, kGe}},

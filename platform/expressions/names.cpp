@@ -1,0 +1,67 @@
+// Names in texts.
+#include "platform/expressions/names.h"
+
+#include "platform/base/case_compare.h"
+#include "platform/base/name_characters.h"
+#include "platform/expressions/compile.h"
+#include "platform/expressions/parser.h"
+#include "platform/expressions/wide_text.h"
+#include "platform/expressions/words.h"
+
+namespace OdExpression {
+
+bool listNames(const OdString& text, std::vector<Mention>& mentions, Diagnostic& diagnostic) {
+  try {
+    const WideText wide(text);
+    std::vector<Mention> found;
+    (void)Parser(wide.view(), found).parse();
+    mentions = std::move(found);
+    return true;
+  } catch (const Diagnostic& failure) {
+    diagnostic = failure;
+    return false;
+  }
+}
+
+OdString renameInText(const OdString& text, const OdString& oldName, const OdString& newName) {
+  std::vector<Mention> mentions;
+  Diagnostic diagnostic;
+  if (!listNames(text, mentions, diagnostic)) return text;
+  OdString renamed;
+  int copied = 0;
+  for (const Mention& mention : mentions) {
+    if (!odStrIEqual(mention.name, oldName)) continue;
+    const int begin = mention.column - 1;
+    renamed += text.mid(copied, begin - copied) + newName;
+    copied = begin + mention.name.getLength();
+  }
+  return copied == 0 ? text : renamed + text.mid(copied);
+}
+
+bool checkName(const OdString& name, Diagnostic& diagnostic) {
+  const auto refuse = [&diagnostic](int column, const OdString& found, const OdString& expected) {
+    diagnostic = {Diagnostic::Kind::kSyntax, column, found, expected, {}};
+    return false;
+  };
+  if (name.isEmpty()) return refuse(1, "an empty name", "a letter or '_'");
+  if (name.getLength() > kMaxNameLength) {
+    return refuse(kMaxNameLength + 1, "a longer name",
+                  OdString().format(L"at most %d characters", kMaxNameLength));
+  }
+  const WideText wide(name);
+  int column = 1;
+  for (const wchar_t ch : wide.view()) {
+    const bool fits = column == 1 ? odIsNameStart(ch) : odIsNamePart(ch);
+    if (!fits) {
+      return refuse(column, "'" + OdString(ch, 1) + "'",
+                    column == 1 ? "a letter or '_'" : "a letter, a digit or '_'");
+    }
+    ++column;
+  }
+  if (isReservedWord(LowerCaseWord(wide.view()).view())) {
+    return refuse(1, "'" + name + "', a word of the language", "another name");
+  }
+  return true;
+}
+
+}  // namespace OdExpression

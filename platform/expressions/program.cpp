@@ -1,0 +1,139 @@
+// Programs: evaluation and the reasons of failures.
+#include "platform/expressions/program.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/expressions/arithmetic.h"
+#include "platform/expressions/functions.h"
+#include "platform/expressions/instruction.h"
+#include "platform/expressions/machine.h"
+#include "platform/expressions/number_text.h"
+
+namespace OdExpression {
+
+namespace {
+
+OdString quoted(double value) { return OdString("'") + numberText(value) + "'"; }
+
+Diagnostic failureOf(const Instruction& step, double a, double b) {
+  Diagnostic diagnostic{Diagnostic::Kind::kEvaluation, step.column, {}, {}, {}};
+  const bool isUnary = step.operation == Operation::kCallUnary;
+  const bool isCall = isUnary || step.operation == Operation::kCallBinary ||
+                      step.operation == Operation::kCallTernary;
+  if (!isFinite(a) || !isFinite(b)) {
+    diagnostic.found = "a name whose value is " + numberText(isFinite(a) ? b : a);
+    diagnostic.expected = "a finite value";
+  } else if (isCall) {
+    const FunctionRow& row = functionRow(step.function);
+    diagnostic.found = OdString(std::string(row.name)) + " of " + quoted(a);
+    if (!isUnary) diagnostic.found += " and " + quoted(b);
+    diagnostic.expected = *row.domain == '\0' ? "finite arguments" : row.domain;
+  } else if (step.operation == Operation::kDivide && b == 0.0) {
+    diagnostic.found = "a division by zero";
+    diagnostic.expected = "a divisor other than 0";
+  } else if (step.operation == Operation::kPower) {
+    diagnostic.found = quoted(a) + " to the power of " + quoted(b);
+    diagnostic.expected = "a base above 0 or a whole exponent, and a smaller power";
+  } else {
+    diagnostic.found = "a value beyond 1.8e308";
+    diagnostic.expected = "smaller values";
+  }
+  return diagnostic;
+}
+
+template <class T>
+std::unique_ptr<T[]> copied(const std::vector<T>& values) {
+  if (values.empty()) return nullptr;
+  auto copy = std::make_unique<T[]>(values.size());
+  std::ranges::copy(values, copy.get());
+  return copy;
+}
+
+}  // namespace
+
+Program::Program() noexcept : m_resultSource(Source::kConstant) {}
+Program::~Program() = default;
+Program::Program(Program&& other) noexcept = default;
+Program& Program::operator=(Program&& other) noexcept = default;
+
+Program::Program(Code&& code)
+    : m_instructions(copied(code.instructions)),
+      m_dimension(code.dimension),
+      m_resultIndex(code.result.index),
+      m_instructionCount(static_cast<OdUInt16>(code.instructions.size())),
+      m_resultSource(code.result.source) {
+  if (m_instructionCount != 0) {
+    m_constants = copied(code.constants);
+    m_constantCount = static_cast<OdUInt16>(code.constants.size());
+  } else if (m_resultSource == Source::kConstant) {
+    m_value = code.constants[m_resultIndex];
+  }
+}
+
+bool Program::isConstant() const noexcept {
+  return m_instructionCount == 0 && m_resultSource == Source::kConstant;
+}
+
+std::vector<OdUInt32> Program::slots() const {
+  std::vector<OdUInt32> slots;
+  const auto add = [&slots](Source source, OdUInt32 index) {
+    if (source == Source::kSlot) slots.push_back(index);
+  };
+  for (OdUInt16 i = 0; i < m_instructionCount; ++i) {
+    add(m_instructions[i].aSource, m_instructions[i].a);
+    add(m_instructions[i].bSource, m_instructions[i].b);
+  }
+  add(m_resultSource, m_resultIndex);
+  std::ranges::sort(slots);
+  const auto repeated = std::ranges::unique(slots);
+  slots.erase(repeated.begin(), repeated.end());
+  return slots;
+}
+
+std::size_t Program::memoryBytes() const noexcept {
+  return sizeof(Program) + m_instructionCount * sizeof(Instruction) +
+         m_constantCount * sizeof(double);
+}
+
+bool Program::evaluate(const double* slots, double& value) const noexcept {
+  double result = m_value;
+  if (m_instructionCount != 0) {
+    double registers[kRegisterCount];
+    const Instruction* const begin = m_instructions.get();
+    const Machine machine{
+        begin, begin + m_instructionCount, {slots, m_constants.get(), registers}, registers};
+    if (machine.run() != nullptr) return false;
+    result = machine.at(m_resultSource, m_resultIndex);
+  } else if (m_resultSource == Source::kSlot) {
+    result = slots[m_resultIndex];
+  }
+  if (!isFinite(result)) return false;
+  value = result;
+  return true;
+}
+
+Diagnostic Program::explain(const double* slots) const {
+  double registers[kRegisterCount] = {};
+  const Instruction* const begin = m_instructions.get();
+  const Machine machine{
+      begin, begin + m_instructionCount, {slots, m_constants.get(), registers}, registers};
+  const Instruction* const step = machine.findFailure();
+  if (step != nullptr) {
+    // A jump has no second operand, other instructions without one repeat the first.
+    const double a = machine.at(step->aSource, step->a);
+    const bool isJump =
+        step->operation == Operation::kJumpIfFalse || step->operation == Operation::kJumpIfTrue;
+    return failureOf(*step, a, isJump ? a : machine.at(step->bSource, step->b));
+  }
+  Diagnostic diagnostic{Diagnostic::Kind::kEvaluation, 1, {}, "a finite value", {}};
+  double value = 0.0;
+  if (evaluate(slots, value)) {
+    diagnostic.found = "the value " + numberText(value);
+  } else {
+    diagnostic.found = "a name whose value is " + numberText(slots[m_resultIndex]);
+  }
+  return diagnostic;
+}
+
+}  // namespace OdExpression
