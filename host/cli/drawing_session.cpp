@@ -6,12 +6,12 @@
 
 #include "host/cli/cli_error.h"
 #include "host/cli/failed_inputs.h"
+#include "host/cli/modeler_loading.h"
 #include "host/cli/text_output.h"
 #include "platform/base/error.h"
 #include "platform/db/read_faults.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "platform/modeler/modeler.h"
-#include "platform/modeler_occt/occt_modeler.h"
 #include "platform/modeler_wall/walled_modeler.h"
 #include "platform/runtime/runtime_init.h"
 #include "platform/rx/dynamic_linker.h"
@@ -107,14 +107,16 @@ void DrawingSession::stop() {
 
 // Inputs are kept by the process that handed them to a worker: that one outlives the failure.
 void DrawingSession::installModeler() {
-  odInstallOcctModeler();
-  if (m_settings.keepFailed.empty()) return;
+  if (m_settings.keepFailed.empty()) {
+    odSetModelerSource(&loadModeler);
+    return;
+  }
   m_failedInputs = std::make_unique<FailedInputs>(m_settings.keepFailed);
   OdWallSettings settings;
   settings.onFailure = [this](const OdWallFailure& failure) {
     m_failedInputs->keep(failure, *m_services);
   };
-  odSetModeler(odCreateWalledModeler(odCreateOcctModeler(), std::move(settings)));
+  odSetModeler(odCreateWalledModeler(loadModeler(), std::move(settings)));
 }
 
 void DrawingSession::collectReadFaults() {

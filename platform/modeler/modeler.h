@@ -1,6 +1,7 @@
 // The interface of a solid modeller.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <span>
 
@@ -101,8 +102,16 @@ class OdModeler {
 /// uses the modeller.
 void odSetModeler(std::shared_ptr<OdModeler> modeler);
 
+/// Makes a modeller. May raise OdError.
+using OdModelerSource = std::function<std::shared_ptr<OdModeler>()>;
+
+/// Installs a modeller that is made when it is first asked for, for hosts that often need none: a
+/// modeller is much code to load. What `source` raises reaches who asks, and the next one asks it
+/// again; when it gives null there is no modeller. It must not ask for the modeller itself.
+void odSetModelerSource(OdModelerSource source);
+
 /// The installed modeller. Raises OdError eNoModeler when there is none.
 OdModeler& odModeler();
 
-/// True when a modeller is installed.
+/// True when a modeller is installed, made or not.
 [[nodiscard]] bool odHasModeler();

@@ -84,8 +84,14 @@ class Modeler final : public OdModeler {
 
 std::shared_ptr<OdModeler> odCreateOcctModeler() { return std::make_shared<od_occt::Modeler>(); }
 
-void odInstallOcctModeler() {
+void odMakeOcctModeler(std::shared_ptr<OdModeler>& result) {
   // Callers get a status; console lines of the modeller would only spoil the program's output.
   Message::DefaultMessenger()->ChangePrinters().Clear();
-  odSetModeler(odCreateOcctModeler());
+  result = odCreateOcctModeler();
+}
+
+void odInstallOcctModeler() {
+  std::shared_ptr<OdModeler> modeler;
+  odMakeOcctModeler(modeler);
+  odSetModeler(std::move(modeler));
 }

@@ -13,3 +13,7 @@ class OdModeler;
 /// Creates a modeller and makes it the process's own (odSetModeler). Silences the modeller's own
 /// console messages.
 void odInstallOcctModeler();
+
+/// Makes a modeller that is silent on the console, for programs that load this library at run time:
+/// the entry has a plain name.
+extern "C" void odMakeOcctModeler(std::shared_ptr<OdModeler>& result);
