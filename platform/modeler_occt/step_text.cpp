@@ -248,9 +248,10 @@ class StepText::Scanner {
   }
 
   void addInstance(const Statement& statement, std::string_view text) {
-    std::size_t at = text.starts_with('#') ? 1 : 0;
+    if (!text.starts_with('#')) return drop(statement, "is no instance");
+    std::size_t at = 1;
     while (at < text.size() && isDigit(text[at])) ++at;
-    const auto id = at < 2 ? std::nullopt : parsed<OdUInt64>(text.substr(1, at - 1));
+    const auto id = parsed<OdUInt64>(text.substr(1, at - 1));
     at = afterBlank(text, at);
     if (!id || *id == 0 || at >= text.size() || text[at] != '=') {
       return drop(statement, "is no instance");

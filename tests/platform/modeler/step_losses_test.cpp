@@ -162,6 +162,7 @@ TEST_F(OdModelerStepLosses, DamageIsNamed) {
   };
   const Row rows[] = {
       {replaced(text, vertex, ""), L"1 instance is missing: " + OdString(number)},
+      {replaced(text, vertex, vertex.substr(1)), L"1 statement cannot be read"},
       {replaced(text, vertex, vertex + vertex), L"used by more than one instance: "},
       {extended(text, "#99990=CARTESIAN_POINT'',(0.,0.,0.));\n"), L"1 statement cannot be read"},
       {extended(text, "#99991=TESSELLATED_SOLID('net',(),$);\n"),
