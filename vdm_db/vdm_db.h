@@ -1,6 +1,8 @@
 // Everything that the module offers to hosts and other modules.
 #pragma once
 
+#include "vdm_db/associations/vdm_assoc_utils.h"
+#include "vdm_db/associations/vdm_entity_assoc_attribute.h"
 #include "vdm_db/cloning/vdm_remapping_operation_bracket.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/common/vdm_object_id_hash.h"
@@ -48,6 +50,7 @@
 #include "vdm_db/features/vdm_sheet_metal_source.h"
 #include "vdm_db/features/vdm_simple_feature_interface.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
+#include "vdm_db/instances/vdm_instance_tree.h"
 #include "vdm_db/model/vdm_db_feature_reactor.h"
 #include "vdm_db/model/vdm_db_object.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
@@ -65,6 +68,7 @@
 #include "vdm_db/properties/vdm_property_mapping.h"
 #include "vdm_db/properties/vdm_serialized_object.h"
 #include "vdm_db/properties/vdm_trans_dwg_filer.h"
+#include "vdm_db/references/vdm_clone_mapping.h"
 #include "vdm_db/references/vdm_compound_object_id.h"
 #include "vdm_db/references/vdm_database_handles.h"
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"

@@ -280,6 +280,7 @@ OdDbObjectPtr OdDbCloner::makeClone(const OdDbObject* source, OdDbObject* owner,
   enterPair(pair);
   if (!m_state.ids.empty() || source->hasXData()) {
     m_state.untranslated.push_back(id);
+    clone->setOdDbObjectIdsInFlux();
   }
   if (isPrimary && owner != nullptr && replaced.isNull()) {
     clone->appendToOwner(pair, owner, m_mapping);

@@ -168,6 +168,14 @@ class OdDbObject : public OdGiDrawable {
   /// Called for a clone when its owner is to learn of it; containers override what they need.
   virtual void appendToOwner(OdDbIdPair& pair, OdDbObject* owner, OdDbIdMapping& mapping);
 
+  /// The object holds ids of the object that it is a copy of: they wait for translation, and what
+  /// they name is not yet what the object is to refer to. True for clones until their operation
+  /// translates them, and for what setOdDbObjectIdsInFlux() has marked. Not filed.
+  [[nodiscard]] bool isOdDbObjectIdsInFlux() const { return (m_bits & kBitIdsInFlux) != 0; }
+  /// For an operation that copies an object by its own means; it ends when ids are translated, or
+  /// when the object leaves memory.
+  void setOdDbObjectIdsInFlux() { m_bits |= kBitIdsInFlux; }
+
   virtual void audit(OdDbAuditInfo* info);
 
   // What this object hears as a persistent reactor of another one. It is open for notify.
@@ -215,6 +223,7 @@ class OdDbObject : public OdGiDrawable {
     kBitClosing = 1u << 6,
     kBitInternalWrite = 1u << 7,  ///< the runtime itself fills the object
     kBitProxy = 1u << 8,
+    kBitIdsInFlux = 1u << 9,
   };
   struct Extra;  // what few objects have: reactors, extension dictionary, extended data
 

@@ -1,10 +1,12 @@
 // Where drawings come from: new, from a file, from what is left of one.
 #include "platform/db/host_app_services.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <map>
 #include <string>
+#include <utility>
 
 #include "platform/base/error.h"
 #include "platform/db/audit_info.h"
@@ -12,7 +14,29 @@
 #include "platform/db/db_object.h"
 #include "platform/db/default_content.h"
 
+namespace fs = std::filesystem;
+
 namespace {
+
+constexpr OdInt16 kMaxParameterCopyMode = 4;
+
+fs::path pathOf(const OdString& text) { return fs::path(std::string(text.utf8())); }
+
+OdString fileAt(const fs::path& path) {
+  std::error_code failure;
+  return fs::is_regular_file(path, failure) ? OdString(path.string()) : OdString();
+}
+
+// One spelling per folder.
+fs::path folderOf(const OdString& text) {
+  const fs::path path = pathOf(text).lexically_normal();
+  return path.has_filename() ? path : path.parent_path();
+}
+
+// From the folder that it is relative to.
+bool leadsOut(const fs::path& path) {
+  return std::ranges::find(path, fs::path("..")) != path.end();
+}
 
 /// Keeps what a recovery finds until all of it is known.
 class RecoveredItems : public OdDbRecoverySink {
@@ -120,14 +144,44 @@ OdDbDatabasePtr OdDbHostAppServices::recoverFile(const OdString& path, OdStringA
 }
 
 OdString OdDbHostAppServices::findFile(const OdString& name, const OdDbDatabase* database) {
-  namespace fs = std::filesystem;
-  std::error_code failure;
-  fs::path path(std::string(name.utf8()));
-  if (!path.is_absolute()) {
-    if (database == nullptr || database->getFilename().isEmpty()) return OdString();
-    path = fs::path(std::string(database->getFilename().utf8())).parent_path() / path;
+  if (name.isEmpty()) return OdString();
+  const fs::path path = pathOf(name);
+  if (path.is_absolute()) return fileAt(path);
+  if (database != nullptr && !database->getFilename().isEmpty()) {
+    const OdString beside = fileAt(pathOf(database->getFilename()).parent_path() / path);
+    if (!beside.isEmpty()) return beside;
   }
-  return fs::is_regular_file(path, failure) ? OdString(path.string()) : OdString();
+  if (leadsOut(path)) return OdString();
+  for (const OdString& folder : std::as_const(m_searchFolders)) {
+    const OdString found = fileAt(pathOf(folder) / path);
+    if (!found.isEmpty()) return found;
+  }
+  return OdString();
+}
+
+void OdDbHostAppServices::addSearchFolder(const OdString& folder) {
+  const fs::path path = folderOf(folder);
+  if (!path.is_absolute()) {
+    throw OdError(eInvalidInput, L"search folder \"" + folder + L"\": not an absolute path");
+  }
+  std::error_code failure;
+  if (!fs::is_directory(path, failure)) {
+    throw OdError(eFileNotFound, L"search folder \"" + folder + L"\": no such folder");
+  }
+  const OdString normal(path.string());
+  if (!m_searchFolders.contains(normal)) m_searchFolders.append(normal);
+}
+
+bool OdDbHostAppServices::removeSearchFolder(const OdString& folder) {
+  return m_searchFolders.remove(OdString(folderOf(folder).string()));
+}
+
+void OdDbHostAppServices::setParameterCopyMode(OdInt16 mode) {
+  if (mode < 0 || mode > kMaxParameterCopyMode) {
+    throw OdError(eInvalidInput, "parameter copy mode " + std::to_string(mode) +
+                                     ", expected 0 to " + std::to_string(kMaxParameterCopyMode));
+  }
+  m_parameterCopyMode = mode;
 }
 
 bool OdDbHostAppServices::isReadyForDisplay(const OdDbDatabase*) { return true; }

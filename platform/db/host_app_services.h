@@ -34,9 +34,21 @@ class OdDbHostAppServices {
   /// line for each thing lost. Null when nothing is intact.
   OdDbDatabasePtr recoverFile(const OdString& path, OdStringArray& report, OdStatus& status);
 
-  /// Full path of a file named in a drawing: an absolute path as it is, otherwise beside
-  /// `database`'s own file. Empty when there is none.
+  /// Full path of a file that a drawing or the host names; empty when there is none. In order:
+  ///
+  /// 1. An absolute path is taken as it is.
+  /// 2. Otherwise beside `database`'s own file, when it has one.
+  /// 3. Otherwise in the search folders, first to last. A name that leads out of a folder (with
+  ///    "..") is not looked for there.
+  ///
+  /// The current folder of the process is never searched.
   virtual OdString findFile(const OdString& name, const OdDbDatabase* database);
+  /// Adds a folder to the end of the search folders; one that is there already stays where it is.
+  /// Raises eInvalidInput for a path that is not absolute and eFileNotFound when it is no folder.
+  void addSearchFolder(const OdString& folder);
+  /// False when it was not there.
+  bool removeSearchFolder(const OdString& folder);
+  [[nodiscard]] const OdStringArray& searchFolders() const { return m_searchFolders; }
   /// One line for the user or the log; standard error by default.
   virtual void message(const OdString& line);
 
@@ -44,9 +56,11 @@ class OdDbHostAppServices {
   /// while it loads or converts one. True by default.
   [[nodiscard]] virtual bool isReadyForDisplay(const OdDbDatabase* database);
 
-  /// How parameters are copied when blocks are cloned: 0 to 4, 1 at start.
-  [[nodiscard]] int parameterCopyMode() const { return m_parameterCopyMode; }
-  void setParameterCopyMode(int mode) { m_parameterCopyMode = mode; }
+  /// How parameters are copied when blocks are cloned: 0 to 4, 1 at start. The host gives the
+  /// numbers their meaning; the module sets 3 while it clones a block.
+  [[nodiscard]] OdInt16 parameterCopyMode() const { return m_parameterCopyMode; }
+  /// Raises eInvalidInput for another number; the mode stays then.
+  void setParameterCopyMode(OdInt16 mode);
 
   [[nodiscard]] OdDbRecordStoreFactory* recordStoreFactory() const { return m_factory.get(); }
 
@@ -54,5 +68,6 @@ class OdDbHostAppServices {
   OdDbDatabasePtr makeEmpty();
 
   std::shared_ptr<OdDbRecordStoreFactory> m_factory;
-  int m_parameterCopyMode = 1;
+  OdStringArray m_searchFolders;  // absolute, each once
+  OdInt16 m_parameterCopyMode = 1;
 };

@@ -10,6 +10,7 @@ list(APPEND VDM_DB_SOURCES
   drawing_utils/vdm_dictionary_utils.cpp
   drawing_utils/vdm_display_utils.cpp
   drawing_utils/vdm_long_transaction_utils.cpp
+  drawing_utils/vdm_parameter_copy_mode.cpp
   drawing_utils/vdm_reactor_utils.cpp
   drawing_utils/vdm_res_buf_utils.cpp
   drawing_utils/vdm_string_utils.cpp
@@ -27,6 +28,7 @@ list(APPEND VDM_DB_HEADERS
   drawing_utils/vdm_display_utils.h
   drawing_utils/vdm_iterator_utils.h
   drawing_utils/vdm_long_transaction_utils.h
+  drawing_utils/vdm_parameter_copy_mode.h
   drawing_utils/vdm_reactor_utils.h
   drawing_utils/vdm_res_buf_utils.h
   drawing_utils/vdm_string_utils.h

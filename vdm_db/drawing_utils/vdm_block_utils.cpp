@@ -6,36 +6,19 @@
 #include "platform/base/error.h"
 #include "platform/db/block_table.h"
 #include "platform/db/database.h"
-#include "platform/db/host_app_services.h"
 #include "platform/db/selection_filter.h"
 #include "platform/db/units.h"
 #include "platform/entities/block_reference.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/drawing_utils/vdm_object_id_class.h"
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"
+#include "vdm_db/drawing_utils/vdm_parameter_copy_mode.h"
 #include "vdm_db/drawing_utils/vdm_string_utils.h"
 
 namespace {
 
 constexpr double kScaleTolerance = 1e-10;  // a change of a double counts beyond this
 constexpr int kMaxOwnerDepth = 100000;     // owners above each other form a cycle beyond this
-constexpr int kCopyParametersWithBlock = 3;
-
-/// Sets the host's mode of copying parameters and puts the old one back.
-class ParameterCopyMode {
- public:
-  ParameterCopyMode(OdDbHostAppServices* services, int mode)
-      : m_services(services), m_previous(services->parameterCopyMode()) {
-    m_services->setParameterCopyMode(mode);
-  }
-  ~ParameterCopyMode() { m_services->setParameterCopyMode(m_previous); }
-  ParameterCopyMode(const ParameterCopyMode&) = delete;
-  ParameterCopyMode& operator=(const ParameterCopyMode&) = delete;
-
- private:
-  OdDbHostAppServices* m_services;
-  int m_previous;
-};
 
 // Without erased ones.
 OdDbObjectIdArray liveEntities(const OdDbBlockTableRecord* block) {
@@ -143,7 +126,7 @@ OdDbObjectId cloneBlock(OdDbObjectId source, bool deferXlation,
   if (block.isNull()) return OdDbObjectId::kNull;
   if (mapping.isNull()) mapping = OdDbIdMapping::createObject(OdDb::kDcObjects);
   {
-    const ParameterCopyMode mode(from->database()->appServices(), kCopyParametersWithBlock);
+    const VdmParameterCopyModeElevate mode(from->database());
     const OdDbBlockTableRecordPtr to = block.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite);
     to->setOrigin(from->origin());
     to->setComments(from->comments());

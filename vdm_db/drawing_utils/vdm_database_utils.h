@@ -8,6 +8,7 @@
 #include "vdm_db/drawing_utils/vdm_display_utils.h"
 #include "vdm_db/drawing_utils/vdm_iterator_utils.h"
 #include "vdm_db/drawing_utils/vdm_long_transaction_utils.h"
+#include "vdm_db/drawing_utils/vdm_parameter_copy_mode.h"
 #include "vdm_db/drawing_utils/vdm_reactor_utils.h"
 #include "vdm_db/drawing_utils/vdm_res_buf_utils.h"
 #include "vdm_db/drawing_utils/vdm_string_utils.h"

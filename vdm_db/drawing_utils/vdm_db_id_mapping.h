@@ -9,12 +9,17 @@
 
 /// From one id to another, such as from a block to its clone.
 class VDM_DB_EXPORT VdmDbIdMapping {
+  using Values = std::unordered_map<OdDbObjectId, OdDbObjectId, vdmu::OdDbObjectIdHash>;
+
  public:
   /// False, with the first value kept, when the key is there.
   bool add(OdDbObjectId key, OdDbObjectId value);
   /// Null without the key.
   [[nodiscard]] OdDbObjectId find(OdDbObjectId key) const;
+  /// Pairs of key and value, in no order.
+  [[nodiscard]] Values::const_iterator begin() const { return m_values.begin(); }
+  [[nodiscard]] Values::const_iterator end() const { return m_values.end(); }
 
  private:
-  std::unordered_map<OdDbObjectId, OdDbObjectId, vdmu::OdDbObjectIdHash> m_values;
+  Values m_values;
 };

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "platform/base/error.h"
+#include "vdm_db/associations/vdm_entity_assoc_attribute.h"
 #include "vdm_db/cloning/vdm_remapping_operation_bracket.h"
 #include "vdm_db/concrete_features/vdm_diff_feature.h"
 #include "vdm_db/concrete_features/vdm_drafting_group_feature.h"
@@ -85,6 +86,7 @@ constexpr ClassRow kClassRows[] = {
     rowOf<VdmSimpleFeatureInterface>(),
     rowOf<VdmDbAssemblyPE>(),
     rowOf<vdmu::VdmRemappingOperationBracket>(),
+    rowOf<vdm_assoc::EntityAssocAttribute>(),
 };
 
 bool isOfTable(const OdRxClass* rxClass) {

@@ -1,5 +1,6 @@
 # Paths to entities and subentities, compound ids, handles of drawings, maps over them.
 list(APPEND VDM_DB_SOURCES
+  references/vdm_clone_mapping.cpp
   references/vdm_compound_object_id.cpp
   references/vdm_database_handles.cpp
   references/vdm_dependencies_replacement_map.cpp
@@ -9,6 +10,7 @@ list(APPEND VDM_DB_SOURCES
   references/vdm_path_utils_compare.cpp
 )
 list(APPEND VDM_DB_HEADERS
+  references/vdm_clone_mapping.h
   references/vdm_compound_object_id.h
   references/vdm_database_handles.h
   references/vdm_dependencies_replacement_map.h

@@ -89,6 +89,8 @@ const std::vector<ClassRow> kClassRows = {
     {[] { return VdmDbAssemblyPE::desc(); }, L"VdmDbAssemblyPE", L"OdRxObject", false, L"", L""},
     {[] { return vdmu::VdmRemappingOperationBracket::desc(); }, L"VdmRemappingOperationBracket",
      L"OdRxObject", false, L"", L""},
+    {[] { return vdm_assoc::EntityAssocAttribute::desc(); }, L"EntityAssocAttribute", L"OdRxObject",
+     true, L"", L""},
 };
 
 std::vector<OdRxClass*> registered() {
