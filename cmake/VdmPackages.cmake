@@ -8,6 +8,7 @@
 #   CLI11::CLI11  nlohmann_json::nlohmann_json
 #                                           command line and machine output
 #   PNG::PNG                                pictures
+#   udunits::udunits                        units beyond those of drawings
 #   GTest::gtest_main GTest::gmock          tests
 
 find_package(ICU REQUIRED COMPONENTS uc i18n)
@@ -33,6 +34,10 @@ function(_vdm_plain_library target header library)
   endif()
 endfunction()
 _vdm_plain_library(vdm::xxhash xxhash.h xxhash)
+_vdm_plain_library(udunits::udunits udunits2.h udunits2)
+# The list of units that the library reads when it is first needed.
+find_file(VDM_UNITS_FILE udunits2.xml PATH_SUFFIXES share/xml/udunits share/udunits REQUIRED)
+mark_as_advanced(VDM_UNITS_FILE)
 
 # The modeller's own package description asks for development files of libraries that only its
 # sources need (threading, visualisation), so its toolkits are looked up one by one.

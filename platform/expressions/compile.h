@@ -22,7 +22,8 @@ struct Binding {
 class OD_API NameScope {
  public:
   virtual ~NameScope();
-  /// Nothing when the name is unknown. Asked once for each mention of a name, in order.
+  /// Nothing when the name is unknown. Asked once for each mention of a name, in order, and for a
+  /// unit right after a slash (`6 mm/s`), which must not be a name as well.
   [[nodiscard]] virtual std::optional<Binding> find(const OdString& name) = 0;
 };
 

@@ -250,6 +250,26 @@ Unit readUnit(Scanner& scanner, const UnitContext& context) {
   return inBase(readUnitInMetres(scanner, context.scope, Marks::kLengths), context, column);
 }
 
+Unit readUnitText(Scanner& scanner) {
+  Unit unit;
+  bool mustDivide = scanner.is(Token::kNumber) && scanner.number() == 1.0;
+  if (mustDivide) scanner.advance();
+  bool isFirst = !mustDivide;
+  while (!scanner.is(Token::kEnd) || isFirst) {
+    const bool hasSlash = scanner.is(Token::kDivide) && !isFirst;
+    const bool hasSign = scanner.is(Token::kTimes) || scanner.is(Token::kMiddleDot);
+    if (hasSlash || (hasSign && !isFirst && !mustDivide)) scanner.advance();
+    if ((mustDivide && !hasSlash) || !unitAt(scanner, Marks::kLengths)) scanner.refuse("a unit");
+    const int column = scanner.column();
+    const Unit factor = readFactor(scanner, Marks::kLengths);
+    const std::optional<Unit> joined = hasSlash ? quotient(unit, factor) : product(unit, factor);
+    if (!joined) refusePower(column);
+    unit = *joined;
+    isFirst = mustDivide = false;
+  }
+  return unit;
+}
+
 Literal readLiteral(Scanner& scanner, const UnitContext& context) {
   const Scanner atNumber = scanner;
   Part last = readPart(scanner, context, Marks::kLengths);

@@ -38,6 +38,10 @@ struct Literal {
 [[nodiscard]] bool isAtUnit(const Scanner& scanner);
 /// Reads the unit at the present token, in base units. Raises a Diagnostic.
 [[nodiscard]] Unit readUnit(Scanner& scanner, const UnitContext& context);
+/// Reads a text that is a unit from its beginning to its end, in metres. Products may also be
+/// written with `*`, spaces are free, and a leading 1 is allowed: "kg * m / s^2", "1/s". Raises a
+/// Diagnostic.
+[[nodiscard]] Unit readUnitText(Scanner& scanner);
 /// Reads the literal at the present token, a number. Raises a Diagnostic.
 [[nodiscard]] Literal readLiteral(Scanner& scanner, const UnitContext& context);
 

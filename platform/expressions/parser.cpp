@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "platform/expressions/unit_library.h"
 #include "platform/expressions/words.h"
 
 namespace OdExpression {
@@ -88,15 +89,34 @@ Parser::Parser(std::wstring_view text, std::vector<Mention>& mentions)
       m_rules(DimensionRules::Strictness::kUnchecked, {}) {}
 
 Code Parser::parse() {
+  try {
+    return parseText();
+  } catch (const UnitsUnreadable& failure) {
+    throw Diagnostic{Diagnostic::Kind::kSyntax,
+                     m_scanner.column(),
+                     m_scanner.shown(),
+                     "the list of units in " + OdString(failure.file) + ", which cannot be read",
+                     {}};
+  }
+}
+
+Code Parser::parseText() {
   const Value value = parseChoice();
-  if (!m_scanner.is(Token::kEnd)) m_scanner.refuse("an operator or the end");
+  if (!m_scanner.is(Token::kEnd)) refuseNoOperator("the end");
   if (m_required) m_rules.requireResult(value, *m_required);
   return m_code.finish(value);
 }
 
 void Parser::expect(Token token, const OdString& shown) {
-  if (!m_scanner.is(token)) m_scanner.refuse("an operator or " + shown);
+  if (!m_scanner.is(token)) refuseNoOperator(shown);
   m_scanner.advance();
+}
+
+/// At a token that can only follow an operator. A word is either a misspelt unit or a forgotten
+/// sign of multiplication.
+void Parser::refuseNoOperator(const OdString& alternative) const {
+  if (!m_scanner.is(Token::kName)) m_scanner.refuse("an operator or " + alternative);
+  m_scanner.refuse("a unit, an operator or " + alternative, "* " + nameText(m_scanner.word()));
 }
 
 // ---- Choices and logic
@@ -295,7 +315,7 @@ Value Parser::parseName() {
     return CodeBuilder::slot(binding->slot, binding->dimension, column);
   }
   throw Diagnostic{Diagnostic::Kind::kUnknownName, column, atName.shown(), "a known name",
-                   findUnit(word) ? "1 " + name + " for the unit" : OdString()};
+                   isUnit(word) ? "1 " + name + " for the unit" : OdString()};
 }
 
 // ---- Calls

@@ -32,6 +32,7 @@ class Parser {
   struct Operator;
   class Depth;
 
+  Code parseText();
   Value parseChoice();
   Value parseBranches(const Value& condition, Token separator, int column);
   Value parseBinary(int precedence);
@@ -52,6 +53,7 @@ class Parser {
   Value calledWithMore(const FunctionRow& row, const Value& first, const Value& next, int position,
                        int column);
   void expect(Token token, const OdString& shown);
+  [[noreturn]] void refuseNoOperator(const OdString& alternative) const;
 
   [[nodiscard]] const Operator* operatorAt() const;
 

@@ -60,6 +60,8 @@ std::optional<Unit> findOwn(std::wstring_view word) {
   return std::nullopt;
 }
 
+bool isPowerDigit(wchar_t ch) { return ch >= L'1' && ch <= L'9'; }
+
 bool isCapital(wchar_t ch) { return ch >= L'A' && ch <= L'Z'; }
 
 std::optional<Unit> findInCapitals(std::wstring_view word) {
@@ -74,8 +76,20 @@ std::optional<Unit> findInCapitals(std::wstring_view word) {
 
 std::optional<Unit> findUnit(std::wstring_view word) {
   if (auto own = findOwn(word)) return own;
+  if (isPowerDigit(word.back())) {
+    const auto unit = findUnit(word.substr(0, word.size() - 1));
+    return unit ? raised(*unit, static_cast<int>(word.back() - L'0')) : std::nullopt;
+  }
   if (auto foreign = findInLibrary(word)) return foreign;
   return findInCapitals(word);
+}
+
+bool isUnit(std::wstring_view word) {
+  try {
+    return findUnit(word).has_value();
+  } catch (const UnitsUnreadable&) {
+    return false;
+  }
 }
 
 std::optional<Unit> product(const Unit& a, const Unit& b) {

@@ -19,8 +19,11 @@ struct Unit {
 
 /// By its symbol or its name; nothing for a word that is no unit. Looks at the drawing units, at
 /// the angles and then at the library of units. Case matters, since m and M differ; a symbol or
-/// name that has no capitals may also be written in capitals alone.
+/// name that has no capitals may also be written in capitals alone. A last digit is a power: m3.
+/// Raises UnitsUnreadable.
 [[nodiscard]] std::optional<Unit> findUnit(std::wstring_view word);
+/// True for a word that is known to be a unit; raises nothing.
+[[nodiscard]] bool isUnit(std::wstring_view word);
 
 /// Nothing when a power of the result leaves its range.
 [[nodiscard]] std::optional<Unit> product(const Unit& a, const Unit& b);

@@ -238,6 +238,7 @@ std::span<const ForeignRule> foreignRules() {
       {"CLI11", {"CLI/"}, {"host/cli"}},
       {"nlohmann-json", {"nlohmann/"}, {"host/cli", "host/rendering"}},
       {"libpng", {"png.h"}, {"host/rendering"}},
+      {"UDUNITS", {"udunits2.h"}, {kExpressions}},
   };
   return rules;
 }

@@ -10,6 +10,7 @@
 #include "platform/expressions/compile.h"
 #include "platform/expressions/names.h"
 #include "platform/expressions/number_text.h"
+#include "platform/expressions/unit_factor.h"
 
 namespace {
 
@@ -29,9 +30,13 @@ class TestScope : public OdExpression::NameScope {
 
   std::optional<Binding> find(const OdString& name) override {
     static const std::map<OdString, Binding> kNames = {
-        {"width", {0, Dimension::length()}}, {"height", {1, Dimension::length()}},
-        {"face", {2, Dimension::length(2)}}, {"tilt", {3, Dimension::angle()}},
-        {"d1", {4, Dimension::plain()}},     {OdString(L"gr\u00f6\u00dfe"), {5, {}}},
+        {"width", {0, Dimension::length()}},
+        {"height", {1, Dimension::length()}},
+        {"face", {2, Dimension::length(2)}},
+        {"tilt", {3, Dimension::angle()}},
+        {"d1", {4, Dimension::plain()}},
+        {OdString(L"gr\u00f6\u00dfe"), {5, {}}},
+        {"s", {5, {}}},
     };
     for (const auto& [known, binding] : kNames) {
       if (odStrIEqual(known, name)) return binding;
@@ -65,6 +70,14 @@ struct ValueRow {
   double value;
   const char* dimension = "plain number";
 };
+
+void expectValue(const ValueRow& row) {
+  const Outcome outcome = outcomeOf(row.text);
+  const OdString shown(row.text);
+  EXPECT_NEAR(outcome.value, row.value, 1e-14 * std::abs(row.value))
+      << shown << ": " << outcome.diagnostic.text();
+  EXPECT_EQ(outcome.dimension.text(), row.dimension) << shown;
+}
 
 TEST(Expression, HasTheValueOfItsText) {
   const double degree = std::numbers::pi / 180.0;
@@ -139,13 +152,60 @@ TEST(Expression, HasTheValueOfItsText) {
       {L"d1 - (d1 - (d1 - (d1 - width)))", 10, "length"},
       {L"2 * pi", 2 * std::numbers::pi},
   };
-  for (const ValueRow& row : rows) {
-    const Outcome outcome = outcomeOf(row.text);
-    const std::string shown(OdString(row.text).utf8());
-    EXPECT_NEAR(outcome.value, row.value, 1e-14 * std::abs(row.value))
-        << shown << ": " << outcome.diagnostic.text();
-    EXPECT_EQ(outcome.dimension.text(), row.dimension) << shown;
+  for (const ValueRow& row : rows) expectValue(row);
+}
+
+TEST(Expression, ReadsUnits) {
+  const double arcMinute = std::numbers::pi / 10800.0;
+  const ValueRow rows[] = {
+      {L"3 kg/m^3", 3e-9, "density"},
+      {L"3 kg/m3", 3e-9, "density"},
+      {L"5 N", 5000, "force"},
+      {L"5 N m", 5e6, "energy"},
+      {L"5 N\u00b7m", 5e6, "energy"},
+      {L"1 kPa", 1, "pressure"},
+      {L"1 l", 1e6, "volume"},
+      {L"30\u00b0 15' 20\"", (1815 + 1.0 / 3) * arcMinute, "angle"},
+      {L"30 rpm", std::numbers::pi, "frequency"},
+      {L"3 \u00b5in", 76.2e-6, "length"},
+      {L"3 \u03bcm", 3e-3, "length"},
+      {L"10 MM", 10, "length"},
+      {L"10 Mm", 1e10, "length"},
+      {L"6 mm/day * 2 day", 12, "length"},
+      {L"6 mm/width", .6, "ratio"},
+      {L"6 mm / s", 2, "length"},
+      {L"1 AU/1 ly", 1.0 / 63241.07708426628, "ratio"},
+      {L"2 mm\u00b2", 2, "area"},
+      {L"1 lb", .45359237, "mass"},
+      {L"2 s^-1", 2, "frequency"},
+  };
+  for (const ValueRow& row : rows) expectValue(row);
+  for (const wchar_t* text : {L"20 degC", L"2 pi", L"5 per", L"5 mm^2^2", L"7 kg/m s",
+                              L"3 ft\u00b7", L"5 m^11", L"9 e2m", L"6 mm/s"}) {
+    EXPECT_TRUE(std::isnan(outcomeOf(text).value)) << OdString(text);
   }
+}
+
+TEST(Expression, ConvertsBetweenUnitTexts) {
+  struct Row {
+    const char* from;
+    const char* to;
+    double factor;
+  };
+  double factor = NAN;
+  Diagnostic diagnostic;
+  for (const Row& row : {Row{"kg/m^3", "g/cm^3", 1e-3}, Row{"kg * m / s^2", "N", 1},
+                         Row{"1/s", "Hz", 1}, Row{"miles", "\xc2\xb5in", 1609.344 / 2.54e-8},
+                         Row{"deg", "rad", std::numbers::pi / 180}}) {
+    ASSERT_TRUE(unitFactor(row.from, row.to, factor, diagnostic)) << row.from << diagnostic.text();
+    EXPECT_DOUBLE_EQ(factor, row.factor) << row.from;
+  }
+  for (const auto& [from, to] :
+       {std::pair{"m", "s"}, {"", "m"}, {"m", "m*"}, {"2 m", "m"}, {"degC", "K"}}) {
+    EXPECT_FALSE(unitFactor(from, to, factor, diagnostic)) << from;
+    EXPECT_EQ(diagnostic.column, from == OdString("m") && to == OdString("m*") ? 3 : 1) << from;
+  }
+  EXPECT_DOUBLE_EQ(factor, std::numbers::pi / 180);
 }
 
 TEST(Expression, CountsLengthsInTheDrawingsUnit) {
