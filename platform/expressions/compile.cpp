@@ -2,7 +2,7 @@
 #include "platform/expressions/compile.h"
 
 #include "platform/expressions/instruction.h"
-#include "platform/expressions/parser.h"
+#include "platform/expressions/text_parser.h"
 #include "platform/expressions/wide_text.h"
 
 namespace OdExpression {
@@ -30,7 +30,7 @@ bool compile(const OdString& text, NameScope& scope, const CompileOptions& optio
              Program& program, Diagnostic& diagnostic) {
   try {
     const WideText wide(text);
-    program = computed(Program(Parser(wide.view(), scope, options).parse()));
+    program = computed(Program(TextParser(wide.view(), scope, options).parse()));
     return true;
   } catch (const Diagnostic& failure) {
     diagnostic = failure;

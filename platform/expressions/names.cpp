@@ -4,7 +4,7 @@
 #include "platform/base/case_compare.h"
 #include "platform/base/name_characters.h"
 #include "platform/expressions/compile.h"
-#include "platform/expressions/parser.h"
+#include "platform/expressions/text_parser.h"
 #include "platform/expressions/wide_text.h"
 #include "platform/expressions/words.h"
 
@@ -14,7 +14,7 @@ bool listNames(const OdString& text, std::vector<Mention>& mentions, Diagnostic&
   try {
     const WideText wide(text);
     std::vector<Mention> found;
-    (void)Parser(wide.view(), found).parse();
+    (void)TextParser(wide.view(), found).parse();
     mentions = std::move(found);
     return true;
   } catch (const Diagnostic& failure) {

@@ -1,5 +1,5 @@
 // The parser.
-#include "platform/expressions/parser.h"
+#include "platform/expressions/text_parser.h"
 
 #include <string>
 
@@ -11,7 +11,7 @@ namespace OdExpression {
 // ---- Operators
 
 /// An operator between two values.
-struct Parser::Operator {
+struct TextParser::Operator {
   Token token;
   int precedence;
   Operation operation;
@@ -27,7 +27,7 @@ OdString nameText(std::wstring_view word) { return OdString(word.data(), word.si
 
 }  // namespace
 
-const Parser::Operator* Parser::operatorAt() const {
+const TextParser::Operator* TextParser::operatorAt() const {
   static constexpr Operator kOperators[] = {
       {Token::kOr, kOr, Operation::kJumpIfTrue, false, " or "},
       {Token::kAnd, kAnd, Operation::kJumpIfFalse, false, " and "},
@@ -52,9 +52,9 @@ const Parser::Operator* Parser::operatorAt() const {
 // ---- Depth
 
 /// Counts the open recursions.
-class Parser::Depth {
+class TextParser::Depth {
  public:
-  explicit Depth(Parser& parser) : m_parser(parser) {
+  explicit Depth(TextParser& parser) : m_parser(parser) {
     if (m_parser.m_depth == kMaxDepth) {
       throw Diagnostic{Diagnostic::Kind::kLimit,
                        parser.m_scanner.column(),
@@ -69,12 +69,12 @@ class Parser::Depth {
   Depth& operator=(const Depth&) = delete;
 
  private:
-  Parser& m_parser;
+  TextParser& m_parser;
 };
 
 // ---- Entry
 
-Parser::Parser(std::wstring_view text, NameScope& scope, const CompileOptions& options)
+TextParser::TextParser(std::wstring_view text, NameScope& scope, const CompileOptions& options)
     : m_scanner(text),
       m_scope(&scope),
       m_required(options.required),
@@ -82,13 +82,13 @@ Parser::Parser(std::wstring_view text, NameScope& scope, const CompileOptions& o
       m_rules(DimensionRules::Strictness::kChecked,
               m_units.length != nullptr ? OdString(m_units.length->symbol) : OdString()) {}
 
-Parser::Parser(std::wstring_view text, std::vector<Mention>& mentions)
+TextParser::TextParser(std::wstring_view text, std::vector<Mention>& mentions)
     : m_scanner(text),
       m_mentions(&mentions),
       m_units{nullptr, nullptr, false},
       m_rules(DimensionRules::Strictness::kUnchecked, {}) {}
 
-Code Parser::parse() {
+Code TextParser::parse() {
   try {
     return parseText();
   } catch (const UnitsUnreadable& failure) {
@@ -100,28 +100,28 @@ Code Parser::parse() {
   }
 }
 
-Code Parser::parseText() {
+Code TextParser::parseText() {
   const Value value = parseChoice();
   if (!m_scanner.is(Token::kEnd)) refuseNoOperator("the end");
   if (m_required) m_rules.requireResult(value, *m_required);
   return m_code.finish(value);
 }
 
-void Parser::expect(Token token, const OdString& shown) {
+void TextParser::expect(Token token, const OdString& shown) {
   if (!m_scanner.is(token)) refuseNoOperator(shown);
   m_scanner.advance();
 }
 
 /// At a token that can only follow an operator. A word is either a misspelt unit or a forgotten
 /// sign of multiplication.
-void Parser::refuseNoOperator(const OdString& alternative) const {
+void TextParser::refuseNoOperator(const OdString& alternative) const {
   if (!m_scanner.is(Token::kName)) m_scanner.refuse("an operator or " + alternative);
   m_scanner.refuse("a unit, an operator or " + alternative, "* " + nameText(m_scanner.word()));
 }
 
 // ---- Choices and logic
 
-Value Parser::parseChoice() {
+Value TextParser::parseChoice() {
   const Depth depth(*this);
   const Value condition = parseBinary(kLoosest);
   if (!m_scanner.is(Token::kQuestion)) return condition;
@@ -131,7 +131,7 @@ Value Parser::parseChoice() {
 }
 
 /// Both branches leave their value in the register in which the condition was, or in the next one.
-Value Parser::parseBranches(const Value& condition, Token separator, int column) {
+Value TextParser::parseBranches(const Value& condition, Token separator, int column) {
   m_rules.requireTruth(condition);
   const std::size_t toElse = m_code.jumpIf(Operation::kJumpIfFalse, condition, column);
   const Value first = m_code.inRegister(parseChoice());
@@ -146,7 +146,7 @@ Value Parser::parseBranches(const Value& condition, Token separator, int column)
   return second;
 }
 
-Value Parser::parseBinary(int precedence) {
+Value TextParser::parseBinary(int precedence) {
   Value left = m_scanner.is(Token::kNot) && precedence <= kComparison ? parseNot() : parseSigned();
   while (const Operator* op = operatorAt()) {
     if (op->precedence < precedence) break;
@@ -165,7 +165,7 @@ Value Parser::parseBinary(int precedence) {
   return left;
 }
 
-Value Parser::parseNot() {
+Value TextParser::parseNot() {
   const Depth depth(*this);
   const int column = m_scanner.column();
   m_scanner.advance();
@@ -178,7 +178,7 @@ Value Parser::parseNot() {
 }
 
 /// The right value is computed only when the left one does not decide.
-Value Parser::parseLogical(const Operator& op, const Value& left) {
+Value TextParser::parseLogical(const Operator& op, const Value& left) {
   m_rules.requireTruth(left);
   const Value first = m_code.inRegister(m_code.unary(Operation::kTruth, left, left.column));
   const std::size_t toEnd = m_code.jumpIf(op.operation, first, left.column);
@@ -193,7 +193,7 @@ Value Parser::parseLogical(const Operator& op, const Value& left) {
 
 // ---- Arithmetic
 
-Value Parser::joined(const Operator& op, const Value& left, const Value& right, int column) {
+Value TextParser::joined(const Operator& op, const Value& left, const Value& right, int column) {
   Dimension dimension;
   if (op.operation == Operation::kMultiply) {
     dimension = m_rules.product(left, right, column);
@@ -211,7 +211,7 @@ Value Parser::joined(const Operator& op, const Value& left, const Value& right, 
   return result;
 }
 
-Value Parser::parseSigned() {
+Value TextParser::parseSigned() {
   const Token sign = m_scanner.token();
   if (sign != Token::kMinus && sign != Token::kPlus && sign != Token::kExclamation) {
     return parsePower();
@@ -231,7 +231,7 @@ Value Parser::parseSigned() {
   return value;
 }
 
-Value Parser::parsePower() {
+Value TextParser::parsePower() {
   const Value base = parsePrimary();
   if (!m_scanner.is(Token::kPower)) return base;
   const Depth depth(*this);
@@ -240,7 +240,7 @@ Value Parser::parsePower() {
   return raisedTo(base, parseSigned(), column);
 }
 
-Value Parser::raisedTo(const Value& base, const Value& exponent, int column) {
+Value TextParser::raisedTo(const Value& base, const Value& exponent, int column) {
   const Dimension dimension = m_rules.power(base, exponent, column);
   const bool isSquare = exponent.isConstant() && exponent.constant == 2.0 && !base.isConstant();
   Value result = isSquare ? m_code.binary(Operation::kMultiply, base, base, column)
@@ -251,7 +251,7 @@ Value Parser::raisedTo(const Value& base, const Value& exponent, int column) {
 
 // ---- Operands
 
-Value Parser::parsePrimary() {
+Value TextParser::parsePrimary() {
   if (m_scanner.is(Token::kNumber)) {
     const Literal literal = readLiteral(m_scanner, m_units);
     return CodeBuilder::constant(literal.value, literal.dimension, literal.column);
@@ -267,7 +267,7 @@ Value Parser::parsePrimary() {
 }
 
 /// A unit may follow a closing parenthesis.
-Value Parser::withUnit(const Value& value) {
+Value TextParser::withUnit(const Value& value) {
   if (!isAtUnit(m_scanner)) return value;
   const int column = m_scanner.column();
   m_rules.requireNumber(value, "value before a unit");
@@ -279,7 +279,7 @@ Value Parser::withUnit(const Value& value) {
   return result;
 }
 
-Value Parser::parseName() {
+Value TextParser::parseName() {
   const std::wstring_view word = m_scanner.word();
   const int column = m_scanner.column();
   const Scanner atName = m_scanner;
@@ -320,7 +320,7 @@ Value Parser::parseName() {
 
 // ---- Calls
 
-Value Parser::parseCall(const Scanner& atName) {
+Value TextParser::parseCall(const Scanner& atName) {
   const int column = atName.column();
   const LowerCaseWord lower(atName.word());
   if (lower.view() == "if") return withUnit(parseIf(column));
@@ -333,7 +333,7 @@ Value Parser::parseCall(const Scanner& atName) {
   return withUnit(value);
 }
 
-Value Parser::parseIf(int column) {
+Value TextParser::parseIf(int column) {
   const Value condition = parseChoice();
   expect(Token::kComma, "','");
   Value value = parseBranches(condition, Token::kComma, column);
@@ -342,7 +342,7 @@ Value Parser::parseIf(int column) {
   return value;
 }
 
-Value Parser::parseArguments(const FunctionRow& row, int column) {
+Value TextParser::parseArguments(const FunctionRow& row, int column) {
   Value value = parseChoice();
   int count = 1;
   for (; m_scanner.is(Token::kComma) && count < row.mostArguments; ++count) {
@@ -361,7 +361,7 @@ Value Parser::parseArguments(const FunctionRow& row, int column) {
   return value;
 }
 
-Value Parser::calledWithOne(const FunctionRow& row, const Value& argument, int column) {
+Value TextParser::calledWithOne(const FunctionRow& row, const Value& argument, int column) {
   const Dimension dimension = m_rules.called(row, argument, 1);
   const bool isAngle = argument.dimension == Dimension::angle();
   const FunctionRow& called =
@@ -371,8 +371,8 @@ Value Parser::calledWithOne(const FunctionRow& row, const Value& argument, int c
   return result;
 }
 
-Value Parser::calledWithMore(const FunctionRow& row, const Value& first, const Value& next,
-                             int position, int column) {
+Value TextParser::calledWithMore(const FunctionRow& row, const Value& first, const Value& next,
+                                 int position, int column) {
   if (row.rule == FunctionRule::kPower) return raisedTo(first, next, column);
   Value agreed = first;
   if (row.rule == FunctionRule::kLogarithm) {

@@ -18,12 +18,12 @@
 
 namespace OdExpression {
 
-class Parser {
+class TextParser {
  public:
   /// For a program; the names are looked up in the scope.
-  Parser(std::wstring_view text, NameScope& scope, const CompileOptions& options);
+  TextParser(std::wstring_view text, NameScope& scope, const CompileOptions& options);
   /// For the form alone: every name is known, and dimensions are not checked.
-  Parser(std::wstring_view text, std::vector<Mention>& mentions);
+  TextParser(std::wstring_view text, std::vector<Mention>& mentions);
 
   /// Parses the whole text. Raises a Diagnostic.
   [[nodiscard]] Code parse();
