@@ -249,8 +249,9 @@ void OdDbDatabaseImpl::setErased(OdDbIdRecord* idRecord, bool erased) {
     idRecord->clear(OdDbIdRecord::kErased);
   }
   markDirty(idRecord);
-  const OdDbObject* object = idRecord->object;
+  OdDbObject* object = idRecord->object;
   if (object == nullptr) return;
+  object->subExistenceChanged();
   OdDbReactorCalls::tell<const OdDbObject*, bool>(object, &OdDbObject::erased,
                                                   &OdDbObjectReactor::erased, object, erased);
   tellDatabaseReactors([this, object, erased](OdDbDatabaseReactor* reactor) {

@@ -173,6 +173,10 @@ void OdDbObject::downgradeOpen() {
   writeOpensChanged();
 }
 
+void OdDbObject::xmitPropagateModify() {
+  if (isWritable()) writeClosed();
+}
+
 OdDbDwgFiler* OdDbObject::undoFiler() {
   if (m_idRecord == nullptr) return nullptr;
   OdDbDwgFiler* started = OdDbDatabaseImpl::of(m_idRecord).undo.partialFiler(this);
@@ -213,6 +217,8 @@ void OdDbObject::completeErase(bool erasing) {
 OdResult OdDbObject::subErase(bool) { return eOk; }
 
 void OdDbObject::subClose() {}
+
+void OdDbObject::subExistenceChanged() {}
 
 void OdDbObject::audit(OdDbAuditInfo*) {}
 

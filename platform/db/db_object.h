@@ -87,6 +87,8 @@ class OdDbObject : public OdGiDrawable {
   /// Ends what upgradeOpen() began; without one, ends the write opens of the object. Reactors are
   /// told when that was the last.
   void downgradeOpen();
+  /// Tells reactors now what has changed since the write open began, and goes on with it.
+  void xmitPropagateModify();
   /// Filer of the partial undo record that beginPartialUndo() has started for this object; without
   /// one of a new record for the object's own class. The caller writes the fields that
   /// applyPartialUndo() will read. Null when nothing records, and when the span has the whole
@@ -130,8 +132,9 @@ class OdDbObject : public OdGiDrawable {
   /// Keeps the id with the object and files it; a second add of the same id does nothing.
   void addPersistentReactor(const OdDbObjectId& reactor);
   void removePersistentReactor(const OdDbObjectId& reactor);
-  [[nodiscard]] bool hasPersistentReactor(const OdDbObjectId& reactor) const;
-  [[nodiscard]] OdDbObjectIdArray getPersistentReactors() const;
+  /// A class that knows some of its reactors by other means than this list overrides both.
+  [[nodiscard]] virtual bool hasPersistentReactor(const OdDbObjectId& reactor) const;
+  [[nodiscard]] virtual OdDbObjectIdArray getPersistentReactors() const;
   /// Transient; the caller owns the reactor and removes it before it dies.
   void addReactor(OdDbObjectReactor* reactor);
   void removeReactor(OdDbObjectReactor* reactor);
@@ -157,6 +160,9 @@ class OdDbObject : public OdGiDrawable {
   virtual void subIdSwapped();
   /// Called when the last write open closes and something changed, before reactors hear of it.
   virtual void subClose();
+  /// Called when the object was erased or unerased, and when undo takes its creation back or redo
+  /// brings it again, before reactors hear of it.
+  virtual void subExistenceChanged();
 
   // Cloning. deepClone and wblockClone apply the hooks and enter the pair in the mapping.
   OdDbObjectPtr deepClone(OdDbIdMapping& mapping, OdDbObject* owner, bool isPrimary = true) const;

@@ -321,8 +321,9 @@ void OdDbUndoLog::applyPresence(OdDbIdRecord* idRecord, bool present) {
     idRecord->set(kGone);
   }
   m_database.markDirty(idRecord);
-  const OdDbObject* object = idRecord->object;
+  OdDbObject* object = idRecord->object;
   if (object == nullptr) return;
+  object->subExistenceChanged();
   if (present) {
     OdDbReactorCalls::tell<const OdDbObject*>(object, &OdDbObject::reappended,
                                               &OdDbObjectReactor::reappended, object);

@@ -21,9 +21,10 @@ constexpr std::array<std::string_view, 2> kUmbrellas{"platform/platform.h", "vdm
 constexpr std::string_view kBase = "platform/base", kExpressions = "platform/expressions",
                            kRx = "platform/rx", kGe = "platform/ge", kFiler = "platform/filer",
                            kDb = "platform/db", kEntities = "platform/entities",
-                           kCloning = "platform/cloning", kRuntime = "platform/runtime",
-                           kStorage = "platform/storage", kGi = "platform/gi",
-                           kModeler = "platform/modeler", kModelerWall = "platform/modeler_wall",
+                           kAssoc = "platform/assoc", kCloning = "platform/cloning",
+                           kRuntime = "platform/runtime", kStorage = "platform/storage",
+                           kGi = "platform/gi", kModeler = "platform/modeler",
+                           kModelerWall = "platform/modeler_wall",
                            kModelerOcct = "platform/modeler_occt";
 
 bool isBelow(std::string_view path, std::string_view folder) {
@@ -198,18 +199,20 @@ std::vector<FolderRule> makeFolderRules() {
       {kDb, {kBase, kRx, kGe, kFiler, kGi}},
       {kEntities, below},
       {kCloning, below},
-      {kRuntime, {kDb, kEntities, kCloning}},
+      {kAssoc, {kBase, kExpressions, kRx, kGe, kFiler, kGi, kDb}},
+      {kRuntime, {kDb, kEntities, kCloning, kAssoc}},
       {kStorage, below},
       {kModeler, {kBase, kRx, kGe, kFiler, kGi, kDb, kEntities}},
       {kModelerWall, {kBase, kGe, kGi, kModeler}},
       {kModelerOcct, {kBase, kRx, kGe, kFiler, kGi, kDb, kModeler}},
       {"vdm_utils", below},
   };
-  addRooms(table, {kBase, kRx, kGe, kFiler, kGi, kDb, kEntities, kCloning, kModeler, "vdm_utils"},
+  addRooms(table,
+           {kBase, kRx, kGe, kFiler, kGi, kDb, kEntities, kCloning, kAssoc, kModeler, "vdm_utils"},
            {"vdm_db/common", "vdm_db/properties", "vdm_db/drawing_utils", "vdm_db/instances",
             "vdm_db/associations", "vdm_db/references", "vdm_db/model", "vdm_db/constraints",
             "vdm_db/features", "vdm_db/concrete_features", "vdm_db/update",
-            "vdm_db/feature_display", "vdm_db/sheet_metal", "vdm_db/cloning", "vdm_db/module"});
+            "vdm_db/feature_display", "vdm_db/cloning", "vdm_db/module"});
   std::vector<std::string_view> everything;
   for (const FolderRule& rule : table) everything.push_back(rule.folder);
   addRooms(table, everything,

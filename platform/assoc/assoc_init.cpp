@@ -1,0 +1,23 @@
+// Registration of this folder's run-time classes.
+#include "platform/assoc/assoc_init.h"
+
+#include "platform/assoc/assoc_dependency.h"
+#include "platform/assoc/assoc_network.h"
+#include "platform/assoc/assoc_variable.h"
+#include "platform/rx/class_rows.h"
+
+namespace {
+
+// Parents before their children.
+constexpr OdRxClassRow kRows[] = {
+    odrxClassRow<OdDbEvalVariant>(),     odrxClassRow<OdDbAssocAction>(),
+    odrxClassRow<OdDbAssocNetwork>(),    odrxClassRow<OdDbAssocVariable>(),
+    odrxClassRow<OdDbAssocDependency>(), odrxClassRow<OdDbAssocValueDependency>(),
+};
+constinit OdRxClassRows g_classes(kRows);
+
+}  // namespace
+
+void oddbInitializeAssoc() { g_classes.start(); }
+
+void oddbUninitializeAssoc() { g_classes.stop(); }

@@ -1,0 +1,276 @@
+// OdDbAssocGraph: marks, and passes of evaluation.
+//
+// Marks. A node with a stored reason (it was edited, or an input has another value) and everything
+// downstream of such nodes is marked. Marking is a walk in depth along the outputs that stops at
+// marked nodes and lists each node when it leaves it: readers come before what they read. Lists of
+// several walks one after the other keep that property, since the readers of a marked node are
+// marked already; so the whole list, read from its end, is an order of evaluation, and no pass
+// sorts anything. New edges can break the property: then the marks are derived anew.
+//
+// A pass has three phases. It computes: marked nodes in order, each once, and only those with a
+// reason; one whose value changes gives its readers one. It records what undo needs in one record
+// for all values. It tells reactors and runs actions that are no variables, when every value is
+// final. What reactors change meanwhile is marked again and belongs to the next round.
+//
+// Nothing that a pass does depends on the number of variables that are not marked. Per marked one
+// it costs the program, one record of undo and the marks.
+#include <algorithm>
+
+#include "platform/assoc/assoc_network.h"
+#include "platform/assoc/assoc_variable.h"
+#include "platform/assoc/network_graph.h"
+#include "platform/assoc/value_record.h"
+#include "platform/db/database.h"
+#include "platform/db/database_impl.h"
+#include "platform/db/open_upgrade.h"
+#include "platform/db/reactor_calls.h"
+
+namespace {
+
+/// Rounds that reactors may cause by editing variables while they hear of values.
+constexpr int kMaxRounds = 100;
+
+}  // namespace
+
+// ---- Marks
+
+void OdDbAssocGraph::mark(Index root) {
+  if (m_nodes[root].has(kDirty)) return;
+  std::vector<std::pair<Index, std::size_t>> path{{root, 0}};
+  m_nodes[root].set(kDirty);
+  while (!path.empty()) {
+    auto& [node, next] = path.back();
+    const std::vector<Output>& outputs = m_nodes[node].outputs;
+    if (next == outputs.size()) {
+      m_dirty.push_back(node);
+      ++m_numDirty;
+      path.pop_back();
+      continue;
+    }
+    const Index reader = outputs[next++].node;
+    if (m_nodes[reader].has(kDirty)) continue;
+    m_nodes[reader].set(kDirty);
+    path.emplace_back(reader, 0);
+  }
+}
+
+// The reasons are: stored ones, and broken nodes whose readers do not know it yet.
+void OdDbAssocGraph::deriveMarks() {
+  m_marksStale = false;
+  for (const Index node : m_dirty) m_nodes[node].clear(kDirty | kNeedsEval);
+  m_dirty.clear();
+  m_numDirty = 0;
+  std::vector<Index> reasons;
+  reasons.swap(m_reasons);
+  for (const Index node : reasons) {
+    Node& waiting = m_nodes[node];
+    if (!waiting.has(kAlive) || waiting.has(kNeedsEval)) continue;
+    if (!oddbIsOutOfDate(waiting.action->m_status)) continue;
+    waiting.set(kNeedsEval);
+    m_reasons.push_back(node);
+    mark(node);
+  }
+  for (const Index node : m_broken) {
+    if (!m_nodes[node].has(kBroken)) continue;
+    for (const Output& output : m_nodes[node].outputs) {
+      if (m_nodes[output.node].has(kBroken | kFailed)) continue;
+      m_nodes[output.node].set(kNeedsEval);
+      mark(output.node);
+    }
+  }
+}
+
+void OdDbAssocGraph::clean(Index node) {
+  m_nodes[node].clear(kDirty | kNeedsEval);
+  --m_numDirty;
+}
+
+OdDbAssocStatus OdDbAssocGraph::statusOf(Index node) const {
+  const Node& asked = m_nodes[node];
+  if (!asked.has(kAlive)) return kAssocErased;
+  if (asked.has(kBroken)) return m_isRetryDue ? kAssocChangedDirectly : kAssocUnresolved;
+  if (asked.has(kStored) && asked.action->m_status != kAssocFailedToEvaluate) {
+    return asked.action->m_status;
+  }
+  if (asked.has(kDirty)) return kAssocChangedTransitively;
+  return asked.action->m_status;
+}
+
+// ---- A pass
+
+OdResult OdDbAssocGraph::prepare() {
+  settle();
+  if (m_network->database()->isReadOnly()) return isAnyOutOfDate() ? eReadOnlyDatabase : eOk;
+  checkUnits();
+  if (m_isRetryDue && !m_broken.empty()) retryBroken();
+  settle();
+  return eOk;
+}
+
+void OdDbAssocGraph::storeStatus(Index node, OdDbAssocStatus status, Pass& pass) {
+  OdDbAssocAction* action = m_nodes[node].action;
+  if (action->m_status == status) return;
+  const bool isKept = !pass.changed.empty() && pass.changed.back().node == node;
+  if (!isKept) pass.changed.push_back({node, m_values[node], action->m_status});
+  action->m_status = status;
+  mirrorStatus(node);
+}
+
+void OdDbAssocGraph::compute(Index index, Pass& pass) {
+  Node& node = m_nodes[index];
+  const bool isDue = node.has(kNeedsEval);
+  clean(index);
+  if (!isDue) return;
+  if (!node.has(kVariable)) {
+    pass.actions.push_back(idOf(index));
+    return;
+  }
+  if (node.has(kFormula) && !node.has(kCompiled | kBroken)) compileNeeded(index);
+  const bool wasFailed = node.has(kFailed);
+  // Readers of an edited variable have not seen its value, whatever it was before.
+  bool isNew = node.has(kStored) && node.action->m_status == kAssocChangedDirectly;
+  bool isFailed = node.has(kBroken);
+  if (node.has(kFormula) && !isFailed) {
+    double value = 0.0;
+    isFailed =
+        (m_numBad > 0 && hasBadInput(node)) || !node.program.evaluate(m_values.data(), value);
+    if (!isFailed && value != m_values[index]) {
+      pass.changed.push_back({index, m_values[index], node.action->m_status});
+      m_values[index] = value;
+      isNew = true;
+      const bool isHeard = OdDbReactorCalls::hasReactors(node.action);
+      if (isHeard || !node.id->database->impl().reactors.empty()) pass.told.push_back(idOf(index));
+    }
+  }
+  if (!node.has(kBroken) && (node.has(kStored) || isFailed)) {
+    storeStatus(index, isFailed ? kAssocFailedToEvaluate : kAssocUpToDate, pass);
+  }
+  pass.evaluated.push_back(index);
+  if (!isNew && !isFailed && !wasFailed) return;
+  for (const Output& output : node.outputs) m_nodes[output.node].set(kNeedsEval);
+}
+
+// Undo gets the old values in one record of the network. Where the network's whole state was
+// recorded in the same span, or it was created there, each variable gets its own.
+void OdDbAssocGraph::record(const Pass& pass) {
+  if (pass.changed.empty()) return;
+  OdDbDatabaseImpl& impl = m_network->database()->impl();
+  for (const OldValue& old : pass.changed) impl.markDirty(m_nodes[old.node].id);
+  if (!impl.undo.isRecording()) return;
+  const auto valueOf = [this](const OldValue& old) {
+    return OdDbValueRecord{idOf(old.node), old.number, old.status};
+  };
+  if (OdDbDwgFiler* filer = m_network->beginPartialUndo(OdDbAssocNetwork::desc())) {
+    OdDbValueRecord::beginList(filer, static_cast<OdInt32>(pass.changed.size()));
+    for (const OldValue& old : pass.changed) valueOf(old).dwgOut(filer);
+    return;
+  }
+  for (const OldValue& old : pass.changed) {
+    OdDbDwgFiler* filer = m_nodes[old.node].action->beginPartialUndo(OdDbAssocAction::desc());
+    if (filer != nullptr) valueOf(old).dwgOut(filer);
+  }
+}
+
+void OdDbAssocGraph::finish(Pass& pass, OdDbAssocEvaluationCallback* callback) {
+  for (const OdDbObjectId& id : pass.told) {
+    const OdDbObjectPtr told = id.openObject();
+    if (told.isNull()) continue;
+    const OdDbOpenUpgrade upgrade(told);
+    told->assertWriteEnabled(/*autoUndo=*/false, /*recordModified=*/true);
+  }
+  if (callback != nullptr) {
+    for (const Index node : pass.evaluated) {
+      if (m_nodes[node].action == nullptr) continue;
+      callback->actionEvaluated(idOf(node), m_nodes[node].action->m_status);
+    }
+  }
+  for (const OdDbObjectId& id : pass.actions) {
+    const OdDbAssocActionPtr action = id.openAs<OdDbAssocAction>();
+    if (action.isNull()) continue;
+    const OdDbOpenUpgrade upgrade(action);
+    action->runAlone(callback);
+  }
+}
+
+OdResult OdDbAssocGraph::evaluateAll(OdDbAssocEvaluationCallback* callback) {
+  for (int round = 0; round < kMaxRounds; ++round) {
+    const OdResult result = prepare();
+    if (result != eOk || m_numDirty == 0) return result;
+    Pass pass;
+    while (!m_dirty.empty()) {
+      const Index node = m_dirty.back();
+      m_dirty.pop_back();
+      if (m_nodes[node].has(kDirty)) compute(node, pass);
+    }
+    m_reasons.clear();
+    record(pass);
+    finish(pass, callback);
+  }
+  return eLimitExceeded;
+}
+
+OdResult OdDbAssocGraph::evaluateNode(Index node, OdDbAssocEvaluationCallback* callback) {
+  return evaluateNodes({node}, callback);
+}
+
+OdResult OdDbAssocGraph::evaluateFrom(Index node, OdDbAssocEvaluationCallback* callback) {
+  settle();
+  std::vector<Index> downstream{node};
+  const OdUInt32 visit = nextVisit();
+  m_nodes[node].visit = visit;
+  for (std::size_t i = 0; i < downstream.size(); ++i) {
+    for (const Output& output : m_nodes[downstream[i]].outputs) {
+      Node& reader = m_nodes[output.node];
+      if (reader.visit == visit || !reader.has(kDirty)) continue;
+      reader.visit = visit;
+      downstream.push_back(output.node);
+    }
+  }
+  return evaluateNodes(downstream, callback);
+}
+
+// The roots, and what they depend on as far as it is marked. Other readers of what has another
+// value now get a stored reason.
+OdResult OdDbAssocGraph::evaluateNodes(const std::vector<Index>& roots,
+                                       OdDbAssocEvaluationCallback* callback) {
+  const OdResult result = prepare();
+  if (result != eOk) return result;
+  std::vector<Index> order;
+  std::vector<std::pair<Index, std::size_t>> path;
+  const OdUInt32 visit = nextVisit();
+  const auto enter = [&](Index node) {
+    if (m_nodes[node].visit == visit || !m_nodes[node].has(kDirty)) return;
+    m_nodes[node].visit = visit;
+    path.emplace_back(node, 0);
+  };
+  for (const Index root : roots) {
+    enter(root);
+    while (!path.empty()) {
+      auto& [node, next] = path.back();
+      const std::vector<Input>& inputs = m_nodes[node].inputs;
+      if (next < inputs.size()) {
+        enter(inputs[next++].node);
+      } else {
+        order.push_back(node);
+        path.pop_back();
+      }
+    }
+  }
+  if (order.empty()) return eOk;
+  Pass pass;
+  for (const Index node : order) compute(node, pass);
+  for (const Index node : order) {
+    for (const Output& output : m_nodes[node].outputs) {
+      const Node& reader = m_nodes[output.node];
+      if (!reader.has(kDirty) || !reader.has(kNeedsEval) || reader.has(kStored | kBroken)) continue;
+      storeStatus(output.node, kAssocChangedTransitively, pass);
+    }
+  }
+  if (m_numDirty == 0) {
+    m_dirty.clear();
+    m_reasons.clear();
+  }
+  record(pass);
+  finish(pass, callback);
+  return eOk;
+}
