@@ -24,7 +24,8 @@ void readContext(const OdDbObjectId& context, const Read& read) {
   }
 }
 
-struct Sheet {
+class Sheet {
+ public:
   explicit Sheet(const OdDbObjectId& context) {
     readContext(context, [this](const VdmProperties& bag) {
       bag.getProperty(kVdmThickness, thickness);
@@ -33,9 +34,12 @@ struct Sheet {
     });
   }
   friend bool operator==(const Sheet& a, const Sheet& b) {
-    return isSame(a.thickness, b.thickness) && isSame(a.bendRadius, b.bendRadius) &&
-           a.bendRadiusType == b.bendRadiusType;
+    return isSame(a.thickness, b.thickness) && isSame(a.absoluteRadius(), b.absoluteRadius());
   }
+
+ private:
+  // A radius of type 0 is a ratio of the thickness.
+  double absoluteRadius() const { return bendRadiusType == 0 ? bendRadius * thickness : bendRadius; }
 
   double thickness = 0;  // drawing units
   double bendRadius = 0;

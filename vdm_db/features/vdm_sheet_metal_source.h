@@ -18,8 +18,8 @@ namespace vdmu {
 
 /// Variables that drive the context; empty when it does not open.
 [[nodiscard]] VDM_DB_EXPORT OdDbObjectIdArray sheetMetalVariables(const OdDbObjectId& context);
-/// Whether thickness and bend radius of the two are the same; a context that does not open has
-/// none.
+/// Whether thickness and absolute bend radius of the two are the same within 1e-10; a context that
+/// does not open has none.
 [[nodiscard]] VDM_DB_EXPORT bool isSameSheetMetal(const OdDbObjectId& a, const OdDbObjectId& b);
 
 }  // namespace vdmu

@@ -37,6 +37,9 @@
 #include "vdm_db/model/vdm_db_pers_id_manager_pe.h"
 #include "vdm_db/properties/vdm_db_extension_data.h"
 #include "vdm_db/properties/vdm_properties_pe.h"
+#include "vdm_db/sheet_metal/vdm_db_isettings.h"
+#include "vdm_db/sheet_metal/vdm_db_sheet_metal_context.h"
+#include "vdm_db/sheet_metal/vdm_db_sheet_metal_context_material_pe.h"
 #include "vdm_db/update/vdm_db_feature_manager_pe.h"
 
 namespace {
@@ -66,7 +69,9 @@ constexpr ClassRow kClassRows[] = {
     rowOf<VdmDbObjectPE>(),
     rowOf<VdmDbPersIdManager>(),
     rowOf<VdmDbPersIdManagerPE>(),
+    rowOf<VdmDbSheetMetalContext>(),
     rowOf<VdmDbSheetMetalContextPE>(),
+    rowOf<VdmDbSheetMetalContextMaterialPE>(),
     rowOf<VdmFeature>(),
     rowOf<VdmFeatureColorPE>(),
     rowOf<VdmFeaturePE>(),
@@ -85,6 +90,7 @@ constexpr ClassRow kClassRows[] = {
     rowOf<VdmUpdateFeatureInterface>(),
     rowOf<VdmSimpleFeatureInterface>(),
     rowOf<VdmDbAssemblyPE>(),
+    rowOf<VdmDbISettings>(),
     rowOf<vdmu::VdmRemappingOperationBracket>(),
     rowOf<vdm_assoc::EntityAssocAttribute>(),
 };

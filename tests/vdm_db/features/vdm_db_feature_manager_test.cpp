@@ -25,6 +25,17 @@ class SheetHost : public OdRxObjectImpl<VdmDbSheetMetalContextPE> {
   std::string calls;
   bool changesGeometry = false;
 
+  OdResult loadBendTable(const VdmDbSheetMetalContext*, const OdString&) override { return eOk; }
+  OdResult getBendTable(OdArray<OdString>&) override { return eOk; }
+  OdResult getBendDeduction(const VdmDbSheetMetalContext*, double, double, double&) override {
+    return eOk;
+  }
+  OdResult getDieWidths(const VdmDbSheetMetalContext*, OdArray<double>&) override { return eOk; }
+  bool hasBendTable(const VdmDbSheetMetalContext*) override { return false; }
+  bool isSheetMetal(const VdmDbSheetMetalContext*, const OdDbObjectId&) override { return false; }
+  OdResult unfold(const VdmDbSheetMetalContext*, const OdDbObjectId&, OdDbObjectIdArray&) override {
+    return eOk;
+  }
   bool updateRecognition(OdDbObject*, const OdDbObjectIdArray&) override { return note('r'); }
   bool updateGeometry(OdDbObject*, const OdDbObjectIdArray&) override {
     return note('g') || changesGeometry;
