@@ -8,10 +8,13 @@
 //      the span of their keys.
 //   2. searchLostPages: every page that no tree reached is read as a leaf, if it looks like one.
 //      This finds the rows below broken links, and may find older versions of rows. Free pages are
-//      skipped when the list of them is whole: they hold rows that were erased.
-//   3. emit: of several versions of a row, one from a tree wins; the others come in the order of
-//      their pages. Chosen rows are read again, since holding them all would need the file's size
-//      in memory.
+//      skipped when the list of them is sound: they hold rows that were erased.
+//   3. searchFreePages, when rows are still missing: a list can be sound in form and name a page
+//      that is in use. Nothing in a page tells a row that was erased from one that is lost, so only
+//      rows are taken whose keys lie where the trees broke, and the report says so.
+//   4. emit: of several versions of a row, one from a tree wins, then one from a lost page; the
+//      others come in the order of their pages. Chosen rows are read again, since holding them all
+//      would need the file's size in memory.
 //
 // Why it ends, whatever the pages claim: a page counts as visited before its children are walked
 // and is never walked twice; chains of overflow pages are limited by the size that the row claims,
@@ -21,6 +24,7 @@
 #include "platform/storage/page_scavenger.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <tuple>
 #include <utility>
@@ -35,7 +39,13 @@ namespace {
 
 /// Tables are made in fixed order in an empty file: `header`, `classes` and `objects` have these
 /// root pages in every drawing.
-constexpr std::uint32_t kRootPages[] = {2, 3, 4};
+struct Root {
+  std::uint32_t page;
+  StoredRow::Table table;
+};
+constexpr Root kRoots[] = {{2, StoredRow::Table::kVariables},
+                           {3, StoredRow::Table::kClasses},
+                           {4, StoredRow::Table::kObjects}};
 /// Deeper than any tree of 2^32 pages.
 constexpr std::size_t kMaxDepth = 20;
 
@@ -86,13 +96,17 @@ void PageScavenger::lostSpan(std::uint32_t number, const char* why, KeySpan keys
             handleText(static_cast<OdUInt64>(keys.last));
   }
   m_report(line);
+  m_lost.push_back({m_table, keys});
 }
 
 // ---- Phase 1: trees
 // ------------------------------------------------------------------------------
 
 void PageScavenger::walkTrees() {
-  for (const std::uint32_t root : kRootPages) walkPage(root, 0, {kFirstKey, kLastKey});
+  for (const Root& root : kRoots) {
+    m_table = root.table;
+    walkPage(root.page, 0, {kFirstKey, kLastKey});
+  }
 }
 
 void PageScavenger::walkPage(std::uint32_t number, std::size_t depth, KeySpan keys) {
@@ -106,7 +120,7 @@ void PageScavenger::walkPage(std::uint32_t number, std::size_t depth, KeySpan ke
   if (page.kind() == PageKind::kOther) return lostSpan(number, "is damaged", keys);
   m_visited[number] = true;
   if (page.kind() == PageKind::kLeaf) {
-    collectLeaf(page, number, /*fromTree=*/true);
+    collectTreeLeaf(page, number, keys);
   } else {
     walkInterior(page, number, depth, keys);
   }
@@ -120,6 +134,7 @@ void PageScavenger::walkInterior(const TreePage& page, std::uint32_t number, std
     if (!page.interiorCell(i, cell)) {
       m_report("page " + std::to_string(number) + " is damaged: entry " + std::to_string(i) +
                " lies outside of it");
+      m_lost.push_back({m_table, {first, keys.last}});
       continue;
     }
     walkPage(cell.child, depth + 1, {first, cell.key});
@@ -128,13 +143,14 @@ void PageScavenger::walkInterior(const TreePage& page, std::uint32_t number, std
   walkPage(page.rightChild(), depth + 1, {first, keys.last});
 }
 
-void PageScavenger::collectLeaf(const TreePage& page, std::uint32_t number, bool fromTree) {
+void PageScavenger::collectTreeLeaf(const TreePage& page, std::uint32_t number, KeySpan keys) {
   for (std::size_t i = 0; i < page.cellCount(); ++i) {
-    if (collectCell(page, number, i, fromTree) || !fromTree) continue;
+    if (collectCell(page, number, i, Origin::kTree)) continue;
     StoredRow row;
     TreePage::LeafCell cell;
     const bool isNamed =
         page.leafCell(i, cell) && readPayload(cell) && decodeRow(cell.key, m_payload, row);
+    m_lost.push_back({m_table, isNamed ? KeySpan{row.key, row.key} : keys});
     m_report((isNamed ? rowName(row) : "row " + std::to_string(i)) + " on page " +
              std::to_string(number) + " is damaged");
   }
@@ -142,16 +158,16 @@ void PageScavenger::collectLeaf(const TreePage& page, std::uint32_t number, bool
 
 /// Notes the row of a cell when it is intact; only then its overflow pages count as visited.
 bool PageScavenger::collectCell(const TreePage& page, std::uint32_t number, std::size_t index,
-                                bool fromTree) {
+                                Origin origin) {
   TreePage::LeafCell cell;
   StoredRow row;
   if (!page.leafCell(index, cell) || !readPayload(cell) || !decodeRow(cell.key, m_payload, row) ||
-      !row.isIntact()) {
+      !row.isIntact() || (origin == Origin::kFreePage && !isLost(row))) {
     return false;
   }
   for (const std::uint32_t overflow : m_chain) m_visited[overflow] = true;
   m_rows.push_back({row.table, static_cast<std::uint64_t>(row.key), row.sum, number,
-                    static_cast<std::uint16_t>(index), fromTree});
+                    static_cast<std::uint16_t>(index), origin});
   return true;
 }
 
@@ -185,47 +201,101 @@ bool PageScavenger::readPayload(const TreePage::LeafCell& cell) {
 // ---------------------------------------------------------------
 
 void PageScavenger::searchLostPages() {
-  markFreePages();
+  m_free = listFreePages();
+  std::vector<bool> isListed(m_visited.size());
+  for (const std::uint32_t number : m_free) isListed[number] = true;
+  std::vector<std::uint32_t> lost;
+  for (std::uint32_t number = 2; number <= m_pageCount; ++number) {
+    if (!isListed[number]) lost.push_back(number);
+  }
+  searchPages(lost, Origin::kLostPage);
+}
+
+void PageScavenger::searchPages(const std::vector<std::uint32_t>& numbers, Origin origin) {
   m_overflowBudget = std::uint64_t{m_pageCount} * 8;
   Page bytes;
-  for (std::uint32_t number = 2; number <= m_pageCount; ++number) {
+  for (const std::uint32_t number : numbers) {
     if (m_visited[number] || !readPage(number, bytes)) continue;
     const TreePage page(bytes.data(), number);
-    if (page.kind() == PageKind::kLeaf) collectLeaf(page, number, /*fromTree=*/false);
+    if (page.kind() != PageKind::kLeaf) continue;
+    for (std::size_t i = 0; i < page.cellCount(); ++i) (void)collectCell(page, number, i, origin);
   }
 }
 
-/// Marks the pages of the free list as visited: they hold rows that were erased. A list that is
-/// damaged marks nothing, since it could hide pages that are needed.
-void PageScavenger::markFreePages() {
+/// The pages of the free list. None when it is not sound, since it could hide pages that are
+/// needed: when it names a page of a tree, or one twice, or as many as it does not say.
+std::vector<std::uint32_t> PageScavenger::listFreePages() const {
   Page bytes;
-  if (!readPage(1, bytes)) return;
-  std::uint64_t expected = bigEndian(&bytes[kFreeCountOffset], 4);
+  if (!readPage(1, bytes)) return {};
+  const std::uint64_t expected = bigEndian(&bytes[kFreeCountOffset], 4);
   auto trunk = static_cast<std::uint32_t>(bigEndian(&bytes[kFreeTrunkOffset], 4));
   std::vector<std::uint32_t> free;
-  while (trunk != 0 && free.size() < m_pageCount) {
-    if (!isPage(trunk) || m_visited[trunk] || !readPage(trunk, bytes)) return;
-    free.push_back(trunk);
+  std::vector<bool> isTaken = m_visited;
+  const auto take = [&](std::uint32_t number) {
+    if (!isPage(number) || isTaken[number]) return false;
+    isTaken[number] = true;
+    free.push_back(number);
+    return true;
+  };
+  while (trunk != 0) {
+    if (!take(trunk) || !readPage(trunk, bytes)) return {};
     const std::uint64_t leaves = bigEndian(&bytes[4], 4);
-    if (leaves > kMaxTrunkLeaves) return;
+    if (leaves > kMaxTrunkLeaves) return {};
     for (std::size_t i = 0; i < leaves; ++i) {
-      const auto leaf = static_cast<std::uint32_t>(bigEndian(&bytes[8 + i * 4], 4));
-      if (!isPage(leaf) || m_visited[leaf]) return;
-      free.push_back(leaf);
+      if (!take(static_cast<std::uint32_t>(bigEndian(&bytes[8 + i * 4], 4)))) return {};
     }
     trunk = static_cast<std::uint32_t>(bigEndian(bytes.data(), 4));
   }
-  if (free.size() != expected) return;
-  for (const std::uint32_t number : free) m_visited[number] = true;
+  return free.size() == expected ? free : std::vector<std::uint32_t>();
 }
 
-// ---- Phase 3: what was found
+// ---- Phase 3: free pages that may be in use
+// ---------------------------------------------------------------
+
+/// Orders what the trees lost, and makes one span of those that overlap.
+void PageScavenger::sortLostRows() {
+  std::ranges::sort(m_lost, {}, [](const LostRows& lost) {
+    return std::tuple(lost.table, lost.keys.first, lost.keys.last);
+  });
+  std::vector<LostRows> merged;
+  for (const LostRows& lost : m_lost) {
+    LostRows* previous = merged.empty() ? nullptr : &merged.back();
+    if (previous != nullptr && previous->table == lost.table &&
+        lost.keys.first <= previous->keys.last) {
+      previous->keys.last = std::max(previous->keys.last, lost.keys.last);
+    } else {
+      merged.push_back(lost);
+    }
+  }
+  m_lost = std::move(merged);
+}
+
+bool PageScavenger::isLost(const StoredRow& row) const {
+  const auto after = std::ranges::upper_bound(
+      m_lost, std::tuple(row.table, row.key), {},
+      [](const LostRows& lost) { return std::tuple(lost.table, lost.keys.first); });
+  if (after == m_lost.begin()) return false;
+  const LostRows& lost = *std::prev(after);
+  return lost.table == row.table && row.key <= lost.keys.last;
+}
+
+void PageScavenger::searchFreePages() {
+  sortLostRows();
+  searchPages(m_free, Origin::kFreePage);
+  sortRows();
+  const auto count = std::ranges::count(m_rows, Origin::kFreePage, &Place::origin);
+  if (count == 0) return;
+  m_report("rows brought back from pages that are listed as free: " + std::to_string(count) +
+           "; some may have been erased before");
+}
+
+// ---- What was found
 // ---------------------------------------------------------------------
 
-/// Keeps one row per key: the one from a tree, else the one from the earliest page.
+/// Keeps one row per key: the one of the best origin, from the earliest page.
 void PageScavenger::sortRows() {
   std::stable_sort(m_rows.begin(), m_rows.end(), [](const Place& a, const Place& b) {
-    return std::tuple(a.table, a.key, !a.fromTree) < std::tuple(b.table, b.key, !b.fromTree);
+    return std::tie(a.table, a.key, a.origin) < std::tie(b.table, b.key, b.origin);
   });
   std::size_t kept = 0;
   for (const Place& place : m_rows) {
@@ -234,7 +304,7 @@ void PageScavenger::sortRows() {
       m_rows[kept++] = place;
       continue;
     }
-    if (previous->sum == place.sum || (previous->fromTree && !place.fromTree)) continue;
+    if (previous->sum == place.sum || previous->origin != place.origin) continue;
     m_report("two versions of row " + handleText(place.key) + " on pages " +
              std::to_string(previous->page) + " and " + std::to_string(place.page) +
              ", the first one was taken");

@@ -6,7 +6,8 @@
 //      come first: its pages alone would give a mixture of two states.
 //   2. takeIntactRows collects intact rows from the pages (page_scavenger.h). The state row has the
 //      number of rows that were saved and the sum of their checksums; comparing them with what was
-//      found says whether anything is missing, or is there in an older state.
+//      found says whether anything is missing, or is there in an older state. Free pages are
+//      searched only then.
 // Failures that say nothing about the content, such as a lock or a missing file, end the recovery.
 #include "platform/storage/recovery.h"
 
@@ -56,59 +57,69 @@ OdStatus takeWholeFile(SqliteStore& store, OdDbRecoverySink& sink) {
   });
 }
 
-/// Passes rows on, sums up their checksums and compares the sums with the state row.
-class Harvest {
+/// Passes on what a row holds.
+void passOn(const StoredRow& row, OdDbRecoverySink& sink) {
+  switch (row.table) {
+    case StoredRow::Table::kVariables:
+      if (row.key == kStateRowId) return;
+      return sink.settingFound({std::string(row.name), std::string(row.content)});
+    case StoredRow::Table::kClasses:
+      return sink.classFound({static_cast<OdUInt32>(row.key), std::string(row.content)});
+    case StoredRow::Table::kObjects:
+      return sink.recordFound(recordOf(row));
+  }
+}
+
+/// Sums up the checksums of rows, and compares the sums with the state row.
+class Tally {
  public:
-  explicit Harvest(OdDbRecoverySink& sink) : m_sink(sink) {}
-
-  void take(const StoredRow& row) {
-    switch (row.table) {
-      case StoredRow::Table::kVariables:
-        return takeVariable(row);
-      case StoredRow::Table::kClasses:
-        m_names.add(row.sum);
-        return m_sink.classFound({static_cast<OdUInt32>(row.key), std::string(row.content)});
-      case StoredRow::Table::kObjects:
-        break;
+  void add(const StoredRow& row) {
+    if (row.table == StoredRow::Table::kObjects) {
+      m_objects.add(row.sum);
+    } else if (row.table == StoredRow::Table::kVariables && row.key == kStateRowId) {
+      m_hasState = m_state.decode(row.content);
+    } else {
+      m_names.add(row.sum);
     }
-    m_objects.add(row.sum);
-    m_sink.recordFound(recordOf(row));
   }
 
-  void reportLosses() const {
+  /// The rows are known to be those of the last save.
+  [[nodiscard]] bool isComplete() const {
+    return m_hasState && m_objects == m_state.objects && m_names == m_state.names;
+  }
+
+  void reportLosses(OdDbRecoverySink& sink) const {
     if (!m_hasState) {
-      return m_sink.lost("the state row is lost: it is not known whether records are missing");
+      return sink.lost("the state row is lost: it is not known whether records are missing");
     }
-    report("records", m_objects, m_state.objects);
-    report("classes and variables", m_names, m_state.names);
+    report("records", m_objects, m_state.objects, sink);
+    report("classes and variables", m_names, m_state.names, sink);
   }
-
-  [[nodiscard]] std::uint64_t count() const { return m_objects.count + m_names.count; }
 
  private:
-  void takeVariable(const StoredRow& row) {
-    if (row.key == kStateRowId) {
-      m_hasState = m_state.decode(row.content);
-      return;
-    }
-    m_names.add(row.sum);
-    m_sink.settingFound({std::string(row.name), std::string(row.content)});
-  }
-
-  void report(const std::string& what, const RowSetDigest& found, const RowSetDigest& saved) const {
+  static void report(const std::string& what, const RowSetDigest& found, const RowSetDigest& saved,
+                     OdDbRecoverySink& sink) {
     if (found == saved) return;
-    m_sink.lost((what + ": " + std::to_string(saved.count) + " were saved, " +
-                 std::to_string(found.count) + " were brought back" +
-                 (found.count >= saved.count ? ", some of them in an older state" : ""))
-                    .c_str());
+    sink.lost((what + ": " + std::to_string(saved.count) + " were saved, " +
+               std::to_string(found.count) + " were brought back" +
+               (found.count >= saved.count ? ", some of them in an older state" : ""))
+                  .c_str());
   }
 
-  OdDbRecoverySink& m_sink;
   StoreState m_state;
   bool m_hasState = false;
   RowSetDigest m_objects;
   RowSetDigest m_names;
 };
+
+/// Leaves what was found in the scavenger.
+void findIntactRows(PageScavenger& scavenger) {
+  scavenger.walkTrees();
+  scavenger.searchLostPages();
+  Tally found;
+  scavenger.emit([&](const StoredRow& row) { found.add(row); });
+  if (!found.isComplete()) scavenger.searchFreePages();
+}
 
 OdStatus takeIntactRows(const StoreEnvironment& environment, const std::string& path,
                         const OdStatus& failed, OdDbRecoverySink& sink) {
@@ -118,17 +129,19 @@ OdStatus takeIntactRows(const StoreEnvironment& environment, const std::string& 
 
   std::vector<std::string> lines;
   PageScavenger scavenger(file, [&](const std::string& line) { lines.push_back(line); });
-  scavenger.walkTrees();
-  scavenger.searchLostPages();
+  findIntactRows(scavenger);
   if (scavenger.rowCount() == 0) {
     const bool isForeign = failed.code == eNotADrawing || failed.code == eNewerFormat;
     return isForeign ? failed : failure(eRecoveryFailed, path, "nothing in the file is intact");
   }
   sink.lost(failed.text);
-  Harvest harvest(sink);
-  scavenger.emit([&](const StoredRow& row) { harvest.take(row); });
+  Tally tally;
+  scavenger.emit([&](const StoredRow& row) {
+    tally.add(row);
+    passOn(row, sink);
+  });
   for (const std::string& line : lines) sink.lost(line.c_str());
-  harvest.reportLosses();
+  tally.reportLosses(sink);
   return {};
 }
 

@@ -1,5 +1,7 @@
 // Recovery brings back every intact record of a damaged drawing and says what is lost.
 #include <algorithm>
+#include <random>
+#include <vector>
 
 #include "platform/storage/storage_format.h"
 #include "tests/platform/storage/store_testing.h"
@@ -58,6 +60,43 @@ class Recovery : public storetest::FolderTest {
         }));
   }
 
+  /// The leaves of the tree of objects: the children of its root.
+  std::vector<std::uint32_t> objectLeaves() const {
+    const std::size_t root = 3 * kPageSize;
+    std::vector<std::uint32_t> leaves;
+    for (std::size_t cell = 0; cell < numberAt(root + 3, 2); ++cell) {
+      leaves.push_back(numberAt(root + numberAt(root + 12 + 2 * cell, 2), 4));
+    }
+    leaves.push_back(numberAt(root + 8, 4));
+    return leaves;
+  }
+  /// Appends a page that lists others as free, and enters it in the header.
+  enum class Trunk { kSound, kCircle };
+  void listAsFree(const std::vector<std::uint32_t>& pages, Trunk kind) {
+    const auto trunk = static_cast<std::uint32_t>(m_bytes.size() / kPageSize + 1);
+    const std::size_t begin = m_bytes.size();
+    m_bytes.resize(m_bytes.size() + kPageSize);
+    const auto count = static_cast<std::uint32_t>(pages.size());
+    putNumber(begin, kind == Trunk::kCircle ? trunk : 0);
+    putNumber(begin + 4, count);
+    for (std::uint32_t i = 0; i < count; ++i) putNumber(begin + 8 + std::size_t{4} * i, pages[i]);
+    putNumber(32, trunk);
+    putNumber(36, count + 1);
+  }
+  /// Big-endian, as all numbers of the file.
+  std::uint32_t numberAt(std::size_t offset, std::size_t size) const {
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < size; ++i) {
+      value = (value << 8U) | static_cast<unsigned char>(m_bytes[offset + i]);
+    }
+    return value;
+  }
+  void putNumber(std::size_t offset, std::uint32_t value) {
+    for (std::size_t i = 0; i < 4; ++i) {
+      m_bytes[offset + i] = static_cast<char>(value >> (24U - 8U * i));
+    }
+  }
+
   std::unique_ptr<OdDbRecordStoreFactory> m_factory = createSqliteStoreFactory();
   std::string m_path = file("drawing.vdm");
   Content m_content;
@@ -114,6 +153,51 @@ TEST_F(Recovery, LeavesOutWhatWasErasedBeforeTheDamage) {
   overwritePage(4, '\0');  // the root of the objects: every record must be searched for
   const CollectingSink sink = recover();
   EXPECT_TRUE(sink.content.records == second.records) << sink.lines;
+}
+
+TEST_F(Recovery, LosesNothingOnPagesThatAreListedAsFreeAndInUse) {
+  write(makeContent(300, 300));
+  const std::string sound = m_bytes;
+  const std::vector<std::uint32_t> leaves = objectLeaves();
+  ASSERT_GT(leaves.size(), 10U);
+  std::mt19937 random(5);
+  for (int round = 0; round < 40; ++round) {
+    SCOPED_TRACE(round);
+    m_bytes = sound;
+    std::vector<std::uint32_t> listed = leaves;
+    std::ranges::shuffle(listed, random);
+    listed.resize(1 + random() % listed.size());
+    const std::size_t kept = leaves.size() - listed.size();
+    std::size_t lost = 0;
+    if (round % 2 == 1 && kept > 0) {  // a page is lost as well
+      const auto isKept = [&](std::uint32_t page) { return std::ranges::count(listed, page) == 0; };
+      const std::uint32_t page = *std::ranges::find_if(leaves, isKept);
+      lost = recordsInPage(page);
+      overwritePage(page, '\x5A');
+    }
+    // Every fourth list names a page twice or runs in a circle.
+    if (round % 8 == 2) listed.push_back(listed.front());
+    listAsFree(listed, round % 8 == 6 ? Trunk::kCircle : Trunk::kSound);
+    overwritePage(4, '\0');  // no tree reaches the leaves
+    const CollectingSink sink = recover();
+    EXPECT_EQ(sink.content.records.size(), m_content.records.size() - lost) << sink.lines;
+  }
+}
+
+TEST_F(Recovery, LeavesOutErasedRowsWhereOthersAreLost) {
+  const Content first = makeContent(300, 300);
+  Content second = first;
+  std::erase_if(second.records, [](const auto& item) { return item.first > 150; });
+  write(first);
+  std::unique_ptr<OdDbRecordStore> store;
+  ASSERT_TRUE(m_factory->open(m_path, OdDbStoreOpenMode::kReadWrite, store).ok());
+  ASSERT_TRUE(saveChanges(*store, first, second).ok());
+  store.reset();
+  m_bytes = readBytes(m_path);
+  m_bytes[m_bytes.find(second.records.at(0x2F).data) + 3] ^= 1;
+  const CollectingSink sink = recover();
+  EXPECT_FALSE(sink.content.records.contains(0x2F));
+  EXPECT_EQ(sink.content.records.size(), second.records.size() - 1) << sink.lines;
 }
 
 TEST_F(Recovery, TakesTheVersionInTheTreeBeforeAnOlderOne) {
