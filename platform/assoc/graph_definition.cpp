@@ -258,8 +258,9 @@ void OdDbAssocGraph::adopt(Index node, Definition&& definition,
 void OdDbAssocGraph::valueEdited(Index node, bool isSame) {
   variable(node)->m_status = isSame ? kAssocChangedNoDifference : kAssocChangedDirectly;
   mirrorStatus(node);
+  if (m_marksStale) return;  // they will be derived from the stored status
   m_nodes[node].set(kNeedsEval);
-  if (!m_marksStale) mark(node);
+  mark(node);
 }
 
 bool OdDbAssocGraph::hasBadInput(const Node& node) const {
