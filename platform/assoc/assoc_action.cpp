@@ -27,8 +27,10 @@ OdDbAssocAction::~OdDbAssocAction() {
 
 OdDbAssocStatus OdDbAssocAction::status() const {
   assertReadEnabled();
-  const OdDbAssocGraph* graphOfNetwork = graph();
-  return graphOfNetwork == nullptr ? m_status : graphOfNetwork->statusOf(m_node);
+  OdDbAssocGraph* graphOfNetwork = graph();
+  if (graphOfNetwork == nullptr) return m_status;
+  graphOfNetwork->settleMarks();
+  return graphOfNetwork->statusOf(m_node);
 }
 
 OdResult OdDbAssocAction::setStatus(OdDbAssocStatus status) {

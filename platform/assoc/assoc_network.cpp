@@ -54,7 +54,9 @@ OdDbObjectId OdDbAssocNetwork::getInstanceFromObject(const OdDbObjectId& owningO
   const OdDbAssocNetworkPtr network = OdDbAssocNetwork::createObject();
   network->m_isTopLevel = addToTopLevelNetwork;
   const OdDbOpenUpgrade upgrade(dictionary);
-  return dictionary->setAt(key, network.get());
+  const OdDbObjectId made = dictionary->setAt(key, network.get());
+  network->m_lengthUnit = network->actionGraph().presentUnit();
+  return made;
 }
 
 OdDbAssocGraph& OdDbAssocNetwork::actionGraph() const {
@@ -69,7 +71,9 @@ OdDbAssocGraph& OdDbAssocNetwork::actionGraph() const {
 
 OdDbAssocStatus OdDbAssocNetwork::status() const {
   assertReadEnabled();
-  return actionGraph().isAnyOutOfDate() ? kAssocChangedDirectly : kAssocUpToDate;
+  OdDbAssocGraph& graph = actionGraph();
+  graph.settleMarks();
+  return graph.isAnyOutOfDate() ? kAssocChangedDirectly : kAssocUpToDate;
 }
 
 OdResult OdDbAssocNetwork::evaluate(OdDbAssocEvaluationCallback* callback) {

@@ -301,7 +301,7 @@ OdResult OdDbAssocVariable::setValue(const OdDbEvalVariant* value) {
   if (m_graph == nullptr) {
     m_status = kAssocChangedDirectly;
   } else {
-    m_graph->valueEdited(m_node, isSame && m_status != kAssocChangedDirectly);
+    m_graph->valueEdited(m_node, isSame);
   }
   return eOk;
 }

@@ -63,18 +63,19 @@ OdString messageOf(const OdExpression::Diagnostic& diagnostic, const OdString& t
 
 }  // namespace
 
+OdDb::UnitsValue OdDbAssocGraph::presentUnit() const {
+  const OdDbDatabase* database = m_network->database();
+  const OdDbObjectId owner = m_network->objectThatOwnsNetworkInstance();
+  if (owner == database->getModelSpaceId()) return database->getINSUNITS();
+  const OdDbBlockTableRecordPtr block = owner.openAs<OdDbBlockTableRecord>();
+  return block.isNull() ? OdDb::kUnitsUndefined : block->blockInsertUnits();
+}
+
 // The unit is that of the block which has the network; values that were computed in another one
 // wait for evaluation.
 void OdDbAssocGraph::checkUnits() {
-  const OdDbDatabase* database = m_network->database();
-  const OdDbObjectId owner = m_network->objectThatOwnsNetworkInstance();
-  OdDb::UnitsValue unit = OdDb::kUnitsUndefined;
-  if (owner == database->getModelSpaceId()) {
-    unit = database->getINSUNITS();
-  } else if (const auto block = owner.openAs<OdDbBlockTableRecord>(); !block.isNull()) {
-    unit = block->blockInsertUnits();
-  }
-  if (unit == m_network->m_lengthUnit || database->isReadOnly()) return;
+  const OdDb::UnitsValue unit = presentUnit();
+  if (unit == m_network->m_lengthUnit || m_network->database()->isReadOnly()) return;
   const OdDbObjectPtr opened = m_network->objectId().openObject();
   const OdDbOpenUpgrade upgrade(m_network);
   m_network->assertWriteEnabled();
@@ -132,7 +133,7 @@ bool OdDbAssocGraph::compileNode(Index node) {
 }
 
 OdString OdDbAssocGraph::faultOf(Index node) {
-  if (!m_nodes[node].has(kFormula)) return OdString();
+  if (!m_nodes[node].has(kFormula) || presentUnit() != m_network->m_lengthUnit) return OdString();
   compileNeeded(node);
   if (!m_nodes[node].has(kBroken)) return OdString();
   Definition definition;
@@ -255,8 +256,12 @@ void OdDbAssocGraph::adopt(Index node, Definition&& definition,
   if (m_numDirty > 0) m_marksStale = true;
 }
 
+// A value that readers have not seen yet stays a reason for them, even if the next one equals it.
 void OdDbAssocGraph::valueEdited(Index node, bool isSame) {
-  variable(node)->m_status = isSame ? kAssocChangedNoDifference : kAssocChangedDirectly;
+  OdDbAssocStatus& status = m_nodes[node].action->m_status;
+  if (!isSame || status != kAssocChangedDirectly) {
+    status = isSame ? kAssocChangedNoDifference : kAssocChangedDirectly;
+  }
   mirrorStatus(node);
   if (m_marksStale) return;  // they will be derived from the stored status
   m_nodes[node].set(kNeedsEval);

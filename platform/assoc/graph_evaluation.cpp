@@ -99,11 +99,11 @@ OdDbAssocStatus OdDbAssocGraph::statusOf(Index node) const {
 // ---- A pass
 
 OdResult OdDbAssocGraph::prepare() {
-  settle();
+  settleMarks();
   if (m_network->database()->isReadOnly()) return isAnyOutOfDate() ? eReadOnlyDatabase : eOk;
   checkUnits();
   if (m_isRetryDue && !m_broken.empty()) retryBroken();
-  settle();
+  settleMarks();
   return eOk;
 }
 
@@ -214,7 +214,7 @@ OdResult OdDbAssocGraph::evaluateNode(Index node, OdDbAssocEvaluationCallback* c
 }
 
 OdResult OdDbAssocGraph::evaluateFrom(Index node, OdDbAssocEvaluationCallback* callback) {
-  settle();
+  settleMarks();
   std::vector<Index> downstream{node};
   const OdUInt32 visit = nextVisit();
   m_nodes[node].visit = visit;

@@ -62,7 +62,11 @@ void OdDbAssocGraph::settle() {
   const OdDbBusyMark settling(m_isSettling);
   if (m_listStale) syncList();
   if (!m_queue.empty()) relinkQueued();
-  if (m_marksStale) deriveMarks();
+}
+
+void OdDbAssocGraph::settleMarks() {
+  settle();
+  if (m_marksStale && !m_isSettling) deriveMarks();
 }
 
 // Nodes.

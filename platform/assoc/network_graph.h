@@ -23,6 +23,7 @@
 #include "platform/assoc/assoc_status.h"
 #include "platform/base/result.h"
 #include "platform/base/string.h"
+#include "platform/db/db_enums.h"
 #include "platform/expressions/compile.h"
 #include "platform/expressions/program.h"
 #include "platform/filer/object_id.h"
@@ -72,10 +73,13 @@ class OdDbAssocGraph {
   /// The object leaves memory.
   void forget(Index node);
 
-  /// Brings the graph up to date with the objects. Costs nothing when nothing was noted.
+  /// Brings nodes, names and links up to date with the objects. Costs nothing when nothing was
+  /// noted.
   void settle();
+  /// The same for the marks, which are derived from stored statuses (law 3).
+  void settleMarks();
 
-  // Queries; the graph is settled.
+  // Queries; the graph is settled, and its marks where statuses are asked for.
   [[nodiscard]] Index nodeNamed(const OdString& name) const;
   [[nodiscard]] OdDbAssocVariable* variable(Index node) const;
   [[nodiscard]] OdDbObjectId idOf(Index node) const { return OdDbObjectId(m_nodes[node].id); }
@@ -93,6 +97,8 @@ class OdDbAssocGraph {
   }
   [[nodiscard]] double& value(Index node) { return m_values[node]; }
   [[nodiscard]] bool isBroken(Index node) const { return m_nodes[node].has(kBroken); }
+  /// The insertion unit of the block that has the network.
+  [[nodiscard]] OdDb::UnitsValue presentUnit() const;
   /// Why a node cannot be compiled; empty when it can.
   [[nodiscard]] OdString faultOf(Index node);
   [[nodiscard]] std::size_t memoryBytes() const;
