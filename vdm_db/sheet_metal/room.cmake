@@ -5,6 +5,7 @@ list(APPEND VDM_DB_SOURCES
   sheet_metal/vdm_db_sheet_metal_context_external_pe.cpp
   sheet_metal/vdm_db_sheet_metal_context_impl.cpp
   sheet_metal/vdm_db_sheet_metal_context_material_pe.cpp
+  sheet_metal/vdm_db_sheet_metal_context_variable.cpp
   sheet_metal/vdm_sheet_metal_context_options.cpp
   sheet_metal/vdm_sheet_metal_length.cpp
 )
@@ -23,4 +24,5 @@ list(APPEND VDM_DB_HEADERS
 )
 list(APPEND VDM_DB_PRIVATE_HEADERS
   sheet_metal/vdm_db_sheet_metal_context_impl.h
+  sheet_metal/vdm_same_value.h
 )

@@ -33,11 +33,6 @@ const VdmDbSheetMetalContextImpl& VdmDbSheetMetalContext::implForRead() const {
   return *m_impl;
 }
 
-VdmDbSheetMetalContextImpl& VdmDbSheetMetalContext::implForWrite() {
-  assertWriteEnabled();
-  return *m_impl;
-}
-
 const VdmProperties& VdmDbSheetMetalContext::sheetMetalProperties() const {
   return implForRead().properties();
 }
@@ -127,13 +122,6 @@ OdResult VdmDbSheetMetalContext::getAvailableDieWidths(OdArray<double>& widths) 
   const OdResult result = extension->getDieWidths(this, widths);
   if (result == eOk) std::sort(widths.begin(), widths.end());
   return result;
-}
-
-// ---- Variables
-
-OdDbObjectIdArray VdmDbSheetMetalContext::variables() const {
-  const OdDbObjectId variable = implForRead().thicknessVariable();
-  return variable.isNull() ? OdDbObjectIdArray() : OdDbObjectIdArray{variable};
 }
 
 // ---- Filing: the base's part, then the bag

@@ -10,6 +10,7 @@
 #include "vdm_db/features/vdm_sheet_metal_source.h"
 #include "vdm_db/sheet_metal/vdm_sheet_metal_context_options.h"
 
+class OdDbAssocVariable;
 class VdmDbSheetMetalContextImpl;
 class VdmFeature;
 
@@ -63,10 +64,26 @@ class VDM_DB_EXPORT VdmDbSheetMetalContext : public OdDbObject, public VdmSheetM
   /// VdmDbSheetMetalContextPE or a table.
   OdResult getAvailableDieWidths(OdArray<double>& widths);
 
-  // ---- Variables
+  // ---- The variable "_SM_THICKNESS" of the block. From its making on its value and the thickness
+  // ---- stay equal, whichever of them changes; a new thickness makes all features due.
 
+  /// The variable that drives the thickness. With `create` a missing one is made, or one of that
+  /// name taken, and gets the thickness as its expression. Null without one, outside a block, and
+  /// when the variable does not take the thickness.
+  OdDbObjectId getThicknessParameter(bool create);
+  [[nodiscard]] OdDbObjectId getThicknessParameter() const;
   /// The variables that drive the context.
   [[nodiscard]] OdDbObjectIdArray variables() const;
+  /// Whether the variable drives the sheet metal of the block that has it. False for null.
+  [[nodiscard]] static bool isThicknessVariable(const OdDbAssocVariable* variable);
+
+  /// Takes over a number that the variable has now. A text or no value changes nothing.
+  void modified(const OdDbObject* object) override;
+  /// The thickness outlives its variable.
+  void erased(const OdDbObject* object, bool erasing) override;
+  void copied(const OdDbObject* object, const OdDbObject* clone) override;
+  /// The variable goes with the context.
+  OdResult subErase(bool erasing) override;
 
   [[nodiscard]] const VdmProperties& sheetMetalProperties() const override;
   OdResult dwgInFields(OdDbDwgFiler* filer) override;

@@ -27,6 +27,6 @@ class VdmDbSheetMetalContextImpl : public VdmDbPropertiesBase {
   /// All of them, in this order.
   const std::vector<VdmISheetMetalContextOption*> options;
 
-  /// The variable that drives the thickness; null without one.
+  /// The id under "ThicknessVar", whatever became of the variable; null without one.
   [[nodiscard]] OdDbObjectId thicknessVariable() const;
 };

@@ -5,8 +5,12 @@
 #include <limits>
 #include <type_traits>
 
+#include "platform/assoc/assoc_variable.h"
 #include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/drawing_utils/vdm_open_upgrade.h"
+#include "vdm_db/parameters/vdm_variable_values.h"
 #include "vdm_db/sheet_metal/vdm_db_isettings.h"
+#include "vdm_db/sheet_metal/vdm_same_value.h"
 #include "vdm_utils/vdmc_assert.h"
 
 namespace {
@@ -196,17 +200,59 @@ void VdmSheetMetalContextThicknessOption::bind(VdmProperties& bag) {
 
 OdResult VdmSheetMetalContextThicknessOption::setValue(double value) {
   if (!(value > 0)) return kVdmOutOfRange;
+  const double before = m_fields.thickness;
   m_fields.thickness = value;
   if (!VDM_ASSERT_AT(m_pProperties, kSource, 131)) return eOk;
-  return eOk;
+  return toVariable(before);
+}
+
+namespace {
+
+// Takes a number back unless it is kept.
+class NumberGuard {
+ public:
+  NumberGuard(double& number, double before) : m_number(number), m_before(before) {}
+  ~NumberGuard() {
+    if (!m_isKept) m_number = m_before;
+  }
+  NumberGuard(const NumberGuard&) = delete;
+  NumberGuard& operator=(const NumberGuard&) = delete;
+  OdResult keep(OdResult result) {
+    m_isKept = result == eOk;
+    return result;
+  }
+
+ private:
+  double& m_number;
+  double m_before;
+  bool m_isKept = false;
+};
+
+}  // namespace
+
+// The field has its new value first: the context hears of the variable and finds them equal.
+OdResult VdmSheetMetalContextThicknessOption::toVariable(double before) {
+  OdDbObjectId id;
+  if (m_pProperties == nullptr || !m_pProperties->getProperty(kVdmThicknessVar, id)) return eOk;
+  const auto variable = id.openAs<OdDbAssocVariable>();
+  if (variable.isNull()) return eOk;
+  if (!vdmDiffers(vdmu::getValueAsDouble(variable), m_fields.thickness)) return eOk;
+  NumberGuard guard(m_fields.thickness, before);
+  const VdmOpenUpgrade upgrade(variable);
+  return guard.keep(vdmu::setConstExpression(variable, m_fields.thickness));
 }
 
 OdResult VdmSheetMetalContextThicknessOption::copyFrom(const VdmISheetMetalContextOption* other) {
-  return VdmSheetMetalContextOptionOf::copyFrom(other);
+  const double before = m_fields.thickness;
+  const OdResult result = VdmSheetMetalContextOptionOf::copyFrom(other);
+  return result == eOk ? toVariable(before) : result;
 }
 
 OdResult VdmSheetMetalContextThicknessOption::setDefaultValue(const VdmDbISettings* settings) {
-  return VdmSheetMetalContextOptionOf::setDefaultValue(settings);
+  const double before = m_fields.thickness;
+  const OdResult result = VdmSheetMetalContextOptionOf::setDefaultValue(settings);
+  const OdResult written = toVariable(before);
+  return result == eOk ? written : result;
 }
 
 // ---- Bend radius

@@ -5,8 +5,6 @@
 #include "vdm_db/sheet_metal/vdm_sheet_metal_context_option.h"
 #include "vdm_db/sheet_metal/vdm_sheet_metal_length.h"
 
-class OdDbAssocVariable;
-
 // ---- Accessors of a length, by its prefix: type, absolute value, ratio, and the setters of the
 // ---- last two, which set the type as well.
 #define VDM_SHEET_METAL_LENGTH(get, Set, field, reference)                                     \
@@ -39,8 +37,9 @@ class VDM_DB_EXPORT VdmSheetMetalContextThicknessOption
     : public VdmSheetMetalContextOptionOf<VdmSheetMetalThicknessFields> {
  public:
   [[nodiscard]] double value() const { return m_fields.thickness; }
-  /// 5 for a value that is not above 0; otherwise what writing the variable gives. An option that
-  /// is bound to no bag keeps the value and reports the failed assertion "m_pProperties".
+  /// 5 for a value that is not above 0. When the variable does not take the value, what it says,
+  /// and nothing changes. An option that is bound to no bag takes the value and reports the failed
+  /// assertion "m_pProperties".
   OdResult setValue(double value);
 
   void bind(VdmProperties& bag) override;
@@ -48,6 +47,10 @@ class VDM_DB_EXPORT VdmSheetMetalContextThicknessOption
   OdResult setDefaultValue(const VdmDbISettings* settings) override;
 
  private:
+  /// Writes a new value to the variable, if there is one and it differs; takes the field back to
+  /// `before` when it is refused.
+  OdResult toVariable(double before);
+
   VdmProperties* m_pProperties = nullptr;
 };
 
