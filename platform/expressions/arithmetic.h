@@ -41,12 +41,12 @@ inline constexpr double kLargestStepError = 1e-3;
 
 /// a - b * wholeQuotient(a, b): it has the sign of b, and is 0 when a is a multiple of b.
 [[nodiscard]] inline double remainderOf(double a, double b) noexcept {
-  double rest = std::fmod(a, b);
-  if (rest != 0.0 && std::signbit(rest) != std::signbit(b)) rest += b;
+  const double rest = std::fmod(a, b);
   const double tolerance =
       std::min(kRelativeTolerance * std::abs(a), kLargestStepError * std::abs(b));
-  const bool isMultiple = std::abs(rest) <= tolerance || std::abs(b - rest) <= tolerance;
-  return isMultiple ? 0.0 : rest;
+  const double toNextMultiple = std::abs(b) - std::abs(rest);
+  if (std::abs(rest) <= tolerance || toNextMultiple <= tolerance) return 0.0;
+  return std::signbit(rest) == std::signbit(b) ? rest : rest + b;
 }
 
 /// Half away from zero; a value just below the half by rounding counts as the half.
