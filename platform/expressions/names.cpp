@@ -1,9 +1,13 @@
 // Names in texts.
 #include "platform/expressions/names.h"
 
+#include <algorithm>
+#include <string>
+
 #include "platform/base/case_compare.h"
 #include "platform/base/name_characters.h"
 #include "platform/expressions/compile.h"
+#include "platform/expressions/functions.h"
 #include "platform/expressions/text_parser.h"
 #include "platform/expressions/wide_text.h"
 #include "platform/expressions/words.h"
@@ -62,6 +66,14 @@ bool checkName(const OdString& name, Diagnostic& diagnostic) {
     return refuse(1, "'" + name + "', a word of the language", "another name");
   }
   return true;
+}
+
+std::vector<OdString> functionNames() {
+  std::vector<OdString> names;
+  for (const FunctionRow& row : functionRows()) names.emplace_back(std::string(row.name));
+  names.emplace_back("if");
+  std::ranges::sort(names);
+  return names;
 }
 
 }  // namespace OdExpression

@@ -32,4 +32,7 @@ struct Mention {
 /// `diagnostic`.
 [[nodiscard]] OD_API bool checkName(const OdString& name, Diagnostic& diagnostic);
 
+/// The functions of the language in lower case, in alphabetic order.
+[[nodiscard]] OD_API std::vector<OdString> functionNames();
+
 }  // namespace OdExpression
