@@ -3,7 +3,12 @@
 
 #include "vdm_db/associations/vdm_assoc_utils.h"
 #include "vdm_db/associations/vdm_entity_assoc_attribute.h"
+#include "vdm_db/cloning/vdm_assoc_variable_cloning_watcher.h"
+#include "vdm_db/cloning/vdm_check_in.h"
+#include "vdm_db/cloning/vdm_clone_utils.h"
+#include "vdm_db/cloning/vdm_model_cloning.h"
 #include "vdm_db/cloning/vdm_remapping_operation_bracket.h"
+#include "vdm_db/cloning/vdm_variable_cleanup.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/common/vdm_object_id_hash.h"
 #include "vdm_db/concrete_features/vdm_diff_feature.h"

@@ -43,6 +43,7 @@ struct OdDbCloneState {
   std::vector<Settled> settled;            ///< a stack, as primary clones may nest
   std::unordered_map<OdString, OdUInt32> nameCounters;     ///< last number given to a mangled name
   std::unordered_map<OdDbObjectId, OdDbObjectId> targets;  ///< where contents of an owner go
+  std::unordered_map<OdDbObjectId, OdDbObjectId> takeovers;  ///< by source: what is its clone
   std::vector<OdDbObjectId> receivers;  ///< owners that were asked for, each once
   int nesting = 0;
   bool running = false;

@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 #include "platform/base/error.h"
 #include "platform/cloning/clone_state.h"
@@ -91,6 +92,11 @@ OdDbObjectId OdDbCloner::counterpart(OdDbObjectId id) const {
   if (!toOtherDatabase()) return OdDbObjectId::kNull;
   const auto target = m_state.targets.find(id);
   return target == m_state.targets.end() ? OdDbObjectId::kNull : target->second;
+}
+
+void OdDbCloner::setTakeovers(OdDbIdMapping& mapping,
+                              std::unordered_map<OdDbObjectId, OdDbObjectId> clones) {
+  stateOf(mapping).takeovers = std::move(clones);
 }
 
 void OdDbCloner::enterPair(const OdDbIdPair& pair) {
@@ -264,6 +270,10 @@ OdDbObjectPtr OdDbCloner::makeClone(const OdDbObject* source, OdDbObject* owner,
   if (!m_state.settled.empty() && m_state.settled.back().source == source->objectId()) {
     name = m_state.settled.back().name;
     replaced = m_state.settled.back().replaced;
+  }
+  if (const auto takeover = m_state.takeovers.find(source->objectId());
+      takeover != m_state.takeovers.end()) {
+    replaced = takeover->second;
   }
   const std::size_t firstOwned = m_state.owned.size();
   OdDbObjectPtr clone = readClone(source, replaced);

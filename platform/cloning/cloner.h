@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/base/result.h"
@@ -64,6 +65,14 @@ class OdDbCloner {
   /// Ends deferred operations and direct clones: owned and followed objects that wait are cloned,
   /// then the ids of all clones that wait are translated.
   static void translateIds(OdDbIdMapping& mapping, OdDbDwgFiler::FilerType type);
+
+  /// For each source that is a key, the value takes over its state and is its clone: an object of
+  /// the same class and of the destination, which keeps its id and its owner.
+  static void setTakeovers(OdDbIdMapping& mapping,
+                           std::unordered_map<OdDbObjectId, OdDbObjectId> clones);
+
+  /// The ids of the object are translated.
+  static void endFlux(OdDbObject* object);
 
   /// Clones what one block holds into a block of another drawing: entities that are not erased, and
   /// the contents of the extension dictionary. Sets the origin of `to`.

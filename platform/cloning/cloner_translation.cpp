@@ -62,7 +62,11 @@ void OdDbCloner::translate(OdDbObject* clone) {
     }
   }
   if (clone->hasXData()) translateXData(clone);
-  clone->m_bits &= static_cast<OdUInt16>(~OdDbObject::kBitIdsInFlux);
+  endFlux(clone);
+}
+
+void OdDbCloner::endFlux(OdDbObject* object) {
+  object->m_bits &= static_cast<OdUInt16>(~OdDbObject::kBitIdsInFlux);
 }
 
 OdDbObjectId OdDbCloner::translateId(void* self, OdDbObjectId id, OdDb::ReferenceType type) {

@@ -5,7 +5,8 @@
 
 class OdDbDatabase;
 
-/// What knows about long transactions: a host that offers editing in place installs one.
+/// What knows about long transactions. The runtime installs one for those that drawings hold
+/// (OdDbLongTransactionMan); a host that runs its own puts its own in that place.
 class OdApLongTransactionManager {
  public:
   virtual ~OdApLongTransactionManager() = default;

@@ -16,6 +16,7 @@ list(APPEND VDM_DB_SOURCES
   constraints/vdm_db_constraint_manager_clone.cpp
   constraints/vdm_db_constraint_manager_creation.cpp
   constraints/vdm_db_constraint_manager_filing.cpp
+  constraints/vdm_db_constraint_manager_merge.cpp
   constraints/vdm_db_constraint_manager_pe.cpp
   constraints/vdm_db_constraint_manager_registry.cpp
   constraints/vdm_db_constraint_manager_status.cpp

@@ -21,6 +21,7 @@
 class VdmConstraintManagerServices;
 class VdmDbConstraintManager;
 class VdmDbObject;
+class VdmDbReverseIdMapping;
 class VdmFeatureUpdateData;
 using VdmDbConstraintManagerPtr = OdSmartPtr<VdmDbConstraintManager>;
 
@@ -184,6 +185,27 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   /// Empties it, and notifies the VdmDbConstraintManagerPE.
   void invalidateTCCache();
 
+  // ---- Merging
+
+  /// Takes over what `source`, the manager of clones in this manager's block, knows about them, and
+  /// erases it; see VdmMergeContext. Both are open for write.
+  ///
+  /// 1. Constraints move in rising node id and get new ones here. One whose arguments cannot be
+  ///    reached is dropped. Without `keepAll` arguments outside this block are mapped to the
+  ///    clones, as the VdmDbConstraintManagerPE decides; without one they stay as they are.
+  /// 2. A name that is taken gets the first free number from the node id on.
+  /// 3. Exploded into model space, a constraint with default geometry of nothing is disabled.
+  /// 4. The status becomes that of the manager that `source` was cloned from, when that is higher;
+  ///    the clones of objects that are modified there are modified here.
+  /// 5. Model objects of entities of this block that constraints, features or persistent ids keep
+  ///    come under this manager, with new names. The others are erased.
+  ///
+  /// Raises eNullPointer for a null source. Failure midway is not rolled back.
+  void mergeManagers(VdmDbConstraintManager* source, OdDbIdMapping& mapping,
+                     VdmDbReverseIdMapping& reverse,
+                     std::unordered_set<OdDbObjectId>& mergedObjects, bool keepAll,
+                     std::map<OdDbObjectId, OdDbObjectId>& replaced);
+
   // ---- Audit
 
   /// Repairs the reactors of entities, takes out erased and repeated entries, and removes invalid
@@ -225,6 +247,7 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   using ModifiedObjects = std::set<OdDbObjectId, vdmu::ObjectIdLess>;
   enum UndoStep : OdUInt8 { kStateStep = 0, kRegistryStep = 1, kChildStep = 2 };
   struct ObjectNames;
+  struct Merge;
 
   /// The manager of a block, made with `create`. One that was asked for with `create` and `link` is
   /// linked under the root manager.

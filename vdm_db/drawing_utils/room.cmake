@@ -1,6 +1,7 @@
 # Utilities of drawings: dictionaries, blocks, external references, reactors, display,
 # transactions, id mappings, scope guards.
 list(APPEND VDM_DB_SOURCES
+  drawing_utils/vdm_assoc_action_utils.cpp
   drawing_utils/vdm_assoc_array_utils.cpp
   drawing_utils/vdm_auto_save_solid_properties.cpp
   drawing_utils/vdm_block_utils.cpp
@@ -17,6 +18,7 @@ list(APPEND VDM_DB_SOURCES
   drawing_utils/vdm_xref_utils.cpp
 )
 list(APPEND VDM_DB_HEADERS
+  drawing_utils/vdm_assoc_action_utils.h
   drawing_utils/vdm_assoc_array_utils.h
   drawing_utils/vdm_auto_save_solid_properties.h
   drawing_utils/vdm_block_utils.h

@@ -10,6 +10,7 @@
 #include "platform/db/units.h"
 #include "platform/entities/block_reference.h"
 #include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/drawing_utils/vdm_assoc_action_utils.h"
 #include "vdm_db/drawing_utils/vdm_object_id_class.h"
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 #include "vdm_db/drawing_utils/vdm_parameter_copy_mode.h"
@@ -130,7 +131,11 @@ OdDbObjectId cloneBlock(OdDbObjectId source, bool deferXlation,
     const OdDbBlockTableRecordPtr to = block.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite);
     to->setOrigin(from->origin());
     to->setComments(from->comments());
-    if (cloneContents(from, to, deferXlation, *mapping, nullptr) != eOk) return OdDbObjectId::kNull;
+    const OdResult result = cloneAssocActions(from->database(), getAssocActions(source), block,
+                                              *mapping, /*deferXlation=*/true);
+    if (result != eOk || cloneContents(from, to, deferXlation, *mapping, nullptr) != eOk) {
+      return OdDbObjectId::kNull;
+    }
   }
   transaction.commit();
   return block;

@@ -1,6 +1,7 @@
 // The utilities of drawings, family by family.
 #pragma once
 
+#include "vdm_db/drawing_utils/vdm_assoc_action_utils.h"
 #include "vdm_db/drawing_utils/vdm_assoc_array_utils.h"
 #include "vdm_db/drawing_utils/vdm_block_utils.h"
 #include "vdm_db/drawing_utils/vdm_db_database_transaction.h"

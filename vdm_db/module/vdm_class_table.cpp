@@ -6,6 +6,7 @@
 
 #include "platform/base/error.h"
 #include "vdm_db/associations/vdm_entity_assoc_attribute.h"
+#include "vdm_db/cloning/vdm_assoc_variable_cloning_watcher.h"
 #include "vdm_db/cloning/vdm_remapping_operation_bracket.h"
 #include "vdm_db/concrete_features/vdm_diff_feature.h"
 #include "vdm_db/concrete_features/vdm_drafting_group_feature.h"
@@ -93,6 +94,7 @@ constexpr ClassRow kClassRows[] = {
     rowOf<VdmDbISettings>(),
     rowOf<vdmu::VdmRemappingOperationBracket>(),
     rowOf<vdm_assoc::EntityAssocAttribute>(),
+    rowOf<vdmu::AssocVariableCloningWatcher>(),
 };
 
 bool isOfTable(const OdRxClass* rxClass) {

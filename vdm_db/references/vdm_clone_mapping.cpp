@@ -54,6 +54,11 @@ OdGeExtents3d extentsOf(const OdDbObjectId& id) {
   return extents;
 }
 
+// References are compared by their placement: what they show is a block of its own.
+bool arePlacedAlike(const OdDbBlockReference* a, const OdDbBlockReference* b) {
+  return a->blockTransform().isEqualTo(b->blockTransform());
+}
+
 bool haveSameExtents(const OdDbObjectId& a, const OdDbObjectId& b) {
   const OdGeExtents3d first = extentsOf(a);
   const OdGeExtents3d second = extentsOf(b);
@@ -62,6 +67,14 @@ bool haveSameExtents(const OdDbObjectId& a, const OdDbObjectId& b) {
   }
   const double size = std::max(1.0, first.diagonal().length());
   return first.isEqualTo(second, OdGeTol(OdGeTol::kDefault.equalPoint() * size));
+}
+
+bool isEqualEntity(const OdDbObjectId& a, const OdDbObjectId& b) {
+  if (a.objectClass() != b.objectClass()) return false;
+  if (!vdmu::isIdOf<OdDbBlockReference>(a)) return haveSameExtents(a, b);
+  const OdDbBlockReferencePtr first = a.openAs<OdDbBlockReference>();
+  const OdDbBlockReferencePtr second = b.openAs<OdDbBlockReference>();
+  return !first.isNull() && !second.isNull() && arePlacedAlike(first, second);
 }
 
 /// Pairs blocks, beginning with those that are offered.
@@ -197,8 +210,7 @@ bool isEqualBTR(const OdDbBlockTableRecord* a, const OdDbBlockTableRecord* b) {
   const OdDbObjectIteratorPtr it1 = a->newIterator();
   const OdDbObjectIteratorPtr it2 = b->newIterator();
   for (; !it1->done() && !it2->done(); it1->step(), it2->step()) {
-    if (it1->objectId().objectClass() != it2->objectId().objectClass()) return false;
-    if (!haveSameExtents(it1->objectId(), it2->objectId())) return false;
+    if (!isEqualEntity(it1->objectId(), it2->objectId())) return false;
   }
   return it1->done() && it2->done();
 }
@@ -259,6 +271,14 @@ bool mapObjectPath(OdDbIdMapping& mapping, const VdmDbIdMapping& blocks,
   if (!path.hasClone() && mapping.deepCloneContext() != OdDb::kDcInsertCopy) return false;
   target = path.path();
   return true;
+}
+
+bool VdmClonedPaths::map(const OdArray<OdDbObjectId>& source, OdArray<OdDbObjectId>& target) {
+  if (!m_blocks) {
+    buildBtrMapping(m_mapping, m_blocks.emplace());
+    m_elements = mapBlockElements(*m_blocks);
+  }
+  return mapObjectPath(m_mapping, *m_blocks, source, target, m_elements, /*keepUnmapped=*/false);
 }
 
 }  // namespace vdmu

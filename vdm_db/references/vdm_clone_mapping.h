@@ -1,6 +1,7 @@
 // From the blocks and paths of what was cloned to those of the clones.
 #pragma once
 
+#include <optional>
 #include <unordered_map>
 
 #include "platform/base/array.h"
@@ -23,8 +24,8 @@ namespace vdmu {
 [[nodiscard]] VDM_DB_EXPORT OdArray<OdDbObjectId> getClonedBTRs(OdDbIdMapping& mapping);
 
 /// Two blocks hold the same: as many entities that are not erased, in their order of the same
-/// classes and with the same extents (within OdGeTol::kDefault of their size). Blocks that are
-/// shown within are not compared.
+/// classes and with the same extents (within OdGeTol::kDefault of their size), references with the
+/// same placement. Blocks that are shown within are not compared.
 [[nodiscard]] VDM_DB_EXPORT bool isEqualBTR(const OdDbBlockTableRecord* a,
                                             const OdDbBlockTableRecord* b);
 /// The block of `destination` that has the name of the source's block: of the block itself, or of
@@ -60,5 +61,20 @@ using VdmBlockElements = std::unordered_map<OdDbObjectId, VdmDbIdMapping, OdDbOb
 VDM_DB_EXPORT bool mapObjectPath(OdDbIdMapping& mapping, const VdmDbIdMapping& blocks,
                                  const OdArray<OdDbObjectId>& source, OdArray<OdDbObjectId>& target,
                                  const VdmBlockElements& elements, bool keepUnmapped);
+
+/// Maps many paths of one clone operation: what all of them need is made when the first is asked
+/// for. The mapping outlives it.
+class VDM_DB_EXPORT VdmClonedPaths {
+ public:
+  explicit VdmClonedPaths(OdDbIdMapping& mapping) : m_mapping(mapping) {}
+
+  /// mapObjectPath() without keeping what is unmapped.
+  bool map(const OdArray<OdDbObjectId>& source, OdArray<OdDbObjectId>& target);
+
+ private:
+  OdDbIdMapping& m_mapping;
+  std::optional<VdmDbIdMapping> m_blocks;
+  VdmBlockElements m_elements;
+};
 
 }  // namespace vdmu

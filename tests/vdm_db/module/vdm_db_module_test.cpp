@@ -96,6 +96,8 @@ const std::vector<ClassRow> kClassRows = {
      L"OdRxObject", false, L"", L""},
     {[] { return vdm_assoc::EntityAssocAttribute::desc(); }, L"EntityAssocAttribute", L"OdRxObject",
      true, L"", L""},
+    {[] { return vdmu::AssocVariableCloningWatcher::desc(); }, L"vdmu::AssocVariableCloningWatcher",
+     L"OdDbDatabaseReactor", true, L"", L""},
 };
 
 std::vector<OdRxClass*> registered() {
