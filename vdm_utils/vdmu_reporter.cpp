@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "vdm_utils/vdm_exception.h"
 
@@ -78,4 +79,11 @@ bool VdmuMessageCollector::hasErrors() const noexcept {
   return std::any_of(m_messages.begin(), m_messages.end(), [](const Message& message) {
     return message.severity == VdmuSeverity::kError;
   });
+}
+
+VdmuFileReporter::VdmuFileReporter(VdmuIReporter& receiver, OdString file)
+    : m_receiver(receiver), m_file(std::move(file)) {}
+
+void VdmuFileReporter::report(VdmuMessageId id, const OdString& text) {
+  m_receiver.report(id, m_file + ": " + (text.isEmpty() ? vdmuMessageText(id, {}) : text));
 }

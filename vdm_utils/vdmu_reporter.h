@@ -75,3 +75,16 @@ class OD_API VdmuMessageCollector : public VdmuIReporter {
  private:
   std::vector<Message> m_messages;
 };
+
+/// Hands messages on with the name of the file that they are about in front: "parts.csv: row 3,
+/// column 2: the cell is empty". The receiver outlives it.
+class OD_API VdmuFileReporter : public VdmuIReporter {
+ public:
+  VdmuFileReporter(VdmuIReporter& receiver, OdString file);
+
+  void report(VdmuMessageId id, const OdString& text) override;
+
+ private:
+  VdmuIReporter& m_receiver;
+  OdString m_file;
+};

@@ -34,10 +34,17 @@ TEST(VdmcAssert, ReportsFailuresAndGoesOn) {
 
 TEST(VdmuReporter, PutsArgumentsIntoMessages) {
   VdmuMessageCollector collector;
-  collector.reportFormat(eRpt_Fmt_UnexpectedSymbol, 42, 1U, 3);
+  collector.reportFormat(eRpt_Fmt_UnexpectedSymbol, 42, 1U, 3, L"*Name");
   EXPECT_TRUE(collector.hasErrors());
-  ASSERT_EQ(collector.messages().size(), 1U);
-  EXPECT_EQ(collector.messages()[0].text, L"row 1, column 3: unexpected character \"*\"");
+  VdmuFileReporter file(collector, L"parts.csv");
+  file.reportFormat(eRpt_Fmt_EmptyCell, 7, 2);
+  file.report(eRpt_InvalidTableSize, OdString());
+  ASSERT_EQ(collector.messages().size(), 3U);
+  EXPECT_EQ(collector.messages()[0].text,
+            L"row 1, column 3: \"*Name\" begins with the reserved character \"*\"");
+  EXPECT_EQ(collector.messages()[1].text, L"parts.csv: row 7, column 2: the cell is empty");
+  EXPECT_EQ(collector.messages()[2].text,
+            L"parts.csv: the number of cells is not the number of rows times the number of columns");
   EXPECT_THROW(vdmuMessageText(static_cast<VdmuMessageId>(0), {}), VdmException);
 }
 

@@ -251,6 +251,7 @@ OdResult VdmDbFeatureData::eraseOwnObjects() {
   }
   const OdDbObjectIdArray reactors = feature->reactors();
   OdDbObjectIdArray owned = reactors;
+  owned.append(feature->ownedObjects());
   const VdmUpdateFeatureInterfacePtr active = VdmUpdateFeatureInterface::activeOf(feature);
   if (!active.isNull() && active->erasesOwnObjects()) owned.append(active->ownObjectIds());
   for (const OdDbObjectId& id : reactors) feature->removeReactor(id, /*eraseReactor=*/false);

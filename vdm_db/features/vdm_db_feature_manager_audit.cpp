@@ -31,7 +31,8 @@ void VdmDbFeatureManager::doAudit() {
     const VdmFeaturePtr feature = VdmFeature::open(id);
     if (feature.isNull()) continue;
     const bool lost = dropLostReactors(*feature);
-    if (!lost && !feature->reactorIds().isEmpty()) continue;
+    const bool hasReason = !feature->reactorIds().isEmpty() || !feature->ownedObjects().isEmpty();
+    if (!lost && hasReason) continue;
     vdmu::eraseObjects(feature->reactors());
     broken.append(id);
   }

@@ -108,6 +108,8 @@ bool VdmFeature::removeProperty(const OdString& key) {
   return static_cast<VdmDbFeatureData*>(getDbObject())->getWriteProperties().removeProperty(key);
 }
 
+OdDbObjectIdArray VdmFeature::ownedObjects() const { return {}; }
+
 // ---- Name
 
 OdString VdmFeature::name() const {

@@ -154,6 +154,10 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
   /// Binds the feature to its carrier; null ends that. For the carrier's own use.
   virtual void attach(OdDbObject* carrier) = 0;
 
+  /// Objects besides the reactors that the feature owns; they are erased with it. None in the base.
+  /// A feature that owns some is kept by the manager's audit without reactors, too.
+  [[nodiscard]] virtual OdDbObjectIdArray ownedObjects() const;
+
   // ---- The carrier
 
   /// Upgrades the carrier to write until it is closed.

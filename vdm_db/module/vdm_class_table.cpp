@@ -14,6 +14,10 @@
 #include "vdm_db/concrete_features/vdm_suppress_feature.h"
 #include "vdm_db/concrete_features/vdm_thread_feature.h"
 #include "vdm_db/concrete_features/vdm_tracking_feature.h"
+#include "vdm_db/configurations/vdm_configuration_feature.h"
+#include "vdm_db/configurations/vdm_configuration_roles.h"
+#include "vdm_db/configurations/vdm_db_config_var_reactor.h"
+#include "vdm_db/configurations/vdm_db_configuration_table.h"
 #include "vdm_db/constraints/vdm_constraint.h"
 #include "vdm_db/constraints/vdm_db_assembly_pe.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
@@ -36,6 +40,7 @@
 #include "vdm_db/model/vdm_db_object_pe.h"
 #include "vdm_db/model/vdm_db_pers_id_manager.h"
 #include "vdm_db/model/vdm_db_pers_id_manager_pe.h"
+#include "vdm_db/parameters/vdm_variable_roles.h"
 #include "vdm_db/properties/vdm_db_extension_data.h"
 #include "vdm_db/properties/vdm_properties_pe.h"
 #include "vdm_db/sheet_metal/vdm_db_isettings.h"
@@ -93,6 +98,9 @@ constexpr ClassRow kClassRows[] = {
     rowOf<VdmDbAssemblyPE>(),
     rowOf<VdmDbISettings>(),
     rowOf<vdmu::VdmRemappingOperationBracket>(),
+    rowOf<VdmDbConfigurationTable>(),
+    rowOf<VdmConfigurationFeature>(),
+    rowOf<VdmDbConfigVarReactor>(),
     rowOf<vdm_assoc::EntityAssocAttribute>(),
     rowOf<vdmu::AssocVariableCloningWatcher>(),
 };
@@ -125,10 +133,18 @@ class RegistrationGuard {
 
 }  // namespace
 
+// What the rooms above answer about variables.
+static void installVariableRoles() {
+  VdmVariableRoles roles;
+  vdmAddConfigurationRoles(roles);
+  VdmVariableRoles::install(roles);
+}
+
 void vdmRegisterClasses() {
   RegistrationGuard guard(std::begin(kClassRows));
   while (!guard.isDone()) guard.registerNext();
   VdmModelObjectRegistry::installFinder(&VdmDbConstraintManager::getInstance);
+  installVariableRoles();
 }
 
 void vdmRequireReleasable() {
@@ -141,6 +157,7 @@ void vdmRequireReleasable() {
 }
 
 void vdmReleaseClasses() {
+  VdmVariableRoles::install({});
   VdmModelObjectRegistry::installFinder(nullptr);
   std::for_each(std::rbegin(kClassRows), std::rend(kClassRows),
                 [](const ClassRow& row) { row.uninit(); });
