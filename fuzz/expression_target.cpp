@@ -58,15 +58,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
 
   std::vector<OdExpression::Mention> mentions;
-  const bool isFormed = listNames(text, mentions, diagnostic);
+  const bool isFormed = OdExpression::listNames(text, mentions, diagnostic);
   fuzzRequire(isFormed || !compiles, "a compiled text that is not well formed");
   if (!isFormed) requireFinding(diagnostic, text);
   for (const OdExpression::Mention& mention : mentions) {
-    fuzzRequire(renameInText(text, mention.name, mention.name).iEquals(text),
+    fuzzRequire(OdExpression::renameInText(text, mention.name, mention.name).iEquals(text),
                 "a rename to itself that changes more than case");
   }
   double factor = NAN;
-  if (unitFactor(text, text, factor, diagnostic)) {
+  if (OdExpression::unitFactor(text, text, factor, diagnostic)) {
     fuzzRequire(std::abs(factor - 1.0) < 1e-12 || !std::isfinite(factor), "a unit unlike itself");
   }
   return 0;

@@ -86,8 +86,7 @@ std::vector<OdUInt32> Program::slots() const {
   }
   add(m_resultSource, m_resultIndex);
   std::ranges::sort(slots);
-  const auto repeated = std::ranges::unique(slots);
-  slots.erase(repeated.begin(), repeated.end());
+  slots.erase(std::unique(slots.begin(), slots.end()), slots.end());
   return slots;
 }
 
