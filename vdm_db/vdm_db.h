@@ -31,6 +31,7 @@
 #include "vdm_db/constraints/vdm_db_assembly_pe.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager_pe.h"
+#include "vdm_db/constraints/vdm_db_variable_reactor.h"
 #include "vdm_db/drawing_utils/vdm_auto_save_solid_properties.h"
 #include "vdm_db/drawing_utils/vdm_database_utils.h"
 #include "vdm_db/drawing_utils/vdm_db_id_mapping.h"

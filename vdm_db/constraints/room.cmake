@@ -9,6 +9,7 @@ list(APPEND VDM_DB_SOURCES
   constraints/vdm_constraint_orientation.cpp
   constraints/vdm_constraint_properties_utils.cpp
   constraints/vdm_constraint_utils.cpp
+  constraints/vdm_constraint_variable.cpp
   constraints/vdm_db_assembly_pe.cpp
   constraints/vdm_db_constraint_manager.cpp
   constraints/vdm_db_constraint_manager_arguments.cpp
@@ -20,6 +21,8 @@ list(APPEND VDM_DB_SOURCES
   constraints/vdm_db_constraint_manager_pe.cpp
   constraints/vdm_db_constraint_manager_registry.cpp
   constraints/vdm_db_constraint_manager_status.cpp
+  constraints/vdm_db_constraint_manager_variables.cpp
+  constraints/vdm_db_variable_reactor.cpp
 )
 list(APPEND VDM_DB_HEADERS
   constraints/vdm_constraint.h
@@ -32,6 +35,7 @@ list(APPEND VDM_DB_HEADERS
   constraints/vdm_db_assembly_pe.h
   constraints/vdm_db_constraint_manager.h
   constraints/vdm_db_constraint_manager_pe.h
+  constraints/vdm_db_variable_reactor.h
 )
 list(APPEND VDM_DB_PRIVATE_HEADERS
   constraints/vdm_db_constraint_manager_names.h

@@ -65,14 +65,6 @@ void VdmConstraint::signalModification(NotifyCode code) {
   if (code == kAfterModify) decideLowestSoftVersionCode();
 }
 
-template <class Call>
-void VdmConstraint::change(Call&& store) {
-  signalModification(kBeforeModify);
-  store();
-  signalModification(kDataChanged);
-  signalModification(kAfterModify);
-}
-
 void VdmConstraint::decideLowestSoftVersionCode() {
   if (m_type == 0 || m_type > kNewestType) return;
   OdLong present = 0;
@@ -118,12 +110,6 @@ void VdmConstraint::setType(OdLong type) {
   change([&] { m_type = type; });
 }
 
-void VdmConstraint::setName(const OdString& name) {
-  signalModification(kBeforeModify);
-  m_name = name;
-  signalModification(kAfterModify);
-}
-
 void VdmConstraint::setEnabled(bool enabled) {
   change([&] { m_enabled = enabled; });
 }
@@ -152,12 +138,6 @@ void VdmConstraint::setUserValue(double value) {
     throw OdError(eInvalidInput, text);
   }
   change([&] { m_userValue = value; });
-}
-
-OdDbObjectId VdmConstraint::userVariable() const {
-  OdDbObjectId variable;
-  m_properties.getProperty(kVdmAssocVar, variable);
-  return variable;
 }
 
 bool VdmConstraint::isSupportedVersion() const {

@@ -18,6 +18,7 @@
 #include "vdm_db/properties/vdm_properties.h"
 #include "vdm_db/references/vdm_extended_path.h"
 
+class OdDbAssocVariable;
 class OdDbDatabase;
 class VdmConstraint;
 using VdmConstraintPtr = OdSmartPtr<VdmConstraint>;
@@ -27,8 +28,9 @@ using VdmConstraintPtr = OdSmartPtr<VdmConstraint>;
 /// VdmDbConstraintManager holds it by reference, files it within its own record and records its
 /// changes for undo. Undo, redo and reading make new objects and set the owner of the old ones to
 /// null, so users keep the node id across them and not the object. VdmDbConstraintManagerPE gives
-/// type codes their meaning. A variable that carries the value is kept by its id only. Used on the
-/// thread that holds the drawing.
+/// type codes their meaning. A parametric constraint can have a variable in the network of its
+/// block, kept by its id, which carries the name and the value. Used on the thread that holds the
+/// drawing.
 ///
 /// A change of a filed field is four steps: kBeforeModify, store, kDataChanged, kAfterModify.
 /// Changing the name and removing a property leave kDataChanged out, because they do not outdate a
@@ -66,8 +68,11 @@ class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
 
   [[nodiscard]] OdLong type() const { return m_type; }
   void setType(OdLong type);
-  [[nodiscard]] OdString name() const { return m_name; }
-  void setName(const OdString& name);
+  /// That of the variable when there is one.
+  [[nodiscard]] OdString name() const;
+  /// Renames the variable when there is one, and expressions that use it follow. Refused, with
+  /// nothing changed: what OdDbAssocVariable::setName refuses.
+  OdResult setName(const OdString& name, OdString* errorMessage = nullptr);
   [[nodiscard]] bool isEnabled() const { return m_enabled; }
   void setEnabled(bool enabled);
   /// Asked of the extension; false without one.
@@ -80,6 +85,11 @@ class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
   void setUserValue(double value);
   /// Id of the variable that carries the value; null without one.
   [[nodiscard]] OdDbObjectId userVariable() const;
+  /// Expression of the variable; empty without one.
+  [[nodiscard]] OdString userExpression() const;
+  /// The constraint whose value a variable carries, found by the persistent reactors of the
+  /// variable; null when there is none, and for null. The manager holds it.
+  [[nodiscard]] static VdmConstraint* getDimConstraint(const OdDbAssocVariable* variable);
   /// False for a constraint of a newer writer: its marks are kept as they are.
   [[nodiscard]] bool isSupportedVersion() const;
 
@@ -116,10 +126,7 @@ class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
   /// Stores a value, also in place of one of another kind, with the signals of a change.
   template <VdmPropertyValue T>
   void changeProperty(const OdString& key, const T& value) {
-    signalModification(kBeforeModify);
-    putProperty(key, value);
-    signalModification(kDataChanged);
-    signalModification(kAfterModify);
+    change([&] { putProperty(key, value); });
   }
   /// True when it was there.
   bool removeProperty(const OdString& key);
@@ -132,6 +139,12 @@ class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
   OdResult dwgInFields(OdDbDwgFiler* filer);
 
  protected:
+  friend class VdmDbConstraintManager;
+
+  /// Makes the variable that carries name and value, and gives its id. Null, with nothing changed,
+  /// without a name, for a constraint that is not parametric or has a variable, and for a name that
+  /// no variable can have.
+  OdDbObjectId createVariable();
   /// Sets "softVersion" and "exType" to what a reader must understand.
   void decideLowestSoftVersionCode();
 
@@ -145,8 +158,14 @@ class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
   }
   void signalModification(NotifyCode code);
   void notifyOwner(NotifyCode code);
+  /// Stores, with the signals of a change.
   template <class Call>
-  void change(Call&& store);
+  void change(Call&& store) {
+    signalModification(kBeforeModify);
+    store();
+    signalModification(kDataChanged);
+    signalModification(kAfterModify);
+  }
   [[nodiscard]] OdLong lowestSoftVersionCode() const;
   [[nodiscard]] OdLong streamType() const;
   OdResult readProperties(OdDbDwgFiler* filer, OdInt16 version);

@@ -176,6 +176,24 @@ void VdmConstraintManagerServices::createConstraints() {
   if (m_needUpdate) updateDatabase(assembly, database);
 }
 
+// ---- Expressions
+
+OdResult VdmConstraintManagerServices::changeExpressions(
+    const std::map<OdString, OdString>& expressions) {
+  if (m_pending.empty()) return eOk;
+  const auto manager =
+      m_pending[0].constraint->owner().openAs<VdmDbConstraintManager>(OdDb::kForWrite);
+  if (manager.isNull()) return eOk;
+  OdResult failure = eOk;
+  for (const Pending& pending : m_pending) {
+    const auto found = expressions.find(pending.constraint->name());
+    if (found == expressions.end()) throw OdError(eInvalidKey, OdString("invalid map<K, T> key"));
+    const OdResult result = manager->setConstraintExpression(pending.constraint, found->second);
+    if (result != eOk) failure = result;
+  }
+  return failure;
+}
+
 // ---- Removing
 
 void VdmConstraintManagerServices::removeConstraints() {

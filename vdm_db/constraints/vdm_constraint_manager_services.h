@@ -51,6 +51,10 @@ class VDM_DB_EXPORT VdmConstraintManagerServices {
   /// Makes the dependencies of all constraints. Raises OdError "Failed to create dependency" for an
   /// argument whose path cannot be referred to.
   void createConstraints();
+  /// Sets the expressions of the constraints by their names. Raises OdError_InvalidKey "invalid
+  /// map<K, T> key" at the first constraint whose name is not in the map; those before it are set.
+  /// The last result of VdmDbConstraintManager::setConstraintExpression() that is not eOk.
+  OdResult changeExpressions(const std::map<OdString, OdString>& expressions);
   /// Removes the constraints from their managers.
   void removeConstraints();
 

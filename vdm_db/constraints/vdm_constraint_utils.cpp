@@ -2,6 +2,7 @@
 #include "vdm_db/constraints/vdm_constraint_utils.h"
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "platform/base/error.h"
@@ -10,11 +11,15 @@
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/drawing_utils/vdm_dictionary_utils.h"
 #include "vdm_db/model/vdm_db_object.h"
+#include "vdm_db/parameters/vdm_variable_names.h"
+#include "vdm_db/parameters/vdm_variable_values.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
 namespace vdmu {
 
 namespace {
+
+constexpr const wchar_t* kValueVariableName = L"value";
 
 /// The model object of the entity, open for write; made when there is none.
 VdmDbObjectPtr modelObjectOf(const OdDbObjectId& entity, const VdmDbConstraintManager* manager) {
@@ -93,6 +98,23 @@ OdArray<double> getUniqueConstraintValues(const OdArray<VdmConstraintPtr>& const
     if (unique.isEmpty() || value - unique.last() > tolerance) unique.append(value);
   }
   return unique;
+}
+
+void createVariablesForConstraintValues(OdDbObjectId block, double tolerance) {
+  const auto manager = getObjInExtDict(block, kVdmDatabaseKey, nullptr)
+                           .openAs<VdmDbConstraintManager>(OdDb::kForWrite);
+  if (manager.isNull()) return;
+  const OdArray<VdmConstraintPtr> constraints = manager->constraints();
+  for (const double value : getUniqueConstraintValues(constraints, tolerance)) {
+    const OdString name = generateVariableName(block, OdString(kValueVariableName));
+    const OdDbObjectId variable =
+        getAssocVariable(block, name, /*create=*/true, getConstExpression(value));
+    if (variable.isNull()) continue;
+    for (const VdmConstraintPtr& constraint : constraints) {
+      if (std::abs(constraint->userValue() - value) > tolerance) continue;
+      manager->setConstraintExpression(constraint, name);
+    }
+  }
 }
 
 }  // namespace vdmu

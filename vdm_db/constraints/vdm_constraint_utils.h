@@ -36,5 +36,9 @@ VDM_DB_EXPORT void markConstraintManagerChanged(
 /// tolerance.
 [[nodiscard]] VDM_DB_EXPORT OdArray<double> getUniqueConstraintValues(
     const OdArray<VdmConstraintPtr>& constraints, double tolerance);
+/// Makes a variable for each of those values of the block's constraints, and sets its name as the
+/// expression of the constraints whose value is that one within the tolerance. The variables are
+/// called "value", with a number where that is taken. Nothing happens for a block without manager.
+VDM_DB_EXPORT void createVariablesForConstraintValues(OdDbObjectId block, double tolerance);
 
 }  // namespace vdmu

@@ -121,6 +121,8 @@ bool VdmDbConstraintManager::takeOut(VdmConstraint* constraint) {
   const auto held = m_constraints.find(constraint->nodeId());
   if (held == m_constraints.end() || held->second.get() != constraint) return false;
   if (m_status == kSolvedWithChanges) changeState(kPartlyModified, {}, {});
+  const VdmConstraintPtr kept(constraint);
+  removeVariable(constraint->userVariable());
   constraint->setOwner(OdDbObjectId::kNull);
   m_constraints.erase(held);
   return true;
@@ -145,12 +147,7 @@ void VdmDbConstraintManager::removeConstraints(const OdArray<VdmConstraintPtr>& 
 
 void VdmDbConstraintManager::removeAllConstraints() { removeConstraints(constraints()); }
 
-void VdmDbConstraintManager::setConstraintName(VdmConstraint* constraint, const OdString& name) {
-  assertWriteEnabled();
-  if (constraint != nullptr) constraint->setName(name);
-}
-
-// ---- Variables
+// ---- Frozen variables
 
 void VdmDbConstraintManager::unfreezeVariables() {
   std::unordered_set<OdDbObjectId, vdmu::OdDbObjectIdHash> seen;

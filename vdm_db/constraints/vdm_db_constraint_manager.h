@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "platform/base/array.h"
@@ -37,9 +38,10 @@ using VdmDbConstraintManagerPtr = OdSmartPtr<VdmDbConstraintManager>;
 /// The children of a block's manager are the managers of the blocks that its model objects insert.
 /// Others refer to managers by id.
 ///
-/// The class covers constraints, registry, status, design intent, names of model objects and audit.
-/// A constraint keeps the id of a variable that carries its value; this class does not make,
-/// evaluate or remove variables.
+/// The class covers constraints with their variables, registry, status, design intent, names of
+/// model objects and audit. A parametric constraint with a name has a variable in the network of
+/// the block; the manager owns a VdmDbVariableReactor that reports its changes. It does not
+/// evaluate variables.
 ///
 /// The solver sets kUpToDate when it has solved a block. From then on:
 ///
@@ -115,7 +117,6 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   void removeConstraint(VdmConstraint* constraint);
   void removeConstraints(const OdArray<VdmConstraintPtr>& constraints);
   void removeAllConstraints();
-  void setConstraintName(VdmConstraint* constraint, const OdString& name);
   /// Appends the paths that the constraint does not have yet; these are appended to `added`, too.
   /// Raises OdError "Failed to create dependency", the constraint being as before.
   void addArguments(VdmConstraint* constraint, const VdmExtendedPathArray& paths,
@@ -138,6 +139,33 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   /// In rising handle order.
   [[nodiscard]] OdDbObjectIdArray getModifiedObjects() const;
   void setModifiedObjects(const OdDbObjectIdArray& objects);
+
+  // ---- Variables of constraints. A parametric constraint with a name gets one when it has none.
+  // ---- The results are eOk, and otherwise those of OdDbAssocVariable, with nothing changed and
+  // the
+  // ---- reason in `errorMessage`
+
+  OdResult setConstraintName(VdmConstraint* constraint, const OdString& name,
+                             OdString* errorMessage = nullptr);
+  /// Stores the value, and sets it as the expression, with up to 12 digits. Nothing happens for a
+  /// constraint that is not parametric. Raises eInvalidInput for a value that is not finite.
+  OdResult setConstraintValue(VdmConstraint* constraint, double value,
+                              OdString* errorMessage = nullptr);
+  /// Nothing happens for a constraint that can have no variable.
+  OdResult setConstraintExpression(VdmConstraint* constraint, const OdString& text,
+                                   OdString* errorMessage = nullptr);
+  /// Whether the text can be parsed, and each name in it is that of a variable or a constraint of
+  /// the block.
+  [[nodiscard]] ExpressionStatus checkConstraintExpression(const OdString& text);
+  /// The variables of the constraints, in rising node id.
+  [[nodiscard]] OdDbObjectIdArray variables() const;
+  /// A variable has another value: its constraint takes it. True when there is one and the values
+  /// differed by more than 1e-12. For the VdmDbVariableReactor.
+  bool variableModified(const OdDbObjectId& variable, double value);
+  /// A variable was erased: its constraint is removed. For the VdmDbVariableReactor.
+  void variableErased(const OdDbObjectId& variable);
+  /// The reactor of the variables, made with `create`; null without one.
+  OdDbObjectId variableReactor(bool create);
 
   // ---- Variables that keep their values while a model is updated; not filed, and none after
   // ---- loading
@@ -236,6 +264,9 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
  protected:
   /// Gives the constraint the next node id and holds it; nothing happens for null.
   void addConstraint(VdmConstraintPtr& constraint);
+  /// Takes the variable of a constraint out of the network and erases it, unless others depend on
+  /// it.
+  void removeVariable(const OdDbObjectId& variable);
   /// A constraint is about to change, or has changed.
   void notifyConstraintModify(VdmConstraint* constraint, VdmConstraint::NotifyCode code);
 
@@ -263,6 +294,9 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   void undoStateStep(OdDbDwgFiler* filer);
   VdmConstraintPtr makeConstraint(OdLong type, const OdString& name, bool flag);
   void setFirstValue(VdmConstraint* constraint, double value);
+  OdDbObjectId ensureVariable(VdmConstraint* constraint);
+  void attachVariable(const VdmConstraint& constraint);
+  [[nodiscard]] VdmConstraint* getDimConstraint(const OdDbObjectId& variable);
   void appendChild(const OdDbObjectId& manager);
   void removeChild(const OdDbObjectId& manager);
   bool takeOut(VdmConstraint* constraint);
@@ -292,4 +326,5 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   OdArray<OdULong> m_tcCache;
   std::unordered_set<OdDbObjectId, vdmu::OdDbObjectIdHash> m_frozenVariables;
   std::unique_ptr<ObjectNames> m_names;
+  std::unordered_map<OdDbObjectId, OdULong, vdmu::OdDbObjectIdHash> m_variableIndex;
 };

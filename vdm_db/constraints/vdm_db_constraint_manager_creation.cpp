@@ -46,7 +46,7 @@ VdmConstraintPtr VdmDbConstraintManager::makeConstraint(OdLong type, const OdStr
 }
 
 void VdmDbConstraintManager::setFirstValue(VdmConstraint* constraint, double value) {
-  constraint->setUserValue(value);
+  if (constraint->isParametric()) setConstraintValue(constraint, value);
 }
 
 VdmConstraintPtr VdmDbConstraintManager::addConstraint(int type, const VdmExtendedPathArray& args,
@@ -56,6 +56,7 @@ VdmConstraintPtr VdmDbConstraintManager::addConstraint(int type, const VdmExtend
   const auto assembly = VdmDbAssemblyPE::cast(this);
   try {
     const OdDbFullSubentPathArray paths = pathsOf(args);
+    ensureVariable(constraint);
     const OdDbObjectIdArray made = vdmu::createConstrDependencies(this, paths);
     constraint->setDependencies(dependenciesOf(args, made));
     const auto pe = VdmDbConstraintManagerPE::cast(this);

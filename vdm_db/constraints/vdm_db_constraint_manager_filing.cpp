@@ -119,6 +119,7 @@ void VdmDbConstraintManager::clearForRead() {
   m_status = kNotEvaluated;  // unless the stream has another one
   m_modifiedObjects.clear();
   m_names.reset();
+  m_variableIndex.clear();
 }
 
 OdResult VdmDbConstraintManager::readConstraints(OdDbDwgFiler* filer) {

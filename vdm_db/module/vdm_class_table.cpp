@@ -22,6 +22,7 @@
 #include "vdm_db/constraints/vdm_db_assembly_pe.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager_pe.h"
+#include "vdm_db/constraints/vdm_db_variable_reactor.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_db_feature_manager_transaction.h"
@@ -88,6 +89,7 @@ constexpr ClassRow kClassRows[] = {
     rowOf<VdmDbFeatureReactor>(),
     rowOf<VdmDbPersIdReactor>(),
     rowOf<VdmDbNamingPolicyPE>(),
+    rowOf<VdmDbVariableReactor>(),
     rowOf<VdmPropertiesPE>(),
     rowOf<VdmDbExtensionData>(),
     rowOf<VdmThreadFeature>(),

@@ -1,5 +1,6 @@
 // Random edits of a constraint manager against a plain model of it: status, modified objects,
-// names, soft versions and sides, with undo, redo, paging, saving and reading again.
+// names, soft versions, sides, and variables that define each other, with undo, redo, paging,
+// saving and reading again.
 #include <algorithm>
 #include <iterator>
 #include <map>
@@ -9,6 +10,7 @@
 #include "tests/support/test_seed.h"
 #include "tests/vdm_db/constraints/constraint_testing.h"
 #include "vdm_db/constraints/vdm_constraint_properties_utils.h"
+#include "vdm_db/parameters/vdm_variable_evaluation.h"
 
 namespace {
 
@@ -21,6 +23,7 @@ constexpr int kNoEntity = -1;
 struct Row {
   OdLong type = 0;
   std::string name;
+  bool hasVariable = false;  ///< of that name
   double value = 0;
   bool enabled = true;
   std::vector<int> arguments;
@@ -37,7 +40,14 @@ struct Row {
   }
 };
 
+/// A constant, or twice another variable.
+struct Variable {
+  double value = 0;
+  std::string source;
+};
+
 struct Model {
+  std::map<std::string, Variable> variables;
   int status = 3;
   std::set<int> modified;
   std::map<OdULong, Row> rows;
@@ -66,9 +76,46 @@ struct Model {
       return std::ranges::count(entry.second.arguments, entity) > 0;
     });
   }
+  [[nodiscard]] bool isSource(const std::string& name) const {
+    return std::ranges::any_of(variables, [&](const auto& v) { return v.second.source == name; });
+  }
+  [[nodiscard]] std::string freeName(const std::string& base) const {
+    std::string name = base;
+    for (int i = 1; variables.contains(name); ++i) name = base + "_" + std::to_string(i);
+    return name;
+  }
+  bool rename(Row& row, const std::string& name) {
+    if (variables.contains(name)) return row.name == name;
+    variables[name] = variables.extract(row.name).mapped();
+    for (auto& [key, variable] : variables) {
+      if (variable.source == row.name) variable.source = name;
+    }
+    row.name = name;
+    return true;
+  }
+  /// False when `name` would depend on itself.
+  bool define(const std::string& name, const std::string& source) {
+    for (std::string at = source; !at.empty(); at = variables[at].source) {
+      if (at == name) return false;
+    }
+    variables[name].source = source;
+    return true;
+  }
+  [[nodiscard]] double valueOf(const std::string& name) {
+    const Variable& variable = variables[name];
+    return variable.source.empty() ? variable.value : 2 * valueOf(variable.source);
+  }
+  void evaluate() {
+    for (auto& [nodeId, row] : rows) {
+      if (!row.hasVariable || row.value == valueOf(row.name)) continue;
+      row.value = valueOf(row.name);
+      outdate(row.arguments);
+    }
+  }
   /// Entities that nothing refers to any more count as finished.
   void remove(std::map<OdULong, Row>::iterator row) {
     const std::set<int> left(row->second.arguments.begin(), row->second.arguments.end());
+    if (row->second.hasVariable && !isSource(row->second.name)) variables.erase(row->second.name);
     rows.erase(row);
     if (status == 1) status = 2;
     for (const int entity : left) {
@@ -93,6 +140,7 @@ class RandomConstraints : public ConstraintTest {
   [[nodiscard]] Row observed(const VdmConstraint& constraint) const {
     Row row{constraint.type(),
             std::string(constraint.name().utf8()),
+            !constraint.userVariable().isNull(),
             constraint.userValue(),
             constraint.isEnabled(),
             {},
@@ -153,25 +201,50 @@ class RandomConstraints : public ConstraintTest {
       entities.push_back(entity(row.arguments.back()));
     }
     addConstraint(row.type, entities, OdString(row.name));
+    row.hasVariable = row.type >= 10;
+    if (row.hasVariable) m_model.variables[row.name = m_model.freeName(row.name)] = {};
     m_model.outdate(row.arguments);
     const OdULong last = m_model.rows.empty() ? 0 : m_model.rows.rbegin()->first;
     m_model.rows.emplace(last + 1, std::move(row));
   }
+  void rename(VdmConstraint* constraint, Row& row) {
+    const std::string name = "N" + std::to_string(m_random.below(9));
+    const bool isTaken = constraint->setName(OdString(name)) == eOk;
+    if (row.hasVariable) {
+      EXPECT_EQ(isTaken, m_model.rename(row, name));
+    } else {
+      row.name = name;
+    }
+  }
+  void define(VdmConstraint* constraint, const Row& row) {
+    if (!row.hasVariable) return;
+    auto source = std::next(m_model.variables.begin(),
+                            static_cast<std::ptrdiff_t>(m_random.below(m_model.variables.size())));
+    const OdResult result =
+        editManager()->setConstraintExpression(constraint, OdString("2 * " + source->first));
+    const bool isDefined = m_model.define(row.name, source->first);
+    EXPECT_EQ(result, isDefined ? eOk : eCircularReference);
+  }
   void edit(VdmConstraint* constraint, Row& row) {
     bool outdates = true;
-    switch (m_random.below(9)) {
+    switch (m_random.below(10)) {
       case 0:
         constraint->setEnabled(row.enabled = m_random.chance(50));
         break;
       case 1:
-        row.name = "N" + std::to_string(m_random.below(9));
-        constraint->setName(OdString(row.name));
+        rename(constraint, row);
         outdates = false;
         break;
       case 2:
-        constraint->setUserValue(m_model.step);
-        outdates = row.type >= 10;
-        if (outdates) row.value = m_model.step;
+        editManager()->setConstraintValue(constraint, m_model.step);
+        outdates = row.hasVariable;
+        if (!outdates) break;
+        row.value = m_model.step;
+        m_model.variables[row.name] = {row.value, {}};
+        break;
+      case 7:
+        define(constraint, row);
+        outdates = false;
         break;
       case 3:
         utils::setAlignment(constraint, kAlignmentFirst);
@@ -234,6 +307,8 @@ class RandomConstraints : public ConstraintTest {
     if (kind >= 2 && kind < 5) editAny();
     if (kind == 5 || kind == 6) report();
     if (kind == 7) solve();
+    vdmu::evaluateVariables(m_modelSpace);
+    m_model.evaluate();
     m_steps.resize(m_position + 1);
     m_steps.push_back(m_model);
     ++m_position;

@@ -78,6 +78,8 @@ const std::vector<ClassRow> kClassRows = {
      L"VDMDBPERSIDREACTOR", L"Vantrel|Description: features reactor"},
     {[] { return VdmDbNamingPolicyPE::desc(); }, L"VdmDbNamingPolicyPE", L"OdRxObject", false, L"",
      L""},
+    {[] { return VdmDbVariableReactor::desc(); }, L"VdmVariableReactor", L"OdDbObject", true,
+     L"VDMVARIABLEREACTOR", L"Vantrel|Description: 3D constraints data"},
     {[] { return VdmPropertiesPE::desc(); }, L"VdmPropertiesPE", L"OdRxObject", false, L"", L""},
     {[] { return VdmDbExtensionData::desc(); }, L"VdmDbExtensionData", L"OdDbObject", true,
      L"VDMDBEXTENSIONDATA", L"Vantrel|Description: extension data"},
