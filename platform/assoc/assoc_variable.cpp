@@ -17,6 +17,12 @@
 OD_RX_DEFINE_DB(OdDbAssocVariable, OdDbAssocAction, L"OdDbAssocVariable", 0, 0, 0, L"ASSOCVARIABLE",
                 OdString())
 
+// The graph reads the name of a variable that leaves it, so that has to come before the base's
+// part.
+OdDbAssocVariable::~OdDbAssocVariable() {
+  if (m_graph != nullptr) m_graph->forget(m_node);
+}
+
 namespace {
 
 // A damaged file may hold any number.

@@ -21,6 +21,8 @@ class OdDbAssocVariable : public OdDbAssocAction {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbAssocVariable)
 
+  ~OdDbAssocVariable() override;
+
   [[nodiscard]] const OdString& name() const;
   /// Empty for a variable whose value was set as such.
   [[nodiscard]] OdString expression() const;
