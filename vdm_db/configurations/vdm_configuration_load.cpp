@@ -8,11 +8,11 @@
 #include <span>
 #include <vector>
 
+#include "platform/assoc/expression_parser.h"
 #include "vdm_db/configurations/vdm_cell_number.h"
 #include "vdm_db/configurations/vdm_configuration_results.h"
 #include "vdm_db/configurations/vdm_name_order.h"
 #include "vdm_utils/vdmu_reporter.h"
-#include "platform/assoc/expression_parser.h"
 
 namespace {
 
@@ -41,7 +41,7 @@ class Loader {
 
   OdResult load(bool promoteSingleColumn, VdmConfigurationCells& result) {
     readNames();
-    reportEqualNames();
+    reportEqual(m_cells.columnNames, /*firstNumber=*/2, eRpt_Fmt_DuplicateColName);
     readRows();
     reportEqual(m_cells.keys, /*firstNumber=*/2, eRpt_Fmt_DuplicateKey);
     warnOfTexts();
@@ -115,16 +115,6 @@ class Loader {
     }
     m_cells.texts.append(std::move(text));
     m_cells.numbers.append(number);
-  }
-
-  // The key column counts too: a name has to lead to one column.
-  void reportEqualNames() {
-    if (m_cells.keyName.isEmpty()) {
-      return reportEqual(m_cells.columnNames, /*firstNumber=*/2, eRpt_Fmt_DuplicateColName);
-    }
-    VdmStringArray names{m_cells.keyName};
-    names.append(m_cells.columnNames);
-    reportEqual(names, /*firstNumber=*/1, eRpt_Fmt_DuplicateColName);
   }
 
   void reportEqual(const VdmStringArray& names, OdUInt32 firstNumber, VdmuMessageId message) {

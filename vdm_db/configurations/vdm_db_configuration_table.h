@@ -57,11 +57,9 @@ class VDM_DB_EXPORT VdmDbConfigurationTable : public OdDbObject {
   // ---- Columns
 
   [[nodiscard]] OdString keyColumnName() const;
-  /// Raises OdError eDuplicateKey for the name of a value column.
   void setKeyColumnName(const OdString& name);
   /// Renames the key column if it has the old name, otherwise the first value column that has it;
-  /// nothing happens without one. Raises OdError eDuplicateKey when another column has the new
-  /// name.
+  /// nothing happens without one. The new name may be that of another column: law 1.
   void setColumnName(const OdString& old, const OdString& name);
   [[nodiscard]] bool hasColumn(const OdString& name) const;
   /// Position of a value column; `likely` is looked at first.
@@ -123,7 +121,6 @@ class VDM_DB_EXPORT VdmDbConfigurationTable : public OdDbObject {
   [[nodiscard]] const VdmConfigurationMatch& match() const;
   [[nodiscard]] std::vector<VdmConfigurationRule> rulesFor(const RowMap& required,
                                                            const RowMap& optional) const;
-  [[nodiscard]] bool isNameFree(const OdString& name, std::optional<OdUInt32> except) const;
   void rename(std::optional<OdUInt32> column, const OdString& name);
   OdResult writeCell(OdUInt32 row, OdUInt32 column, const OdString& text, double number);
   void putRow(OdUInt32 at, const OdString& key, const VdmStringArray& texts,

@@ -10,24 +10,10 @@
 
 // ---- Names
 
-bool VdmDbConfigurationTable::isNameFree(const OdString& name,
-                                         std::optional<OdUInt32> except) const {
-  if (except && odStrICmp(m_cells.keyName, name) == 0) return false;
-  for (OdUInt32 column = 0; column < m_cells.columns(); ++column) {
-    if (column != except && odStrICmp(m_cells.columnNames[column], name) == 0) return false;
-  }
-  return true;
-}
-
 void VdmDbConfigurationTable::rename(std::optional<OdUInt32> column, const OdString& name) {
   assertWriteEnabled(/*autoUndo=*/false, /*recordModified=*/false);
   const OdString old = column ? m_cells.columnNames[*column] : m_cells.keyName;
   if (old == name) return;
-  if (!name.isEmpty() && !isNameFree(name, column)) {
-    throw OdError(eDuplicateKey, "column \"" + old + "\" of configuration table " +
-                                     getDbHandle().ascii() + " cannot become \"" + name +
-                                     "\": another column has that name");
-  }
   assertWriteEnabled(/*autoUndo=*/false);
   recordName(column);
   if (column) {
