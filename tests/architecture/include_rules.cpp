@@ -213,7 +213,7 @@ std::vector<FolderRule> makeFolderRules() {
             "vdm_db/associations", "vdm_db/references", "vdm_db/model", "vdm_db/parameters",
             "vdm_db/constraints", "vdm_db/features", "vdm_db/concrete_features", "vdm_db/update",
             "vdm_db/feature_display", "vdm_db/configurations", "vdm_db/sheet_metal",
-            "vdm_db/cloning", "vdm_db/module"});
+            "vdm_db/cloning", "vdm_db/drafting", "vdm_db/module"});
   std::vector<std::string_view> everything;
   for (const FolderRule& rule : table) everything.push_back(rule.folder);
   addRooms(table, everything,

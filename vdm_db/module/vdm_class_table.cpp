@@ -23,6 +23,7 @@
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager_pe.h"
 #include "vdm_db/constraints/vdm_db_variable_reactor.h"
+#include "vdm_db/drafting/vdm_db_trailing_line_pe.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_db_feature_manager_transaction.h"
@@ -104,6 +105,7 @@ constexpr ClassRow kClassRows[] = {
     rowOf<VdmConfigurationFeature>(),
     rowOf<VdmDbConfigVarReactor>(),
     rowOf<vdm_assoc::EntityAssocAttribute>(),
+    rowOf<VdmDbTrailingLinePE>(),
     rowOf<vdmu::AssocVariableCloningWatcher>(),
 };
 

@@ -104,6 +104,8 @@ const std::vector<ClassRow> kClassRows = {
      true, L"VDMDBCONFIGVARREACTOR", L"Vantrel|Description: features reactor"},
     {[] { return vdm_assoc::EntityAssocAttribute::desc(); }, L"EntityAssocAttribute", L"OdRxObject",
      true, L"", L""},
+    {[] { return VdmDbTrailingLinePE::desc(); }, L"VdmDbTrailingLinePE", L"OdRxObject", false, L"",
+     L""},
     {[] { return vdmu::AssocVariableCloningWatcher::desc(); }, L"vdmu::AssocVariableCloningWatcher",
      L"OdDbDatabaseReactor", true, L"", L""},
 };
