@@ -77,8 +77,9 @@ class OdDbAssocAction : public OdDbObject {
   void runAlone(OdDbAssocEvaluationCallback* callback);
   void cloneDefinitions(OdDbIdMapping& mapping, OdDbObject* owner, bool toOtherDatabase) const;
 
+  // In an order that leaves no padding: there are many actions.
+  OdUInt32 m_node = 0;                ///< place in the graph while there is one
+  OdDbAssocGraph* m_graph = nullptr;  ///< of the owning network, which owns it
   OdDbObjectIdArray m_dependencies;
   OdDbAssocStatus m_status = kAssocUpToDate;  ///< what is stored; see OdDbAssocGraph
-  OdUInt32 m_node = 0;                        ///< place in the graph while there is one
-  OdDbAssocGraph* m_graph = nullptr;          ///< of the owning network, which owns it
 };

@@ -54,10 +54,11 @@ class OdDbAssocDependency : public OdDbObject {
   static void fields(Fields& fields, Self& self);
   void markAction();
 
-  OdDbObjectId m_dependentOn;
+  // Small ones first: they lie in the padding of the base, and there are many dependencies.
   bool m_reads = true;
   bool m_writes = false;
   OdDbAssocStatus m_status = kAssocUpToDate;
+  OdDbObjectId m_dependentOn;
 };
 
 class OdDbAssocValueDependency;

@@ -262,7 +262,8 @@ std::vector<OdDbIdRecord*> OdDbAssocVariable::syncDependencies(
     dependencies.push_back(database()->addOdDbObject(made.get(), objectId()).idRecord());
   }
   const OdDbObjectIdArray old = m_dependencies;
-  m_dependencies.clear();
+  m_dependencies = OdDbObjectIdArray();
+  m_dependencies.reserve(static_cast<OdUInt32>(dependencies.size()));
   for (OdDbIdRecord* dependency : dependencies) m_dependencies.append(OdDbObjectId(dependency));
   for (const OdDbObjectId& id : old) {
     if (id.isErased() || m_dependencies.contains(id)) continue;

@@ -88,10 +88,10 @@ class OdDbAssocVariable : public OdDbAssocAction {
   [[nodiscard]] double& number();
   [[nodiscard]] const double& number() const;
 
+  OdDb::DwgDataType m_type = OdDb::kDwgNull;
   OdString m_name;
   OdString m_expression;
   OdString m_evaluatorId;
   OdString m_text;        ///< the value of the type kDwgText
   double m_number = 0.0;  ///< the value of the other types, while there is no graph
-  OdDb::DwgDataType m_type = OdDb::kDwgNull;
 };

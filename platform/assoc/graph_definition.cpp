@@ -238,6 +238,7 @@ OdResult OdDbAssocGraph::recompileDependents(Index node, Definition& definition,
 void OdDbAssocGraph::adopt(Index node, Definition&& definition,
                            const std::vector<OdDbIdRecord*>& dependencies) {
   unlinkInputs(node);
+  m_nodes[node].inputs.reserve(dependencies.size());
   for (std::size_t i = 0; i < dependencies.size(); ++i) {
     addEdge(definition.inputs[i], node, dependencies[i]);
   }

@@ -101,6 +101,14 @@ void OdDbAssocGraph::syncList() {
   }
 }
 
+// In small steps: doubling would leave half of a large graph unused.
+void OdDbAssocGraph::makeRoom() {
+  if (m_nodes.size() < m_nodes.capacity()) return;
+  const std::size_t capacity = m_nodes.size() + m_nodes.size() / 8 + 8;
+  m_nodes.reserve(capacity);
+  m_values.reserve(capacity);
+}
+
 OdDbAssocActionPtr OdDbAssocGraph::openListed(const OdDbObjectId& id) {
   if (id.isErased() && !id.isResident()) return {};
   return id.openAs<OdDbAssocAction>(OdDb::kForRead, /*openErased=*/true);
@@ -115,6 +123,7 @@ OdDbAssocGraph::Index OdDbAssocGraph::nodeOf(OdDbAssocAction* action) {
 OdDbAssocGraph::Index OdDbAssocGraph::attach(OdDbAssocAction* action) {
   Index node = static_cast<Index>(m_nodes.size());
   if (m_free.empty()) {
+    makeRoom();
     m_nodes.emplace_back();
     m_values.push_back(0.0);
   } else {
@@ -275,6 +284,7 @@ OdDbAssocVariable* OdDbAssocGraph::asVariable(const OdDbObjectId& id, Index& nod
 
 void OdDbAssocGraph::link(Index node, bool keepsOrder) {
   OdDbAssocAction* action = m_nodes[node].action;
+  m_nodes[node].inputs.reserve(action->m_dependencies.size());
   std::vector<std::pair<OdString, OdString>> renamed;
   for (const OdDbObjectId& id : static_cast<const OdDbObjectIdArray&>(action->m_dependencies)) {
     if (id.ownerId() != action->objectId()) continue;  // a clone whose ids are not yet its own

@@ -169,6 +169,7 @@ class OdDbAssocGraph {
   // Nodes and links (network_graph.cpp).
   void syncList();
   static OdSmartPtr<OdDbAssocAction> openListed(const OdDbObjectId& id);
+  void makeRoom();
   Index nodeOf(OdDbAssocAction* action);
   Index attach(OdDbAssocAction* action);
   void detach(Index node);
