@@ -15,6 +15,8 @@
 #include "host/modeling/residues.h"
 #include "host/modeling/tool_fit.h"
 
+class VdmDbFeatureManagerTransaction;
+
 namespace vdm_host {
 
 class BodyLineage;
@@ -117,12 +119,16 @@ class ComponentHandler final : public FeatureHandler {
 
   // Results.
   void storePieces();
+  static void storePiecesOf(ComponentPieces& pieces);
   void settleReferences();
   void addRespawns(ReferenceUpdate& update, const BodyLineage& lineage, const Work& work) const;
   void referToOpenings(const BodyLineage& lineage);
+  static bool referToOpening(VdmDbFeatureManagerTransaction& transaction,
+                             const BodyLineage& lineage, const Work& work);
   void noteOpenings(const BodyLineage& lineage) const;
   void matchSamples(const BodyLineage& lineage);
   void storeApplied();
+  void storeAppliedOf(const Work& work);
   void noteWithoutEffect(const Work& work);
   [[nodiscard]] static ToolFaces toolFaces(const BodyLineage& lineage, const Work& work);
 

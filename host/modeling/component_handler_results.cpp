@@ -63,10 +63,12 @@ void noteBirths(const OdDbObjectId& feature) {
 
 }  // namespace
 
+// A feature that fails here has its own record wrong; the others are written down all the same,
+// since the solids are as all of them say.
 void ComponentHandler::settle() {
   if (m_work.empty()) return;
   storePieces();
-  settleReferences();
+  m_helper.workFor(OdDbObjectId(), [this] { settleReferences(); });
   storeApplied();
 }
 
@@ -74,13 +76,17 @@ void ComponentHandler::storePieces() {
   for (const std::unique_ptr<Site>& site : m_sites) {
     for (ComponentPieces& pieces : site->ledger.components()) {
       if (!pieces.isChanged(ToolKind::kCut) && !pieces.isChanged(ToolKind::kFill)) continue;
-      const VdmComponentFeaturePtr feature = openForWrite(pieces.feature);
-      if (feature.isNull()) continue;
-      feature->getDbObject()->assertWriteEnabled();
-      for (const ToolKind kind : kToolKinds) {
-        if (pieces.isChanged(kind)) feature->setPiece(kind, pieces.pieceOf(kind));
-      }
+      m_helper.workFor(pieces.feature, [&pieces] { storePiecesOf(pieces); });
     }
+  }
+}
+
+void ComponentHandler::storePiecesOf(ComponentPieces& pieces) {
+  const VdmComponentFeaturePtr feature = openForWrite(pieces.feature);
+  if (feature.isNull()) return;
+  feature->getDbObject()->assertWriteEnabled();
+  for (const ToolKind kind : kToolKinds) {
+    if (pieces.isChanged(kind)) feature->setPiece(kind, pieces.pieceOf(kind));
   }
 }
 
@@ -153,26 +159,36 @@ void ComponentHandler::referToOpenings(const BodyLineage& lineage) {
         VdmDbFeatureManagerTransaction::createObject();
     for (const Work& work : m_work) {
       if (!work.applies || work.condemned) continue;
-      const VdmComponentFeaturePtr feature = openForWrite(work.feature);
-      if (feature.isNull()) continue;
-      const std::map<int, OdDbObjectIdArray> known = feature->openingDependencies();
-      bool isExtended = false;
-      for (const auto& [toolFace, faces] : toolFaces(lineage, work)) {
-        std::vector<OdUInt32> missing = faces;
-        if (const auto have = known.find(toolFace); have != known.end()) {
-          for (const OdDbObjectId& id : have->second) std::erase(missing, resolvedIndexOf(id));
-        }
-        OdDbFullSubentPathArray paths;
-        for (const OdUInt32 index : missing) {
-          paths.append(OdDbFullSubentPath(work.solid, OdDbSubentId(OdDb::kFaceSubentType, index)));
-        }
-        transaction->append(feature.get(), paths, VdmComponentFeature::kOpeningMask, toolFace);
-        isExtended |= !missing.empty();
-      }
-      if (isExtended) extended.push_back(&work);
+      m_helper.workFor(work.feature, [&] {
+        if (referToOpening(*transaction, lineage, work)) extended.push_back(&work);
+      });
     }
   }
-  for (const Work* work : extended) noteBirths(work->feature);
+  for (const Work* work : extended) {
+    m_helper.workFor(work->feature, [work] { noteBirths(work->feature); });
+  }
+}
+
+/// True when there are faces without a reference.
+bool ComponentHandler::referToOpening(VdmDbFeatureManagerTransaction& transaction,
+                                      const BodyLineage& lineage, const Work& work) {
+  const VdmComponentFeaturePtr feature = openForWrite(work.feature);
+  if (feature.isNull()) return false;
+  const std::map<int, OdDbObjectIdArray> known = feature->openingDependencies();
+  bool isExtended = false;
+  for (const auto& [toolFace, faces] : toolFaces(lineage, work)) {
+    std::vector<OdUInt32> missing = faces;
+    if (const auto have = known.find(toolFace); have != known.end()) {
+      for (const OdDbObjectId& id : have->second) std::erase(missing, resolvedIndexOf(id));
+    }
+    OdDbFullSubentPathArray paths;
+    for (const OdUInt32 index : missing) {
+      paths.append(OdDbFullSubentPath(work.solid, OdDbSubentId(OdDb::kFaceSubentType, index)));
+    }
+    transaction.append(feature.get(), paths, VdmComponentFeature::kOpeningMask, toolFace);
+    isExtended |= !missing.empty();
+  }
+  return isExtended;
 }
 
 ComponentHandler::ToolFaces ComponentHandler::toolFaces(const BodyLineage& lineage,
@@ -216,25 +232,29 @@ void ComponentHandler::storeApplied() {
   for (const Work& work : m_work) {
     if (work.condemned) {
       m_helper.condemn(work.feature);
-      continue;
+    } else {
+      m_helper.workFor(work.feature, [&] { storeAppliedOf(work); });
     }
-    const VdmComponentFeaturePtr feature = openForWrite(work.feature);
-    if (feature.isNull()) continue;
-    feature->getDbObject()->assertWriteEnabled();
-    VdmComponentFeature::Placed placed = work.before;
-    if (work.applies) {
-      placed.transform = work.now;
-      const ComponentPieces* pieces = siteOf(work.solid).ledger.find(work.feature);
-      placed.box = pieces != nullptr ? pieces->box : decltype(placed.box){};
-    }
-    // The plane of a base face changes with its solid alone: that was moved or is new then.
-    if (!work.wasPlaced || !work.heals) noteBasePlane(*feature, placed);
-    feature->setApplied(work.state, placed, work.applies ? work.toolStamp : feature->toolStamp());
-    const VdmDbInsertReactorPtr reactor =
-        feature->insertReactorId().openAs<VdmDbInsertReactor>(OdDb::kForWrite);
-    if (!reactor.isNull()) reactor->setChanged(false);
-    if (work.applies) noteWithoutEffect(work);
   }
+}
+
+void ComponentHandler::storeAppliedOf(const Work& work) {
+  const VdmComponentFeaturePtr feature = openForWrite(work.feature);
+  if (feature.isNull()) return;
+  feature->getDbObject()->assertWriteEnabled();
+  VdmComponentFeature::Placed placed = work.before;
+  if (work.applies) {
+    placed.transform = work.now;
+    const ComponentPieces* pieces = siteOf(work.solid).ledger.find(work.feature);
+    placed.box = pieces != nullptr ? pieces->box : decltype(placed.box){};
+  }
+  // The plane of a base face changes with its solid alone: that was moved or is new then.
+  if (!work.wasPlaced || !work.heals) noteBasePlane(*feature, placed);
+  feature->setApplied(work.state, placed, work.applies ? work.toolStamp : feature->toolStamp());
+  const VdmDbInsertReactorPtr reactor =
+      feature->insertReactorId().openAs<VdmDbInsertReactor>(OdDb::kForWrite);
+  if (!reactor.isNull()) reactor->setChanged(false);
+  if (work.applies) noteWithoutEffect(work);
 }
 
 // A component whose tools left no residue: it is off the solid, or in what others took already.

@@ -139,7 +139,9 @@ void UpdateHelper::withdrawFeature(const OdDbObjectId& feature) {
 
 void UpdateHelper::prepareInit() {
   if (failed()) return;
-  for (const HandlerRow& row : m_handlers) row.handler->settle();
+  for (const HandlerRow& row : m_handlers) {
+    workFor(OdDbObjectId(), [&row] { row.handler->settle(); });
+  }
 }
 
 }  // namespace vdm_host

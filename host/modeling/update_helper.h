@@ -11,6 +11,8 @@
 #include "host/modeling/update_report.h"
 #include "platform/base/status.h"
 #include "platform/modeler/solid_journal.h"
+#include "vdm_db/update/vdm_feature_guard.h"
+#include "vdm_db/update/vdm_feature_update_data.h"
 #include "vdm_db/update/vdm_feature_update_data_helper.h"
 
 namespace vdm_host {
@@ -35,6 +37,14 @@ class UpdateHelper final : public VdmFeatureUpdateDataHelper {
   /// Reports the failure of a feature's operation; false always.
   bool fail(const OdDbObjectId& feature, OdStatus status);
   void noteStep(const OdDbObjectId& feature, const OdDbObjectId& solid, SolidAction action) const;
+  /// Works for one feature once the solids are kept: what `work` raises is that feature's failure.
+  template <class Work>
+  void workFor(const OdDbObjectId& feature, const Work& work) {
+    vdmGuardFeature(feature, updateData().observer(), [&work] {
+      work();
+      return true;
+    });
+  }
   void condemn(const OdDbObjectId& feature);
   /// A tool of the feature in gross mode.
   void addGrossTool(const OdDbObjectId& feature, const OdDbObjectId& solid, ToolKind kind,

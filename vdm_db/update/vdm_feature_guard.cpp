@@ -18,7 +18,9 @@ OdString vdmRaisedErrorText() {
 }
 
 void vdmReportRaisedError(const OdDbObjectId& feature, VdmUpdateObserver* observer) {
-  const OdString text = "feature " + feature.getHandle().ascii() + ": " + vdmRaisedErrorText();
+  const OdString who =
+      feature.isNull() ? OdString("update pass") : "feature " + feature.getHandle().ascii();
+  const OdString text = who + ": " + vdmRaisedErrorText();
   vdmcCallAssert("false", text, "vdm_db/vdm_feature_update_data", __LINE__);
   if (observer != nullptr) observer->featureFailed(feature, text);
 }

@@ -32,7 +32,12 @@ bool VdmFeatureUpdateData::update() {
 }
 
 bool VdmFeatureUpdateData::initFeatures() {
-  if (m_helper) m_helper->prepareInit();
+  if (m_helper) {
+    vdmGuardFeature(OdDbObjectId(), observer(), [this] {
+      m_helper->prepareInit();
+      return true;
+    });
+  }
   const bool changed = forEachFeatureToUpdate([this](VdmFeature* feature, const OdDbObjectId& id) {
     const bool initChanged = feature->initAfterUpdate(*this);
     if (observer() != nullptr) observer()->featureInitialised(id, initChanged);

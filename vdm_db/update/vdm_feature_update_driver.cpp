@@ -73,10 +73,21 @@ class VdmFeatureUpdateDriver {
 
   bool runStep(const Step& step, VdmUpdateObserver* observer) {
     if (observer != nullptr) observer->phaseBegan(step.phase);
-    const Outcome outcome = (this->*step.run)();
+    const Outcome outcome = areSolidsDone(step) ? runGuarded(step) : (this->*step.run)();
     if (observer != nullptr) observer->phaseEnded(step.phase);
     if (outcome == Outcome::kFailed) abortSolids(step.phase);
     return outcome == Outcome::kChanged;
+  }
+
+  // Changes are kept from there on: an error is reported, and the caller gets what was done.
+  static bool areSolidsDone(const Step& step) { return step.phase >= VdmUpdatePhase::kUpdate; }
+  Outcome runGuarded(const Step& step) {
+    try {
+      return (this->*step.run)();
+    } catch (...) {
+      vdmReportRaisedError(OdDbObjectId(), m_data.observer());
+      return Outcome::kChanged;
+    }
   }
 
   // ---- When steps are due

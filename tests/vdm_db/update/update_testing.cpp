@@ -19,7 +19,7 @@ class ScriptedInterface : public VdmUpdateFeatureInterface {
   bool removeSubents(VdmFeatureSubentsToRemove& record, const OdDbFullSubentPathArray&) override {
     return script().removeSubents && script().removeSubents(record);
   }
-  bool initAfterUpdate(VdmFeatureUpdateData&) override { return false; }
+  bool initAfterUpdate(VdmFeatureUpdateData& data) override { return script().init(data); }
   bool createForEntity(VdmDbFeatureManager*, const OdDbFullSubentPath&, const OdDbObjectId& entity,
                        VdmFeatureUpdateData&) override {
     return Scene::current->scripts[entity].acceptsEntity;

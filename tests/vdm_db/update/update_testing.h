@@ -23,6 +23,7 @@ struct Script {
   using Step = std::function<bool(VdmFeatureUpdateData&)>;
   Step prepare = [](VdmFeatureUpdateData&) { return false; };
   Step update = prepare;
+  Step init = prepare;  ///< of the interface
   std::function<bool(VdmFeatureSubentsToRemove&)> removeSubents;
   VdmUpdateFeatureInterface::OpeningFaces opening;
   OdDbObjectIdArray ownIds;  ///< the interface is active when there are any
@@ -46,6 +47,7 @@ struct Scene {
   bool acceptsTools = true;
   bool acceptsSolids = true;
   std::function<void()> beforeSolids;            ///< in prepareForSubtract
+  std::function<void()> beforeInit;              ///< in prepareInit
   std::vector<std::string> abortsHeardByHelper;  ///< phase and text
   bool removesSubents = false;
   static Scene* current;
@@ -90,7 +92,9 @@ class TestHelper : public VdmFeatureUpdateDataHelper {
     return Scene::current->removesSubents;
   }
   bool clearEntity(OdSmartPtr<OdDbEntity>&) override { return true; }
-  void prepareInit() override {}
+  void prepareInit() override {
+    if (Scene::current->beforeInit) Scene::current->beforeInit();
+  }
   void addGrossData(VdmUpdateFeatureInterface*, const OdDbObjectId& feature,
                     OdSmartPtr<OdDbBlockReference>, OdSmartPtr<OdDb3dSolid> solid) override {
     subtractorsOnLayers()[solid->objectId()][feature].append(OdDb3dSolid::createObject());

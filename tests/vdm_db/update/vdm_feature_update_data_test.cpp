@@ -246,6 +246,24 @@ TEST_F(VdmFeatureUpdateDataTest, AFeatureThatRaisesFailsAlone) {
   takeAssertions();
 }
 
+// The solids are kept by then, so the caller hears nothing but the report, and the pass goes on.
+TEST_F(VdmFeatureUpdateDataTest, AHelperThatRaisesOnceSolidsAreKeptDoesNotEndThePass) {
+  const OdDbObjectId hole = opening("hole", {20.0, 30.0, 0.0});
+  int initialised = 0;
+  script(hole).init = [&](VdmFeatureUpdateData&) { return ++initialised > 0; };
+  const std::vector<std::function<void()>> raises = {
+      [] { throw OdError(eInvalidInput, OdString("no good")); }, [] { throw 7; }};
+  for (const std::function<void()>& raise : raises) {
+    m_scene.beforeInit = raise;
+    EXPECT_NO_THROW(EXPECT_TRUE(pass({hole}, true)));
+    EXPECT_TRUE(recorded("cut plate by 1") && recorded("failed ") && recorded("- dependencies"));
+    EXPECT_EQ(takeAssertions().size(), 1u);
+    EXPECT_NO_THROW((void)manager()->update({hole})) << "without an observer";
+    takeAssertions();
+  }
+  EXPECT_EQ(initialised, 4);
+}
+
 TEST_F(VdmFeatureUpdateDataTest, CondemnedFeaturesGoBeforeTheSolidsOrAfterThem) {
   const OdDbObjectId early = onPlate("early");
   const OdDbObjectId late = onPlate("late");
