@@ -4,8 +4,8 @@
 #include <array>
 #include <cctype>
 #include <cstdio>
+#include <map>
 #include <nlohmann/json.hpp>
-#include <set>
 
 #include "host/cli/text_output.h"
 
@@ -62,10 +62,11 @@ Json location(const std::string& uri, OdUInt64 handle) {
   return place;
 }
 
-Json result(const DrawingFinding& finding, const std::string& uri) {
+Json result(const DrawingFinding& finding, std::size_t ruleIndex, const std::string& uri) {
   Json places = Json::array({location(uri, finding.handle)});
   for (const OdUInt64 handle : finding.alike) places.push_back(location(uri, handle));
   return {{"ruleId", str(finding.code)},
+          {"ruleIndex", ruleIndex},
           {"level", levelText(finding.level)},
           {"message", {{"text", str(finding.text)}}},
           {"locations", std::move(places)},
@@ -98,14 +99,17 @@ Json findingsJson(const std::vector<DrawingFinding>& findings) {
 
 Json findingsSarif(const std::vector<DrawingFinding>& findings, const std::string& input) {
   const std::string uri = uriOf(input);
-  std::set<std::string> codes;
+  std::map<std::string, std::size_t> ruleIndices;
+  for (const DrawingFinding& finding : findings) ruleIndices[str(finding.code)] = 0;
+  Json rules = Json::array();
+  for (auto& [code, index] : ruleIndices) {
+    index = rules.size();
+    rules.push_back({{"id", code}});
+  }
   Json results = Json::array();
   for (const DrawingFinding& finding : findings) {
-    codes.insert(str(finding.code));
-    results.push_back(result(finding, uri));
+    results.push_back(result(finding, ruleIndices.at(str(finding.code)), uri));
   }
-  Json rules = Json::array();
-  for (const std::string& code : codes) rules.push_back({{"id", code}});
   const Json driver{{"name", "vdm"}, {"version", VDM_VERSION}, {"rules", std::move(rules)}};
   return {{"$schema", kSchema},
           {"version", "2.1.0"},

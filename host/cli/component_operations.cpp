@@ -33,11 +33,12 @@ constexpr ComponentKindRow kKinds[] = {
     {"slot", {"width", "length"}, {"depth", "through"}},
     {"boss", {"diameter", "height"}, {}},
     {"block", {}, {"unite"}},
-    {"step", {"source"}, {"unite"}},
+    {"step", {"source"}, {"unite", "encoding"}},
 };
 /// All of them that describe a component.
-constexpr const char* kDescribing[] = {"source",     "diameter", "depth",  "through", "bore",
-                                       "bore-depth", "width",    "length", "height",  "unite"};
+constexpr const char* kDescribing[] = {"source", "diameter",   "depth",   "through",
+                                       "bore",   "bore-depth", "width",   "length",
+                                       "height", "unite",      "encoding"};
 
 bool isAmong(const std::array<const char*, 4>& names, std::string_view name) {
   return std::ranges::any_of(names, [name](const char* n) { return n != nullptr && name == n; });
@@ -92,8 +93,8 @@ OdStatus makeComponent(Editing& editing, const std::string& kind, const Argument
                               {arguments.number("diameter"), arguments.number("height")}, block);
   }
   if (kind == "block") return vdm_host::makeFromBlock(drawing, name, role, block);
-  return vdm_host::makeFromStep(drawing, name, OdString(arguments.text("source")), role, block,
-                                &leftOut);
+  return vdm_host::makeFromStep(drawing, name, OdString(arguments.text("source")),
+                                stepOptionsOf(arguments), role, block, &leftOut);
 }
 
 StepResult addComponent(Editing& editing, const Arguments& arguments) {
@@ -215,6 +216,7 @@ constexpr Parameter kAddParameters[] = {
     {"length", Kind::kNumber, false, false, "of the slot, over all"},
     {"height", Kind::kNumber, false, false, "of the boss"},
     {"unite", Kind::kFlag, false, false, "the solids of block or file are added, not cut away"},
+    kEncodingParameter,
 };
 constexpr Parameter kInsertParameters[] = {
     {"component", Kind::kText, true, true, "name of the component"},

@@ -85,10 +85,11 @@ StepResult suppress(Editing& editing, const Arguments& arguments) {
 // Bodies.
 
 /// The one solid of a STEP file, in the given units.
-OdModelerBodyPtr readPart(const std::string& path, OdDb::UnitsValue units, OdStringArray& leftOut) {
+OdModelerBodyPtr readPart(const std::string& path, const OdModelerReadOptions& options,
+                          OdDb::UnitsValue units, OdStringArray& leftOut) {
   checkInput(path);
   std::vector<OdModelerBodyPtr> solids;
-  requireModelled(vdm_host::readStepSolids(OdString(path), units, solids, &leftOut));
+  requireModelled(vdm_host::readStepSolids(OdString(path), options, units, solids, &leftOut));
   if (solids.size() == 1) return solids.front();
   throw CliError("file " + quote(path) + " holds " + counted(solids.size(), "solid") +
                  ", one is needed");
@@ -108,7 +109,8 @@ StepResult replace(Editing& editing, const Arguments& arguments) {
   const std::string path = arguments.text("file");
   const std::string before = solidText(solid);
   OdStringArray leftOut;
-  const OdModelerBodyPtr body = withLookOf(bodyOfSolid(solid), readPart(path, units, leftOut));
+  const OdModelerBodyPtr body =
+      withLookOf(bodyOfSolid(solid), readPart(path, stepOptionsOf(arguments), units, leftOut));
   StepResult step = edited(editing.editor.replaceBody(solid, body),
                            "replaced the body of " + before + " by that of " + path, solid);
   for (const OdString& line : leftOut) step.notes.push_back("left out: " + str(line));
@@ -176,6 +178,7 @@ constexpr Parameter kSuppressParameters[] = {
 constexpr Parameter kReplaceParameters[] = {
     {"solid", Kind::kText, true, true, "solid, a handle"},
     {"file", Kind::kFile, true, true, "STEP file with one solid"},
+    kEncodingParameter,
 };
 constexpr Parameter kFilletParameters[] = {
     {"edges", Kind::kTexts, true, true, "references to edges of one solid, names or handles"},

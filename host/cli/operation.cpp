@@ -99,6 +99,12 @@ OdGeVector3d Arguments::vector(const std::string& name) const {
   return {point->x, point->y, point->z};
 }
 
+OdModelerReadOptions stepOptionsOf(const Arguments& arguments) {
+  OdModelerReadOptions options;
+  options.encoding = OdString(arguments.text(kEncodingParameter.name));
+  return options;
+}
+
 std::span<const Operation> operations() {
   static const std::vector<Operation> kAll = collectOperations();
   return kAll;

@@ -11,6 +11,7 @@
 
 #include "host/modeling/model_editor.h"
 #include "platform/ge/point3d.h"
+#include "platform/modeler/modeler.h"
 
 namespace cli {
 
@@ -32,6 +33,11 @@ struct Parameter {
   bool required = false;
   const char* help = "";
 };
+
+/// Of operations that read a STEP file.
+inline constexpr Parameter kEncodingParameter = {
+    "encoding", ParameterKind::kText, false, false,
+    "encoding of names in a STEP file: GBK, Shift_JIS, ...; found out where it is not given"};
 
 /// Values by parameter. The caller has checked them against the parameters.
 class Arguments {
@@ -57,6 +63,9 @@ class Arguments {
 /// "x,y,z", or with one of the letters x, y, z an axis where that is allowed; nothing else.
 [[nodiscard]] std::optional<OdGePoint3d> parsePoint(std::string_view text);
 [[nodiscard]] std::optional<double> parseNumber(std::string_view text);
+
+/// How the operation reads its STEP file.
+[[nodiscard]] OdModelerReadOptions stepOptionsOf(const Arguments& arguments);
 
 /// What an operation did.
 struct StepResult {

@@ -199,9 +199,10 @@ OdStatus makeFromBlock(OdDbDatabase* database, const OdString& blockName, Compon
 }
 
 OdStatus makeFromStep(OdDbDatabase* database, const OdString& name, const OdString& path,
-                      ComponentRole role, OdDbObjectId& block, OdStringArray* leftOut) {
+                      const OdModelerReadOptions& options, ComponentRole role, OdDbObjectId& block,
+                      OdStringArray* leftOut) {
   Bodies bodies;
-  const OdStatus status = readStepSolids(path, database->getINSUNITS(), bodies, leftOut);
+  const OdStatus status = readStepSolids(path, options, database->getINSUNITS(), bodies, leftOut);
   if (!status.ok()) return status;
   if (bodies.empty()) return {eInvalidInput, path + L": there are no solids"};
   return makeBlock(database, name, name.c_str(), role, bodies, block);

@@ -7,6 +7,7 @@
 #include "platform/base/status.h"
 #include "platform/base/string.h"
 #include "platform/db/database.h"
+#include "platform/modeler/modeler.h"
 
 namespace vdm_host {
 
@@ -63,7 +64,8 @@ OdStatus makeFromBlock(OdDbDatabase* database, const OdString& blockName, Compon
 /// A new block with all solids of a STEP file, where the file places them, in drawing units.
 /// `leftOut`, which may be null, gets a line for each kind of body in the file that is no solid.
 OdStatus makeFromStep(OdDbDatabase* database, const OdString& name, const OdString& path,
-                      ComponentRole role, OdDbObjectId& block, OdStringArray* leftOut = nullptr);
+                      const OdModelerReadOptions& options, ComponentRole role, OdDbObjectId& block,
+                      OdStringArray* leftOut = nullptr);
 
 /// All components of the drawing, in the order of the block table.
 [[nodiscard]] std::vector<ComponentInfo> listComponents(OdDbDatabase* database);

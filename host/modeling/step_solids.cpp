@@ -3,8 +3,6 @@
 
 #include <string>
 
-#include "platform/modeler/modeler.h"
-
 namespace vdm_host {
 
 namespace {
@@ -56,10 +54,12 @@ OdString joined(const OdStringArray& lines) {
 
 }  // namespace
 
-OdStatus readStepSolids(const OdString& path, OdDb::UnitsValue units,
-                        std::vector<OdModelerBodyPtr>& solids, OdStringArray* leftOut) {
+OdStatus readStepSolids(const OdString& path, const OdModelerReadOptions& options,
+                        OdDb::UnitsValue units, std::vector<OdModelerBodyPtr>& solids,
+                        OdStringArray* leftOut) {
   OdModelerAssembly assembly;
-  if (OdStatus status = odModeler().importStep(path, assembly); !status.ok()) return status;
+  if (OdStatus status = odModeler().importStep(path, options, assembly); !status.ok())
+    return status;
   if (!assembly.notes.lost.isEmpty()) {
     return {eModelerError,
             L"step file '" + path + L"' is incomplete: " + joined(assembly.notes.lost)};

@@ -7,6 +7,7 @@
 #include "platform/base/string.h"
 #include "platform/db/units.h"
 #include "platform/modeler/body.h"
+#include "platform/modeler/modeler.h"
 
 namespace vdm_host {
 
@@ -14,8 +15,8 @@ namespace vdm_host {
 /// that occurs twice gives two bodies. Sheets and wires are left out; `leftOut`, which may be null,
 /// gets a line for each kind. eModelerError for a file that is incomplete: what the model is made
 /// of must be whole.
-[[nodiscard]] OdStatus readStepSolids(const OdString& path, OdDb::UnitsValue units,
-                                      std::vector<OdModelerBodyPtr>& solids,
+[[nodiscard]] OdStatus readStepSolids(const OdString& path, const OdModelerReadOptions& options,
+                                      OdDb::UnitsValue units, std::vector<OdModelerBodyPtr>& solids,
                                       OdStringArray* leftOut = nullptr);
 
 }  // namespace vdm_host

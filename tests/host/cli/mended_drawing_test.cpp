@@ -1,0 +1,191 @@
+// `vdm audit --fix` on files: what it finds, mends and saves, for each code that a file can be made
+// to have, and what it does when it cannot save.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <functional>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "platform/base/handle.h"
+#include "platform/db/database.h"
+#include "tests/host/cli/sarif_check.h"
+#include "tests/host/cli/script_case.h"
+#include "tests/platform/storage/store_testing.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace cli_testing;
+using nlohmann::json;
+using storetest::Content;
+
+class MendedDrawing : public testing::Test {
+ protected:
+  MendedDrawing() : m_shell(fs::current_path() / "mended") {
+    run("cp $SAMPLES/plate.step . && vdm import plate.step -o a.vdm");
+    run("vdm refs add a.vdm 21 --at 60,40,10 --face --name top");
+    run("vdm component add a.vdm h hole --diameter 9");
+    run("vdm insert a.vdm h --on top --at 30,30,10 --name left");
+    run("vdm group a.vdm both 21 top && mv a.vdm sound.vdm");
+    m_sound = storetest::readFile(*m_factory, path("sound.vdm")).value();
+    EXPECT_EQ(audit("", "sound.vdm").exitCode, 0);
+  }
+
+  struct Audit {
+    int exitCode = -1;
+    json report;
+    [[nodiscard]] bool has(const std::string& code) const {
+      return std::ranges::any_of(report["list"],
+                                 [&](const json& finding) { return finding["code"] == code; });
+    }
+  };
+  Audit audit(const std::string& options, const std::string& name = "a.vdm") const {
+    const Outcome outcome = m_shell.run("vdm audit " + name + " --json " + options);
+    EXPECT_TRUE(outcome.errors.empty()) << testing::PrintToString(outcome.errors);
+    std::string text;
+    for (const std::string& line : outcome.output) text += line + '\n';
+    return {outcome.exitCode, json::parse(text, nullptr, /*allow_exceptions=*/false)};
+  }
+
+  void run(const std::string& command) { ASSERT_EQ(m_shell.run(command).exitCode, 0) << command; }
+  [[nodiscard]] std::string path(const std::string& name) const {
+    return (m_shell.folder() / name).string();
+  }
+  void restore() const {
+    fs::copy_file(path("sound.vdm"), path("a.vdm"), fs::copy_options::overwrite_existing);
+  }
+  std::unique_ptr<OdDbRecordStore> open() const {
+    std::unique_ptr<OdDbRecordStore> store;
+    EXPECT_TRUE(succeeded(m_factory->open(path("a.vdm"), OdDbStoreOpenMode::kReadWrite, store)));
+    return store;
+  }
+  /// Saves the sound drawing with other records, under right checksums.
+  void damage(const std::function<void(Content&)>& change) const {
+    restore();
+    Content after = m_sound;
+    change(after);
+    EXPECT_TRUE(succeeded(saveChanges(*open(), m_sound, after)));
+  }
+  /// The handle that a list of the command shows for a name.
+  std::uint64_t handleOf(const std::string& command) const {
+    const Outcome outcome = m_shell.run(command);
+    EXPECT_EQ(outcome.output.size(), 1U) << command;
+    return outcome.output.empty() ? 0 : std::stoull(outcome.output[0], nullptr, 16);
+  }
+  /// The first object of a class in the sound drawing; a class is stored with its name first.
+  std::uint64_t firstOf(const std::string& className) const {
+    const auto isOfClass = [&](const auto& item) {
+      return m_sound.classes.at(item.second.classId).find(className) == 2;
+    };
+    const auto found = std::ranges::find_if(m_sound.records, isOfClass);
+    EXPECT_TRUE(found != m_sound.records.end()) << className;
+    return found == m_sound.records.end() ? 0 : found->first;
+  }
+  /// The command ends with 1 and one such line, and the file is as before.
+  void expectUnsaved(const std::string& command, const std::string& line) const {
+    SCOPED_TRACE(command);
+    const std::string before = readBytes(path("a.vdm"));
+    const Outcome outcome = m_shell.run(command);
+    Words words;
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(compareLines({"vdm: " + line}, outcome.errors, words), "");
+    EXPECT_TRUE(readBytes(path("a.vdm")) == before);
+  }
+
+  Shell m_shell;
+  std::unique_ptr<OdDbRecordStoreFactory> m_factory = createSqliteStoreFactory();
+  Content m_sound;
+};
+
+TEST_F(MendedDrawing, EachCodeIsFoundMendedAndSaved) {
+  constexpr std::uint64_t kSolid = 0x21;
+  constexpr std::uint64_t kNowhere = 0x7777;
+  const auto top = handleOf("vdm refs list sound.vdm | awk '$2 == \"top\" { print $1 }'");
+  const auto insert = handleOf("vdm feature list sound.vdm | awk '$2 == \"left\" { print $5 }'");
+  const auto bore = handleOf("vdm refs list sound.vdm | grep cylinder | awk '{ print $1; exit }'");
+  const auto block = handleOf("vdm component list sound.vdm | awk '$2 == \"h\" { print $1 }'");
+  const std::uint64_t modelSpace = OdDbRootHandles::kModelSpace;
+  struct Row {
+    const char* code;
+    bool isMendable;
+    std::function<void(Content&)> change;
+    const char* sql = nullptr;
+  };
+  const Row rows[] = {
+      {"no-objects", true, [](Content& file) { file.records.clear(); }},
+      {"root-missing", true, [&](Content& file) { file.records.erase(modelSpace); }},
+      {"root-wrong", false,
+       [](Content& file) {
+         file.records.at(OdDbRootHandles::kPaperSpace) =
+             file.records.at(OdDbRootHandles::kLayerZero);
+       }},
+      {"handle-seed", true,
+       [](Content& file) { file.variables["HANDSEED"] = std::string("\x22\0\0\0\0\0\0\0", 8); }},
+      {"record-unreadable", false, nullptr, "UPDATE objects SET sum=sum+1 WHERE handle=8"},
+      {"file-damaged", false, nullptr,
+       "DELETE FROM objects WHERE handle=(SELECT max(handle) FROM objects)"},
+      {"body-unsound", false,
+       [&](Content& file) {
+         std::string& data = file.records.at(kSolid).data;
+         data[data.size() / 2] ^= 1;
+       }},
+      {"dangling-reference", true, [&](Content& file) { file.records.erase(block); }},
+      {"dangling-reactor", true,
+       [&](Content& file) { file.records.erase(firstOf("VdmDbInsertReactor")); }},
+      {"owner-cycle", true,
+       [&](Content& file) {
+         file.records.at(block).owner = insert;
+         file.records.at(insert).owner = block;
+       }},
+      {"owner-missing", true, [&](Content& file) { file.records.at(insert).owner = kNowhere; }},
+      {"owner-wrong", true, [&](Content& file) { file.records.at(insert).owner = block; }},
+      {"feature-incomplete", true, [&](Content& file) { file.records.erase(top); }},
+      {"feature-references", true, [&](Content& file) { file.records.erase(bore); }},
+      {"component-incomplete", false, [&](Content& file) { file.records.erase(kSolid); }},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.code);
+    damage(row.change ? row.change : [](Content&) {});
+    if (row.sql != nullptr) storetest::executeSql(path("a.vdm"), row.sql);
+    const std::string before = readBytes(path("a.vdm"));
+    const Audit found = audit("");
+    EXPECT_EQ(found.exitCode, 3);
+    EXPECT_TRUE(found.has(row.code)) << found.report["list"].dump(1);
+    EXPECT_TRUE(readBytes(path("a.vdm")) == before) << "looking changed the file";
+
+    const Outcome log = m_shell.run("vdm audit a.vdm --sarif > log.sarif");
+    EXPECT_EQ(log.exitCode, 3);
+    const json sarif = json::parse(readBytes(path("log.sarif")), nullptr, false);
+    EXPECT_EQ(sarifFaults(sarif), std::vector<std::string>());
+    EXPECT_EQ(sarif["runs"][0]["results"].size(), found.report["list"].size());
+
+    const Audit fixed = audit("--fix");
+    const Audit left = audit("");
+    EXPECT_EQ(left.has(row.code), !row.isMendable) << left.report["list"].dump(1);
+    EXPECT_EQ(fixed.report["remaining"], left.report["findings"]);
+    EXPECT_EQ(fixed.exitCode, left.report["findings"] == 0 ? 0 : 3);
+    EXPECT_EQ(left.exitCode, fixed.exitCode);
+    const bool isChanged = readBytes(path("a.vdm")) != before;
+    EXPECT_EQ(isChanged, fixed.report["mended"] != 0);
+    if (row.isMendable) {
+      EXPECT_GT(fixed.report["mended"], 0);
+    }
+  }
+}
+
+TEST_F(MendedDrawing, AFixThatCannotBeSavedChangesNothing) {
+  damage([](Content& file) { file.records.erase(OdDbRootHandles::kModelSpace); });
+  expectUnsaved("trap '' XFSZ; ulimit -f 8; vdm audit a.vdm --fix", "*a.vdm*");
+  // Nobody's process may not write it; of the superuser alone it is a right to do so.
+  run("chmod 444 a.vdm");
+  const std::string asNobody = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups " : "";
+  expectUnsaved(asNobody + "vdm audit a.vdm --fix", "*a.vdm*");
+  run("chmod 644 a.vdm");
+  EXPECT_EQ(audit("--fix").exitCode, 0);
+  EXPECT_EQ(audit("").report["findings"], 0);
+}
+
+}  // namespace
