@@ -67,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   double factor = NAN;
   if (OdExpression::unitFactor(text, text, factor, diagnostic)) {
-    fuzzRequire(std::abs(factor - 1.0) < 1e-12 || !std::isfinite(factor), "a unit unlike itself");
+    fuzzRequire(std::abs(factor - 1.0) < 1e-12, "a unit unlike itself");
   }
   return 0;
 }

@@ -1,7 +1,10 @@
 // Conversion between units.
 #include "platform/expressions/unit_factor.h"
 
+#include <cmath>
+
 #include "platform/expressions/literal.h"
+#include "platform/expressions/number_text.h"
 #include "platform/expressions/unit_library.h"
 #include "platform/expressions/wide_text.h"
 
@@ -32,8 +35,16 @@ bool unitFactor(const OdString& from, const OdString& to, double& factor, Diagno
                        "a unit of " + source.dimension.text(),
                        {}};
     }
-    factor = static_cast<double>((source.numerator * target.denominator) /
-                                 (source.denominator * target.numerator));
+    const auto result = static_cast<double>((source.numerator * target.denominator) /
+                                            (source.denominator * target.numerator));
+    if (!std::isfinite(result) || result == 0.0) {
+      throw Diagnostic{Diagnostic::Kind::kLimit,
+                       1,
+                       "a factor of " + numberText(result),
+                       "units of more similar sizes",
+                       {}};
+    }
+    factor = result;
     return true;
   } catch (const Diagnostic& failure) {
     diagnostic = failure;

@@ -131,11 +131,14 @@ class Library {
     const auto known = m_known.find(std::wstring(word));
     if (known != m_known.end()) return known->second;
     const std::optional<Unit> unit = read(OdString(word.data(), word.size()));
-    if (unit) m_known.emplace(word, *unit);
+    if (unit && m_known.size() < kMostKnown) m_known.emplace(word, *unit);
     return unit;
   }
 
  private:
+  // More words than any drawing uses; hostile texts could go through all prefixes.
+  static constexpr std::size_t kMostKnown = 4096;
+
   std::optional<Unit> read(const OdString& word) {
     ut_unit* found = ut_parse(m_system, word.utf8().data(), UT_UTF8);
     if (found == nullptr) return std::nullopt;

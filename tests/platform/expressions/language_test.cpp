@@ -116,6 +116,7 @@ TEST(Expression, HasTheValueOfItsText) {
       {L"1 / 2 in", 1 / 50.8, "length^-1"},
       {L"5'-3 1/2\"", 63.5 * 25.4, "length"},
       {L"5' - 3\"", 57 * 25.4, "length"},
+      {L"5 ft-3\"", 57 * 25.4, "length"},
       {L"2 mm^2", 2, "area"},
       {L"(2 mm)^2", 4, "area"},
       {L"(1 + 1) cm", 20, "length"},
@@ -206,6 +207,23 @@ TEST(Expression, ConvertsBetweenUnitTexts) {
     EXPECT_EQ(diagnostic.column, from == OdString("m") && to == OdString("m*") ? 3 : 1) << from;
   }
   EXPECT_DOUBLE_EQ(factor, std::numbers::pi / 180);
+}
+
+TEST(Expression, DegreesAreExactWhereRadiansCannotBe) {
+  const std::pair<const char*, double> rows[] = {
+      {"sind(30)", .5},  {"sind(-150)", -.5}, {"sind(180)", 0},     {"cosd(90)", 0},
+      {"cosd(-60)", .5}, {"cosd(240)", -.5},  {"sind(720030)", .5}, {"tand(45)", 1},
+      {"tand(-45)", -1}, {"tand(180)", 0},
+  };
+  for (const auto& [text, value] : rows) EXPECT_EQ(outcomeOf(text).value, value) << text;
+  EXPECT_TRUE(std::isnan(outcomeOf("tand(270)").value));
+  for (double degrees = -400.0; degrees < 400.0; degrees += 7.3) {
+    const double radians = degrees * std::numbers::pi / 180.0;
+    const OdString argument = "(" + OdExpression::numberText(degrees) + ")";
+    EXPECT_NEAR(outcomeOf("sind" + argument).value, std::sin(radians), 1e-11) << degrees;
+    EXPECT_NEAR(outcomeOf("cosd" + argument).value, std::cos(radians), 1e-11) << degrees;
+    EXPECT_NEAR(outcomeOf("tand" + argument).value / std::tan(radians), 1.0, 1e-9) << degrees;
+  }
 }
 
 TEST(Expression, CountsLengthsInTheDrawingsUnit) {

@@ -105,6 +105,12 @@ TEST(ExpressionText, BoundsHostileTexts) {
       {repeated("width+", 999) + "width", true},
       {repeated("width+", 1000) + "width", false},
       {repeated("w", 256), false},
+      {repeated("(1<width) or (1<width) and (1<width) == (1<width) + (1<width) * (", 40) + "1" +
+           repeated(")", 40),
+       true},
+      {repeated("(1<width) or (1<width) and (1<width) == (1<width) + (1<width) * (", 90) + "1" +
+           repeated(")", 90),
+       false},
       {"max(" + repeated("1,", 300) + "1)", false},
       {repeated("1+", 5000) + "1", false},
       {repeated("9", 400), false},
