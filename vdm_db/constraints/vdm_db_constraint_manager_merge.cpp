@@ -194,6 +194,9 @@ struct VdmDbConstraintManager::Merge {
   // ---- Model objects
 
   void adoptObjects() const {
+    // Renaming an object outdates the manager's own record of names, so this one is kept up here.
+    std::set<OdString> taken = target.presentNames().taken;
+    std::map<OdString, int> nexts;
     std::vector<OdDbObjectId> ids(context.mergedObjects.begin(), context.mergedObjects.end());
     std::sort(ids.begin(), ids.end(), vdmu::ObjectIdLess());
     for (const OdDbObjectId& id : ids) {
@@ -203,7 +206,9 @@ struct VdmDbConstraintManager::Merge {
       if (object.isNull() || (!isOfSource && object->attachedEntityId().ownerId() != block)) {
         continue;
       }
-      object->setName(target.generateVdmDbObjectName(object->name()));
+      const OdString stem = vdmu::removeNumericSuffix(object->name());
+      int& next = nexts.try_emplace(odToUpper(stem), 1).first->second;
+      object->setName(vdmu::takeNumberedName(stem, taken, next));
       object->setOwnerId(target.objectId());
       target.registerVdmDbObject(object);
     }
