@@ -66,11 +66,8 @@ OdDbLongTransactionPtr openRunning(const OdDbObjectId& id, OdString* reason) {
 /// What an original keeps while it takes over the state of its copy.
 class KeptByOriginal {
  public:
-  explicit KeptByOriginal(const OdDbObjectId& id) : m_id(id) {
-    const OdDbEntityPtr entity = id.safeOpenAs<OdDbEntity>();
-    m_reactors = entity->getPersistentReactors();
-    m_insertedBlock = entity->insertedBlock();
-  }
+  explicit KeptByOriginal(const OdDbObjectId& id)
+      : m_id(id), m_reactors(id.safeOpenAs<OdDbEntity>()->getPersistentReactors()) {}
 
   void putBack() const {
     const OdDbEntityPtr entity = m_id.safeOpenAs<OdDbEntity>(OdDb::kForWrite);
@@ -78,16 +75,11 @@ class KeptByOriginal {
       if (!reactor.isErased()) entity->addPersistentReactor(reactor);
     }
     entity->recordGraphicsModified();
-    if (m_insertedBlock.isNull() || m_insertedBlock == entity->insertedBlock()) return;
-    const OdDbBlockTableRecordPtr block =
-        m_insertedBlock.openAs<OdDbBlockTableRecord>(OdDb::kForWrite);
-    if (!block.isNull()) block->noteBlockReference(m_id, /*shows=*/false);
   }
 
  private:
   OdDbObjectId m_id;
   OdDbObjectIdArray m_reactors;
-  OdDbObjectId m_insertedBlock;
 };
 
 }  // namespace

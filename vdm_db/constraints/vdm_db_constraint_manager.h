@@ -221,7 +221,8 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   /// 1. Constraints move in rising node id and get new ones here. One whose arguments cannot be
   ///    reached is dropped. Without `keepAll` arguments outside this block are mapped to the
   ///    clones, as the VdmDbConstraintManagerPE decides; without one they stay as they are.
-  /// 2. A name that is taken gets the first free number from the node id on.
+  /// 2. A name that is taken gets the first free number from the node id on. A variable always
+  ///    gets such a name; expressions that mention it follow.
   /// 3. Exploded into model space, a constraint with default geometry of nothing is disabled.
   /// 4. The status becomes that of the manager that `source` was cloned from, when that is higher;
   ///    the clones of objects that are modified there are modified here.

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "platform/assoc/assoc_variable.h"
 #include "platform/base/case_compare.h"
 #include "platform/base/error.h"
 #include "platform/cloning/id_mapping.h"
@@ -27,9 +28,11 @@
 #include "vdm_db/drawing_utils/vdm_db_reverse_id_mapping.h"
 #include "vdm_db/drawing_utils/vdm_object_id_class.h"
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"
+#include "vdm_db/drawing_utils/vdm_reactor_utils.h"
 #include "vdm_db/model/vdm_db_object.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/model/vdm_merge_context.h"
+#include "vdm_db/parameters/vdm_variable_names.h"
 #include "vdm_db/references/vdm_clone_mapping.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
@@ -37,6 +40,11 @@ namespace {
 
 bool refersToSomething(const ExtendedDep& argument) {
   return !argument.isDefaultGeometry || !argument.dependency.isNull();
+}
+
+bool hasVariable(const VdmConstraint& constraint) {
+  return vdmu::isIdOf<OdDbAssocVariable>(constraint.userVariable()) &&
+         !constraint.userVariable().isErased();
 }
 
 /// What is known about the arguments of a constraint.
@@ -89,6 +97,7 @@ struct VdmDbConstraintManager::Merge {
     source.assertWriteEnabled();
     std::set<OdString> taken;
     vdmu::getConstraintNamesSet(&target, taken);
+    vdmu::getVariableNames(block, taken);
     moveConstraints();
     renameMoved(taken);
     if (!moved.empty() || !context.mergedObjects.empty()) adoptStatus();
@@ -100,7 +109,11 @@ struct VdmDbConstraintManager::Merge {
 
   void moveConstraints() {
     const auto pe = VdmDbConstraintManagerPE::cast(&target);
+    const OdDbObjectId reactor = source.variableReactor(/*create=*/false);
     for (const auto& [nodeId, constraint] : source.m_constraints) {
+      if (!constraint->userVariable().isNull()) {
+        vdmu::detachReactor({constraint->userVariable()}, reactor, nullptr);
+      }
       const bool isWanted = context.keepAll || remap(*constraint, pe.get()) || pe.isNull() ||
                             !pe->dropUnmappedConstraint();
       const Arguments arguments = isWanted ? argumentsOf(*constraint, context) : Arguments();
@@ -118,6 +131,7 @@ struct VdmDbConstraintManager::Merge {
     const bool isExploded = context.mapping.deepCloneContext() == OdDb::kDcExplode;
     if (isModelSpace && arguments.haveOpenReference && isExploded) constraint->setEnabled(false);
     target.addConstraint(constraint);
+    target.attachVariable(*constraint);
     moved.push_back(constraint);
   }
 
@@ -167,10 +181,17 @@ struct VdmDbConstraintManager::Merge {
                            : object->append(OdDbFullSubentPath(mapped, path.subentId()));
   }
 
+  /// A name without a variable stays where it is free. A variable always gets a name of its number
+  /// here: that of its constraint is among those that are taken.
   void renameMoved(std::set<OdString>& taken) const {
     for (const VdmConstraintPtr& constraint : moved) {
       const OdString name = constraint->name();
-      if (name.isEmpty() || taken.insert(odToUpper(name)).second) continue;
+      if (name.isEmpty()) continue;
+      if (hasVariable(*constraint)) {
+        taken.erase(odToUpper(name));
+      } else if (taken.insert(odToUpper(name)).second) {
+        continue;
+      }
       int number = static_cast<int>(constraint->nodeId());
       constraint->setName(vdmu::takeNumberedName(vdmu::removeNumericSuffix(name), taken, number));
     }
@@ -222,6 +243,9 @@ struct VdmDbConstraintManager::Merge {
       if (!object.isNull() && object->ownerId() == source.objectId()) object->eraseWithSubObjects();
     }
     context.replaced[source.objectId()] = target.objectId();
+    if (const OdDbObjectId reactor = source.variableReactor(/*create=*/false); !reactor.isNull()) {
+      context.replaced[reactor] = target.variableReactor(/*create=*/true);
+    }
     const auto root =
         getRootCM(target.database(), /*create=*/false).openAs<VdmDbConstraintManager>();
     if (!root.isNull() && root->m_childManagers.contains(source.objectId())) {

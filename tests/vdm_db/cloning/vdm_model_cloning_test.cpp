@@ -16,6 +16,7 @@
 #include "vdm_db/constraints/vdm_constraint_manager_services.h"
 #include "vdm_db/drawing_utils/vdm_block_utils.h"
 #include "vdm_db/drawing_utils/vdm_db_reverse_id_mapping.h"
+#include "vdm_db/parameters/vdm_variable_evaluation.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
 namespace {
@@ -37,7 +38,7 @@ std::vector<std::string> texts(const std::vector<Paths>& all) {
 /// Answers the remapping of merges as it is set.
 class MergeSolver : public OdStaticRxObject<VdmDbConstraintManagerPE> {
  public:
-  bool isParametric(const VdmConstraint*) override { return false; }
+  bool isParametric(const VdmConstraint* constraint) override { return constraint->type() >= 10; }
   bool isLinearDimension(const VdmConstraint*) override { return false; }
   bool isAngularDimension(const VdmConstraint*) override { return false; }
   bool attachmentWanted() override { return false; }
@@ -105,7 +106,8 @@ class VdmModelCloningTest : public FeatureTest {
     }
     return {path, OdDbSubentId(OdDb::kFaceSubentType, static_cast<OdGsMarker>(1 + pick(3)))};
   }
-  void addConstraint(OdDbObjectId block, const Paths& paths, const OdString& name) {
+  VdmConstraintPtr addConstraint(OdDbObjectId block, const Paths& paths, const OdString& name,
+                                 OdLong type = 1) {
     VdmExtendedPathArray arguments;
     for (const OdDbFullSubentPath& path : paths) {
       VdmExtendedPath argument;
@@ -113,7 +115,9 @@ class VdmModelCloningTest : public FeatureTest {
       arguments.append(argument);
     }
     VdmConstraintManagerServices services;
-    constraintsOf(block, true)->addConstraint(1, arguments, services, name, /*flag=*/false);
+    return constraintsOf(block, true)
+        ->addConstraint(type, arguments, services, name,
+                        /*flag=*/false);
   }
   void addFeature(OdDbObjectId block, const Paths& paths) {
     const OdDbObjectId id =
@@ -295,6 +299,38 @@ TEST_F(VdmModelCloningTest, CopiesOfRandomBlocksHaveTheirModelsAndUndoWhole) {
     EXPECT_EQ(findings(*other), 0u);
     if (HasFailure()) return;
   }
+}
+
+// Dimensions are copied with their variables: the copies follow each other and no original.
+TEST_F(VdmModelCloningTest, DimensionsOfACopyDriveTheCopyAlone) {
+  const auto addDimension = [&](OdDbObjectId block, const wchar_t* name, const wchar_t* text) {
+    const OdDbFullSubentPath path = face(entitiesOf(block)[0], 1);
+    const VdmConstraintPtr made = addConstraint(block, {path}, name, 10);
+    EXPECT_EQ(constraintsOf(block)->setConstraintExpression(made, text), eOk);
+  };
+  const OdDbObjectId source = addBlock(m_drawing, L"SOURCE");
+  addCarrier(source);
+  addDimension(source, L"width", L"10");
+  addDimension(source, L"height", L"2 * width");
+  addDimension(m_modelSpace, L"WIDTH_2", L"3");
+  OdDbIdMappingPtr mapping;
+  m_drawing->startUndoRecord();
+  const std::string before = dumpDrawing(m_drawing);
+  ASSERT_EQ(vdmu::cloneBlockWithModel(source, m_modelSpace, mapping), eOk);
+  const auto all = [&] { return constraintsOf(m_modelSpace)->constraints(); };
+  ASSERT_EQ(all().size(), 3u);
+  EXPECT_EQ(all()[1]->name(), L"width_3");  // its number here is 2, which is taken
+  EXPECT_EQ(all()[2]->name(), L"height_3");
+  EXPECT_EQ(all()[2]->userExpression(), L"2 * width_3");
+  EXPECT_EQ(constraintsOf(m_modelSpace)->setConstraintExpression(all()[1], L"20"), eOk);
+  vdmu::evaluateVariables(m_modelSpace);
+  EXPECT_EQ(all()[2]->userValue(), 40.0);
+  EXPECT_EQ(all()[0]->userValue(), 3.0);
+  EXPECT_EQ(constraintsOf(source)->constraints()[1]->userValue(), 20.0);
+  expectNoReferences(m_modelSpace, belongingTo(source));
+  EXPECT_EQ(findings(*m_drawing), 0u);
+  ASSERT_EQ(m_drawing->undo(), eOk);
+  EXPECT_EQ(dumpDrawing(m_drawing), before);
 }
 
 /// A manager in a block of its own, whose constraint is about the origin of m_carrier.
