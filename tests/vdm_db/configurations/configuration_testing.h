@@ -28,6 +28,8 @@ Rows exported(const VdmDbConfigurationTable& table);
 class ConfigurationTest : public virtual VdmModule, public ReferenceTest {
  protected:
   ConfigurationTest();
+  /// What a reaction raises is a message to the host and nothing else.
+  void TearDown() override { EXPECT_EQ(m_host.lines, std::vector<std::string>()); }
 
   [[nodiscard]] VdmDbFeatureManagerPtr manager() const;
   [[nodiscard]] VdmConfigurationFeaturePtr feature(OdDb::OpenMode mode = OdDb::kForRead) const;

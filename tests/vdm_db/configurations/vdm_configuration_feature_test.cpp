@@ -1,4 +1,5 @@
 // Configuration features: links, selection, renames, ends and copies.
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/audit_info.h"
 #include "tests/vdm_db/configurations/configuration_testing.h"
 #include "vdm_db/parameters/vdm_variable_evaluation.h"
@@ -139,6 +140,28 @@ TEST_F(VdmConfigurationFeatureTest, SelectionFollowsTheVariablesAndTheyFollowIt)
         [&] { EXPECT_EQ(step.edit(), eOk); });
     EXPECT_EQ(state(), step.state);
   }
+}
+
+/// Sets another variable whenever this one changes, as a solver may.
+class Follower : public OdDbObjectReactor {
+ public:
+  explicit Follower(OdDbObjectId follower) : m_follower(follower) {}
+  void modified(const OdDbObject*) override {
+    m_follower.openAs<OdDbAssocVariable>(OdDb::kForWrite)->setValue(OdDbEvalVariant::init(9.0));
+  }
+
+ private:
+  OdDbObjectId m_follower;
+};
+
+TEST_F(VdmConfigurationFeatureTest, OneSelectionIsMadeWhateverReactsToIt) {
+  ASSERT_EQ(loadSheet(kSheet), eOk);
+  Follower follower(variable(L"Height"));
+  const OdDbObjectPtr width = variable(L"Width").openObject();
+  width->addReactor(&follower);
+  EXPECT_EQ(edit()->setConfiguration(L"Large"), eOk);
+  EXPECT_EQ(state(), "Large: Config=Large Width=20 Height=2 Material=Iron");
+  width->removeReactor(&follower);
 }
 
 TEST_F(VdmConfigurationFeatureTest, RowsAreSavedAndRemovedByName) {
@@ -296,6 +319,16 @@ TEST_F(VdmConfigurationFeatureTest, ACopyOfTheBlockIsIndependent) {
     other->audit(&info);
     EXPECT_EQ(info.numErrors(), 0);
   }
+  // A copy of the feature alone has no variables: those of the original are not its own.
+  const OdDbIdMappingPtr mapping = OdDbIdMapping::createObject();
+  ASSERT_EQ(m_drawing->deepCloneObjects({m_feature}, m_feature.ownerId(), *mapping), eOk);
+  OdDbIdPair pair(m_feature);
+  ASSERT_TRUE(mapping->compute(pair));
+  EXPECT_EQ(
+      pair.value().openAs<VdmConfigurationFeature>(OdDb::kForWrite)->setConfiguration(L"Wide"),
+      417);
+  change<VdmDbFeatureData>(pair.value())->erase();
+  EXPECT_EQ(state(), "Small: Config=Small Width=10 Height=1 Material=Steel");
 }
 
 }  // namespace

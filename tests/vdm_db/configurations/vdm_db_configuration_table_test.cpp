@@ -222,11 +222,11 @@ std::string bytesOfTable(int version, int rowCount, int columnType) {
   return bytes;
 }
 
-OdResult readTable(VdmDbConfigurationTable& table, const std::string& bytes) {
+OdResult readFlat(OdDbObject& object, const std::string& bytes) {
   VdmFlatFiler filer;
   filer.setBinaryData(bytes.data(), static_cast<unsigned>(bytes.size()));
   try {
-    return table.dwgInFields(&filer);
+    return object.dwgInFields(&filer);
   } catch (const OdError& error) {
     return error.code();
   }
@@ -236,7 +236,7 @@ TEST_F(VdmDbConfigurationTableTest, ReadsEveryVersionItAcceptsAndRefusesDamage) 
   const std::string present = bytesOfTable(-1, 1, 0);
   for (const int version : {-1, 0, 1}) {
     const VdmDbConfigurationTablePtr table = VdmDbConfigurationTable::createObject();
-    ASSERT_EQ(readTable(*table, bytesOfTable(version, 1, 0)), eOk) << version;
+    ASSERT_EQ(readFlat(*table, bytesOfTable(version, 1, 0)), eOk) << version;
     EXPECT_EQ(exported(*table), (Rows{{"K", "V"}, {"k", "2"}}));
     EXPECT_EQ(table->cells().numbers, VdmDoubleArray{2});
     VdmFlatFiler filer;
@@ -244,16 +244,48 @@ TEST_F(VdmDbConfigurationTableTest, ReadsEveryVersionItAcceptsAndRefusesDamage) 
     const std::vector<char> written = filer.getBinaryData();
     EXPECT_EQ(std::string(written.begin(), written.end()), present) << version;
   }
-  EXPECT_EQ(readTable(*m_table, bytesOfTable(2, 1, 0)), 1);
-  EXPECT_EQ(readTable(*m_table, bytesOfTable(-1, 2, 0)), eCorruptData);
-  EXPECT_EQ(readTable(*m_table, bytesOfTable(-1, 0, 0)), eCorruptData);
+  EXPECT_EQ(readFlat(*m_table, bytesOfTable(2, 1, 0)), 1);
+  EXPECT_EQ(readFlat(*m_table, bytesOfTable(-1, 2, 0)), eCorruptData);
+  EXPECT_EQ(readFlat(*m_table, bytesOfTable(-1, 0, 0)), eCorruptData);
   for (std::size_t length = 0; length < present.size(); ++length) {
-    EXPECT_NE(readTable(*m_table, present.substr(0, length)), eOk) << length;
+    EXPECT_NE(readFlat(*m_table, present.substr(0, length)), eOk) << length;
   }
   // A type of a later system: its cells are kept and agree with nothing.
-  ASSERT_EQ(readTable(*m_table, bytesOfTable(-1, 1, 7)), eOk);
+  ASSERT_EQ(readFlat(*m_table, bytesOfTable(-1, 1, 7)), eOk);
   EXPECT_EQ(find({{L"V", {L"2", 2}}}), (std::vector{-5}));
   EXPECT_EQ(find({}), (std::vector{0}));
+}
+
+/// The link of the column "M" to a variable "Mat", with the text "Steel".
+std::string bytesOfLink(int version) {
+  std::string bytes;
+  put(bytes, {0, version < 0 ? 9 : 10, 0, 0, 0});
+  if (version >= 0) put(bytes, "_ver"), put(bytes, {6, version});
+  put(bytes, "DeleteVarOnErase"), put(bytes, {5, 1});
+  put(bytes, "IsEnabled"), put(bytes, {5, 0});
+  put(bytes, "IsKeyVar"), put(bytes, {5, 0});
+  put(bytes, "IsString"), put(bytes, {5, 1});
+  put(bytes, "Name"), put(bytes, {2}), put(bytes, "M");
+  put(bytes, "String"), put(bytes, {2}), put(bytes, "Steel");
+  put(bytes, "Value"), put(bytes, {4, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F});
+  put(bytes, "VarId"), put(bytes, {8, 0});
+  put(bytes, "VarName"), put(bytes, {2}), put(bytes, "Mat");
+  return bytes;
+}
+
+TEST_F(VdmDbConfigurationTableTest, LinksReadEveryVersionTheyAccept) {
+  for (const int version : {-1, 0, 1, 2}) {
+    const VdmDbConfigVarReactorPtr link = VdmDbConfigVarReactor::createObject();
+    ASSERT_EQ(readFlat(*link, bytesOfLink(version)), version == 2 ? 1 : 0) << version;
+    if (version == 2) continue;
+    EXPECT_TRUE(link->isStringType() && !link->isEnabled() && !link->isKey());
+    EXPECT_EQ(link->name() + L" " + link->variableName() + L" " + link->stringValue(),
+              L"M Mat Steel");
+    VdmFlatFiler filer;
+    link->dwgOutFields(filer.clear());
+    const std::vector<char> written = filer.getBinaryData();
+    EXPECT_EQ(std::string(written.begin(), written.end()), bytesOfLink(-1)) << version;
+  }
 }
 
 }  // namespace
