@@ -8,27 +8,20 @@
 
 namespace OdExpression {
 
-namespace {
-
-/// Every name is a plain number: for checks of the form.
-class AnyNames : public NameScope {
- public:
-  std::optional<Binding> find(const OdString&) override { return Binding{}; }
-};
-
-}  // namespace
-
 OdResult Parser::setExpression(const OdString& text) {
   m_isSet = false;
   m_names.clear();
   m_error.empty();
-  AnyNames scope;
+  EmptyScope scope;
   CompileOptions options;
   options.lengthUnit = m_lengthUnit;
   Diagnostic diagnostic;
   std::vector<Mention> mentions;
-  if (!compile(text, scope, options, m_program, diagnostic) ||
-      !listNames(text, mentions, diagnostic)) {
+  // What names measure is not known here, so only a text without them has dimensions to check.
+  const bool isFormed = listNames(text, mentions, diagnostic);
+  const bool isSound =
+      isFormed && (!mentions.empty() || compile(text, scope, options, m_program, diagnostic));
+  if (!isSound) {
     m_error = diagnostic.text();
     return eInvalidInput;
   }

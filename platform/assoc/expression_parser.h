@@ -8,8 +8,8 @@
 
 namespace OdExpression {
 
-/// Checks texts and computes constant ones. Names of variables are accepted as plain numbers. A
-/// value; it knows no drawing.
+/// Checks the form of texts and computes constant ones. Every name is accepted, whatever it may
+/// measure. A value; it knows no drawing.
 class Parser {
  public:
   /// The unit of length of the results, by its stored number; millimetres at first.

@@ -9,6 +9,7 @@
 #include "platform/expressions/compile.h"
 #include "platform/expressions/functions.h"
 #include "platform/expressions/text_parser.h"
+#include "platform/expressions/unit.h"
 #include "platform/expressions/wide_text.h"
 #include "platform/expressions/words.h"
 
@@ -27,6 +28,19 @@ bool listNames(const OdString& text, std::vector<Mention>& mentions, Diagnostic&
   }
 }
 
+namespace {
+
+bool isSlashBefore(const OdString& text, int index) {
+  constexpr wchar_t kDivisionSign = 0xF7;
+  return index > 0 && (text.getAt(index - 1) == L'/' || text.getAt(index - 1) == kDivisionSign);
+}
+
+bool isUnitText(const OdString& name) {
+  return name.getLength() <= kMaxNameLength && isUnit(WideText(name).view());
+}
+
+}  // namespace
+
 OdString renameInText(const OdString& text, const OdString& oldName, const OdString& newName) {
   std::vector<Mention> mentions;
   Diagnostic diagnostic;
@@ -36,7 +50,9 @@ OdString renameInText(const OdString& text, const OdString& oldName, const OdStr
   for (const Mention& mention : mentions) {
     if (!odStrIEqual(mention.name, oldName)) continue;
     const int begin = mention.column - 1;
-    renamed += text.mid(copied, begin - copied) + newName;
+    renamed += text.mid(copied, begin - copied);
+    if (isSlashBefore(text, begin) && isUnitText(newName)) renamed += ' ';
+    renamed += newName;
     copied = begin + mention.name.getLength();
   }
   return copied == 0 ? text : renamed + text.mid(copied);

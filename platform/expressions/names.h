@@ -22,8 +22,9 @@ struct Mention {
                                     Diagnostic& diagnostic);
 
 /// The text with every mention of `oldName` (case-insensitive) replaced by `newName`; the rest is
-/// kept character for character. The text itself when it does not mention the name or is not well
-/// formed.
+/// kept character for character, except that a space separates a slash from a new name that would
+/// read as a unit there (`2 mm/a` becomes `2 mm/ s`). The text itself when it does not mention the
+/// name or is not well formed.
 [[nodiscard]] OD_API OdString renameInText(const OdString& text, const OdString& oldName,
                                            const OdString& newName);
 

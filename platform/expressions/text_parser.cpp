@@ -314,8 +314,14 @@ Value TextParser::parseName() {
   if (const std::optional<Binding> binding = m_scope->find(name)) {
     return CodeBuilder::slot(binding->slot, binding->dimension, column);
   }
+  OdString suggestion;
+  if (findFunction(LowerCaseWord(word).view()) != nullptr) {
+    suggestion = name + "(...) for the function";
+  } else if (isUnit(word)) {
+    suggestion = "1 " + name + " for the unit";
+  }
   throw Diagnostic{Diagnostic::Kind::kUnknownName, column, atName.shown(), "a known name",
-                   isUnit(word) ? "1 " + name + " for the unit" : OdString()};
+                   suggestion};
 }
 
 // ---- Calls

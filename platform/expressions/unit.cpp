@@ -75,6 +75,7 @@ std::optional<Unit> findInCapitals(std::wstring_view word) {
 }  // namespace
 
 std::optional<Unit> findUnit(std::wstring_view word) {
+  if (word.empty()) return std::nullopt;
   if (auto own = findOwn(word)) return own;
   if (isPowerDigit(word.back())) {
     const auto unit = findUnit(word.substr(0, word.size() - 1));

@@ -305,6 +305,11 @@ TEST(ExpressionParser, TellsConstantsFromFormulas) {
   ASSERT_EQ(names.size(), 2U);
   EXPECT_EQ(names[1], L"b");
   EXPECT_TRUE(parser.usesName(L"B"));
+  // Names may measure anything, and are no reason to doubt a unit.
+  EXPECT_EQ(parser.setExpression(L"a * 5 mm + 2 mm^2"), eOk);
+  EXPECT_EQ(parser.setExpression(L"6 mm/s"), eOk);
+  EXPECT_TRUE(parser.isConstExpression());
+  EXPECT_EQ(parser.setExpression(L"5 mm + 2 mm^2"), eInvalidInput);
   EXPECT_EQ(parser.setExpression(L"a +"), eInvalidInput);
   EXPECT_FALSE(parser.isConstExpression());
   EXPECT_EQ(parser.setName(L"_width2"), eOk);
