@@ -8,6 +8,7 @@ list(APPEND VDM_DB_SOURCES
   constraints/vdm_constraint_names.cpp
   constraints/vdm_constraint_orientation.cpp
   constraints/vdm_constraint_properties_utils.cpp
+  constraints/vdm_constraint_roles.cpp
   constraints/vdm_constraint_utils.cpp
   constraints/vdm_constraint_variable.cpp
   constraints/vdm_db_assembly_pe.cpp
@@ -38,5 +39,6 @@ list(APPEND VDM_DB_HEADERS
   constraints/vdm_db_variable_reactor.h
 )
 list(APPEND VDM_DB_PRIVATE_HEADERS
+  constraints/vdm_constraint_roles.h
   constraints/vdm_db_constraint_manager_names.h
 )

@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <string_view>
 
+#include "platform/base/error.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/constraints/vdm_constraint.h"
+#include "vdm_db/parameters/vdm_assoc_variable_ext.h"
 #include "vdm_utils/vdmc_assert.h"
 
 namespace VdmConstraintPropertiesUtils {
@@ -227,6 +229,30 @@ bool getArraySetSize(const VdmConstraint* constraint, int& size) {
   if (!getNumber(constraint, kVdmArraySetSize, number)) return false;
   size = number;
   return true;
+}
+
+// ---- An attribute of the constraint's variable
+
+namespace {
+
+VdmAssocVariableExtPtr extensionOf(const VdmConstraint* constraint, OdDb::OpenMode mode) {
+  if (constraint == nullptr) return {};
+  return VdmAssocVariableExt::cast(constraint->userVariable().openAs<OdDbAssocVariable>(mode));
+}
+
+}  // namespace
+
+bool getGeometryDriven(const VdmConstraint* constraint) {
+  const VdmAssocVariableExtPtr extension = extensionOf(constraint, OdDb::kForRead);
+  return !extension.isNull() && extension->isGeometryDriven();
+}
+
+void setGeometryDriven(VdmConstraint* constraint, bool driven) {
+  const VdmAssocVariableExtPtr extension = extensionOf(constraint, OdDb::kForWrite);
+  if (extension.isNull()) {
+    throw OdError(OdString("Constraint variable is not an extended variable."));
+  }
+  extension->setGeometryDriven(driven);
 }
 
 }  // namespace VdmConstraintPropertiesUtils

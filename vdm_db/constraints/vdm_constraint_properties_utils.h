@@ -73,4 +73,11 @@ VDM_DB_EXPORT bool getMeasurementMode(const VdmConstraint* constraint, int argum
 VDM_DB_EXPORT bool setArraySetSize(VdmConstraint* constraint, int size);
 VDM_DB_EXPORT bool getArraySetSize(const VdmConstraint* constraint, int& size);
 
+// ---- An attribute of the constraint's variable
+
+/// False without a variable.
+[[nodiscard]] VDM_DB_EXPORT bool getGeometryDriven(const VdmConstraint* constraint);
+/// Raises OdError "Constraint variable is not an extended variable." without a variable.
+VDM_DB_EXPORT void setGeometryDriven(VdmConstraint* constraint, bool driven);
+
 }  // namespace VdmConstraintPropertiesUtils

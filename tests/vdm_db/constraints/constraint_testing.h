@@ -11,8 +11,12 @@
 class TestSolver : public OdStaticRxObject<VdmDbConstraintManagerPE> {
  public:
   bool isParametric(const VdmConstraint* constraint) override { return constraint->type() >= 10; }
-  bool isLinearDimension(const VdmConstraint*) override { return false; }
-  bool isAngularDimension(const VdmConstraint*) override { return false; }
+  bool isLinearDimension(const VdmConstraint* constraint) override {
+    return isParametric(constraint) && !isAngularDimension(constraint);
+  }
+  bool isAngularDimension(const VdmConstraint* constraint) override {
+    return constraint->type() == angularType;
+  }
   bool attachmentWanted() override { return false; }
   void reservedOperationA() override {}
   bool dropUnmappedConstraint() override { return false; }
@@ -42,6 +46,7 @@ class TestSolver : public OdStaticRxObject<VdmDbConstraintManagerPE> {
 
   OdStringArray removed;
   int invalidations = 0;
+  OdLong angularType = -1;
   VdmConstraintOrientationProperties offers;
   AlignmentOrientation drawnAlignment = kAlignmentNotSpecified;
   std::vector<HalfSpaceOrientation> drawnSides;

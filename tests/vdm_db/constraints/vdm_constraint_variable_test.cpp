@@ -2,8 +2,10 @@
 #include "platform/assoc/assoc_network.h"
 #include "tests/vdm_db/constraints/constraint_testing.h"
 #include "vdm_db/constraints/vdm_constraint_manager_services.h"
+#include "vdm_db/constraints/vdm_constraint_properties_utils.h"
 #include "vdm_db/constraints/vdm_constraint_utils.h"
 #include "vdm_db/constraints/vdm_db_variable_reactor.h"
+#include "vdm_db/parameters/vdm_assoc_variable_ext.h"
 #include "vdm_db/parameters/vdm_variable_evaluation.h"
 #include "vdm_db/parameters/vdm_variable_names.h"
 #include "vdm_db/parameters/vdm_variable_values.h"
@@ -90,6 +92,24 @@ TEST_F(VdmConstraintVariables, ChangesReachTheConstraint) {
       VdmConstraint::getDimConstraint(
           open<OdDbAssocVariable>(vdmu::getAssocVariable(m_modelSpace, L"x", true, L"1")).get()),
       nullptr);
+}
+
+TEST_F(VdmConstraintVariables, KnowWhatTheyMeasure) {
+  const VdmConstraintPtr width = addDimension(L"width", 4.0);
+  const VdmConstraintPtr angle = addConstraint(13, {newLine()}, L"angle");
+  const auto isLinear = [](const VdmConstraintPtr& constraint) {
+    return VdmAssocVariableExt::cast(variable(constraint))->isLinearDimension();
+  };
+  m_solver.angularType = 13;
+  EXPECT_TRUE(isLinear(width));
+  EXPECT_FALSE(isLinear(angle));
+  EXPECT_TRUE(VdmAssocVariableExt::cast(variable(angle))->isAngularDimension());
+  EXPECT_FALSE(VdmConstraintPropertiesUtils::getGeometryDriven(width.get()));
+  VdmConstraintPropertiesUtils::setGeometryDriven(width, true);
+  EXPECT_TRUE(VdmConstraintPropertiesUtils::getGeometryDriven(width.get()));
+  const VdmConstraintPtr plain = addConstraint(3, {newLine()});
+  EXPECT_FALSE(VdmConstraintPropertiesUtils::getGeometryDriven(plain.get()));
+  EXPECT_THROW(VdmConstraintPropertiesUtils::setGeometryDriven(plain, true), OdError);
 }
 
 TEST_F(VdmConstraintVariables, EndTogether) {
