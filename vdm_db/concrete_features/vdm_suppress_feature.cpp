@@ -4,12 +4,15 @@
 #include <algorithm>
 #include <vector>
 
+#include "platform/assoc/assoc_variable.h"
 #include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/drawing_utils/vdm_layer_utils.h"
+#include "vdm_db/drawing_utils/vdm_object_id_class.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_feature_results.h"
+#include "vdm_db/parameters/vdm_variable_names.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
 VDM_DEFINE_FEATURE_CLASS(VdmSuppressFeature, VdmGroupFeature, L"VdmSuppressFeature")
@@ -17,6 +20,9 @@ VDM_DEFINE_FEATURE_CLASS(VdmSuppressFeature, VdmGroupFeature, L"VdmSuppressFeatu
 namespace {
 
 constexpr double kZeroTolerance = 1e-10;  // of the expression's value; it counts as zero itself
+constexpr double kSuppressedValue = 1.0;
+
+bool isSuppressing(double value) { return value > kZeroTolerance || value < -kZeroTolerance; }
 
 OdDbObjectId suppressLayerOf(const OdDbDatabase* database) {
   return vdmu::findOrAddLayer(database, kVdmSuppressLayer, [](OdDbLayerTableRecord& layer) {
@@ -57,13 +63,83 @@ void VdmSuppressFeature::init(const OdDbFullSubentPathArray& paths) {
   VdmGroupFeature::init(paths);
   setStatus(StatusSuppressed);
   setFrozenLayer();
+  makeExpression();
 }
 
-bool VdmSuppressFeature::isSuppressed() const { return (getStatus() & StatusSuppressed) != 0; }
+// ---- The expression
+
+VdmDbExpressionReactorPtr VdmSuppressFeature::expressionReactor(OdDb::OpenMode mode) const {
+  for (const OdDbObjectId& id : reactorIds()) {
+    if (vdmu::isIdOf<VdmDbExpressionReactor>(id)) return id.openAs<VdmDbExpressionReactor>(mode);
+  }
+  return {};
+}
+
+// A name that no variable can have, or another one has, leaves the variable anonymous or numbered.
+void VdmSuppressFeature::makeExpression() {
+  if (expressionReactor().isNull()) addReactor(VdmDbExpressionReactor::desc(), /*mask=*/-1);
+  const VdmDbExpressionReactorPtr reactor = expressionReactor(OdDb::kForWrite);
+  if (reactor.isNull()) return;
+  const bool isNew = reactor->assocVariable().isNull();
+  reactor->setPropertyName(kVdmSuppress);
+  reactor->setInitialValue(kSuppressedValue);
+  reactor->setExpression(kVdmSuppressOn, /*reacts=*/true);
+  if (isNew) {
+    reactor->renameVariable(vdmu::generateVariableName(reactor->blockId(), VdmFeature::name()));
+  }
+}
+
+OdDbObjectId VdmSuppressFeature::variableId() const {
+  const VdmDbExpressionReactorPtr reactor = expressionReactor();
+  return reactor.isNull() ? OdDbObjectId::kNull : reactor->assocVariable();
+}
+
+OdString VdmSuppressFeature::suppressExpression() const {
+  const auto variable = variableId().openAs<OdDbAssocVariable>();
+  return variable.isNull() ? kVdmSuppressOn : variable->expression();
+}
+
+OdResult VdmSuppressFeature::setSuppressExpression(const OdString& text) {
+  const auto variable = variableId().openAs<OdDbAssocVariable>(OdDb::kForWrite);
+  return variable.isNull() ? kVdmNoFeature : variable->setExpression(text);
+}
+
+OdString VdmSuppressFeature::name() const {
+  const auto variable = variableId().openAs<OdDbAssocVariable>();
+  const bool hasName = !variable.isNull() && !variable->isAnonymous();
+  return hasName ? variable->name() : VdmFeature::name();
+}
+
+OdResult VdmSuppressFeature::setName(const OdString& name) {
+  if (const auto variable = variableId().openAs<OdDbAssocVariable>(OdDb::kForWrite);
+      !variable.isNull()) {
+    const bool wasAnonymous = variable->isAnonymous();
+    const OdResult result = variable->setName(name, /*updateReferencingExpressions=*/true);
+    if (result != eOk && !wasAnonymous) return result;
+  }
+  return VdmFeature::setName(name);
+}
+
+bool VdmSuppressFeature::isSuppressed() const {
+  const VdmDbExpressionReactorPtr reactor = expressionReactor();
+  if (reactor.isNull()) return (getStatus() & StatusSuppressed) != 0;
+  return isSuppressing(reactor->value());
+}
+
+void VdmSuppressFeature::eraseReactor(OdDbObjectId reactor, int mask, int tag) {
+  if (!vdmu::isIdOf<VdmDbExpressionReactor>(reactor)) {
+    return VdmGroupFeature::eraseReactor(reactor, mask, tag);
+  }
+  if (!reactorIds().contains(reactor)) return;
+  restoreLayers();
+  assertWritable()->erase();
+}
+
+// ---- Switching
 
 OdResult VdmSuppressFeature::onPropertyModified(const OdString& key, double value) {
   if (key != kVdmSuppress) return kVdmNotSuppressing;
-  const bool wanted = value > kZeroTolerance || value < -kZeroTolerance;
+  const bool wanted = isSuppressing(value);
   if (wanted == ((getStatus() & StatusSuppressed) != 0)) return eOk;
   setStatus(wanted ? StatusSuppressed : Status{});
   return wanted ? setFrozenLayer() : restoreLayers();

@@ -9,7 +9,10 @@ list(APPEND VDM_DB_SOURCES
   features/vdm_db_feature_manager_transaction.cpp
   features/vdm_db_iterator.cpp
   features/vdm_db_naming_policy_pe.cpp
+  features/vdm_db_expression_reactor.cpp
   features/vdm_db_pers_id_reactor.cpp
+  features/vdm_db_property_reactor.cpp
+  features/vdm_reactor_variables.cpp
   features/vdm_db_sheet_metal_context_pe.cpp
   features/vdm_feature.cpp
   features/vdm_feature_color_material.cpp
@@ -33,7 +36,9 @@ list(APPEND VDM_DB_HEADERS
   features/vdm_db_feature_manager_transaction.h
   features/vdm_db_iterator.h
   features/vdm_db_naming_policy_pe.h
+  features/vdm_db_expression_reactor.h
   features/vdm_db_pers_id_reactor.h
+  features/vdm_db_property_reactor.h
   features/vdm_db_sheet_metal_context_pe.h
   features/vdm_feature.h
   features/vdm_feature_color_pe.h
@@ -52,6 +57,7 @@ list(APPEND VDM_DB_HEADERS
   features/vdm_update_feature_interface.h
 )
 list(APPEND VDM_DB_PRIVATE_HEADERS
+  features/vdm_reactor_variables.h
   features/vdm_db_feature_manager_impl.h
   features/vdm_feature_color_material.h
   features/vdm_feature_reactor_walk.h

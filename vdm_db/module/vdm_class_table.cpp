@@ -12,6 +12,7 @@
 #include "vdm_db/concrete_features/vdm_drafting_group_feature.h"
 #include "vdm_db/concrete_features/vdm_group_feature.h"
 #include "vdm_db/concrete_features/vdm_suppress_feature.h"
+#include "vdm_db/concrete_features/vdm_suppress_roles.h"
 #include "vdm_db/concrete_features/vdm_thread_feature.h"
 #include "vdm_db/concrete_features/vdm_tracking_feature.h"
 #include "vdm_db/configurations/vdm_configuration_feature.h"
@@ -19,16 +20,19 @@
 #include "vdm_db/configurations/vdm_db_config_var_reactor.h"
 #include "vdm_db/configurations/vdm_db_configuration_table.h"
 #include "vdm_db/constraints/vdm_constraint.h"
+#include "vdm_db/constraints/vdm_constraint_roles.h"
 #include "vdm_db/constraints/vdm_db_assembly_pe.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager_pe.h"
 #include "vdm_db/constraints/vdm_db_variable_reactor.h"
 #include "vdm_db/drafting/vdm_db_trailing_line_pe.h"
+#include "vdm_db/features/vdm_db_expression_reactor.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_db_feature_manager_transaction.h"
 #include "vdm_db/features/vdm_db_naming_policy_pe.h"
 #include "vdm_db/features/vdm_db_pers_id_reactor.h"
+#include "vdm_db/features/vdm_db_property_reactor.h"
 #include "vdm_db/features/vdm_db_sheet_metal_context_pe.h"
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/features/vdm_feature_color_pe.h"
@@ -42,6 +46,8 @@
 #include "vdm_db/model/vdm_db_object_pe.h"
 #include "vdm_db/model/vdm_db_pers_id_manager.h"
 #include "vdm_db/model/vdm_db_pers_id_manager_pe.h"
+#include "vdm_db/parameters/vdm_assoc_variable_ext.h"
+#include "vdm_db/parameters/vdm_cv_unit_interface.h"
 #include "vdm_db/parameters/vdm_variable_roles.h"
 #include "vdm_db/properties/vdm_db_extension_data.h"
 #include "vdm_db/properties/vdm_properties_pe.h"
@@ -89,6 +95,8 @@ constexpr ClassRow kClassRows[] = {
     rowOf<VdmSuppressFeature>(),
     rowOf<VdmDbFeatureReactor>(),
     rowOf<VdmDbPersIdReactor>(),
+    rowOf<VdmDbPropertyReactor>(),
+    rowOf<VdmDbExpressionReactor>(),
     rowOf<VdmDbNamingPolicyPE>(),
     rowOf<VdmDbVariableReactor>(),
     rowOf<VdmPropertiesPE>(),
@@ -99,6 +107,8 @@ constexpr ClassRow kClassRows[] = {
     rowOf<VdmUpdateFeatureInterface>(),
     rowOf<VdmSimpleFeatureInterface>(),
     rowOf<VdmDbAssemblyPE>(),
+    rowOf<VdmAssocVariableExt>(),
+    rowOf<VdmCVUnitInterface>(),
     rowOf<VdmDbISettings>(),
     rowOf<vdmu::VdmRemappingOperationBracket>(),
     rowOf<VdmDbConfigurationTable>(),
@@ -140,6 +150,9 @@ class RegistrationGuard {
 // What the rooms above answer about variables.
 static void installVariableRoles() {
   VdmVariableRoles roles;
+  vdmAddConstraintRoles(roles);
+  vdmAddSuppressRoles(roles);
+  roles.isSheetMetalThickness = &VdmDbSheetMetalContext::isThicknessVariable;
   vdmAddConfigurationRoles(roles);
   VdmVariableRoles::install(roles);
 }

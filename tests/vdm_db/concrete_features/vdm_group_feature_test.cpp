@@ -3,6 +3,10 @@
 #include "tests/vdm_db/features/feature_testing.h"
 #include "vdm_db/concrete_features/vdm_diff_feature.h"
 #include "vdm_db/concrete_features/vdm_suppress_feature.h"
+#include "vdm_db/parameters/vdm_assoc_variable_ext.h"
+#include "vdm_db/parameters/vdm_variable_evaluation.h"
+#include "vdm_db/parameters/vdm_variable_names.h"
+#include "vdm_db/parameters/vdm_variable_values.h"
 
 namespace {
 
@@ -56,12 +60,54 @@ TEST_F(VdmGroupFeatureTest, SuppressionMovesEntitiesAndBringsThemBack) {
   EXPECT_EQ(change(id, L"suppress", 1.1e-10), eOk);
   EXPECT_EQ(layerOf(m_carrier), L"*SUPPRESS");
   EXPECT_EQ(change(id, L"suppress", 1e-10), eOk);
-  EXPECT_FALSE(feature<VdmSuppressFeature>(id)->isSuppressed());
+  EXPECT_TRUE(feature<VdmSuppressFeature>(id)->isSuppressed()) << "the expression says so";
   EXPECT_EQ(layerOf(m_carrier), L"Parts");
   EXPECT_EQ(layerOf(m_other), L"0");
   std::map<OdDbTypedId, OdDbTypedId> kept;
   ASSERT_TRUE(open<VdmDbFeatureData>(id)->getReadProperties().getProperty(L"aEntLayerKey", kept));
   EXPECT_TRUE(kept.empty()) << "layers are kept while they are needed";
+}
+
+TEST_F(VdmGroupFeatureTest, AnExpressionSwitchesSuppression) {
+  edit<OdDbEntity>(m_carrier)->setLayer(addLayer(L"Parts"));
+  OdDbObjectId id = add<VdmSuppressFeature>({m_carrier});
+  const auto suppress = [&](OdDb::OpenMode mode = OdDb::kForRead) {
+    return feature<VdmSuppressFeature>(id, mode);
+  };
+  EXPECT_EQ(suppress()->suppressExpression(), L"1");
+  EXPECT_EQ(suppress()->name(), L"G");
+  OdDbObjectId variable = suppress()->variableId();
+  EXPECT_EQ(vdmu::getAssocVariable(m_modelSpace, L"g", false, L""), variable);
+  EXPECT_TRUE(VdmAssocVariableExt::cast(open<OdDbAssocVariable>(variable))->isSuppressVariable());
+  const OdDbObjectId count = vdmu::getAssocVariable(m_modelSpace, L"count", true, L"3");
+  EXPECT_FALSE(VdmAssocVariableExt::cast(open<OdDbAssocVariable>(count))->isSuppressVariable());
+
+  m_drawing->disableUndoRecording(false);
+  m_drawing->startUndoRecord();
+  EXPECT_EQ(suppress(OdDb::kForWrite)->setSuppressExpression(L"count - 3"), eOk);
+  EXPECT_FALSE(suppress()->isSuppressed());
+  EXPECT_EQ(layerOf(m_carrier), L"Parts");
+  ASSERT_EQ(m_drawing->undo(), eOk);
+  EXPECT_TRUE(suppress()->isSuppressed());
+  EXPECT_EQ(layerOf(m_carrier), L"*SUPPRESS");
+  ASSERT_EQ(m_drawing->redo(), eOk);
+  EXPECT_EQ(suppress(OdDb::kForWrite)->setSuppressExpression(L"count -"), eInvalidInput);
+  for (const double value : {2.0, 3.0, 4.0}) {
+    vdmu::setConstExpression(edit<OdDbAssocVariable>(count).get(), value);
+    vdmu::evaluateVariables(m_modelSpace);
+    EXPECT_EQ(suppress()->isSuppressed(), value != 3.0);
+    EXPECT_EQ(layerOf(m_carrier), value != 3.0 ? L"*SUPPRESS" : L"Parts");
+  }
+  EXPECT_EQ(suppress(OdDb::kForWrite)->setName(L"count"), eDuplicateKey);
+  EXPECT_EQ(suppress(OdDb::kForWrite)->setName(L"Off"), eOk);
+  reopenWith({&id, &variable});
+  EXPECT_EQ(suppress()->name(), L"Off");
+  EXPECT_EQ(suppress()->suppressExpression(), L"count - 3");
+  EXPECT_EQ(suppress(OdDb::kForWrite)->setName(L"not a name"), eInvalidKey);
+  const OdDbObjectId reactor = suppress()->reactors().last();
+  suppress(OdDb::kForWrite)->eraseReactor(reactor, 0, 0);
+  EXPECT_TRUE(id.isErased() && variable.isErased());
+  EXPECT_EQ(layerOf(m_carrier), L"Parts");
 }
 
 }  // namespace

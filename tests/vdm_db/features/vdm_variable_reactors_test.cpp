@@ -1,0 +1,189 @@
+// A change of a variable reaches features: property reactors, expression reactors.
+#include "platform/assoc/assoc_network.h"
+#include "tests/vdm_db/features/feature_testing.h"
+#include "vdm_db/features/vdm_db_expression_reactor.h"
+#include "vdm_db/features/vdm_db_property_reactor.h"
+#include "vdm_db/parameters/vdm_variable_evaluation.h"
+#include "vdm_db/parameters/vdm_variable_names.h"
+#include "vdm_db/parameters/vdm_variable_values.h"
+
+/// Handles the property "Depth" itself, and notes what it hears.
+class DrivenFeature : public VdmFeature {
+ public:
+  VDM_DECLARE_FEATURE_MEMBERS(DrivenFeature)
+  static std::vector<std::pair<OdString, double>> heard;
+
+  OdResult onPropertyModified(const OdString& key, double value) override {
+    heard.emplace_back(key, value);
+    return key == L"Depth" ? eOk : static_cast<OdResult>(3);
+  }
+  bool isRequiredDependency(int, int) override { return false; }
+};
+VDM_DEFINE_FEATURE_CLASS(DrivenFeature, VdmFeature, L"DrivenFeature")
+std::vector<std::pair<OdString, double>> DrivenFeature::heard;
+
+namespace {
+
+using Heard = std::vector<std::pair<OdString, double>>;
+
+class VdmVariableReactors : public RegisteredClass<DrivenFeature>, public FeatureTest {
+ protected:
+  VdmVariableReactors() {
+    DrivenFeature::heard.clear();
+    m_feature = manager()->createFeatureData(DrivenFeature::desc(), L"F", false, false);
+    VdmProperties& bag = edit<VdmDbFeatureData>(m_feature)->getWriteProperties();
+    bag.setProperty(L"Depth", 5.0);
+    bag.setProperty(L"Width", 7.0);
+    bag.setProperty(L"Label", OdString(L"M8"));
+  }
+  template <class T>
+  OdDbObjectId addReactor() {
+    return m_feature.openAs<VdmFeature>(OdDb::kForWrite)->addReactor(T::desc(), -1);
+  }
+  OdDbObjectId named(const wchar_t* name, const wchar_t* expression = L"1") {
+    return vdmu::getAssocVariable(m_modelSpace, name, /*create=*/true, expression);
+  }
+  static void set(OdDbObjectId variable, double value) {
+    EXPECT_EQ(vdmu::setConstExpression(edit<OdDbAssocVariable>(variable).get(), value), eOk);
+  }
+  [[nodiscard]] double number(const wchar_t* key) const {
+    double value = -1;
+    open<VdmDbFeatureData>(m_feature)->getReadProperties().getProperty(key, value);
+    return value;
+  }
+  OdResult bind(OdDbObjectId reactor, const wchar_t* property, const wchar_t* variable) {
+    const auto carrier = edit<VdmDbFeatureData>(m_feature);
+    return edit<VdmDbPropertyReactor>(reactor)->setProperty(carrier.get(), property, variable);
+  }
+  [[nodiscard]] OdUInt32 variables() const {
+    return open<OdDbAssocNetwork>(OdDbAssocNetwork::getInstanceFromObject(m_modelSpace, true))
+        ->getActions()
+        .size();
+  }
+  static Heard heard() { return std::exchange(DrivenFeature::heard, {}); }
+
+  OdDbObjectId m_feature;
+};
+
+TEST_F(VdmVariableReactors, PropertiesFollowVariables) {
+  const OdDbObjectId id = addReactor<VdmDbPropertyReactor>();
+  EXPECT_EQ(bind(id, L"Depth", L"depth"), eOk);
+  EXPECT_EQ(bind(id, L"Width", L"width"), eOk);
+  EXPECT_EQ(bind(id, L"Label", L"label"), eKeyNotFound);
+  EXPECT_EQ(bind(id, L"Width", L"2 + 2"), eInvalidKey);
+  const OdDbObjectId depth = named(L"depth");
+  const OdDbObjectId width = named(L"WIDTH");
+  EXPECT_EQ(vdmu::getValueAsDouble(open<OdDbAssocVariable>(width).get()), 7.0);
+  EXPECT_EQ(open<VdmDbPropertyReactor>(id)->getProperties(), (OdStringArray{L"Depth", L"Width"}));
+  EXPECT_TRUE(heard().empty()) << "the variables took the numbers";
+
+  set(width, 9.0);
+  EXPECT_EQ(heard(), (Heard{{L"Width", 9.0}}));
+  EXPECT_EQ(number(L"Width"), 9.0) << "the feature left it to the reactor";
+  EXPECT_EQ(open<VdmDbFeatureData>(m_feature)->adapterClass(), DrivenFeature::desc());
+  EXPECT_EQ(m_feature.openAs<VdmFeature>()->getStatus(), VdmFeature::StatusNotifyEntities);
+  set(depth, 6.0);
+  EXPECT_EQ(heard(), (Heard{{L"Depth", 6.0}}));
+  EXPECT_EQ(number(L"Depth"), 5.0) << "the feature handled it";
+  set(width, 9.0 + 1e-11);
+  EXPECT_EQ(heard(), (Heard{{L"Depth", 6.0}})) << "it differs still; the width does not";
+
+  // Undo tells nobody, and the next change is heard.
+  m_drawing->disableUndoRecording(false);
+  m_drawing->startUndoRecord();
+  set(width, 11.0);
+  EXPECT_EQ(heard().size(), 2u);
+  ASSERT_EQ(m_drawing->undo(), eOk);
+  EXPECT_TRUE(heard().empty());
+  EXPECT_EQ(number(L"Width"), 9.0);
+  set(width, 11.0);
+  EXPECT_EQ(heard().back(), (std::pair<OdString, double>{L"Width", 11.0}));
+
+  vdmu::removeVariable(width);
+  EXPECT_EQ(open<VdmDbPropertyReactor>(id)->getProperties(), OdStringArray{L"Depth"});
+  EXPECT_EQ(m_feature.openAs<VdmFeature>()->getVariables(), OdDbObjectIdArray{depth});
+  EXPECT_EQ(bind(id, L"Depth", L"other"), eOk);
+  EXPECT_TRUE(open<OdDbAssocVariable>(depth)->getPersistentReactors().isEmpty());
+  edit<OdDbObject>(id)->erase();
+  EXPECT_TRUE(open<OdDbAssocVariable>(named(L"other"))->getPersistentReactors().isEmpty());
+}
+
+TEST_F(VdmVariableReactors, ExpressionsGiveProperties) {
+  const OdDbObjectId base = named(L"base", L"4");
+  OdDbObjectId id = addReactor<VdmDbExpressionReactor>();
+  const auto reactor = [&] { return edit<VdmDbExpressionReactor>(id); };
+  reactor()->setPropertyName(L"Depth");
+  reactor()->setInitialValue(5.0);
+  OdString message;
+  EXPECT_EQ(reactor()->setExpression(L"base +", true, &message), eInvalidInput);
+  EXPECT_FALSE(message.isEmpty());
+  EXPECT_TRUE(reactor()->assocVariable().isNull());
+  EXPECT_EQ(variables(), 1u) << "nothing is left of what was refused";
+  EXPECT_EQ(reactor()->setExpression(L"base + 1", true), eOk);
+  const OdDbObjectId own = reactor()->assocVariable();
+  EXPECT_TRUE(open<OdDbAssocVariable>(own)->isAnonymous());
+  EXPECT_TRUE(heard().empty()) << "it is 5 already";
+
+  set(base, 7.0);
+  vdmu::evaluateVariables(m_modelSpace);
+  EXPECT_EQ(heard(), (Heard{{L"Depth", 8.0}}));
+  EXPECT_EQ(reactor()->value(), 8.0);
+  EXPECT_EQ(std::get<0>(reactor()->getLastState())->getAsDouble(), 8.0);
+  EXPECT_EQ(std::get<1>(reactor()->getLastState()), L"base + 1");
+  EXPECT_EQ(reactor()->setExpression(L"8 * base / 7", true), eOk);
+  vdmu::evaluateVariables(m_modelSpace);
+  EXPECT_EQ(reactor()->expression(), L"8 * base / 7");
+  EXPECT_EQ(reactor()->setExpression(L"base * 2", true), eOk);
+  EXPECT_EQ(heard(), (Heard{{L"Depth", 14.0}}));
+  EXPECT_EQ(reactor()->setExpression(L"base * 3", false), eOk);
+  set(base, 1.0);
+  vdmu::evaluateVariables(m_modelSpace);
+  EXPECT_TRUE(heard().empty());
+  EXPECT_EQ(reactor()->value(), 3.0) << "kept up to date all the same";
+
+  EXPECT_TRUE(reactor()->findVariable(L"BASE"));
+  EXPECT_FALSE(reactor()->findVariable(L"width"));
+  EXPECT_EQ(reactor()->renameVariable(L"result"), eOk);
+  EXPECT_TRUE(reactor()->findVariable(L"Result"));
+  EXPECT_EQ(named(L"result"), own);
+
+  reopenWith({&id, &m_feature});
+  EXPECT_EQ(reactor()->propertyName(), L"Depth");
+  EXPECT_EQ(reactor()->value(), 3.0);
+  EXPECT_EQ(reactor()->setExpression(L"base * 4", true), eOk);
+  EXPECT_EQ(heard(), (Heard{{L"Depth", 4.0}})) << "after loading, too";
+}
+
+TEST_F(VdmVariableReactors, TheVariableOfAnExpressionEndsWithIt) {
+  const OdDbObjectId first = addReactor<VdmDbExpressionReactor>();
+  const OdDbObjectId second = addReactor<VdmDbExpressionReactor>();
+  const auto make = [](OdDbObjectId id, const wchar_t* name) {
+    edit<VdmDbExpressionReactor>(id)->setExpression(L"2", false);
+    edit<VdmDbExpressionReactor>(id)->renameVariable(name);
+    return open<VdmDbExpressionReactor>(id)->assocVariable();
+  };
+  const OdDbObjectId used = make(first, L"used");
+  const OdDbObjectId unused = make(second, L"unused");
+  const OdDbObjectId user = named(L"user", L"used * 2");
+  m_drawing->disableUndoRecording(false);
+  m_drawing->startUndoRecord();
+  edit<OdDbObject>(m_feature)->erase();
+  EXPECT_TRUE(first.isErased() && second.isErased());
+  EXPECT_TRUE(unused.isErased());
+  EXPECT_FALSE(used.isErased()) << "another variable is defined by it";
+  EXPECT_EQ(open<OdDbAssocVariable>(used)->getPersistentReactors().size(), 1u);
+  ASSERT_EQ(m_drawing->undo(), eOk);
+  EXPECT_FALSE(unused.isErased());
+  EXPECT_TRUE(open<OdDbAssocVariable>(unused)->hasPersistentReactor(second));
+  EXPECT_FALSE(user.isErased());
+
+  // The other way round, where that is asked for.
+  const OdDbObjectId third = addReactor<VdmDbExpressionReactor>();
+  edit<VdmDbExpressionReactor>(third)->setExpression(L"2", false);
+  edit<VdmDbExpressionReactor>(third)->setDeleteOnErase(true);
+  vdmu::removeVariable(open<VdmDbExpressionReactor>(third)->assocVariable());
+  EXPECT_TRUE(third.isErased());
+  EXPECT_FALSE(m_feature.isErased());
+}
+
+}  // namespace

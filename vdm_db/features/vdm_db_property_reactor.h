@@ -1,0 +1,56 @@
+// VdmDbPropertyReactor: properties of a feature that variables drive.
+#pragma once
+
+#include <map>
+
+#include "platform/base/array.h"
+#include "platform/base/result.h"
+#include "platform/base/string.h"
+#include "platform/filer/object_id.h"
+#include "vdm_db/common/vdm_db_export.h"
+#include "vdm_db/model/vdm_db_feature_reactor.h"
+#include "vdm_db/properties/db_typed_id.h"
+
+/// State: the bag key "prop2vars", and "deleteOnErase" where somebody has set it.
+class VDM_DB_EXPORT VdmDbPropertyReactorImpl : public VdmDbFeatureReactorImpl {
+ public:
+  VdmDbPropertyReactorImpl();
+
+  std::map<OdString, OdDbTypedId> variables;  ///< by property
+
+  [[nodiscard]] bool isOf(const OdDbObjectId& variable) const;
+  /// Takes the reactor and the feature's carrier off the variables. With "deleteOnErase" those that
+  /// nobody else uses end with it.
+  OdResult subErase(VdmDbFeatureReactor* reactor) override;
+  [[nodiscard]] OdDbObjectIdArray getVariables(const VdmDbFeatureReactor* reactor) override;
+};
+
+/// Binds numbers among the properties of a feature to variables. It is a persistent reactor of the
+/// variables; when one has a value that differs from the property, the feature is called with
+/// onPropertyModified(), and a feature that does not handle the property has the number stored and
+/// all features of the block marked.
+class VDM_DB_EXPORT VdmDbPropertyReactor : public VdmDbFeatureReactor {
+ public:
+  OD_RX_DECLARE_MEMBERS(VdmDbPropertyReactor)
+
+  VdmDbPropertyReactor();
+
+  /// Binds a property of the feature, whose carrier `owner` is, to the variable of the name in the
+  /// model space. A missing variable is made; the variable takes the present number. Nothing
+  /// changes for a property that is no number (eKeyNotFound), and when the model space takes no
+  /// variable of that name (eInvalidKey) or the variable does not take the number.
+  OdResult setProperty(OdDbObject* owner, const OdString& property, const OdString& variableName);
+  /// The bound properties, in the order of their names.
+  [[nodiscard]] OdStringArray getProperties() const;
+  /// Null for a property that is not bound.
+  [[nodiscard]] OdDbObjectId getPropertyVariable(const OdString& property) const;
+
+  void modified(const OdDbObject* object) override;
+  /// The variable leaves the bindings.
+  void erased(const OdDbObject* object, bool erasing) override;
+
+ private:
+  [[nodiscard]] const VdmDbPropertyReactorImpl& stateForRead() const;
+  VdmDbPropertyReactorImpl& stateForWrite();
+};
+using VdmDbPropertyReactorPtr = OdSmartPtr<VdmDbPropertyReactor>;
