@@ -25,6 +25,8 @@ std::string numberOf(const OdResBuf& value) {
       return exactNumber(value.getDouble());
     case OdResBuf::Kind::kBool:
       return value.getBool() ? "true" : "false";
+    case OdResBuf::Kind::kHandle:
+      return str(value.getHandle());
     default:
       return std::to_string(value.getInt16());
   }

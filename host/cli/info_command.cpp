@@ -40,6 +40,9 @@ Json variablesJson(const OdDbDatabase& drawing) {
       case OdDbSettingRow::Kind::kBool:
         json[row.name] = value->getBool();
         break;
+      case OdDbSettingRow::Kind::kHandle:
+        json[row.name] = str(value->getHandle());
+        break;
     }
   }
   return json;

@@ -16,8 +16,8 @@
 #include <algorithm>
 
 #include "host/rendering/scene.h"
-#include "host/rendering/vector_font.h"
 #include "platform/base/string.h"
+#include "platform/gi/stroke_font.h"
 
 namespace rendering {
 
@@ -32,7 +32,7 @@ constexpr double kLineDistance = 2.0;    // in text heights
 constexpr double kLeaderRoom = 3.0;      // between text and model, in text heights
 constexpr const char* kCut = "...";
 
-double widthOf(const std::string& text, double height) { return layOutText(text).width * height; }
+double widthOf(const std::string& text, double height) { return odgiTextWidth(OdString(text)) * height; }
 
 std::string shortened(const std::string& text, double width, double height) {
   if (widthOf(text, height) <= width) return text;

@@ -3,9 +3,9 @@
 
 #include <png.h>
 
-#include "host/rendering/vector_font.h"
 #include "host/rendering/view.h"
 #include "platform/base/error.h"
+#include "platform/gi/stroke_font.h"
 
 namespace rendering {
 
@@ -22,10 +22,10 @@ constexpr double kLeaderGap = 0.9;  // between leader and text, in halves of the
 
 void drawText(Raster& raster, const PlacedLabel& label, double height, double width,
               const RenderColor& color) {
-  for (const auto& stroke : layOutText(label.text).strokes) {
+  for (const auto& stroke : odgiLayOutText(OdString(label.text)).strokes) {
     for (std::size_t i = 1; i < stroke.size(); ++i) {
-      const FontPoint& a = stroke[i - 1];
-      const FontPoint& b = stroke[i];
+      const OdGePoint2d& a = stroke[i - 1];
+      const OdGePoint2d& b = stroke[i];
       raster.lineOnTop({label.textLeft + a.x * height, label.baseLine - a.y * height, 0.0},
                        {label.textLeft + b.x * height, label.baseLine - b.y * height, 0.0}, width,
                        color);

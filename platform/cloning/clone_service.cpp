@@ -13,6 +13,7 @@ namespace {
 
 void copySettings(const OdDbDatabase* from, OdDbDatabase* to) {
   for (const OdDbSettingRow& row : OdDbDrawingSettings::rows()) {
+    if (row.kind == OdDbSettingRow::Kind::kHandle) continue;  // of an object of the other drawing
     const OdString name(row.name);
     to->setSysVar(name, from->getSysVar(name));
   }

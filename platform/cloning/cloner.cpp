@@ -51,6 +51,10 @@ constexpr OdUInt64 kSharedRoots[] = {
     OdDbRootHandles::kLinetypeByBlock,
     OdDbRootHandles::kLinetypeByLayer,
     OdDbRootHandles::kLinetypeContinuous,
+    OdDbRootHandles::kTextStyleTable,
+    OdDbRootHandles::kDimStyleTable,
+    OdDbRootHandles::kTextStyleStandard,
+    OdDbRootHandles::kDimStyleStandard,
 };
 
 }  // namespace

@@ -16,7 +16,6 @@ OD_RX_DEFINE_ABSTRACT(OdDbDatabase, OdRxObject, L"OdDbDatabase")
 OD_RX_DEFINE_ABSTRACT(OdDbDatabaseReactor, OdRxObject, L"OdDbDatabaseReactor")
 
 namespace {
-constexpr const wchar_t* kMaterialDictionary = L"MATERIALS";
 }
 
 // The inside.
@@ -82,16 +81,6 @@ OdDbObjectId OdDbDatabase::getPaperSpaceId() const {
 }
 OdDbObjectId OdDbDatabase::getLayerZeroId() const {
   return m_impl->idOf(OdDbRootHandles::kLayerZero);
-}
-
-OdDbObjectId OdDbDatabase::getMaterialDictionaryId(bool createIfNotFound) {
-  const OdDbDictionaryPtr root =
-      getNamedObjectsDictionaryId().safeOpenAs<OdDbDictionary>(OdDb::kForRead);
-  const OdDbObjectId found = root->getAt(kMaterialDictionary);
-  if (!found.isNull() || !createIfNotFound) return found;
-  const OdDbDictionaryPtr materials = OdDbDictionary::createObject();
-  const OdDbOpenUpgrade upgrade(root);
-  return root->setAt(kMaterialDictionary, materials);
 }
 
 // Objects.

@@ -36,6 +36,10 @@ struct OdDbRootHandles {
   static constexpr OdUInt64 kLinetypeByBlock = 9;
   static constexpr OdUInt64 kLinetypeByLayer = 10;
   static constexpr OdUInt64 kLinetypeContinuous = 11;
+  static constexpr OdUInt64 kTextStyleTable = 12;
+  static constexpr OdUInt64 kDimStyleTable = 13;
+  static constexpr OdUInt64 kTextStyleStandard = 14;
+  static constexpr OdUInt64 kDimStyleStandard = 15;
   static constexpr OdUInt64 kFirstFree = 0x20;
 };
 
@@ -56,6 +60,11 @@ class OdDbDatabase : public OdRxObject {
   [[nodiscard]] OdDbObjectId getLayerTableId() const;
   [[nodiscard]] OdDbObjectId getLinetypeTableId() const;
   [[nodiscard]] OdDbObjectId getRegAppTableId() const;
+  [[nodiscard]] OdDbObjectId getTextStyleTableId() const;
+  [[nodiscard]] OdDbObjectId getDimStyleTableId() const;
+  [[nodiscard]] OdDbObjectId getLinetypeByLayerId() const;
+  [[nodiscard]] OdDbObjectId getLinetypeByBlockId() const;
+  [[nodiscard]] OdDbObjectId getLinetypeContinuousId() const;
   [[nodiscard]] OdDbObjectId getNamedObjectsDictionaryId() const;
   [[nodiscard]] OdDbObjectId getModelSpaceId() const;
   [[nodiscard]] OdDbObjectId getPaperSpaceId() const;
@@ -63,6 +72,10 @@ class OdDbDatabase : public OdRxObject {
   /// Dictionary of the drawing's materials (OdDbMaterial), an entry of the named objects
   /// dictionary. A missing one is made when asked for, otherwise null.
   OdDbObjectId getMaterialDictionaryId(bool createIfNotFound = true);
+  /// The same of the visual styles (OdDbVisualStyle) and of the styles of multi-lines
+  /// (OdDbMlineStyle).
+  OdDbObjectId getVisualStyleDictionaryId(bool createIfNotFound = true);
+  OdDbObjectId getMLStyleDictionaryId(bool createIfNotFound = true);
 
   // Objects.
   /// Adds an object that is in no database and returns its id. With a null handle the next free one
@@ -91,6 +104,27 @@ class OdDbDatabase : public OdRxObject {
   void setSysVar(const OdString& name, const OdResBuf* value);
   [[nodiscard]] OdDb::UnitsValue getINSUNITS() const;
   void setINSUNITS(OdDb::UnitsValue units);
+  /// Factor on the patterns of all line types.
+  [[nodiscard]] double getLTSCALE() const;
+  void setLTSCALE(double scale);
+
+  // What new entities get; see OdDbEntity::setDatabaseDefaults(). Where the object of a setting is
+  // erased, the fixed one is given: layer "0", line type "ByLayer", style "Standard". Setting one
+  // raises eWrongDatabase or eWrongObjectType.
+  [[nodiscard]] OdDbObjectId getCLAYER() const;
+  void setCLAYER(const OdDbObjectId& layer);
+  [[nodiscard]] OdUInt16 getCECOLOR() const;  ///< colour index
+  void setCECOLOR(OdUInt16 index);
+  [[nodiscard]] OdDbObjectId getCELTYPE() const;
+  void setCELTYPE(const OdDbObjectId& linetype);
+  [[nodiscard]] double getCELTSCALE() const;
+  void setCELTSCALE(double scale);
+  [[nodiscard]] OdDb::LineWeight getCELWEIGHT() const;
+  void setCELWEIGHT(OdDb::LineWeight weight);
+  [[nodiscard]] OdDbObjectId getTEXTSTYLE() const;
+  void setTEXTSTYLE(const OdDbObjectId& style);
+  [[nodiscard]] OdDbObjectId getDIMSTYLE() const;
+  void setDIMSTYLE(const OdDbObjectId& style);
 
   // Undo.
   void startUndoRecord();
@@ -163,6 +197,10 @@ class OdDbDatabase : public OdRxObject {
 
   /// Whether pictures of the drawing may be altered by overrules: the host services decide.
   [[nodiscard]] virtual bool isReadyForDisplay() const;
+
+  /// Takes line types from a text file of definitions, see linetype_file.h.
+  OdStatus loadLineTypeFile(const OdString& linetype, const OdString& path,
+                            OdDb::DuplicateLinetypeLoading duplicates = OdDb::kDltNotApplicable);
 
   /// Opens for the runtime's own rooms.
   [[nodiscard]] OdDbDatabaseImpl& impl() const { return *m_impl; }

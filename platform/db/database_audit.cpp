@@ -23,12 +23,14 @@
 #include "platform/db/database_impl.h"
 #include "platform/db/default_content.h"
 #include "platform/db/dictionary.h"
+#include "platform/db/dim_style_table.h"
 #include "platform/db/layer_table.h"
 #include "platform/db/linetype_table.h"
 #include "platform/db/open_upgrade.h"
 #include "platform/db/owner_listing.h"
 #include "platform/db/regapp_table.h"
 #include "platform/db/symbol_table.h"
+#include "platform/db/text_style_table.h"
 #include "platform/filer/id_filer.h"
 #include "platform/filer/memory_filer.h"
 
@@ -87,6 +89,11 @@ constexpr RootRow kRoots[] = {
     {OdDbRootHandles::kLinetypeByBlock, L"linetype ByBlock", &OdDbLinetypeTableRecord::desc},
     {OdDbRootHandles::kLinetypeByLayer, L"linetype ByLayer", &OdDbLinetypeTableRecord::desc},
     {OdDbRootHandles::kLinetypeContinuous, L"linetype Continuous", &OdDbLinetypeTableRecord::desc},
+    {OdDbRootHandles::kTextStyleTable, L"text style table", &OdDbTextStyleTable::desc},
+    {OdDbRootHandles::kDimStyleTable, L"dimension style table", &OdDbDimStyleTable::desc},
+    {OdDbRootHandles::kTextStyleStandard, L"text style Standard", &OdDbTextStyleTableRecord::desc},
+    {OdDbRootHandles::kDimStyleStandard, L"dimension style Standard",
+     &OdDbDimStyleTableRecord::desc},
 };
 
 /// One check. The phases run in the order of the functions; what they find is mended at once when

@@ -68,6 +68,23 @@ enum UnitsValue : OdInt32 {
   kUnitsMax = kUnitsUSSurveyFeet,
 };
 
+/// Pen widths in hundredths of a millimetre, 0 to 211, or one of these. Numbers are stored.
+enum LineWeight : OdInt16 {
+  kLnWtByLwDefault = -3,
+  kLnWtByBlock = -2,
+  kLnWtByLayer = -1,
+  kLnWt000 = 0,
+  kLnWt025 = 25,
+  kLnWt211 = 211,
+};
+
+/// What becomes of line types of a file that the drawing has already.
+enum DuplicateLinetypeLoading : OdUInt8 {
+  kDltNotApplicable = 0,  ///< loading one by name says that it is there
+  kDltIgnore = 1,         ///< those of the drawing stay
+  kDltReplace = 2,        ///< those of the file take their place
+};
+
 /// Kind of a subentity. Numbers are stored.
 enum SubentType : OdInt32 {
   kNullSubentType = 0,

@@ -5,11 +5,15 @@
 #include "platform/db/database.h"
 #include "platform/db/database_reactor.h"
 #include "platform/db/dictionary.h"
+#include "platform/db/dim_style_table.h"
 #include "platform/db/layer_table.h"
 #include "platform/db/linetype_table.h"
 #include "platform/db/material.h"
+#include "platform/db/mline_style.h"
 #include "platform/db/proxy_object.h"
 #include "platform/db/regapp_table.h"
+#include "platform/db/text_style_table.h"
+#include "platform/db/visual_style.h"
 #include "platform/db/xrecord.h"
 #include "platform/filer/dwg_filer.h"
 #include "platform/filer/dxf_filer.h"
@@ -36,6 +40,8 @@ constexpr OdRxClassRow kRows[] = {
     odrxClassRow<OdDbDictionaryIterator>(),
     odrxClassRow<OdDbXrecord>(),
     odrxClassRow<OdDbMaterial>(),
+    odrxClassRow<OdDbVisualStyle>(),
+    odrxClassRow<OdDbMlineStyle>(),
     odrxClassRow<OdDbSymbolTableRecord>(),
     odrxClassRow<OdDbSymbolTable>(),
     odrxClassRow<OdDbSymbolTableIterator>(),
@@ -49,6 +55,10 @@ constexpr OdRxClassRow kRows[] = {
     odrxClassRow<OdDbLinetypeTable>(),
     odrxClassRow<OdDbRegAppTableRecord>(),
     odrxClassRow<OdDbRegAppTable>(),
+    odrxClassRow<OdDbTextStyleTableRecord>(),
+    odrxClassRow<OdDbTextStyleTable>(),
+    odrxClassRow<OdDbDimStyleTableRecord>(),
+    odrxClassRow<OdDbDimStyleTable>(),
     odrxClassRow<OdDbDatabase>(),
     odrxClassRow<OdDbDatabaseReactor>(),
 };

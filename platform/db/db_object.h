@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <type_traits>
 
 #include "platform/base/array.h"
 #include "platform/base/result.h"
@@ -208,6 +209,22 @@ class OdDbObject : public OdGiDrawable {
   void completeErase(bool erasing);
   /// Marks that graphics changed, so that reactors hear modifiedGraphics at close.
   void noteGraphicsModified();
+
+  /// The value of a member, for a getter: the object must be open for read.
+  template <class T>
+  const T& read(const T& member) const {
+    assertReadEnabled();
+    return member;
+  }
+  /// Sets a member, for a setter whose value is checked. Nothing happens, and the object need not
+  /// be open for write, when the member has the value; true when it was changed.
+  template <class T>
+  bool assign(T& member, const std::type_identity_t<T>& value) {
+    if (member == value) return false;
+    assertWriteEnabled();
+    member = value;
+    return true;
+  }
 
  private:
   friend class OdDbDatabase;

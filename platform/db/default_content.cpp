@@ -4,9 +4,11 @@
 #include "platform/db/block_table.h"
 #include "platform/db/database.h"
 #include "platform/db/dictionary.h"
+#include "platform/db/dim_style_table.h"
 #include "platform/db/layer_table.h"
 #include "platform/db/linetype_table.h"
 #include "platform/db/regapp_table.h"
+#include "platform/db/text_style_table.h"
 
 namespace {
 
@@ -58,6 +60,15 @@ void makeLayers(OdDbDatabase* database) {
       database->getOdDbObjectId(OdDbHandle(OdDbRootHandles::kLinetypeContinuous)));
 }
 
+void makeStyles(OdDbDatabase* database) {
+  const OdDbTextStyleTablePtr texts =
+      addTable<OdDbTextStyleTable>(database, OdDbRootHandles::kTextStyleTable);
+  addRecord<OdDbTextStyleTableRecord>(texts, L"Standard", OdDbRootHandles::kTextStyleStandard);
+  const OdDbDimStyleTablePtr dimensions =
+      addTable<OdDbDimStyleTable>(database, OdDbRootHandles::kDimStyleTable);
+  addRecord<OdDbDimStyleTableRecord>(dimensions, L"Standard", OdDbRootHandles::kDimStyleStandard);
+}
+
 void makeBlocks(OdDbDatabase* database) {
   const OdDbBlockTablePtr table = addTable<OdDbBlockTable>(database, OdDbRootHandles::kBlockTable);
   addRecord<OdDbBlockTableRecord>(table, OdDbBlockTable::kModelSpaceName,
@@ -72,6 +83,7 @@ void oddbMakeDefaultContent(OdDbDatabase* database) {
   makeLinetypes(database);
   makeLayers(database);
   makeBlocks(database);
+  makeStyles(database);
   addTable<OdDbRegAppTable>(database, OdDbRootHandles::kRegAppTable);
   addTable<OdDbDictionary>(database, OdDbRootHandles::kNamedObjectsDictionary);
 }

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "platform/base/error.h"
+#include "platform/db/database.h"
 #include "platform/db/db_enums.h"
 
 namespace {
@@ -16,21 +17,35 @@ using Kind = OdDbSettingRow::Kind;
 constexpr double kSmallest = std::numeric_limits<double>::min();
 constexpr double kGreatest = std::numeric_limits<double>::max();
 
+// A handle is kept as a double: handles up to this one fit without loss.
+constexpr double kGreatestHandle = 9007199254740992.0;
+
 constexpr OdDbSettingRow kRows[] = {
     // name, kind, default, min, max
-    {"AUNITS", Kind::kInt16, 0, 0, 4},        // form of angles
-    {"AUPREC", Kind::kInt16, 0, 0, 8},        // decimals of angles
+    {"AUNITS", Kind::kInt16, 0, 0, 4},                      // form of angles
+    {"AUPREC", Kind::kInt16, 0, 0, 8},                      // decimals of angles
+    {"CECOLOR", Kind::kInt16, 256, 0, 256},                 // colour index of new entities
+    {"CELTSCALE", Kind::kDouble, 1, kSmallest, kGreatest},  // pattern scale of new entities
+    {"CELTYPE", Kind::kHandle, OdDbRootHandles::kLinetypeByLayer, 1, kGreatestHandle},
+    {"CELWEIGHT", Kind::kInt16, -1, -3, 211},  // pen of new entities
+    {"CLAYER", Kind::kHandle, OdDbRootHandles::kLayerZero, 1, kGreatestHandle},
+    {"DIMSTYLE", Kind::kHandle, OdDbRootHandles::kDimStyleStandard, 1, kGreatestHandle},
     {"FEATURECOLORS", Kind::kBool, 1, 0, 1},  // features colour their faces
+    {"FILLMODE", Kind::kBool, 1, 0, 1},       // hatches and wide polylines are filled
     {"INSUNITS", Kind::kInt16, OdDb::kUnitsMillimeters, 0, OdDb::kUnitsMax},
     {"LTSCALE", Kind::kDouble, 1, kSmallest, kGreatest},
-    {"LUNITS", Kind::kInt16, 2, 1, 5},       // form of lengths
-    {"LUPREC", Kind::kInt16, 4, 0, 8},       // decimals of lengths
-    {"MEASUREMENT", Kind::kInt16, 1, 0, 1},  // 0 imperial, 1 metric
-    {"VISRETAIN", Kind::kBool, 1, 0, 1},     // layers of external references keep their state
-    {"XREFNOTIFY", Kind::kInt16, 2, 0, 2},   // news of external references
+    {"LUNITS", Kind::kInt16, 2, 1, 5},                    // form of lengths
+    {"LUPREC", Kind::kInt16, 4, 0, 8},                    // decimals of lengths
+    {"MEASUREMENT", Kind::kInt16, 1, 0, 1},               // 0 imperial, 1 metric
+    {"PDMODE", Kind::kInt16, 0, 0, 100},                  // sign of points
+    {"PDSIZE", Kind::kDouble, 0, -kGreatest, kGreatest},  // its size; 0 and below: the standard one
+    {"TEXTSIZE", Kind::kDouble, 2.5, kSmallest, kGreatest},  // height of new texts
+    {"TEXTSTYLE", Kind::kHandle, OdDbRootHandles::kTextStyleStandard, 1, kGreatestHandle},
+    {"VISRETAIN", Kind::kBool, 1, 0, 1},    // layers of external references keep their state
+    {"XREFNOTIFY", Kind::kInt16, 2, 0, 2},  // news of external references
 };
 
-enum StoredKind : char { kStoredInt16 = 1, kStoredDouble = 2, kStoredBool = 3 };
+enum StoredKind : char { kStoredInt16 = 1, kStoredDouble = 2, kStoredBool = 3, kStoredHandle = 4 };
 
 struct KindRow {
   Kind kind;
@@ -42,6 +57,7 @@ constexpr KindRow kKinds[] = {
     {Kind::kInt16, 70, kStoredInt16, 2},
     {Kind::kDouble, 40, kStoredDouble, 8},
     {Kind::kBool, 290, kStoredBool, 1},
+    {Kind::kHandle, 5, kStoredHandle, 8},
 };
 
 const KindRow& rowOf(Kind kind) { return kKinds[static_cast<std::size_t>(kind)]; }
@@ -76,6 +92,9 @@ bool numberOf(const OdResBuf& buffer, double& number) {
       return true;
     case OdResBuf::Kind::kDouble:
       number = buffer.getDouble();
+      return true;
+    case OdResBuf::Kind::kHandle:
+      number = static_cast<double>(static_cast<OdUInt64>(buffer.getHandle()));
       return true;
     default:
       return false;
@@ -118,6 +137,9 @@ OdResBufPtr OdDbDrawingSettings::get(const OdDbSettingRow* row) const {
   const double value = number(row);
   const int code = rowOf(row->kind).code;
   if (row->kind == Kind::kDouble) return OdResBuf::newRb(code, value);
+  if (row->kind == Kind::kHandle) {
+    return OdResBuf::newRb(code, OdDbHandle(static_cast<OdUInt64>(value)));
+  }
   return OdResBuf::newRb(code, static_cast<OdInt32>(value));
 }
 
@@ -156,6 +178,9 @@ std::string OdDbDrawingSettings::serialise(const OdDbSettingRow* row) const {
   } else if (row->kind == Kind::kInt16) {
     const auto whole = static_cast<OdInt16>(value);
     std::memcpy(bytes.data() + 1, &whole, sizeof whole);
+  } else if (row->kind == Kind::kHandle) {
+    const auto handle = static_cast<OdUInt64>(value);
+    std::memcpy(bytes.data() + 1, &handle, sizeof handle);
   } else {
     bytes[1] = value != 0.0 ? 1 : 0;
   }
@@ -179,6 +204,10 @@ OdResult OdDbDrawingSettings::deserialise(const OdDbSettingRow* row, std::string
     OdInt16 whole = 0;
     std::memcpy(&whole, bytes.data() + 1, sizeof whole);
     value = whole;
+  } else if (row->kind == Kind::kHandle) {
+    OdUInt64 handle = 0;
+    std::memcpy(&handle, bytes.data() + 1, sizeof handle);
+    value = static_cast<double>(handle);
   } else {
     value = static_cast<unsigned char>(bytes[1]);
   }

@@ -11,9 +11,10 @@
 #include "platform/base/string.h"
 #include "platform/filer/res_buf.h"
 
-/// One setting. Its value is a number: an integer, a double or a switch.
+/// One setting. Its value is a number: an integer, a double, a switch, or the handle of an object
+/// of the drawing.
 struct OdDbSettingRow {
-  enum class Kind : OdUInt8 { kInt16, kDouble, kBool };
+  enum class Kind : OdUInt8 { kInt16, kDouble, kBool, kHandle };
 
   const char* name;  ///< upper case, ASCII
   Kind kind;
@@ -31,7 +32,8 @@ class OdDbDrawingSettings {
   /// Null for an unknown name. Case does not matter.
   [[nodiscard]] static const OdDbSettingRow* find(const OdString& name);
 
-  /// The value, as a buffer with code 70 (integer), 40 (double) or 290 (switch).
+  /// The value, as a buffer with code 70 (integer), 40 (double), 290 (switch) or 5
+  /// (handle).
   [[nodiscard]] OdResBufPtr get(const OdDbSettingRow* row) const;
   [[nodiscard]] double number(const OdDbSettingRow* row) const { return m_values[indexOf(row)]; }
   /// Takes any buffer that holds a number. eInvalidInput, with `reason` naming the setting, the
@@ -42,8 +44,8 @@ class OdDbDrawingSettings {
   /// Names of the settings that differ from their defaults, in the order of the table.
   [[nodiscard]] std::vector<const OdDbSettingRow*> changed() const;
 
-  // Stored form: kind (one byte: 1 integer, 2 double, 3 switch), then the value, little-endian:
-  // int16, double or one byte.
+  // Stored form: kind (one byte: 1 integer, 2 double, 3 switch, 4 handle), then the value,
+  // little-endian: int16, double, one byte or uint64.
   [[nodiscard]] std::string serialise(const OdDbSettingRow* row) const;
   /// eCorruptData for bytes of another form, eInvalidInput for a value outside the limits.
   OdResult deserialise(const OdDbSettingRow* row, std::string_view bytes,

@@ -1,12 +1,14 @@
 // OdDbEntity: properties, transforming, filing.
 #include "platform/db/entity.h"
 
+#include <cmath>
 #include <string>
 
 #include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "platform/db/field_list.h"
 #include "platform/db/layer_table.h"
+#include "platform/db/linetype_table.h"
 #include "platform/ge/finite.h"
 #include "platform/gi/sub_entity_traits.h"
 
@@ -15,13 +17,27 @@ OD_RX_DEFINE_ABSTRACT(OdDbEntity, OdDbObject, L"OdDbEntity")
 namespace {
 
 constexpr const wchar_t* kDefaultLayer = L"0";
+constexpr const wchar_t* kDefaultLinetype = L"ByLayer";
 
 bool isLineWeight(OdInt16 weight) {
   return weight >= OdDb::kLnWtByLwDefault && weight <= OdDb::kLnWt211;
 }
 
+bool isLinetypeScale(double scale) { return std::isfinite(scale) && scale > 0.0; }
+
 OdString entityText(const OdDbEntity* entity) {
   return OdString("entity ") + entity->getDbHandle().ascii();
+}
+
+// The record of a table of the entity's database.
+OdDbObjectId recordOf(const OdDbDatabase* database, OdDbObjectId (OdDbDatabase::*table)() const,
+                      const char* what, const OdString& name) {
+  const OdString text = OdString(what) + " '" + name + "'";
+  if (database == nullptr) throw OdError(eNoDatabase, text + " of an entity");
+  const OdDbSymbolTablePtr records = (database->*table)().openAs<OdDbSymbolTable>();
+  const OdDbObjectId id = records.isNull() ? OdDbObjectId::kNull : records->getAt(name);
+  if (id.isNull()) throw OdError(eKeyNotFound, text);
+  return id;
 }
 
 }  // namespace
@@ -39,13 +55,7 @@ OdString OdDbEntity::layer() const {
 }
 
 void OdDbEntity::setLayer(const OdString& name) {
-  if (database() == nullptr) {
-    throw OdError(eNoDatabase, OdString("layer '") + name + "' of an entity");
-  }
-  const OdDbLayerTablePtr table = database()->getLayerTableId().openAs<OdDbLayerTable>();
-  const OdDbObjectId id = table.isNull() ? OdDbObjectId::kNull : table->getAt(name);
-  if (id.isNull()) throw OdError(eKeyNotFound, OdString("layer '") + name + "'");
-  setLayer(id);
+  setLayer(recordOf(database(), &OdDbDatabase::getLayerTableId, "layer", name));
 }
 
 void OdDbEntity::setLayer(const OdDbObjectId& id) {
@@ -65,74 +75,60 @@ void OdDbEntity::setLayer(const OdDbObjectId& id) {
   noteGraphicsModified();
 }
 
-OdCmColor OdDbEntity::color() const {
-  assertReadEnabled();
-  return m_color;
+OdCmColor OdDbEntity::color() const { return read(m_color); }
+
+void OdDbEntity::setColor(const OdCmColor& color) { change(m_color, color); }
+
+OdDbObjectId OdDbEntity::linetypeId() const { return read(m_linetypeId); }
+
+void OdDbEntity::setLinetype(const OdDbObjectId& id) { change(m_linetypeId, id); }
+
+OdString OdDbEntity::linetype() const {
+  const OdDbLinetypeTableRecordPtr record = linetypeId().openAs<OdDbLinetypeTableRecord>();
+  return record.isNull() ? OdString(kDefaultLinetype) : record->getName();
 }
 
-void OdDbEntity::setColor(const OdCmColor& color) {
-  if (color == m_color) return;
-  assertWriteEnabled();
-  m_color = color;
-  noteGraphicsModified();
+void OdDbEntity::setLinetype(const OdString& name) {
+  setLinetype(recordOf(database(), &OdDbDatabase::getLinetypeTableId, "line type", name));
 }
 
-OdDbObjectId OdDbEntity::linetypeId() const {
-  assertReadEnabled();
-  return m_linetypeId;
+double OdDbEntity::linetypeScale() const { return read(m_linetypeScale); }
+
+void OdDbEntity::setLinetypeScale(double scale) {
+  if (!isLinetypeScale(scale)) {
+    throw OdError(eInvalidInput,
+                  OdString("pattern scale " + std::to_string(scale) + " of ") + entityText(this));
+  }
+  change(m_linetypeScale, scale);
 }
 
-void OdDbEntity::setLinetype(const OdDbObjectId& id) {
-  if (id == m_linetypeId) return;
-  assertWriteEnabled();
-  m_linetypeId = id;
-  noteGraphicsModified();
-}
-
-OdDb::LineWeight OdDbEntity::lineWeight() const {
-  assertReadEnabled();
-  return m_lineWeight;
-}
+OdDb::LineWeight OdDbEntity::lineWeight() const { return read(m_lineWeight); }
 
 void OdDbEntity::setLineWeight(OdDb::LineWeight weight) {
   if (!isLineWeight(weight)) {
     throw OdError(eInvalidInput,
                   OdString("pen " + std::to_string(weight) + " of ") + entityText(this));
   }
-  if (weight == m_lineWeight) return;
-  assertWriteEnabled();
-  m_lineWeight = weight;
-  noteGraphicsModified();
+  change(m_lineWeight, weight);
 }
 
-OdDb::Visibility OdDbEntity::visibility() const {
-  assertReadEnabled();
-  return m_visibility;
-}
+OdDb::Visibility OdDbEntity::visibility() const { return read(m_visibility); }
 
-void OdDbEntity::setVisibility(OdDb::Visibility visibility) {
-  if (visibility == m_visibility) return;
-  assertWriteEnabled();
-  m_visibility = visibility;
-  noteGraphicsModified();
-}
+void OdDbEntity::setVisibility(OdDb::Visibility visibility) { change(m_visibility, visibility); }
 
-OdDbObjectId OdDbEntity::materialId() const {
-  assertReadEnabled();
-  return m_materialId;
-}
+OdDbObjectId OdDbEntity::materialId() const { return read(m_materialId); }
 
-void OdDbEntity::setMaterial(const OdDbObjectId& id) {
-  if (id == m_materialId) return;
-  assertWriteEnabled();
-  m_materialId = id;
-  noteGraphicsModified();
-}
+void OdDbEntity::setMaterial(const OdDbObjectId& id) { change(m_materialId, id); }
 
 void OdDbEntity::setDatabaseDefaults(OdDbDatabase* database) {
   if (database == nullptr || !m_layerId.isNull()) return;
   assertWriteEnabled();
-  m_layerId = database->getLayerZeroId();
+  m_layerId = database->getCLAYER();
+  m_color.setColorIndex(database->getCECOLOR());
+  const OdDbObjectId linetype = database->getCELTYPE();
+  if (linetype != database->getLinetypeByLayerId()) m_linetypeId = linetype;
+  m_linetypeScale = database->getCELTSCALE();
+  m_lineWeight = database->getCELWEIGHT();
 }
 
 void OdDbEntity::setPropertiesFrom(const OdDbEntity* source) {
@@ -140,6 +136,7 @@ void OdDbEntity::setPropertiesFrom(const OdDbEntity* source) {
   if (!source->layerId().isNull()) setLayer(source->layerId());
   setColor(source->color());
   setLinetype(source->linetypeId());
+  setLinetypeScale(source->linetypeScale());
   setLineWeight(source->lineWeight());
   setVisibility(source->visibility());
   setMaterial(source->materialId());
@@ -162,10 +159,18 @@ OdResult OdDbEntity::getTransformedCopy(const OdGeMatrix3d& transform, OdDbEntit
   assertReadEnabled();
   copy = OdDbEntity::cast(clone());
   if (copy.isNull()) return eNotApplicable;
-  const OdResult result = copy->transformBy(transform);
+  OdResult result = copy->transformBy(transform);
+  if (result == eCannotScaleNonUniformly) {
+    copy = subMoreGeneral();
+    if (copy.isNull()) return result;
+    copy->setPropertiesFrom(this);
+    result = copy->transformBy(transform);
+  }
   if (result != eOk) copy = nullptr;
   return result;
 }
+
+OdDbEntityPtr OdDbEntity::subMoreGeneral() const { return OdDbEntityPtr(); }
 
 OdResult OdDbEntity::getGeomExtents(OdGeExtents3d&) const { return eNotApplicable; }
 OdResult OdDbEntity::explode(OdRxObjectPtrArray&) const { return eNotApplicable; }
@@ -177,6 +182,7 @@ bool OdDbEntity::subSetAttributes(OdGiSubEntityTraits* traits) const {
   traits->setLayer(m_layerId);
   traits->setTrueColor(m_color);
   traits->setLineType(m_linetypeId);
+  traits->setLineTypeScale(m_linetypeScale);
   traits->setLineWeight(m_lineWeight);
   traits->setMaterial(m_materialId);
   return m_visibility == OdDb::kVisible;
@@ -214,28 +220,35 @@ void OdDbEntity::subCheckAppend(const OdDbObjectId& block) const {
   }
 }
 
-void OdDbEntity::subAppended() { setDatabaseDefaults(database()); }
+void OdDbEntity::subAppended() {
+  if (database() == nullptr || !m_layerId.isNull()) return;
+  assertWriteEnabled();
+  m_layerId = database()->getLayerZeroId();
+}
 
 // ---- Filing
 //
-//   version        uint8
+//   version        uint8          2 with a pattern scale, else 1
 //   layer          hard pointer   null: "0"
 //   colour         4 x uint8      see OdCmColor
 //   line type      hard pointer   null: by layer
 //   pen            int16          hundredths of a millimetre; negative: see OdDb::LineWeight
 //   visibility     uint8          0 shown, 1 not
 //   material       hard pointer   null: by layer
+//   pattern scale  double         version 2: factor on the line type, greater than 0; 1 before
 
 template <class Fields, class Self>
 void OdDbEntity::fields(Fields& fields, Self& self) {
   const auto isVisibility = [](OdUInt8 number) { return number <= OdDb::kInvisible; };
-  fields.version(1);
+  fields.version(1, 2, self.m_linetypeScale != 1.0);
   fields.template pointer<OdDb::kHardPointerRef>(340, self.m_layerId);
   fields.value(420, self.m_color);
   fields.template pointer<OdDb::kHardPointerRef>(341, self.m_linetypeId);
   fields.template number<OdInt16>(370, self.m_lineWeight, isLineWeight);
   fields.template number<OdUInt8>(280, self.m_visibility, isVisibility);
   fields.template pointer<OdDb::kHardPointerRef>(347, self.m_materialId);
+  fields.from(2, self, [](auto& entity) { entity.m_linetypeScale = 1.0; });
+  fields.value(48, self.m_linetypeScale, isLinetypeScale);
 }
 
 void OdDbEntity::dwgOutFields(OdDbDwgFiler* filer) const {

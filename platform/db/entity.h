@@ -1,6 +1,8 @@
 // OdDbEntity: base of everything in a block that can be seen.
 #pragma once
 
+#include <type_traits>
+
 #include "platform/db/color.h"
 #include "platform/db/db_object.h"
 #include "platform/db/subent.h"
@@ -16,16 +18,6 @@ namespace OdDb {
 
 /// Whether an entity is shown. Numbers are stored.
 enum Visibility : OdUInt8 { kVisible = 0, kInvisible = 1 };
-
-/// Pen widths in hundredths of a millimetre, 0 to 211, or one of these. Numbers are stored.
-enum LineWeight : OdInt16 {
-  kLnWtByLwDefault = -3,
-  kLnWtByBlock = -2,
-  kLnWtByLayer = -1,
-  kLnWt000 = 0,
-  kLnWt025 = 25,
-  kLnWt211 = 211,
-};
 
 }  // namespace OdDb
 
@@ -53,6 +45,14 @@ class OdDbEntity : public OdDbObject {
   /// Null is "ByLayer".
   [[nodiscard]] OdDbObjectId linetypeId() const;
   void setLinetype(const OdDbObjectId& id);
+  /// Name of the line type; "ByLayer" while there is none.
+  [[nodiscard]] OdString linetype() const;
+  /// Raises eNoDatabase outside a database and eKeyNotFound for an unknown line type.
+  void setLinetype(const OdString& name);
+  /// Factor on the pattern of the line type, beside LTSCALE of the drawing.
+  [[nodiscard]] double linetypeScale() const;
+  /// Raises eInvalidInput for a factor that is not positive and finite.
+  void setLinetypeScale(double scale);
   [[nodiscard]] OdDb::LineWeight lineWeight() const;
   /// Raises eInvalidInput for a number outside -3 to 211.
   void setLineWeight(OdDb::LineWeight weight);
@@ -61,16 +61,19 @@ class OdDbEntity : public OdDbObject {
   /// Null is by layer.
   [[nodiscard]] OdDbObjectId materialId() const;
   void setMaterial(const OdDbObjectId& id);
-  /// Layer "0" and by-layer properties for an entity that has none yet.
+  /// The drawing's settings for new entities: layer, colour, line type with its scale, and pen.
+  /// Does nothing for an entity that has a layer.
   void setDatabaseDefaults(OdDbDatabase* database);
-  /// Takes over layer, colour, line type, weight, visibility and material.
+  /// Takes over layer, colour, line type and its scale, weight, visibility and material.
   void setPropertiesFrom(const OdDbEntity* source);
 
   // Geometry.
   /// eInvalidInput for a matrix that is not finite, eDegenerateGeometry for a singular one, else
   /// what the class says. Nothing changes on failure.
   OdResult transformBy(const OdGeMatrix3d& transform);
-  /// A transformed copy that is in no database; null with the result on failure.
+  /// A transformed copy that is in no database; null with the result on failure. Where the class
+  /// cannot hold the transformed shape (a circle that is scaled in one direction), the copy may be
+  /// of another class that can.
   OdResult getTransformedCopy(const OdGeMatrix3d& transform, OdDbEntityPtr& copy) const;
   /// Box around the entity. eNotApplicable when it has no extents.
   virtual OdResult getGeomExtents(OdGeExtents3d& extents) const;
@@ -112,6 +115,15 @@ class OdDbEntity : public OdDbObject {
   /// Applies a finite, regular matrix; eNotApplicable by default. The entity is open for write and
   /// its undo state is recorded.
   virtual OdResult subTransformBy(const OdGeMatrix3d& transform);
+  /// The entity as one of a class that takes more transforms, for getTransformedCopy() when its own
+  /// class answers eCannotScaleNonUniformly; null by default.
+  [[nodiscard]] virtual OdDbEntityPtr subMoreGeneral() const;
+
+  /// assign() of a member that pictures show.
+  template <class T>
+  void change(T& member, const std::type_identity_t<T>& value) {
+    if (assign(member, value)) noteGraphicsModified();
+  }
 
  private:
   friend struct OdDbFieldFiling;
@@ -121,6 +133,7 @@ class OdDbEntity : public OdDbObject {
   OdDbObjectId m_layerId;
   OdDbObjectId m_linetypeId;
   OdDbObjectId m_materialId;
+  double m_linetypeScale = 1.0;
   OdCmColor m_color;
   OdDb::LineWeight m_lineWeight = OdDb::kLnWtByLayer;
   OdDb::Visibility m_visibility = OdDb::kVisible;

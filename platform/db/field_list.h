@@ -28,10 +28,17 @@
 /// Each visitor below takes the same calls:
 ///
 ///   version(number)               uint8; another number ends reading with eUnsupportedVersion
+///   version(number, newest, isNeeded)  writes `newest` when `isNeeded`, else `number`; reads all
+///                                 from `number` to `newest`
+///   from(newest, object, reset)   the fields that follow came with that version; an older record
+///                                 calls reset(object), which gives them their first values
+///   rule(holds)                   a predicate over the fields so far; false is eCorruptData
 ///   value(code, member, check)    filed by the member's type, see the table
 ///   number<T>(code, member, ...)  an enumeration, filed as the integer T
 ///   pointer<type>(code, id)       an id with its reference type
-///   list(code, array, limit, check)    doubles, at most `limit`, each checked
+///   list(code, array, limit, check)    doubles, int32, strings or points, at most `limit`, each
+///                                      checked
+///   pointers<type>(code, array)   ids of one reference type, nulls included
 ///   placement(code, matrix, check)     an affine matrix behind a unique_ptr, null for none
 ///   ids<type>(code, list)              ids of one reference type, see OdDbFiledIdList
 ///
@@ -46,15 +53,16 @@
 ///   OdGePoint3d   3 doubles       code, code + 10, code + 20; so OdGeVector3d
 ///   OdGeScale3d   3 doubles       code, code + 1, code + 2
 ///   OdCmColor     4 x uint8       code, an int32 of the four bytes, method first
-///   list          int32 count, doubles           code, for each in order
+///   list          int32 count, elements          code, for each in order
 ///   placement     bool, then 3 rows of 4 doubles    code to code + 11; none without a matrix
+///   pointers      int32 count, ids               code, for each in order
 ///   ids           int32 count, ids               code, for each in order
 ///
 /// A check decides whether a value may be kept; one that fails ends reading with eCorruptData.
 /// Reading stores into the members as it goes: after a failure the caller drops the object or
 /// rolls it back. The group form begins with a subclass marker (100 and the class name), may
 /// have its groups in any order, and ends before the next marker; groups that no field has are
-/// passed.
+/// passed. Fields of a newer version that are not needed have no groups.
 
 /// The check of a field that may have any value.
 struct OdDbAnyValue {
@@ -90,22 +98,39 @@ class OdDbDwgFieldWriter {
   explicit OdDbDwgFieldWriter(OdDbDwgFiler* filer) : m_filer(filer) {}
 
   void version(OdUInt8 number) { m_filer->wrUInt8(number); }
+  void version(OdUInt8 number, OdUInt8 newest, bool isNeeded) {
+    m_version = isNeeded ? newest : number;
+    m_filer->wrUInt8(m_version);
+  }
+  template <class T, class Reset>
+  void from(OdUInt8 newest, const T&, const Reset&) {
+    m_skips = m_version < newest;
+  }
+  template <class Rule>
+  void rule(const Rule&) {}
   template <class T, class Check = OdDbAnyValue>
   void value(int, const T& member, const Check& = {}) {
-    write(member);
+    if (!m_skips) write(member);
   }
   template <class Stored, class T, class Check = OdDbAnyValue>
   void number(int, const T& member, const Check& = {}) {
-    write(static_cast<Stored>(member));
+    if (!m_skips) write(static_cast<Stored>(member));
   }
   template <OdDb::ReferenceType kType>
   void pointer(int, const OdDbObjectId& id) {
-    m_filer->wrId(kType, id);
+    if (!m_skips) m_filer->wrId(kType, id);
+  }
+  template <OdDb::ReferenceType kType>
+  void pointers(int, const OdDbObjectIdArray& ids) {
+    if (m_skips) return;
+    m_filer->wrInt32(static_cast<OdInt32>(ids.size()));
+    for (const OdDbObjectId& id : ids) m_filer->wrId(kType, id);
   }
   template <class Array, class Check = OdDbAnyValue>
   void list(int, const Array& values, OdUInt32, const Check& = {}) {
+    if (m_skips) return;
     m_filer->wrInt32(static_cast<OdInt32>(values.size()));
-    for (const double value : values) m_filer->wrDouble(value);
+    for (const auto& value : values) write(value);
   }
   template <class Check = OdDbAnyValue>
   void placement(int, const std::unique_ptr<OdGeMatrix3d>& matrix, const Check& = {}) {
@@ -138,6 +163,22 @@ class OdDbDwgFieldWriter {
   void write(const OdCmEntityColor& value) { value.dwgOut(m_filer); }
 
   OdDbDwgFiler* m_filer;
+  OdUInt8 m_version = 1;
+  bool m_skips = false;  // the record has an older version than these fields
+};
+
+/// Fewest bytes of an element of a list, against which its count is checked.
+template <class Element>
+struct OdDbStoredSize {
+  static constexpr OdUInt32 kLeast = sizeof(Element);
+};
+template <>
+struct OdDbStoredSize<OdInt32> {
+  static constexpr OdUInt32 kLeast = 1;
+};
+template <>
+struct OdDbStoredSize<OdString> {
+  static constexpr OdUInt32 kLeast = 1;
 };
 
 /// Reads the binary form; fields after a failure are left alone.
@@ -147,18 +188,29 @@ class OdDbDwgFieldReader {
 
   [[nodiscard]] OdResult result() const { return m_result; }
 
-  void version(OdUInt8 number) {
-    if (m_filer->rdUInt8() != number) m_result = eUnsupportedVersion;
+  void version(OdUInt8 number) { version(number, number, false); }
+  void version(OdUInt8 number, OdUInt8 newest, bool) {
+    m_version = m_filer->rdUInt8();
+    if (m_version < number || m_version > newest) m_result = eUnsupportedVersion;
+  }
+  template <class T, class Reset>
+  void from(OdUInt8 newest, T& object, const Reset& reset) {
+    m_skips = m_version < newest;
+    if (m_result == eOk && m_skips) reset(object);
+  }
+  template <class Rule>
+  void rule(const Rule& holds) {
+    if (reads() && !holds()) m_result = eCorruptData;
   }
   template <class T, class Check = OdDbAnyValue>
   void value(int, T& member, const Check& isSound = {}) {
-    if (m_result != eOk) return;
+    if (!reads()) return;
     read(member);
     if (m_result == eOk && !isSound(member)) m_result = eCorruptData;
   }
   template <class Stored, class T, class Check = OdDbAnyValue>
   void number(int, T& member, const Check& isSound = {}) {
-    if (m_result != eOk) return;
+    if (!reads()) return;
     Stored stored{};
     read(stored);
     if (!isSound(stored)) {
@@ -169,19 +221,28 @@ class OdDbDwgFieldReader {
   }
   template <OdDb::ReferenceType kType>
   void pointer(int, OdDbObjectId& id) {
-    if (m_result == eOk) id = m_filer->rdId(kType);
+    if (reads()) id = m_filer->rdId(kType);
+  }
+  template <OdDb::ReferenceType kType>
+  void pointers(int, OdDbObjectIdArray& ids) {
+    if (!reads()) return;
+    ids.clear();
+    for (OdUInt32 count = m_filer->rdCount(); count > 0; --count) ids.append(m_filer->rdId(kType));
   }
   template <class Array, class Check = OdDbAnyValue>
   void list(int, Array& values, OdUInt32 limit, const Check& isSound = {}) {
-    if (m_result != eOk) return;
-    const OdUInt32 count = m_filer->rdCount(sizeof(double));
+    if (!reads()) return;
+    using Element = typename Array::value_type;
+    const OdUInt32 count = m_filer->rdCount(OdDbStoredSize<Element>::kLeast);
     if (count > limit) m_result = eCorruptData;
-    Array read;
+    Array elements;
     for (OdUInt32 i = 0; i < count && m_result == eOk; ++i) {
-      read.append(m_filer->rdDouble());
-      if (!isSound(read.last())) m_result = eCorruptData;
+      Element element{};
+      read(element);
+      if (!isSound(element)) m_result = eCorruptData;
+      elements.append(element);
     }
-    if (m_result == eOk) values = read;
+    if (m_result == eOk) values = elements;
   }
   template <class Check = OdDbAnyValue>
   void placement(int, std::unique_ptr<OdGeMatrix3d>& matrix, const Check& isSound = {}) {
@@ -217,32 +278,56 @@ class OdDbDwgFieldReader {
   void read(OdGeVector3d& value) { value = m_filer->rdVector3d(); }
   void read(OdGeScale3d& value) { value = m_filer->rdScale3d(); }
   void read(OdCmEntityColor& value) { m_result = value.dwgIn(m_filer); }
+  [[nodiscard]] bool reads() const { return m_result == eOk && !m_skips; }
 
   OdDbDwgFiler* m_filer;
   OdResult m_result = eOk;
+  OdUInt8 m_version = 1;
+  bool m_skips = false;  // the record has an older version than these fields
+};
+
+/// What most visitors have nothing to do for.
+class OdDbIdleFields {
+ public:
+  void version(OdUInt8) {}
+  void version(OdUInt8, OdUInt8, bool) {}
+  template <class T, class Reset>
+  void from(OdUInt8, T&, const Reset&) {}
+  template <class Rule>
+  void rule(const Rule&) {}
 };
 
 /// Writes the groups of one class, after its marker.
-class OdDbDxfFieldWriter {
+class OdDbDxfFieldWriter : public OdDbIdleFields {
  public:
   explicit OdDbDxfFieldWriter(OdDbDxfFiler* filer) : m_filer(filer) {}
 
   void version(OdUInt8) {}
+  void version(OdUInt8, OdUInt8, bool isNeeded) { m_needsNewest = isNeeded; }
+  template <class T, class Reset>
+  void from(OdUInt8, const T&, const Reset&) {
+    m_skips = !m_needsNewest;
+  }
   template <class T, class Check = OdDbAnyValue>
   void value(int code, const T& member, const Check& = {}) {
-    write(code, member);
+    if (!m_skips) write(code, member);
   }
   template <class Stored, class T, class Check = OdDbAnyValue>
   void number(int code, const T& member, const Check& = {}) {
-    write(code, static_cast<Stored>(member));
+    if (!m_skips) write(code, static_cast<Stored>(member));
   }
   template <OdDb::ReferenceType kType>
   void pointer(int code, const OdDbObjectId& id) {
-    m_filer->wrObjectId(code, id);
+    if (!m_skips) m_filer->wrObjectId(code, id);
+  }
+  template <OdDb::ReferenceType kType>
+  void pointers(int code, const OdDbObjectIdArray& ids) {
+    for (const OdDbObjectId& id : ids) m_filer->wrObjectId(code, id);
   }
   template <class Array, class Check = OdDbAnyValue>
   void list(int code, const Array& values, OdUInt32, const Check& = {}) {
-    for (const double value : values) m_filer->wrDouble(code, value);
+    if (m_skips) return;
+    for (const auto& value : values) write(code, value);
   }
   template <class Check = OdDbAnyValue>
   void placement(int code, const std::unique_ptr<OdGeMatrix3d>& matrix, const Check& = {}) {
@@ -285,16 +370,17 @@ class OdDbDxfFieldWriter {
   }
 
   OdDbDxfFiler* m_filer;
+  bool m_needsNewest = false;
+  bool m_skips = false;  // the fields have their first values
 };
 
 /// Takes the present group of a filer into the field that has its code.
-class OdDbDxfFieldReader {
+class OdDbDxfFieldReader : public OdDbIdleFields {
  public:
   OdDbDxfFieldReader(OdDbDxfFiler* filer, int code) : m_filer(filer), m_code(code) {}
 
   [[nodiscard]] OdResult result() const { return m_result; }
 
-  void version(OdUInt8) {}
   template <class T, class Check = OdDbAnyValue>
   void value(int code, T& member, const Check& = {}) {
     read(code, member);
@@ -309,11 +395,19 @@ class OdDbDxfFieldReader {
   void pointer(int code, OdDbObjectId& id) {
     if (code == m_code) id = m_filer->rdObjectId();
   }
+  template <OdDb::ReferenceType kType>
+  void pointers(int code, OdDbObjectIdArray& ids) {
+    if (code == m_code) ids.append(m_filer->rdObjectId());
+  }
   template <class Array, class Check = OdDbAnyValue>
   void list(int code, Array& values, OdUInt32 limit, const Check& = {}) {
-    if (code != m_code) return;
-    if (values.size() >= limit) m_result = eCorruptData;
-    if (m_result == eOk) values.append(m_filer->rdDouble());
+    using Element = typename Array::value_type;
+    if (code == m_code) {
+      if (values.size() >= limit) m_result = eCorruptData;
+      if (m_result == eOk) values.append(Element{});
+    }
+    // A further coordinate belongs to the point that its first one began.
+    if (m_result == eOk && !values.isEmpty()) read(code, values.last());
   }
   template <class Check = OdDbAnyValue>
   void placement(int code, std::unique_ptr<OdGeMatrix3d>& matrix, const Check& = {}) {
@@ -376,15 +470,22 @@ class OdDbDxfFieldReader {
 };
 
 /// Empties what groups add to: they come one by one.
-class OdDbFieldEmptier {
+class OdDbFieldEmptier : public OdDbIdleFields {
  public:
-  void version(OdUInt8) {}
+  template <class T, class Reset>
+  void from(OdUInt8, T& object, const Reset& reset) {
+    reset(object);
+  }
   template <class T, class Check = OdDbAnyValue>
   void value(int, T&, const Check& = {}) {}
   template <class Stored, class T, class Check = OdDbAnyValue>
   void number(int, T&, const Check& = {}) {}
   template <OdDb::ReferenceType>
   void pointer(int, OdDbObjectId&) {}
+  template <OdDb::ReferenceType>
+  void pointers(int, OdDbObjectIdArray& ids) {
+    ids.clear();
+  }
   template <class Array, class Check = OdDbAnyValue>
   void list(int, Array& values, OdUInt32, const Check& = {}) {
     values.clear();
@@ -400,11 +501,14 @@ class OdDbFieldEmptier {
 };
 
 /// Checks the members as they are.
-class OdDbFieldChecker {
+class OdDbFieldChecker : public OdDbIdleFields {
  public:
   [[nodiscard]] bool isSound() const { return m_sound; }
 
-  void version(OdUInt8) {}
+  template <class Rule>
+  void rule(const Rule& holds) {
+    m_sound = m_sound && holds();
+  }
   template <class T, class Check = OdDbAnyValue>
   void value(int, const T& member, const Check& check = {}) {
     m_sound = m_sound && check(member);
@@ -415,9 +519,11 @@ class OdDbFieldChecker {
   }
   template <OdDb::ReferenceType>
   void pointer(int, const OdDbObjectId&) {}
+  template <OdDb::ReferenceType>
+  void pointers(int, const OdDbObjectIdArray&) {}
   template <class Array, class Check = OdDbAnyValue>
   void list(int, const Array& values, OdUInt32, const Check& check = {}) {
-    for (const double value : values) m_sound = m_sound && check(value);
+    for (const auto& value : values) m_sound = m_sound && check(value);
   }
   template <class Check = OdDbAnyValue>
   void placement(int, const std::unique_ptr<OdGeMatrix3d>& matrix, const Check& check = {}) {

@@ -37,20 +37,6 @@ const Point& checkedPoint(const OdDbViewport* viewport, const char* what, const 
 
 }  // namespace
 
-template <class T>
-void OdDbViewport::change(T& field, const T& value) {
-  if (field == value) return;
-  assertWriteEnabled();
-  field = value;
-  noteGraphicsModified();
-}
-
-template <class T>
-const T& OdDbViewport::read(const T& field) const {
-  assertReadEnabled();
-  return field;
-}
-
 OdGePoint3d OdDbViewport::centerPoint() const { return read(m_center); }
 void OdDbViewport::setCenterPoint(const OdGePoint3d& center) {
   change(m_center, checkedPoint(this, "centre", center));

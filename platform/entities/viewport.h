@@ -57,11 +57,6 @@ class OdDbViewport : public OdDbEntity {
   template <class Fields, class Self>
   static void fields(Fields& fields, Self& self);
 
-  template <class T>
-  void change(T& field, const T& value);
-  template <class T>
-  const T& read(const T& field) const;
-
   OdGePoint3d m_center;
   OdGePoint3d m_viewTarget;
   OdGeVector3d m_viewDirection = OdGeVector3d::kZAxis;

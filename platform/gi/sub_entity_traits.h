@@ -22,6 +22,8 @@ class OdGiSubEntityTraits : public OdRxObject {
   virtual void setLayer(const OdDbObjectId& layer) = 0;
   /// Null is by layer.
   virtual void setLineType(const OdDbObjectId& lineType) = 0;
+  /// Factor on the pattern of the line type, greater than 0.
+  virtual void setLineTypeScale(double /*scale*/) {}
   /// Hundredths of a millimetre; -1 by layer, -2 by block, -3 default.
   virtual void setLineWeight(OdInt16 weight) = 0;
   /// Null is by layer.
@@ -33,6 +35,7 @@ class OdGiSubEntityTraits : public OdRxObject {
   [[nodiscard]] virtual OdCmEntityColor trueColor() const = 0;
   [[nodiscard]] virtual OdDbObjectId layer() const = 0;
   [[nodiscard]] virtual OdDbObjectId lineType() const = 0;
+  [[nodiscard]] virtual double lineTypeScale() const { return 1.0; }
   [[nodiscard]] virtual OdInt16 lineWeight() const = 0;
   [[nodiscard]] virtual OdDbObjectId material() const = 0;
   [[nodiscard]] virtual OdGiFillType fillType() const = 0;

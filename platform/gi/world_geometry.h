@@ -4,6 +4,7 @@
 #include <array>
 #include <span>
 
+#include "platform/base/string.h"
 #include "platform/ge/matrix3d.h"
 #include "platform/ge/point3d.h"
 #include "platform/ge/vector3d.h"
@@ -27,6 +28,15 @@ struct OdGiShell {
   OdGiFaceData faces;                                  ///< one entry per triangle
 };
 
+/// One line of text. A point of the font (x along the base line, y up, capitals 1 high) is drawn at
+/// `position + x * along + y * up`: the vectors carry height, width factor, slant and mirroring.
+struct OdGiText {
+  OdString text;
+  OdGePoint3d position;  ///< where the base line begins
+  OdGeVector3d along;
+  OdGeVector3d up;
+};
+
 /// Points are in model coordinates: those of the block that is being drawn. A stack of transforms
 /// leads from there to the world. Calls with too few points, and shells whose spans do not fit each
 /// other or whose indices lie outside, raise eInvalidInput and draw nothing.
@@ -45,6 +55,8 @@ class OdGiWorldGeometry {
   /// A closed plane outline of three points or more, filled as the traits say.
   virtual void polygon(std::span<const OdGePoint3d> points) = 0;
   virtual void shell(const OdGiShell& shell) = 0;
+  /// By default polylines of the stroke font.
+  virtual void text(const OdGiText& text);
 
   /// Draws a part with attributes of its own; those of the caller hold again afterwards.
   virtual void draw(const OdGiDrawable* drawable) = 0;

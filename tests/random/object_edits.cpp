@@ -92,6 +92,9 @@ bool setDrawingSetting(const EditContext& context) {
     case OdDbSettingRow::Kind::kDouble:
       value->setDouble(1.0 + context.random().coordinate() / 2000);
       break;
+    case OdDbSettingRow::Kind::kHandle:
+      value->setHandle(context.database()->getLayerZeroId().getHandle());
+      break;
     default:
       value->setInt16(static_cast<OdInt16>(context.random().below(6)));  // some are refused
   }

@@ -6,7 +6,7 @@
 
 namespace {
 
-std::string text(const OdCmEntityColor& color) {
+std::string asText(const OdCmEntityColor& color) {
   if (color.isByLayer()) return "layer";
   if (color.isByBlock()) return "block";
   if (color.isByACI()) return "index " + std::to_string(color.colorIndex());
@@ -14,7 +14,7 @@ std::string text(const OdCmEntityColor& color) {
          std::to_string(color.blue());
 }
 
-std::string text(const OdGePoint3d& point) {
+std::string asText(const OdGePoint3d& point) {
   std::ostringstream out;
   out << point.x << " " << point.y << " " << point.z;
   return out.str();
@@ -24,7 +24,7 @@ std::string text(const OdGePoint3d& point) {
 
 void RecordingTraits::setTrueColor(const OdCmEntityColor& color) {
   m_color = color;
-  m_lines.push_back("color " + text(color));
+  m_lines.push_back("color " + asText(color));
 }
 
 void RecordingTraits::setMaterial(const OdDbObjectId& material) {
@@ -42,8 +42,8 @@ void RecordingDraw::pushModelTransform(const OdGeMatrix3d& toOuter) {
 }
 
 void RecordingDraw::polyline(std::span<const OdGePoint3d> points) {
-  lines.push_back("polyline " + text(m_transforms.back() * points.front()) + " to " +
-                  text(m_transforms.back() * points.back()));
+  lines.push_back("polyline " + asText(m_transforms.back() * points.front()) + " to " +
+                  asText(m_transforms.back() * points.back()));
 }
 
 void RecordingDraw::shell(const OdGiShell& shell) {

@@ -11,9 +11,9 @@
 #include <nlohmann/json.hpp>
 
 #include "host/rendering/region_trace.h"
-#include "host/rendering/vector_font.h"
 #include "platform/entities/line.h"
 #include "platform/gi/drawable_overrule.h"
+#include "platform/gi/stroke_font.h"
 #include "platform/gi/world_draw.h"
 #include "tests/support/solid_drawing_testing.h"
 #include "tests/support/test_folder.h"
@@ -354,16 +354,16 @@ TEST(RegionTraceTest, RegionsHaveClosedOutlinesAndHoles) {
 }
 
 TEST(VectorFontTest, TextIsAsWideAsItsCharacters) {
-  EXPECT_EQ(layOutText("").width, 0.0);
-  EXPECT_LT(layOutText("ii").width, layOutText("MM").width);
-  EXPECT_THAT(layOutText(" ").strokes, IsEmpty());
-  EXPECT_EQ(layOutText("\xE6\xBC\xA2").strokes.size(), 1u);  // a box
+  EXPECT_EQ(odgiLayOutText("").width, 0.0);
+  EXPECT_LT(odgiLayOutText("ii").width, odgiLayOutText("MM").width);
+  EXPECT_THAT(odgiLayOutText(" ").strokes, IsEmpty());
+  EXPECT_EQ(odgiLayOutText("\xE6\xBC\xA2").strokes.size(), 1u);  // a box
   for (char c = '!'; c <= '~'; ++c) {
-    const TextStrokes glyph = layOutText(std::string(1, c));
+    const OdGiTextStrokes glyph = odgiLayOutText(OdString(std::string(1, c)));
     ASSERT_FALSE(glyph.strokes.empty()) << c;
     for (const auto& stroke : glyph.strokes) {
       EXPECT_GE(stroke.size(), 2u) << c;
-      for (const FontPoint& point : stroke) {
+      for (const OdGePoint2d& point : stroke) {
         EXPECT_GE(point.y, -0.34) << c;
         EXPECT_LE(point.y, 1.17) << c;
         EXPECT_LE(point.x, glyph.width + 1e-9) << c;

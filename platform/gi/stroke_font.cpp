@@ -1,13 +1,9 @@
-// A font of strokes, for texts in pictures.
-#include "host/rendering/vector_font.h"
+// A font of strokes, for texts in drawings and pictures.
+#include "platform/gi/stroke_font.h"
 
 #include <algorithm>
 #include <iterator>
 #include <string_view>
-
-#include "platform/base/string.h"
-
-namespace rendering {
 
 namespace {
 
@@ -127,6 +123,7 @@ constexpr Glyph kGlyphs[] = {
     {L'\u00D7', 4, "0347 0743"},
     {L'\u00D8', 4, "180703123243473818 0248"},
     {L'\u00F8', 3, "160503122233352616 0236"},
+    {L'\u2300', 4, "160503123243453616 0248"},
 };
 
 static_assert(std::ranges::is_sorted(kGlyphs, {}, &Glyph::code));
@@ -136,7 +133,7 @@ const Glyph& glyphOf(wchar_t code) {
   return found != std::end(kGlyphs) && found->code == code ? *found : kUnknown;
 }
 
-void addStrokes(const Glyph& glyph, double left, TextStrokes& text) {
+void addStrokes(const Glyph& glyph, double left, OdGiTextStrokes& text) {
   bool isNew = true;
   for (std::size_t i = 0; i < glyph.strokes.size();) {
     if (glyph.strokes[i] == ' ') {
@@ -155,12 +152,11 @@ void addStrokes(const Glyph& glyph, double left, TextStrokes& text) {
 
 }  // namespace
 
-TextStrokes layOutText(const std::string& text) {
-  const OdString wide(text);
-  TextStrokes result;
+OdGiTextStrokes odgiLayOutText(const OdString& text) {
+  OdGiTextStrokes result;
   int left = 0;
-  for (int i = 0; i < wide.getLength(); ++i) {
-    const Glyph& glyph = glyphOf(wide.getAt(i));
+  for (int i = 0; i < text.getLength(); ++i) {
+    const Glyph& glyph = glyphOf(text.getAt(i));
     addStrokes(glyph, left / kCapitalHeight, result);
     left += glyph.width + kGap;
   }
@@ -168,4 +164,8 @@ TextStrokes layOutText(const std::string& text) {
   return result;
 }
 
-}  // namespace rendering
+double odgiTextWidth(const OdString& text) {
+  int width = 0;
+  for (int i = 0; i < text.getLength(); ++i) width += glyphOf(text.getAt(i)).width + kGap;
+  return std::max(0, width - kGap) / kCapitalHeight;
+}
