@@ -4,7 +4,7 @@
 // its transform and walks the entities of its block in turn. What arrives is sorted into shapes,
 // one for each entity and look, and instances, one for each place at which a shape appears. Shapes
 // are in the coordinates of their block. An entity that comes again with the same settled look
-// (colour, layer, material) is not drawn again: a part that is inserted a thousand times costs one
+// (colour, layer, line type, material) is not drawn again: a part that is inserted a thousand times costs one
 // mesh and a thousand matrices.
 //
 // The key of a shape must hold everything from outside the entity that its primitives depend on.
@@ -23,10 +23,12 @@
 #include "host/rendering/scene.h"
 #include "platform/base/error.h"
 #include "platform/db/block_table_record.h"
+#include "platform/db/dash_drawing.h"
 #include "platform/db/database.h"
 #include "platform/db/display_attributes.h"
 #include "platform/db/material.h"
 #include "platform/entities/block_reference.h"
+#include "platform/gi/plain_traits.h"
 #include "platform/gi/world_draw.h"
 
 namespace rendering {
@@ -65,39 +67,19 @@ SurfaceLook lookOf(const OdDbDisplayAttributes& attributes) {
   return look;
 }
 
-/// Plain values of traits.
-class SceneTraits : public OdGiSubEntityTraits {
+/// While it lives lines are drawn without the pattern of their line type.
+class WholeLines {
  public:
-  struct Values {
-    OdCmEntityColor color;
-    OdDbObjectId layer;
-    OdDbObjectId lineType;
-    OdDbObjectId material;
-    OdInt16 lineWeight = -1;
-    OdGiFillType fill = OdGiFillType::kFillAlways;
-    OdGsMarker marker = 0;
-  };
-
-  void setTrueColor(const OdCmEntityColor& color) override { m_values.color = color; }
-  void setLayer(const OdDbObjectId& layer) override { m_values.layer = layer; }
-  void setLineType(const OdDbObjectId& lineType) override { m_values.lineType = lineType; }
-  void setLineWeight(OdInt16 weight) override { m_values.lineWeight = weight; }
-  void setMaterial(const OdDbObjectId& material) override { m_values.material = material; }
-  void setFillType(OdGiFillType type) override { m_values.fill = type; }
-  void setSelectionMarker(OdGsMarker marker) override { m_values.marker = marker; }
-  [[nodiscard]] OdCmEntityColor trueColor() const override { return m_values.color; }
-  [[nodiscard]] OdDbObjectId layer() const override { return m_values.layer; }
-  [[nodiscard]] OdDbObjectId lineType() const override { return m_values.lineType; }
-  [[nodiscard]] OdInt16 lineWeight() const override { return m_values.lineWeight; }
-  [[nodiscard]] OdDbObjectId material() const override { return m_values.material; }
-  [[nodiscard]] OdGiFillType fillType() const override { return m_values.fill; }
-  [[nodiscard]] OdGsMarker selectionMarker() const override { return m_values.marker; }
-
-  [[nodiscard]] const Values& values() const { return m_values; }
-  void setValues(const Values& values) { m_values = values; }
+  explicit WholeLines(bool& flag, bool isWhole = true) : m_flag(flag), m_before(flag) {
+    flag = flag || isWhole;
+  }
+  ~WholeLines() { m_flag = m_before; }
+  WholeLines(const WholeLines&) = delete;
+  WholeLines& operator=(const WholeLines&) = delete;
 
  private:
-  Values m_values;
+  bool& m_flag;
+  bool m_before;
 };
 
 /// Collects the primitives of one entity at a time. An entity that was drawn before with the same
@@ -126,12 +108,14 @@ class SceneDraw : public OdGiWorldDraw, public OdGiWorldGeometry, public OdGiCon
   OdGeMatrix3d getModelToWorldTransform() const override { return m_transforms.back(); }
 
   void polyline(std::span<const OdGePoint3d> points) override;
+  void text(const OdGiText& text) override;
   void polygon(std::span<const OdGePoint3d> points) override;
   void shell(const OdGiShell& shell) override;
   void draw(const OdGiDrawable* drawable) override;
 
  private:
-  using ShapeKey = std::tuple<OdDbObjectId, RenderColor, OdDbObjectId, OdDbObjectId>;
+  using ShapeKey =
+      std::tuple<OdDbObjectId, RenderColor, OdDbObjectId, OdDbObjectId, OdDbObjectId>;
 
   void drawWithAttributes(const OdGiDrawable& drawable);
   void drawReference(const OdDbBlockReference& reference, const OdDbDisplayAttributes& look);
@@ -145,7 +129,7 @@ class SceneDraw : public OdGiWorldDraw, public OdGiWorldGeometry, public OdGiCon
 
   OdDbDatabase& m_database;
   double m_deviation;
-  mutable OdStaticRxObject<SceneTraits> m_traits;
+  mutable OdStaticRxObject<OdGiPlainTraits> m_traits;
   std::vector<OdGeMatrix3d> m_transforms{OdGeMatrix3d()};
   std::vector<OdDbDisplayAttributes> m_blocks;  // of the references around, settled
   std::string m_path;                           // their handles, each with a slash
@@ -153,6 +137,7 @@ class SceneDraw : public OdGiWorldDraw, public OdGiWorldGeometry, public OdGiCon
   std::map<ShapeKey, std::size_t> m_known;
   Shape m_shape;                 // being drawn
   std::size_t m_shapeLevel = 1;  // transforms on the stack when the shape began
+  bool m_isWhole = false;        // lines have no pattern now
 };
 
 OdDbDisplayAttributes SceneDraw::settled() const {
@@ -172,7 +157,7 @@ void SceneDraw::warn(const OdGiDrawable& drawable, const std::string& what) {
 
 void SceneDraw::draw(const OdGiDrawable* drawable) {
   if (!drawable) return;
-  const SceneTraits::Values outer = m_traits.values();
+  const OdGiPlainTraits::Values outer = m_traits.values();
   const std::size_t transforms = m_transforms.size();
   m_traits.setValues({});
   try {
@@ -215,7 +200,8 @@ void SceneDraw::drawReference(const OdDbBlockReference& reference,
 void SceneDraw::drawEntity(const OdDbObject* object, const OdGiDrawable& drawable,
                            const OdDbDisplayAttributes& look) {
   const OdDbObjectId id = object ? object->objectId() : OdDbObjectId();
-  const ShapeKey key{id, toColor(look.color, kPlainSurface), look.layer, look.material};
+  const ShapeKey key{id, toColor(look.color, kPlainSurface), look.layer, look.lineType,
+                     look.material};
   if (const auto known = m_known.find(key); known != m_known.end() && !id.isNull()) {
     return addInstance(known->second, object);
   }
@@ -248,11 +234,24 @@ void SceneDraw::polyline(std::span<const OdGePoint3d> points) {
     throw OdError(eInvalidInput, OdString("a polyline of " + std::to_string(points.size()) +
                                           " points, the least is 2"));
   }
+  const OdDbDisplayAttributes look = settled();
+  if (const OdDbLinetypeTableRecordPtr pattern = look.lineType.openAs<OdDbLinetypeTableRecord>();
+      !m_isWhole && !pattern.isNull() && pattern->numDashes() > 0) {
+    const WholeLines whole(m_isWhole);
+    const double scale = m_database.getLTSCALE() * m_traits.lineTypeScale();
+    return oddbDrawDashed(*this, points, *pattern, scale);
+  }
   const OdGeMatrix3d matrix = toShape();
-  Line line{{}, toColor(settled().color, kPlainLine), isEdgeMarker(m_traits.selectionMarker())};
+  Line line{{}, toColor(look.color, kPlainLine), isEdgeMarker(m_traits.selectionMarker())};
   line.points.reserve(points.size());
   for (const OdGePoint3d& point : points) line.points.push_back(matrix * point);
   m_shape.lines.push_back(std::move(line));
+}
+
+// Characters take no part in the pattern of the line type.
+void SceneDraw::text(const OdGiText& text) {
+  const WholeLines whole(m_isWhole);
+  OdGiWorldGeometry::text(text);
 }
 
 // Filled as a fan from the first point where that fan covers the outline, as it does every convex
@@ -264,7 +263,10 @@ void SceneDraw::polygon(std::span<const OdGePoint3d> points) {
   }
   std::vector<OdGePoint3d> outline(points.begin(), points.end());
   outline.push_back(outline.front());
-  polyline(outline);
+  {
+    const WholeLines whole(m_isWhole, m_traits.fillType() != OdGiFillType::kFillNever);
+    polyline(outline);
+  }
   if (m_traits.fillType() == OdGiFillType::kFillNever) return;
   // The sum of the fan's normals is twice the signed area. A triangle that turns the other way lies
   // outside the outline in part.

@@ -1,76 +1,51 @@
 // OdDbLine: ends, transforming, filing.
 #include "platform/entities/line.h"
 
-#include <array>
-
-#include "platform/base/error.h"
 #include "platform/db/field_list.h"
-#include "platform/ge/finite.h"
-#include "platform/gi/world_draw.h"
 
-OD_RX_DEFINE_DB(OdDbLine, OdDbEntity, L"OdDbLine", 0, 0, 0, L"LINE", OdString())
+OD_RX_DEFINE_DB(OdDbLine, OdDbCurve, L"OdDbLine", 0, 0, 0, L"LINE", OdString())
 
-namespace {
-
-void checkPoint(const OdDbLine* line, const char* what, const OdGePoint3d& point) {
-  if (odgeIsFinite(point)) return;
-  throw OdError(eInvalidInput,
-                OdString(what) + " of line " + line->getDbHandle().ascii() + " is not finite");
-}
-
-}  // namespace
-
-OdGePoint3d OdDbLine::startPoint() const {
-  assertReadEnabled();
-  return m_start;
-}
-
-OdGePoint3d OdDbLine::endPoint() const {
-  assertReadEnabled();
-  return m_end;
-}
-
+OdGePoint3d OdDbLine::startPoint() const { return read(m_start); }
+OdGePoint3d OdDbLine::endPoint() const { return read(m_end); }
 void OdDbLine::setStartPoint(const OdGePoint3d& point) {
-  checkPoint(this, "start", point);
-  if (point == m_start) return;
-  assertWriteEnabled();
-  m_start = point;
-  noteGraphicsModified();
+  change(m_start, oddbChecked(this, "start", point));
 }
-
 void OdDbLine::setEndPoint(const OdGePoint3d& point) {
-  checkPoint(this, "end", point);
-  if (point == m_end) return;
-  assertWriteEnabled();
-  m_end = point;
-  noteGraphicsModified();
+  change(m_end, oddbChecked(this, "end", point));
 }
 
-OdGeVector3d OdDbLine::normal() const {
+OdResult OdDbLine::getStartParam(double& parameter) const {
   assertReadEnabled();
-  return m_normal;
+  parameter = 0.0;
+  return eOk;
 }
 
-void OdDbLine::setNormal(const OdGeVector3d& normal) {
-  const OdGeVector3d unit = normal.normal();
-  if (unit == m_normal) return;
-  assertWriteEnabled();
-  m_normal = unit;
-  noteGraphicsModified();
+OdResult OdDbLine::getEndParam(double& parameter) const {
+  parameter = length();
+  return eOk;
+}
+
+double OdDbLine::length() const { return read(m_start).distanceTo(m_end); }
+
+OdGePoint3d OdDbLine::pointAt(double parameter) const {
+  const double whole = m_start.distanceTo(m_end);
+  return parameter >= whole ? m_end : m_start + (m_end - m_start) * (parameter / whole);
+}
+
+void OdDbLine::addChords(double, std::vector<OdGePoint3d>& points) const {
+  points.push_back(m_start);
+  points.push_back(m_end);
 }
 
 OdResult OdDbLine::getGeomExtents(OdGeExtents3d& extents) const {
   OdGeExtents3d box;
   box.addPoint(startPoint()).addPoint(m_end);
+  oddbExtrude(box, extrusion());
   extents = box;
   return eOk;
 }
 
-bool OdDbLine::subWorldDraw(OdGiWorldDraw* context) const {
-  context->geometry().polyline(std::array{startPoint(), m_end});
-  return true;
-}
-
+// A line has no plane of its own: the extrusion is transformed as the vector that it is.
 OdResult OdDbLine::subTransformBy(const OdGeMatrix3d& transform) {
   const OdGePoint3d start = transform * m_start;
   const OdGePoint3d end = transform * m_end;
@@ -79,42 +54,26 @@ OdResult OdDbLine::subTransformBy(const OdGeMatrix3d& transform) {
   m_start = start;
   m_end = end;
   m_normal = normal / normal.length();
+  m_thickness *= normal.length();
   return eOk;
 }
 
 // Fields:
 //
 //   field         binary    groups
-//   version       uint8
+//   version       uint8                2 with a thickness, else 1
 //   start, end    2 points  10, 11    drawing units
 //   normal        vector    210       unit length
+//   thickness     double    39        version 2: drawing units; 0 before
 
 template <class Fields, class Self>
 void OdDbLine::fields(Fields& fields, Self& self) {
-  const auto isPoint = [](const OdGePoint3d& point) { return odgeIsFinite(point); };
-  const auto isUnit = [](const OdGeVector3d& normal) { return normal.isUnitLength(OdGeTol(1e-6)); };
-  fields.version(1);
-  fields.value(10, self.m_start, isPoint);
-  fields.value(11, self.m_end, isPoint);
-  fields.value(210, self.m_normal, isUnit);
+  fields.version(1, 2, self.m_thickness != 0.0);
+  fields.value(10, self.m_start, oddbIsPoint);
+  fields.value(11, self.m_end, oddbIsPoint);
+  fields.value(210, self.m_normal, oddbIsNormal);
+  fields.from(2, self, [](auto& line) { line.m_thickness = 0.0; });
+  fields.value(39, self.m_thickness, oddbIsNumber);
 }
 
-void OdDbLine::dwgOutFields(OdDbDwgFiler* filer) const {
-  OdDbEntity::dwgOutFields(filer);
-  OdDbFieldFiling::dwgOut(filer, *this);
-}
-
-OdResult OdDbLine::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = OdDbEntity::dwgInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
-}
-
-void OdDbLine::dxfOutFields(OdDbDxfFiler* filer) const {
-  OdDbEntity::dxfOutFields(filer);
-  OdDbFieldFiling::dxfOut(filer, *this);
-}
-
-OdResult OdDbLine::dxfInFields(OdDbDxfFiler* filer) {
-  const OdResult result = OdDbEntity::dxfInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
-}
+OD_DB_DEFINE_FILING(OdDbLine, OdDbCurve)

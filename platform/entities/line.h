@@ -1,10 +1,13 @@
 // OdDbLine: a straight segment.
 #pragma once
 
-#include "platform/db/entity.h"
+#include "platform/db/filing_macros.h"
+#include "platform/entities/curve.h"
+#include "platform/entities/planar.h"
 
-/// A segment between two points in the coordinates of its block. The ends may coincide.
-class OdDbLine : public OdDbEntity {
+/// A segment between two points in the coordinates of its block. The ends may coincide. The normal
+/// is the direction in which a thickness extrudes it. Parameters are distances from the start.
+class OdDbLine : public OdDbThick<OdDbCurve> {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbLine)
 
@@ -13,28 +16,22 @@ class OdDbLine : public OdDbEntity {
   /// Points that are not finite raise eInvalidInput.
   void setStartPoint(const OdGePoint3d& point);
   void setEndPoint(const OdGePoint3d& point);
-  /// Direction in which a thickness would extrude the line; unit vector.
-  [[nodiscard]] OdGeVector3d normal() const;
-  /// Raises eDegenerateGeometry for a zero vector.
-  void setNormal(const OdGeVector3d& normal);
 
+  OdResult getStartParam(double& parameter) const override;
+  OdResult getEndParam(double& parameter) const override;
+  [[nodiscard]] double length() const override;
   OdResult getGeomExtents(OdGeExtents3d& extents) const override;
-  OdResult dwgInFields(OdDbDwgFiler* filer) override;
-  void dwgOutFields(OdDbDwgFiler* filer) const override;
-  OdResult dxfInFields(OdDbDxfFiler* filer) override;
-  void dxfOutFields(OdDbDxfFiler* filer) const override;
 
  protected:
-  bool subWorldDraw(OdGiWorldDraw* context) const override;
   OdResult subTransformBy(const OdGeMatrix3d& transform) override;
+  [[nodiscard]] OdGePoint3d pointAt(double parameter) const override;
+  void addChords(double deviation, std::vector<OdGePoint3d>& points) const override;
+  [[nodiscard]] OdGeVector3d extrusion() const override { return m_normal * m_thickness; }
 
  private:
-  friend struct OdDbFieldFiling;
-  template <class Fields, class Self>
-  static void fields(Fields& fields, Self& self);
-
   OdGePoint3d m_start;
   OdGePoint3d m_end;
-  OdGeVector3d m_normal = OdGeVector3d::kZAxis;
+
+  OD_DB_DECLARE_FILING()
 };
 using OdDbLinePtr = OdSmartPtr<OdDbLine>;

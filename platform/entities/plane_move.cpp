@@ -1,0 +1,49 @@
+// Planar entities: their frame, and how a transform moves it.
+#include "platform/entities/plane_move.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/ge/finite.h"
+
+namespace {
+
+constexpr double kSimilar = 1e-8;
+
+OdGeVector3d movedNormal(const OdGeMatrix3d& transform, const OdDbPlaneFrame& frame) {
+  const OdGeVector3d across = (transform * frame.xAxis()).crossProduct(transform * frame.yAxis());
+  return across / std::copysign(across.length(), transform.det());
+}
+
+}  // namespace
+
+OdDbPlaneFrame::OdDbPlaneFrame(const OdGeVector3d& normal)
+    : m_x(normal == OdGeVector3d::kZAxis ? OdGeVector3d::kXAxis : normal.perpVector()),
+      m_y(normal.crossProduct(m_x)),
+      m_normal(normal) {}
+
+OdGeVector3d OdDbPlaneFrame::direction(double angle) const {
+  return m_x * std::cos(angle) + m_y * std::sin(angle);
+}
+
+double OdDbPlaneFrame::angleOf(const OdGeVector3d& vector) const {
+  return std::atan2(vector.dotProduct(m_y), vector.dotProduct(m_x));
+}
+
+OdDbPlaneMove::OdDbPlaneMove(const OdGeMatrix3d& transform, const OdGeVector3d& normal)
+    : m_transform(transform),
+      m_from(normal),
+      m_to(movedNormal(transform, m_from)),
+      m_flips(transform.det() < 0.0) {
+  const OdGeVector3d x = transform * m_from.xAxis();
+  const OdGeVector3d y = transform * m_from.yAxis();
+  const double longer = std::max(x.length(), y.length());
+  m_isSimilar = std::abs(x.length() - y.length()) <= kSimilar * longer &&
+                std::abs(x.dotProduct(y)) <= kSimilar * longer * longer;
+  m_scale = std::sqrt(x.crossProduct(y).length());
+  m_depthScale = (transform * normal).dotProduct(m_to.normal());
+}
+
+bool OdDbPlaneMove::isFinite() const {
+  return odgeIsFinite(m_transform) && odgeIsFinite(m_to.normal()) && std::isfinite(m_scale);
+}

@@ -1,0 +1,67 @@
+// OdDbRoundCurve: what circles and arcs share.
+#include "platform/entities/round_curve.h"
+
+#include "platform/entities/ellipse.h"
+
+OdGePoint3d OdDbRoundCurve::center() const { return read(m_center); }
+void OdDbRoundCurve::setCenter(const OdGePoint3d& center) {
+  change(m_center, oddbChecked(this, "centre", center));
+}
+double OdDbRoundCurve::radius() const { return read(m_radius); }
+void OdDbRoundCurve::setRadius(double radius) {
+  change(m_radius, oddbChecked(this, "radius", radius, oddbIsLength));
+}
+
+OdResult OdDbRoundCurve::getStartParam(double& parameter) const {
+  assertReadEnabled();
+  parameter = startOf();
+  return eOk;
+}
+
+OdResult OdDbRoundCurve::getEndParam(double& parameter) const {
+  assertReadEnabled();
+  parameter = startOf() + sweepOf();
+  return eOk;
+}
+
+double OdDbRoundCurve::length() const { return read(m_radius) * sweepOf(); }
+
+OdDbArcShape OdDbRoundCurve::shape() const {
+  const OdDbPlaneFrame frame(m_normal);
+  return {m_center, frame.xAxis() * m_radius, frame.yAxis() * m_radius, startOf(), sweepOf()};
+}
+
+OdGePoint3d OdDbRoundCurve::pointAt(double parameter) const { return shape().at(parameter); }
+
+void OdDbRoundCurve::addChords(double deviation, std::vector<OdGePoint3d>& points) const {
+  shape().addChords(deviation, points);
+}
+
+OdResult OdDbRoundCurve::getGeomExtents(OdGeExtents3d& extents) const {
+  assertReadEnabled();
+  OdGeExtents3d box;
+  shape().addExtents(box);
+  oddbExtrude(box, extrusion());
+  extents = box;
+  return eOk;
+}
+
+OdResult OdDbRoundCurve::subTransformBy(const OdGeMatrix3d& transform) {
+  const OdDbPlaneMove move(transform, m_normal);
+  const OdGePoint3d center = transform * m_center;
+  if (!move.isSimilar()) return eCannotScaleNonUniformly;
+  if (!move.isFinite() || !odgeIsFinite(center)) return eInvalidInput;
+  moveAngles(move);
+  m_center = center;
+  m_radius *= move.scale();
+  m_thickness *= move.depthScale();
+  m_normal = move.normal();
+  return eOk;
+}
+
+OdDbEntityPtr OdDbRoundCurve::subMoreGeneral() const {
+  const OdDbEllipsePtr ellipse = OdDbEllipse::createObject();
+  const OdDbArcShape arc = shape();
+  ellipse->set(arc.center, m_normal, arc.a, 1.0, arc.start, arc.start + arc.sweep);
+  return ellipse;
+}
