@@ -7,6 +7,7 @@
 #include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "platform/db/field_list.h"
+#include "platform/db/filing_macros.h"
 #include "platform/db/layer_table.h"
 #include "platform/db/linetype_table.h"
 #include "platform/ge/finite.h"
@@ -251,22 +252,4 @@ void OdDbEntity::fields(Fields& fields, Self& self) {
   fields.value(48, self.m_linetypeScale, isLinetypeScale);
 }
 
-void OdDbEntity::dwgOutFields(OdDbDwgFiler* filer) const {
-  OdDbObject::dwgOutFields(filer);
-  OdDbFieldFiling::dwgOut(filer, *this);
-}
-
-OdResult OdDbEntity::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = OdDbObject::dwgInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
-}
-
-void OdDbEntity::dxfOutFields(OdDbDxfFiler* filer) const {
-  OdDbObject::dxfOutFields(filer);
-  OdDbFieldFiling::dxfOut(filer, *this);
-}
-
-OdResult OdDbEntity::dxfInFields(OdDbDxfFiler* filer) {
-  const OdResult result = OdDbObject::dxfInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
-}
+OD_DB_DEFINE_FILING(OdDbEntity, OdDbObject)

@@ -5,6 +5,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/field_list.h"
+#include "platform/db/filing_macros.h"
 
 OD_RX_DEFINE_DB(OdDbLayerTable, OdDbSymbolTable, L"OdDbLayerTable", 0, 0, 0, L"LAYER_TABLE",
                 OdString())
@@ -102,22 +103,4 @@ void OdDbLayerTableRecord::fields(Fields& fields, Self& self) {
   fields.template number<OdInt16>(370, self.m_lineWeight, isLayerLineWeight);
 }
 
-void OdDbLayerTableRecord::dwgOutFields(OdDbDwgFiler* filer) const {
-  OdDbSymbolTableRecord::dwgOutFields(filer);
-  OdDbFieldFiling::dwgOut(filer, *this);
-}
-
-OdResult OdDbLayerTableRecord::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = OdDbSymbolTableRecord::dwgInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
-}
-
-void OdDbLayerTableRecord::dxfOutFields(OdDbDxfFiler* filer) const {
-  OdDbSymbolTableRecord::dxfOutFields(filer);
-  OdDbFieldFiling::dxfOut(filer, *this);
-}
-
-OdResult OdDbLayerTableRecord::dxfInFields(OdDbDxfFiler* filer) {
-  const OdResult result = OdDbSymbolTableRecord::dxfInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
-}
+OD_DB_DEFINE_FILING(OdDbLayerTableRecord, OdDbSymbolTableRecord)

@@ -5,6 +5,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/field_list.h"
+#include "platform/db/filing_macros.h"
 
 OD_RX_DEFINE_DB(OdDbMaterial, OdDbObject, L"OdDbMaterial", 0, 0, 0, L"MATERIAL", OdString())
 
@@ -100,25 +101,7 @@ void OdDbMaterial::fields(Fields& fields, Self& self) {
   fields.value(41, self.m_shininess, isFraction);
 }
 
-void OdDbMaterial::dwgOutFields(OdDbDwgFiler* filer) const {
-  OdDbObject::dwgOutFields(filer);
-  OdDbFieldFiling::dwgOut(filer, *this);
-}
-
-OdResult OdDbMaterial::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = OdDbObject::dwgInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
-}
-
-void OdDbMaterial::dxfOutFields(OdDbDxfFiler* filer) const {
-  OdDbObject::dxfOutFields(filer);
-  OdDbFieldFiling::dxfOut(filer, *this);
-}
-
-OdResult OdDbMaterial::dxfInFields(OdDbDxfFiler* filer) {
-  const OdResult result = OdDbObject::dxfInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
-}
+OD_DB_DEFINE_FILING(OdDbMaterial, OdDbObject)
 
 std::size_t OdDbMaterial::approximateSize() const {
   return OdDbObject::approximateSize() + sizeof(*this) - sizeof(OdDbObject) +

@@ -6,6 +6,7 @@
 #include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "platform/db/field_list.h"
+#include "platform/db/filing_macros.h"
 #include "platform/db/symbol_table.h"
 
 OD_RX_DEFINE_ABSTRACT(OdDbSymbolTableRecord, OdDbObject, L"OdDbSymbolTableRecord")
@@ -121,25 +122,7 @@ void OdDbSymbolTableRecord::fields(Fields& fields, Self& self) {
   fields.value(290, self.m_resolved);
 }
 
-void OdDbSymbolTableRecord::dwgOutFields(OdDbDwgFiler* filer) const {
-  OdDbObject::dwgOutFields(filer);
-  OdDbFieldFiling::dwgOut(filer, *this);
-}
-
-OdResult OdDbSymbolTableRecord::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = OdDbObject::dwgInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
-}
-
-void OdDbSymbolTableRecord::dxfOutFields(OdDbDxfFiler* filer) const {
-  OdDbObject::dxfOutFields(filer);
-  OdDbFieldFiling::dxfOut(filer, *this);
-}
-
-OdResult OdDbSymbolTableRecord::dxfInFields(OdDbDxfFiler* filer) {
-  const OdResult result = OdDbObject::dxfInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
-}
+OD_DB_DEFINE_FILING(OdDbSymbolTableRecord, OdDbObject)
 
 std::size_t OdDbSymbolTableRecord::approximateSize() const {
   return OdDbObject::approximateSize() + m_name.utf8().size();

@@ -2,7 +2,6 @@
 #include "platform/entities/dimension.h"
 
 #include <cmath>
-#include <utility>
 
 #include "platform/db/field_list.h"
 #include "platform/entities/arrowhead.h"
@@ -65,7 +64,7 @@ void OdDbDimension::setDimensionStyle(const OdDbObjectId& style) { change(m_styl
 
 OdGePoint3d OdDbDimension::textPosition() const {
   if (!isUsingDefaultTextPosition()) return m_textPosition;
-  const OdDbDimStyleValues style(m_style);
+  const OdDbDimStyleValues style(m_style, database());
   return picture(style, blockOf(shownText(), style).width(), 0.0).textCenter();
 }
 
@@ -76,7 +75,7 @@ void OdDbDimension::setTextPosition(const OdGePoint3d& position) {
 }
 
 OdString OdDbDimension::formatMeasurement() const {
-  const OdDbDimStyleValues style(dimensionStyle());
+  const OdDbDimStyleValues style(dimensionStyle(), database());
   constexpr double kDegree = kOdDbFullTurn / 360.0;
   double value = isAngular() ? measurement() / kDegree : measurement() * style.lengthFactor;
   if (!isAngular() && style.rounding > 0.0) {
@@ -112,7 +111,7 @@ OdDbDimPicture OdDbDimension::picture(const OdDbDimStyleValues& style, double te
 }
 
 bool OdDbDimension::subWorldDraw(OdGiWorldDraw* context) const {
-  const OdDbDimStyleValues style(dimensionStyle());
+  const OdDbDimStyleValues style(dimensionStyle(), database());
   const OdDbTextBlock text = blockOf(shownText(), style);
   const OdDbDimPicture drawn = picture(style, text.width(), context->deviation());
   const OdCmColor own = context->subEntityTraits().trueColor();
@@ -133,7 +132,7 @@ bool OdDbDimension::subWorldDraw(OdGiWorldDraw* context) const {
 }
 
 OdResult OdDbDimension::explode(OdRxObjectPtrArray& parts) const {
-  const OdDbDimStyleValues style(dimensionStyle());
+  const OdDbDimStyleValues style(dimensionStyle(), database());
   const OdString contents = shownText();
   const OdDbDimPicture picture = this->picture(style, blockOf(contents, style).width(), 0.0);
   const OdDbPlaneFrame frame(m_normal);
@@ -182,14 +181,9 @@ OdResult OdDbDimension::getGeomExtents(OdGeExtents3d& extents) const {
 OdResult OdDbDimension::subTransformBy(const OdGeMatrix3d& transform) {
   const OdDbPlaneMove move(transform, m_normal);
   const OdGePoint3d textPosition = transform * m_textPosition;
-  OdArray<OdGePoint3d> points;
-  for (const OdGePoint3d& point : std::as_const(m_points)) {
-    points.append(transform * point);
-    if (!odgeIsFinite(std::as_const(points).last())) return eInvalidInput;
-  }
   if (!move.isFinite() || !odgeIsFinite(textPosition)) return eInvalidInput;
+  if (!oddbTransformPoints(transform, m_points)) return eInvalidInput;
   moveValues(move);
-  m_points = points;
   m_textPosition = textPosition;
   if (m_textRotation != 0.0) m_textRotation = move.angle(m_textRotation);
   m_horizontal = move.angle(m_horizontal);

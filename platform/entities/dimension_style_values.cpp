@@ -6,12 +6,15 @@
 #include <cmath>
 #include <string>
 
+#include "platform/db/database.h"
 #include "platform/db/dim_style_table.h"
+#include "platform/entities/value_checks.h"
 
-OdDbDimStyleValues::OdDbDimStyleValues(const OdDbObjectId& style) {
+OdDbDimStyleValues::OdDbDimStyleValues(const OdDbObjectId& style, const OdDbDatabase* drawing) {
   constexpr int kTrailing = 8;
   constexpr int kLeading = 4;
-  OdDbDimStyleTableRecordPtr record = style.openAs<OdDbDimStyleTableRecord>();
+  const OdDbObjectId used = oddbStyleOrStandard(style, drawing, OdDbRootHandles::kDimStyleStandard);
+  OdDbDimStyleTableRecordPtr record = used.openAs<OdDbDimStyleTableRecord>();
   if (record.isNull()) record = OdDbDimStyleTableRecord::createObject();
   const double scale = record->dimscale();
   arrow = record->dimasz() * scale;

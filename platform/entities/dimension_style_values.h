@@ -4,10 +4,12 @@
 #include "platform/db/color.h"
 #include "platform/filer/object_id.h"
 
-/// Values of a dimension style with its sizes scaled, in drawing units. Null, and a style that
-/// cannot be opened, stand for a style as it is made.
+class OdDbDatabase;
+
+/// Values of a dimension style with its sizes scaled, in drawing units. Null is the drawing's style
+/// "Standard"; outside of drawings, and for a style that cannot be opened, a style as it is made.
 struct OdDbDimStyleValues {
-  explicit OdDbDimStyleValues(const OdDbObjectId& style);
+  OdDbDimStyleValues(const OdDbObjectId& style, const OdDbDatabase* drawing);
 
   double arrow = 0.0;            ///< length of arrowheads
   double extensionGap = 0.0;     ///< from a point to its extension line

@@ -301,11 +301,6 @@ OdResult OdDbHatch::subTransformBy(const OdGeMatrix3d& transform) {
   if (!move.isFinite()) return eInvalidInput;
   if (!move.isSimilar() && !m_bulges.isEmpty()) return eCannotScaleNonUniformly;
   const auto moved = [&](const OdGePoint2d& point) { return move.point(point, m_elevation); };
-  OdArray<OdGePoint2d> points;
-  for (const OdGePoint2d& point : std::as_const(m_points)) {
-    points.append(moved(point));
-    if (!odgeIsFinite(std::as_const(points).last())) return eInvalidInput;
-  }
   std::vector<OdDbHatchLines> lines = patternLines();
   for (OdDbHatchLines& family : lines) {
     const OdGeVector2d along(std::cos(family.angle), std::sin(family.angle));
@@ -317,7 +312,7 @@ OdResult OdDbHatch::subTransformBy(const OdGeMatrix3d& transform) {
     for (double& dash : family.dashes) dash *= std::hypot(way.x, way.y);
     if (!::isSound(family)) return eCannotScaleNonUniformly;
   }
-  m_points = points;
+  if (!move.movePoints(m_points, m_elevation)) return eInvalidInput;
   storeLines(lines);
   if (move.flips()) {
     for (double& bulge : m_bulges) bulge = -bulge;

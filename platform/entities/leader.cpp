@@ -87,7 +87,7 @@ void OdDbLeader::addChords(double, std::vector<OdGePoint3d>& points) const {
 bool OdDbLeader::subWorldDraw(OdGiWorldDraw* context) const {
   if (numVertices() < 2) return true;
   OdDbCurve::subWorldDraw(context);
-  const OdDbDimStyleValues style(m_style);
+  const OdDbDimStyleValues style(m_style, database());
   const OdGeVector3d first = m_vertices[0] - m_vertices[1];
   if (m_arrow && first.length() > 2.0 * style.arrow) {
     oddbDrawArrowhead(context, m_vertices[0], first / first.length(), m_normal, style.arrow);
@@ -106,14 +106,8 @@ OdResult OdDbLeader::getGeomExtents(OdGeExtents3d& extents) const {
 
 OdResult OdDbLeader::subTransformBy(const OdGeMatrix3d& transform) {
   const OdDbPlaneMove move(transform, m_normal);
-  OdArray<OdGePoint3d> vertices;
-  for (const OdGePoint3d& vertex : std::as_const(m_vertices)) {
-    vertices.append(transform * vertex);
-    if (!odgeIsFinite(std::as_const(vertices).last())) return eInvalidInput;
-  }
-  if (!move.isFinite()) return eInvalidInput;
+  if (!move.isFinite() || !oddbTransformPoints(transform, m_vertices)) return eInvalidInput;
   const OdGeVector3d hook = transform * m_hook;
-  m_vertices = vertices;
   m_hook = hook / hook.length();
   m_normal = move.normal();
   return eOk;

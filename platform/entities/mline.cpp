@@ -159,13 +159,7 @@ OdResult OdDbMline::getGeomExtents(OdGeExtents3d& extents) const {
 OdResult OdDbMline::subTransformBy(const OdGeMatrix3d& transform) {
   const OdDbPlaneMove move(transform, m_normal);
   if (!move.isSimilar()) return eCannotScaleNonUniformly;
-  OdArray<OdGePoint3d> vertices;
-  for (const OdGePoint3d& vertex : std::as_const(m_vertices)) {
-    vertices.append(transform * vertex);
-    if (!odgeIsFinite(std::as_const(vertices).last())) return eInvalidInput;
-  }
-  if (!move.isFinite()) return eInvalidInput;
-  m_vertices = vertices;
+  if (!move.isFinite() || !oddbTransformPoints(transform, m_vertices)) return eInvalidInput;
   m_scale *= move.flips() ? -move.scale() : move.scale();
   m_normal = move.normal();
   return eOk;

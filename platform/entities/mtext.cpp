@@ -1,6 +1,7 @@
 // OdDbMText: a block of text.
 #include "platform/entities/mtext.h"
 
+#include "platform/db/database.h"
 #include "platform/db/field_list.h"
 #include "platform/db/text_style_table.h"
 #include "platform/entities/curve.h"
@@ -61,7 +62,9 @@ double OdDbMText::actualHeight() const { return block().height(); }
 
 OdDbTextBlock OdDbMText::block() const {
   assertReadEnabled();
-  const OdDbTextStyleTableRecordPtr style = m_style.openAs<OdDbTextStyleTableRecord>();
+  const OdDbTextStyleTableRecordPtr style =
+      oddbStyleOrStandard(m_style, database(), OdDbRootHandles::kTextStyleStandard)
+          .openAs<OdDbTextStyleTableRecord>();
   const double widthFactor = style.isNull() ? 1.0 : style->xScale();
   const double oblique = style.isNull() ? 0.0 : style->obliquingAngle();
   return {m_contents, m_height, widthFactor, oblique, m_width, m_spacing};

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "platform/ge/finite.h"
 
@@ -13,6 +14,18 @@ constexpr double kSimilar = 1e-8;
 OdGeVector3d movedNormal(const OdGeMatrix3d& transform, const OdDbPlaneFrame& frame) {
   const OdGeVector3d across = (transform * frame.xAxis()).crossProduct(transform * frame.yAxis());
   return across / std::copysign(across.length(), transform.det());
+}
+
+template <class Point, class Move>
+bool moveAll(OdArray<Point>& points, const Move& move) {
+  OdArray<Point> moved;
+  moved.reserve(points.size());
+  for (const Point& point : std::as_const(points)) {
+    moved.append(move(point));
+    if (!odgeIsFinite(std::as_const(moved).last())) return false;
+  }
+  points = moved;
+  return true;
 }
 
 }  // namespace
@@ -46,4 +59,12 @@ OdDbPlaneMove::OdDbPlaneMove(const OdGeMatrix3d& transform, const OdGeVector3d& 
 
 bool OdDbPlaneMove::isFinite() const {
   return odgeIsFinite(m_transform) && odgeIsFinite(m_to.normal()) && std::isfinite(m_scale);
+}
+
+bool OdDbPlaneMove::movePoints(OdArray<OdGePoint2d>& points, double elevation) const {
+  return moveAll(points, [&](const OdGePoint2d& at) { return point(at, elevation); });
+}
+
+bool oddbTransformPoints(const OdGeMatrix3d& transform, OdArray<OdGePoint3d>& points) {
+  return moveAll(points, [&](const OdGePoint3d& point) { return transform * point; });
 }

@@ -1,6 +1,7 @@
 // Planar entities: their frame, and how a transform moves it.
 #pragma once
 
+#include "platform/base/array.h"
 #include "platform/ge/matrix3d.h"
 #include "platform/ge/point2d.h"
 #include "platform/ge/point3d.h"
@@ -60,6 +61,8 @@ class OdDbPlaneMove {
   [[nodiscard]] OdGePoint2d point(const OdGePoint2d& point, double elevation) const {
     return m_to.toPlane(m_transform * m_from.toWorld(point, elevation));
   }
+  /// Moves points of a plane. False, and nothing changes, when one would not be finite.
+  [[nodiscard]] bool movePoints(OdArray<OdGePoint2d>& points, double elevation) const;
   [[nodiscard]] double elevation(double elevation) const {
     return m_to.elevationOf(m_transform * m_from.toWorld({}, elevation));
   }
@@ -77,3 +80,6 @@ class OdDbPlaneMove {
   bool m_flips = false;
   bool m_isSimilar = true;
 };
+
+/// Transforms points. False, and nothing changes, when one would not be finite.
+[[nodiscard]] bool oddbTransformPoints(const OdGeMatrix3d& transform, OdArray<OdGePoint3d>& points);

@@ -4,7 +4,14 @@
 #include <string>
 
 #include "platform/base/error.h"
+#include "platform/db/database.h"
 #include "platform/rx/rx_class.h"
+
+OdDbObjectId oddbStyleOrStandard(const OdDbObjectId& style, const OdDbDatabase* drawing,
+                                 OdUInt64 standard) {
+  if (!style.isNull() || drawing == nullptr) return style;
+  return drawing->getOdDbObjectId(OdDbHandle(standard));
+}
 
 void oddbRaiseValue(const OdDbEntity* entity, const char* what, double value) {
   throw OdError(eInvalidInput, OdString(std::string(what) + " " + std::to_string(value) + " of ") +

@@ -17,6 +17,10 @@ constexpr auto oddbIsNormal = [](const OdGeVector3d& normal) {
   return normal.isUnitLength(OdGeTol(1e-6));
 };
 
+/// The style; for null the one of that fixed handle in the drawing, null outside of drawings.
+[[nodiscard]] OdDbObjectId oddbStyleOrStandard(const OdDbObjectId& style,
+                                               const OdDbDatabase* drawing, OdUInt64 standard);
+
 /// Raises eInvalidInput naming what, the value and the entity.
 [[noreturn]] void oddbRaiseValue(const OdDbEntity* entity, const char* what, double value);
 

@@ -321,13 +321,7 @@ OdResult OdDbVertexRun::subTransformBy(const OdGeMatrix3d& transform) {
   const OdDbPlaneMove move(transform, m_normal);
   if (!move.isFinite()) return eInvalidInput;
   if (!move.isSimilar() && (hasBulges() || hasWidth())) return eCannotScaleNonUniformly;
-  OdArray<OdGePoint2d> points;
-  points.reserve(m_points.size());
-  for (const OdGePoint2d& point : std::as_const(m_points)) {
-    points.append(move.point(point, m_elevation));
-    if (!odgeIsFinite(std::as_const(points).last())) return eInvalidInput;
-  }
-  m_points = points;
+  if (!move.movePoints(m_points, m_elevation)) return eInvalidInput;
   m_elevation = move.elevation(m_elevation);
   m_thickness *= move.depthScale();
   m_normal = move.normal();

@@ -6,6 +6,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/field_list.h"
+#include "platform/db/filing_macros.h"
 #include "platform/ge/finite.h"
 
 OD_RX_DEFINE_DB(OdDbViewport, OdDbEntity, L"OdDbViewport", 0, 0, 0, L"VIEWPORT", OdString())
@@ -133,22 +134,4 @@ void OdDbViewport::fields(Fields& fields, Self& self) {
   fields.value(290, self.m_on);
 }
 
-void OdDbViewport::dwgOutFields(OdDbDwgFiler* filer) const {
-  OdDbEntity::dwgOutFields(filer);
-  OdDbFieldFiling::dwgOut(filer, *this);
-}
-
-OdResult OdDbViewport::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = OdDbEntity::dwgInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
-}
-
-void OdDbViewport::dxfOutFields(OdDbDxfFiler* filer) const {
-  OdDbEntity::dxfOutFields(filer);
-  OdDbFieldFiling::dxfOut(filer, *this);
-}
-
-OdResult OdDbViewport::dxfInFields(OdDbDxfFiler* filer) {
-  const OdResult result = OdDbEntity::dxfInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
-}
+OD_DB_DEFINE_FILING(OdDbViewport, OdDbEntity)

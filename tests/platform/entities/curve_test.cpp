@@ -10,6 +10,7 @@
 #include "platform/entities/ellipse.h"
 #include "platform/entities/line.h"
 #include "platform/entities/polyline.h"
+#include "platform/filer/file_filer.h"
 #include "tests/platform/entities/entity_samples.h"
 #include "tests/support/drawing_testing.h"
 
@@ -91,6 +92,23 @@ TEST_F(CurveTest, BulgesHaveTheSignOfTheirTurn) {
     ASSERT_EQ(run->transformBy(OdGeMatrix3d::mirroring(OdGePlane::kZXPlane)), eOk);
     EXPECT_EQ(run->getBulgeAt(0), -bulge);
   }
+}
+
+// The worked example of docs/stored-entities.md.
+TEST_F(CurveTest, APolylineIsStoredAsDocumented) {
+  OdDbHostAppServices host;
+  const OdDbDatabasePtr drawing = host.createDatabase();
+  const OdDbObjectId id = addTo(drawing->getModelSpaceId(), bulged(0.5));
+  OdDbFileWriter filer(drawing);
+  open<OdDbPolyline>(id)->dwgOutFields(&filer);
+  std::vector<OdUInt8> bytes;
+  filer.assemble(bytes);
+  const auto zeros = [](std::size_t count) { return std::string(count, '\0'); };
+  const std::string wanted = std::string("\x01\x21\x00", 3) +
+                             std::string("\x01\x01\xC0\0\0\0\0\x01\0\0\x01", 11) + zeros(16) +
+                             zeros(22) + "\xF0\x3F" + zeros(1) + "\x04" + zeros(16) + zeros(6) +
+                             "\x10\x40" + zeros(8) + "\x04" + zeros(6) + "\xE0\x3F" + zeros(9);
+  EXPECT_EQ(std::string(bytes.begin(), bytes.end()), wanted);
 }
 
 TEST_F(CurveTest, VerticesCarryTheirBulgesAndWidthsThroughEdits) {

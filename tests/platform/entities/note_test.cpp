@@ -146,6 +146,9 @@ TEST_F(NoteTest, DimensionsMeasureAndShowWhatTheirStyleSays) {
   EXPECT_THROW(style->setDimtxt(0.0), OdError);
   const OdDbObjectId id = styles->add(style);
   addTo(m_drawing->getModelSpaceId(), along);
+  const OdDbObjectId standard = styles->getAt(L"Standard");
+  edit<OdDbDimStyleTableRecord>(standard)->setDimpost(L" mm");
+  EXPECT_EQ(along->formatMeasurement(), OdString(L"50 mm")) << "no style is the standard one";
   along->setDimensionStyle(id);
   EXPECT_EQ(along->formatMeasurement(), OdString(L"5\\S+0,1^-0,25; cm"));
 }
