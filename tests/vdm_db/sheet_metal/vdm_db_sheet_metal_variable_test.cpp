@@ -6,6 +6,7 @@
 #include "platform/cloning/id_mapping.h"
 #include "tests/support/test_seed.h"
 #include "tests/vdm_db/sheet_metal/sheet_metal_testing.h"
+#include "vdm_db/cloning/vdm_model_cloning.h"
 #include "vdm_db/parameters/vdm_variable_evaluation.h"
 #include "vdm_db/parameters/vdm_variable_names.h"
 #include "vdm_db/parameters/vdm_variable_values.h"
@@ -156,6 +157,40 @@ TEST_F(VdmDbSheetMetalVariable, ACloneWithoutTheVariableIsDrivenByNone) {
   OdDbIdPair copy(variable());
   ASSERT_TRUE(variables->compute(copy));
   EXPECT_FALSE(open<OdDbObject>(copy.value())->hasPersistentReactor(m_context));
+}
+
+// Into an empty block, one that has a context with a variable, and one of another drawing.
+TEST_F(VdmDbSheetMetalVariable, CopiedModelsHaveOneVariableThatDrivesTheirThickness) {
+  link();
+  setOption(3);
+  const OdDbDatabasePtr other = m_host.createDatabase();
+  const OdDbObjectId full = addBlock(m_drawing, L"Full");
+  const OdDbObjectId present = Sheet::getInstance(full, true);
+  edit<Sheet>(present)->optionForWriteThickness().setValue(3);
+  const OdDbObjectId driving = edit<Sheet>(present)->getThicknessParameter(true);
+  const OdDbObjectId targets[] = {addBlock(m_drawing, L"Empty"), full, addBlock(other, L"Far")};
+  for (const OdDbObjectId& target : targets) {
+    SCOPED_TRACE(open<OdDbBlockTableRecord>(target)->getName().utf8());
+    OdDbIdMappingPtr mapping;
+    ASSERT_EQ(vdmu::cloneBlockWithModel(m_modelSpace, target, mapping), eOk);
+    const SheetPtr copy = edit<Sheet>(Sheet::getInstance(target, false));
+    const OdDbObjectId id = std::as_const(*copy).getThicknessParameter();
+    if (target == full) {
+      EXPECT_EQ(copy->objectId(), present);
+      EXPECT_EQ(id, driving);
+    }
+    ASSERT_FALSE(id.isNull());
+    EXPECT_NE(id, variable());
+    EXPECT_EQ(copy->optionForWriteThickness().setValue(4), eOk);
+    EXPECT_EQ(vdmu::getValueAsDouble(open<OdDbAssocVariable>(id).get()), 4);
+    EXPECT_EQ(edit<OdDbAssocVariable>(id)->setExpression(L"5"), eOk);
+    EXPECT_EQ(std::get<double>(valuesOf(*copy).at("Thickness")), 5);
+    std::set<OdString> names;
+    vdmu::getVariableNames(target, names);
+    EXPECT_EQ(names, std::set<OdString>{L"_SM_THICKNESS"});
+    EXPECT_EQ(thickness(), 3);
+    EXPECT_EQ(driven(), 3);
+  }
 }
 
 TEST_F(VdmDbSheetMetalVariable, EditsOfBothSidesAtRandom) {
