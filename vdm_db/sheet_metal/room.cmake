@@ -6,6 +6,7 @@ list(APPEND VDM_DB_SOURCES
   sheet_metal/vdm_db_sheet_metal_context_impl.cpp
   sheet_metal/vdm_db_sheet_metal_context_material_pe.cpp
   sheet_metal/vdm_db_sheet_metal_context_variable.cpp
+  sheet_metal/vdm_sheet_metal_context_option.cpp
   sheet_metal/vdm_sheet_metal_context_options.cpp
   sheet_metal/vdm_sheet_metal_length.cpp
 )

@@ -34,8 +34,8 @@ class VDM_DB_EXPORT VdmISheetMetalContextOption {
 enum class VdmWithoutSettings { kIsReported, kIsSilent };
 
 /// The fields of an option are one structure whose member initialisers are the fallbacks. It says
-/// in `kWithoutSettings` what null settings mean, and the source of the options names its fields
-/// one by one with their keys and settings.
+/// in `kWithoutSettings` what null settings mean, and the source of this class names its fields one
+/// by one with their keys and settings.
 template <class Fields>
 class VDM_DB_EXPORT VdmSheetMetalContextOptionOf : public VdmISheetMetalContextOption {
  public:
