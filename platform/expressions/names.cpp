@@ -9,7 +9,6 @@
 #include "platform/expressions/compile.h"
 #include "platform/expressions/functions.h"
 #include "platform/expressions/text_parser.h"
-#include "platform/expressions/unit.h"
 #include "platform/expressions/wide_text.h"
 #include "platform/expressions/words.h"
 
@@ -35,8 +34,29 @@ bool isSlashBefore(const OdString& text, int index) {
   return index > 0 && (text.getAt(index - 1) == L'/' || text.getAt(index - 1) == kDivisionSign);
 }
 
-bool isUnitText(const OdString& name) {
-  return name.getLength() <= kMaxNameLength && isUnit(WideText(name).view());
+enum class Slashes : OdUInt8 { kAsWritten, kSpaced };
+
+/// Replaces the mentions of the name. `slashes` says whether a space follows a slash before them.
+OdString replaced(const OdString& text, const std::vector<Mention>& mentions,
+                  const OdString& oldName, const OdString& newName, Slashes slashes) {
+  OdString result;
+  int copied = 0;
+  for (const Mention& mention : mentions) {
+    if (!odStrIEqual(mention.name, oldName)) continue;
+    const int begin = mention.column - 1;
+    result += text.mid(copied, begin - copied);
+    if (slashes == Slashes::kSpaced && isSlashBefore(text, begin)) result += ' ';
+    result += newName;
+    copied = begin + mention.name.getLength();
+  }
+  return copied == 0 ? text : result + text.mid(copied);
+}
+
+/// A name after a slash that reads as a unit is no mention any more.
+bool hasLostMentions(const OdString& text, const std::vector<Mention>& before) {
+  std::vector<Mention> now;
+  Diagnostic diagnostic;
+  return !listNames(text, now, diagnostic) || now.size() != before.size();
 }
 
 }  // namespace
@@ -45,17 +65,12 @@ OdString renameInText(const OdString& text, const OdString& oldName, const OdStr
   std::vector<Mention> mentions;
   Diagnostic diagnostic;
   if (!listNames(text, mentions, diagnostic)) return text;
-  OdString renamed;
-  int copied = 0;
-  for (const Mention& mention : mentions) {
-    if (!odStrIEqual(mention.name, oldName)) continue;
-    const int begin = mention.column - 1;
-    renamed += text.mid(copied, begin - copied);
-    if (isSlashBefore(text, begin) && isUnitText(newName)) renamed += ' ';
-    renamed += newName;
-    copied = begin + mention.name.getLength();
-  }
-  return copied == 0 ? text : renamed + text.mid(copied);
+  const OdString plain = replaced(text, mentions, oldName, newName, Slashes::kAsWritten);
+  const bool hasSlash = std::ranges::any_of(mentions, [&](const Mention& mention) {
+    return isSlashBefore(text, mention.column - 1) && odStrIEqual(mention.name, oldName);
+  });
+  if (!hasSlash || !hasLostMentions(plain, mentions)) return plain;
+  return replaced(text, mentions, oldName, newName, Slashes::kSpaced);
 }
 
 bool checkName(const OdString& name, Diagnostic& diagnostic) {

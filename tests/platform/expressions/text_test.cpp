@@ -174,7 +174,8 @@ TEST(ExpressionText, RenamingChangesTheMentionsAndNothingElse) {
       {L"\u4e2d\u6587+width\u00e4", L"\u4e2d\u6587+width\u00e4"},
   };
   for (const auto& row : rows) EXPECT_EQ(renameInText(row[0], "wIdTh", "B"), OdString(row[1]));
-  EXPECT_EQ(renameInText("2 mm/width + 1/width", "width", "s"), "2 mm/ s + 1/ s");
+  EXPECT_EQ(renameInText("2 mm/width + 1", "width", "s"), "2 mm/ s + 1");
+  EXPECT_EQ(renameInText("1/width", "width", "s"), "1/s");
   // A unit and the name of a function or a constant are no mentions.
   EXPECT_EQ(renameInText("2 mm + mm", "mm", "x"), "2 mm + x");
   EXPECT_EQ(renameInText("min(min, 1) + 5 min", "min", "x"), "min(x, 1) + 5 min");
