@@ -90,9 +90,9 @@ std::vector<FuzzInput> fuzzCorpus() {
       R"({"type": "map", "key": "string", "of": "bool", "value": {"a": true}})",
       "\xc3\xa4\xe2\x82\xac\xf0\x9f\x92\x96"};
   std::vector<FuzzInput> corpus;
-  for (std::uint8_t reader = 0; reader < std::size(kReaders); ++reader) {
+  for (std::size_t reader = 0; reader < std::size(kReaders); ++reader) {
     for (const std::string& word : words) {
-      FuzzInput input{reader};
+      FuzzInput input{static_cast<std::uint8_t>(reader)};
       input.insert(input.end(), word.begin(), word.end());
       corpus.push_back(input);
     }

@@ -105,7 +105,6 @@ constexpr ClassRow kClassRows[] = {
     rowOf<VdmTrackingFeature>(),
     rowOf<VdmDraftingGroupFeature>(),
     rowOf<VdmUpdateFeatureInterface>(),
-    rowOf<VdmSimpleFeatureInterface>(),
     rowOf<VdmDbAssemblyPE>(),
     rowOf<VdmAssocVariableExt>(),
     rowOf<VdmCVUnitInterface>(),
@@ -117,6 +116,8 @@ constexpr ClassRow kClassRows[] = {
     rowOf<vdm_assoc::EntityAssocAttribute>(),
     rowOf<VdmDbTrailingLinePE>(),
     rowOf<vdmu::AssocVariableCloningWatcher>(),
+    // The order of those above is fixed; what is added comes after them.
+    rowOf<VdmSimpleFeatureInterface>(),
 };
 
 bool isOfTable(const OdRxClass* rxClass) {

@@ -95,8 +95,6 @@ const std::vector<ClassRow> kClassRows = {
      true, L"", L""},
     {[] { return VdmUpdateFeatureInterface::desc(); }, L"VdmUpdateFeatureInterface",
      L"VdmFeaturePE", false, L"", L""},
-    {[] { return VdmSimpleFeatureInterface::desc(); }, L"VdmSimpleFeatureInterface",
-     L"VdmUpdateFeatureInterface", false, L"", L""},
     {[] { return VdmDbAssemblyPE::desc(); }, L"VdmDbAssemblyPE", L"OdRxObject", false, L"", L""},
     {[] { return VdmAssocVariableExt::desc(); }, L"VdmAssocVariableExt", L"OdRxObject", true, L"",
      L""},
@@ -117,6 +115,8 @@ const std::vector<ClassRow> kClassRows = {
      L""},
     {[] { return vdmu::AssocVariableCloningWatcher::desc(); }, L"vdmu::AssocVariableCloningWatcher",
      L"OdDbDatabaseReactor", true, L"", L""},
+    {[] { return VdmSimpleFeatureInterface::desc(); }, L"VdmSimpleFeatureInterface",
+     L"VdmUpdateFeatureInterface", false, L"", L""},
 };
 
 std::vector<OdRxClass*> registered() {
