@@ -81,7 +81,7 @@ TEST_F(VdmDbLayerHelperTest, NewLayersTakeOverWhatOlderOnesHad) {
   for (const auto& [type, name, inherits] : rows) {
     SCOPED_TRACE(type);
     OdDbObjectId made;
-    expectUndoable([&] { made = getLayer(type, name); });
+    expectUndoable([this, &made, t = type, n = name] { made = getLayer(t, n); });
     EXPECT_TRUE(m_created);
     EXPECT_EQ(settingsOf(made), inherits ? kOldSettings : kNewSettings);
     edit<OdDbLayerTableRecord>(made)->setColor(OdCmColor::fromIndex(9));

@@ -19,18 +19,18 @@ class VdmDbSheetMetalVariable : public SheetMetalTest {
       : m_feature(edit<VdmDbFeatureManager>(sheet()->featureManager())
                       ->createFeatureData(VdmFeature::desc(), L"F", false, false)) {}
 
-  OdDbObjectId link() const { return editSheet()->getThicknessParameter(/*create=*/true); }
+  OdDbObjectId link() { return editSheet()->getThicknessParameter(/*create=*/true); }
   [[nodiscard]] OdDbObjectId variable() const { return sheet()->getThicknessParameter(); }
-  OdResult setVariable(const OdString& expression) const {
+  OdResult setVariable(const OdString& expression) {
     return edit<OdDbAssocVariable>(variable())->setExpression(expression);
   }
-  OdResult setOption(double v) const { return editSheet()->optionForWriteThickness().setValue(v); }
+  OdResult setOption(double v) { return editSheet()->optionForWriteThickness().setValue(v); }
   [[nodiscard]] double thickness() const { return std::get<double>(values().at("Thickness")); }
   [[nodiscard]] double driven() const {
     return vdmu::getValueAsDouble(open<OdDbAssocVariable>(variable()).get());
   }
   // Whether the feature became due since the last question.
-  bool isDue() const {
+  bool isDue() {
     const VdmFeaturePtr feature = m_feature.openAs<VdmFeature>(OdDb::kForWrite);
     const bool due = (feature->getStatus() & VdmFeature::StatusNotifyEntities) != 0;
     feature->setStatus(VdmFeature::StatusInitialized);
