@@ -101,6 +101,12 @@ void OdDbAssocAction::subExistenceChanged() {
   if (owner->m_actionGraph) owner->m_actionGraph->noteListChanged();
 }
 
+// Dependencies on the action name what has its id now.
+void OdDbAssocAction::subIdSwapped() {
+  OdDbObject::subIdSwapped();
+  if (m_graph != nullptr) m_graph->noteSwapped();
+}
+
 // Dependencies.
 
 OdResult OdDbAssocAction::getDependencies(bool readDependencies, bool writeDependencies,

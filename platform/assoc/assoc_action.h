@@ -57,6 +57,7 @@ class OdDbAssocAction : public OdDbObject {
                                bool isPrimary) const override;
   void applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) override;
   void subExistenceChanged() override;
+  void subIdSwapped() override;
   void audit(OdDbAuditInfo* info) override;
   [[nodiscard]] bool hasStateOutsideFile() const override { return m_graph != nullptr; }
 

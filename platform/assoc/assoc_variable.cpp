@@ -186,8 +186,7 @@ void OdDbAssocVariable::takeFreeName(const OdDbAssocNetwork& network) {
 // Expressions.
 
 // Outside of a network there are no names.
-OdResult OdDbAssocVariable::defineAlone(const OdString& text,
-                                        OdDbAssocGraph::Definition& definition,
+OdResult OdDbAssocVariable::defineAlone(const OdString& text, OdDbAssocDefinition& definition,
                                         OdString& error) const {
   if (text.isEmpty()) return eOk;
   OdExpression::EmptyScope scope;
@@ -206,7 +205,7 @@ OdResult OdDbAssocVariable::setExpression(const OdString& expression, const OdSt
   OdDbAssocGraph* network = graph();
   const bool isBroken = network != nullptr && network->isBroken(m_node);
   if (expression == m_expression && evaluatorId == m_evaluatorId && !isBroken) return eOk;
-  OdDbAssocGraph::Definition definition;
+  OdDbAssocDefinition definition;
   OdString error;
   const OdResult result = network == nullptr
                               ? defineAlone(expression, definition, error)
@@ -219,8 +218,7 @@ OdResult OdDbAssocVariable::setExpression(const OdString& expression, const OdSt
 }
 
 // The definition is checked; the object and then the graph take it.
-void OdDbAssocVariable::takeExpression(const OdString& text,
-                                       OdDbAssocGraph::Definition&& definition) {
+void OdDbAssocVariable::takeExpression(const OdString& text, OdDbAssocDefinition&& definition) {
   assertWriteEnabled();
   const OdDb::DwgDataType oldType = m_type;
   const double oldNumber = number();
@@ -286,7 +284,7 @@ OdResult OdDbAssocVariable::setValue(const OdDbEvalVariant* value) {
   const double newNumber = value->getAsDouble();
   if (type == OdDb::kDwgNull || !std::isfinite(newNumber)) return eInvalidInput;
   OdDbAssocGraph* network = graph();
-  OdDbAssocGraph::Definition plain;
+  OdDbAssocDefinition plain;
   if (network != nullptr) {
     const bool isUsed = !network->outputs(m_node).empty();
     if (!network->inputs(m_node).empty() || network->isBroken(m_node)) return eInvalidInput;

@@ -1,11 +1,13 @@
 // OdDbAssocVariable: a named value, or an expression over other variables.
 #pragma once
 
+#include <vector>
+
 #include "platform/assoc/assoc_action.h"
 #include "platform/assoc/eval_variant.h"
-#include "platform/assoc/network_graph.h"
 
 class OdDbAssocNetwork;
+struct OdDbAssocDefinition;
 class OdDbAssocVariable;
 using OdDbAssocVariablePtr = OdSmartPtr<OdDbAssocVariable>;
 
@@ -78,9 +80,9 @@ class OdDbAssocVariable : public OdDbAssocAction {
 
   void takeFreeName(const OdDbAssocNetwork& network);
   [[nodiscard]] OdResult checkNewName(const OdString& name, OdString& error) const;
-  void takeExpression(const OdString& text, OdDbAssocGraph::Definition&& definition);
-  std::vector<OdDbIdRecord*> syncDependencies(const std::vector<OdDbAssocGraph::Index>& inputs);
-  OdResult defineAlone(const OdString& text, OdDbAssocGraph::Definition& definition,
+  void takeExpression(const OdString& text, OdDbAssocDefinition&& definition);
+  std::vector<OdDbIdRecord*> syncDependencies(const std::vector<OdUInt32>& inputs);
+  OdResult defineAlone(const OdString& text, OdDbAssocDefinition& definition,
                        OdString& error) const;
   void renameInReaders(const OdString& oldName, const OdString& newName, bool follow);
   void dropDependency(const OdDbObjectId& dependency);

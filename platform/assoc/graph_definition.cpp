@@ -136,10 +136,16 @@ OdString OdDbAssocGraph::faultOf(Index node) {
   if (!m_nodes[node].has(kFormula) || presentUnit() != m_network->m_lengthUnit) return OdString();
   compileNeeded(node);
   if (!m_nodes[node].has(kBroken)) return OdString();
-  Definition definition;
+  OdDbAssocDefinition definition;
   OdString error;
-  const OdResult result = define(node, variable(node)->m_expression, definition, error);
-  return result == eOk ? OdString(L"its dependencies are not those of its expression") : error;
+  if (define(node, variable(node)->m_expression, definition, error) != eOk) return error;
+  if (m_isRetryDue) return OdString();  // the next evaluation links it
+  OdString names;
+  for (const Input& input : m_nodes[node].inputs) {
+    names += (names.isEmpty() ? OdString() : OdString(L", ")) + variable(input.node)->m_name;
+  }
+  return names.isEmpty() ? OdString(L"it has no dependencies")
+                         : L"its dependencies are on " + names;
 }
 
 // ---- Checking
@@ -153,7 +159,7 @@ OdString OdDbAssocGraph::cycleText(Index node, const std::vector<Index>& cycle) 
   return text;
 }
 
-OdResult OdDbAssocGraph::define(Index node, const OdString& text, Definition& definition,
+OdResult OdDbAssocGraph::define(Index node, const OdString& text, OdDbAssocDefinition& definition,
                                 OdString& error) {
   checkUnits();
   settle();
@@ -186,7 +192,8 @@ OdResult OdDbAssocGraph::define(Index node, const OdString& text, Definition& de
 }
 
 // What depends on the variable is compiled anew while dimensions change, definitions first.
-OdResult OdDbAssocGraph::recompileDependents(Index node, Definition& definition, OdString& error) {
+OdResult OdDbAssocGraph::recompileDependents(Index node, OdDbAssocDefinition& definition,
+                                             OdString& error) {
   compileNeeded(node);
   if (m_nodes[node].outputs.empty() || definition.program.dimension() == dimensionOf(node)) {
     return eOk;
@@ -235,7 +242,7 @@ OdResult OdDbAssocGraph::recompileDependents(Index node, Definition& definition,
 
 // ---- Putting in place
 
-void OdDbAssocGraph::adopt(Index node, Definition&& definition,
+void OdDbAssocGraph::adopt(Index node, OdDbAssocDefinition&& definition,
                            const std::vector<OdDbIdRecord*>& dependencies) {
   unlinkInputs(node);
   m_nodes[node].inputs.reserve(dependencies.size());
@@ -253,6 +260,7 @@ void OdDbAssocGraph::adopt(Index node, Definition&& definition,
     m_nodes[reader].set(kCompiled);
   }
   mirrorStatus(node);
+  if (!m_broken.empty()) m_isRetryDue = true;
   // Marked nodes are listed in an order that the new edges may not keep.
   if (m_numDirty > 0) m_marksStale = true;
 }
@@ -281,7 +289,7 @@ void OdDbAssocGraph::retryBroken() {
   const std::vector<Index> broken = m_broken;
   for (const Index node : broken) {
     if (!m_nodes[node].has(kBroken) || !m_nodes[node].has(kVariable)) continue;
-    Definition definition;
+    OdDbAssocDefinition definition;
     OdString error;
     const OdString text = variable(node)->m_expression;
     if (define(node, text, definition, error) != eOk) continue;
@@ -289,4 +297,5 @@ void OdDbAssocGraph::retryBroken() {
     const OdDbOpenUpgrade upgrade(healed);
     healed->takeExpression(text, std::move(definition));
   }
+  std::erase_if(m_broken, [this](Index node) { return !m_nodes[node].has(kBroken); });
 }

@@ -49,6 +49,13 @@ void OdDbAssocGraph::noteStatusChanged(Index node) {
   m_marksStale = true;
 }
 
+void OdDbAssocGraph::noteSwapped() {
+  m_listStale = true;
+  for (Index node = 0; node < m_nodes.size(); ++node) {
+    if (m_nodes[node].action != nullptr) enqueue(node);
+  }
+}
+
 void OdDbAssocGraph::forget(Index node) { detach(node); }
 
 void OdDbAssocGraph::enqueue(Index node) {
@@ -94,7 +101,10 @@ void OdDbAssocGraph::syncList() {
   m_values.reserve(listed.size());
   for (const OdDbObjectId& id : listed) {
     const OdDbAssocActionPtr action = openListed(id);
-    if (!action.isNull()) m_nodes[nodeOf(action.get())].visit = visit;
+    if (action.isNull()) continue;
+    Node& node = m_nodes[nodeOf(action.get())];
+    node.visit = visit;
+    node.id = id.idRecord();
   }
   for (Index node = 0; node < m_nodes.size(); ++node) {
     if (m_nodes[node].action != nullptr && m_nodes[node].visit != visit) detach(node);
@@ -271,6 +281,17 @@ void OdDbAssocGraph::relinkQueued() {
   }
   if (isBulk) renumber();
   m_marksStale = true;
+  for (const Index node : m_broken) m_isRetryDue = m_isRetryDue || hasItsNames(node);
+}
+
+// The names of a broken expression are there: it may link if it is set again.
+bool OdDbAssocGraph::hasItsNames(Index node) const {
+  if (!m_nodes[node].has(kVariable)) return false;
+  std::vector<OdExpression::Mention> mentions;
+  OdExpression::Diagnostic diagnostic;
+  if (!OdExpression::listNames(variable(node)->m_expression, mentions, diagnostic)) return false;
+  return std::all_of(mentions.begin(), mentions.end(),
+                     [this](const auto& mention) { return nodeNamed(mention.name) != kNone; });
 }
 
 OdDbAssocVariable* OdDbAssocGraph::asVariable(const OdDbObjectId& id, Index& node) const {

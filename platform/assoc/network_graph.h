@@ -34,6 +34,15 @@ class OdDbAssocEvaluationCallback;
 class OdDbAssocNetwork;
 class OdDbAssocVariable;
 
+/// An expression that was checked and may be put in place; nodes are indices of the graph.
+struct OdDbAssocDefinition {
+  OdExpression::Program program;
+  std::vector<OdUInt32> inputs;  ///< each once, in order of mention
+  std::vector<std::pair<OdUInt32, OdExpression::Program>> recompiled;  ///< what depends on it
+  double value = 0.0;
+  bool hasValue = false;
+};
+
 class OdDbAssocGraph {
  public:
   using Index = OdUInt32;
@@ -50,15 +59,6 @@ class OdDbAssocGraph {
     Index node;      ///< what reads the variable
     OdUInt32 input;  ///< of the edge among its inputs
   };
-  /// An expression that was checked and may be put in place.
-  struct Definition {
-    OdExpression::Program program;
-    std::vector<Index> inputs;  ///< each once, in order of mention
-    std::vector<std::pair<Index, OdExpression::Program>> recompiled;  ///< what depends on it
-    double value = 0.0;
-    bool hasValue = false;
-  };
-
   explicit OdDbAssocGraph(OdDbAssocNetwork* network) : m_network(network) {}
   ~OdDbAssocGraph();
   OdDbAssocGraph(const OdDbAssocGraph&) = delete;
@@ -69,6 +69,8 @@ class OdDbAssocGraph {
   /// One action was entered in the list, or removed from it.
   void noteListed(const OdDbObjectId& action, bool listed);
   void noteChanged(Index node);
+  /// Actions have exchanged their ids: every link is made again.
+  void noteSwapped();
   void noteStatusChanged(Index node);
   /// The object leaves memory.
   void forget(Index node);
@@ -106,9 +108,11 @@ class OdDbAssocGraph {
   // Edits.
   /// Checks an expression for a variable: names, dimensions, cycles, and the dimensions of what
   /// depends on it. Changes nothing. `error` says what is wrong.
-  OdResult define(Index node, const OdString& text, Definition& definition, OdString& error);
+  OdResult define(Index node, const OdString& text, OdDbAssocDefinition& definition,
+                  OdString& error);
   /// Puts it in place after the objects; `dependencies` are those of definition.inputs, in order.
-  void adopt(Index node, Definition&& definition, const std::vector<OdDbIdRecord*>& dependencies);
+  void adopt(Index node, OdDbAssocDefinition&& definition,
+             const std::vector<OdDbIdRecord*>& dependencies);
   /// The value was set, with the expression as it is.
   void valueEdited(Index node, bool isSame);
   /// Around a change of a variable's name.
@@ -182,6 +186,7 @@ class OdDbAssocGraph {
   void putName(Index node);
   void dropName(Index node);
   void breakNode(Index node);
+  [[nodiscard]] bool hasItsNames(Index node) const;
   void mirrorStatus(Index node);
   OdDbAssocVariable* asVariable(const OdDbObjectId& id, Index& node) const;
   static void followNames(OdDbAssocVariable* variable,
@@ -197,7 +202,7 @@ class OdDbAssocGraph {
   void compileNeeded(Index node);
   bool compileNode(Index node);
   [[nodiscard]] OdExpression::Dimension dimensionOf(Index node) const;
-  OdResult recompileDependents(Index node, Definition& definition, OdString& error);
+  OdResult recompileDependents(Index node, OdDbAssocDefinition& definition, OdString& error);
   [[nodiscard]] OdString cycleText(Index node, const std::vector<Index>& cycle) const;
   [[nodiscard]] bool hasBadInput(const Node& node) const;
   void retryBroken();
@@ -230,6 +235,6 @@ class OdDbAssocGraph {
   bool m_listStale = true;
   bool m_marksStale = false;
   bool m_isSettling = false;
-  bool m_isRetryDue = false;  ///< names were added since broken expressions were last tried
+  bool m_isRetryDue = false;  ///< broken expressions may link, since something was changed
   bool m_hasDoubleNames = false;
 };

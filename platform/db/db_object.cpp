@@ -239,6 +239,7 @@ void OdDbObject::addPersistentReactor(const OdDbObjectId& reactor) {
 void OdDbObject::removePersistentReactor(const OdDbObjectId& reactor) {
   if (!hasPersistentReactor(reactor)) return;
   assertWriteEnabled();
+  if (!m_extra) return;  // a reactor that a derived class knows by other means
   std::erase_if(m_extra->reactors,
                 [&reactor](const auto& entry) { return entry.persistent == reactor.idRecord(); });
 }

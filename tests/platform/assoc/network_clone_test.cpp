@@ -89,6 +89,30 @@ TEST_F(NetworkClone, VariablesComeWithTheirDefinitionsUnderFreeNames) {
   expectSound(source);
 }
 
+TEST_F(NetworkClone, ExchangedIdsTakeTheirLinksAlong) {
+  const OdDbObjectId other = networkOf(addBlock(drawing, L"other"));
+  const OdDbObjectId a = add(L"a", L"2");
+  const OdDbObjectId b = add(L"b", L"a + 1");
+  const OdDbObjectId c = add(other, L"a", L"5");
+  const OdDbObjectId d = add(other, L"d", L"a + 1");
+  ASSERT_EQ(evaluate(), eOk);
+  ASSERT_EQ(evaluate(other), eOk);
+  drawing->startUndoRecord();
+  edit<OdDbAssocVariable>(a)->swapIdWith(c);
+  EXPECT_DOUBLE_EQ(value(a), 5.0);
+  expectSound(network);
+  expectSound(other);
+  EXPECT_EQ(setValue(a, 7), eOk);
+  ASSERT_EQ(evaluate(), eOk);
+  EXPECT_DOUBLE_EQ(value(b), 8.0);
+  ASSERT_EQ(drawing->undo(), eOk);
+  EXPECT_DOUBLE_EQ(value(a), 2.0);
+  EXPECT_EQ(setValue(c, 10), eOk);
+  ASSERT_EQ(evaluate(other), eOk);
+  EXPECT_DOUBLE_EQ(value(d), 11.0);
+  EXPECT_DOUBLE_EQ(value(b), 3.0);
+}
+
 TEST_F(NetworkClone, OtherDrawingsGetDefinitionsOfAnyDepth) {
   OdDbObjectId last = add(L"v0", L"1 mm");
   for (int i = 1; i < 20000; ++i) {
