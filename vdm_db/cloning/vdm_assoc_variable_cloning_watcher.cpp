@@ -67,10 +67,11 @@ void AssocVariableCloningWatcher::populateFromMap(OdDbIdMapping& mapping) {
 OdDbObjectIdArray AssocVariableCloningWatcher::getClonedWithMasterVars(
     OdDbIdMapping& mapping) const {
   OdDbObjectIdArray clones;
+  std::unordered_set<OdDbObjectId, OdDbObjectIdHash> seen;
   for (const OdDbObjectId& master : m_masters) {
     const OdDbObjectId clone = findClone(mapping, master);
     const bool isVariable = clone.objectClass() == OdDbAssocVariable::desc();
-    if (isVariable && !clones.contains(clone)) clones.append(clone);
+    if (isVariable && seen.insert(clone).second) clones.append(clone);
   }
   OdDbObjectIdArray made;
   for (const OdDbObjectId& id : getDefiningVariables(clones)) {

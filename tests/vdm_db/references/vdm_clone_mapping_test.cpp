@@ -88,7 +88,14 @@ void VdmCloneMappingTest::playTree(const Pick& pick, std::size_t& numMapped,
   std::set<OdDbObjectId> changed;
   for (const OdDbObjectId& block : blocks) {
     if (inTarget(block).isNull() || pick(3) != 0) continue;
-    addMark(inTarget(block));  // not the same block any more
+    // Not the same block any more: one of its lines is elsewhere, or it has one more.
+    const OdDbObjectIdArray entities = entitiesOf(inTarget(block));
+    const OdDbLinePtr line = OdDbLine::cast(entities[0].openObject(OdDb::kForWrite));
+    if (!line.isNull() && pick(2) == 0) {
+      line->setStartPoint(OdGePoint3d(0, 99, 0));
+    } else {
+      addMark(inTarget(block));
+    }
     changed.insert(block);
   }
   write(second);
