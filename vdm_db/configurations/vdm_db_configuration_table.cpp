@@ -237,6 +237,13 @@ OdResult VdmDbConfigurationTable::determineConfigIndex(const RowMap& required,
   return rows.isEmpty() ? kVdmNotFound : eOk;
 }
 
+std::size_t VdmDbConfigurationTable::approximateSize() const {
+  constexpr std::size_t kTextSize = 40;  // a pointer and a buffer of a short text
+  const std::size_t texts = m_cells.texts.size() + m_cells.keys.size() + m_cells.columns();
+  return OdDbObject::approximateSize() + sizeof(*this) + texts * kTextSize +
+         m_cells.numbers.size() * sizeof(double);
+}
+
 // ---- Filing: the base's part, then the bag
 
 OdResult VdmDbConfigurationTable::dwgInFields(OdDbDwgFiler* filer) {

@@ -114,6 +114,7 @@ class VDM_DB_EXPORT VdmDbConfigurationTable : public OdDbObject {
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
   void applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) override;
+  [[nodiscard]] std::size_t approximateSize() const override;
 
  private:
   void contentChanged();

@@ -23,7 +23,8 @@ class VdmConfigurationFeatureTest : public ConfigurationTest {};
 TEST_F(VdmConfigurationFeatureTest, LoadingLinksVariablesByNameAndSelectsWhatFits) {
   const OdDbObjectId width = addVariable(L"WIDTH", 20);
   const OdDbObjectId taken = addVariable(L"Config", 7);
-  ASSERT_EQ(loadSheet(kSheet), eOk);
+  expectUndoable(
+      *m_drawing, [this] { return wholeState(); }, [this] { EXPECT_EQ(loadSheet(kSheet), eOk); });
   EXPECT_EQ(state(), "Large: Config_1=Large WIDTH=20 Height=2 Material=Iron");
   EXPECT_EQ(numberOf(taken), 7);
   EXPECT_EQ(feature()->keyVariable(), variable(L"Config_1"));
@@ -52,6 +53,20 @@ TEST_F(VdmConfigurationFeatureTest, WithoutAFittingRowTheFreeConfigurationIsSele
   EXPECT_EQ(state(), "Custom: Config=Custom Width=12");
   EXPECT_EQ(setNumber(variable(L"Width"), 5), eOk);
   EXPECT_EQ(edit()->setConfiguration(L"Small"), 5);
+}
+
+// A lone column of numbers: the configurations are the numbers, and no variable shows their names.
+TEST_F(VdmConfigurationFeatureTest, AColumnWithoutKeysSelectsByItsValues) {
+  ASSERT_EQ(loadSheet({{"Width"}, {"10"}, {"20"}}, true, /*promote=*/true), eOk);
+  EXPECT_EQ(state(), "10: Width=10");
+  EXPECT_EQ(setNumber(variable(L"Width"), 20), eOk);
+  EXPECT_EQ(state(), "20: Width=20");
+  EXPECT_EQ(setNumber(variable(L"Width"), 15), eOk);
+  EXPECT_EQ(state(), "Custom: Width=15");
+  EXPECT_EQ(edit()->setConfiguration(L"10"), 4);
+  EXPECT_EQ(feature()->generateConfigurationName(), L"Width_3");
+  EXPECT_EQ(edit()->saveConfiguration(L"15"), eOk);
+  EXPECT_EQ(state(), "15: Width=15");
 }
 
 TEST_F(VdmConfigurationFeatureTest, ColumnsAreLinkedOneByOne) {
