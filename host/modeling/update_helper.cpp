@@ -60,7 +60,8 @@ FeatureHandler* UpdateHelper::handlerOf(const OdDbObjectId& feature) {
   if (make == nullptr) return nullptr;
   const auto known = std::ranges::find(m_handlers, make, &HandlerRow::make);
   if (known != m_handlers.end()) return known->handler.get();
-  return m_handlers.emplace_back(make, make(*this)).handler.get();
+  m_handlers.push_back({make, make(*this)});
+  return m_handlers.back().handler.get();
 }
 
 bool UpdateHelper::getMatchingFaces(VdmUpdateFeatureInterface* /*updateInterface*/,

@@ -39,7 +39,6 @@ constexpr Label kBackground = 0;
 struct Corner {
   int x = 0;
   int y = 0;
-  friend bool operator==(const Corner&, const Corner&) = default;
   friend auto operator<=>(const Corner&, const Corner&) = default;
 };
 

@@ -1,6 +1,8 @@
 // A solid body as the drawing runtime sees it.
 #include "platform/modeler/body.h"
 
+#include <type_traits>
+
 OdUInt32 OdModelerBody::numSubents(OdModelerSubentType type) const {
   switch (type) {
     case OdModelerSubentType::kFace:
@@ -40,7 +42,8 @@ std::size_t OdModelerBody::displayMeshSize() const {
              face.triangles.size() * sizeof(face.triangles[0]);
   }
   for (const auto& edge : m_displayMesh->edges) {
-    bytes += sizeof(m_displayMesh->edges[0]) + edge.size() * sizeof(OdGePoint3d);
+    using Edge = std::remove_cvref_t<decltype(edge)>;
+    bytes += sizeof(Edge) + edge.size() * sizeof(OdGePoint3d);
   }
   return bytes;
 }
