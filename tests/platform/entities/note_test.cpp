@@ -4,7 +4,9 @@
 #include <numbers>
 
 #include "platform/base/error.h"
+#include "platform/cloning/id_mapping.h"
 #include "platform/db/dim_style_table.h"
+#include "platform/db/text_style_table.h"
 #include "platform/entities/angular_dimension.h"
 #include "platform/entities/linear_dimension.h"
 #include "platform/entities/mtext.h"
@@ -151,6 +153,36 @@ TEST_F(NoteTest, DimensionsMeasureAndShowWhatTheirStyleSays) {
   EXPECT_EQ(along->formatMeasurement(), OdString(L"50 mm")) << "no style is the standard one";
   along->setDimensionStyle(id);
   EXPECT_EQ(along->formatMeasurement(), OdString(L"5\\S+0,1^-0,25; cm"));
+}
+
+// Copies in another drawing use a style of their own there, or that drawing's of the same name.
+TEST_F(NoteTest, StylesComeAlongIntoOtherDrawings) {
+  const auto table = edit<OdDbTextStyleTable>(m_drawing->getTextStyleTableId());
+  const OdDbTextStyleTableRecordPtr style = OdDbTextStyleTableRecord::createObject();
+  style->setName(L"NARROW");
+  style->setXScale(0.5);
+  const OdDbObjectId narrow = table->add(style);
+  OdDbObjectIdArray ids;
+  for (const OdDbObjectId& used : {narrow, table->getAt(L"Standard")}) {
+    const OdDbTextPtr text = OdDbText::createObject();
+    text->setTextString(L"T");
+    text->setTextStyle(used);
+    ids.append(addTo(m_drawing->getModelSpaceId(), text));
+  }
+  const OdDbDatabasePtr other = m_host.createDatabase();
+  const OdDbIdMappingPtr mapping = OdDbIdMapping::createObject();
+  ASSERT_EQ(
+      m_drawing->wblockCloneObjects(ids, other->getModelSpaceId(), *mapping, OdDb::kDrcIgnore),
+      eOk);
+  const auto styleOf = [&](OdUInt32 index) {
+    OdDbIdPair pair(ids[index]);
+    EXPECT_TRUE(mapping->compute(pair));
+    return open<OdDbText>(pair.value())->textStyle();
+  };
+  const auto there = open<OdDbTextStyleTable>(other->getTextStyleTableId());
+  EXPECT_EQ(styleOf(0), there->getAt(L"NARROW"));
+  EXPECT_EQ(open<OdDbTextStyleTableRecord>(styleOf(0))->xScale(), 0.5);
+  EXPECT_EQ(styleOf(1), there->getAt(L"Standard"));
 }
 
 // The parts of a dimension cover what it draws, its arrowheads as widening segments.
