@@ -341,9 +341,10 @@ void FaceBuilder::noteOnSeam(const Part& part, double tolerance) {
 
 void FaceBuilder::orderVertices() {
   std::ranges::stable_sort(m_onSeam, {}, &VertexOnSeam::v);
-  const auto rest = std::ranges::unique(
-      m_onSeam, [](const auto& a, const auto& b) { return a.vertex.IsSame(b.vertex); });
-  m_onSeam.erase(rest.begin(), rest.end());
+  const auto rest = std::unique(m_onSeam.begin(), m_onSeam.end(), [](const auto& a, const auto& b) {
+    return a.vertex.IsSame(b.vertex);
+  });
+  m_onSeam.erase(rest, m_onSeam.end());
 }
 
 // Stretches that the boundary runs along are edges of the face already. For the others the middle
@@ -457,9 +458,8 @@ bool hasSeam(const FaceGroup& group, const TopoDS_Face& face) {
 bool rebuildFace(const FaceGroup& group, RebuiltFace& result) {
   if (hasSlit(group)) return false;
   std::vector<TopoDS_Face> faces = group.faces;
-  const auto others = std::ranges::stable_partition(
-      faces, [&](const TopoDS_Face& face) { return hasSeam(group, face); });
-  const auto firstOther = others.begin();
+  const auto firstOther = std::stable_partition(
+      faces.begin(), faces.end(), [&](const TopoDS_Face& face) { return hasSeam(group, face); });
   const TopoDS_Face& first = faces.front();
   const auto works = [&](const TopoDS_Face& reference, double turn, Passing passing) {
     result = {};

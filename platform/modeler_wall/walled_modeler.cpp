@@ -79,7 +79,7 @@ class WalledModeler final : public OdModeler {
   WalledModeler(std::shared_ptr<OdModeler> inner, OdWallSettings settings)
       : m_link(std::make_shared<WallLink>(std::move(inner), std::move(settings))) {}
 
-  OdString name() const override { return m_link->inner().name(); }
+  [[nodiscard]] OdString name() const override { return m_link->inner().name(); }
 
   OdStatus box(double dx, double dy, double dz, OdModelerBodyPtr& result) override {
     return make({Operation::kBox}, result, nullptr, dx, dy, dz);

@@ -32,7 +32,7 @@ std::string firstLines(const std::string& text) {
 
 // ---- The stage
 
-Stage::Stage(fs::path program, fs::path folder)
+Stage::Stage(fs::path program, const fs::path& folder)
     : m_program(std::move(program)), m_originals(folder / "originals"), m_folder(folder / "case") {
   fs::remove_all(folder);
   fs::create_directories(m_originals);

@@ -37,7 +37,7 @@ struct Finding {
 /// Where a case runs: the programs, sound files to start from, and an empty folder of its own.
 class Stage {
  public:
-  Stage(fs::path program, fs::path folder);
+  Stage(fs::path program, const fs::path& folder);
 
   /// Empties the folder for the next case.
   void clear() const;
