@@ -4,8 +4,6 @@
 // one, saves then, or is refused. The answer must be that of the drawing before the save or of the
 // one after it, to the byte.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -13,6 +11,7 @@
 #include <string>
 
 #include "tests/host/cli/script_case.h"
+#include "tests/host/cli/stopped_command.h"
 #include "tests/platform/storage/store_testing.h"
 
 namespace {
@@ -85,40 +84,16 @@ class StoppedReader : public testing::Test {
     fs::copy_file(path(state), path("a.vdm"), fs::copy_options::overwrite_existing);
     for (const char* name : {"out.step", "out.svg"}) fs::remove(path(name));
   }
-  /// Starts the command so that it stops before step `at`; true when it did, false when it ended.
-  bool startAndStop(const ReadingCommand& command, std::size_t at) {
-    m_process = ::fork();
-    if (m_process == 0) {
-      ::setenv("LD_PRELOAD", VDM_STOP_BETWEEN_READS, 1);
-      ::setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
-      ::setenv("VDM_TEST_STOP_FILE", "a.vdm", 1);
-      ::setenv("VDM_TEST_STOP_AT", std::to_string(at).c_str(), 1);
-      ::setenv("VDM_UNSUPERVISED", "1", 1);  // a stop of the child's child would not be seen
-      const std::string line = "cd '" + m_shell.folder().string() + "' && exec vdm " +
-                               command.line + " > '" + path("../stopped.answer") + "'";
-      ::execl("/bin/sh", "sh", "-c", line.c_str(), nullptr);
-      ::_exit(127);
-    }
-    int status = 0;
-    EXPECT_EQ(::waitpid(m_process, &status, WUNTRACED), m_process);
-    if (WIFSTOPPED(status)) return true;
-    m_exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return false;
-  }
-  Answer finish(const ReadingCommand& command, bool isStopped) {
-    if (isStopped) {
-      int status = 0;
-      ::kill(m_process, SIGCONT);
-      EXPECT_EQ(::waitpid(m_process, &status, 0), m_process);
-      m_exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
+  Answer finish(const ReadingCommand& command, StoppedCommand& process) const {
+    const int exitCode = process.finish();
     const std::string written = *command.output == '\0' ? "" : readBytes(path(command.output));
-    return {m_exitCode, readBytes(path("../stopped.answer")), written};
+    return {exitCode, process.output(), written};
   }
   Answer answerOf(const ReadingCommand& command, const char* state) {
     begin(state);
-    EXPECT_FALSE(startAndStop(command, 0));
-    return finish(command, /*isStopped=*/false);
+    StoppedCommand process(m_shell, command.line);
+    EXPECT_FALSE(process.start(0));
+    return finish(command, process);
   }
   /// False when the reader holds the file.
   bool save() {
@@ -133,8 +108,6 @@ class StoppedReader : public testing::Test {
   std::unique_ptr<OdDbRecordStoreFactory> m_factory = makeFactory();
   storetest::Content m_old;
   storetest::Content m_new;
-  pid_t m_process = 0;
-  int m_exitCode = -1;
 };
 
 TEST_F(StoppedReader, AnswersFromOneState) {
@@ -149,9 +122,10 @@ TEST_F(StoppedReader, AnswersFromOneState) {
     std::size_t saves = 0;
     for (std::size_t at = 1;; at += step) {
       begin("old.vdm");
-      const bool isStopped = startAndStop(command, at);
+      StoppedCommand process(m_shell, command.line);
+      const bool isStopped = process.start(at);
       const bool saved = isStopped && save();
-      const Answer answer = finish(command, isStopped);
+      const Answer answer = finish(command, process);
       EXPECT_TRUE(answer == before || (saved && answer == after))
           << "step " << at << ": exit " << answer.exitCode << "\n"
           << answer.text;
