@@ -69,6 +69,10 @@ class MendedDrawing : public testing::Test {
     change(after);
     EXPECT_TRUE(succeeded(saveChanges(*open(), m_sound, after)));
   }
+  static void addCopy(Content& file, std::uint64_t handle) {
+    const storetest::Record copy = file.records.at(handle);
+    file.records.emplace(file.records.rbegin()->first + 1, copy);
+  }
   /// The handle that a list of the command shows for a name.
   std::uint64_t handleOf(const std::string& command) const {
     const Outcome outcome = m_shell.run(command);
@@ -113,6 +117,7 @@ TEST_F(MendedDrawing, EachCodeIsFoundMendedAndSaved) {
     bool isMendable;
     std::function<void(Content&)> change;
     const char* sql = nullptr;
+    const char* command = nullptr;
   };
   const Row rows[] = {
       {"no-objects", true, [](Content& file) { file.records.clear(); }},
@@ -142,14 +147,26 @@ TEST_F(MendedDrawing, EachCodeIsFoundMendedAndSaved) {
        }},
       {"owner-missing", true, [&](Content& file) { file.records.at(insert).owner = kNowhere; }},
       {"owner-wrong", true, [&](Content& file) { file.records.at(insert).owner = block; }},
+      // Copies under other handles: of a solid, of a reference to a
+      // block, and of a dictionary, which comes with what it owns.
+      {"owner-lists-not", true, [&](Content& file) { addCopy(file, kSolid); }},
+      {"block-reference-unlisted", true, [&](Content& file) { addCopy(file, insert); }},
+      {"owner-twice", true,
+       [](Content& file) { addCopy(file, OdDbRootHandles::kNamedObjectsDictionary); }},
+      {"block-reference-stranger", true,
+       [&](Content& file) { file.records.at(insert) = file.records.at(kSolid); }},
       {"feature-incomplete", true, [&](Content& file) { file.records.erase(top); }},
       {"feature-references", true, [&](Content& file) { file.records.erase(bore); }},
       {"component-incomplete", false, [&](Content& file) { file.records.erase(kSolid); }},
+      {"reference-unresolved", false, nullptr, nullptr, "vdm move a.vdm left --by 0,900,0"},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.code);
     damage(row.change ? row.change : [](Content&) {});
     if (row.sql != nullptr) storetest::executeSql(path("a.vdm"), row.sql);
+    if (row.command != nullptr) {
+      EXPECT_EQ(m_shell.run(row.command).exitCode, 3);
+    }
     const std::string before = readBytes(path("a.vdm"));
     const Audit found = audit("");
     EXPECT_EQ(found.exitCode, 3);
