@@ -71,11 +71,13 @@ constexpr Rule kShownUnlisted{L"block-reference-unlisted", L"in the block's list
 constexpr Rule kListedStranger{L"block-reference-stranger", L"a reference to the block",
                                L"no entry"};
 
-/// The objects that every drawing has.
+/// The objects that every drawing has. Drawings of older programs have none of those for styles,
+/// and are sound; a drawing that has some of them has lost the others.
 struct RootRow {
   OdUInt64 handle;
   const wchar_t* name;
   OdRxClass* (*itsClass)();
+  bool isForStyles = false;
 };
 constexpr RootRow kRoots[] = {
     {OdDbRootHandles::kBlockTable, L"block table", &OdDbBlockTable::desc},
@@ -89,11 +91,12 @@ constexpr RootRow kRoots[] = {
     {OdDbRootHandles::kLinetypeByBlock, L"linetype ByBlock", &OdDbLinetypeTableRecord::desc},
     {OdDbRootHandles::kLinetypeByLayer, L"linetype ByLayer", &OdDbLinetypeTableRecord::desc},
     {OdDbRootHandles::kLinetypeContinuous, L"linetype Continuous", &OdDbLinetypeTableRecord::desc},
-    {OdDbRootHandles::kTextStyleTable, L"text style table", &OdDbTextStyleTable::desc},
-    {OdDbRootHandles::kDimStyleTable, L"dimension style table", &OdDbDimStyleTable::desc},
-    {OdDbRootHandles::kTextStyleStandard, L"text style Standard", &OdDbTextStyleTableRecord::desc},
+    {OdDbRootHandles::kTextStyleTable, L"text style table", &OdDbTextStyleTable::desc, true},
+    {OdDbRootHandles::kDimStyleTable, L"dimension style table", &OdDbDimStyleTable::desc, true},
+    {OdDbRootHandles::kTextStyleStandard, L"text style Standard", &OdDbTextStyleTableRecord::desc,
+     true},
     {OdDbRootHandles::kDimStyleStandard, L"dimension style Standard",
-     &OdDbDimStyleTableRecord::desc},
+     &OdDbDimStyleTableRecord::desc, true},
 };
 
 /// One check. The phases run in the order of the functions; what they find is mended at once when
@@ -110,7 +113,8 @@ constexpr RootRow kRoots[] = {
 /// 5. What an object owns names it as its owner; where two list one object the recorded owner keeps
 ///    it.
 /// 6. A block lists exactly the references that show it.
-/// 7. The objects that every drawing has are there, as in a new drawing.
+/// 7. The objects that every drawing has are there, as in a new drawing. Mending adds the styles of
+///    an older drawing.
 /// 8. No object is an owner of itself, over however many owners: one of the cycle is treated as
 ///    lost.
 /// 9. The next handle that the file names is above every handle, and leaves room for more.
@@ -141,7 +145,14 @@ class Audit {
       }
       return;
     }
+    const bool hasStyles =
+        std::any_of(std::begin(kRoots), std::end(kRoots),
+                    [this](const RootRow& row) { return row.isForStyles && isThere(row); });
     for (const RootRow& row : kRoots) {
+      if (row.isForStyles && !hasStyles) {
+        isMissing = isMissing || m_info->fixErrors();
+        continue;
+      }
       const OdDbObjectId id = m_database->getOdDbObjectId(OdDbHandle(row.handle));
       const OdString name = OdString(row.name) + L"(" + OdDbHandle(row.handle).ascii() + L")";
       if (id.isNull() || id.isErased()) {
@@ -154,6 +165,11 @@ class Audit {
     }
     // Content is made around what is there; that must be what it pretends to be.
     if (isMissing && !isWrong) oddbMakeDefaultContent(m_database);
+  }
+
+  bool isThere(const RootRow& row) const {
+    const OdDbObjectId id = m_database->getOdDbObjectId(OdDbHandle(row.handle));
+    return !id.isNull() && !id.isErased();
   }
 
   enum class Walk { kOpen, kAlive, kErased };

@@ -140,6 +140,8 @@ const std::vector<Damage>& damages() {
       {"no-objects", true, nullptr, [](Test&, Content& file) { file.records.clear(); }},
       {"root-missing", true, nullptr,
        [](Test&, Content& file) { file.records.erase(OdDbRootHandles::kModelSpace); }},
+      {"root-missing", true, nullptr,
+       [](Test&, Content& file) { file.records.erase(OdDbRootHandles::kTextStyleStandard); }},
       {"root-wrong", false, nullptr,
        [](Test&, Content& file) {
          recordAt(file, OdDbRootHandles::kPaperSpace) = recordAt(file, OdDbRootHandles::kLayerZero);
@@ -247,6 +249,18 @@ TEST_F(DrawingAuditTest, AGoodDrawingHasNoFindings) {
 }
 
 /// Objects that the file does not hold yet are no fault of the file.
+TEST_F(DrawingAuditTest, ADrawingFromBeforeTheStylesIsSound) {
+  constexpr OdUInt64 kStyles[] = {OdDbRootHandles::kTextStyleTable, OdDbRootHandles::kDimStyleTable,
+                                  OdDbRootHandles::kTextStyleStandard,
+                                  OdDbRootHandles::kDimStyleStandard};
+  reopen({"", true, nullptr, [&kStyles](DrawingAuditTest&, storetest::Content& file) {
+            for (const OdUInt64 handle : kStyles) file.records.erase(handle);
+          }});
+  EXPECT_TRUE(auditDrawing(m_database, AuditMode::kLook).findings.empty());
+  EXPECT_TRUE(auditDrawing(m_database, AuditMode::kFix).findings.empty());
+  EXPECT_FALSE(m_database->getTextStyleTableId().isNull());
+}
+
 TEST_F(DrawingAuditTest, AChangedDrawingHasNoFindings) {
   const OdStatus saved = m_database->saveAs(m_folder.odFile("a.vdm"));
   ASSERT_TRUE(succeeded(saved));
