@@ -59,15 +59,27 @@ function(_vdm_refuse_unknown_arguments name unparsed)
   endif()
 endfunction()
 
+set(vdm_library_options -fno-semantic-interposition -fno-plt)
+
+# Owns the precompiled headers of the libraries.
+if(VDM_PRECOMPILED_HEADERS)
+  add_library(vdm_library_headers OBJECT "${CMAKE_CURRENT_LIST_DIR}/precompiled.cpp")
+  _vdm_configure_target(vdm_library_headers)
+  target_compile_options(vdm_library_headers PRIVATE ${vdm_library_options})
+  _vdm_precompile(vdm_library_headers)
+endif()
+
 # vdm_add_library(<target> ALIAS <namespace::name>
 #                 [OUTPUT_NAME <file>]       whole file name, for a module with its own extension
 #                 [HIDDEN_VISIBILITY]        export only what the code marks
+#                 [PRECOMPILE <header>...]   headers of a precompiled set of its own; without them
+#                                            it shares that of the standard library
 #                 SOURCES <file>... [HEADERS <file>...] [PRIVATE_HEADERS <file>...]
 #                 [PUBLIC_LINKS <target>...] [PRIVATE_LINKS <target>...])
 # One shared library of one folder, installed and exported under its alias.
 function(vdm_add_library target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "HIDDEN_VISIBILITY" "ALIAS;OUTPUT_NAME"
-                        "SOURCES;HEADERS;PRIVATE_HEADERS;PUBLIC_LINKS;PRIVATE_LINKS")
+                        "SOURCES;HEADERS;PRIVATE_HEADERS;PUBLIC_LINKS;PRIVATE_LINKS;PRECOMPILE")
   _vdm_refuse_unknown_arguments("vdm_add_library(${target})" "${arg_UNPARSED_ARGUMENTS}")
   if(NOT arg_ALIAS OR NOT arg_SOURCES)
     message(FATAL_ERROR "vdm_add_library(${target}): ALIAS and SOURCES are required")
@@ -83,9 +95,14 @@ function(vdm_add_library target)
   _vdm_record_headers(${target} ${arg_HEADERS} ${arg_PRIVATE_HEADERS})
 
   # Calls inside one library need no detour through the dynamic linker's tables.
-  target_compile_options(${target} PRIVATE -fno-semantic-interposition -fno-plt)
+  target_compile_options(${target} PRIVATE ${vdm_library_options})
   set_target_properties(${target} PROPERTIES EXPORT_NAME "${arg_ALIAS}")
   _vdm_set_library_path(${target} "$ORIGIN")
+  if(arg_PRECOMPILE)
+    _vdm_precompile(${target} ${arg_PRECOMPILE})
+  else()
+    _vdm_share_precompiled(${target} vdm_library_headers)
+  endif()
   if(arg_HIDDEN_VISIBILITY)
     set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden
                                                VISIBILITY_INLINES_HIDDEN ON)
@@ -129,6 +146,20 @@ set(vdm_test_environment
     "UBSAN_OPTIONS=print_stacktrace=1"
     "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0")
 
+# Tests are small beside the libraries that they call: compiling them faster is worth more than what
+# they would gain from the highest level.
+set(vdm_test_options $<$<CONFIG:Release>:-O1>)
+
+# Owns the precompiled headers of the tests: an object library with the options of an executable.
+if(VDM_PRECOMPILED_HEADERS AND VDM_BUILD_TESTS)
+  add_library(vdm_test_headers OBJECT "${CMAKE_CURRENT_LIST_DIR}/precompiled.cpp")
+  set_target_properties(vdm_test_headers PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+  target_link_libraries(vdm_test_headers PRIVATE GTest::gtest)
+  _vdm_configure_target(vdm_test_headers)
+  target_compile_options(vdm_test_headers PRIVATE -fPIE ${vdm_test_options})
+  _vdm_precompile(vdm_test_headers <filesystem> <fstream> <gtest/gtest.h>)
+endif()
+
 # vdm_add_test(<name> SOURCES <file>... [HEADERS <file>...] [LINKS <target>...]
 #              [LABELS <label>...] [TIMEOUT <seconds>])
 # One GoogleTest executable and one CTest entry of the same name. Label "long" keeps the test out
@@ -142,6 +173,8 @@ function(vdm_add_test name)
 
   vdm_add_executable(${name} SOURCES ${arg_SOURCES} HEADERS ${arg_HEADERS}
                      LINKS ${arg_LINKS} GTest::gmock GTest::gtest GTest::gtest_main)
+  target_compile_options(${name} PRIVATE ${vdm_test_options})
+  _vdm_share_precompiled(${name} vdm_test_headers)
   set_target_properties(${name} PROPERTIES
                         RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests/bin")
   set(work_dir "${PROJECT_BINARY_DIR}/tests/run/${name}")

@@ -5,7 +5,8 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 scripts/setup.sh
-cmake --preset release >/dev/null
+# The compiler of the release preset precompiles headers in a form that clang-tidy cannot read.
+cmake --preset tidy >/dev/null
 
 mapfile -t sources < <(git ls-files -- "${@:-.}" | grep '\.cpp$' | grep -v '^tests/consumer/')
 if ((${#sources[@]} == 0)); then
@@ -16,7 +17,7 @@ log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 code=0
 printf '%s\0' "${sources[@]}" |
-  xargs -0 -P 2 -n 4 clang-tidy -p build/release --quiet >"$log" 2>/dev/null || code=$?
+  xargs -0 -P 2 -n 4 clang-tidy -p build/tidy --quiet --extra-arg=-Wno-unknown-warning-option >"$log" 2>/dev/null || code=$?
 # A finding in a header comes once for each source that includes it.
 grep -E '(warning|error): .*\[' "$log" | sort -u || true
 if ((code != 0)); then

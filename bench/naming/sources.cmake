@@ -1,8 +1,15 @@
-# What the naming benchmark and its tests are built from: all but the program's own main.cpp.
-set(vdm_naming_bench_sources carrier edits exchange families fates index_method judge label_method
-    label_naming plan_bodies plan_carriers reference_drawing reference_method report run
-    shape_relation shapes signature_method stage truth)
-list(TRANSFORM vdm_naming_bench_sources PREPEND ${CMAKE_CURRENT_LIST_DIR}/)
-list(TRANSFORM vdm_naming_bench_sources APPEND .cpp)
-set(vdm_naming_bench_links host::naming nlohmann_json::nlohmann_json occt::ocaf platform::runtime
-    platform::modeler platform::modeler_occt platform::rx vdm::vdm_db)
+# All of the naming benchmark but its main program, once for it, for its tests and for bench/update.
+if(NOT TARGET vdm_naming_bench)
+  set(sources carrier edits exchange families fates index_method judge label_method label_naming
+      plan_bodies plan_carriers reference_drawing reference_method report run shape_relation shapes
+      signature_method stage truth)
+  list(TRANSFORM sources PREPEND ${CMAKE_CURRENT_LIST_DIR}/)
+  list(TRANSFORM sources APPEND .cpp)
+  add_library(vdm_naming_bench STATIC ${sources})
+  target_include_directories(vdm_naming_bench PUBLIC "${PROJECT_SOURCE_DIR}")
+  target_link_libraries(vdm_naming_bench PUBLIC
+                        host::naming nlohmann_json::nlohmann_json occt::ocaf platform::runtime
+                        platform::modeler platform::modeler_occt platform::rx vdm::vdm_db)
+  target_compile_definitions(vdm_naming_bench PRIVATE VDM_MODULE_FILE="$<TARGET_FILE:vdm_db>")
+  _vdm_configure_target(vdm_naming_bench)
+endif()

@@ -1,0 +1,1 @@
+// The source of targets that own nothing but a set of precompiled headers.
