@@ -78,16 +78,32 @@ OdDbAssocStatus OdDbAssocNetwork::status() const {
 
 OdResult OdDbAssocNetwork::evaluate(OdDbAssocEvaluationCallback* callback) {
   assertReadEnabled();
-  return actionGraph().evaluateAll(callback);
+  return actionGraph().evaluateAll(callback, OdDbAssocScope::kAll);
+}
+
+OdResult OdDbAssocNetwork::evaluateValues(OdDbAssocEvaluationCallback* callback) {
+  assertReadEnabled();
+  return actionGraph().evaluateAll(callback, OdDbAssocScope::kValues);
 }
 
 OdResult OdDbAssocNetwork::evaluateFrom(const OdDbObjectId& action,
                                         OdDbAssocEvaluationCallback* callback) {
+  return evaluateFrom(action, callback, OdDbAssocScope::kAll);
+}
+
+OdResult OdDbAssocNetwork::evaluateVariablesFrom(const OdDbObjectId& variable,
+                                                 OdDbAssocEvaluationCallback* callback) {
+  return evaluateFrom(variable, callback, OdDbAssocScope::kVariables);
+}
+
+OdResult OdDbAssocNetwork::evaluateFrom(const OdDbObjectId& action,
+                                        OdDbAssocEvaluationCallback* callback,
+                                        OdDbAssocScope scope) {
   assertReadEnabled();
   OdDbAssocGraph& graph = actionGraph();
   const OdDbAssocActionPtr start = action.openAs<OdDbAssocAction>();
   if (start.isNull() || start->m_graph != &graph) return eKeyNotFound;
-  return graph.evaluateFrom(start->m_node, callback);
+  return graph.evaluateFrom(start->m_node, callback, scope);
 }
 
 // The list.

@@ -6,6 +6,7 @@
 #include "platform/assoc/assoc_action.h"
 
 class OdDbAssocNetwork;
+enum class OdDbAssocScope : int;
 using OdDbAssocNetworkPtr = OdSmartPtr<OdDbAssocNetwork>;
 
 /// A list of actions, owned by the network, which is itself owned by the extension dictionary of an
@@ -22,8 +23,8 @@ class OdDbAssocNetwork : public OdDbAssocAction {
   ~OdDbAssocNetwork() override;
 
   /// The network of an object. Without `createIfDoesNotExist`, or for an object that cannot have
-  /// one, null when there is none. A new network takes part in evaluateTopLevelNetworks() when
-  /// `addToTopLevelNetwork` says so. An object may have several, under different keys.
+  /// one, null when there is none. A new network keeps what `addToTopLevelNetwork` says for hosts.
+  /// An object may have several, under different keys.
   static OdDbObjectId getInstanceFromObject(const OdDbObjectId& owningObject,
                                             bool createIfDoesNotExist,
                                             bool addToTopLevelNetwork = true,
@@ -35,6 +36,11 @@ class OdDbAssocNetwork : public OdDbAssocAction {
   OdResult evaluate(OdDbAssocEvaluationCallback* callback) override;
   /// The same for what depends on one action, and for the action itself.
   OdResult evaluateFrom(const OdDbObjectId& action, OdDbAssocEvaluationCallback* callback);
+  /// evaluate() of the variables and of actions that read one; other actions keep waiting.
+  OdResult evaluateValues(OdDbAssocEvaluationCallback* callback);
+  /// evaluateFrom() of variables alone; a class that derives from theirs does not count as one.
+  OdResult evaluateVariablesFrom(const OdDbObjectId& variable,
+                                 OdDbAssocEvaluationCallback* callback);
 
   /// The actions in the order in which they were added, erased ones left out.
   [[nodiscard]] OdDbObjectIdArray getActions() const;
@@ -64,6 +70,8 @@ class OdDbAssocNetwork : public OdDbAssocAction {
   friend struct OdDbFieldFiling;
   template <class Fields, class Self>
   static void fields(Fields& fields, Self& self);
+  OdResult evaluateFrom(const OdDbObjectId& action, OdDbAssocEvaluationCallback* callback,
+                        OdDbAssocScope scope);
   void changeListed(const OdDbObjectId& action, OdUInt32 place, bool listed);
   void exchangeValues(OdDbDwgFiler* filer);
 

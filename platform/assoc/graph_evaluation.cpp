@@ -192,17 +192,42 @@ void OdDbAssocGraph::finish(Pass& pass, OdDbAssocEvaluationCallback* callback) {
   }
 }
 
-OdResult OdDbAssocGraph::evaluateAll(OdDbAssocEvaluationCallback* callback) {
+bool OdDbAssocGraph::isOfScope(Index index, OdDbAssocScope scope) const {
+  const Node& node = m_nodes[index];
+  const bool isVariable = node.action != nullptr && node.action->isA() == OdDbAssocVariable::desc();
+  switch (scope) {
+    case OdDbAssocScope::kAll:
+      return true;
+    case OdDbAssocScope::kValues:
+      return isVariable || !node.inputs.empty() || node.has(kBroken);
+    case OdDbAssocScope::kVariables:
+      return isVariable;
+  }
+  return false;
+}
+
+// What is outside the scope reads no variable, so it waits for a reason of its own alone.
+OdResult OdDbAssocGraph::evaluateAll(OdDbAssocEvaluationCallback* callback, OdDbAssocScope scope) {
   for (int round = 0; round < kMaxRounds; ++round) {
     const OdResult result = prepare();
     if (result != eOk || m_numDirty == 0) return result;
     Pass pass;
+    std::vector<Index> waiting;
+    bool isAnyDue = false;
     while (!m_dirty.empty()) {
       const Index node = m_dirty.back();
       m_dirty.pop_back();
-      if (m_nodes[node].has(kDirty)) compute(node, pass);
+      if (!m_nodes[node].has(kDirty)) continue;
+      if (isOfScope(node, scope)) {
+        compute(node, pass);
+        isAnyDue = true;
+      } else {
+        waiting.push_back(node);
+      }
     }
-    m_reasons.clear();
+    m_dirty.assign(waiting.rbegin(), waiting.rend());
+    m_reasons = std::move(waiting);
+    if (!isAnyDue) return eOk;
     record(pass);
     finish(pass, callback);
   }
@@ -213,7 +238,8 @@ OdResult OdDbAssocGraph::evaluateNode(Index node, OdDbAssocEvaluationCallback* c
   return evaluateNodes({node}, callback);
 }
 
-OdResult OdDbAssocGraph::evaluateFrom(Index node, OdDbAssocEvaluationCallback* callback) {
+OdResult OdDbAssocGraph::evaluateFrom(Index node, OdDbAssocEvaluationCallback* callback,
+                                      OdDbAssocScope scope) {
   settleMarks();
   std::vector<Index> downstream{node};
   const OdUInt32 visit = nextVisit();
@@ -222,6 +248,7 @@ OdResult OdDbAssocGraph::evaluateFrom(Index node, OdDbAssocEvaluationCallback* c
     for (const Output& output : m_nodes[downstream[i]].outputs) {
       Node& reader = m_nodes[output.node];
       if (reader.visit == visit || !reader.has(kDirty)) continue;
+      if (!isOfScope(output.node, scope)) continue;
       reader.visit = visit;
       downstream.push_back(output.node);
     }

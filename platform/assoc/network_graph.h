@@ -43,6 +43,13 @@ struct OdDbAssocDefinition {
   bool hasValue = false;
 };
 
+/// Which nodes an evaluation takes.
+enum class OdDbAssocScope : int {
+  kAll,
+  kValues,     ///< variables, and actions that read one
+  kVariables,  ///< of no derived class
+};
+
 class OdDbAssocGraph {
  public:
   using Index = OdUInt32;
@@ -121,11 +128,11 @@ class OdDbAssocGraph {
   /// The text mentions the same variables under other names.
   void textChanged(Index node) { m_nodes[node].clear(kCompiled); }
 
-  // Evaluation.
-  OdResult evaluateAll(OdDbAssocEvaluationCallback* callback);
+  // Evaluation. Out-of-date nodes outside the scope keep waiting.
+  OdResult evaluateAll(OdDbAssocEvaluationCallback* callback, OdDbAssocScope scope);
   OdResult evaluateNode(Index node, OdDbAssocEvaluationCallback* callback);
   /// What depends on the node, the node included.
-  OdResult evaluateFrom(Index node, OdDbAssocEvaluationCallback* callback);
+  OdResult evaluateFrom(Index node, OdDbAssocEvaluationCallback* callback, OdDbAssocScope scope);
 
  private:
   enum Flags : OdUInt16 {
@@ -211,6 +218,7 @@ class OdDbAssocGraph {
   void mark(Index node);
   void deriveMarks();
   void clean(Index node);
+  [[nodiscard]] bool isOfScope(Index node, OdDbAssocScope scope) const;
   void storeStatus(Index node, OdDbAssocStatus status, Pass& pass);
   void compute(Index node, Pass& pass);
   void record(const Pass& pass);

@@ -13,7 +13,7 @@ void evaluateVariables(OdDbObjectId owner) {
           .openAs<OdDbAssocNetwork>();
   if (network.isNull() || !oddbIsOutOfDate(network->status())) return;
   const VdmOpenUpgrade upgrade(network);
-  network->evaluate(/*callback=*/nullptr);
+  network->evaluateValues(/*callback=*/nullptr);
 }
 
 void propagateVariableModification(OdDbObjectId id) {
@@ -25,7 +25,7 @@ void propagateVariableModification(OdDbObjectId id) {
   const auto network = owner.openAs<OdDbAssocNetwork>();
   if (network.isNull() || !oddbIsOutOfDate(network->status())) return;
   const VdmOpenUpgrade upgrade(network);
-  network->evaluateFrom(id, /*callback=*/nullptr);
+  network->evaluateVariablesFrom(id, /*callback=*/nullptr);
 }
 
 }  // namespace vdmu

@@ -6,11 +6,12 @@
 
 namespace vdmu {
 
-/// Evaluates what is out of date in the network of an object, each action once, after what it
-/// depends on. A network that is up to date costs nothing; without a network nothing happens.
+/// Evaluates the variables and the actions that read one, as far as they are out of date, in the
+/// network of an object: each once, after what it depends on. A network that is up to date costs
+/// nothing; without a network nothing happens.
 VDM_DB_EXPORT void evaluateVariables(OdDbObjectId owner);
-/// The same for one variable and what depends on it. Nothing happens for an id that is no variable,
-/// classes derived from it included.
+/// The same for one variable and the variables that depend on it. Nothing happens for an id that is
+/// no variable, classes derived from it included.
 VDM_DB_EXPORT void propagateVariableModification(OdDbObjectId variable);
 
 }  // namespace vdmu

@@ -66,6 +66,17 @@ class Network : public RegisteredClass<Listener>,
     Listener::written = OdDbObjectId::kNull;
     Summing::sums.clear();
   }
+  OdDbObjectId addSumming(const std::vector<OdDbObjectId>& variables) {
+    const OdSmartPtr<Summing> action = Summing::createObject();
+    const OdDbObjectId id = drawing->addOdDbObject(action, network);
+    EXPECT_EQ(edit<OdDbAssocNetwork>(network)->addAction(id), eOk);
+    for (const OdDbObjectId read : variables) {
+      const OdDbAssocValueDependencyPtr dependency = OdDbAssocValueDependency::createObject();
+      EXPECT_EQ(action->addDependency(drawing->addOdDbObject(dependency, id)), eOk);
+      EXPECT_EQ(dependency->attachToObject(read), eOk);
+    }
+    return id;
+  }
   void listenTo(OdDbObjectId variable) {
     const OdSmartPtr<Listener> listener = Listener::createObject();
     const OdDbObjectId id = drawing->addOdDbObject(listener, network);
@@ -224,20 +235,38 @@ TEST_F(Network, ReactorsHearOfNewValuesOnly) {
 TEST_F(Network, OtherActionsRunAfterTheVariables) {
   const OdDbObjectId a = add(L"a", L"1");
   const OdDbObjectId b = add(L"b", L"a + 1");
-  const OdSmartPtr<Summing> action = Summing::createObject();
-  const OdDbObjectId id = drawing->addOdDbObject(action, network);
-  EXPECT_EQ(edit<OdDbAssocNetwork>(network)->addAction(id), eOk);
-  for (const OdDbObjectId read : {a, b}) {
-    const OdDbAssocValueDependencyPtr dependency = OdDbAssocValueDependency::createObject();
-    EXPECT_EQ(action->addDependency(drawing->addOdDbObject(dependency, id)), eOk);
-    EXPECT_EQ(dependency->attachToObject(read), eOk);
-  }
+  const OdDbObjectId id = addSumming({a, b});
   ASSERT_EQ(evaluate(), eOk);
   EXPECT_EQ(setValue(a, 4), eOk);
   EXPECT_EQ(status(id), kAssocChangedTransitively);
   ASSERT_EQ(evaluate(), eOk);
   ASSERT_EQ(evaluate(), eOk);
   EXPECT_EQ(Summing::sums, (std::vector{3.0, 9.0}));
+}
+
+TEST_F(Network, ActionsOutsideAnEvaluationKeepWaiting) {
+  const OdDbObjectId a = add(L"a", L"1");
+  const OdDbObjectId b = add(L"b", L"a + 1");
+  const OdDbObjectId reader = addSumming({b});
+  const OdDbObjectId alone = addSumming({});
+  ASSERT_EQ(evaluate(), eOk);
+  Summing::sums.clear();
+  EXPECT_EQ(edit<OdDbAssocAction>(alone)->setStatus(kAssocChangedDirectly), eOk);
+  EXPECT_EQ(setValue(a, 4), eOk);
+
+  EXPECT_EQ(edit<OdDbAssocNetwork>(network)->evaluateVariablesFrom(a, nullptr), eOk);
+  EXPECT_EQ(value(b), 5.0);
+  EXPECT_TRUE(Summing::sums.empty());
+  EXPECT_EQ(status(reader), kAssocChangedTransitively);
+
+  EXPECT_EQ(edit<OdDbAssocNetwork>(network)->evaluateValues(nullptr), eOk);
+  EXPECT_EQ(Summing::sums, std::vector{5.0});
+  EXPECT_EQ(status(alone), kAssocChangedDirectly);
+  EXPECT_EQ(status(network), kAssocChangedDirectly);
+
+  ASSERT_EQ(evaluate(), eOk);
+  EXPECT_EQ(Summing::sums, (std::vector{5.0, 0.0}));
+  EXPECT_EQ(status(network), kAssocUpToDate);
 }
 
 TEST_F(Network, ValuesHaveThreeTypes) {
