@@ -338,6 +338,34 @@ TEST_F(ComponentTest, ACurvedFaceIsOpenedWholly) {
   }
 }
 
+// A bar over the bottom of a groove: above the rim of the hole, and within the reach of its tool.
+TEST_F(ComponentTest, AToolInACurvedFaceOpensItsRimAndLeavesWhatIsBeyond) {
+  const OdDbObjectId block = hole(L"H", 12.0, 5.0);
+  for (const double angle : {0.0, 0.3, 1.1, 2.9, 4.0}) {
+    OdGeMatrix3d turn = OdGeMatrix3d::rotation(angle, OdGeVector3d(1.0, 2.0, 3.0).normal());
+    const OdModelerBodyPtr groove =
+        combine(OdModelerBooleanKind::kSubtract, box(60.0, 60.0, 60.0, {-30.0, -30.0, -30.0}),
+                {moved(cylinder(20.0, 80.0, {0.0, 0.0, -40.0}),
+                       OdGeMatrix3d::rotation(0.5 * std::numbers::pi, OdGeVector3d::kYAxis))});
+    const OdModelerBodyPtr open =
+        combine(OdModelerBooleanKind::kSubtract, groove, {box(80, 80, 60, {-40, -40, 0})});
+    const OdModelerBodyPtr barred =
+        combine(OdModelerBooleanKind::kUnite, open, {box(20, 26, 2, {-10, -13, -18})});
+    double taken[2];
+    for (const OdModelerBodyPtr& body : {open, barred}) {
+      m_plate = addSolid(moved(body, turn));
+      const double before = volume();
+      ComponentPlacement placement;
+      placement.solid = m_plate;
+      placement.point = turn * OdGePoint3d(0.0, 0.0, -20.0);
+      ASSERT_TRUE(done(m_editor->insertComponent(block, placement)));
+      taken[body == barred ? 1 : 0] = before - volume();
+    }
+    EXPECT_GT(taken[0], drilled(12.0, 5.0) + 1.0) << "the rim is opened";
+    EXPECT_NEAR(taken[1], taken[0], 1e-3) << "the bar is cut, turned by " << angle;
+  }
+}
+
 TEST_F(ComponentTest, AThroughHoleGoesThroughWhateverItIsCutInto) {
   const OdDbObjectId through = hole(L"through", 6.0);
   OdDbObjectId bored;
