@@ -131,6 +131,61 @@ TEST_F(BarePassTest, AnUpdateAfterAFailedPassMakesUpForIt) {
   EXPECT_TRUE(isAsFresh(m_base)) << "what is stored heals the plate";
 }
 
+/// Raises what is no standard exception when its object is written after the pass has cut.
+class RaisingReactor : public OdDbObjectReactor {
+ public:
+  /// At the time `at`, counted from 0.
+  RaisingReactor(OdDbObjectId object, int at, std::function<bool()> isDue)
+      : m_object(object), m_waits(at), m_isDue(std::move(isDue)) {
+    m_object.safeOpenObject(OdDb::kForWrite)->addReactor(this);
+  }
+  ~RaisingReactor() override { m_object.safeOpenObject(OdDb::kForWrite)->removeReactor(this); }
+  void openedForModify(const OdDbObject*) override {
+    if (!m_isDue() || m_waits-- != 0) return;
+    hasRaised = true;
+    throw 1;
+  }
+  bool hasRaised = false;
+
+ private:
+  OdDbObjectId m_object;
+  int m_waits;
+  std::function<bool()> m_isDue;
+};
+
+// Whichever of three components raises while its results are stored, the others are stored.
+TEST_F(BarePassTest, AComponentThatRaisesWhenItIsStoredFailsAlone) {
+  const OdDbObjectId block = hole(L"H", 10.0);
+  const EditResult made[] = {insert(block, 50.0, 50.0), insert(block, 150.0, 50.0),
+                             insert(block, 250.0, 50.0)};
+  const auto isStored = [this](const EditResult& item) {
+    VdmComponentFeature::Placed placed;
+    return component(item.feature)->placed(placed) &&
+           placed.transform == item.created.openAs<OdDbBlockReference>()->blockTransform();
+  };
+  for (const EditResult& failing : made) {
+    int at = 0;
+    for (bool hasRaised = true; hasRaised; ++at) {
+      const double step = at % 2 == 0 ? 5.0 : -5.0;
+      for (const EditResult& item : made) move(item.created, step);
+      const OdModelerBodyPtr before = plateBody();
+      {
+        RaisingReactor reactor(component(failing.feature)->insertReactorId(), at,
+                               [&] { return plateBody() != before; });
+        ASSERT_NO_THROW(bareUpdate());
+        hasRaised = reactor.hasRaised;
+      }
+      EXPECT_TRUE(plateBody() != before && isAsFresh(m_base));
+      for (const EditResult& item : made) {
+        EXPECT_TRUE(isStored(item) || (hasRaised && item.feature == failing.feature)) << at;
+      }
+      ASSERT_TRUE(done(m_editor->update(/*force=*/true)));
+      EXPECT_TRUE(isStored(failing) && isAsFresh(m_base));
+    }
+    EXPECT_GT(at, 1);
+  }
+}
+
 // The modeller dies of one tool, behind its wall: the pass ends as if that boolean had failed.
 class WalledPassTest : public BarePassTest {
  protected:
