@@ -25,7 +25,9 @@ void require(OdResult result) {
 
 class DrawingSubject : public RecordSubject {
  public:
-  DrawingSubject() : m_services(createSqliteStoreFactory()) {
+  explicit DrawingSubject(const OdSqliteStoreOptions& files = {},
+                          const OdDbReadOptions& reading = {})
+      : m_services(createSqliteStoreFactory(files)), m_reading(reading) {
     oddbInitialize();
     VdmPropertiesPE::rxInit();
     VdmDbExtensionData::rxInit();
@@ -92,7 +94,7 @@ class DrawingSubject : public RecordSubject {
  private:
   void open(const std::string& path) {
     OdStatus status;
-    m_database = m_services.readFile(OdString(path), status);
+    m_database = m_services.readFile(OdString(path), status, m_reading);
     require(status);
     m_first = kFirstRecordHandle;
   }
@@ -125,6 +127,7 @@ class DrawingSubject : public RecordSubject {
   static constexpr OdUInt64 kFirstRecordHandle = OdDbRootHandles::kFirstFree + 1;
 
   OdDbHostAppServices m_services;
+  OdDbReadOptions m_reading;
   OdDbDatabasePtr m_database;
   OdStringArray m_keys;
   OdUInt64 m_first = kFirstRecordHandle;
@@ -134,3 +137,10 @@ class DrawingSubject : public RecordSubject {
 }  // namespace
 
 std::unique_ptr<RecordSubject> makeDrawingSubject() { return std::make_unique<DrawingSubject>(); }
+
+std::unique_ptr<RecordSubject> makeReadingSubject(bool holdsOneState) {
+  OdSqliteStoreOptions files;
+  files.readersHoldOneState = holdsOneState;
+  return std::make_unique<DrawingSubject>(
+      files, OdDbReadOptions{OdDbStoreOpenMode::kReadOnly, /*withUndo=*/false});
+}

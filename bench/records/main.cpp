@@ -3,6 +3,8 @@
 //
 //   vdm_bench_records [--count N] [--rounds R] [--folder DIR] [--only TASK]
 //   vdm_bench_records --flat [--rounds R] [--folder DIR]    (drawings alone, 1,000 to 1,000,000)
+//   vdm_bench_records --readers [--count N] [--rounds R] [--folder DIR]    (one read transaction
+//                                                            against one for each read)
 //   vdm_bench_records run SUBJECT TASK COUNT PATH LOADED    (one measurement, for the above)
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,6 +15,7 @@
 #include <cstring>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -35,14 +38,18 @@ struct SubjectRow {
   const char* extension;
   std::unique_ptr<RecordSubject> (*make)();
 };
-constexpr std::array<SubjectRow, 2> kSubjects = {
+using SubjectPair = std::array<SubjectRow, 2>;  // what is measured, and its peer
+constexpr SubjectPair kSubjects = {
     {{"drawing", ".vdm", makeDrawingSubject}, {"labels", ".cbf", makeLabelSubject}}};
+constexpr SubjectPair kReaders = {
+    {{"one", ".vdm", [] { return makeReadingSubject(/*holdsOneState=*/true); }},
+     {"each", ".vdm", [] { return makeReadingSubject(/*holdsOneState=*/false); }}}};
 
 int runOne(char** arguments) {
   const std::string subjectName = arguments[0];
   const std::string taskName = arguments[1];
   const std::size_t count = std::stoul(arguments[2]);
-  for (const SubjectRow& row : kSubjects) {
+  for (const SubjectRow& row : {kSubjects[0], kSubjects[1], kReaders[0], kReaders[1]}) {
     if (subjectName != row.name) continue;
     const std::unique_ptr<RecordSubject> subject = row.make();
     TaskContext context{*subject, count, arguments[3], arguments[4]};
@@ -101,26 +108,39 @@ double medianOf(std::vector<double> values) {
   return values[values.size() / 2];
 }
 
-void measureRow(const Options& options, const TaskRow& task) {
+void measureRow(const Options& options, const SubjectPair& subjects, const TaskRow& task) {
   std::map<std::string, std::vector<double>> found;
   for (int round = 0; round < options.rounds; ++round) {
-    for (const SubjectRow& subject : kSubjects) {
+    for (const SubjectRow& subject : subjects) {
       found[subject.name].push_back(measure(options, subject, task.name));
     }
   }
-  const double ours = medianOf(found["drawing"]);
-  const double peer = medianOf(found["labels"]);
+  const double ours = medianOf(found[subjects[0].name]);
+  const double peer = medianOf(found[subjects[1].name]);
   std::printf("%-15s %12.4g %12.4g   %-13s %8.2f\n", task.name, ours, peer, task.unit, peer / ours);
   std::fflush(stdout);
 }
 
-void measureAll(const Options& options) {
+void measurePair(const Options& options, const SubjectPair& subjects,
+                 const std::function<bool(const std::string&)>& isAsked) {
   std::printf("%zu records, medians of %d rounds\n", options.count, options.rounds);
-  std::printf("%-15s %12s %12s   %-13s %8s\n", "task", "drawing", "labels", "unit", "ratio");
-  for (const SubjectRow& subject : kSubjects) measure(options, subject, "prepare");
+  std::printf("%-15s %12s %12s   %-13s %8s\n", "task", subjects[0].name, subjects[1].name, "unit",
+              "ratio");
+  for (const SubjectRow& subject : subjects) measure(options, subject, "prepare");
   for (const TaskRow& task : taskRows()) {
-    if (options.only.empty() || options.only == task.name) measureRow(options, task);
+    if (isAsked(task.name)) measureRow(options, subjects, task);
   }
+}
+
+void measureAll(const Options& options) {
+  measurePair(options, kSubjects, [&options](const std::string& task) {
+    return options.only.empty() || options.only == task;
+  });
+}
+
+void measureReaders(const Options& options) {
+  measurePair(options, kReaders,
+              [](const std::string& task) { return task == "open-first" || task == "load-all"; });
 }
 
 /// Cost per record of drawings alone, by size: what should stay flat.
@@ -171,6 +191,8 @@ int main(int argc, char** argv) {
     if (argc == 7 && std::strcmp(argv[1], "run") == 0) return runOne(argv + 2);
     if (argc > 1 && std::strcmp(argv[1], "--flat") == 0) {
       measureFlat(parse(argc - 1, argv + 1));
+    } else if (argc > 1 && std::strcmp(argv[1], "--readers") == 0) {
+      measureReaders(parse(argc - 1, argv + 1));
     } else {
       measureAll(parse(argc, argv));
     }

@@ -32,3 +32,5 @@ class RecordSubject {
 
 std::unique_ptr<RecordSubject> makeDrawingSubject();
 std::unique_ptr<RecordSubject> makeLabelSubject();
+/// A drawing that is opened for reading, in one transaction or in one for each read.
+std::unique_ptr<RecordSubject> makeReadingSubject(bool holdsOneState);

@@ -37,6 +37,10 @@ std::vector<Figure> measureResolving(const FigureOptions& options);
 /// the folder VDM_STEP_DIR.
 std::vector<Figure> measureChecks(const FigureOptions& options);
 
+/// The reach of a tool at its place against the cut that it makes there, on plates of 300 and 635
+/// faces: in the open, where boxes decide, and in a slit, where a boolean does.
+std::vector<Figure> measureFits(const FigureOptions& options);
+
 /// A cut behind the wall of platform/modeler_wall against the same cut without it, on plates of 300
 /// and 700 faces and on the parts in the folder VDM_STEP_DIR.
 std::vector<Figure> measureWall(const FigureOptions& options);

@@ -1,7 +1,7 @@
 // Measures update passes and persistent references, each figure against a peer in the same run.
 //
-//   vdm_bench_update [--only moves|idle|resolve|wall|checks] [--features N,N,...] [--cuts N,N,...]
-//                    [--rounds N] [--peers 0|1]
+//   vdm_bench_update [--only moves|idle|resolve|wall|checks|fits] [--features N,N,...]
+//                    [--cuts N,N,...] [--rounds N] [--peers 0|1]
 #include <cstdio>
 #include <exception>
 #include <optional>
@@ -17,11 +17,9 @@ struct TaskRow {
   const char* name;
   std::vector<Figure> (*measure)(const FigureOptions& options);
 };
-constexpr TaskRow kTasks[] = {{"moves", measureMoves},
-                              {"idle", measureIdlePasses},
-                              {"resolve", measureResolving},
-                              {"wall", measureWall},
-                              {"checks", measureChecks}};
+constexpr TaskRow kTasks[] = {{"moves", measureMoves},       {"idle", measureIdlePasses},
+                              {"resolve", measureResolving}, {"wall", measureWall},
+                              {"checks", measureChecks},     {"fits", measureFits}};
 
 struct Arguments {
   FigureOptions figures;
