@@ -371,15 +371,25 @@ class Audit {
       if (found(kWrongOwner, id, L"owner " + nameOf(owner))) {
         setOwner(id, lister);
       }
-    } else if (found(kUnlisted, id, L"its place in " + nameOf(owner))) {
-      const OdDbObjectPtr ownerObject = owner.safeOpenObject();
-      const OdDbObjectPtr object = id.safeOpenObject(OdDb::kForWrite);
-      const OdString freeName = L"audit_" + id.getHandle().ascii();
-      const OdDbSymbolTableRecordPtr record = OdDbSymbolTableRecord::cast(object);
-      if (!record.isNull() && !oddbEntryAt(ownerObject, record->getName()).isNull()) {
-        record->setName(freeName);
-      }
+    } else if (found(kUnlisted, id, L"its place in " + nameOf(owner)) && !listAgain(id, owner)) {
+      giveHome(id, owner);
+    }
+  }
+
+  // False for an owner that cannot list such an object, as a table of records of another class.
+  static bool listAgain(OdDbObjectId id, OdDbObjectId owner) {
+    const OdDbObjectPtr ownerObject = owner.safeOpenObject();
+    const OdDbObjectPtr object = id.safeOpenObject(OdDb::kForWrite);
+    const OdString freeName = L"audit_" + id.getHandle().ascii();
+    const OdDbSymbolTableRecordPtr record = OdDbSymbolTableRecord::cast(object);
+    if (!record.isNull() && !oddbEntryAt(ownerObject, record->getName()).isNull()) {
+      record->setName(freeName);
+    }
+    try {
       oddbListWithOwner(object, ownerObject, freeName);
+      return true;
+    } catch (const OdError&) {
+      return false;
     }
   }
 

@@ -189,6 +189,11 @@ const std::vector<Damage>& damages() {
        }},
       {"owner-lists-not", true,
        [](Test& test) { test.drawing().addOdDbObject(OdDbXrecord::createObject(), test.named()); }},
+      {"owner-lists-not", true,
+       [](Test& test) {
+         test.drawing().addOdDbObject(OdDbXrecord::createObject(),
+                                      test.drawing().getBlockTableId());
+       }},
       {"owner-twice", true,
        [](Test& test) {
          const OdDbObjectId home = test.addDictionary(L"a");
