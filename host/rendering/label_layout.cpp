@@ -32,7 +32,9 @@ constexpr double kLineDistance = 2.0;    // in text heights
 constexpr double kLeaderRoom = 3.0;      // between text and model, in text heights
 constexpr const char* kCut = "...";
 
-double widthOf(const std::string& text, double height) { return odgiTextWidth(OdString(text)) * height; }
+double widthOf(const std::string& text, double height) {
+  return odgiTextWidth(OdString(text)) * height;
+}
 
 std::string shortened(const std::string& text, double width, double height) {
   if (widthOf(text, height) <= width) return text;

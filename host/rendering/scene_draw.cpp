@@ -4,8 +4,8 @@
 // its transform and walks the entities of its block in turn. What arrives is sorted into shapes,
 // one for each entity and look, and instances, one for each place at which a shape appears. Shapes
 // are in the coordinates of their block. An entity that comes again with the same settled look
-// (colour, layer, line type, material) is not drawn again: a part that is inserted a thousand times costs one
-// mesh and a thousand matrices.
+// (colour, layer, line type, material) is not drawn again: a part that is inserted a thousand times
+// costs one mesh and a thousand matrices.
 //
 // The key of a shape must hold everything from outside the entity that its primitives depend on.
 // That is the look of the reference around it, which only enters through attributes "by block", and
@@ -114,8 +114,7 @@ class SceneDraw : public OdGiWorldDraw, public OdGiWorldGeometry, public OdGiCon
   void draw(const OdGiDrawable* drawable) override;
 
  private:
-  using ShapeKey =
-      std::tuple<OdDbObjectId, RenderColor, OdDbObjectId, OdDbObjectId, OdDbObjectId>;
+  using ShapeKey = std::tuple<OdDbObjectId, RenderColor, OdDbObjectId, OdDbObjectId, OdDbObjectId>;
 
   void drawWithAttributes(const OdGiDrawable& drawable);
   void drawReference(const OdDbBlockReference& reference, const OdDbDisplayAttributes& look);

@@ -59,7 +59,7 @@ class OdDbAssocGraph {
   struct Input {
     Index node;                ///< the variable that is read
     OdUInt32 place;            ///< of the edge among the variable's outputs
-    OdDbIdRecord* dependency;  ///< the object that the edge stands for
+    OdDbIdRecord* dependency;  ///< the filed object of the edge
   };
   /// An edge as its beginning sees it.
   struct Output {
@@ -171,7 +171,7 @@ class OdDbAssocGraph {
   /// What one pass does, phase after phase.
   struct Pass {
     std::vector<OldValue> changed;
-    std::vector<OdDbObjectId> told;     ///< reactors are to hear of these
+    std::vector<OdDbObjectId> told;     ///< their reactors are called
     std::vector<OdDbObjectId> actions;  ///< that are no variables, in order
     std::vector<Index> evaluated;
   };

@@ -25,7 +25,7 @@ class OdDbLongTransaction : public OdDbObject {
   [[nodiscard]] OdDbObjectId destinationBlock() const;
   /// What will be checked in: copies and added entities that are not erased.
   [[nodiscard]] OdDbObjectIdArray workSet() const;
-  /// The entity that a copy stands for; null for an added entity and for any other.
+  /// The entity that was copied; null for an added entity and for any other.
   [[nodiscard]] OdDbObjectId originalOf(const OdDbObjectId& copy) const;
   /// Takes entities of the destination block into the work set: at check-in they become new
   /// entities of the origin. eWrongObjectType for one that lies elsewhere; nothing changes then.

@@ -15,8 +15,7 @@
 OD_RX_DEFINE_ABSTRACT(OdDbDatabase, OdRxObject, L"OdDbDatabase")
 OD_RX_DEFINE_ABSTRACT(OdDbDatabaseReactor, OdRxObject, L"OdDbDatabaseReactor")
 
-namespace {
-}
+namespace {}
 
 // The inside.
 

@@ -94,9 +94,8 @@ void OdDbMlineStyle::fields(Fields& fields, Self& self) {
   fields.value(4, self.m_description);
   fields.list(49, self.m_offsets, kMaxElements, [](double value) { return std::isfinite(value); });
   fields.list(420, self.m_colors, kMaxElements, isColor);
-  fields.rule([&] {
-    return !self.m_offsets.isEmpty() && self.m_offsets.size() == self.m_colors.size();
-  });
+  fields.rule(
+      [&] { return !self.m_offsets.isEmpty() && self.m_offsets.size() == self.m_colors.size(); });
   fields.template pointers<OdDb::kHardPointerRef>(340, self.m_linetypes);
   fields.value(290, self.m_showMiters);
   fields.value(291, self.m_startCap);

@@ -8,8 +8,8 @@
 #include "platform/base/error.h"
 #include "platform/db/field_list.h"
 
-OD_RX_DEFINE_DB(OdDbTextStyleTable, OdDbSymbolTable, L"OdDbTextStyleTable", 0, 0, 0,
-                L"STYLE_TABLE", OdString())
+OD_RX_DEFINE_DB(OdDbTextStyleTable, OdDbSymbolTable, L"OdDbTextStyleTable", 0, 0, 0, L"STYLE_TABLE",
+                OdString())
 OD_RX_DEFINE_DB(OdDbTextStyleTableRecord, OdDbSymbolTableRecord, L"OdDbTextStyleTableRecord", 0, 0,
                 0, L"STYLE", OdString())
 
@@ -37,9 +37,7 @@ OdString OdDbTextStyleTableRecord::fileName() const { return read(m_fileName); }
 void OdDbTextStyleTableRecord::setFileName(const OdString& fontFile) {
   assign(m_fileName, fontFile);
 }
-OdString OdDbTextStyleTableRecord::bigFontFileName() const {
-  return read(m_bigFontFileName);
-}
+OdString OdDbTextStyleTableRecord::bigFontFileName() const { return read(m_bigFontFileName); }
 void OdDbTextStyleTableRecord::setBigFontFileName(const OdString& fontFile) {
   assign(m_bigFontFileName, fontFile);
 }
@@ -51,9 +49,7 @@ double OdDbTextStyleTableRecord::xScale() const { return read(m_xScale); }
 void OdDbTextStyleTableRecord::setXScale(double factor) {
   assign(m_xScale, checked(this, "width factor", factor, oddbIsWidthFactor(factor)));
 }
-double OdDbTextStyleTableRecord::obliquingAngle() const {
-  return read(m_obliquing);
-}
+double OdDbTextStyleTableRecord::obliquingAngle() const { return read(m_obliquing); }
 void OdDbTextStyleTableRecord::setObliquingAngle(double angle) {
   assign(m_obliquing, checked(this, "slant", angle, oddbIsObliquingAngle(angle)));
 }

@@ -32,13 +32,12 @@ OdGiEdgeStyle OdDbVisualStyle::edgeStyle() const { return read(m_edges); }
 
 void OdDbVisualStyle::setEdgeStyle(const OdGiEdgeStyle& style) {
   if (!isSound(style)) {
-    throw OdError(
-        eInvalidInput,
-        OdString("edge model " + std::to_string(style.edgeModel) + ", line types " +
-                 std::to_string(style.obscuredLinetype) + " and " +
-                 std::to_string(style.intersectionLinetype) + ", crease angle " +
-                 std::to_string(style.creaseAngle) + " of visual style '") +
-            name() + "'");
+    throw OdError(eInvalidInput,
+                  OdString("edge model " + std::to_string(style.edgeModel) + ", line types " +
+                           std::to_string(style.obscuredLinetype) + " and " +
+                           std::to_string(style.intersectionLinetype) + ", crease angle " +
+                           std::to_string(style.creaseAngle) + " of visual style '") +
+                      name() + "'");
   }
   assign(m_edges, style);
 }

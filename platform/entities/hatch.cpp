@@ -265,7 +265,7 @@ bool OdDbHatch::subWorldDraw(OdGiWorldDraw* context) const {
     if (!fill.triangles.empty()) geometry.shell({points, {}, fill.triangles, {}});
     return true;
   }
-  // The pattern of the hatch stands for that of the line type.
+  // The pattern of the hatch is drawn in place of the line type.
   OdGiSubEntityTraits& traits = context->subEntityTraits();
   const OdDbObjectId linetype = traits.lineType();
   if (database() != nullptr) traits.setLineType(database()->getLinetypeContinuousId());

@@ -11,7 +11,7 @@ namespace OdExpression {
 
 /// What a value measures. A plain value of eight bytes.
 ///
-///   plain     a number whose unit nobody wrote; in a sum, a comparison or an argument it takes the
+///   plain     a number without a unit; in a sum, a comparison or an argument it takes the
 ///             dimension that its place needs, counted in base units
 ///   ratio     a pure number that came out of quantities: a quotient of lengths, a sine, a truth
 ///             value; it takes no other dimension

@@ -17,9 +17,9 @@ void appendSettings(const OdDbDatabase* database, std::string& dump) {
     const OdResBufPtr value = database->getSysVar(OdString(row.name));
     char text[64];
     std::snprintf(text, sizeof text, " %.17g\n",
-                  value->restype() == 40   ? value->getDouble()
-                  : value->restype() == 5  ? static_cast<double>(
-                                                static_cast<OdUInt64>(value->getHandle()))
+                  value->restype() == 40 ? value->getDouble()
+                  : value->restype() == 5
+                      ? static_cast<double>(static_cast<OdUInt64>(value->getHandle()))
                   : value->restype() == 70 ? value->getInt16()
                                            : static_cast<int>(value->getBool()));
     dump += row.name;

@@ -43,8 +43,9 @@ TEST(VdmuReporter, PutsArgumentsIntoMessages) {
   EXPECT_EQ(collector.messages()[0].text,
             L"row 1, column 3: \"*Name\" begins with the reserved character \"*\"");
   EXPECT_EQ(collector.messages()[1].text, L"parts.csv: row 7, column 2: the cell is empty");
-  EXPECT_EQ(collector.messages()[2].text,
-            L"parts.csv: the number of cells is not the number of rows times the number of columns");
+  EXPECT_EQ(
+      collector.messages()[2].text,
+      L"parts.csv: the number of cells is not the number of rows times the number of columns");
   EXPECT_THROW(vdmuMessageText(static_cast<VdmuMessageId>(0), {}), VdmException);
 }
 

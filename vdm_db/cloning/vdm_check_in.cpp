@@ -1,6 +1,6 @@
 // Check-in of managers when a long transaction ends.
 //
-// Two mappings say what stands for what: forward from the objects of the origin to their
+// Two mappings pair the objects: forward from the objects of the origin to their
 // counterparts, which check-in has cloned from the copies, and reverse. Ownership is walked from
 // each manager and its counterpart: what both own at the same place, and of the same class, is a
 // pair, too. Then all pairs exchange their states, with references translated. So the objects of

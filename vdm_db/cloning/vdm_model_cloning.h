@@ -17,7 +17,7 @@ namespace vdmu {
 ///
 /// All blocks share one context, in the order persistent ids, features, constraints, so that the
 /// model objects which the first two keep are known to the last. `keepAll` takes over what belongs
-/// to no clone, too. `replaced` gets the ids of what was merged, and what stands for them now.
+/// to no clone, too. `replaced` maps the ids of what was merged to their new ids.
 /// Failure raises and is not rolled back; run it in a transaction.
 VDM_DB_EXPORT void mergeClonedManagers(OdDbIdMapping& mapping, bool keepAll,
                                        std::map<OdDbObjectId, OdDbObjectId>& replaced);
@@ -25,7 +25,8 @@ VDM_DB_EXPORT void mergeClonedManagers(OdDbIdMapping& mapping, bool keepAll,
 /// Clones the entities of a block, its associative actions (variables among them), and what its
 /// managers know about them, into the block `target` of the same drawing or of another one:
 /// references, features and constraints of the clones are those of the originals, and lead to the
-/// clones. What `target` holds stays. Names that are taken get numbers. Blocks and layers that both drawings have by name are the target's.
+/// clones. What `target` holds stays. Names that are taken get numbers. Blocks and layers that both
+/// drawings have by name are the target's.
 ///
 /// Returns what cloning returns, eWrongObjectType when one of the two is no block, eInvalidInput
 /// for a block into itself. On failure the drawing is as before, and the mapping serves no further

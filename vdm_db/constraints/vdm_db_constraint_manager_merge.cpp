@@ -153,7 +153,7 @@ struct VdmDbConstraintManager::Merge {
     return true;
   }
 
-  /// The dependency that stands in the target for one; itself where it is there already, null when
+  /// The counterpart of a dependency in the target; itself where it is there already, null when
   /// there is none. The path of a clone that does not resolve is mapped from that of its origin.
   OdDbObjectId remapped(const OdDbObjectId& id) {
     const auto dependency = id.openAs<VdmDbObjectDependency>();

@@ -30,8 +30,8 @@ VDM_DB_EXPORT OdDbObjectId createEmptyAnonymousBlock(OdDbDatabase* database);
 VDM_DB_EXPORT OdResult cloneBlock(OdDbObjectId source, OdDbObjectId target, bool deferXlation,
                                   OdSmartPtr<OdDbIdMapping>& mapping, OdDbSelectionFilter* filter);
 /// The same into a new anonymous block, with the origin, comments and associative actions of
-/// `source`. Parameters are copied in the host's mode 3. Returns the new block; null, and nothing changes, when
-/// `source` is null or cloning fails.
+/// `source`. Parameters are copied in the host's mode 3. Returns the new block; null, and nothing
+/// changes, when `source` is null or cloning fails.
 VDM_DB_EXPORT OdDbObjectId cloneBlock(OdDbObjectId source, bool deferXlation,
                                       OdSmartPtr<OdDbIdMapping>& mapping);
 /// Clones the same entities, and what they need, into a block of another drawing: `target`, or a

@@ -39,7 +39,9 @@ class Sheet {
 
  private:
   // A radius of type 0 is a ratio of the thickness.
-  double absoluteRadius() const { return bendRadiusType == 0 ? bendRadius * thickness : bendRadius; }
+  double absoluteRadius() const {
+    return bendRadiusType == 0 ? bendRadius * thickness : bendRadius;
+  }
 
   double thickness = 0;  // drawing units
   double bendRadius = 0;

@@ -9,7 +9,7 @@ namespace {
 
 using Man = OdDbLongTransactionMan;
 
-/// Refuses when it is told to; notes what the active map says about one id.
+/// Refuses on request; notes what the active map says about one id.
 class Watcher : public OdDbLongTransactionReactor {
  public:
   Watcher() { Man::addReactor(this); }

@@ -88,7 +88,7 @@ TEST_F(VdmVariableReactors, PropertiesFollowVariables) {
   set(width, 9.0 + 1e-11);
   EXPECT_EQ(heard(), (Heard{{L"Depth", 6.0}})) << "it differs still; the width does not";
 
-  // Undo tells nobody, and the next change is heard.
+  // Undo calls no reactor, and the next change is heard.
   m_drawing->disableUndoRecording(false);
   m_drawing->startUndoRecord();
   set(width, 11.0);
