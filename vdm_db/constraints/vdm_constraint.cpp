@@ -172,20 +172,23 @@ std::vector<ExtendedDep> VdmConstraint::dependencies() const {
   for (OdUInt32 i = 0; i < m_arguments.size(); ++i) {
     ExtendedDep& dependency = dependencies.emplace_back();
     dependency.dependency = m_arguments[i];
+    if (i >= m_defaultGeometry.size()) continue;
     dependency.defaultGeometry = m_defaultGeometry[i];
     dependency.isDefaultGeometry = m_defaultGeometry[i] != vdmu::kDefaultGeometryNone;
   }
   return dependencies;
 }
 
+bool VdmConstraint::getArgument(OdUInt32 index, OdDbFullSubentPath& path) const {
+  path = OdDbFullSubentPath();
+  return m_arguments[index].isNull() ||
+         openArgument(m_arguments[index])->getLinkObject(path, /*openErased=*/false) !=
+             vdmu::ePathInvalid;
+}
+
 bool VdmConstraint::getExtArgument(OdUInt32 index, VdmExtendedPath& path) const {
   path = VdmExtendedPath();
-  if (!m_arguments[index].isNull()) {
-    const VdmDbObjectDependencyPtr dependency = openArgument(m_arguments[index]);
-    if (dependency->getLinkObject(path.path, /*openErased=*/false) == vdmu::ePathInvalid) {
-      return false;
-    }
-  }
+  if (!getArgument(index, path.path)) return false;
   path.isDefaultGeometry = m_defaultGeometry[index] != vdmu::kDefaultGeometryNone;
   if (path.isDefaultGeometry) path.defaultGeometry = m_defaultGeometry[index];
   return true;
@@ -207,9 +210,9 @@ OdArray<OdDbFullSubentPath> VdmConstraint::getArguments() const {
 }
 
 bool VdmConstraint::isValid() const {
-  VdmExtendedPath path;
+  OdDbFullSubentPath path;
   for (OdUInt32 i = 0; i < m_arguments.size(); ++i) {
-    if (!getExtArgument(i, path)) return false;
+    if (!getArgument(i, path)) return false;
   }
   return true;
 }

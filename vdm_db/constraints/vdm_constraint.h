@@ -96,18 +96,21 @@ class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
   // ---- Arguments
 
   void setDependencies(const std::vector<ExtendedDep>& dependencies);
+  /// Arguments that a damaged record has no default geometry for have none here.
   [[nodiscard]] std::vector<ExtendedDep> dependencies() const;
   [[nodiscard]] OdUInt32 getArgumentsCount() const { return m_arguments.size(); }
   /// Ids of the dependencies; null for an argument that refers to nothing.
   [[nodiscard]] const OdDbObjectIdArray& argumentIds() const { return m_arguments; }
   /// The paths of the arguments. An argument that cannot be resolved is left out; one that refers
   /// to nothing has an empty path. Raises OdError_NotThatKindOfClass for an argument that is no
-  /// dependency, eNotOpenForRead (61) for one that cannot be opened.
+  /// dependency, eNotOpenForRead (61) for one that cannot be opened, OdError_InvalidIndex for one
+  /// that a damaged record has no default geometry for.
   [[nodiscard]] OdArray<OdDbFullSubentPath> getArguments() const;
   [[nodiscard]] VdmExtendedPathArray getExtArguments() const;
   /// One of them; false for an argument that cannot be resolved.
   bool getExtArgument(OdUInt32 index, VdmExtendedPath& path) const;
-  /// All arguments can be resolved or refer to nothing. Raises as getArguments.
+  /// All arguments can be resolved or refer to nothing. Raises as getArguments, and not for default
+  /// geometry.
   [[nodiscard]] bool isValid() const;
 
   // ---- Side conditions
@@ -156,6 +159,7 @@ class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
     m_properties.removeProperty(key);
     m_properties.setProperty(key, value);
   }
+  bool getArgument(OdUInt32 index, OdDbFullSubentPath& path) const;
   void signalModification(NotifyCode code);
   void notifyOwner(NotifyCode code);
   /// Stores, with the signals of a change.
@@ -175,7 +179,7 @@ class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
   OdDbObjectId m_owner;
   OdDbObjectIdArray m_arguments;
   VdmLongArray m_defaultGeometry;  // by argument; kDefaultGeometryNone where it is none
-  OdString m_name;
+  OdString m_name;                 // with a variable: empty, or the name it had last
   double m_userValue = 0.0;
   OdInt32 m_fileReserved = 0;
   OdLong m_type = 0;

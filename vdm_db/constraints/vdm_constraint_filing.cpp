@@ -21,6 +21,14 @@ OdUInt32 readArgumentCount(OdDbDwgFiler* filer) {
                                                 count, kMaxArguments));
 }
 
+bool readMap(OdDbDwgFiler* filer, VdmProperties& properties) {
+  try {
+    return vdmu::dwgInOldPropertyMap(filer, properties) == eOk;
+  } catch (const OdError&) {
+    return false;
+  }
+}
+
 }  // namespace
 
 // A reader that does not know a soft version sees type 0 and leaves the constraint alone.
@@ -83,8 +91,7 @@ OdResult VdmConstraint::readProperties(OdDbDwgFiler* filer, OdInt16 version) {
   if (version > kMapVersion) return m_properties.dwgInFields(filer);
   m_nodeId = 0;
   m_properties.clear();
-  const bool isRead =
-      version < kMapVersion || vdmu::dwgInOldPropertyMap(filer, m_properties) == eOk;
+  const bool isRead = version < kMapVersion || readMap(filer, m_properties);
   m_properties.removeProperty(nodeIdKey());
   m_properties.mapProperty(nodeIdKey(), &m_nodeId);
   return isRead ? eOk : eCorruptData;
@@ -92,7 +99,7 @@ OdResult VdmConstraint::readProperties(OdDbDwgFiler* filer, OdInt16 version) {
 
 void VdmConstraint::restoreGeometryTypes() {
   m_defaultGeometry.clear();
-  m_properties.getProperty(kVdmArrayRefCsType, m_defaultGeometry);
+  if (m_properties.getProperty(kVdmArrayRefCsType, m_defaultGeometry)) return;
   m_defaultGeometry.resize(m_arguments.size(), static_cast<OdLong>(vdmu::kDefaultGeometryNone));
 }
 

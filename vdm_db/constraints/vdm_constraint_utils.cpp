@@ -71,8 +71,7 @@ void markConstraintManagerChanged(const OdDbObjectId& id,
 OdDbObjectIdArray getWatchedObjects(OdDbDatabase* database) {
   OdDbObjectIdArray entities;
   forEachManager(database, [&entities](const OdDbObjectId& id) {
-    const auto manager = id.openAs<VdmDbConstraintManager>();
-    if (manager.isNull()) return;
+    const auto manager = id.safeOpenAs<VdmDbConstraintManager>();
     for (const OdDbObjectId& objectId : manager->vdmDbObjects()) {
       const auto object = objectId.openAs<VdmDbObject>();
       if (!object.isNull()) entities.append(object->attachedEntityId());
@@ -91,7 +90,10 @@ OdArray<double> getUniqueConstraintValues(const OdArray<VdmConstraintPtr>& const
                                           double tolerance) {
   std::vector<double> values;
   values.reserve(constraints.size());
-  for (const VdmConstraintPtr& constraint : constraints) values.push_back(constraint->userValue());
+  for (const VdmConstraintPtr& constraint : constraints) {
+    const double value = constraint->userValue();
+    if (!std::isnan(value)) values.push_back(value);  // has no place in the order
+  }
   std::sort(values.begin(), values.end());
   OdArray<double> unique;
   for (const double value : values) {

@@ -28,12 +28,13 @@ VDM_DB_EXPORT void markConstraintManagerChanged(
 
 // ---- Contents
 
-/// The entities that constraints of any block depend on, block by block. Empty for null.
+/// The entities that constraints of any block depend on, block by block. Empty for null. Raises
+/// OdError_NotThatKindOfClass where an object of another class has the place of a manager.
 [[nodiscard]] VDM_DB_EXPORT OdDbObjectIdArray getWatchedObjects(OdDbDatabase* database);
 /// The managers of all blocks, in the order of the block table. Empty for null.
 [[nodiscard]] VDM_DB_EXPORT OdDbObjectIdArray getBTRsConstraintManagers(OdDbDatabase* database);
 /// The values of the constraints in rising order, each farther from the one before than the
-/// tolerance.
+/// tolerance. Values that are no numbers are left out.
 [[nodiscard]] VDM_DB_EXPORT OdArray<double> getUniqueConstraintValues(
     const OdArray<VdmConstraintPtr>& constraints, double tolerance);
 /// Makes a variable for each of those values of the block's constraints, and sets its name as the

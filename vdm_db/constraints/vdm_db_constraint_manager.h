@@ -147,8 +147,8 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
 
   OdResult setConstraintName(VdmConstraint* constraint, const OdString& name,
                              OdString* errorMessage = nullptr);
-  /// Stores the value, and sets it as the expression, with up to 12 digits. Nothing happens for a
-  /// constraint that is not parametric. Raises eInvalidInput for a value that is not finite.
+  /// Stores the value where the constraint is parametric, and sets it as the expression, with up to
+  /// 12 digits. Raises eInvalidInput for a parametric constraint and a value that is not finite.
   OdResult setConstraintValue(VdmConstraint* constraint, double value,
                               OdString* errorMessage = nullptr);
   /// Nothing happens for a constraint that can have no variable.
@@ -157,7 +157,8 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   /// Whether the text can be parsed, and each name in it is that of a variable or a constraint of
   /// the block.
   [[nodiscard]] ExpressionStatus checkConstraintExpression(const OdString& text);
-  /// The variables of the constraints, in rising node id.
+  /// The variables of the constraints, in rising node id. Each constraint takes note of the name
+  /// that its variable has now, for the time when the variable is lost.
   [[nodiscard]] OdDbObjectIdArray variables() const;
   /// A variable has another value: its constraint takes it. True when there is one and the values
   /// differed by more than 1e-12. For the VdmDbVariableReactor.
@@ -258,7 +259,8 @@ class VDM_DB_EXPORT VdmDbConstraintManager : public OdDbObject, public VdmModelO
   void subSwapIdWith(const OdDbObjectId& otherId, bool swapExtendedData,
                      bool swapExtDictionary) override;
   void subIdSwapped() override;
-  /// Its status is another one than after loading, or variables are frozen.
+  /// Its status is another one than after loading, variables are frozen, or somebody holds one of
+  /// its constraints, whose edits would be lost with it.
   [[nodiscard]] bool hasStateOutsideFile() const override;
   [[nodiscard]] std::size_t approximateSize() const override;
 

@@ -1,4 +1,6 @@
 // Constraint managers: stored form and undo.
+#include <algorithm>
+
 #include "platform/base/error.h"
 #include "platform/cloning/id_mapping.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
@@ -181,6 +183,7 @@ void VdmDbConstraintManager::changeState(ConstraintManagerStatus status,
 
 void VdmDbConstraintManager::applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) {
   if (cls != desc()) return OdDbObject::applyPartialUndo(filer, cls);
+  invalidateTCCache();
   const OdInt8 step = filer->rdInt8();
   switch (step) {
     case kStateStep:
@@ -215,7 +218,9 @@ void VdmDbConstraintManager::subIdSwapped() {
 }
 
 bool VdmDbConstraintManager::hasStateOutsideFile() const {
-  return m_status != kNotEvaluated || !m_modifiedObjects.empty() || !m_frozenVariables.empty();
+  const auto isHeld = [](const auto& entry) { return entry.second->numRefs() > 1; };
+  return m_status != kNotEvaluated || !m_modifiedObjects.empty() || !m_frozenVariables.empty() ||
+         std::any_of(m_constraints.begin(), m_constraints.end(), isHeld);
 }
 
 std::size_t VdmDbConstraintManager::approximateSize() const {

@@ -85,8 +85,11 @@ OdDbObjectIdArray VdmDbConstraintManager::variables() const {
   assertReadEnabled();
   OdDbObjectIdArray ids;
   for (const auto& [nodeId, constraint] : m_constraints) {
-    const OdDbObjectId variable = constraint->userVariable();
-    if (!variable.isNull()) ids.append(variable);
+    const OdDbObjectId id = constraint->userVariable();
+    if (id.isNull()) continue;
+    ids.append(id);
+    const auto variable = id.openAs<OdDbAssocVariable>();
+    if (!variable.isNull()) constraint->m_name = variable->name();
   }
   return ids;
 }
@@ -122,7 +125,7 @@ OdResult VdmDbConstraintManager::setConstraintName(VdmConstraint* constraint, co
 OdResult VdmDbConstraintManager::setConstraintValue(VdmConstraint* constraint, double value,
                                                     OdString* errorMessage) {
   assertWriteEnabled();
-  if (constraint == nullptr || !constraint->isParametric()) return eOk;
+  if (constraint == nullptr) return eOk;
   constraint->setUserValue(value);
   return setConstraintExpression(constraint, vdmu::getConstExpression(value), errorMessage);
 }

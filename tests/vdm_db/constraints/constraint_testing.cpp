@@ -11,13 +11,13 @@ ConstraintRecord::ConstraintRecord(const VdmConstraint& constraint) {
 }
 
 ConstraintRecord::ConstraintRecord(OdInt16 version, OdLong type,
-                                   const std::vector<std::string>& map) {
+                                   const std::vector<std::string>& map, double value) {
   OdDbMemoryFiler filer(OdDbDwgFiler::kFileFiler, buffer);
   filer.wrInt16(version);
   filer.wrString(L"old");
   filer.wrInt32(type);
   filer.wrInt32(77);
-  filer.wrDouble(2.5);
+  filer.wrDouble(value);
   filer.wrInt32(0);
   filer.wrHardPointerId(OdDbObjectId::kNull);
   filer.wrBool(false);
@@ -32,6 +32,13 @@ VdmConstraintPtr ConstraintRecord::read(OdResult expected) {
   VdmConstraintPtr constraint = VdmConstraint::createObject();
   EXPECT_EQ(constraint->dwgInFields(&filer), expected);
   return constraint;
+}
+
+OdString ConstraintRecord::name() {
+  OdDbMemoryFiler filer(OdDbDwgFiler::kFileFiler, buffer);
+  filer.startReading(0, 0);
+  filer.rdInt16();
+  return filer.rdString();
 }
 
 OdLong ConstraintRecord::storedType() {

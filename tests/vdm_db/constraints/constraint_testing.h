@@ -58,8 +58,11 @@ struct ConstraintRecord {
 
   explicit ConstraintRecord(const VdmConstraint& constraint);
   /// Of an older version: name "old", type, no arguments, node id 0.
-  ConstraintRecord(OdInt16 version, OdLong type, const std::vector<std::string>& map);
+  ConstraintRecord(OdInt16 version, OdLong type, const std::vector<std::string>& map,
+                   double value = 2.5);
   VdmConstraintPtr read(OdResult expected = eOk);
+  /// The name field.
+  [[nodiscard]] OdString name();
   /// The type in the stream.
   [[nodiscard]] OdLong storedType();
 };

@@ -86,6 +86,21 @@ TEST_F(VdmConstraintTest, ReadsOlderRecordsAndRefusesNewerOnes) {
   EXPECT_EQ(number(second, L"nodeId"), 9) << "the bag has the field";
 
   ConstraintRecord(4, 5, {}).read(eCorruptData);
+  ConstraintRecord cut(2, 5, map);
+  cut.buffer.bytes.pop_back();
+  cut.read(eCorruptData);
+}
+
+TEST_F(VdmConstraintTest, ArgumentsWithoutDefaultGeometryInADamagedRecordAreRefused) {
+  const VdmConstraintPtr constraint = ofType(3);
+  constraint->setDependencies({ExtendedDep(), ExtendedDep()});
+  constraint->changeProperty(L"arrayRefCsType", VdmLongArray{vdmu::kDefaultOrigin});
+  const VdmConstraintPtr read = ConstraintRecord(*constraint).read();
+  EXPECT_EQ(raisedBy([&] { static_cast<void>(read->getExtArguments()); }), eInvalidIndex);
+  ASSERT_EQ(read->dependencies().size(), 2u) << "so that they can be set again";
+  EXPECT_TRUE(read->dependencies()[0].isDefaultGeometry);
+  EXPECT_FALSE(read->dependencies()[1].isDefaultGeometry);
+  EXPECT_TRUE(read->isValid());
 }
 
 TEST_F(VdmConstraintTest, RoundTripKeepsEveryField) {

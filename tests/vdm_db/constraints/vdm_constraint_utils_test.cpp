@@ -4,7 +4,11 @@
 #include "vdm_db/constraints/vdm_constraint_cleanup.h"
 #include "vdm_db/constraints/vdm_constraint_names.h"
 
+#include <cmath>
+
+#include "platform/db/xrecord.h"
 #include "tests/vdm_db/constraints/constraint_testing.h"
+#include "vdm_db/drawing_utils/vdm_dictionary_utils.h"
 
 namespace {
 
@@ -50,6 +54,11 @@ TEST_F(VdmConstraintUtils, ContentsOfADrawing) {
   const OdDbObjectIdArray watched = vdmu::getWatchedObjects(m_drawing);
   EXPECT_TRUE(watched.contains(line));
   EXPECT_TRUE(watched.contains(m_carrier));
+
+  EXPECT_FALSE(
+      vdmu::getObjInExtDict(addBlock(m_drawing, L"odd"), L"VDM_DATABASE", OdDbXrecord::desc())
+          .isNull());
+  EXPECT_THROW(static_cast<void>(vdmu::getWatchedObjects(m_drawing)), OdError_NotThatKindOfClass);
 }
 
 TEST_F(VdmConstraintUtils, ValuesFartherApartThanTheTolerance) {
@@ -58,6 +67,7 @@ TEST_F(VdmConstraintUtils, ValuesFartherApartThanTheTolerance) {
     constraints.append(addConstraint(10, {newLine()}));
     constraints.last()->setUserValue(value);
   }
+  constraints.append(ConstraintRecord(1, 10, {}, std::nan("")).read());
   EXPECT_EQ(vdmu::getUniqueConstraintValues(constraints, 0.125), (OdArray<double>{1.0, 1.25, 5.0}));
 }
 

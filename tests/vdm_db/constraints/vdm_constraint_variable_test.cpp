@@ -36,11 +36,7 @@ TEST_F(VdmConstraintVariables, CarryNameAndValue) {
   const VdmConstraintPtr width = addDimension(L"width", 12.5);
   EXPECT_EQ(variable(width)->name(), L"width");
   EXPECT_EQ(width->userExpression(), L"12.5");
-  ConstraintRecord record(*width);
-  OdDbMemoryFiler filer(OdDbDwgFiler::kFileFiler, record.buffer);
-  filer.startReading(0, 0);
-  filer.rdInt16();
-  EXPECT_EQ(filer.rdString(), L"") << "the variable has the name";
+  EXPECT_EQ(ConstraintRecord(*width).name(), L"") << "the variable has the name";
 
   const VdmConstraintPtr height = addDimension(L"height", 1.0);
   EXPECT_EQ(define(height, L"2 * width"), eOk);
@@ -54,6 +50,12 @@ TEST_F(VdmConstraintVariables, CarryNameAndValue) {
   EXPECT_EQ(width->userExpression(), L"12.5");
   EXPECT_EQ(manager()->variables(),
             (OdDbObjectIdArray{width->userVariable(), height->userVariable()}));
+
+  EXPECT_EQ(ConstraintRecord(*width).name(), L"breadth") << "noted when they were listed";
+  width->setType(3);
+  EXPECT_EQ(editManager()->setConstraintValue(width, 8.0), eOk);
+  EXPECT_EQ(width->userExpression(), L"8") << "it has a variable";
+  EXPECT_EQ(width->userValue(), 12.5) << "and no value of its own";
 
   EXPECT_EQ(editManager()->checkConstraintExpression(L"Breadth + 2"), Manager::kExpressionOk);
   EXPECT_EQ(editManager()->checkConstraintExpression(L"depth"), Manager::kExpressionUnknownName);

@@ -43,6 +43,20 @@ TEST_F(VdmDbConstraintManagerFiling, UndoRestoresEveryByte) {
     manager()->notifyAboutModifications(line, true);
   });
   EXPECT_EQ(constraint(1)->owner(), m_constraints);
+
+  manager()->notifyAboutModifications(other, true);
+  const int before = m_solver.invalidations;
+  ASSERT_EQ(m_drawing->undo(), eOk);
+  EXPECT_GT(m_solver.invalidations, before) << "what the solver derived is outdated";
+}
+
+TEST_F(VdmDbConstraintManagerFiling, EditsOfAConstraintInUseReachItsManager) {
+  addConstraint(3, {newLine()});
+  reopen();
+  const VdmConstraintPtr held = constraint(1);
+  m_drawing->pageOut(0);
+  held->setEnabled(false);
+  EXPECT_FALSE(constraint(1)->isEnabled());
 }
 
 TEST_F(VdmDbConstraintManagerFiling, FilesHoldNoStatus) {
