@@ -122,17 +122,8 @@ void cut(EditScene& scene, const Feature& tool) {
 
 /// A groove across the whole top: it and two sides part in two.
 bool splitFace(EditScene& scene) {
-  Plan& plan = scene.plan();
-  if (plan.lanes.empty()) return false;
-  Feature groove;
-  groove.name = "new groove";
-  groove.kind = FeatureKind::kPocket;
-  groove.a = between(scene.random, 1.5, 2.5);
-  groove.b = plan.width + 20.0;
-  groove.c = between(scene.random, 0.2, 0.4) * plan.height;
-  groove.frame = OdGeMatrix3d::translation(
-      {plan.lanes[pick(scene.random, plan.lanes.size())], plan.width / 2.0, plan.height});
-  cut(scene, groove);
+  if (scene.plan().lanes.empty()) return false;
+  cut(scene, newGroove(scene.plan(), scene.random));
   return true;
 }
 
@@ -490,6 +481,18 @@ constexpr std::array<BodyEditRow, 6> kBodyEdits = {{
 }};
 
 }  // namespace
+
+Feature newGroove(const Plan& plan, Random& random) {
+  Feature groove;
+  groove.name = "new groove";
+  groove.kind = FeatureKind::kPocket;
+  groove.a = between(random, 1.5, 2.5);
+  groove.b = plan.width + 20.0;
+  groove.c = between(random, 0.2, 0.4) * plan.height;
+  groove.frame = OdGeMatrix3d::translation(
+      {plan.lanes[pick(random, plan.lanes.size())], plan.width / 2.0, plan.height});
+  return groove;
+}
 
 std::span<const EditRow> editRows() { return kEdits; }
 std::span<const BodyEditRow> bodyEditRows() { return kBodyEdits; }

@@ -15,10 +15,16 @@ struct EditScene {
   Random& random;
   EditMeaning meaning;
   Plan before;  ///< the plan at the beginning of the stage's trace
+  /// A body with the numbers of the new one whose surfaces are the plan's; null when the new one
+  /// is.
+  OdModelerBodyPtr judged;
 
   EditScene(Stage& s, Random& r) : stage(s), random(r), before(s.part().plan) {}
   Plan& plan() { return stage.part().plan; }
 };
+
+/// A groove across the whole top, in one of the plan's lanes, of which there must be one.
+[[nodiscard]] Feature newGroove(const Plan& plan, Random& random);
 
 struct EditRow {
   const char* name;
@@ -30,6 +36,8 @@ struct EditRow {
 
 /// The edits of generated parts.
 [[nodiscard]] std::span<const EditRow> editRows();
+/// More of them: replacements by parts that look like something else (replacements.cpp).
+[[nodiscard]] std::span<const EditRow> replacementRows();
 
 /// An edit of a part of which only the body is known. `touched` is where geometry may change.
 struct BodyEdit {

@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <BRepBuilderAPI_Copy.hxx>
+#include <BRepBuilderAPI_NurbsConvert.hxx>
+#include <BRepBuilderAPI_Transform.hxx>
 #include <BRep_Builder.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopoDS.hxx>
@@ -90,6 +92,18 @@ OdModelerBodyPtr reordered(const OdModelerBodyPtr& body, Random& random) {
     throw std::runtime_error(std::string(status.text.utf8()));
   }
   return result;
+}
+
+OdModelerBodyPtr splined(const OdModelerBodyPtr& body) {
+  return odBodyFromOcct(
+      BRepBuilderAPI_NurbsConvert(odOcctShape(*body), /*Copy=*/Standard_True).Shape());
+}
+
+OdModelerBodyPtr scaled(const OdModelerBodyPtr& body, double factor) {
+  gp_Trsf scaling;
+  scaling.SetScale(gp_Pnt(), factor);
+  return odBodyFromOcct(
+      BRepBuilderAPI_Transform(odOcctShape(*body), scaling, /*Copy=*/Standard_True).Shape());
 }
 
 std::vector<FileBody> readStepFolder(const std::string& folder) {

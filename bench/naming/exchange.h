@@ -14,6 +14,10 @@ namespace naming_bench {
 [[nodiscard]] OdModelerBodyPtr throughBytes(const OdModelerBodyPtr& body);
 /// A copy of the geometry whose faces come in a random order.
 [[nodiscard]] OdModelerBodyPtr reordered(const OdModelerBodyPtr& body, Random& random);
+/// The same numbers, all surfaces and curves as splines.
+[[nodiscard]] OdModelerBodyPtr splined(const OdModelerBodyPtr& body);
+/// The same numbers, larger by a factor about the origin.
+[[nodiscard]] OdModelerBodyPtr scaled(const OdModelerBodyPtr& body, double factor);
 
 /// The bodies of one solid in the STEP files of a folder, with their file names; in file order.
 struct FileBody {

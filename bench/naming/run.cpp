@@ -66,13 +66,13 @@ class Benchmark {
   }
 
   RunResult run() {
-    for (const Model& model :
-         generateModels(m_options.modelsPerFamily, m_options.seed, m_options.onlyFamily)) {
-      runModel(model);
-    }
+    const std::vector<Model> models =
+        generateModels(m_options.modelsPerFamily, m_options.seed, m_options.onlyFamily);
+    for (const Model& model : models) runModel(model);
     if (!m_options.stepFolder.empty() && !isLeftOut(m_options.onlyFamily, "file")) {
       for (const FileBody& file : readStepFolder(m_options.stepFolder)) runFile(file);
     }
+    for (const Model& model : models) runReplacements(model);
     return std::move(m_result);
   }
 
@@ -89,6 +89,15 @@ class Benchmark {
       }
       attempt(model.family, model.name, kChain, true,
               [&](Random& random, Script& script) { return chain(model, random, script); });
+    }
+  }
+
+  void runReplacements(const Model& model) {
+    for (std::size_t repeat = 0; repeat < m_options.repeats; ++repeat) {
+      for (const EditRow& row : replacementRows()) {
+        attempt(model.family, model.name, row.name, row.hasHistory,
+                [&](Random& random, Script& script) { return single(model, row, random, script); });
+      }
     }
   }
 
@@ -135,7 +144,7 @@ class Benchmark {
     script.start = script.edits.front().before;
     script.references = drawReferences(*script.start, m_options.references, random);
     const NamedBody before(scene.before, script.start);
-    const NamedBody now(scene.plan(), script.edits.back().after);
+    const NamedBody now(scene.plan(), scene.judged ? scene.judged : script.edits.back().after);
     if (before.unnamed() != 0) {
       throw std::logic_error("the construction plan does not know " +
                              std::to_string(before.unnamed()) + " faces of its part");

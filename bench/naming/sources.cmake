@@ -1,7 +1,7 @@
 # All of the naming benchmark but its main program, once for it, for its tests and for bench/update.
 if(NOT TARGET vdm_naming_bench)
   set(sources carrier edits exchange families fates index_method judge label_method label_naming
-      plan_bodies plan_carriers reference_drawing reference_method report run shape_relation shapes
+      plan_bodies plan_carriers reference_drawing reference_method replacements report run shape_relation shapes
       signature_method stage truth)
   list(TRANSFORM sources PREPEND ${CMAKE_CURRENT_LIST_DIR}/)
   list(TRANSFORM sources APPEND .cpp)

@@ -1,21 +1,16 @@
 // Which subentities of a body are those of another one, by their looks.
 //
 // The idea: geometry alone tells what is where, if one knows how the body as a whole moved. The
-// motion is therefore looked for first (motion_search.h); under it, old and new faces are paired by
-// how alike they are (signature_pairing.h), and an edge or vertex is named by the faces that meet
-// there, which says more than its own geometry.
+// motions that it may have made are therefore looked for first (motion_search.h); the faces are
+// read under each of them, and the readings weighed (reading.h). An edge or vertex is then named by
+// the faces that meet there, which says more than its own geometry.
 //
-// Where several motions lay the old body on the new one equally well, the body looks alike in
-// several positions, and what really happened cannot be known. All of them are carried through, and
-// a match counts only when each of them gives it. So a symmetric body whose position is unknown
-// yields ambiguous references, and never a wrong one.
+// Where several readings are left, the change looks alike in several ways, and what really happened
+// cannot be known. All of them are carried through, and a match counts only when each of them gives
+// it. So a symmetric body whose position is unknown yields ambiguous references, and never a wrong
+// one.
 //
-// The order of the phases matters for being right: what is identical is taken out of the way before
-// anything is compared that may have moved, since a neighbour that stayed would otherwise lose its
-// own image to one that came close. Each round of near faces knows more neighbours than the one
-// before; the rounds end when one pairs nothing, and after kMaxRounds at the latest.
-//
-// The cost is linear in the number of subentities times the number of motions, as long as places
+// The cost is linear in the number of subentities times the number of readings, as long as places
 // are spread; signatures are measured once.
 #include "host/naming/body_match.h"
 
@@ -25,9 +20,11 @@
 #include <unordered_map>
 
 #include "host/naming/body_signature.h"
-#include "host/naming/motion_search.h"
+#include "host/naming/face_reader.h"
 #include "host/naming/place_grid.h"
+#include "host/naming/reading.h"
 #include "host/naming/signature_pairing.h"
+#include "platform/base/sort_unique.h"
 
 namespace vdm_host {
 
@@ -36,37 +33,21 @@ namespace {
 using Type = OdModelerSubentType;
 using Signatures = std::vector<SubentSignature>;
 
-/// Rounds of near faces; each knows more neighbours than the one before.
-constexpr int kMaxRounds = 4;
-
-/// All signatures of a body of one type, with the faces around each.
-struct Level {
-  Signatures items;
-  std::vector<std::vector<OdUInt32>> faces;
-
-  Level(const OdModelerBody& body, Type type) : items(signaturesOf(body, type)) {
-    faces.reserve(items.size());
-    for (OdUInt32 i = 1; i <= items.size(); ++i) faces.push_back(facesAround(body, {type, i}));
-  }
-};
+/// Faces that were split give an edge or vertex several places where it may be; so many are looked
+/// at.
+constexpr std::size_t kMaxKeys = 64;
 
 struct Levels {
-  Level faces;
-  Level edges;
-  Level vertices;
+  SignatureLevel faces;
+  SignatureLevel edges;
+  SignatureLevel vertices;
 
   explicit Levels(const OdModelerBody& body)
       : faces(body, Type::kFace), edges(body, Type::kEdge), vertices(body, Type::kVertex) {}
 };
 
-Signatures movedBy(const OdGeMatrix3d& motion, const Signatures& items) {
-  Signatures result;
-  result.reserve(items.size());
-  for (const SubentSignature& item : items) result.push_back(item.movedBy(motion));
-  return result;
-}
-
 SubentMatch matchOf(const PairingGuess& guess) {
+  if (!guess.parts.empty()) return {ReferenceGrade::kSplit, guess.parts};
   if (guess.image != 0) return {ReferenceGrade::kBySignature, {guess.image}};
   return {guess.unclear ? ReferenceGrade::kAmbiguous : ReferenceGrade::kLost, {}};
 }
@@ -83,29 +64,197 @@ struct FaceKeyHash {
 /// Indices by the faces that meet there.
 using FaceGroups = std::unordered_map<FaceKey, std::vector<OdUInt32>, FaceKeyHash>;
 
-// The new faces that the old ones are; empty when one of them is not known.
-FaceKey imagesOf(const FaceKey& faces, const SignaturePairing& facePairs) {
-  FaceKey images;
+using Guesses = std::vector<PairingGuess>;
+
+// All sets of new faces that the old ones may be, one image of each; none when one is not known.
+std::vector<FaceKey> keysOf(const FaceKey& faces, const Guesses& guesses) {
+  std::vector<FaceKey> keys(1);
   for (const OdUInt32 face : faces) {
-    const OdUInt32 image = facePairs.imageOf(face);
-    if (image == 0) return {};
-    images.push_back(image);
+    const std::vector<OdUInt32> images = guesses[face - 1].images();
+    if (images.empty() || keys.size() * images.size() > kMaxKeys) return {};
+    std::vector<FaceKey> longer;
+    for (const FaceKey& key : keys) {
+      for (const OdUInt32 image : images) {
+        longer.push_back(key);
+        longer.back().push_back(image);
+      }
+    }
+    keys = std::move(longer);
   }
-  std::ranges::sort(images);
-  return images;
+  for (FaceKey& key : keys) odSortUnique(key);
+  odSortUnique(keys);
+  return keys;
 }
 
-/// Guesses for a whole body under one motion.
-struct BodyGuess {
-  std::array<std::vector<PairingGuess>, 3> byType;
+FaceGroups groupsOf(const SignatureLevel& level) {
+  FaceGroups groups;
+  for (OdUInt32 i = 0; i < level.items.size(); ++i) groups[level.faces[i]].push_back(i + 1);
+  return groups;
+}
 
-  std::vector<PairingGuess>& of(Type type) { return byType[static_cast<std::size_t>(type) - 1]; }
+/// Pairs edges or vertices under one reading of the faces.
+class BoundaryReader {
+ public:
+  BoundaryReader(const OdModelerBody& before, const OdModelerBody& now,
+                 const SignatureLevel& oldLevel, const SignatureLevel& newLevel,
+                 const PlaceGrid& grid, const MatchTolerance& tolerance, const FaceReading& reading)
+      : m_before(before),
+        m_now(now),
+        m_oldLevel(oldLevel),
+        m_newLevel(newLevel),
+        m_reading(reading),
+        m_tolerance(tolerance),
+        m_old(movedBy(reading.motion.matrix, oldLevel.items)),
+        m_pairs(m_old, newLevel.items, grid, tolerance) {}
+
+  Guesses run() {
+    contestAtContestedFaces();
+    collectPlaces();
+    takeSingles();
+    m_pairs.pairIdentical([this](OdUInt32 old, OdUInt32 now) { return mayBe(old, now); });
+    takeParts();
+    m_pairs.pairNear([this](OdUInt32 old, OdUInt32 now) -> std::optional<double> {
+      if (!std::ranges::binary_search(m_places[old - 1], now)) return std::nullopt;
+      return 0.0;
+    });
+    m_pairs.markAtUnclearFaces(m_oldLevel.faces, m_reading.guesses);
+    return m_pairs.guesses();
+  }
+
+ private:
+  void contestAtContestedFaces() {
+    std::vector<OdUInt32> contested;
+    for (OdUInt32 old = 1; old <= m_old.size(); ++old) {
+      const bool isContested = std::ranges::any_of(
+          m_oldLevel.faces[old - 1],
+          [this](OdUInt32 face) { return m_reading.guesses[face - 1].contested; });
+      if (isContested) contested.push_back(old);
+    }
+    m_pairs.contest(contested, {});
+  }
+
+  // The new ones between images of the old one's faces.
+  void collectPlaces() {
+    const FaceGroups groups = groupsOf(m_newLevel);
+    m_places.resize(m_oldLevel.items.size());
+    for (std::size_t i = 0; i < m_places.size(); ++i) {
+      std::vector<OdUInt32>& places = m_places[i];
+      for (const FaceKey& key : keysOf(m_oldLevel.faces[i], m_reading.guesses)) {
+        const auto found = groups.find(key);
+        if (found == groups.end()) continue;
+        places.insert(places.end(), found->second.begin(), found->second.end());
+      }
+      odSortUnique(places);
+    }
+  }
+
+  [[nodiscard]] bool isLikely(OdUInt32 old, OdUInt32 now) const {
+    return m_oldLevel.items[old - 1].kind == m_newLevel.items[now - 1].kind;
+  }
+
+  // Alone between its faces, before and after. They need not look alike: a circle that became
+  // larger is still the rim of its hole.
+  void takeSingles() {
+    const FaceGroups rivals = groupsOf(m_oldLevel);
+    for (OdUInt32 old = 1; old <= m_places.size(); ++old) {
+      const std::vector<OdUInt32>& places = m_places[old - 1];
+      if (places.size() != 1 || !m_pairs.isOpen(old) || !isLikely(old, places.front())) continue;
+      if (rivals.at(m_oldLevel.faces[old - 1]).size() != 1) continue;
+      m_pairs.takeParts(old, places);
+    }
+  }
+
+  // At faces that are not known it must be identical, and meet the images of those that are.
+  [[nodiscard]] bool mayBe(OdUInt32 old, OdUInt32 now) const {
+    const std::vector<OdUInt32>& around = m_newLevel.faces[now - 1];
+    return std::ranges::all_of(m_oldLevel.faces[old - 1], [&](OdUInt32 face) {
+      const std::vector<OdUInt32> images = m_reading.guesses[face - 1].images();
+      return images.empty() || std::ranges::any_of(images, [&](OdUInt32 image) {
+               return std::ranges::binary_search(around, image);
+             });
+    });
+  }
+
+  // Edges of which several parts are left, or one of several between the same faces.
+  void takeParts() {
+    for (OdUInt32 old = 1; old <= m_places.size(); ++old) {
+      if (!m_pairs.isOpen(old) || m_old[old - 1].type != Type::kEdge) continue;
+      std::vector<OdUInt32> parts;
+      for (const OdUInt32 now : m_places[old - 1]) {
+        if (overlap(old, now)) parts.push_back(now);
+      }
+      const auto isContained = [&](OdUInt32 part) { return reachesNowhereOut(part, old); };
+      if (parts.size() > 1 && !std::ranges::all_of(parts, isContained)) {
+        m_pairs.contest({&old, 1}, {});
+      } else if (!parts.empty()) {
+        m_pairs.takeParts(old, std::move(parts));
+      }
+    }
+  }
+
+  [[nodiscard]] bool reachesNowhereOut(OdUInt32 part, OdUInt32 old) const {
+    const OdGeMatrix3d back = m_reading.motion.matrix.inverse();
+    const auto isOnOld = [&](const OdGePoint3d& point) {
+      return m_before.distanceTo({Type::kEdge, old}, back * point) <= 10.0 * m_tolerance.length;
+    };
+    const OdModelerEdge& edge = m_now.edge(part);
+    return isOnOld(edge.midPoint) &&
+           std::ranges::all_of(std::array{edge.startVertex, edge.endVertex}, [&](OdUInt32 vertex) {
+             return vertex == 0 || isOnOld(m_now.vertex(vertex).point);
+           });
+  }
+
+  // On one curve, and a point inside of one lies inside of the other.
+  [[nodiscard]] bool overlap(OdUInt32 old, OdUInt32 now) const {
+    if (!liesOnSame(m_old[old - 1], m_newLevel.items[now - 1], m_tolerance)) return false;
+    const OdGeMatrix3d& motion = m_reading.motion.matrix;
+    return anyInside(m_now, now, motion.inverse(), m_before, old) ||
+           anyInside(m_before, old, motion, m_now, now);
+  }
+
+  // Whether the middle or an end of one edge lies on the other, and not at its ends.
+  [[nodiscard]] bool anyInside(const OdModelerBody& from, OdUInt32 edge, const OdGeMatrix3d& motion,
+                               const OdModelerBody& into, OdUInt32 other) const {
+    const double close = 10.0 * m_tolerance.length;
+    const auto isAt = [&](OdUInt32 vertex, const OdGePoint3d& point) {
+      return vertex != 0 && into.vertex(vertex).point.distanceTo(point) <= close;
+    };
+    const OdModelerEdge& there = into.edge(other);
+    const auto isInside = [&](const OdGePoint3d& point) {
+      return into.distanceTo({Type::kEdge, other}, point) <= close &&
+             !isAt(there.startVertex, point) && !isAt(there.endVertex, point);
+    };
+    const OdModelerEdge& here = from.edge(edge);
+    if (isInside(motion * here.midPoint)) return true;
+    return std::ranges::any_of(std::array{here.startVertex, here.endVertex}, [&](OdUInt32 vertex) {
+      return vertex != 0 && isInside(motion * from.vertex(vertex).point);
+    });
+  }
+
+  const OdModelerBody& m_before;
+  const OdModelerBody& m_now;
+  const SignatureLevel& m_oldLevel;
+  const SignatureLevel& m_newLevel;
+  const FaceReading& m_reading;
+  const MatchTolerance& m_tolerance;
+  Signatures m_old;  // under the motion
+  SignaturePairing m_pairs;
+  std::vector<std::vector<OdUInt32>> m_places;  // by old number - 1
+};
+
+/// Guesses for a whole body under one reading.
+struct BodyGuess {
+  std::array<Guesses, 3> byType;
+
+  Guesses& of(Type type) { return byType[static_cast<std::size_t>(type) - 1]; }
 };
 
 class SignatureMatcher {
  public:
   SignatureMatcher(const OdModelerBody& before, const OdModelerBody& now)
       : m_tolerance(MatchTolerance::of(before, now)),
+        m_bodyBefore(before),
+        m_bodyNow(now),
         m_before(before),
         m_now(now),
         m_faceGrid(m_now.faces.items),
@@ -113,13 +262,13 @@ class SignatureMatcher {
         m_vertexGrid(m_now.vertices.items) {}
 
   BodyMatch run() const {
-    const std::vector<BodyMotion> motions =
-        findMotions(m_before.faces.items, m_now.faces.items, m_faceGrid, m_tolerance);
+    const std::vector<FaceReading> readings = readAll();
     std::vector<BodyGuess> guesses;
-    guesses.reserve(motions.size());
-    for (const BodyMotion& motion : motions) guesses.push_back(guessUnder(motion.matrix));
+    guesses.reserve(readings.size());
+    for (const FaceReading& reading : readings) guesses.push_back(guessUnder(reading));
     BodyMatch match;
-    match.motion = motions.front().matrix;
+    match.motion = readings.front().motion;
+    match.readings = readings.size();
     match.faces = agreed(guesses, Type::kFace);
     match.edges = agreed(guesses, Type::kEdge);
     match.vertices = agreed(guesses, Type::kVertex);
@@ -127,110 +276,43 @@ class SignatureMatcher {
   }
 
  private:
-  BodyGuess guessUnder(const OdGeMatrix3d& motion) const {
+  [[nodiscard]] std::vector<FaceReading> readAll() const {
+    const FaceScene scene{m_bodyBefore, m_bodyNow,  m_before.faces,
+                          m_now.faces,  m_faceGrid, m_tolerance};
+    std::vector<FaceReading> readings;
+    for (const BodyMotion& motion :
+         findMotions(m_before.faces.items, m_now.faces.items, m_faceGrid, m_tolerance)) {
+      readings.push_back(readFaces(scene, motion));
+    }
+    return weighReadings(std::move(readings), scene);
+  }
+
+  [[nodiscard]] BodyGuess guessUnder(const FaceReading& reading) const {
     BodyGuess guess;
-    const Signatures faces = movedBy(motion, m_before.faces.items);
-    SignaturePairing facePairs(faces, m_now.faces.items, m_faceGrid, m_tolerance);
-    pairFaces(facePairs);
-    guess.of(Type::kFace) = facePairs.guesses();
-    const auto pairRest = [&](const Level& before, const Level& now, const PlaceGrid& grid) {
-      const Signatures items = movedBy(motion, before.items);
-      SignaturePairing pairs(items, now.items, grid, m_tolerance);
-      pairByFaces(pairs, before, now, facePairs);
-      return pairs.guesses();
+    guess.of(Type::kFace) = reading.guesses;
+    const auto read = [&](const SignatureLevel& before, const SignatureLevel& now,
+                          const PlaceGrid& grid) {
+      return BoundaryReader(m_bodyBefore, m_bodyNow, before, now, grid, m_tolerance, reading).run();
     };
-    guess.of(Type::kEdge) = pairRest(m_before.edges, m_now.edges, m_edgeGrid);
-    guess.of(Type::kVertex) = pairRest(m_before.vertices, m_now.vertices, m_vertexGrid);
+    guess.of(Type::kEdge) = read(m_before.edges, m_now.edges, m_edgeGrid);
+    guess.of(Type::kVertex) = read(m_before.vertices, m_now.vertices, m_vertexGrid);
     return guess;
   }
 
-  // ---- Faces
-
-  void pairFaces(SignaturePairing& pairs) const {
-    pairs.pairIdentical([](OdUInt32, OdUInt32) { return true; });
-    const auto neighbourCost = [&](OdUInt32 old, OdUInt32 now) {
-      return costOfNeighbours(pairs, old, now);
-    };
-    for (int round = 0; round < kMaxRounds; ++round) {
-      if (!pairs.pairNear(neighbourCost)) break;
-    }
-    pairs.markLookAlikes();
-  }
-
-  // The share of the old face's known neighbours that the new face does not meet; none when that is
-  // more than half.
-  std::optional<double> costOfNeighbours(const SignaturePairing& pairs, OdUInt32 old,
-                                         OdUInt32 now) const {
-    const std::vector<OdUInt32>& around = m_now.faces.faces[now - 1];
-    OdUInt32 known = 0;
-    OdUInt32 met = 0;
-    for (const OdUInt32 neighbour : m_before.faces.faces[old - 1]) {
-      const OdUInt32 image = pairs.imageOf(neighbour);
-      if (image == 0) continue;
-      ++known;
-      if (std::ranges::binary_search(around, image)) ++met;
-    }
-    if (known == 0) return 0.0;
-    if (2 * met < known) return std::nullopt;
-    return 1.0 - static_cast<double>(met) / static_cast<double>(known);
-  }
-
-  // ---- Edges and vertices
-
-  // Old and new ones between the same faces: a single one on either side is the same; of several,
-  // the identical and then the near ones. Those at faces that are not known must be identical.
-  void pairByFaces(SignaturePairing& pairs, const Level& before, const Level& now,
-                   const SignaturePairing& facePairs) const {
-    std::vector<FaceKey> keys;
-    keys.reserve(before.items.size());
-    for (const FaceKey& faces : before.faces) keys.push_back(imagesOf(faces, facePairs));
-    pairSingles(pairs, keys, before, now);
-    pairs.pairIdentical([&](OdUInt32 old, OdUInt32 other) {
-      return std::ranges::all_of(before.faces[old - 1], [&](OdUInt32 face) {
-        const OdUInt32 image = facePairs.imageOf(face);
-        return image == 0 || std::ranges::binary_search(now.faces[other - 1], image);
-      });
-    });
-    pairs.pairNear([&](OdUInt32 old, OdUInt32 other) -> std::optional<double> {
-      const FaceKey& key = keys[old - 1];
-      if (key.empty() || key != now.faces[other - 1]) return std::nullopt;
-      return 0.0;
-    });
-    pairs.markAtUnclearFaces(before.faces, facePairs.guesses());
-  }
-
-  // Pairs those that are alone between their faces, before and after. They need not look alike: a
-  // circle that became larger is still the rim of its hole.
-  static void pairSingles(SignaturePairing& pairs, const std::vector<FaceKey>& keys,
-                          const Level& before, const Level& now) {
-    FaceGroups oldGroups;
-    FaceGroups nowGroups;
-    for (OdUInt32 i = 0; i < keys.size(); ++i) {
-      if (!keys[i].empty()) oldGroups[keys[i]].push_back(i + 1);
-    }
-    for (OdUInt32 i = 0; i < now.items.size(); ++i) nowGroups[now.faces[i]].push_back(i + 1);
-    for (const auto& [key, group] : oldGroups) {
-      const auto found = nowGroups.find(key);
-      if (found == nowGroups.end() || group.size() != 1 || found->second.size() != 1) continue;
-      const OdUInt32 old = group.front();
-      const OdUInt32 image = found->second.front();
-      if (before.items[old - 1].kind == now.items[image - 1].kind) pairs.take(old, image);
-    }
-  }
-
-  // ---- What all motions agree on
-
+  // What all readings agree on. An image that not all of them give is a candidate, no more.
   static std::vector<SubentMatch> agreed(std::vector<BodyGuess>& guesses, Type type) {
     std::vector<SubentMatch> matches;
-    const std::vector<PairingGuess>& first = guesses.front().of(type);
+    const Guesses& first = guesses.front().of(type);
     matches.reserve(first.size());
     for (std::size_t i = 0; i < first.size(); ++i) {
       PairingGuess common = first[i];
       for (BodyGuess& guess : guesses) {
         const PairingGuess& other = guess.of(type)[i];
-        // An image that not all motions give is a candidate, no more.
-        common.unclear |= other.unclear || other.image != first[i].image;
-        if (other.image != first[i].image) common.image = 0;
+        const bool differs = other.image != first[i].image || other.parts != first[i].parts;
+        common.unclear |= other.unclear || differs;
+        if (!differs) continue;
+        common.image = 0;
+        common.parts.clear();
       }
       matches.push_back(matchOf(common));
     }
@@ -238,6 +320,8 @@ class SignatureMatcher {
   }
 
   MatchTolerance m_tolerance;
+  const OdModelerBody& m_bodyBefore;
+  const OdModelerBody& m_bodyNow;
   Levels m_before;
   Levels m_now;
   PlaceGrid m_faceGrid;

@@ -4,6 +4,7 @@
 #include <span>
 #include <vector>
 
+#include "host/naming/motion_search.h"
 #include "host/naming/subent_match.h"
 #include "host/naming/subent_signature.h"
 #include "platform/modeler/body.h"
@@ -15,21 +16,20 @@ struct BodyMatch {
   std::vector<SubentMatch> faces;
   std::vector<SubentMatch> edges;
   std::vector<SubentMatch> vertices;
-  OdGeMatrix3d motion;  ///< how the body moved as a whole
+  BodyMotion motion;         ///< how the body moved as a whole
+  std::size_t readings = 1;  ///< ways of reading the change that were left
 
   [[nodiscard]] const SubentMatch& of(OdModelerSubent subent) const;
 };
 
 /// Without history, by signature. Laws:
-///   1. nothing is taken that is not clearly best in both directions: the old subentity's best
-///      candidate, whose best old subentity it is, and the next candidate on either side is at
-///      least twice as bad;
-///   2. the motion (none, a displacement, a turn, a mirror) that lays the old body on the new one
-///      is looked for first. When several do so equally well, only what they agree on is matched,
-///      and the rest is ambiguous. No motion at all wins over others that fit as well;
-///   3. identical geometry is matched first. Next what was displaced by less than its reach or
-///      resized a little; it must meet the same neighbours. Then edges and vertices by the faces
-///      that meet there;
+///   1. the faces are read under each motion that the body as a whole may have made, and the
+///      readings are weighed (reading.h). Where several are left, only what they agree on is
+///      matched, and the rest is ambiguous;
+///   2. an edge or vertex is where the images of all its faces meet. Alone there before, it is all
+///      that is there now on its curve: split, where that is several. Among several it is the
+///      identical one, a part of it, or the clearly nearest;
+///   3. at a face that is not known it must be identical;
 ///   4. the rest is lost; ambiguous when several look-alikes are near, or it touches one such face.
 [[nodiscard]] BodyMatch matchBySignature(const OdModelerBody& before, const OdModelerBody& now);
 

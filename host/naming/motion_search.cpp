@@ -1,21 +1,24 @@
-// The motion that lays one body on another.
+// The motions that may lay one body on another.
 //
 // The idea: guess few motions from a handful of faces, then let all faces judge each guess. A guess
 // is as good as the number of old faces that it lays on new ones ("laid").
 //
-//   1. "None" is counted first. When it lays every face the search is over.
+//   1. "None" is counted first. When it lays every face on one of the same measure the search is
+//      over.
 //   2. Displacements are guessed by votes: each face that looks like no other in its body votes for
 //      the way to its only look-alike, each other face for the way to the nearest congruent one.
 //   3. Turns and mirrors are guessed from three old faces that are not on one line. Each triple of
 //      look-alikes at the same distances from each other gives one turn and one mirror. Seeds are
-//      the faces with the fewest look-alikes, so that there are few triples.
-//   4. Every guess is counted on a sample first, and on all faces when the sample is promising.
+//      the faces with the fewest look-alikes, so that there are few triples. Several triples of
+//      seeds are tried, since an edit may have changed any of them.
+//   4. Where no rigid motion lays half of the faces, the old body is scaled by the ratio of the
+//      areas and the search is done once more.
+//   5. Every guess is counted on a sample first, and on all faces when the sample is promising.
 //
-// Why it is right: a motion that is chosen lays at least kMost of all faces, whatever it was
-// guessed from, so that a bad seed costs time but gives no wrong motion. Motions that are equally
-// good are all returned; the caller takes only what they agree on. A motion that is not found, for
-// instance because no seed is left of the old body, leaves "none", and with it references that are
-// lost, not wrong.
+// Why it is right: nothing is chosen here. A motion that is returned lays half of all faces,
+// whatever it was guessed from, and the readings of the faces under all of them are weighed against
+// each other (reading.h). A motion that is not found, for instance because no seed is left of the
+// old body, leaves "none", and with it references that are lost, not wrong.
 //
 // It ends after kMaxTriples triples and kMaxMotions motions. The cost is (motions) times (faces),
 // each with one look into the grid.
@@ -38,14 +41,15 @@ namespace {
 using Signatures = std::span<const SubentSignature>;
 
 /// A motion is one of the body as a whole when it lays this share of the faces.
-constexpr double kMost = 0.75;
-/// "None" does not count, although it lays some faces, when another motion lays this share and
-/// "none" lays less than kMost.
-constexpr double kWholeBody = 0.95;
-/// Of several motions the smallest is taken when it displaces the body by less than this share of
-/// its size and the others displace it ten times as far.
-constexpr double kSmallMotion = 0.01;
-constexpr double kMuchFarther = 10.0;
+constexpr double kMost = 0.5;
+/// Motions that lay fewer than the best by more than this share are not looked at.
+constexpr double kNearlyAsMany = 0.1;
+/// Readings of the faces cost time: so many motions are handed on.
+constexpr std::size_t kMaxHandedOn = 16;
+/// Triples of seeds, each from faces that the others do not use.
+constexpr std::size_t kSeedTriples = 8;
+/// The ratio of areas must differ from 1 by this to be a scaling.
+constexpr double kScales = 1e-4;
 /// Seeds are apart by this share of the size, so that the motion is accurate across the body.
 constexpr double kSeedDistance = 0.05;
 /// Bounds of the search; what symmetric bodies of everyday parts need is far below.
@@ -105,13 +109,13 @@ class MotionSearch {
                const MatchTolerance& tolerance)
       : m_before(before), m_now(now), m_grid(grid), m_tolerance(tolerance) {}
 
+  /// Without "none".
   std::vector<BodyMotion> run() {
-    const BodyMotion none{OdGeMatrix3d::kIdentity, count(OdGeMatrix3d::kIdentity, m_before)};
-    if (m_before.empty() || none.laid == m_before.size()) return {none};
     collectDisplacements();
     collectTurns();
-    return choose(none);
+    return best();
   }
+  [[nodiscard]] OdUInt32 laidInPlace() const { return count(OdGeMatrix3d::kIdentity, m_before); }
 
  private:
   [[nodiscard]] bool isLaid(const SubentSignature& face) const {
@@ -225,26 +229,44 @@ class MotionSearch {
   }
 
   void collectTurns() {
-    const std::vector<Seed> seeds = rankedSeeds();
-    if (seeds.empty()) return;
-    // The farther apart the seeds, the less their tolerance turns the body at its other end.
-    const double apart = kSeedDistance * m_tolerance.size;
-    const Seed& a = seeds.front();
-    const auto b = std::ranges::find_if(
-        seeds, [&](const Seed& s) { return oldPlace(s).distanceTo(oldPlace(a)) > apart; });
-    if (b == seeds.end()) return;
-    const auto c = std::ranges::find_if(seeds, [&](const Seed& s) {
-      return distanceFromLine(oldPlace(a), oldPlace(*b), oldPlace(s)) > apart;
-    });
-    const Seed* third = c == seeds.end() ? nullptr : &*c;
+    std::vector<Seed> seeds = rankedSeeds();
     // Counts all triples of the search, whatever pair they belong to.
     std::size_t tried = 0;
+    for (std::size_t i = 0; i < kSeedTriples && !seeds.empty(); ++i) {
+      const std::vector<Seed> chosen = takeTriple(seeds);
+      if (chosen.size() >= 2) addTurnsOf(chosen, tried);
+    }
+  }
+
+  // Moves three seeds that are far apart out of the list; two when all places are on one line.
+  [[nodiscard]] std::vector<Seed> takeTriple(std::vector<Seed>& seeds) const {
+    // The farther apart the seeds, the less their tolerance turns the body at its other end.
+    const double apart = kSeedDistance * m_tolerance.size;
+    std::vector<Seed> chosen;
+    const auto takeFirst = [&](const auto& fits) {
+      const auto found = std::ranges::find_if(seeds, fits);
+      if (found == seeds.end()) return;
+      chosen.push_back(std::move(*found));
+      seeds.erase(found);
+    };
+    takeFirst([](const Seed&) { return true; });
+    takeFirst([&](const Seed& s) { return oldPlace(s).distanceTo(oldPlace(chosen[0])) > apart; });
+    if (chosen.size() < 2) return chosen;
+    takeFirst([&](const Seed& s) {
+      return distanceFromLine(oldPlace(chosen[0]), oldPlace(chosen[1]), oldPlace(s)) > apart;
+    });
+    return chosen;
+  }
+
+  void addTurnsOf(const std::vector<Seed>& chosen, std::size_t& tried) {
+    const Seed& a = chosen[0];
+    const Seed& b = chosen[1];
     for (const OdUInt32 na : a.candidates) {
-      for (const OdUInt32 nb : b->candidates) {
-        if (na == nb || !sameDistance(a.face, b->face, na, nb)) continue;
-        if (third == nullptr) {
-          addTurnAlongAxis(a, *b, na, nb);
-        } else if (!addTurnsOfPair({&a, &*b, third}, na, nb, tried)) {
+      for (const OdUInt32 nb : b.candidates) {
+        if (na == nb || !sameDistance(a.face, b.face, na, nb)) continue;
+        if (chosen.size() == 2) {
+          addTurnAlongAxis(a, b, na, nb);
+        } else if (!addTurnsOfPair({&a, &b, &chosen[2]}, na, nb, tried)) {
           return;
         }
       }
@@ -288,48 +310,26 @@ class MotionSearch {
     return faces;
   }
 
-  // How far the face that moves farthest does.
-  [[nodiscard]] double displacement(const OdGeMatrix3d& motion) const {
-    double farthest = 0.0;
-    for (const SubentSignature& face : m_before) {
-      farthest = std::max(farthest, face.place.distanceTo(motion * face.place));
-    }
-    return farthest;
-  }
-
-  [[nodiscard]] std::vector<BodyMotion> choose(const BodyMotion& none) const {
+  // Those that lay half of the faces, and nearly as many as the best.
+  [[nodiscard]] std::vector<BodyMotion> best() const {
     const std::vector<SubentSignature> few = sample();
-    std::vector<BodyMotion> better;
-    OdUInt32 best = none.laid;
-    for (const OdGeMatrix3d& motion : m_motions) {
-      // A good motion lays kMost of all faces; half of the sample leaves room for chance.
-      if (2 * count(motion, few) < few.size()) continue;
-      better.push_back({motion, count(motion, m_before)});
-      best = std::max(best, better.back().laid);
-    }
     const double all = static_cast<double>(m_before.size());
-    if (best == none.laid || best < kMost * all) return {none};
-    std::erase_if(better, [&](const BodyMotion& motion) { return motion.laid < best; });
-    keepSmallOne(better);
-    const bool moves = best >= kWholeBody * all && none.laid < kMost * all;
-    // A symmetric body may as well have stayed: then both are possible, and both are returned.
-    const bool mayStay = none.laid * 2 >= m_before.size();
-    if (mayStay && !moves && !isSmall(better.front())) better.push_back(none);
-    return better;
-  }
-
-  [[nodiscard]] bool isSmall(const BodyMotion& motion) const {
-    return displacement(motion.matrix) < kSmallMotion * m_tolerance.size;
-  }
-
-  // Of equally good motions the one that displaces the body by very little is the likely one.
-  void keepSmallOne(std::vector<BodyMotion>& motions) const {
-    std::ranges::stable_sort(motions, [this](const BodyMotion& a, const BodyMotion& b) {
-      return displacement(a.matrix) < displacement(b.matrix);
-    });
-    if (motions.size() < 2 || !isSmall(motions[0])) return;
-    if (displacement(motions[1].matrix) < kMuchFarther * displacement(motions[0].matrix)) return;
-    motions.resize(1);
+    std::vector<BodyMotion> good;
+    OdUInt32 most = 0;
+    for (const OdGeMatrix3d& motion : m_motions) {
+      // Half of what a good motion lays leaves room for chance in the sample.
+      if (static_cast<double>(count(motion, few)) < kMost / 2.0 * static_cast<double>(few.size())) {
+        continue;
+      }
+      const MotionKind kind = motion.det() < 0.0 ? MotionKind::kMirror : MotionKind::kProper;
+      good.push_back({motion, count(motion, m_before), kind});
+      most = std::max(most, good.back().laid);
+    }
+    const double least = std::max(kMost * all, most - std::max(1.0, kNearlyAsMany * all));
+    std::erase_if(good, [&](const BodyMotion& motion) { return motion.laid < least; });
+    std::ranges::stable_sort(good, std::ranges::greater(), &BodyMotion::laid);
+    if (good.size() > kMaxHandedOn) good.resize(kMaxHandedOn);
+    return good;
   }
 
   Signatures m_before;
@@ -339,11 +339,71 @@ class MotionSearch {
   std::vector<OdGeMatrix3d> m_motions;
 };
 
+double areaOf(Signatures faces) {
+  double sum = 0.0;
+  for (const SubentSignature& face : faces) sum += face.size;
+  return sum;
+}
+
+// The search with the old body scaled by the ratio of the areas.
+std::vector<BodyMotion> findScaled(Signatures before, Signatures now, const PlaceGrid& grid,
+                                   const MatchTolerance& tolerance) {
+  const double areas = areaOf(before);
+  const double factor = areas > 0.0 ? std::sqrt(areaOf(now) / areas) : 0.0;
+  if (factor <= 0.0 || std::abs(factor - 1.0) < kScales) return {};
+  const OdGeMatrix3d scaling = OdGeMatrix3d::scaling(factor);
+  std::vector<SubentSignature> scaled;
+  scaled.reserve(before.size());
+  for (const SubentSignature& face : before) scaled.push_back(face.movedBy(scaling));
+  MotionSearch search(scaled, now, grid, tolerance);
+  std::vector<BodyMotion> found = search.run();
+  // A part in other units is not turned: where scaling alone explains it, that is what happened.
+  const BodyMotion alone{OdGeMatrix3d::kIdentity, search.laidInPlace()};
+  if (std::ranges::all_of(found, [&](const BodyMotion& m) { return m.laid <= alone.laid; })) {
+    found.clear();
+  }
+  found.push_back(alone);
+  std::erase_if(found, [&](const BodyMotion& motion) {
+    return static_cast<double>(motion.laid) < kMost * static_cast<double>(before.size());
+  });
+  for (BodyMotion& motion : found) {
+    motion.matrix = motion.matrix * scaling;
+    motion.kind = MotionKind::kScaling;
+  }
+  return found;
+}
+
+bool laysAllAsLarge(Signatures before, Signatures now, const PlaceGrid& grid,
+                    const MatchTolerance& tolerance) {
+  if (before.size() != now.size()) return false;
+  return std::ranges::all_of(before, [&](const SubentSignature& face) {
+    bool found = false;
+    grid.within(face.place, std::max(1e-4 * face.reach(), 2.0 * tolerance.length),
+                [&](OdUInt32 i) { found = found || isIdentical(face, now[i], tolerance); });
+    return found;
+  });
+}
+
 }  // namespace
+
+double BodyMotion::displacement(std::span<const SubentSignature> faces) const {
+  double farthest = 0.0;
+  for (const SubentSignature& face : faces) {
+    farthest = std::max(farthest, face.place.distanceTo(matrix * face.place));
+  }
+  return farthest;
+}
 
 std::vector<BodyMotion> findMotions(Signatures before, Signatures now, const PlaceGrid& nowGrid,
                                     const MatchTolerance& tolerance) {
-  return MotionSearch(before, now, nowGrid, tolerance).run();
+  MotionSearch search(before, now, nowGrid, tolerance);
+  std::vector<BodyMotion> motions = {{OdGeMatrix3d::kIdentity, search.laidInPlace()}};
+  if (before.empty() || laysAllAsLarge(before, now, nowGrid, tolerance)) return motions;
+  std::vector<BodyMotion> others = search.run();
+  const bool staysInPart = 2 * motions.front().laid >= before.size();
+  if (others.empty() && !staysInPart) others = findScaled(before, now, nowGrid, tolerance);
+  motions.insert(motions.end(), others.begin(), others.end());
+  return motions;
 }
 
 }  // namespace vdm_host

@@ -207,7 +207,7 @@ void ReferenceUpdate::Impl::forEachSubent(const Solid& solid, const Visit& visit
 
 void ReferenceUpdate::Impl::decideBySignature(Solid& solid) {
   const BodyMatch match = matchBySignature(*solid.before, *solid.now);
-  solid.stamp.frame = match.motion * solid.stamp.frame;
+  solid.stamp.frame = match.motion.matrix * solid.stamp.frame;
   // The old body says nothing of references that led nowhere in it: these go by their records.
   std::vector<Decision> unresolved;
   std::vector<SubentSignature> wanted;

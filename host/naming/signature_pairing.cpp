@@ -35,6 +35,8 @@ constexpr double kMaxGrowth = 2.0;
 /// Directions may differ by 5 degrees, radii by a quarter.
 constexpr double kMinCosine = 0.9962;
 constexpr double kMaxRadiusChange = 0.25;
+/// The middle of half a wall lies 0.64 of the radius off the axis, that of a whole one on it.
+constexpr double kSideShare = 0.2;
 /// A piece of less than this share of the old size is a part and not the whole.
 constexpr double kWhole = 0.95;
 /// Vertices have no reach: they may move by this share of the body's size.
@@ -62,6 +64,23 @@ bool looksTheSameWay(const SubentSignature& old, const SubentSignature& now) {
   return old.direction.lengthSqrd() <= 0.0 || cosine >= kMinCosine;
 }
 
+// Where on a wall of revolution the face lies: across from its axis; zero when all around.
+OdGeVector3d sideOf(const SubentSignature& face) {
+  const bool isWall = face.type == OdModelerSubentType::kFace && face.radius > 0.0 &&
+                      face.direction.lengthSqrd() > 0.0 && !face.hasSign();
+  if (!isWall) return {};
+  const OdGeVector3d out = face.place - face.anchor;
+  return out - face.direction * face.direction.dotProduct(out);
+}
+
+// The two ends of a slot have equal walls on opposite sides of their axes.
+bool liesOnSameSide(const SubentSignature& old, const SubentSignature& now) {
+  const OdGeVector3d a = sideOf(old);
+  const OdGeVector3d b = sideOf(now);
+  const bool hasSide = a.length() > kSideShare * old.radius && b.length() > kSideShare * now.radius;
+  return !hasSide || a.dotProduct(b) > 0.0;
+}
+
 /// The cheapest proposal for a new subentity.
 struct Claim {
   OdUInt32 old = 0;
@@ -78,6 +97,13 @@ struct Claim {
 };
 
 }  // namespace
+
+// ---- PairingGuess
+
+std::vector<OdUInt32> PairingGuess::images() const {
+  if (!parts.empty()) return parts;
+  return image != 0 ? std::vector<OdUInt32>{image} : std::vector<OdUInt32>{};
+}
 
 // ---- PairingChoice
 
@@ -107,8 +133,21 @@ SignaturePairing::SignaturePairing(Signatures before, Signatures now, const Plac
       m_taken(now.size(), 0) {}
 
 void SignaturePairing::take(OdUInt32 old, OdUInt32 now) {
-  m_guesses[old - 1] = {now, false};
+  m_guesses[old - 1] = {now, false, false, {}};
   m_taken[now - 1] = 1;
+}
+
+void SignaturePairing::takeParts(OdUInt32 old, std::vector<OdUInt32> parts) {
+  for (const OdUInt32 now : parts) m_taken[now - 1] = 1;
+  m_guesses[old - 1] = {parts.front(), false, false, {}};
+  if (parts.size() > 1) m_guesses[old - 1].parts = std::move(parts);
+}
+
+void SignaturePairing::contest(std::span<const OdUInt32> olds, std::span<const OdUInt32> nows) {
+  for (const OdUInt32 now : nows) m_taken[now - 1] = 1;
+  for (const OdUInt32 old : olds) {
+    m_guesses[old - 1] = {0, true, true, {}};
+  }
 }
 
 // Wider than places of identical geometry can be apart: isIdentical() has the last word.
@@ -129,7 +168,7 @@ bool SignaturePairing::isPartOf(const SubentSignature& item, const SubentSignatu
 std::optional<double> SignaturePairing::costOf(const SubentSignature& old,
                                                const SubentSignature& now) const {
   if (old.kind != now.kind || old.inward != now.inward || old.closed != now.closed) return {};
-  if (!looksTheSameWay(old, now)) return {};
+  if (!looksTheSameWay(old, now) || !liesOnSameSide(old, now)) return {};
   const double radiusChange = std::abs(old.radius - now.radius);
   if (radiusChange > kMaxRadiusChange * old.radius) return {};
   const double displacement = old.place.distanceTo(now.place) / displacementLimit(old, m_tolerance);
@@ -164,6 +203,10 @@ bool SignaturePairing::takeMutual(std::span<const PairingChoice> choices) {
     any = true;
   }
   return any;
+}
+
+void SignaturePairing::markUnclear(std::span<const OdUInt32> olds) {
+  for (const OdUInt32 old : olds) m_guesses[old - 1].unclear = true;
 }
 
 // Congruent ones that nothing was paired with, facing the same way.

@@ -12,8 +12,13 @@ namespace vdm_host {
 
 /// What is known of one old subentity.
 struct PairingGuess {
-  OdUInt32 image = 0;    ///< 0 when none was taken
-  bool unclear = false;  ///< there were candidates, none of which was to be taken
+  OdUInt32 image = 0;           ///< 0 when none was taken
+  bool unclear = false;         ///< there were candidates, none of which was to be taken
+  bool contested = false;       ///< it has two good readings: nothing at it can be known either
+  std::vector<OdUInt32> parts;  ///< where it became several: all of them, rising; else empty
+
+  [[nodiscard]] std::vector<OdUInt32> images() const;
+  bool operator==(const PairingGuess&) const = default;
 };
 
 /// The best of several candidates, if it is clearly the best.
@@ -63,7 +68,16 @@ class SignaturePairing {
   bool pairNear(const ExtraCost& extraCost);
   /// Pairs these two whatever they look like.
   void take(OdUInt32 old, OdUInt32 now);
+  /// What is left of an old one: one or several, rising, which others may be left of, too.
+  void takeParts(OdUInt32 old, std::vector<OdUInt32> parts);
+  /// None of these is known, and nothing else is paired with them.
+  void contest(std::span<const OdUInt32> olds, std::span<const OdUInt32> nows);
+  [[nodiscard]] bool isOpen(OdUInt32 old) const {
+    return imageOf(old) == 0 && !m_guesses[old - 1].contested;
+  }
+  [[nodiscard]] bool isTaken(OdUInt32 now) const { return m_taken[now - 1] != 0; }
 
+  void markUnclear(std::span<const OdUInt32> olds);
   /// What has no image and several look-alikes not far away is unclear: it is not lost for sure.
   void markLookAlikes();
   /// What has no image and touches an unclear face is unclear too. `faces` are those around each
@@ -72,7 +86,6 @@ class SignaturePairing {
                           std::span<const PairingGuess> faceGuesses);
 
  private:
-  [[nodiscard]] bool isOpen(OdUInt32 old) const { return imageOf(old) == 0; }
   [[nodiscard]] double identicalRadius(const SubentSignature& item) const;
   [[nodiscard]] double nearRadius(const SubentSignature& item) const;
   [[nodiscard]] bool isPartOf(const SubentSignature& item, const SubentSignature& old) const;

@@ -15,6 +15,7 @@
 #include "platform/modeler_occt/occt_bridge.h"
 #include "platform/modeler_occt/occt_convert.h"
 #include "platform/modeler_occt/occt_guard.h"
+#include "platform/modeler_occt/occt_recognise.h"
 
 namespace od_occt {
 namespace {
@@ -184,11 +185,30 @@ std::span<const OdUInt32> Body::facesOfEdge(OdUInt32 edge) const {
 }
 
 OdModelerSurfaceKind Body::surfaceKind(OdUInt32 face) const {
-  return surfaceKindOf(part({OdModelerSubentType::kFace, face}));
+  const TopoDS_Shape& shape = part({OdModelerSubentType::kFace, face});
+  const OdModelerSurfaceKind kind = surfaceKindOf(shape);
+  if (kind != OdModelerSurfaceKind::kOther) return kind;
+  const std::scoped_lock lock(m_mutex);
+  const auto [row, isNew] = m_surfaceKinds.try_emplace(face, kind);
+  if (isNew) {
+    const auto known = recogniseSurface(TopoDS::Face(shape));
+    if (known) row->second = known->kind;
+  }
+  return row->second;
 }
 
 OdModelerCurveKind Body::curveKind(OdUInt32 edge) const {
-  return curveKindOf(part({OdModelerSubentType::kEdge, edge}));
+  const TopoDS_Shape& shape = part({OdModelerSubentType::kEdge, edge});
+  const OdModelerCurveKind kind = curveKindOf(shape);
+  if (kind != OdModelerCurveKind::kOther || BRep_Tool::Degenerated(TopoDS::Edge(shape)))
+    return kind;
+  const std::scoped_lock lock(m_mutex);
+  const auto [row, isNew] = m_curveKinds.try_emplace(edge, kind);
+  if (isNew) {
+    const auto known = recogniseCurve(TopoDS::Edge(shape));
+    if (known) row->second = known->kind;
+  }
+  return row->second;
 }
 
 OdUInt64 Body::fingerprint() const {

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <mutex>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/modeler/body.h"
@@ -92,6 +93,9 @@ class Body final : public OdModelerBody {
   mutable std::vector<std::unique_ptr<OdModelerFace>> m_faces;
   mutable std::vector<std::unique_ptr<OdModelerEdge>> m_edges;
   mutable std::vector<std::unique_ptr<OdModelerVertex>> m_vertices;
+  // What faces and edges in free form are.
+  mutable std::unordered_map<OdUInt32, OdModelerSurfaceKind> m_surfaceKinds;
+  mutable std::unordered_map<OdUInt32, OdModelerCurveKind> m_curveKinds;
   mutable std::optional<OdUInt64> m_fingerprint;
   mutable std::optional<OdGeExtents3d> m_extents;
   mutable std::optional<OdModelerMassProperties> m_mass;
@@ -105,7 +109,7 @@ std::shared_ptr<const Body> bodyOf(const TopoDS_Shape& shape,
 /// The interface's body as ours; raises OdError eNotThatKindOfClass for another modeller's.
 const Body& asOcct(const OdModelerBody& body);
 
-// Descriptions, one source each.
+// Descriptions, one source each. The kinds are those in which the shape is written.
 OdModelerSurfaceKind surfaceKindOf(const TopoDS_Shape& face);
 OdModelerCurveKind curveKindOf(const TopoDS_Shape& edge);
 OdModelerFace describeFace(const Topology& topology, OdUInt32 index);

@@ -17,6 +17,7 @@
 
 #include "platform/modeler_occt/occt_body.h"
 #include "platform/modeler_occt/occt_convert.h"
+#include "platform/modeler_occt/occt_recognise.h"
 
 namespace od_occt {
 namespace {
@@ -51,7 +52,8 @@ void setPointAndNormal(const TopoDS_Face& face, OdModelerFace& result) {
 
 // Parameters of the analytic surfaces. A face of revolution is inward when its outward normal runs
 // against the direction from the axis (or centre, or tube circle) to the point.
-void setSurface(const BRepAdaptor_Surface& surface, OdModelerFace& result) {
+void setSurface(const TopoDS_Face& face, OdModelerFace& result) {
+  const BRepAdaptor_Surface surface(face, /*R=*/Standard_False);
   const auto inwardFrom = [&](const OdGePoint3d& inner) {
     return result.normal.dotProduct(result.pointOnFace - inner) < 0.0;
   };
@@ -66,43 +68,63 @@ void setSurface(const BRepAdaptor_Surface& surface, OdModelerFace& result) {
     case GeomAbs_Plane:
       result.kind = OdModelerSurfaceKind::kPlane;
       result.origin = toPoint(surface.Plane().Location());
-      result.axis = result.normal;
       break;
     case GeomAbs_Cylinder:
       result.kind = OdModelerSurfaceKind::kCylinder;
       setAxis(surface.Cylinder().Axis());
       result.radius = surface.Cylinder().Radius();
-      result.inward = inwardFrom(footOnAxis(result.origin, result.axis));
       break;
     case GeomAbs_Cone:
       result.kind = OdModelerSurfaceKind::kCone;
       setAxis(surface.Cone().Axis());
       result.origin = toPoint(surface.Cone().Apex());
       result.halfAngle = std::abs(surface.Cone().SemiAngle());
-      result.inward = inwardFrom(footOnAxis(result.origin, result.axis));
       break;
     case GeomAbs_Sphere:
       result.kind = OdModelerSurfaceKind::kSphere;
       result.origin = toPoint(surface.Sphere().Location());
       result.radius = surface.Sphere().Radius();
-      result.inward = inwardFrom(result.origin);
       break;
-    case GeomAbs_Torus: {
+    case GeomAbs_Torus:
       result.kind = OdModelerSurfaceKind::kTorus;
       setAxis(surface.Torus().Axis());
       result.radius = surface.Torus().MajorRadius();
       result.minorRadius = surface.Torus().MinorRadius();
+      break;
+    default:
+      if (const std::optional<RecognisedSurface> known = recogniseSurface(face)) {
+        result.kind = known->kind;
+        result.origin = known->origin;
+        result.axis = known->axis;
+        result.radius = known->radius;
+        result.minorRadius = known->minorRadius;
+        result.halfAngle = known->halfAngle;
+      }
+      break;
+  }
+  switch (result.kind) {
+    case OdModelerSurfaceKind::kPlane:
+      result.axis = result.normal;
+      break;
+    case OdModelerSurfaceKind::kCylinder:
+    case OdModelerSurfaceKind::kCone:
+      result.inward = inwardFrom(footOnAxis(result.origin, result.axis));
+      break;
+    case OdModelerSurfaceKind::kSphere:
+      result.inward = inwardFrom(result.origin);
+      break;
+    case OdModelerSurfaceKind::kTorus: {
       const OdGeVector3d out = result.pointOnFace - footOnAxis(result.origin, result.axis);
       const double length = out.length();
       result.inward = length > 0.0 && inwardFrom(result.origin + out * (result.radius / length));
       break;
     }
-    default:
+    case OdModelerSurfaceKind::kOther:
       break;
   }
 }
 
-void setCurve(const BRepAdaptor_Curve& curve, OdModelerEdge& result) {
+void setCurve(const TopoDS_Edge& edge, const BRepAdaptor_Curve& curve, OdModelerEdge& result) {
   switch (curve.GetType()) {
     case GeomAbs_Line:
       result.kind = OdModelerCurveKind::kLine;
@@ -122,6 +144,12 @@ void setCurve(const BRepAdaptor_Curve& curve, OdModelerEdge& result) {
       result.minorRadius = curve.Ellipse().MinorRadius();
       break;
     default:
+      if (const std::optional<RecognisedCurve> known = recogniseCurve(edge)) {
+        result.kind = known->kind;
+        result.center = known->center;
+        result.axis = known->axis;
+        result.radius = result.minorRadius = known->radius;
+      }
       break;
   }
 }
@@ -178,7 +206,7 @@ OdModelerFace describeFace(const Topology& topology, OdUInt32 index) {
   result.area = area.Mass();
   result.centroid = toPoint(area.CentreOfMass());
   setPointAndNormal(face, result);
-  setSurface(BRepAdaptor_Surface(face, /*R=*/Standard_False), result);
+  setSurface(face, result);
   for (const OdUInt32 edge : topology.edgesOfFace[index - 1]) {
     if (!BRep_Tool::Degenerated(TopoDS::Edge(topology.edges(static_cast<int>(edge))))) {
       result.edges.push_back(edge);
@@ -212,7 +240,7 @@ OdModelerEdge describeEdge(const Topology& topology, OdUInt32 index) {
   result.midPoint = toPoint(middle);
   if (edge.Orientation() == TopAbs_REVERSED) tangent.Reverse();
   if (tangent.Magnitude() > gp::Resolution()) result.direction = toVector(tangent.Normalized());
-  setCurve(curve, result);
+  setCurve(edge, curve, result);
   return result;
 }
 

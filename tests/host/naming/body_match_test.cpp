@@ -129,6 +129,61 @@ TEST_F(VdmSignatureMatch, WhatLooksAlikeIsAmbiguous) {
   }
 }
 
+TEST_F(VdmSignatureMatch, AFaceThatMeetsOtherNeighboursIsAnotherFace) {
+  // The wall of a notch at a corner, and the side of a block on top, as large and near to it.
+  const OdModelerBodyPtr notched =
+      combine(BooleanKind::kSubtract, plate(), {box(20.0, 100.0, 10.0)});
+  const OdModelerBodyPtr topped =
+      combine(BooleanKind::kUnite, plate(), {box(50.0, 100.0, 10.0, {22.0, 2.0, 10.0})});
+  const BodyMatch match = matchBySignature(*notched, *topped);
+  EXPECT_TRUE(match.of({Type::kFace, faceAt(*notched, {20, 50, 5})}).images.empty());
+  EXPECT_EQ(match.of({Type::kFace, faceAt(*notched, {300, 100, 5})}).images,
+            std::vector{faceAt(*topped, {300, 100, 5})});
+}
+
+TEST_F(VdmSignatureMatch, WhatIsLeftOfASurfaceOutranksWhatIsNear) {
+  const OdModelerBodyPtr bore = cylinder(5.0, 20.0, {100.0, 100.0, -5.0});
+  const OdModelerBodyPtr before = combine(BooleanKind::kSubtract, plate(), {bore});
+  // A wider mouth takes nine tenths of the wall; the top is milled but for a land.
+  const OdModelerBodyPtr now = combine(
+      BooleanKind::kSubtract, plate(),
+      {bore, cylinder(5.5, 20.0, {100.0, 100.0, 1.0}), box(230.0, 240.0, 5.0, {80.0, -20.0, 9.8})});
+  const BodyMatch match = matchBySignature(*before, *now);
+  const auto imagesAt = [&](const OdGePoint3d& point) {
+    return match.of({Type::kFace, faceAt(*before, point)}).images;
+  };
+  EXPECT_EQ(imagesAt({105, 100, 5}), std::vector{faceAt(*now, {105, 100, 0.5})});
+  EXPECT_EQ(imagesAt({20, 100, 10}), std::vector{faceAt(*now, {20, 100, 10})});
+  // A groove across: the top is split, and its long edges are.
+  const OdModelerBodyPtr grooved =
+      combine(BooleanKind::kSubtract, before, {box(10.0, 240.0, 5.0, {150.0, -20.0, 8.0})});
+  const BodyMatch split = matchBySignature(*before, *grooved);
+  const SubentMatch& top = split.of({Type::kFace, faceAt(*before, {20, 100, 10})});
+  EXPECT_EQ(top.grade, ReferenceGrade::kSplit);
+  EXPECT_EQ(top.images.size(), 2u);
+  EXPECT_EQ(split.of({Type::kEdge, edgeAt(*before, {20, 0, 10})}).images.size(), 2u);
+}
+
+TEST_F(VdmSignatureMatch, ARowThatMovedByItsPitchIsAmbiguousAndNothingElse) {
+  const OdModelerBodyPtr before = drilled(drills(6, 1, 30.0, 100.0));
+  const OdModelerBodyPtr byPitch = drilled(drills(6, 1, 50.0, 100.0));
+  const BodyMatch match = matchBySignature(*before, *byPitch);
+  const OdUInt32 side = faceAt(*before, {0, 100, 5});
+  EXPECT_EQ(match.of({Type::kFace, side}).images, std::vector{faceAt(*byPitch, {0, 100, 5})});
+  for (int i = 0; i < 6; ++i) {
+    const OdUInt32 wall = faceAt(*before, {34.0 + 20.0 * i, 100, 5});
+    EXPECT_EQ(match.of({Type::kFace, wall}).grade, ReferenceGrade::kAmbiguous) << i;
+  }
+  // By most of it, nothing stays in its place and one reading explains all.
+  const OdModelerBodyPtr byPart = drilled(drills(6, 1, 46.0, 100.0));
+  const BodyMatch moved = matchBySignature(*before, *byPart);
+  for (int i = 0; i < 6; ++i) {
+    const OdUInt32 wall = faceAt(*before, {34.0 + 20.0 * i, 100, 5});
+    EXPECT_EQ(moved.of({Type::kFace, wall}).images,
+              std::vector{faceAt(*byPart, {50.0 + 20.0 * i, 100, 5})});
+  }
+}
+
 TEST_F(VdmSignatureMatch, SeveralSignaturesWithoutABody) {
   const std::vector<OdModelerBodyPtr> tools = drills(5, 3);
   const OdModelerBodyPtr before = drilled(tools);

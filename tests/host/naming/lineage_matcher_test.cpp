@@ -129,6 +129,23 @@ TEST_F(VdmLineageMatcher, WaysThatPartAndMeetAgain) {
   EXPECT_TRUE(fate.images.empty()) << "there is no such face";
 }
 
+TEST_F(VdmLineageMatcher, PartsThatMetAndPartedAgainKeepTheirSides) {
+  const OdModelerBodyPtr groove = box(20.0, 220.0, 5.0, {140.0, -10.0, 5.0});
+  const OdModelerBodyPtr start = cut(plate(), {groove});
+  m_changes.clear();
+  const OdModelerBodyPtr whole = unite(start, {box(20.0, 200.0, 5.0, {140.0, 0.0, 5.0})});
+  const OdModelerBodyPtr now = cut(whole, {groove});
+  const BodyLineage lineage(m_changes);
+  const std::optional<BodyTrace> trace = lineage.trace(start, now);
+  ASSERT_TRUE(trace);
+  LineageMatcher matcher(start, now, *trace);
+  for (const OdGePoint3d& side : {OdGePoint3d(70, 100, 10), OdGePoint3d(230, 100, 10)}) {
+    const SubentMatch match = matcher.match({Type::kFace, faceAt(*start, side)});
+    EXPECT_EQ(match.images, std::vector{faceAt(*now, side)}) << side.x;
+    EXPECT_EQ(match.grade, ReferenceGrade::kByLineage);
+  }
+}
+
 TEST_F(VdmLineageMatcher, FacesOfToolsThatWereUnitedAndMovedFirst) {
   const OdModelerBodyPtr drill = cylinder(4.0, 20.0);
   const OdGeMatrix3d there = OdGeMatrix3d::translation({50.0, 50.0, -5.0});
