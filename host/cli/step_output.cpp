@@ -131,11 +131,30 @@ std::string bullet(const std::string& line) {
   return "  - " + text.substr(4);
 }
 
+/// Said of every body that was replaced, but for one that is where it was.
+std::string readingLine(const vdm_host::ReadingReport& reading) {
+  std::string line = "body of " + handleOf(reading.solid) + " read as: " + str(reading.text);
+  if (reading.readings > 1) {
+    line += ", or in " + std::to_string(reading.readings - 1) + " other " +
+            (reading.readings == 2 ? "way" : "ways") + " that explain it as well";
+  }
+  return line;
+}
+
+bool isWorthALine(const vdm_host::ReadingReport& reading, bool explain) {
+  return explain || reading.readings > 1 || reading.text != L"nothing moved";
+}
+
 std::string updateText(const UpdateReport& report, bool explain) {
-  if (!explain && report.features.empty() && report.references.empty()) return {};
+  const bool tellsReadings = std::ranges::any_of(
+      report.readings, [explain](const auto& reading) { return isWorthALine(reading, explain); });
+  if (!explain && !tellsReadings && report.features.empty() && report.references.empty()) return {};
   std::string text = wrapped(summaryLine(report), "  ");
   for (const FeatureReport& feature : report.features) {
     if (isWorthALine(feature, explain)) text += bullet(featureLine(feature));
+  }
+  for (const vdm_host::ReadingReport& reading : report.readings) {
+    if (isWorthALine(reading, explain)) text += bullet(readingLine(reading));
   }
   std::string references;
   std::uint64_t count = 0;
@@ -193,17 +212,20 @@ Json updateJson(const UpdateReport& report) {
   for (const FeatureReport& feature : report.features) features.push_back(featureJson(feature));
   Json references = Json::array();
   for (const ReferenceReport& r : mergedByReference(report)) references.push_back(referenceJson(r));
+  Json readings = Json::array();
+  for (const vdm_host::ReadingReport& reading : report.readings) {
+    readings.push_back({{"solid", handleOf(reading.solid)},
+                        {"motion", str(reading.text)},
+                        {"readings", reading.readings}});
+  }
   Json phases = Json::array();
   for (const vdm_host::PhaseReport& phase : report.phases) {
     phases.push_back({{"phase", str(phase.phase)}, {"seconds", phase.seconds}});
   }
-  return {{"features", std::move(features)},
-          {"skipped", report.numSkipped},
-          {"rounds", report.numRounds},
-          {"references", std::move(references)},
-          {"phases", std::move(phases)},
-          {"seconds", report.seconds},
-          {"modeler_seconds", report.modelerSeconds},
+  return {{"features", std::move(features)}, {"skipped", report.numSkipped},
+          {"rounds", report.numRounds},      {"references", std::move(references)},
+          {"readings", std::move(readings)}, {"phases", std::move(phases)},
+          {"seconds", report.seconds},       {"modeler_seconds", report.modelerSeconds},
           {"sound", isSoundPass(report)}};
 }
 

@@ -28,6 +28,9 @@ OdStatus reportReferences(ModelUpdateContext& context) {
     if (change.replacedBy.isEmpty() && change.dependency.isErased()) continue;
     context.report.references.push_back(reportOf(context, change));
   }
+  for (const BodyReading& reading : context.references.readings) {
+    context.report.readings.push_back({reading.solid, textOf(reading.motion), reading.readings});
+  }
   return {};
 }
 

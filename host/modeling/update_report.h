@@ -55,11 +55,19 @@ struct PhaseReport {
   double seconds = 0.0;
 };
 
+/// How a solid whose body was replaced without a history was read, in words.
+struct ReadingReport {
+  OdDbObjectId solid;
+  OdString text;             ///< "turned by 90 deg about (0, 0, 1) through (5, 5, 0)"
+  std::size_t readings = 1;  ///< that explain the new body as well; 1 when there is no other
+};
+
 struct UpdateReport {
   std::vector<FeatureReport> features;  ///< those that took part, in the order of the pass
   OdUInt32 numSkipped = 0;              ///< features that had nothing to do
   OdUInt32 numRounds = 0;               ///< passes until nothing was new
   std::vector<ReferenceReport> references;
+  std::vector<ReadingReport> readings;
   std::vector<PhaseReport> phases;  ///< summed over all rounds, in the order of first appearance
   double seconds = 0.0;             ///< of the whole edit
   double passSeconds = 0.0;         ///< of that, after the change itself

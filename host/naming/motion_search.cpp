@@ -386,14 +386,6 @@ bool laysAllAsLarge(Signatures before, Signatures now, const PlaceGrid& grid,
 
 }  // namespace
 
-double BodyMotion::displacement(std::span<const SubentSignature> faces) const {
-  double farthest = 0.0;
-  for (const SubentSignature& face : faces) {
-    farthest = std::max(farthest, face.place.distanceTo(matrix * face.place));
-  }
-  return farthest;
-}
-
 std::vector<BodyMotion> findMotions(Signatures before, Signatures now, const PlaceGrid& nowGrid,
                                     const MatchTolerance& tolerance) {
   MotionSearch search(before, now, nowGrid, tolerance);

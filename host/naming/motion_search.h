@@ -4,24 +4,11 @@
 #include <span>
 #include <vector>
 
+#include "host/naming/body_motion.h"
 #include "host/naming/place_grid.h"
 #include "host/naming/subent_signature.h"
 
 namespace vdm_host {
-
-/// How a body may have moved as a whole. Numbers are in no file.
-enum class MotionKind : OdUInt8 { kNone, kProper, kMirror, kScaling };
-
-/// A motion and how many faces of the old body it lays on faces of the new one: on the same
-/// surface, with middles that are at most half a reach apart.
-struct BodyMotion {
-  OdGeMatrix3d matrix;
-  OdUInt32 laid = 0;
-  MotionKind kind = MotionKind::kNone;
-
-  /// How far it displaces the face that it displaces most.
-  [[nodiscard]] double displacement(std::span<const SubentSignature> faces) const;
-};
 
 /// The motions that are worth a closer look. Laws:
 ///   1. "none" comes first, and alone when it lays every face on one of the same measure;

@@ -19,6 +19,7 @@ namespace {
 constexpr double kInPlaceAlone = 0.3;
 constexpr double kIdenticalAlone = 1.0 / 3.0 - 1e-9;
 constexpr double kLittle = 0.1;
+constexpr double kSome = 0.25;
 constexpr double kMayBeLost = 1.0 / 3.0 + 1e-9;
 constexpr double kInPlace = 0.2;
 constexpr double kMostLost = 0.5;
@@ -57,9 +58,10 @@ class Weighing {
 
  private:
   [[nodiscard]] bool staysForSure(const FaceReading& none, const FaceReading& other) const {
+    const double more = (none.cost - other.cost) / m_all;
     return none.areaInPlace >= kInPlaceAlone && none.lostShare <= kMayBeLost &&
-           (none.identicalShare >= kIdenticalAlone || none.lostShare <= 0.0 ||
-            none.cost <= other.cost + kLittle * m_all);
+           (none.identicalShare >= kIdenticalAlone || more <= kLittle ||
+            (none.lostShare <= 0.0 && more <= kSome));
   }
 
   void dropPoorScalings(std::vector<FaceReading>& others) const {

@@ -63,8 +63,8 @@ struct FaceReading {
 /// The readings that are left when the evidence is weighed; the best first, at least one. Laws:
 ///   1. "nothing moved" is taken alone when nothing else costs less by more than the margin; also
 ///      when 30 % of the area is in its place, at most a third of the faces is lost, and either a
-///      third is identical, or none is lost, or the best other reading costs less by a tenth of all
-///      faces at most;
+///      third is identical, or the best other reading costs less by a tenth of all faces at most,
+///      or by a quarter where none is lost;
 ///   2. it stays beside others while 20 % of the area is identical in its place;
 ///   3. of the others those count whose cost is within the margin of the least;
 ///   4. a mirror image yields to a proper motion that costs no more;

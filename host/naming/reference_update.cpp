@@ -18,6 +18,7 @@ void ReferenceUpdateReport::add(ReferenceUpdateReport other) {
   ambiguous += other.ambiguous;
   changes.insert(changes.end(), std::make_move_iterator(other.changes.begin()),
                  std::make_move_iterator(other.changes.end()));
+  readings.insert(readings.end(), other.readings.begin(), other.readings.end());
 }
 
 // ---- The run

@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "host/naming/body_motion.h"
 #include "host/naming/face_respawn.h"
 #include "host/naming/reference_record.h"
 #include "platform/db/subent.h"
@@ -27,12 +28,20 @@ struct ReferenceChange {
   OdDbObjectIdArray replacedBy;  ///< dependencies that replace it
 };
 
+/// How a body that was replaced without a history was read.
+struct BodyReading {
+  OdDbObjectId solid;
+  BodyMotion motion;         ///< of the best reading
+  std::size_t readings = 1;  ///< that were left; references on which they differ are ambiguous
+};
+
 struct ReferenceUpdateReport {
   OdUInt32 looked = 0;      ///< references into the changed solids
   OdUInt32 renumbered = 0;  ///< of these: got another number
   OdUInt32 lost = 0;        ///< became lost
   OdUInt32 ambiguous = 0;   ///< became ambiguous
   std::vector<ReferenceChange> changes;
+  std::vector<BodyReading> readings;
 
   void add(ReferenceUpdateReport other);
 };

@@ -207,6 +207,7 @@ void ReferenceUpdate::Impl::forEachSubent(const Solid& solid, const Visit& visit
 
 void ReferenceUpdate::Impl::decideBySignature(Solid& solid) {
   const BodyMatch match = matchBySignature(*solid.before, *solid.now);
+  m_report.readings.push_back({solid.id, match.motion, match.readings});
   solid.stamp.frame = match.motion.matrix * solid.stamp.frame;
   // The old body says nothing of references that led nowhere in it: these go by their records.
   std::vector<Decision> unresolved;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <numbers>
+#include <string>
 
 #include "host/naming/reading.h"
 #include "tests/host/naming/naming_fixture.h"
@@ -94,6 +95,25 @@ TEST_F(VdmMotionSearch, MirrorsTurnsAndScalingsAreFoundApart) {
   for (const OdGeMatrix3d& motion : motions_) {
     EXPECT_TRUE(isOnly(motions(before, moved(before, motion)), motion));
   }
+}
+
+TEST_F(VdmMotionSearch, MotionsInWords) {
+  const auto text = [](const OdGeMatrix3d& matrix, MotionKind kind) {
+    return std::string(textOf({matrix, 0, kind}).utf8());
+  };
+  const OdGeMatrix3d quarter =
+      OdGeMatrix3d::rotation(std::numbers::pi / 2.0, OdGeVector3d::kZAxis, {5.0, 15.0, 7.0});
+  EXPECT_EQ(text(by(10.0, -2.0), MotionKind::kProper), "moved by (10, -2, 0)");
+  EXPECT_EQ(text(quarter, MotionKind::kProper),
+            "turned by 90 deg about (0, 0, 1) through (5, 15, 0)");
+  const OdGeMatrix3d half =
+      OdGeMatrix3d::translation({3.0, 0.0, 0.0}) *
+      OdGeMatrix3d::rotation(std::numbers::pi, OdGeVector3d::kXAxis, {0.0, 1.0, 2.0});
+  EXPECT_EQ(text(half, MotionKind::kProper),
+            "turned by 180 deg about (1, 0, 0) through (0, 1, 2) and moved by 3 along it");
+  EXPECT_EQ(
+      text(quarter * OdGeMatrix3d::scaling(25.4), MotionKind::kScaling),
+      "scaled by 25.4 (another unit?), then turned by 90 deg about (0, 0, 1) through (5, 15, 0)");
 }
 
 }  // namespace
