@@ -261,6 +261,7 @@ void OdDbUndoLog::apply(Stack& from, const Record& record) {
     case Kind::kPartial:
       return applyPartial(from, record);
     case Kind::kCreated:
+      (void)m_database.resident(record.idRecord);  // redo brings back what is in memory
       if (m_target != nullptr) push(Kind::kUncreated, record.idRecord);
       applyPresence(record.idRecord, /*present=*/false);
       if (m_target == nullptr) OdDbDatabaseImpl::forgetUncreated(record.idRecord);
@@ -271,6 +272,7 @@ void OdDbUndoLog::apply(Stack& from, const Record& record) {
     case Kind::kErased:
     case Kind::kUnerased: {
       const bool erasing = record.kind == Kind::kUnerased;
+      (void)m_database.resident(record.idRecord);  // it and its reactors hear of it
       if (m_target != nullptr) push(erasing ? Kind::kErased : Kind::kUnerased, record.idRecord);
       return m_database.setErased(record.idRecord, erasing);
     }

@@ -58,6 +58,33 @@ TEST_F(OdDbDatabaseFile, OpensWithoutReadingObjectsAndKnowsIdsWithoutLoading) {
   EXPECT_GT(static_cast<OdUInt64>(addCell().getHandle()), handle);
 }
 
+// What undo and redo take away may come back: it is read first where it is in the file alone.
+TEST_F(OdDbDatabaseFile, UndoAndRedoKeepWhatHasLeftMemory) {
+  const OdDbObjectId erased = addCell(L"erased");
+  saveAs();
+  const auto dropFromMemory = [this](const OdDbObjectId& id) {
+    save();
+    (void)database->pageOut(0);
+    EXPECT_FALSE(id.isResident());
+  };
+  database->startUndoRecord();
+  open(erased, OdDb::kForWrite)->erase();
+  EXPECT_EQ(database->undo(), eOk);
+  dropFromMemory(erased);
+  EXPECT_EQ(database->redo(), eOk);
+  EXPECT_TRUE(erased.isErased());
+  save();
+  EXPECT_EQ(database->undo(), eOk);
+  EXPECT_EQ(open(erased)->text(), L"erased");
+  database->startUndoRecord();
+  const OdDbObjectId made = addCell(L"made");
+  dropFromMemory(made);
+  EXPECT_EQ(database->undo(), eOk);
+  save();
+  EXPECT_EQ(database->redo(), eOk);
+  EXPECT_EQ(open(made)->text(), L"made");
+}
+
 TEST_F(OdDbDatabaseFile, AResidentProxyTurnsIntoItsObjectOnceTheClassIsThere) {
   const auto handle = static_cast<OdUInt64>(addCell(L"text").getHandle());
   saveAs();
