@@ -13,6 +13,7 @@
 #include <TFunction_IFunction.hxx>
 #include <TFunction_Logbook.hxx>
 #include <TFunction_Scope.hxx>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 
@@ -24,6 +25,8 @@
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"
+#include "vdm_db/update/vdm_update_context.h"
+#include "vdm_db/update/vdm_update_observer.h"
 
 namespace {
 
@@ -128,6 +131,31 @@ void addSettledFeatures(ComponentDrawing& drawing, std::size_t count) {
   }
 }
 
+/// Wants to hear of each feature that is skipped: a pass with it looks at all of them.
+class SkippedCounter : public VdmUpdateObserver {
+ public:
+  std::size_t count = 0;
+  void featureSkipped(const OdDbObjectId&) override { ++count; }
+};
+
+/// A pass in which every feature is looked at, and none is due.
+void visitAll(const VdmDbFeatureManagerPtr& manager, const VdmDependenciesReplacementMap& map) {
+  SkippedCounter counter;
+  VdmUpdateContext context;
+  context.replacementMap = &map;
+  context.observer = &counter;
+  (void)manager->updateFeatures(context);
+  if (counter.count != manager->featureIds().size()) throw std::logic_error("a feature is due");
+}
+
+/// A pass that has an edit of one feature to take in, and nothing that is due.
+void passAfterEdit(const VdmDbFeatureManagerPtr& manager,
+                   const VdmDependenciesReplacementMap& map) {
+  manager->featureIds()[0].safeOpenObject(OdDb::kForWrite)->assertWriteEnabled();
+  EPostprocessingOperationType post{};
+  (void)manager->updateFeatures(map, false, false, post);
+}
+
 /// Proves that the counter hears of a carrier.
 void tryOut(const CarrierCounter& counter, const OdDbObjectId& feature) {
   const std::size_t before = counter.count;
@@ -147,39 +175,67 @@ void measureOne(std::size_t count, std::size_t rounds, std::vector<Figure>& figu
   VdmDependenciesReplacementMap map;
   map.addTransformedObject(drawing.hole, OdGeMatrix3d::translation({1.0, 0.0, 0.0}), false);
 
+  const VdmDependenciesReplacementMap noMap;
+  EPostprocessingOperationType post{};
+  const double first = workOf([&] { (void)manager->updateFeatures(map, false, false, post); });
+
   CarrierCounter counter;
   drawing.database->addReactor(&counter);
-  std::vector<double> passes;
-  std::vector<double> peers;
-  std::vector<double> lists;
-  std::vector<double> peerLists;
-  const double scale = 1e9 / static_cast<double>(count);
+  struct Row {
+    const char* name;
+    const char* peerName;
+    double scale;  ///< of seconds
+    const char* unit;
+    std::function<void()> ours;
+    std::function<void()> peer;
+    std::vector<double> times{};  ///< after the peers' work, which has filled the caches
+    std::vector<double> again{};  ///< right after that
+    std::vector<double> peerTimes{};
+  };
+  const double perFeature = 1e9 / static_cast<double>(count);
+  const std::function<void()> askAll = [&] {
+    if (functions.pass() != 0) throw std::logic_error("a function is due");
+  };
+  Row rows[] = {
+      {"pass, nothing due, something moved", "functions asked whether due", 1e6, "us",
+       [&] { (void)manager->updateFeatures(map, false, false, post); }, askAll},
+      {"pass, nothing due, empty map", "functions asked whether due", 1e6, "us",
+       [&] { (void)manager->updateFeatures(noMap, true, true, post); }, askAll},
+      {"pass, all features looked at", "functions asked whether due", perFeature, "ns/feature",
+       [&] { visitAll(manager, map); }, askAll},
+      {"getFeatures(class)", "functions of a driver listed", perFeature, "ns/feature",
+       [&] {
+         const auto found = manager->getFeatures({VdmComponentFeature::desc()});
+         if (found.size() != count) throw std::logic_error("a feature is missing");
+       },
+       [&] {
+         if (functions.list() != count) throw std::logic_error("a function is missing");
+       }},
+  };
   for (std::size_t round = 0; round < rounds; ++round) {
-    passes.push_back(scale * workOf([&] {
-                       EPostprocessingOperationType post{};
-                       (void)manager->updateFeatures(map, false, false, post);
-                     }));
-    peers.push_back(scale * workOf([&] {
-                      if (functions.pass() != 0) throw std::logic_error("a function is due");
-                    }));
-    lists.push_back(scale * workOf([&] {
-                      const auto found = manager->getFeatures({VdmComponentFeature::desc()});
-                      if (found.size() != count) throw std::logic_error("a feature is missing");
-                    }));
-    peerLists.push_back(scale * workOf([&] {
-                          if (functions.list() != count) {
-                            throw std::logic_error("a function is missing");
-                          }
-                        }));
+    for (Row& row : rows) {
+      row.times.push_back(row.scale * workOf(row.ours));
+      row.again.push_back(row.scale * workOf(row.ours));
+      row.peerTimes.push_back(row.scale * workOf(row.peer));
+    }
   }
   const std::size_t opened = counter.count;
   tryOut(counter, manager->featureIds()[0]);
   drawing.database->removeReactor(&counter);
-  const std::string number = std::to_string(count);
-  figures.push_back({"pass, nothing to do, " + number + " features", "functions asked whether due",
-                     medianOf(passes), medianOf(peers), "ns/feature"});
-  figures.push_back({"getFeatures(class), " + number + " features", "functions of a driver listed",
-                     medianOf(lists), medianOf(peerLists), "ns/feature"});
+  std::vector<double> edited;
+  for (std::size_t round = 0; round < rounds; ++round) {
+    edited.push_back(1e6 * workOf([&] { passAfterEdit(manager, map); }));
+  }
+
+  const std::string number = ", " + std::to_string(count) + " features";
+  for (const Row& row : rows) {
+    figures.push_back(
+        {row.name + number, row.peerName, medianOf(row.times), medianOf(row.peerTimes), row.unit});
+    figures.push_back({"  right after that, again", "", medianOf(row.again), 0.0, row.unit});
+  }
+  figures.push_back({"edit of one, pass, nothing due" + number, "", medianOf(edited), 0.0, "us"});
+  figures.push_back(
+      {"first pass of a drawing" + number, "", perFeature * first, 0.0, "ns/feature"});
   figures.push_back({"carriers opened for write in those passes", "", static_cast<double>(opened),
                      0.0, "carriers"});
 }

@@ -27,6 +27,7 @@ class VdmDbInsertReactor : public VdmDbFeatureReactor {
   void watch(const OdDbObjectId& insert);
   [[nodiscard]] OdDbObjectId insertId() const;
   [[nodiscard]] bool hasChanges() const override;
+  [[nodiscard]] bool changesAreStored() const override { return true; }
   /// Open for write, or open for notification.
   void setChanged(bool changed);
   /// An erased insert is a change that the next pass deals with, not damage.

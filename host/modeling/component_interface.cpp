@@ -51,6 +51,11 @@ VdmUpdateFeatureInterface::OpeningFaces VdmComponentInterface::openingFaces() co
           own->getFeatureEntities(VdmComponentFeature::kBaseFaceMask, /*filtered=*/false)};
 }
 
+bool VdmComponentInterface::storedInsert(const VdmFeature& feature, OdDbObjectId& insert) const {
+  insert = static_cast<const VdmComponentFeature&>(feature).insertId();
+  return true;
+}
+
 bool VdmComponentInterface::prepareUpdateData(VdmFeatureUpdateData& data, bool forced) {
   const VdmComponentFeaturePtr own = component();
   VdmUpdateInfo info;

@@ -11,6 +11,7 @@ class VdmComponentInterface : public VdmUpdateFeatureInterface {
   OD_RX_DECLARE_MEMBERS(VdmComponentInterface)
 
   [[nodiscard]] OpeningFaces openingFaces() const override;
+  bool storedInsert(const VdmFeature& feature, OdDbObjectId& insert) const override;
   bool prepareUpdateData(VdmFeatureUpdateData& data, bool forced) override;
   /// Heals the record's entity with the feature's residues.
   bool removeSubents(VdmFeatureSubentsToRemove& record,

@@ -32,6 +32,10 @@ class EntityChanges : public OdStaticRxObject<OdDbDatabaseReactor> {
 
   /// Number of changes so far.
   std::size_t count();
+  /// The entity of a change by its number, below count().
+  [[nodiscard]] const OdDbObjectId& entity(std::size_t number) const {
+    return m_log[number].entity;
+  }
   /// What comes next belongs to no feature, until a turn ends.
   void beginTurns() { m_turn = count(); }
   /// What came since the last turn was made by the feature.

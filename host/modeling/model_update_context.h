@@ -69,6 +69,12 @@ class ModelUpdateContext final : public VdmUpdateHost {
 
   [[nodiscard]] bool hasChangedEntities() const override;
   [[nodiscard]] bool concerns(const VdmFeature& feature, const OdDbObjectId& entity) const override;
+  [[nodiscard]] std::optional<std::size_t> numChangedEntities() const override {
+    return changes.count();
+  }
+  [[nodiscard]] OdDbObjectId changedEntity(std::size_t number) const override {
+    return changes.entity(number);
+  }
 
  private:
   std::unordered_set<OdDbObjectId> m_done;  // by force

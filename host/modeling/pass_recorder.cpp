@@ -114,6 +114,8 @@ void PassRecorder::phaseEnded(VdmUpdatePhase phase) {
 
 void PassRecorder::featureSkipped(const OdDbObjectId& /*feature*/) { ++m_report.numSkipped; }
 
+void PassRecorder::featuresPassedOver(OdUInt32 numFeatures) { m_report.numSkipped += numFeatures; }
+
 void PassRecorder::featureTaken(const OdDbObjectId& feature, VdmUpdateReason reason) {
   // What only carries data has nothing to do at a moved solid.
   if (reason == VdmUpdateReason::kEntityTransformed && onlyCarriesData(feature)) {

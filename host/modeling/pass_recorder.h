@@ -30,7 +30,9 @@ class PassRecorder final : public VdmUpdateObserver {
 
   void phaseBegan(VdmUpdatePhase phase) override;
   void phaseEnded(VdmUpdatePhase phase) override;
+  [[nodiscard]] bool hearsEachSkipped() const override { return false; }
   void featureSkipped(const OdDbObjectId& feature) override;
+  void featuresPassedOver(OdUInt32 numFeatures) override;
   void featureTaken(const OdDbObjectId& feature, VdmUpdateReason reason) override;
   void featurePrepared(const OdDbObjectId& feature, VdmUpdatePreparation result) override;
   void featureCondemned(const OdDbObjectId& feature) override;

@@ -19,11 +19,14 @@ list(APPEND VDM_DB_SOURCES
   features/vdm_feature_color_pe.cpp
   features/vdm_feature_colors.cpp
   features/vdm_feature_external_pe.cpp
+  features/vdm_feature_index.cpp
+  features/vdm_feature_look.cpp
   features/vdm_feature_manager_utils.cpp
   features/vdm_feature_pe.cpp
   features/vdm_feature_references.cpp
   features/vdm_matching_faces.cpp
   features/vdm_naming_service.cpp
+  features/vdm_resident_classes.cpp
   features/vdm_sheet_metal_source.cpp
   features/vdm_simple_feature_interface.cpp
   features/vdm_update_feature_interface.cpp
@@ -60,5 +63,8 @@ list(APPEND VDM_DB_PRIVATE_HEADERS
   features/vdm_reactor_variables.h
   features/vdm_db_feature_manager_impl.h
   features/vdm_feature_color_material.h
+  features/vdm_feature_index.h
+  features/vdm_feature_look.h
   features/vdm_feature_reactor_walk.h
+  features/vdm_resident_classes.h
 )

@@ -1,6 +1,8 @@
 // Carriers of features.
 #include "vdm_db/features/vdm_db_feature_data.h"
 
+#include <atomic>
+
 #include "platform/base/error.h"
 #include "vdm_db/common/vdm_class_registration.h"
 #include "vdm_db/common/vdm_constants.h"
@@ -15,6 +17,13 @@
 #include "vdm_db/features/vdm_feature_results.h"
 #include "vdm_db/features/vdm_naming_service.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
+#include "vdm_db/model/vdm_reference_notes.h"
+
+namespace {
+
+std::atomic<OdUInt64> g_numEnded{0};
+
+}  // namespace
 
 // ---- Run-time class: queries go on to the feature
 
@@ -106,7 +115,9 @@ void VdmDbFeatureDataImpl::bagWasRead(OdDbObject* carrier) {
 }
 
 VdmDbFeatureData::VdmDbFeatureData() : m_impl(std::make_unique<VdmDbFeatureDataImpl>()) {}
-VdmDbFeatureData::~VdmDbFeatureData() = default;
+VdmDbFeatureData::~VdmDbFeatureData() { g_numEnded.fetch_add(1, std::memory_order_relaxed); }
+
+OdUInt64 VdmDbFeatureData::numEnded() { return g_numEnded.load(std::memory_order_relaxed); }
 
 OdSmartPtr<VdmDbFeatureData> VdmDbFeatureData::create(const OdRxClass* cls, const OdString& name) {
   VdmDbFeatureDataPtr carrier = createObject();
@@ -121,6 +132,7 @@ const VdmProperties& VdmDbFeatureData::getReadProperties() const {
 
 VdmProperties& VdmDbFeatureData::getWriteProperties() {
   assertWriteEnabled();
+  VdmReferenceNotes::note(this);
   return m_impl->properties();
 }
 
@@ -134,6 +146,7 @@ OdString VdmDbFeatureData::featureType() const {
 
 OdResult VdmDbFeatureData::dwgInFields(OdDbDwgFiler* filer) {
   assertWriteEnabled();
+  VdmReferenceNotes::note(this);
   OdResult result = OdDbObject::dwgInFields(filer);
   if (result == eOk) result = m_impl->dwgInFields(filer);
   if (result != eOk) return result;
@@ -164,6 +177,7 @@ bool readMarker(OdDbDxfFiler* filer, const OdString& name) {
 
 OdResult VdmDbFeatureData::dxfInFields(OdDbDxfFiler* filer) {
   assertWriteEnabled();
+  VdmReferenceNotes::note(this);
   OdResult result = OdDbObject::dxfInFields(filer);
   if (result != eOk) return result;
   if (!readMarker(filer, desc()->name())) return eNotApplicable;
@@ -218,6 +232,12 @@ void VdmDbFeatureData::appendToOwner(OdDbIdPair& pair, OdDbObject* owner, OdDbId
   const VdmOpenUpgrade upgrade(manager);
   manager->onAppendToOwner(this);
 }
+
+// ---- What may concern its part in update passes
+
+void VdmDbFeatureData::subExistenceChanged() { VdmReferenceNotes::note(this); }
+void VdmDbFeatureData::subIdSwapped() { VdmReferenceNotes::note(this); }
+void VdmDbFeatureData::subClose() { VdmReferenceNotes::note(this); }
 
 // ---- Erasing
 

@@ -52,6 +52,8 @@ class VDM_DB_EXPORT VdmDbFeatureData : public OdDbObject {
   /// Records the whole state for undo.
   [[nodiscard]] VdmProperties& getWriteProperties();
 
+  /// How many carriers have left memory in this process.
+  [[nodiscard]] static OdUInt64 numEnded();
   /// Class of the feature; that of OdRxObject without one.
   [[nodiscard]] OdRxClass* adapterClass() const;
   /// The feature with an added reference if it is of the class; null otherwise.
@@ -74,6 +76,9 @@ class VDM_DB_EXPORT VdmDbFeatureData : public OdDbObject {
   /// Erases what the feature owns. 417 for a carrier without a feature, which is erased all the
   /// same.
   OdResult subErase(bool erasing) override;
+  void subExistenceChanged() override;
+  void subIdSwapped() override;
+  void subClose() override;
 
  private:
   void invalidateNamesOfManager() const;

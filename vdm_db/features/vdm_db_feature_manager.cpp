@@ -1,8 +1,6 @@
 // The features of one block: making, finding, upkeep, filing.
 #include "vdm_db/features/vdm_db_feature_manager.h"
 
-#include <algorithm>
-
 #include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "vdm_db/common/vdm_class_registration.h"
@@ -36,6 +34,12 @@ VdmDbFeatureManager::~VdmDbFeatureManager() = default;
 VdmDbFeatureManagerImpl& VdmDbFeatureManager::implForRead() const {
   assertReadEnabled();
   return *m_impl;
+}
+
+std::size_t VdmDbFeatureManager::approximateSize() const {
+  return sizeof(*this) + m_impl->features.approximateSize() +
+         m_impl->residentClasses.approximateSize() +
+         (m_impl->index ? m_impl->index->approximateSize() : 0) + OdDbObject::approximateSize();
 }
 
 // ---- Place
@@ -146,27 +150,9 @@ const OdDbObjectIdArray& VdmDbFeatureManager::featureIds() const {
 
 OdDbObjectIdArray VdmDbFeatureManager::getFeatures(
     std::initializer_list<OdRxClass*> classes) const {
+  const VdmDbFeatureManagerImpl& state = implForRead();
   OdDbObjectIdArray found;
-  const auto isWanted = [&classes](const OdRxClass* cls) {
-    return std::any_of(classes.begin(), classes.end(),
-                       [cls](const OdRxClass* wanted) { return cls->isDerivedFrom(wanted); });
-  };
-  // Drawn and queried for each picture: records and objects are read where they lie.
-  const OdRxClass* lastClass = nullptr;
-  bool lastAnswer = false;
-  for (const OdDbObjectId& id : featureIds()) {
-    const OdDbIdRecord* idRecord = id.idRecord();
-    if (classes.size() == 0 || idRecord == nullptr || idRecord->object == nullptr) continue;
-    if (idRecord->has(OdDbIdRecord::kErased)) continue;
-    if (idRecord->object->isA() != VdmDbFeatureData::desc()) continue;
-    const OdRxClass* cls = static_cast<const VdmDbFeatureData*>(idRecord->object)->adapterClass();
-    if (cls == nullptr) continue;
-    if (cls != lastClass) {
-      lastClass = cls;
-      lastAnswer = isWanted(cls);
-    }
-    if (lastAnswer) found.append(id);
-  }
+  if (classes.size() != 0) m_impl->residentClasses.find(state.features, classes, found);
   return found;
 }
 

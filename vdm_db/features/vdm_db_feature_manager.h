@@ -17,6 +17,8 @@ class VdmDbFeatureData;
 class VdmDbFeatureManagerImpl;
 class VdmDbReverseIdMapping;
 class VdmDependenciesReplacementMap;
+class VdmDueFeatures;
+class VdmFeatureIndex;
 class VdmFeatureUpdateData;
 class VdmNamingService;
 struct VdmMergeContext;
@@ -134,6 +136,7 @@ class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject, public VdmFeatureRe
                              bool isPrimary) const override;
   OdDbObjectPtr subWblockClone(OdDbIdMapping& mapping, OdDbObject* owner,
                                bool isPrimary) const override;
+  [[nodiscard]] std::size_t approximateSize() const override;
 
  protected:
   /// Takes the id out of the list; the carrier stays.
@@ -141,6 +144,7 @@ class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject, public VdmFeatureRe
 
  private:
   class FeatureSource;
+  friend class VdmDueFeatures;
 
   [[nodiscard]] VdmDbFeatureManagerImpl& implForRead() const;
   OdDbDwgFiler* recordList();
@@ -151,6 +155,8 @@ class VDM_DB_EXPORT VdmDbFeatureManager : public OdDbObject, public VdmFeatureRe
   void namesWillChange();
   [[nodiscard]] OdString finalName(OdRxClass* cls, const OdString& name, bool numberGiven,
                                    bool trim);
+  /// Brought up to date; null when it cannot serve this list. The manager is open for read.
+  [[nodiscard]] VdmFeatureIndex* currentIndex() const;
   [[nodiscard]] bool featuresTellChanges(bool constraintsWereCalculated) const;
   [[nodiscard]] bool isPassDue(const VdmUpdateContext& context) const;
   [[nodiscard]] OdDbObjectIdArray featuresToClone(const OdDbIdMapping& mapping) const;

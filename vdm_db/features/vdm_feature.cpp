@@ -15,6 +15,7 @@
 #include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/model/vdm_db_object.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_reference_notes.h"
 
 // ---- Run-time class
 
@@ -59,8 +60,14 @@ VDM_DEFINE_FEATURE_CLASS(VdmFeature, OdRxObject, L"VdmFeature")
 VdmFeature::VdmFeature() = default;
 VdmFeature::~VdmFeature() = default;
 
+// A pass opens many features for read: those are not queried for.
 VdmFeaturePtr VdmFeature::open(const OdDbObjectId& carrier, OdDb::OpenMode mode) {
-  return carrier.openAs<VdmFeature>(mode);
+  if (mode != OdDb::kForRead) return carrier.openAs<VdmFeature>(mode);
+  const OdDbObjectPtr object = carrier.openObject();
+  if (object.isNull() || object->isA() != VdmDbFeatureData::desc()) return cast(object.get());
+  const VdmFeature* adapter = static_cast<const VdmDbFeatureData&>(*object).adapter();
+  if (adapter == nullptr || adapter->isA() == nullptr) return {};
+  return VdmFeaturePtr(const_cast<VdmFeature*>(adapter));
 }
 
 // ---- The carrier
@@ -75,6 +82,7 @@ OdDbObject* VdmFeature::assertWritable() {
   OdDbObject* carrier = getDbObject();
   if (carrier == nullptr) odRaise(eNotOpenForWrite, "a feature without carrier");
   carrier->assertWriteEnabled();
+  VdmReferenceNotes::note(carrier);
   return carrier;
 }
 

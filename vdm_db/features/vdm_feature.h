@@ -157,6 +157,9 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
   /// Objects besides the reactors that the feature owns; they are erased with it. None in the base.
   /// A feature that owns some is kept by the manager's audit without reactors, too.
   [[nodiscard]] virtual OdDbObjectIdArray ownedObjects() const;
+  /// Whether the class has the hasChanges() of VdmFeature, which asks the reactors and nothing
+  /// else. VdmFeatureImpl answers it.
+  [[nodiscard]] virtual bool asksOnlyReactors() const = 0;
 
   // ---- The carrier
 
@@ -205,6 +208,7 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
   friend class VdmDbFeatureDataImpl;
   friend class VdmDbFeatureManager;
   friend class VdmDbFeatureManagerTransaction;
+  friend class VdmFeatureLook;
   friend class VdmFeatureUpdateData;
 
   /// Raises OdError(eNotOpenForRead) unless there is a carrier that is open for read.

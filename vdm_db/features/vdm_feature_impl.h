@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <type_traits>
 
 #include "platform/db/db_object.h"
 #include "vdm_db/common/vdm_db_export.h"
@@ -38,6 +39,10 @@ class VdmFeatureImpl final : public TBase {
   OdDbObject* getDbObject() override { return m_dbObject; }
   [[nodiscard]] const OdDbObject* getDbObject() const override { return m_dbObject; }
   void attach(OdDbObject* carrier) override { m_dbObject = carrier; }
+  // The type of a pointer to a member names the class that declares the member last.
+  [[nodiscard]] bool asksOnlyReactors() const override {
+    return std::is_same_v<decltype(&VdmFeatureImpl::hasChanges), decltype(&VdmFeature::hasChanges)>;
+  }
 
  private:
   VdmFeatureImpl() = default;

@@ -2,9 +2,19 @@
 #pragma once
 
 #include "vdm_db/drawing_utils/vdm_object_id_class.h"
+#include "vdm_db/features/vdm_db_expression_reactor.h"
 #include "vdm_db/features/vdm_db_pers_id_reactor.h"
+#include "vdm_db/features/vdm_db_property_reactor.h"
 #include "vdm_db/model/vdm_db_feature_reactor.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
+
+// openAs for read, for objects that mostly are of class T itself: those are not queried for.
+template <class T>
+OdSmartPtr<T> vdmOpenMostly(const OdDbObjectId& id) {
+  OdDbObjectPtr object = id.openObject();
+  if (object.isNull() || object->isA() != T::desc()) return T::cast(object.get());
+  return OdSmartPtr<T>(static_cast<T*>(object.detach()), kOdRxObjAttach);
+}
 
 // Opens each reactor of class T or below for read, in order, and calls visit(T*) until that gives
 // true. The result is true when visit ended the walk. Ids know the classes of their objects, so
@@ -17,6 +27,15 @@ bool vdmVisitReactors(const OdDbObjectIdArray& reactors, const Visit& visit) {
     if (!object.isNull() && visit(static_cast<T*>(object.get()))) return true;
   }
   return false;
+}
+
+// Most reactors are of the classes that answer neither question of hasChanges(): they are not
+// asked. A class below one of them may answer.
+inline bool vdmAnswersChanges(const OdRxClass* reactorClass) {
+  return reactorClass != VdmDbPersIdReactor::desc() &&
+         reactorClass != VdmDbFeatureReactor::desc() &&
+         reactorClass != VdmDbPropertyReactor::desc() &&
+         reactorClass != VdmDbExpressionReactor::desc();
 }
 
 // The entities, or outermost inserts, of the dependencies that open: the first ids of their paths.

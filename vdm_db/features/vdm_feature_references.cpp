@@ -191,21 +191,12 @@ OdDbFullSubentPathArray VdmFeature::getEntities(int mask, int tag) const {
 
 // ---- What reactors answer
 
-namespace {
-
-// Most reactors are of these classes, which answer neither question: they are not opened.
-bool answersChanges(const OdRxClass* reactorClass) {
-  return reactorClass != VdmDbPersIdReactor::desc() && reactorClass != VdmDbFeatureReactor::desc();
-}
-
-}  // namespace
-
 bool VdmFeature::hasChanges(bool& needConstraintsRecalculation) const {
   assertReadable();
   needConstraintsRecalculation = false;
   bool changed = false;
   for (const OdDbObjectId& id : m_reactors) {
-    if (!answersChanges(id.objectClass())) continue;
+    if (!vdmAnswersChanges(id.objectClass())) continue;
     const VdmDbFeatureReactorPtr reactor = id.openAs<VdmDbFeatureReactor>();
     if (reactor.isNull()) continue;
     changed |= reactor->hasChanges();

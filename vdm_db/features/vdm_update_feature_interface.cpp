@@ -53,6 +53,11 @@ OdSmartPtr<VdmUpdateFeatureInterface> VdmUpdateFeatureInterface::activeOf(
   return !found.isNull() && found->isActive() ? found : OdSmartPtr<VdmUpdateFeatureInterface>();
 }
 
+bool VdmUpdateFeatureInterface::storedInsert(const VdmFeature& /*feature*/,
+                                             OdDbObjectId& /*insert*/) const {
+  return false;
+}
+
 // ---- Component features
 
 void VdmUpdateFeatureInterface::registerComponentFeature(OdRxClass* cls) {

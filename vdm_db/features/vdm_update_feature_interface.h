@@ -117,6 +117,12 @@ class VDM_DB_EXPORT VdmUpdateFeatureInterface : public VdmFeaturePE {
   /// The two closing steps of createFeature.
   virtual void setEntities(const OdDbObjectIdArray& entities) = 0;
   virtual void attachToSolid(VdmDbFeatureManager* manager, const OdDbObjectId& solid) = 0;
+  /// The insert of the feature's opening, for classes that store it in the feature: in a member
+  /// that changes only while the carrier is open for write, and in a manner recorded for undo. A
+  /// pass over moved inserts then finds the feature without asking for its openingFaces(). False in
+  /// the base: each such pass asks. Called on the extension of the class, which is bound to no
+  /// feature.
+  virtual bool storedInsert(const VdmFeature& feature, OdDbObjectId& insert) const;
 
   // Component features: classes under a name of their own.
   /// A class without extension is ignored, and so is null. Registering twice lists it twice.

@@ -16,6 +16,7 @@ list(APPEND VDM_DB_SOURCES
   model/vdm_db_pers_id_manager_remap.cpp
   model/vdm_dependency_paths.cpp
   model/vdm_object_names.cpp
+  model/vdm_reference_notes.cpp
 )
 list(APPEND VDM_DB_HEADERS
   model/vdm_bag_with_ids.h
@@ -33,5 +34,6 @@ list(APPEND VDM_DB_PRIVATE_HEADERS
   model/vdm_dependency_paths.h
   model/vdm_exchanged_ids.h
   model/vdm_merge_context.h
+  model/vdm_reference_notes.h
   model/vdm_object_names.h
 )

@@ -4,6 +4,7 @@
 #include "vdm_db/common/vdm_class_registration.h"
 #include "vdm_db/drawing_utils/vdm_reactor_utils.h"
 #include "vdm_db/model/vdm_block_managers.h"
+#include "vdm_db/model/vdm_reference_notes.h"
 
 VDM_DEFINE_DB_CLASS(VdmDbFeatureReactor, OdDbObject, L"VdmDbFeatureReactor", L"VDMDBFEATUREREACTOR",
                     L"features reactor")
@@ -38,6 +39,7 @@ const VdmDbFeatureReactorImpl& VdmDbFeatureReactor::implForRead() const {
 
 VdmDbFeatureReactorImpl& VdmDbFeatureReactor::implForWrite() {
   assertWriteEnabled();
+  VdmReferenceNotes::note(this);
   return *m_impl;
 }
 
@@ -46,6 +48,7 @@ VdmDbFeatureReactorImpl& VdmDbFeatureReactor::implForWrite() {
 bool VdmDbFeatureReactor::hasChanges() const { return false; }
 bool VdmDbFeatureReactor::needConstraintsRecalculation() const { return false; }
 bool VdmDbFeatureReactor::doAudit() { return true; }
+bool VdmDbFeatureReactor::changesAreStored() const { return false; }
 
 OdDbObjectIdArray VdmDbFeatureReactor::getVariables() {
   assertReadEnabled();
@@ -77,10 +80,14 @@ OdResult VdmDbFeatureReactor::subErase(bool erasing) {
   return result;
 }
 
+void VdmDbFeatureReactor::subExistenceChanged() { VdmReferenceNotes::note(this); }
+void VdmDbFeatureReactor::subIdSwapped() { VdmReferenceNotes::note(this); }
+
 // ---- Filing: the base's part, then the bag
 
 OdResult VdmDbFeatureReactor::dwgInFields(OdDbDwgFiler* filer) {
   assertWriteEnabled();
+  VdmReferenceNotes::note(this);
   const OdResult result = OdDbObject::dwgInFields(filer);
   return result == eOk ? m_impl->dwgInFields(filer) : result;
 }

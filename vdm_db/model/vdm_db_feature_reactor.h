@@ -35,7 +35,10 @@ class VDM_DB_EXPORT VdmDbFeatureReactorImpl : public VdmDbPropertiesBase {
 ///    calculated. VdmFeature::hasChanges asks every class but those of the module that answer
 ///    neither.
 /// 3. doAudit gives false when the reactor has lost what it exists for.
-/// 4. getVariables gives the variables that the reactor depends on, getDependentVariables those
+/// 4. changesAreStored may be true only where both answers of law 2 follow from the reactor's own
+///    state and every change of that goes through implForWrite, or comes by reading it. A pass then
+///    keeps the answers instead of asking each time.
+/// 5. getVariables gives the variables that the reactor depends on, getDependentVariables those
 ///    that depend on the feature.
 class VDM_DB_EXPORT VdmDbFeatureReactor : public OdDbObject {
  public:
@@ -49,6 +52,8 @@ class VDM_DB_EXPORT VdmDbFeatureReactor : public OdDbObject {
   virtual bool doAudit();
   [[nodiscard]] virtual OdDbObjectIdArray getVariables();
   [[nodiscard]] virtual OdDbObjectIdArray getDependentVariables();
+  /// False in the base. A class below one that says true keeps the law, too, or says false again.
+  [[nodiscard]] virtual bool changesAreStored() const;
 
   /// Block of the manager of the feature; null when the carrier or the manager does not open.
   [[nodiscard]] OdDbObjectId blockId() const;
@@ -56,6 +61,8 @@ class VDM_DB_EXPORT VdmDbFeatureReactor : public OdDbObject {
   /// A copy of what the reactor is attached to concerns another feature or none: takes itself off.
   void copied(const OdDbObject* object, const OdDbObject* clone) override;
   OdResult subErase(bool erasing) override;
+  void subExistenceChanged() override;
+  void subIdSwapped() override;
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
 

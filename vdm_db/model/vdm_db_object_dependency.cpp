@@ -8,6 +8,7 @@
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 #include "vdm_db/model/vdm_db_pers_id_manager.h"
+#include "vdm_db/model/vdm_reference_notes.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
 VDM_DEFINE_DB_CLASS(VdmDbObjectDependency, OdDbObject, L"VdmDbObjectDependency",
@@ -81,6 +82,7 @@ void VdmDbObjectDependency::linkWillChange() {
 }
 
 void VdmDbObjectDependency::linkIsNoLongerValid() const {
+  VdmReferenceNotes::note(this);
   if (isDBRO()) g_linkGeneration.fetch_add(1, std::memory_order_relaxed);
 }
 
@@ -147,6 +149,9 @@ void VdmDbObjectDependency::resetProperties() {
 }
 
 // ---- Life
+
+void VdmDbObjectDependency::subExistenceChanged() { VdmReferenceNotes::note(this); }
+void VdmDbObjectDependency::subIdSwapped() { VdmReferenceNotes::note(this); }
 
 bool VdmDbObjectDependency::isWatched() const {
   assertReadEnabled();

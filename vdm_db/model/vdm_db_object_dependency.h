@@ -61,6 +61,8 @@ class VDM_DB_EXPORT VdmDbObjectDependency : public OdDbObject {
   /// Results of look-ups by path are outdated when it has risen.
   [[nodiscard]] static OdUInt64 linkGeneration();
 
+  void subExistenceChanged() override;
+  void subIdSwapped() override;
   void applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) override;
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;

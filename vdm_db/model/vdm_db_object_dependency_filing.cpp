@@ -1,6 +1,7 @@
 // Dependencies: partial undo and record.
 #include "platform/base/error.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_reference_notes.h"
 #include "vdm_db/properties/vdm_dwg_utils.h"
 
 namespace {
@@ -149,6 +150,7 @@ OdResult VdmDbObjectDependency::dwgInFields(OdDbDwgFiler* filer) {
   assertWriteEnabled();
   const OdResult result = OdDbObject::dwgInFields(filer);
   if (result != eOk) return result;
+  VdmReferenceNotes::note(this);
   if (m_compoundId.size() != 0) linkIsNoLongerValid();
   const OdDbObjectId top =
       filer->rdId(filer->filerType() == OdDbDwgFiler::kFileFiler ? OdDb::kHardPointerRef

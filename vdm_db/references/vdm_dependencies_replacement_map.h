@@ -22,6 +22,22 @@ class VDM_DB_EXPORT VdmDependenciesReplacementMap {
     bool isMarked = false;  ///< the flag of addTransformedObject
   };
 
+  // ---- What it lists, in no order
+
+  [[nodiscard]] std::size_t numReplaced() const { return m_replacements.size(); }
+  [[nodiscard]] std::size_t numTransformed() const { return m_transformed.size(); }
+  /// visit(id) of each replaced dependency.
+  template <class Visit>
+  void forEachReplaced(const Visit& visit) const {
+    for (const auto& [id, replacements] : m_replacements) visit(id);
+  }
+  /// visit(id, data) of each moved object.
+  template <class Visit>
+  void forEachTransformed(const Visit& visit) const {
+    for (const auto& [id, data] : m_transformed) visit(id, data);
+  }
+  [[nodiscard]] const IdSet& clones() const { return m_clones; }
+
   // ---- Replacements
 
   /// False, with the first set kept, when `id` has an entry.

@@ -13,6 +13,7 @@
 #include "vdm_db/references/vdm_indexed_ids.h"
 
 #include <algorithm>
+#include <atomic>
 #include <numeric>
 #include <unordered_map>
 #include <utility>
@@ -57,7 +58,13 @@ OdDbObjectIdArray readIds(OdDbDwgFiler* filer) {
 
 }  // namespace
 
+OdUInt64 VdmIndexedIds::nextStamp() {
+  static std::atomic<OdUInt64> last{0};
+  return last.fetch_add(1, std::memory_order_relaxed) + 1;
+}
+
 void VdmIndexedIds::replaced() {
+  m_stamp = nextStamp();
   const auto last = std::remove(m_ids.begin(), m_ids.end(), OdDbObjectId::kNull);
   m_ids.resize(static_cast<OdUInt32>(last - m_ids.begin()));
   m_isIndexed = false;
@@ -155,6 +162,7 @@ void VdmIndexedIds::takeOut(const OdArray<OdUInt32>& positions, OdDbDwgFiler* un
     }
   }
   if (positions.isEmpty()) return;
+  m_stamp = nextStamp();
   OdDbObjectId* ids = m_ids.asArrayPtr();
   // With an id in several places the table does not tell whether one is left.
   if (m_index.size() != m_ids.size()) m_isIndexed = false;
@@ -225,6 +233,7 @@ void VdmIndexedIds::putIn(const OdArray<Run>& runs, OdDbDwgFiler* undo) {
   }
   while (next < before.size()) after.append(before[next++]);
   m_ids = after;
+  m_stamp = nextStamp();
   if (m_isIndexed) m_index.insert(added.begin(), added.end());
   if (undo == nullptr) return;
   undo->wrBool(false);

@@ -32,6 +32,9 @@ class VDM_DB_EXPORT VdmIndexedIds {
   [[nodiscard]] OdDbObjectIdArray& array() { return m_ids; }
   /// The array was filled from elsewhere: drops null ids.
   void replaced();
+  /// Another number, never given out before in this process, after each change but an append: with
+  /// the same stamp the list is what it was, and has at most more ids at its end.
+  [[nodiscard]] OdUInt64 stamp() const { return m_stamp; }
 
   /// Of the array and the look-up table, in bytes.
   [[nodiscard]] std::size_t approximateSize() const {
@@ -63,10 +66,12 @@ class VDM_DB_EXPORT VdmIndexedIds {
   [[nodiscard]] OdArray<OdUInt32> placesOf(const OdArray<Run>& runs) const;
   void putIn(const OdArray<Run>& runs, OdDbDwgFiler* undo);
   void makeIndex() const;
+  static OdUInt64 nextStamp();
 
   OdDbObjectIdArray m_ids;
   mutable std::unordered_set<OdDbObjectId> m_index;
   mutable bool m_isIndexed = false;
+  OdUInt64 m_stamp = nextStamp();
 };
 
 template <class Predicate>

@@ -2,6 +2,7 @@
 list(APPEND VDM_DB_SOURCES
   update/vdm_db_feature_manager_pass.cpp
   update/vdm_db_feature_manager_pe.cpp
+  update/vdm_due_features.cpp
   update/vdm_feature_guard.cpp
   update/vdm_feature_update_data.cpp
   update/vdm_feature_update_data_features.cpp
@@ -23,4 +24,7 @@ list(APPEND VDM_DB_HEADERS
   update/vdm_feature_update_driver.h
   update/vdm_update_context.h
   update/vdm_update_observer.h
+)
+list(APPEND VDM_DB_PRIVATE_HEADERS
+  update/vdm_due_features.h
 )

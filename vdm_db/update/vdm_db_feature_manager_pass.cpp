@@ -1,4 +1,5 @@
 // Update passes over the features of a manager, and what follows them.
+#include <algorithm>
 #include <utility>
 
 #include "vdm_db/features/vdm_db_feature_manager.h"
@@ -79,6 +80,7 @@ bool VdmDbFeatureManager::updateFeatures(VdmUpdateContext& context) {
   VdmFeatureUpdateInput input;
   input.replacementMap = context.replacementMap;
   input.data = &data;
+  input.onlyDue = context.observer == nullptr || !context.observer->hearsEachSkipped();
   const OdDbObjectIdArray ids = featureIds();
   return vdmRunFeatureUpdate(this, ids, input);
 }
@@ -89,13 +91,38 @@ bool VdmDbFeatureManager::isPassDue(const VdmUpdateContext& context) const {
          featuresTellChanges(context.constraintsWereCalculated);
 }
 
+VdmFeatureIndex* VdmDbFeatureManager::currentIndex() const {
+  VdmDbFeatureManagerImpl& impl = implForRead();
+  if (database() == nullptr) return nullptr;
+  if (!impl.index) impl.index = std::make_unique<VdmFeatureIndex>(database());
+  return impl.index->bringUpToDate(impl.features) ? impl.index.get() : nullptr;
+}
+
+// What the index does not know is asked for: hasChanges() may do anything, so the index is not
+// looked at meanwhile.
 bool VdmDbFeatureManager::featuresTellChanges(bool constraintsWereCalculated) const {
-  for (const OdDbObjectId& id : featureIds()) {
-    const VdmFeaturePtr feature = VdmFeature::open(id);
-    if (feature.isNull()) continue;
-    bool recalculation = false;
-    if (feature->hasChanges(recalculation)) return true;
-    if (recalculation && constraintsWereCalculated) return true;
+  using Look = VdmFeatureLook;
+  OdUInt32 telling = Look::kAsked | Look::kChanged;
+  if (constraintsWereCalculated) telling |= Look::kRecalculated;
+  OdDbObjectIdArray asked;
+  if (VdmFeatureIndex* index = currentIndex()) {
+    bool isTold = false;
+    index->forEachWith(telling, [&](VdmFeatureIndex::Slot slot) {
+      if (index->place(slot) == VdmFeatureIndex::kNoPlace) return;
+      if ((index->traits(slot) & (Look::kAsked | Look::kUnknown)) != 0) {
+        asked.append(index->feature(slot));
+      } else {
+        isTold = true;
+      }
+    });
+    if (isTold) return true;
+  } else {
+    asked = featureIds();
   }
-  return false;
+  return std::any_of(asked.begin(), asked.end(), [&](const OdDbObjectId& id) {
+    const VdmFeaturePtr feature = VdmFeature::open(id);
+    if (feature.isNull()) return false;
+    bool recalculation = false;
+    return feature->hasChanges(recalculation) || (recalculation && constraintsWereCalculated);
+  });
 }

@@ -19,6 +19,7 @@
 
 class VdmDbFeatureManager;
 class VdmDependenciesReplacementMap;
+class VdmDueFeatures;
 class VdmFeature;
 class VdmFeatureUpdateDataHelper;
 class VdmFeatureUpdateDriver;
@@ -138,6 +139,8 @@ class VDM_DB_EXPORT VdmFeatureUpdateData {
   // Phases, in the order in which the driver runs them.
   /// Takes in the features that take part and has them prepare. False when there are no ids.
   bool init(const OdDbObjectIdArray& ids, const VdmDependenciesReplacementMap& map, bool force);
+  /// The same for the features that are due, and the observer hears how many are not.
+  void initDue(VdmDueFeatures& due, const VdmDependenciesReplacementMap& map);
   /// Erases what was condemned; with `geometry` also what is to go from solids.
   bool removeUnusedData(bool geometry);
   bool prepareForSubtract();
@@ -169,9 +172,11 @@ class VDM_DB_EXPORT VdmFeatureUpdateData {
 
   void makeHelper(VdmDbFeatureManager* manager);
 
-  void takeIn(const OdDbObjectId& id, OdSmartPtr<VdmFeature>& feature, bool force);
+  bool takeIn(const OdDbObjectId& id, bool force);
+  void takeInOpen(const OdDbObjectId& id, OdSmartPtr<VdmFeature>& feature, bool force);
   Intake decideIntake(const VdmFeature* feature, bool force);
   bool featureHasChanges(const VdmFeature* feature, VdmUpdateReason& reason);
+  const VdmUpdateFeatureInterface* patternOf(const OdRxClass* cls) const;
   bool openingWasMoved(const VdmFeature* feature) const;
   void prepareFeature(const OdDbObjectId& id, OdSmartPtr<VdmFeature>& feature, bool forced);
   void withdrawFeature(const OdDbObjectId& id);
@@ -207,5 +212,7 @@ class VDM_DB_EXPORT VdmFeatureUpdateData {
   VdmUpdateContext* m_handedContext = nullptr;
   VdmUpdateContext m_ownContext;
   OdSharedPtr<VdmFeatureUpdateDataHelper> m_helper;
+  mutable const OdRxClass* m_patternClass = nullptr;  // of the feature asked last
+  mutable OdSmartPtr<VdmUpdateFeatureInterface> m_pattern;
   bool m_grossMode = false;
 };

@@ -6,9 +6,11 @@
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_pers_id_reactor.h"
 #include "vdm_db/features/vdm_feature.h"
+#include "vdm_db/features/vdm_feature_reactor_walk.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"
+#include "vdm_db/update/vdm_due_features.h"
 #include "vdm_db/update/vdm_feature_guard.h"
 #include "vdm_db/update/vdm_feature_update_data_helper.h"
 
@@ -31,6 +33,13 @@ bool isConcerned(const VdmUpdateHost& host, const VdmFeature& feature,
   return std::any_of(path.begin(), path.end(), [&](const VdmCompoundObjectId::Element& element) {
     return !element.id.isNull() && host.concerns(feature, element.id);
   });
+}
+
+// A reactor that refers to no geometry: it need not be opened.
+bool isOtherReactor(const OdRxClass* cls) {
+  return cls != VdmDbPersIdReactor::desc() && cls != nullptr &&
+         cls->isDerivedFrom(VdmDbFeatureReactor::desc()) &&
+         !cls->isDerivedFrom(VdmDbPersIdReactor::desc());
 }
 
 /// How many different entities a feature refers to, as far as it matters: none, one or several.
@@ -56,22 +65,38 @@ bool VdmFeatureUpdateData::init(const OdDbObjectIdArray& ids,
   if (ids.isEmpty()) return false;
   m_replacementMap = &map;
   if (force) m_featureIds.reserve(m_featureIds.size() + ids.size());
-  for (const OdDbObjectId& id : ids) {
-    OdSmartPtr<VdmFeature> feature = id.openAs<VdmFeature>();
-    if (feature.isNull()) continue;
-    try {
-      takeIn(id, feature, force);
-    } catch (...) {
-      vdmReportRaisedError(id, observer());
-      withdrawFeature(id);
-    }
-  }
+  for (const OdDbObjectId& id : ids) takeIn(id, force);
   if (m_helper) collectByEntity();
   return true;
 }
 
-void VdmFeatureUpdateData::takeIn(const OdDbObjectId& id, OdSmartPtr<VdmFeature>& feature,
-                                  bool force) {
+void VdmFeatureUpdateData::initDue(VdmDueFeatures& due, const VdmDependenciesReplacementMap& map) {
+  m_replacementMap = &map;
+  OdUInt32 numOpened = 0;
+  for (OdDbObjectId id = due.next(); !id.isNull(); id = due.next()) {
+    if (takeIn(id, /*force=*/false)) ++numOpened;
+  }
+  if (const OdUInt32 others = due.numPassedOver(numOpened); observer() != nullptr && others != 0) {
+    observer()->featuresPassedOver(others);
+  }
+  if (m_helper) collectByEntity();
+}
+
+// False when it does not open.
+bool VdmFeatureUpdateData::takeIn(const OdDbObjectId& id, bool force) {
+  OdSmartPtr<VdmFeature> feature = VdmFeature::open(id);
+  if (feature.isNull()) return false;
+  try {
+    takeInOpen(id, feature, force);
+  } catch (...) {
+    vdmReportRaisedError(id, observer());
+    withdrawFeature(id);
+  }
+  return true;
+}
+
+void VdmFeatureUpdateData::takeInOpen(const OdDbObjectId& id, OdSmartPtr<VdmFeature>& feature,
+                                      bool force) {
   const Intake intake = decideIntake(feature, force);
   if (!intake.taken) {
     if (observer() != nullptr) observer()->featureSkipped(id);
@@ -105,13 +130,16 @@ bool VdmFeatureUpdateData::featureHasChanges(const VdmFeature* feature, VdmUpdat
   const VdmDependenciesReplacementMap& map = *m_replacementMap;
   const VdmUpdateHost* host = hostWithChanges(context());
   EntityCount entities;
+  const bool hasReplaced = map.numReplaced() != 0;
+  const bool hasClones = !map.clones().empty();
   for (const OdDbObjectId& reactorId : feature->reactorIds()) {
-    const VdmDbPersIdReactorPtr reactor = reactorId.openAs<VdmDbPersIdReactor>();
+    if (isOtherReactor(reactorId.objectClass())) continue;
+    const VdmDbPersIdReactorPtr reactor = vdmOpenMostly<VdmDbPersIdReactor>(reactorId);
     if (reactor.isNull()) continue;
     for (const OdDbObjectId& id : reactor->persIdsRef()) {
-      if (map.contains(id)) return because(VdmUpdateReason::kDependencyReplaced);
-      if (map.containsClone(id)) return because(VdmUpdateReason::kDependencyCloned);
-      const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
+      if (hasReplaced && map.contains(id)) return because(VdmUpdateReason::kDependencyReplaced);
+      if (hasClones && map.containsClone(id)) return because(VdmUpdateReason::kDependencyCloned);
+      const VdmDbObjectDependencyPtr dependency = vdmOpenMostly<VdmDbObjectDependency>(id);
       if (dependency.isNull()) continue;
       const OdDbObjectId entity = dependency->getInsertId();
       entities.add(entity);
@@ -127,8 +155,24 @@ bool VdmFeatureUpdateData::featureHasChanges(const VdmFeature* feature, VdmUpdat
   return openingWasMoved(feature) && because(VdmUpdateReason::kInsertTransformed);
 }
 
+// The extension of the class, bound to no feature. Features of one class mostly come together.
+const VdmUpdateFeatureInterface* VdmFeatureUpdateData::patternOf(const OdRxClass* cls) const {
+  if (cls != m_patternClass) {
+    m_patternClass = cls;
+    m_pattern = VdmUpdateFeatureInterface::cast(cls->getX(VdmUpdateFeatureInterface::desc()).get());
+  }
+  return m_pattern.get();
+}
+
 bool VdmFeatureUpdateData::openingWasMoved(const VdmFeature* feature) const {
-  if (!m_replacementMap->hasTransformedObjects()) return false;  // a query makes an object
+  if (!m_replacementMap->hasTransformedObjects()) return false;
+  // A query makes an object: it is put where the class need not be asked otherwise.
+  OdDbObjectId stored;
+  const VdmUpdateFeatureInterface* pattern = patternOf(feature->isA());
+  if (pattern != nullptr && pattern->storedInsert(*feature, stored) &&
+      !wasMoved(*m_replacementMap, stored)) {
+    return false;
+  }
   const VdmUpdateFeatureInterfacePtr active = VdmUpdateFeatureInterface::activeOf(feature);
   return !active.isNull() && wasMoved(*m_replacementMap, active->openingFaces().insertId());
 }

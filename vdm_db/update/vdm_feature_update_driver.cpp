@@ -9,6 +9,7 @@
 #include "vdm_db/features/vdm_db_sheet_metal_context_pe.h"
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"
+#include "vdm_db/update/vdm_due_features.h"
 #include "vdm_db/update/vdm_feature_guard.h"
 #include "vdm_db/update/vdm_feature_update_data.h"
 #include "vdm_db/update/vdm_feature_update_data_helper.h"
@@ -104,7 +105,12 @@ class VdmFeatureUpdateDriver {
   // ---- Features
 
   Outcome takeIn() {
-    m_data.init(m_ids, m_map, m_input.force);
+    if (m_input.onlyDue) {
+      VdmDueFeatures due(m_manager, m_map, m_data.context());
+      m_data.initDue(due, m_map);
+    } else {
+      m_data.init(m_ids, m_map, m_input.force);
+    }
     return Outcome::kUnchanged;
   }
   Outcome removeBeforeSolids() {

@@ -15,6 +15,8 @@ struct VdmFeatureUpdateInput {
   const VdmDependenciesReplacementMap* replacementMap = nullptr;  ///< not owned; null means empty
   VdmFeatureUpdateData* data = nullptr;                           ///< not owned
   bool force = false;                                             ///< take every feature
+  /// The ids are the manager's list, and features that are not due need not be looked at.
+  bool onlyDue = false;
 };
 
 /// Runs a pass over features of one manager, in the order of `ids`, then what the context of the

@@ -57,7 +57,13 @@ class VDM_DB_EXPORT VdmUpdateObserver {
   virtual void phaseBegan(VdmUpdatePhase /*phase*/) {}
   virtual void phaseEnded(VdmUpdatePhase /*phase*/) {}
 
+  /// Asked once a pass. With true the pass looks at every feature and reports each one that it
+  /// skips; with false it reports those that it looked at, and the number of the others.
+  [[nodiscard]] virtual bool hearsEachSkipped() const { return true; }
   virtual void featureSkipped(const OdDbObjectId& /*feature*/) {}
+  /// So many features had nothing to do and were not looked at. After the last of the features that
+  /// were, and only when there are any.
+  virtual void featuresPassedOver(OdUInt32 /*numFeatures*/) {}
   virtual void featureTaken(const OdDbObjectId& /*feature*/, VdmUpdateReason /*reason*/) {}
   virtual void featurePrepared(const OdDbObjectId& /*feature*/, VdmUpdatePreparation /*result*/) {}
   /// Erased, because it asked for that or an interface did.
