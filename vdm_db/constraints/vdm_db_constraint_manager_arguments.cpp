@@ -79,15 +79,13 @@ void VdmDbConstraintManager::replaceConstraintDependencies(
   for (const auto& [nodeId, constraint] : m_constraints) {
     if (constraint.isNull()) continue;
     std::vector<ExtendedDep> dependencies = constraint->dependencies();
-    bool anyReplaced = false;
     for (ExtendedDep& dependency : dependencies) {
       if (dependency.dependency.isNull() || !replaceable.contains(dependency.dependency)) continue;
       const auto replacement = replacements.find(dependency.dependency);
       if (replacement == replacements.end()) continue;
       const auto final = chained.find(replacement->second);
       dependency.dependency = final == chained.end() ? replacement->second : final->second;
-      anyReplaced = true;
     }
-    if (anyReplaced) constraint->setDependencies(dependencies);
+    constraint->setDependencies(dependencies);
   }
 }
