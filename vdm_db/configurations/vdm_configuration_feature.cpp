@@ -128,8 +128,10 @@ OdResult VdmConfigurationFeature::setConfigurationTable(OdDbObjectId block,
   assertReadable();
   OdDbDatabase* database = getDbObject()->database();
   if (database == nullptr) return eNoDatabase;
-  OdDbTransaction transaction(database);
   assertWritable();
+  // A feature without a table is in its free configuration, also when the first one is refused.
+  if (m_free.isEmpty()) m_selected = m_free = kFreeName;
+  OdDbTransaction transaction(database);
   OdResult result = loadTable(cells, rows, cols, reporter, promoteSingleColumn);
   if (result != eOk) return result;
   OdDbObjectIdArray newLinks;
@@ -151,7 +153,6 @@ OdResult VdmConfigurationFeature::loadTable(const VdmStringArray& cells, unsigne
   const OdResult result = table->load(cells, rows, cols, reporter, promoteSingleColumn);
   if (result != eOk) return result;
   if (isNew) m_table = getDbObject()->database()->addOdDbObject(table, objectId());
-  if (m_free.isEmpty()) m_selected = m_free = kFreeName;
   return eOk;
 }
 
@@ -198,7 +199,7 @@ OdResult VdmConfigurationFeature::linkNewColumns(const OdDbObjectId& block,
 // The variables that were there decide. Rows that differ in nothing else are distinguished by the
 // key variable, where that says one of them.
 OdResult VdmConfigurationFeature::selectFittingRow(const OdDbObjectIdArray& newLinks) {
-  RowMap present = presentValues(Driven::kLeftOut);
+  RowMap present = presentValues();
   for (const OdDbObjectId& id : newLinks) {
     present.erase(id.safeOpenAs<VdmDbConfigVarReactor>()->name());
   }

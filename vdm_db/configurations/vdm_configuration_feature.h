@@ -143,7 +143,6 @@ class VDM_DB_EXPORT VdmConfigurationFeature : public VdmFeature {
   using RowMap = VdmDbConfigurationTable::RowMap;
   using LinkPtr = VdmDbConfigVarReactorPtr;
   using TablePtr = VdmDbConfigurationTablePtr;
-  enum class Driven { kLeftOut, kTaken };
   class Applying;
 
   [[nodiscard]] TablePtr openTable(OdDb::OpenMode mode = OdDb::kForRead) const;
@@ -153,7 +152,8 @@ class VDM_DB_EXPORT VdmConfigurationFeature : public VdmFeature {
   [[nodiscard]] LinkPtr findLinkWhere(const Matches& matches) const;
   [[nodiscard]] LinkPtr findLink(const OdString& column) const;
   [[nodiscard]] LinkPtr findKeyLink() const;
-  [[nodiscard]] RowMap presentValues(Driven driven) const;
+  /// Of the columns that are linked and not driven by an expression, without the key.
+  [[nodiscard]] RowMap presentValues() const;
 
   // Loading.
   OdResult loadTable(const VdmStringArray& cells, unsigned rows, unsigned cols,

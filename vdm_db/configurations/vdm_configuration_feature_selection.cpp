@@ -35,10 +35,10 @@ class VdmConfigurationFeature::Applying {
 
 // ---- Finding
 
-VdmDbConfigurationTable::RowMap VdmConfigurationFeature::presentValues(Driven driven) const {
+VdmDbConfigurationTable::RowMap VdmConfigurationFeature::presentValues() const {
   RowMap values;
   forEachLink(OdDb::kForRead, [&](const VdmDbConfigVarReactor& link) {
-    if (link.isKey() || (driven == Driven::kLeftOut && !link.isEnabled())) return;
+    if (link.isKey() || !link.isEnabled()) return;
     OdString text;
     double number = 0;
     if (link.getVariableValue(text, number) != eOk) return;
@@ -60,7 +60,7 @@ OdResult VdmConfigurationFeature::determineConfiguration(const OdString& column,
     // The key alone decides, so the other values are not asked for.
     required.try_emplace(table->keyColumnName(), key->stringValue(), 0.0);
   } else {
-    optional = presentValues(Driven::kLeftOut);
+    optional = presentValues();
     auto changed = optional.extract(column);
     if (changed.empty()) return kVdmNotFound;
     required.insert(std::move(changed));
@@ -121,23 +121,22 @@ OdResult VdmConfigurationFeature::noteSelected(const OdString& name, bool writeN
 
 OdResult VdmConfigurationFeature::setConfiguration(const OdString& name) {
   assertWritable();
-  OdString key;
   OdString keyColumn;
   {
     const TablePtr table = openTable();
-    const std::optional<unsigned> row = table.isNull() ? std::nullopt : table->findKey(name);
-    if (!row) return kVdmNotFound;
-    key = table->cells().keys[*row];
+    if (table.isNull() || !table->findKey(name)) return kVdmNotFound;
     keyColumn = table->keyColumnName();
   }
   const LinkPtr link = findKeyLink();
   if (link.isNull()) return kVdmTableEmpty;
   {
     const VdmOpenUpgrade upgrade(link);
-    if (const OdResult result = link->setVariableValue(key); result != eOk) return result;
+    if (const OdResult result = link->setVariableValue(name); result != eOk) return result;
     if (!link->isEnabled()) link->setIsEnabled(true);
   }
-  return onPropertyModified(keyColumn, 0.0);
+  const OdResult result = onPropertyModified(keyColumn, 0.0);
+  // The name may differ from the row's in case; the key shows that of the row.
+  return result == eOk ? noteSelected(selectedConfiguration(), /*writeName=*/true) : result;
 }
 
 // ---- Following the variables
@@ -210,7 +209,7 @@ OdResult VdmConfigurationFeature::saveConfiguration(const OdString& name) {
   assertWritable();
   const OdString key = vdmTrimmedCell(name);
   if (key.isEmpty() || isSame(key, m_free)) return kVdmNotFound;
-  const RowMap values = presentValues(Driven::kTaken);
+  const RowMap values = presentValues();
   {
     const TablePtr table = openTable(OdDb::kForWrite);
     if (table.isNull()) return kVdmTableEmpty;

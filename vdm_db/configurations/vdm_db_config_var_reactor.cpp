@@ -283,8 +283,9 @@ void VdmDbConfigVarReactor::modified(const OdDbObject* object) {
   const VdmConfigurationFeaturePtr feature =
       ownerId().openAs<VdmConfigurationFeature>(OdDb::kForWrite);
   if (feature.isNull()) return;
+  // A new name is a change like a new value.
   feature->followRename(*this);
-  if (isChanged) feature->onPropertyModified(state.column, state.value);
+  feature->onPropertyModified(state.column, state.value);
 }
 
 void VdmDbConfigVarReactor::erased(const OdDbObject* object, bool erasing) {

@@ -47,6 +47,9 @@ TEST_F(VdmConfigurationFeatureTest, LoadingLinksVariablesByNameAndSelectsWhatFit
 
 TEST_F(VdmConfigurationFeatureTest, WithoutAFittingRowTheFreeConfigurationIsSelected) {
   addVariable(L"Width", 12);
+  EXPECT_EQ(loadSheet({{"Config", "Width"}, {"", "1"}}), 5);
+  EXPECT_EQ(feature()->selectedConfiguration(), L"Custom")
+      << "also when the first table is refused";
   ASSERT_EQ(loadSheet(kSheet), eOk);
   EXPECT_EQ(state(), "Custom: Config=Custom Width=12 Height=1 Material=Steel");
   ASSERT_EQ(loadSheet({{"Config", "Width"}}), eOk);
@@ -224,7 +227,14 @@ TEST_F(VdmConfigurationFeatureTest, ADrivenVariableTakesNoPartUntilARowIsSelecte
   EXPECT_TRUE(open<OdDbAssocVariable>(variable(L"Width"))->expression().isEmpty());
   EXPECT_TRUE(link(L"Width")->isEnabled());
 
+  // Nor is it saved: its cell in the new row is empty.
   setExpression(L"Width", L"2 * base");
+  EXPECT_EQ(edit()->saveConfiguration(L"driven"), eOk);
+  VdmDbConfigurationTable::RowMap row;
+  EXPECT_EQ(feature()->configTableId().openAs<VdmDbConfigurationTable>()->getRow(L"driven", row),
+            eOk);
+  EXPECT_EQ(row.at(L"Width").second, 0.0);
+  EXPECT_EQ(row.at(L"Height").second, 1.0);
   edit()->resetExpressions();
   EXPECT_TRUE(link(L"Width")->isEnabled());
   EXPECT_EQ(numberOf(variable(L"Width")), 28);
@@ -269,9 +279,10 @@ TEST_F(VdmConfigurationFeatureTest, ColumnsFollowTheirVariables) {
   const auto rename = [this](const wchar_t* from, const wchar_t* to) {
     return change<OdDbAssocVariable>(variable(from))->setName(to, true);
   };
+  // A new name is a change: the row that fits the renamed column is selected.
   EXPECT_EQ(rename(L"Width", L"Breadth"), eOk);
   EXPECT_EQ(rename(L"Config", L"Variant"), eOk);
-  EXPECT_EQ(state(), "Custom: Variant=Custom Breadth=10 Height=1.5 Material=Steel");
+  EXPECT_EQ(state(), "Small: Variant=Small Breadth=10 Height=1 Material=Steel");
   EXPECT_EQ(columnNames(), (Lines{"Variant", "Breadth", "Height", "Material"}));
   EXPECT_EQ(feature()->name(), L"Variant");
   EXPECT_EQ(edit()->setName(L"not a name"), eInvalidKey);
