@@ -147,7 +147,7 @@ OdDbObjectId OdDbAssocDependency::nextDependencyOnObject() const {
   if (graph != nullptr && isValueOfVariable(this, m_dependentOn)) {
     for (const OdDbAssocGraph::Input& input : graph->inputs(action->m_node)) {
       if (input.dependency != objectId().idRecord()) continue;
-      const std::vector<OdDbAssocGraph::Output>& outputs = graph->outputs(input.node);
+      const OdDbAssocGraph::Outputs& outputs = graph->outputs(input.node);
       const std::size_t next = std::size_t{input.place} + 1;
       return next < outputs.size() ? graph->dependencyOf(outputs[next]) : OdDbObjectId::kNull;
     }

@@ -246,7 +246,7 @@ std::vector<OdDbIdRecord*> OdDbAssocVariable::syncDependencies(
     const std::vector<OdDbAssocGraph::Index>& inputs) {
   std::vector<OdDbIdRecord*> dependencies;
   dependencies.reserve(inputs.size());
-  const std::vector<OdDbAssocGraph::Input>& present = m_graph->inputs(m_node);
+  const OdDbAssocGraph::Inputs& present = m_graph->inputs(m_node);
   for (const OdDbAssocGraph::Index input : inputs) {
     const auto known = std::find_if(present.begin(), present.end(),
                                     [input](const auto& edge) { return edge.node == input; });
@@ -326,7 +326,7 @@ OdDbObjectIdArray OdDbAssocVariable::getPersistentReactors() const {
   OdDbObjectIdArray reactors = OdDbAssocAction::getPersistentReactors();
   const OdDbAssocGraph* network = database() == nullptr ? nullptr : graph();
   if (network == nullptr) return reactors;
-  const std::vector<OdDbAssocGraph::Output>& outputs = network->outputs(m_node);
+  const OdDbAssocGraph::Outputs& outputs = network->outputs(m_node);
   reactors.reserve(static_cast<OdUInt32>(reactors.size() + outputs.size()));
   for (const OdDbAssocGraph::Output& output : outputs) {
     reactors.append(network->dependencyOf(output));

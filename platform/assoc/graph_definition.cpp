@@ -44,7 +44,7 @@ class OdDbAssocGraph::Scope : public OdExpression::NameScope {
 
  private:
   [[nodiscard]] bool reads(Index node) const {
-    const std::vector<Input>& read = m_graph.m_nodes[m_reader].inputs;
+    const Inputs& read = m_graph.m_nodes[m_reader].inputs;
     return std::any_of(read.begin(), read.end(),
                        [node](const Input& input) { return input.node == node; });
   }
@@ -80,7 +80,7 @@ void OdDbAssocGraph::checkUnits() {
   const OdDbOpenUpgrade upgrade(m_network);
   m_network->assertWriteEnabled();
   m_network->m_lengthUnit = unit;
-  Pass pass;
+  Pass pass(*this);
   for (Index node = 0; node < m_nodes.size(); ++node) {
     Node& formula = m_nodes[node];
     if (!formula.has(kFormula)) continue;

@@ -146,7 +146,7 @@ OdDbAssocGraph::Index OdDbAssocGraph::attach(OdDbAssocAction* action) {
   added.id = action->objectId().idRecord();
   added.order = m_nextOrder++;
   if (auto* variable = OdDbAssocVariable::cast(action).get(); variable != nullptr) {
-    added.set(kVariable);
+    added.set(action->isA() == OdDbAssocVariable::desc() ? kVariable | kPlain : kVariable);
     m_values[node] = variable->m_number;
   }
   action->m_graph = this;
@@ -354,15 +354,15 @@ void OdDbAssocGraph::followNames(OdDbAssocVariable* variable,
 }
 
 void OdDbAssocGraph::addEdge(Index from, Index to, OdDbIdRecord* dependency) {
-  std::vector<Output>& outputs = m_nodes[from].outputs;
-  std::vector<Input>& inputs = m_nodes[to].inputs;
-  inputs.push_back({from, static_cast<OdUInt32>(outputs.size()), dependency});
-  outputs.push_back({to, static_cast<OdUInt32>(inputs.size() - 1)});
+  Outputs& outputs = m_nodes[from].outputs;
+  Inputs& inputs = m_nodes[to].inputs;
+  inputs.push_back({from, outputs.size(), dependency});
+  outputs.push_back({to, inputs.size() - 1});
 }
 
 void OdDbAssocGraph::unlinkInputs(Index node) {
   for (const Input& input : m_nodes[node].inputs) {
-    std::vector<Output>& outputs = m_nodes[input.node].outputs;
+    Outputs& outputs = m_nodes[input.node].outputs;
     const Output moved = outputs.back();
     outputs[input.place] = moved;
     m_nodes[moved.node].inputs[moved.input].place = input.place;
@@ -374,7 +374,7 @@ void OdDbAssocGraph::unlinkInputs(Index node) {
 std::size_t OdDbAssocGraph::memoryBytes() const {
   std::size_t bytes = m_nodes.capacity() * sizeof(Node) + m_values.capacity() * sizeof(double);
   for (const Node& node : m_nodes) {
-    bytes += node.inputs.capacity() * sizeof(Input) + node.outputs.capacity() * sizeof(Output);
+    bytes += node.inputs.memoryBytes() + node.outputs.memoryBytes();
     bytes += node.program.memoryBytes() - sizeof(node.program);
   }
   return bytes + m_names.size() * (sizeof(OdString) + 4 * sizeof(void*));

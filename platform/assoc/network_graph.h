@@ -21,6 +21,8 @@
 #include <vector>
 
 #include "platform/assoc/assoc_status.h"
+#include "platform/assoc/edge_list.h"
+#include "platform/assoc/value_record.h"
 #include "platform/base/result.h"
 #include "platform/base/string.h"
 #include "platform/db/db_enums.h"
@@ -66,6 +68,9 @@ class OdDbAssocGraph {
     Index node;      ///< what reads the variable
     OdUInt32 input;  ///< of the edge among its inputs
   };
+  using Inputs = OdDbEdgeList<Input>;
+  using Outputs = OdDbEdgeList<Output>;
+
   explicit OdDbAssocGraph(OdDbAssocNetwork* network) : m_network(network) {}
   ~OdDbAssocGraph();
   OdDbAssocGraph(const OdDbAssocGraph&) = delete;
@@ -96,10 +101,8 @@ class OdDbAssocGraph {
   [[nodiscard]] bool isAnyOutOfDate() const {
     return m_numDirty > 0 || (m_isRetryDue && !m_broken.empty());
   }
-  [[nodiscard]] const std::vector<Input>& inputs(Index node) const { return m_nodes[node].inputs; }
-  [[nodiscard]] const std::vector<Output>& outputs(Index node) const {
-    return m_nodes[node].outputs;
-  }
+  [[nodiscard]] const Inputs& inputs(Index node) const { return m_nodes[node].inputs; }
+  [[nodiscard]] const Outputs& outputs(Index node) const { return m_nodes[node].outputs; }
   /// The dependency behind an output.
   [[nodiscard]] OdDbObjectId dependencyOf(const Output& output) const {
     return OdDbObjectId(m_nodes[output.node].inputs[output.input].dependency);
@@ -147,33 +150,33 @@ class OdDbAssocGraph {
     kQueued = 1u << 8,
     kHasName = 1u << 9,  ///< its name is in the index
     kStored = 1u << 10,  ///< its stored status is not kAssocUpToDate
+    kPlain = 1u << 11,   ///< a variable of no derived class
   };
+  /// What walks read comes first: a large network does not fit into the processor's caches.
   struct Node {
-    OdDbAssocAction* action = nullptr;  ///< null for a place that is free
-    OdDbIdRecord* id = nullptr;
-    OdExpression::Program program;
-    std::vector<Input> inputs;
-    std::vector<Output> outputs;
+    Outputs outputs;
     OdUInt32 order = 0;
     OdUInt32 visit = 0;  ///< the last walk that was here
     OdUInt16 flags = 0;
+    OdDbAssocAction* action = nullptr;  ///< null for a place that is free
+    OdDbIdRecord* id = nullptr;
+    OdExpression::Program program;
+    Inputs inputs;
 
     [[nodiscard]] bool has(unsigned mask) const { return (flags & mask) != 0; }
     void set(unsigned mask) { flags = static_cast<OdUInt16>(flags | mask); }
     void clear(unsigned mask) { flags = static_cast<OdUInt16>(flags & ~mask); }
   };
-  /// A value that a pass has changed, as it was.
-  struct OldValue {
-    Index node;
-    double number;
-    OdDbAssocStatus status;
-  };
   /// What one pass does, phase after phase.
   struct Pass {
-    std::vector<OldValue> changed;
-    std::vector<OdDbObjectId> told;     ///< their reactors are called
-    std::vector<OdDbObjectId> actions;  ///< that are no variables, in order
-    std::vector<Index> evaluated;
+    explicit Pass(OdDbAssocGraph& graph, OdDbAssocEvaluationCallback* reportedTo = nullptr);
+
+    OdDbAssocEvaluationCallback* const callback;
+    const bool isDrawingHeard;             ///< the drawing has reactors
+    std::vector<OdDbValueRecord> changed;  ///< as they were
+    std::vector<OdDbObjectId> told;        ///< their reactors are called
+    std::vector<OdDbObjectId> actions;     ///< that are no variables, in order
+    std::vector<Index> evaluated;          ///< for the callback
   };
   class Scope;
 
@@ -222,8 +225,8 @@ class OdDbAssocGraph {
   void storeStatus(Index node, OdDbAssocStatus status, Pass& pass);
   void compute(Index node, Pass& pass);
   void record(const Pass& pass);
-  void keepReasons(const Pass& pass);
-  void finish(Pass& pass, OdDbAssocEvaluationCallback* callback);
+  void finish(Pass& pass);
+  void fetchAhead() const;
   OdResult evaluateNodes(const std::vector<Index>& roots, OdDbAssocEvaluationCallback* callback);
   OdResult prepare();
 

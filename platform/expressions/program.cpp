@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <type_traits>
 
 #include "platform/expressions/arithmetic.h"
 #include "platform/expressions/functions.h"
@@ -11,6 +13,8 @@
 #include "platform/expressions/number_text.h"
 
 namespace OdExpression {
+
+static_assert(std::is_trivially_copyable_v<Instruction> && alignof(Instruction) <= alignof(double));
 
 namespace {
 
@@ -42,14 +46,6 @@ Diagnostic failureOf(const Instruction& step, double a, double b) {
   return diagnostic;
 }
 
-template <class T>
-std::unique_ptr<T[]> copied(const std::vector<T>& values) {
-  if (values.empty()) return nullptr;
-  auto copy = std::make_unique<T[]>(values.size());
-  std::ranges::copy(values, copy.get());
-  return copy;
-}
-
 }  // namespace
 
 Program::Program() noexcept : m_resultSource(Source::kConstant) {}
@@ -58,17 +54,28 @@ Program::Program(Program&& other) noexcept = default;
 Program& Program::operator=(Program&& other) noexcept = default;
 
 Program::Program(Code&& code)
-    : m_instructions(copied(code.instructions)),
-      m_dimension(code.dimension),
+    : m_dimension(code.dimension),
       m_resultIndex(code.result.index),
       m_instructionCount(static_cast<OdUInt16>(code.instructions.size())),
       m_resultSource(code.result.source) {
   if (m_instructionCount != 0) {
-    m_constants = copied(code.constants);
     m_constantCount = static_cast<OdUInt16>(code.constants.size());
+    const std::size_t constantBytes = code.constants.size() * sizeof(double);
+    const std::size_t instructionBytes = code.instructions.size() * sizeof(Instruction);
+    m_memory = std::make_unique<std::byte[]>(constantBytes + instructionBytes);
+    if (constantBytes != 0) std::memcpy(m_memory.get(), code.constants.data(), constantBytes);
+    std::memcpy(m_memory.get() + constantBytes, code.instructions.data(), instructionBytes);
   } else if (m_resultSource == Source::kConstant) {
     m_value = code.constants[m_resultIndex];
   }
+}
+
+const double* Program::constants() const noexcept {
+  return reinterpret_cast<const double*>(m_memory.get());
+}
+
+const Instruction* Program::instructions() const noexcept {
+  return reinterpret_cast<const Instruction*>(m_memory.get() + m_constantCount * sizeof(double));
 }
 
 bool Program::isConstant() const noexcept {
@@ -80,9 +87,10 @@ std::vector<OdUInt32> Program::slots() const {
   const auto add = [&slots](Source source, OdUInt32 index) {
     if (source == Source::kSlot) slots.push_back(index);
   };
-  for (OdUInt16 i = 0; i < m_instructionCount; ++i) {
-    add(m_instructions[i].aSource, m_instructions[i].a);
-    add(m_instructions[i].bSource, m_instructions[i].b);
+  const Instruction* const begin = instructions();
+  for (const Instruction* step = begin; step != begin + m_instructionCount; ++step) {
+    add(step->aSource, step->a);
+    add(step->bSource, step->b);
   }
   add(m_resultSource, m_resultIndex);
   std::ranges::sort(slots);
@@ -99,9 +107,9 @@ bool Program::evaluate(const double* slots, double& value) const noexcept {
   double result = m_value;
   if (m_instructionCount != 0) {
     double registers[kRegisterCount];
-    const Instruction* const begin = m_instructions.get();
+    const Instruction* const begin = instructions();
     const Machine machine{
-        begin, begin + m_instructionCount, {slots, m_constants.get(), registers}, registers};
+        begin, begin + m_instructionCount, {slots, constants(), registers}, registers};
     if (machine.run() != nullptr) return false;
     result = machine.at(m_resultSource, m_resultIndex);
   } else if (m_resultSource == Source::kSlot) {
@@ -114,9 +122,9 @@ bool Program::evaluate(const double* slots, double& value) const noexcept {
 
 Diagnostic Program::explain(const double* slots) const {
   double registers[kRegisterCount] = {};
-  const Instruction* const begin = m_instructions.get();
+  const Instruction* const begin = instructions();
   const Machine machine{
-      begin, begin + m_instructionCount, {slots, m_constants.get(), registers}, registers};
+      begin, begin + m_instructionCount, {slots, constants(), registers}, registers};
   const Instruction* const step = machine.findFailure();
   if (step != nullptr) {
     // A jump has no second operand, other instructions without one repeat the first.
