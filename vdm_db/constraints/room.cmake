@@ -24,6 +24,7 @@ list(APPEND VDM_DB_SOURCES
   constraints/vdm_db_constraint_manager_status.cpp
   constraints/vdm_db_constraint_manager_variables.cpp
   constraints/vdm_db_variable_reactor.cpp
+  constraints/vdm_taken_names.cpp
 )
 list(APPEND VDM_DB_HEADERS
   constraints/vdm_constraint.h
@@ -37,6 +38,7 @@ list(APPEND VDM_DB_HEADERS
   constraints/vdm_db_constraint_manager.h
   constraints/vdm_db_constraint_manager_pe.h
   constraints/vdm_db_variable_reactor.h
+  constraints/vdm_taken_names.h
 )
 list(APPEND VDM_DB_PRIVATE_HEADERS
   constraints/vdm_constraint_roles.h

@@ -10,8 +10,8 @@
 // The set of merged objects belongs to the whole clone and holds objects of other blocks, too: a
 // manager takes those that the source owns and those whose entities lie in its block. It takes them
 // in rising handle order, so that the same drawings give the same names. Each constraint, argument
-// and object is dealt with once, and new names are counted on from the last one of their base: the
-// cost is linear.
+// and object is dealt with once, and free numbers for names are looked up instead of counted: the
+// cost is linear but for those look-ups, which cost a logarithm.
 #include <algorithm>
 #include <vector>
 
@@ -24,6 +24,7 @@
 #include "vdm_db/constraints/vdm_constraint_names.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager_names.h"
+#include "vdm_db/constraints/vdm_taken_names.h"
 #include "vdm_db/drawing_utils/vdm_block_utils.h"
 #include "vdm_db/drawing_utils/vdm_db_reverse_id_mapping.h"
 #include "vdm_db/drawing_utils/vdm_object_id_class.h"
@@ -95,9 +96,10 @@ struct VdmDbConstraintManager::Merge {
     if (!isModelSpace) target.setDesignIntentOptions(source.getDesignIntentOptions());
     target.assertWriteEnabled();
     source.assertWriteEnabled();
-    std::set<OdString> taken;
-    vdmu::getConstraintNamesSet(&target, taken);
-    vdmu::getVariableNames(block, taken);
+    std::set<OdString> names;
+    vdmu::getConstraintNamesSet(&target, names);
+    vdmu::getVariableNames(block, names);
+    vdmu::VdmTakenNames taken(names);
     moveConstraints();
     renameMoved(taken);
     if (!moved.empty() || !context.mergedObjects.empty()) adoptStatus();
@@ -183,17 +185,17 @@ struct VdmDbConstraintManager::Merge {
 
   /// A name without a variable stays where it is free. A variable always gets a name of its number
   /// here: that of its constraint is among those that are taken.
-  void renameMoved(std::set<OdString>& taken) const {
+  void renameMoved(vdmu::VdmTakenNames& taken) const {
     for (const VdmConstraintPtr& constraint : moved) {
       const OdString name = constraint->name();
       if (name.isEmpty()) continue;
       if (hasVariable(*constraint)) {
-        taken.erase(odToUpper(name));
-      } else if (taken.insert(odToUpper(name)).second) {
+        taken.erase(name);
+      } else if (taken.insert(name)) {
         continue;
       }
-      int number = static_cast<int>(constraint->nodeId());
-      constraint->setName(vdmu::takeNumberedName(vdmu::removeNumericSuffix(name), taken, number));
+      const auto number = static_cast<int>(constraint->nodeId());
+      constraint->setName(taken.takeNumbered(vdmu::removeNumericSuffix(name), number));
     }
   }
 

@@ -1,13 +1,17 @@
 // Utilities around constraint managers: dependencies, contents, names, cleaning up, side
 // conditions.
 #include "vdm_db/constraints/vdm_constraint_utils.h"
-#include "vdm_db/constraints/vdm_constraint_cleanup.h"
-#include "vdm_db/constraints/vdm_constraint_names.h"
 
 #include <cmath>
+#include <random>
 
+#include "platform/base/case_compare.h"
 #include "platform/db/xrecord.h"
+#include "tests/support/test_seed.h"
 #include "tests/vdm_db/constraints/constraint_testing.h"
+#include "vdm_db/constraints/vdm_constraint_cleanup.h"
+#include "vdm_db/constraints/vdm_constraint_names.h"
+#include "vdm_db/constraints/vdm_taken_names.h"
 #include "vdm_db/drawing_utils/vdm_dictionary_utils.h"
 
 namespace {
@@ -101,6 +105,35 @@ TEST_F(VdmConstraintUtils, SuffixesOfNames) {
   const wchar_t* const cases[][2] = {{L"D_12", L"D"}, {L"D12", L"D"}, {L"D__1", L"D_"},
                                      {L"12", L""},    {L"D_", L"D"},  {L"", L""}};
   for (const auto& [name, base] : cases) EXPECT_EQ(vdmu::removeNumericSuffix(name), base) << name;
+}
+
+// Against counting through a plain set.
+TEST_F(VdmConstraintUtils, FreeNumbersAreThoseThatCountingFinds) {
+  std::mt19937 random{freshSeed()};
+  const auto pick = [&random](int count) {
+    return std::uniform_int_distribution<int>(0, count - 1)(random);
+  };
+  static constexpr const wchar_t* kBases[] = {L"D", L"d", L"D_1", L""};
+  std::set<OdString> plain{L"D_0", L"D_01", L"D_1_2", L"D2", L"D_9999999999", L"D", L"_3"};
+  vdmu::VdmTakenNames taken(plain);
+  for (int step = 0; step < 3000; ++step) {
+    const OdString base = kBases[pick(4)];
+    const OdString name = OdString().format(L"%ls_%d", base.c_str(), pick(40));
+    const int start = pick(40);
+    switch (pick(3)) {
+      case 0:
+        taken.erase(name);
+        plain.erase(odToUpper(name));
+        break;
+      case 1:
+        ASSERT_EQ(taken.insert(name), plain.insert(odToUpper(name)).second);
+        break;
+      default:
+        ASSERT_EQ(taken.takeNumbered(base, start),
+                  vdmu::generateUniqueName(base, plain, start, /*tryBase=*/false));
+    }
+    if (plain.size() > 120) plain.clear(), taken = vdmu::VdmTakenNames(plain);
+  }
 }
 
 TEST_F(VdmConstraintUtils, UniqueNames) {
