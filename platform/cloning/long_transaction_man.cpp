@@ -17,18 +17,21 @@
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/db/dictionary.h"
+#include "platform/db/field_list.h"
 #include "platform/db/host_app_services.h"
 
 // Record: the fields of OdDbObject, then
 //
-//   | field       | primitive                 |                                  |
-//   |-------------|---------------------------|----------------------------------|
-//   | version     | uint8                     | 1                                |
-//   | name        | string                    |                                  |
-//   | origin      | soft pointer              | block of the originals           |
-//   | destination | soft pointer              | block of the copies              |
-//   | count       | int32                     | pairs                            |
-//   | each pair   | soft pointer, soft pointer | original (null: added), copy     |
+//   | field       | primitive                  | groups   |                              |
+//   |-------------|----------------------------|----------|------------------------------|
+//   | version     | uint8                      |          | 1                            |
+//   | name        | string                     | 300      |                              |
+//   | origin      | soft pointer               | 330      | block of the originals       |
+//   | destination | soft pointer               | 331      | block of the copies          |
+//   | count       | int32                      |          | pairs                        |
+//   | each pair   | soft pointer, soft pointer | 332, 333 | original (null: added), copy |
+//
+// The groups have all originals before all copies.
 OD_RX_DEFINE_DB(OdDbLongTransaction, OdDbObject, L"OdDbLongTransaction", 0, 0, 0,
                 L"LONGTRANSACTION", OdString())
 
@@ -114,6 +117,52 @@ void OdDbLongTransaction::dwgOutFields(OdDbDwgFiler* filer) const {
     filer->wrSoftPointerId(pair.original);
     filer->wrSoftPointerId(pair.copy);
   }
+}
+
+/// What the group form files, as a list of fields.
+struct OdDbLongTransaction::Groups {
+  static OdRxClass* desc() { return OdDbLongTransaction::desc(); }
+  template <class Fields, class Self>
+  static void fields(Fields& fields, Self& self) {
+    fields.value(300, self.name);
+    fields.template pointer<OdDb::kSoftPointerRef>(330, self.origin);
+    fields.template pointer<OdDb::kSoftPointerRef>(331, self.destination);
+    fields.template pointers<OdDb::kSoftPointerRef>(332, self.originals);
+    fields.template pointers<OdDb::kSoftPointerRef>(333, self.copies);
+    fields.rule([&] { return self.originals.size() == self.copies.size(); });
+  }
+
+  OdString name;
+  OdDbObjectId origin;
+  OdDbObjectId destination;
+  OdDbObjectIdArray originals;
+  OdDbObjectIdArray copies;
+};
+
+OdResult OdDbLongTransaction::dxfInFields(OdDbDxfFiler* filer) {
+  OdResult result = OdDbObject::dxfInFields(filer);
+  if (result != eOk) return result;
+  Groups groups;
+  result = OdDbFieldFiling::dxfIn(filer, groups);
+  if (result != eOk) return result;
+  m_name = groups.name;
+  m_origin = groups.origin;
+  m_destination = groups.destination;
+  m_pairs.clear();
+  for (OdUInt32 i = 0; i < groups.copies.size(); ++i) {
+    m_pairs.push_back({groups.originals[i], groups.copies[i]});
+  }
+  return eOk;
+}
+
+void OdDbLongTransaction::dxfOutFields(OdDbDxfFiler* filer) const {
+  OdDbObject::dxfOutFields(filer);
+  Groups groups{m_name, m_origin, m_destination, {}, {}};
+  for (const Pair& pair : m_pairs) {
+    groups.originals.append(pair.original);
+    groups.copies.append(pair.copy);
+  }
+  OdDbFieldFiling::dxfOut(filer, groups);
 }
 
 const OdString& OdDbLongTransaction::name() const {

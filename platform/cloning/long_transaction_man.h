@@ -39,9 +39,12 @@ class OdDbLongTransaction : public OdDbObject {
 
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
+  OdResult dxfInFields(OdDbDxfFiler* filer) override;
+  void dxfOutFields(OdDbDxfFiler* filer) const override;
 
  private:
   friend class OdDbLongTransactionMan;
+  struct Groups;
   struct Pair {
     OdDbObjectId original;  ///< null for an added entity
     OdDbObjectId copy;

@@ -246,17 +246,32 @@ std::size_t VdmDbConfigurationTable::approximateSize() const {
 
 // ---- Filing: the base's part, then the bag
 
+OdResult VdmDbConfigurationTable::acceptContent(OdResult read) {
+  contentChanged();
+  if (read != eOk) return read;
+  return m_cells.isConsistent() ? eOk : eCorruptData;
+}
+
 OdResult VdmDbConfigurationTable::dwgInFields(OdDbDwgFiler* filer) {
   assertWriteEnabled();
-  OdResult result = OdDbObject::dwgInFields(filer);
-  if (result == eOk) result = m_impl.dwgInFields(filer);
-  contentChanged();
-  if (result != eOk) return result;
-  return m_cells.isConsistent() ? eOk : eCorruptData;
+  const OdResult result = OdDbObject::dwgInFields(filer);
+  return acceptContent(result == eOk ? m_impl.dwgInFields(filer) : result);
 }
 
 void VdmDbConfigurationTable::dwgOutFields(OdDbDwgFiler* filer) const {
   assertReadEnabled();
   OdDbObject::dwgOutFields(filer);
   m_impl.dwgOutFields(filer);
+}
+
+OdResult VdmDbConfigurationTable::dxfInFields(OdDbDxfFiler* filer) {
+  assertWriteEnabled();
+  const OdResult result = OdDbObject::dxfInFields(filer);
+  return acceptContent(result == eOk ? m_impl.dxfInFields(filer) : result);
+}
+
+void VdmDbConfigurationTable::dxfOutFields(OdDbDxfFiler* filer) const {
+  assertReadEnabled();
+  OdDbObject::dxfOutFields(filer);
+  m_impl.dxfOutFields(filer);
 }

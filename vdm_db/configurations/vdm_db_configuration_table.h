@@ -113,11 +113,14 @@ class VDM_DB_EXPORT VdmDbConfigurationTable : public OdDbObject {
 
   OdResult dwgInFields(OdDbDwgFiler* filer) override;
   void dwgOutFields(OdDbDwgFiler* filer) const override;
+  OdResult dxfInFields(OdDbDxfFiler* filer) override;
+  void dxfOutFields(OdDbDxfFiler* filer) const override;
   void applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) override;
   [[nodiscard]] std::size_t approximateSize() const override;
 
  private:
   void contentChanged();
+  OdResult acceptContent(OdResult read);
   [[nodiscard]] const VdmNameOrder& keyOrder() const;
   [[nodiscard]] const VdmConfigurationMatch& match() const;
   [[nodiscard]] std::vector<VdmConfigurationRule> rulesFor(const RowMap& required,

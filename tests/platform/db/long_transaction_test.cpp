@@ -3,6 +3,7 @@
 
 #include "tests/platform/db/db_testing.h"
 #include "tests/support/dump_drawing.h"
+#include "tests/support/dxf_testing.h"
 #include "tests/support/test_folder.h"
 
 namespace {
@@ -143,6 +144,20 @@ TEST_F(OdDbLongTransactionTest, ItIsSavedWithTheDrawing) {
   OdDbObjectId transaction;
   ASSERT_EQ(Man::checkOut({line}, drawing->getModelSpaceId(), L"edit", transaction), eOk);
   expectTruncationsFail(transaction);
+  {
+    const auto running = edit<OdDbLongTransaction>(transaction);
+    ASSERT_EQ(running->addToWorkSet({addLine(drawing->getModelSpaceId())}), eOk);
+    const std::string groups = groupsOf(*running);
+    const auto copy = OdDbLongTransaction::createObject();
+    ASSERT_EQ(readGroups(*copy, groups, drawing), eOk);
+    EXPECT_EQ(copy->workSet(), running->workSet());
+    EXPECT_EQ(copy->originalOf(running->workSet()[0]), line);
+    EXPECT_TRUE(copy->originalOf(running->workSet()[1]).isNull());
+    EXPECT_EQ(groupsOf(*copy), groups);
+    EXPECT_EQ(readGroups(*copy, replaced(groups, "333\n", "334\n"), drawing), eCorruptData);
+    EXPECT_EQ(copy->workSet().size(), 2u);
+    ASSERT_TRUE(running->removeFromWorkSet(running->workSet()[1]));
+  }
   const OdDbHandle handle = line.getHandle();
   saveAs(drawing, folder.odFile("a.vdm"));
   drawing = nullptr;
