@@ -69,6 +69,32 @@ OdDbAssocGraph& OdDbAssocNetwork::actionGraph() const {
 
 // Evaluation.
 
+bool OdDbAssocNetwork::isTopLevel() const {
+  assertReadEnabled();
+  return m_isTopLevel;
+}
+
+OdResult OdDbAssocNetwork::evaluateTopLevel(const OdDbDatabase* database,
+                                            OdDbAssocEvaluationCallback* callback) {
+  if (database == nullptr) return eInvalidInput;
+  std::vector<OdDbObjectId> networks;  // an evaluation may make others
+  database->forEachId([&networks](OdDbObjectId id) {
+    if (id.objectClass()->isDerivedFrom(OdDbAssocNetwork::desc()) && !id.isEffectivelyErased()) {
+      networks.push_back(id);
+    }
+    return true;
+  });
+  OdResult first = eOk;
+  for (const OdDbObjectId& id : networks) {
+    const OdDbAssocNetworkPtr network = id.openAs<OdDbAssocNetwork>();
+    if (network.isNull() || !network->m_isTopLevel) continue;
+    const OdDbOpenUpgrade upgrade(network);
+    const OdResult result = network->evaluate(callback);
+    if (first == eOk) first = result;
+  }
+  return first;
+}
+
 OdDbAssocStatus OdDbAssocNetwork::status() const {
   assertReadEnabled();
   OdDbAssocGraph& graph = actionGraph();

@@ -23,12 +23,20 @@ class OdDbAssocNetwork : public OdDbAssocAction {
   ~OdDbAssocNetwork() override;
 
   /// The network of an object. Without `createIfDoesNotExist`, or for an object that cannot have
-  /// one, null when there is none. A new network keeps what `addToTopLevelNetwork` says for hosts.
-  /// An object may have several, under different keys.
+  /// one, null when there is none. A new network is evaluated with the others of its drawing unless
+  /// `addToTopLevelNetwork` is false: evaluateTopLevel() leaves it alone then. An object may have
+  /// several, under different keys.
   static OdDbObjectId getInstanceFromObject(const OdDbObjectId& owningObject,
                                             bool createIfDoesNotExist,
                                             bool addToTopLevelNetwork = true,
                                             const OdString& dictionaryKey = OdString::kEmpty);
+
+  [[nodiscard]] bool isTopLevel() const;
+  /// Evaluates the top-level networks of a drawing one after the other, in the order in which they
+  /// were made; those below erased objects are left out. Looks at every id, and opens networks
+  /// only. The first result that is not eOk; the other networks are evaluated nevertheless.
+  static OdResult evaluateTopLevel(const OdDbDatabase* database,
+                                   OdDbAssocEvaluationCallback* callback = nullptr);
 
   /// kAssocUpToDate when no action waits for evaluation, otherwise kAssocChangedDirectly.
   [[nodiscard]] OdDbAssocStatus status() const override;

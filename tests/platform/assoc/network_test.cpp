@@ -346,4 +346,26 @@ TEST(ExpressionParser, TellsConstantsFromFormulas) {
   EXPECT_FALSE(parser.errorMessage().isEmpty());
 }
 
+TEST_F(Network, TopLevelNetworksAreEvaluatedTogether) {
+  const OdDbObjectId block = addBlock(drawing, L"part");
+  const auto made = [](OdDbObjectId owner, bool isTopLevel, const wchar_t* key) {
+    return OdDbAssocNetwork::getInstanceFromObject(owner, /*create=*/true, isTopLevel, key);
+  };
+  const OdDbObjectId erased = addBlock(drawing, L"erased");
+  const OdDbObjectId networks[] = {network, networkOf(block), made(block, true, L"SECOND"),
+                                   made(block, false, L"APART"), networkOf(erased)};
+  std::vector<OdDbObjectId> readers;
+  for (const OdDbObjectId of : networks) {
+    const OdDbObjectId a = add(of, L"a", L"1");
+    readers.push_back(add(of, L"b", L"a + 1"));
+    ASSERT_EQ(evaluate(of), eOk);
+    EXPECT_EQ(setValue(a, 4), eOk);
+  }
+  EXPECT_FALSE(open<OdDbAssocNetwork>(networks[3])->isTopLevel());
+  EXPECT_EQ(edit<OdDbBlockTableRecord>(erased)->erase(), eOk);
+  ASSERT_EQ(OdDbAssocNetwork::evaluateTopLevel(drawing), eOk);
+  for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(value(readers[i]), i < 3 ? 5.0 : 2.0) << i;
+  EXPECT_EQ(OdDbAssocNetwork::evaluateTopLevel(nullptr), eInvalidInput);
+}
+
 }  // namespace

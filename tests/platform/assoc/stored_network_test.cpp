@@ -2,10 +2,11 @@
 #include <array>
 
 #include "platform/db/audit_info.h"
-#include "platform/filer/dxf_text_filer.h"
 #include "platform/filer/memory_filer.h"
 #include "tests/platform/assoc/network_testing.h"
 #include "tests/support/dump_drawing.h"
+#include "tests/support/dxf_testing.h"
+#include "tests/support/stored_page.h"
 #include "tests/support/test_folder.h"
 
 namespace {
@@ -103,21 +104,25 @@ TEST_F(StoredNetwork, BothFormsCarryEveryField) {
   const OdDbObjectId text = add(L"text");
   EXPECT_EQ(edit<OdDbAssocVariable>(text)->setValue(OdDbEvalVariant::init(L"M6")), eOk);
   for (const OdDbObjectId id : {network, a, b, text, dependencies(b)[0]}) {
-    OdDbTextDxfFiler written(drawing);
     const OdDbObjectPtr source = id.safeOpenObject();
-    source->dxfOutFields(&written);
     const OdDbObjectPtr copy = source->isA()->create();
-    OdDbTextDxfFiler filer(
-        written.text(), drawing,
-        [](void* of, const OdDbHandle& handle) {
-          return static_cast<OdDbDatabase*>(of)->getOdDbObjectId(handle);
-        },
-        drawing.get());
-    ASSERT_EQ(copy->dxfInFields(&filer), eOk) << source->isA()->name().utf8();
-    OdDbTextDxfFiler again(drawing);
-    copy->dxfOutFields(&again);
-    EXPECT_EQ(again.text(), written.text());
+    ASSERT_EQ(readGroups(*copy, groupsOf(*source), drawing), eOk) << source->isA()->name().utf8();
+    EXPECT_EQ(groupsOf(*copy), groupsOf(*source));
   }
+}
+
+TEST_F(StoredNetwork, ItsPageHasTheBytesThatAreWritten) {
+  drawing = host.createDatabase();
+  drawing->setINSUNITS(OdDb::kUnitsMillimeters);
+  network = networkOf(drawing->getModelSpaceId());
+  const OdDbObjectId width = add(L"width", L"1 in");
+  const OdDbObjectId half = add(L"half", L"width / 2");
+  ASSERT_EQ(evaluate(), eOk);
+  std::vector<std::string> records;
+  for (const OdDbObjectId id : {network, width, half, dependencies(half)[0]}) {
+    records.push_back(storedRecordOf(*id.safeOpenObject()));
+  }
+  EXPECT_EQ(storedRecordsOf(VDM_NETWORK_PAGE, "A network in bytes"), records);
 }
 
 }  // namespace
