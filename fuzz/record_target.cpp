@@ -5,6 +5,7 @@
 
 #include "fuzz/fuzz_support.h"
 #include "fuzz/fuzz_target.h"
+#include "fuzz/model_drawing.h"
 #include "platform/base/error.h"
 #include "platform/db/db_object.h"
 #include "platform/rx/rx_class.h"
@@ -27,7 +28,11 @@ const std::vector<OdRxClass*>& filedClasses() {
 }
 
 OdDbDatabase* drawing() {
-  static const OdDbDatabasePtr drawing = fuzzDrawing(7, 40);
+  static const OdDbDatabasePtr drawing = [] {
+    const OdDbDatabasePtr made = fuzzDrawing(7, 40);
+    fuzzAddModel(made);
+    return made;
+  }();
   return drawing.get();
 }
 
@@ -67,14 +72,26 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 std::vector<FuzzInput> fuzzCorpus() {
   std::vector<FuzzInput> corpus;
-  drawing()->forEachId([&corpus](OdDbObjectId id) {
-    const auto& classes = filedClasses();
-    const auto place = std::find(classes.begin(), classes.end(), id.objectClass());
-    FuzzInput input{static_cast<std::uint8_t>(place - classes.begin())};
-    const FuzzInput record = write(id.safeOpenObject());
+  const auto& classes = filedClasses();
+  std::vector<bool> isSeen(classes.size());
+  const auto add = [&](std::size_t place, const OdDbObjectPtr& object) {
+    FuzzInput input{static_cast<std::uint8_t>(place)};
+    const FuzzInput record = write(object);
     input.insert(input.end(), record.begin(), record.end());
     corpus.push_back(input);
+    isSeen[place] = true;
+  };
+  drawing()->forEachId([&](OdDbObjectId id) {
+    const auto place = std::find(classes.begin(), classes.end(), id.objectClass());
+    if (place != classes.end()) {
+      add(static_cast<std::size_t>(place - classes.begin()), id.safeOpenObject());
+    }
     return true;
   });
+  // Of a class that the drawing has no object of, the record of a new one.
+  for (std::size_t place = 0; place < classes.size(); ++place) {
+    const OdDbObjectPtr made = OdDbObject::cast(classes[place]->create());
+    if (!isSeen[place] && !made.isNull()) add(place, made);
+  }
   return corpus;
 }
