@@ -1,5 +1,7 @@
 // Tests of variables of clones: which a watcher has seen, which are cleaned up, and what
 // expressions of copied blocks say.
+#include <set>
+
 #include "platform/assoc/assoc_network.h"
 #include "platform/assoc/assoc_variable.h"
 #include "tests/support/model_testing.h"
@@ -62,7 +64,37 @@ TEST_F(VdmClonedVariablesTest, ACopiedBlockComputesWithItsOwn) {
     copy = vdmu::cloneBlock(m_block, /*deferXlation=*/false, m_mapping);
   }
   EXPECT_EQ(vdmu::getAssocActions(copy).size(), 3u);
-  EXPECT_EQ(m_drawing->appServices()->parameterCopyMode(), 1);
+}
+
+/// Notes the copy mode of the host whenever a variable is made.
+class ModeWatcher : public OdStaticRxObject<OdDbDatabaseReactor> {
+ public:
+  void objectAppended(const OdDbDatabase* database, const OdDbObject* object) override {
+    if (object->isA() != OdDbAssocVariable::desc()) return;
+    modes.insert(database->appServices()->parameterCopyMode());
+  }
+  std::set<int> modes;
+};
+
+TEST_F(VdmClonedVariablesTest, AHostSeesTheModeOfCopyingWhileABlockIsCopied) {
+  m_drawing->appServices()->setParameterCopyMode(2);
+  ModeWatcher watcher;
+  m_drawing->addReactor(&watcher);
+  for (const bool withModel : {true, false}) {
+    watcher.modes.clear();
+    m_mapping = nullptr;
+    if (withModel) {
+      const OdDbObjectId target = addBlock(m_drawing, L"TARGET");
+      EXPECT_EQ(vdmu::cloneBlockWithModel(m_block, target, m_mapping), eOk);
+    } else {
+      EXPECT_FALSE(vdmu::cloneBlock(m_block, /*deferXlation=*/false, m_mapping).isNull());
+    }
+    EXPECT_EQ(watcher.modes, std::set<int>{3});
+    EXPECT_EQ(m_drawing->appServices()->parameterCopyMode(), 2);
+  }
+  (void)add(L"alone", L"1");
+  EXPECT_TRUE(watcher.modes.contains(2)) << "no copy is running";
+  m_drawing->removeReactor(&watcher);
 }
 
 TEST_F(VdmClonedVariablesTest, AWatcherKnowsWhatWasMade) {

@@ -8,10 +8,10 @@
 #include <set>
 
 #include "platform/base/case_compare.h"
-#include "platform/db/audit_info.h"
-#include "platform/filer/id_filer.h"
 #include "tests/support/dump_drawing.h"
+#include "tests/support/plain_solver.h"
 #include "tests/support/test_seed.h"
+#include "tests/vdm_db/cloning/copied_references.h"
 #include "tests/vdm_db/features/feature_testing.h"
 #include "vdm_db/constraints/vdm_constraint_manager_services.h"
 #include "vdm_db/drawing_utils/vdm_block_utils.h"
@@ -36,32 +36,10 @@ std::vector<std::string> texts(const std::vector<Paths>& all) {
 }
 
 /// Answers the remapping of merges as it is set.
-class MergeSolver : public OdStaticRxObject<VdmDbConstraintManagerPE> {
+class MergeSolver : public PlainSolver {
  public:
-  bool isParametric(const VdmConstraint* constraint) override { return constraint->type() >= 10; }
-  bool isLinearDimension(const VdmConstraint*) override { return false; }
-  bool isAngularDimension(const VdmConstraint*) override { return false; }
-  bool attachmentWanted() override { return false; }
-  void reservedOperationA() override {}
   bool dropUnmappedConstraint() override { return drops; }
-  void constraintsRemoved(const OdStringArray&, const OdDbObjectId&) override {}
-  OdString generateConstraintName(OdString& name, VdmDbConstraintManager*, VdmConstraint*,
-                                  const OdString& wanted, bool) override {
-    return name = wanted;
-  }
   bool skipRemapping(VdmConstraint*, OdInt32) override { return skips; }
-  void invalidateTCCache(OdDbDatabase*) override {}
-  void reservedOperationB() override {}
-  bool getAlignmentFromDrawing(const VdmConstraint*, AlignmentOrientation&) override {
-    return false;
-  }
-  bool getHalfSpacesFromDrawing(const VdmConstraint*, std::vector<HalfSpaceOrientation>&) override {
-    return false;
-  }
-  VdmConstraintOrientationProperties getConstraintOrientationProperties(
-      const VdmConstraint*) override {
-    return {};
-  }
 
   bool drops = false;
   bool skips = false;
@@ -197,44 +175,6 @@ class VdmModelCloningTest : public FeatureTest {
       for (OdDbFullSubentPath& path : paths) path = moved(path, source, target, numBefore);
     }
     return result;
-  }
-
-  /// The block and all that it owns, at any depth.
-  static std::set<OdDbObjectId> belongingTo(OdDbObjectId block) {
-    std::set<OdDbObjectId> all;
-    std::vector<OdDbObjectId> waiting{block};
-    while (!waiting.empty()) {
-      const OdDbObjectId id = waiting.back();
-      waiting.pop_back();
-      const OdDbObjectPtr object = id.openObject();
-      if (object.isNull() || !all.insert(id).second) continue;
-      OdDbIdFiler filer(id.database());
-      object->dwgOutFields(&filer);
-      for (const OdDbFiledId& filed : filer.ids()) {
-        if (OdDb::isOwnership(filed.type) && filed.id.ownerId() == id) waiting.push_back(filed.id);
-      }
-    }
-    return all;
-  }
-  /// No object of `block` refers to one of `other`, or to one that is erased.
-  static void expectNoReferences(OdDbObjectId block, const std::set<OdDbObjectId>& other) {
-    for (const OdDbObjectId& id : belongingTo(block)) {
-      OdDbIdFiler filer(id.database());
-      id.openObject()->dwgOutFields(&filer);
-      for (const OdDbFiledId& filed : filer.ids()) {
-        if (filed.id == block.ownerId()) continue;
-        const OdDbObjectPtr object = id.openObject();
-        EXPECT_TRUE(other.count(filed.id) == 0 || filed.id.isNull())
-            << object->isA()->name().utf8() << " refers to "
-            << filed.id.openObject(OdDb::kForRead, true)->isA()->name().utf8();
-      }
-    }
-  }
-  static OdUInt32 findings(OdDbDatabase& drawing) {
-    OdDbAuditInfo info;
-    drawing.audit(&info);
-    for (const OdString& line : std::as_const(info).lines()) ADD_FAILURE() << line.utf8();
-    return info.numErrors();
   }
 
   void expectCopied(OdDbObjectId source, OdDbObjectId target) {
