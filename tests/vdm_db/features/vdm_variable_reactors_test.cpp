@@ -1,8 +1,10 @@
 // A change of a variable reaches features: property reactors, expression reactors.
 #include "platform/assoc/assoc_network.h"
+#include "tests/support/stored_page.h"
 #include "tests/vdm_db/features/feature_testing.h"
 #include "vdm_db/features/vdm_db_expression_reactor.h"
 #include "vdm_db/features/vdm_db_property_reactor.h"
+#include "vdm_db/parameters/vdm_assoc_variable_ext.h"
 #include "vdm_db/parameters/vdm_variable_evaluation.h"
 #include "vdm_db/parameters/vdm_variable_names.h"
 #include "vdm_db/parameters/vdm_variable_values.h"
@@ -184,6 +186,28 @@ TEST_F(VdmVariableReactors, TheVariableOfAnExpressionEndsWithIt) {
   vdmu::removeVariable(open<VdmDbExpressionReactor>(third)->assocVariable());
   EXPECT_TRUE(third.isErased());
   EXPECT_FALSE(m_feature.isErased());
+}
+
+TEST_F(VdmVariableReactors, TheirPageHasTheBytesThatAreWritten) {
+  const OdDbDatabasePtr drawing = m_host.createDatabase();
+  m_modelSpace = drawing->getModelSpaceId();
+  const OdDbObjectId width = named(L"width", L"10");
+  VdmAssocVariableExt::cast(edit<OdDbAssocVariable>(width))->setExposed(true);
+  m_feature = edit<VdmDbFeatureManager>(VdmDbFeatureManager::getInstance(m_modelSpace, true))
+                  ->createFeatureData(DrivenFeature::desc(), L"F", false, false);
+  edit<VdmDbFeatureData>(m_feature)->getWriteProperties().setProperty(L"Depth", 5.0);
+  edit<VdmDbFeatureData>(m_feature)->getWriteProperties().setProperty(L"Width", 7.0);
+  const OdDbObjectId property = addReactor<VdmDbPropertyReactor>();
+  EXPECT_EQ(bind(property, L"Width", L"width"), eOk);
+  const OdDbObjectId expression = addReactor<VdmDbExpressionReactor>();
+  edit<VdmDbExpressionReactor>(expression)->setPropertyName(L"Depth");
+  EXPECT_EQ(edit<VdmDbExpressionReactor>(expression)->setExpression(L"2 * width", true), eOk);
+  vdmu::evaluateVariables(m_modelSpace);
+  std::vector<std::string> records;
+  for (const OdDbObjectId id : {width, property, expression}) {
+    records.push_back(storedRecordOf(*id.safeOpenObject()));
+  }
+  EXPECT_EQ(storedRecordsOf(VDM_PARAMETERS_PAGE, "In bytes"), records);
 }
 
 }  // namespace
