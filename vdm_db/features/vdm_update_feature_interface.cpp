@@ -39,6 +39,7 @@ void removeFrom(OdStringArray& list, const OdString& text) {
 void storeFeatureType(OdDbObject* object, const OdString& className) {
   VdmProperties bag;
   bag.readFromDbObject(object);
+  bag.removeProperty(kVdmFeatureType);  // whatever its kind
   bag.setProperty(kVdmFeatureType, className);
   bag.writeToDbObject(object);
 }

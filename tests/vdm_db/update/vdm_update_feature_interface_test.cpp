@@ -48,6 +48,7 @@ TEST_F(VdmUpdateFeatureInterfaceTest, ExtensionsAreKeptInTheObjectsProperties) {
   EXPECT_TRUE(Interface::getExtension(plate).isNull());
   VdmProperties other;
   other.setProperty(L"kept", OdString(L"as it is"));
+  other.setProperty(kVdmFeatureType, OdLong{7});
   other.writeToDbObject(plate);
   Interface::setExtension(VdmFeature::desc(), plate);
   EXPECT_TRUE(Interface::getExtension(plate).isNull()) << "the class has no interface";
