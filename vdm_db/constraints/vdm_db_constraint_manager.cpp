@@ -25,7 +25,11 @@ constexpr const char* kSource = "vdm_db/vdm_db_constraint_manager";
 VdmDbConstraintManager::VdmDbConstraintManager() {
   m_properties.setProperty(kVdmDesignIntentSettings, defaultDesignIntentString());
 }
-VdmDbConstraintManager::~VdmDbConstraintManager() = default;
+
+// Constraints that others hold outlive the drawing, and the ids of it.
+VdmDbConstraintManager::~VdmDbConstraintManager() {
+  for (const auto& [nodeId, constraint] : m_constraints) constraint->setOwner(OdDbObjectId::kNull);
+}
 
 // ---- Finding managers
 

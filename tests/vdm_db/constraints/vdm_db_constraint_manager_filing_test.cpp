@@ -57,6 +57,10 @@ TEST_F(VdmDbConstraintManagerFiling, EditsOfAConstraintInUseReachItsManager) {
   m_drawing->pageOut(0);
   held->setEnabled(false);
   EXPECT_FALSE(constraint(1)->isEnabled());
+  reopen();
+  EXPECT_TRUE(held->owner().isNull()) << "its drawing is closed";
+  held->setEnabled(true);
+  EXPECT_FALSE(constraint(1)->isEnabled());
 }
 
 TEST_F(VdmDbConstraintManagerFiling, FilesHoldNoStatus) {
