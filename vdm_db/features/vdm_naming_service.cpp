@@ -8,6 +8,7 @@
 namespace {
 
 constexpr int kMaxDigits = 6;
+constexpr OdUInt32 kMaxNumber = 999999;  // of as many digits
 
 bool isDigit(wchar_t character) { return character >= L'0' && character <= L'9'; }
 
@@ -90,7 +91,10 @@ void VdmNamingService::makeNameUnique(OdString& name) {
     number = entry->second + 1;
   }
   if (number == 0) return;
-  name.format(L"%ls%lc%u", split.prefix.c_str(), m_delimiter, number);
+  // A name with more digits than a number has is a prefix of its own.
+  do {
+    name.format(L"%ls%lc%u", split.prefix.c_str(), m_delimiter, number);
+  } while (number++ > kMaxNumber && m_prefixes.contains(name));
 }
 
 bool VdmNamingService::checkNameCollision(const OdString& name) {

@@ -68,6 +68,11 @@ TEST(VdmNamingServiceTest, MakesNamesUnique) {
     service.makeNameUnique(name);
     EXPECT_EQ(name, OdString(row.unique)) << OdString(row.name).utf8();
   }
+  ListedNames full;
+  full.names = {L"Hole_999999", L"Hole_1000000"};
+  OdString name = L"Hole";
+  full.makeNameUnique(name);
+  EXPECT_EQ(name, L"Hole_1000001");
 }
 
 TEST(VdmNamingServiceTest, TheRecordIsBuiltOnceAndDroppedWhenToldTo) {
