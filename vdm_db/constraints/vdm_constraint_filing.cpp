@@ -21,14 +21,6 @@ OdUInt32 readArgumentCount(OdDbDwgFiler* filer) {
                                                 count, kMaxArguments));
 }
 
-bool readMap(OdDbDwgFiler* filer, VdmProperties& properties) {
-  try {
-    return vdmu::dwgInOldPropertyMap(filer, properties) == eOk;
-  } catch (const OdError&) {
-    return false;
-  }
-}
-
 }  // namespace
 
 // A reader that does not know a soft version sees type 0 and leaves the constraint alone.
@@ -91,7 +83,8 @@ OdResult VdmConstraint::readProperties(OdDbDwgFiler* filer, OdInt16 version) {
   if (version > kMapVersion) return m_properties.dwgInFields(filer);
   m_nodeId = 0;
   m_properties.clear();
-  const bool isRead = version < kMapVersion || readMap(filer, m_properties);
+  const bool isRead =
+      version < kMapVersion || vdmu::dwgInOldPropertyMap(filer, m_properties) == eOk;
   m_properties.removeProperty(nodeIdKey());
   m_properties.mapProperty(nodeIdKey(), &m_nodeId);
   return isRead ? eOk : eCorruptData;

@@ -63,7 +63,9 @@ void readSoftPointerIdArray(OdDbDwgFiler* filer, OdDbObjectIdArray& ids) {
 
 // ---- Old property map
 
-OdResult dwgInOldPropertyMap(OdDbDwgFiler* filer, VdmProperties& properties) {
+namespace {
+
+void readOldPropertyMap(OdDbDwgFiler* filer, VdmProperties& properties) {
   // By position in the string that takes their place.
   static const std::array<OdString, 3> kOrientationKeys = {OdString("AngleFirstArgOrientation"),
                                                            OdString("AngleSecondArgOrientation"),
@@ -88,7 +90,17 @@ OdResult dwgInOldPropertyMap(OdDbDwgFiler* filer, VdmProperties& properties) {
                        value == kNegative ? L'-' : L'+');
   }
   if (hasOrientation) properties.setProperty(kVdmAngleArgsOrientation, orientations);
-  return eOk;
+}
+
+}  // namespace
+
+OdResult dwgInOldPropertyMap(OdDbDwgFiler* filer, VdmProperties& properties) {
+  try {
+    readOldPropertyMap(filer, properties);
+    return eOk;
+  } catch (const OdError&) {
+    return eCorruptData;
+  }
 }
 
 }  // namespace vdmu

@@ -23,7 +23,8 @@ VDM_DB_EXPORT void readSoftPointerIdArray(OdDbDwgFiler* filer, OdDbObjectIdArray
 
 // The map of early files, in which every property is a string: a count by rdInt32, then pairs of
 // key and value by rdString. Three keys are orientations of angle arguments, "Negative" or
-// anything else; they become one string of '-' and '+' under "AngleArgsOrientation".
+// anything else; they become one string of '-' and '+' under "AngleArgsOrientation". eCorruptData
+// where the pairs cannot be read; the properties that were read until then stay.
 VDM_DB_EXPORT OdResult dwgInOldPropertyMap(OdDbDwgFiler* filer, VdmProperties& properties);
 
 }  // namespace vdmu

@@ -434,6 +434,12 @@ TEST(VdmDwgUtils, ReadsTheOldMapOfStrings) {
   EXPECT_EQ(bag.size(), 2u);
   EXPECT_TRUE(bag.getProperty(L"a", text) && text == OdString("1"));
   EXPECT_TRUE(bag.getProperty(L"AngleArgsOrientation", text) && text == OdString("++-"));
+
+  filer.clear()->wrInt32(2);
+  for (const char* part : {"b", "2", "c"}) filer.wrString(OdString(part));
+  filer.seek(0, OdDb::kSeekFromStart);
+  EXPECT_EQ(vdmu::dwgInOldPropertyMap(&filer, bag), eCorruptData) << "it ends within a pair";
+  EXPECT_TRUE(bag.hasProperty(L"b"));
 }
 
 }  // namespace
