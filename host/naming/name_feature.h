@@ -26,7 +26,7 @@ using VdmNameFeaturePtr = OdSmartPtr<VdmNameFeature>;
 namespace vdm_host {
 
 /// Gives a name to what a path leads to; the reference is made in the path's first block when it is
-/// not there. An empty name becomes "Reference 1" or the next free number. `feature` gets the
+/// not there. An empty name becomes "Reference_1" or the next free number. `feature` gets the
 /// VdmNameFeature. Works within the caller's transaction. eInvalidInput for a path without
 /// entities, eKeyNotFound when the reference cannot be made.
 [[nodiscard]] OdResult nameReference(const OdDbFullSubentPath& path, const OdString& name,
