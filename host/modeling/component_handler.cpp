@@ -49,6 +49,14 @@ OdDb3dSolidPtr newSolid(const OdModelerBodyPtr& body) {
   return solid;
 }
 
+// What cannot be written is known before anything is done for the component, which fails alone
+// then.
+void assertWritable(const VdmComponentFeature& feature) {
+  feature.objectId().safeOpenObject(OdDb::kForWrite)->assertWriteEnabled();
+  const OdDbObjectPtr reactor = feature.insertReactorId().openObject(OdDb::kForWrite);
+  if (!reactor.isNull()) reactor->assertWriteEnabled();
+}
+
 // The pass leaves the component alone: what its insert reported is dealt with.
 void clearChange(const VdmComponentFeature& component) {
   const VdmDbInsertReactorPtr reactor = component.insertReactorId().openAs<VdmDbInsertReactor>();
@@ -117,7 +125,7 @@ bool ComponentHandler::matchFaces(const OdDbObjectId& feature,
     case Plan::kNothing:
       clearChange(*component);
       return false;
-    case Plan::kCondemned:  // by settle(): a solid that cannot be healed keeps its component
+    case Plan::kCondemned:  // after settle(): a solid that cannot be healed keeps its component
       return false;
     case Plan::kWork:
       sampleFaces(*component, *findWork(feature), args);
@@ -137,6 +145,7 @@ ComponentHandler::Plan ComponentHandler::plan(const VdmComponentFeature& feature
     return Plan::kNothing;
   }
   const bool condemned = work.condemned;
+  if (!condemned) assertWritable(feature);
   if (work.heals || work.applies) enterSite(feature, work);
   addWork(std::move(work));
   return condemned ? Plan::kCondemned : Plan::kWork;

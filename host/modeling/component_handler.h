@@ -44,7 +44,7 @@ class ComponentHandler final : public FeatureHandler {
   void withdraw(const OdDbObjectId& feature) override;
   bool prepareSolids() override;
   bool checkTools(const OdDb3dSolidPtr& solid, Tools& waiting, Tools& tools) override;
-  void settle() override;
+  bool settle() override;
   [[nodiscard]] bool worked(const OdDbObjectId& feature) const override;
 
  private:
@@ -118,7 +118,7 @@ class ComponentHandler final : public FeatureHandler {
   OdStatus fitTool(const OdModelerBodyPtr& body, const Work& work, Tool& tool);
 
   // Results.
-  void storePieces();
+  bool storePieces();
   static void storePiecesOf(ComponentPieces& pieces);
   void settleReferences();
   void addRespawns(ReferenceUpdate& update, const BodyLineage& lineage, const Work& work) const;
@@ -127,8 +127,9 @@ class ComponentHandler final : public FeatureHandler {
                              const BodyLineage& lineage, const Work& work);
   void noteOpenings(const BodyLineage& lineage) const;
   void matchSamples(const BodyLineage& lineage);
-  void storeApplied();
+  bool storeApplied();
   void storeAppliedOf(const Work& work);
+  void storeHealedOf(const Work& work);
   void noteWithoutEffect(const Work& work);
   [[nodiscard]] static ToolFaces toolFaces(const BodyLineage& lineage, const Work& work);
 

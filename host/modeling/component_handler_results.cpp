@@ -1,4 +1,6 @@
-// ComponentHandler: references, residues and placements once the solids are done.
+// ComponentHandler: references, residues and placements once the solids are done, in the
+// transaction that keeps the solids: a component's record and its cut change together or not at
+// all.
 //
 // When an opening is closed and cut again, no history of the modeller leads from its old faces to
 // its new ones: healing took the old ones away. What leads there is the tool. The references of an
@@ -63,22 +65,21 @@ void noteBirths(const OdDbObjectId& feature) {
 
 }  // namespace
 
-// A feature that fails here has its own record wrong; the others are written down all the same,
-// since the solids are as all of them say.
-void ComponentHandler::settle() {
-  if (m_work.empty()) return;
-  storePieces();
-  m_helper.workFor(OdDbObjectId(), [this] { settleReferences(); });
-  storeApplied();
+// The first failure ends it: the solids are as all features say, so all are taken back together.
+bool ComponentHandler::settle() {
+  if (m_work.empty()) return true;
+  return storePieces() && m_helper.workFor(OdDbObjectId(), [this] { settleReferences(); }) &&
+         !m_helper.failed() && storeApplied();
 }
 
-void ComponentHandler::storePieces() {
+bool ComponentHandler::storePieces() {
   for (const std::unique_ptr<Site>& site : m_sites) {
     for (ComponentPieces& pieces : site->ledger.components()) {
       if (!pieces.isChanged(ToolKind::kCut) && !pieces.isChanged(ToolKind::kFill)) continue;
-      m_helper.workFor(pieces.feature, [&pieces] { storePiecesOf(pieces); });
+      if (!m_helper.workFor(pieces.feature, [&pieces] { storePiecesOf(pieces); })) return false;
     }
   }
+  return true;
 }
 
 void ComponentHandler::storePiecesOf(ComponentPieces& pieces) {
@@ -228,14 +229,26 @@ void ComponentHandler::matchSamples(const BodyLineage& lineage) {
 
 // ---- The component's own record
 
-void ComponentHandler::storeApplied() {
-  for (const Work& work : m_work) {
-    if (work.condemned) {
-      m_helper.condemn(work.feature);
-    } else {
-      m_helper.workFor(work.feature, [&] { storeAppliedOf(work); });
-    }
-  }
+bool ComponentHandler::storeApplied() {
+  return std::ranges::all_of(m_work, [this](const Work& work) {
+    return m_helper.workFor(work.feature, [&] {
+      if (work.condemned) {
+        storeHealedOf(work);
+      } else {
+        storeAppliedOf(work);
+      }
+    });
+  });
+}
+
+// Nothing of it is left in the solid, also when it cannot be erased afterwards.
+void ComponentHandler::storeHealedOf(const Work& work) {
+  m_helper.condemn(work.feature);
+  if (!work.heals) return;  // its solid was erased
+  const VdmComponentFeaturePtr feature = openForWrite(work.feature);
+  if (feature.isNull()) return;
+  feature->getDbObject()->assertWriteEnabled();
+  feature->forgetApplied();
 }
 
 void ComponentHandler::storeAppliedOf(const Work& work) {

@@ -38,8 +38,9 @@ class FeatureHandler {
   /// Moves the tools that it queued from `waiting` to `tools`, as far as they cut. False when it
   /// failed.
   virtual bool checkTools(const OdDb3dSolidPtr& solid, Tools& waiting, Tools& tools) = 0;
-  /// The solids are done and kept: brings references and what features store up to date.
-  virtual void settle() = 0;
+  /// The solids are done, in a transaction that is still open: brings references and what features
+  /// store up to date. False takes both back.
+  virtual bool settle() = 0;
   /// The feature's solid was changed for it in this pass.
   [[nodiscard]] virtual bool worked(const OdDbObjectId& feature) const = 0;
 };

@@ -4,8 +4,10 @@
 #include <algorithm>
 
 #include "host/modeling/model_update_context.h"
+#include "host/naming/reference_update.h"
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
+#include "vdm_db/references/vdm_dependencies_replacement_map.h"
 #include "vdm_db/update/vdm_feature_subents_to_remove.h"
 #include "vdm_db/update/vdm_feature_update_data.h"
 
@@ -39,10 +41,6 @@ bool UpdateHelper::fail(const OdDbObjectId& feature, OdStatus status) {
 void UpdateHelper::noteStep(const OdDbObjectId& feature, const OdDbObjectId& solid,
                             SolidAction action) const {
   if (m_context != nullptr) m_context->recorder.noteStep(feature, solid, action);
-}
-
-void UpdateHelper::condemn(const OdDbObjectId& feature) {
-  updateData().appendFeatureToRemove(feature);
 }
 
 void UpdateHelper::addGrossTool(const OdDbObjectId& feature, const OdDbObjectId& solid,
@@ -124,7 +122,14 @@ bool UpdateHelper::checkTools(OdSmartPtr<OdDb3dSolid>& solid, Tools& tools) {
 
 // ---- The outcome
 
-bool UpdateHelper::acceptSolids() { return !failed(); }
+// What features store is written before the solids are kept: both change or none.
+bool UpdateHelper::acceptSolids() {
+  if (failed()) return false;
+  const bool isSettled =
+      std::ranges::all_of(m_handlers, [](const HandlerRow& row) { return row.handler->settle(); });
+  m_numSettled = changes().size();
+  return isSettled;
+}
 
 void UpdateHelper::solidsAborted(VdmUpdatePhase phase, const OdString& text) {
   const bool isKnown = failed();
@@ -140,9 +145,18 @@ void UpdateHelper::withdrawFeature(const OdDbObjectId& feature) {
 
 void UpdateHelper::prepareInit() {
   if (failed()) return;
-  for (const HandlerRow& row : m_handlers) {
-    workFor(OdDbObjectId(), [&row] { row.handler->settle(); });
-  }
+  for (const OdDbObjectId& feature : m_condemned) updateData().appendFeatureToRemove(feature);
+  if (m_context == nullptr) settleRest();
+}
+
+// References follow what features did to solids in their own updates; with a context its owner sees
+// to that.
+void UpdateHelper::settleRest() {
+  const auto rest = changes().subspan(m_numSettled);
+  if (rest.empty()) return;
+  VdmDependenciesReplacementMap replaced;
+  ReferenceUpdate update(replaced);
+  (void)update.settle(rest);
 }
 
 }  // namespace vdm_host

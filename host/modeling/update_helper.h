@@ -32,20 +32,25 @@ class UpdateHelper final : public VdmFeatureUpdateDataHelper {
   [[nodiscard]] ModelUpdateContext* context() const { return m_context; }
   /// What happened to solids since the pass began.
   [[nodiscard]] std::span<const OdSolidChange> changes() const;
-  /// The solid operations of the pass failed or were rolled back: nothing is written down.
+  /// The solid operations of the pass failed or were rolled back, and what was written down with
+  /// them.
   [[nodiscard]] bool failed() const;
   /// Reports the failure of a feature's operation; false always.
   bool fail(const OdDbObjectId& feature, OdStatus status);
   void noteStep(const OdDbObjectId& feature, const OdDbObjectId& solid, SolidAction action) const;
-  /// Works for one feature once the solids are kept: what `work` raises is that feature's failure.
+  /// Works for one feature, or for the pass where the id is null. What `work` raises is reported as
+  /// the feature's failure, and fails the solid operations of the pass; false then.
   template <class Work>
-  void workFor(const OdDbObjectId& feature, const Work& work) {
-    vdmGuardFeature(feature, updateData().observer(), [&work] {
+  bool workFor(const OdDbObjectId& feature, const Work& work) {
+    const bool isDone = vdmGuardFeature(feature, updateData().observer(), [&work] {
       work();
       return true;
     });
+    m_failed |= !isDone;
+    return isDone;
   }
-  void condemn(const OdDbObjectId& feature);
+  /// The feature is erased once the solids are kept.
+  void condemn(const OdDbObjectId& feature) { m_condemned.push_back(feature); }
   /// A tool of the feature in gross mode.
   void addGrossTool(const OdDbObjectId& feature, const OdDbObjectId& solid, ToolKind kind,
                     OdDb3dSolid* tool);
@@ -63,12 +68,14 @@ class UpdateHelper final : public VdmFeatureUpdateDataHelper {
   bool removeSubents(const OdDbObjectId& entityId, OdSmartPtr<OdDbEntity>& entity,
                      VdmFeatureSubentsToRemove& record, bool flag) override;
   bool clearEntity(OdSmartPtr<OdDbEntity>& entity) override;
+  /// The solids are kept: hands on what is condemned.
   void prepareInit() override;
   void addGrossData(VdmUpdateFeatureInterface* updateInterface, const OdDbObjectId& feature,
                     OdSmartPtr<OdDbBlockReference> insert, OdSmartPtr<OdDb3dSolid> solid) override;
   bool prepareForSubtract() override;
   bool checkTools(OdSmartPtr<OdDb3dSolid>& solid, Tools& tools) override;
-  /// False when an operation failed that the booleans pass over, such as a check of tools.
+  /// Has the handlers write down what became of the solids, in their transaction. False when that
+  /// fails, and when an operation failed that the booleans pass over, such as a check of tools.
   bool acceptSolids() override;
   void solidsAborted(VdmUpdatePhase phase, const OdString& text) override;
   void withdrawFeature(const OdDbObjectId& feature) override;
@@ -79,12 +86,15 @@ class UpdateHelper final : public VdmFeatureUpdateDataHelper {
     std::unique_ptr<FeatureHandler> handler;
   };
   FeatureHandler* handlerOf(const OdDbObjectId& feature);
+  void settleRest();
 
   ModelUpdateContext* m_context;
   std::optional<OdSolidJournal> m_ownJournal;  // without a context
   const OdSolidJournal* m_journal;
   std::size_t m_journalStart;
+  std::size_t m_numSettled = 0;  ///< changes that the references have followed
   bool m_failed = false;
+  std::vector<OdDbObjectId> m_condemned;
   std::vector<HandlerRow> m_handlers;  // of the classes that came up
 };
 

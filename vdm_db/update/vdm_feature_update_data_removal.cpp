@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "platform/db/database.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/features/vdm_feature_manager_utils.h"
@@ -134,7 +135,9 @@ bool VdmFeatureUpdateData::removeUnusedFeatures() {
     const bool isErasedNow = vdmGuardFeature(id, observer(), [&] {
       const OdDbObjectPtr carrier = id.openObject(OdDb::kForWrite);
       if (carrier.isNull() || carrier->isErased()) return false;
+      OdDbTransaction whole(carrier->database());  // what it owns is erased with it, or nothing
       carrier->erase();
+      if (carrier->isErased()) whole.commit();
       return carrier->isErased();
     });
     if (!isErasedNow) continue;

@@ -1,6 +1,7 @@
 // Drawings with components, edits of them, and what they are to be compared with.
 #include "tests/host/modeling/modeling_testing.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "host/modeling/component_query.h"
@@ -81,16 +82,30 @@ static OdModelerBodyPtr toTheFace(const BlockTools& tools, std::size_t kind,
   return made;
 }
 
-OdModelerBodyPtr ModelingTest::freshBody(const OdModelerBodyPtr& base) const {
+// Where the component's tools are; nothing for one that is not applied.
+static std::optional<OdGeMatrix3d> placeOf(const VdmComponentFeature& component,
+                                           const OdDbBlockReference& insert, bool byRecord) {
+  VdmComponentFeature::Placed placed;
+  if (byRecord) {
+    const bool isCut = component.state() == VdmComponentFeature::kStateApplied;
+    return isCut && component.placed(placed) ? std::optional(placed.transform) : std::nullopt;
+  }
+  if (insert.isErased() || insert.layer() == kVdmSuppressLayer) return std::nullopt;
+  return insert.blockTransform();
+}
+
+OdModelerBodyPtr ModelingTest::freshBody(const OdModelerBodyPtr& base, Places places) const {
   std::array<std::vector<OdModelerBodyPtr>, kToolKindCount> tools;
   ComponentTools library;
   for (const OdDbObjectId& id : componentsOfSolid(m_plate)) {
-    const OdDbBlockReferencePtr place = component(id)->insertId().openAs<OdDbBlockReference>();
-    if (place.isNull() || place->layer() == kVdmSuppressLayer) continue;
-    const BlockTools& all = library.of(place->blockTableRecord());
+    const OdDbBlockReferencePtr insert =
+        component(id)->insertId().openAs<OdDbBlockReference>(OdDb::kForRead, /*openErased=*/true);
+    const auto place = placeOf(*component(id), *insert, places == Places::kRecords);
+    if (!place) continue;
+    const BlockTools& all = library.of(insert->blockTableRecord());
     for (std::size_t kind = 0; kind < kToolKindCount; ++kind) {
       for (const OdModelerBodyPtr& tool : all.bodies[kind]) {
-        tools[kind].push_back(moved(toTheFace(all, kind, tool), place->blockTransform()));
+        tools[kind].push_back(moved(toTheFace(all, kind, tool), *place));
       }
     }
   }
@@ -100,9 +115,10 @@ OdModelerBodyPtr ModelingTest::freshBody(const OdModelerBodyPtr& base) const {
   return body;
 }
 
-testing::AssertionResult ModelingTest::isAsFresh(const OdModelerBodyPtr& base) const {
+testing::AssertionResult ModelingTest::isAsFresh(const OdModelerBodyPtr& base,
+                                                 Places places) const {
   const OdModelerBodyPtr now = plateBody();
-  const OdModelerBodyPtr fresh = freshBody(base);
+  const OdModelerBodyPtr fresh = freshBody(base, places);
   if (const OdStatus sound = now->check(); !sound.ok()) {
     return testing::AssertionFailure() << "unsound: " << sound.text.utf8();
   }
@@ -116,4 +132,22 @@ testing::AssertionResult ModelingTest::isAsFresh(const OdModelerBodyPtr& base) c
            << now->numFaces() << " faces, built fresh " << fresh->numFaces();
   }
   return testing::AssertionSuccess();
+}
+
+testing::AssertionResult ModelingTest::isAsRecorded(const OdModelerBodyPtr& base) const {
+  for (const OdDbObjectId& id : componentsOfSolid(m_plate)) {
+    VdmComponentFeature::Placed placed;
+    if (!component(id)->placed(placed)) continue;
+    for (const auto& [toolFace, references] : component(id)->openingDependencies()) {
+      const OdUInt32 face = openingFace(id, toolFace);
+      if (face == 0) continue;
+      const OdGeExtents3d at = plateBody()->subentExtents({OdModelerSubentType::kFace, face});
+      if (std::ranges::any_of(placed.box, [&at](const auto& box) { return overlap(at, box); })) {
+        continue;
+      }
+      return testing::AssertionFailure() << "a reference of " << id.getHandle().ascii().utf8()
+                                         << " leads to face " << face << " elsewhere";
+    }
+  }
+  return isAsFresh(base, Places::kRecords);
 }

@@ -42,10 +42,18 @@ class ModelingTest : public virtual SolidRuntime,
   [[nodiscard]] OdUInt32 openingFace(const OdDbObjectId& feature, int toolFace) const;
   [[nodiscard]] OdDbObjectId openingReference(const OdDbObjectId& feature, int toolFace) const;
   [[nodiscard]] std::map<OdUInt64, std::string> snapshot() const { return statesOf(*m_database); }
+  /// Where components are by their inserts, and where they were cut by their own records.
+  enum class Places { kInserts, kRecords };
   /// The plate without components, all fills, less all cuts, made by the modeller directly.
-  [[nodiscard]] OdModelerBodyPtr freshBody(const OdModelerBodyPtr& base) const;
-  /// The plate and `fresh` are the same in volume and number of faces, and the plate is sound.
-  [[nodiscard]] testing::AssertionResult isAsFresh(const OdModelerBodyPtr& base) const;
+  [[nodiscard]] OdModelerBodyPtr freshBody(const OdModelerBodyPtr& base,
+                                           Places places = Places::kInserts) const;
+  /// The plate and the fresh body are the same in volume and number of faces, and the plate is
+  /// sound.
+  [[nodiscard]] testing::AssertionResult isAsFresh(const OdModelerBodyPtr& base,
+                                                   Places places = Places::kInserts) const;
+  /// The same with the places of the records; each reference into an opening leads to a face
+  /// there.
+  [[nodiscard]] testing::AssertionResult isAsRecorded(const OdModelerBodyPtr& base) const;
 
   FilingHost m_files;
   OdDbObjectId m_plate;

@@ -1,4 +1,5 @@
 // Failures within a pass: everything is rolled back and reported.
+#include "platform/db/database_reactor.h"
 #include "platform/modeler_wall/walled_modeler.h"
 #include "tests/host/modeling/modeling_testing.h"
 #include "tests/support/faulty_modeler.h"
@@ -72,6 +73,10 @@ class BarePassTest : public RollbackTest {
     insert.safeOpenAs<OdDbBlockReference>(OdDb::kForWrite)
         ->transformBy(OdGeMatrix3d::translation({x, 0.0, 0.0}));
   }
+  [[nodiscard]] double recordedX(const EditResult& item) const {
+    VdmComponentFeature::Placed placed;
+    return component(item.feature)->placed(placed) ? placed.transform.translation().x : 0.0;
+  }
   static void erase(const OdDbObjectId& insert) { insert.safeOpenObject(OdDb::kForWrite)->erase(); }
   void setTool(const OdDbObjectId& block, const OdModelerBodyPtr& tool) const {
     const OdDbBlockTableRecordPtr record = block.safeOpenAs<OdDbBlockTableRecord>();
@@ -131,59 +136,54 @@ TEST_F(BarePassTest, AnUpdateAfterAFailedPassMakesUpForIt) {
   EXPECT_TRUE(isAsFresh(m_base)) << "what is stored heals the plate";
 }
 
-/// Raises what is no standard exception when its object is written after the pass has cut.
-class RaisingReactor : public OdDbObjectReactor {
+/// Raises what is no standard exception when the n-th object of the drawing is opened to be
+/// changed.
+class RaisingReactor : public OdStaticRxObject<OdDbDatabaseReactor> {
  public:
-  /// At the time `at`, counted from 0.
-  RaisingReactor(OdDbObjectId object, int at, std::function<bool()> isDue)
-      : m_object(object), m_waits(at), m_isDue(std::move(isDue)) {
-    m_object.safeOpenObject(OdDb::kForWrite)->addReactor(this);
+  RaisingReactor(OdDbDatabase& database, int at) : m_database(database), m_waits(at) {
+    m_database.addReactor(this);
   }
-  ~RaisingReactor() override { m_object.safeOpenObject(OdDb::kForWrite)->removeReactor(this); }
-  void openedForModify(const OdDbObject*) override {
-    if (!m_isDue() || m_waits-- != 0) return;
-    hasRaised = true;
-    throw 1;
+  ~RaisingReactor() override { m_database.removeReactor(this); }
+  void objectOpenedForModify(const OdDbDatabase*, const OdDbObject*) override {
+    if (--m_waits == 0) throw 1;
   }
-  bool hasRaised = false;
+  [[nodiscard]] bool hasRaised() const { return m_waits <= 0; }
 
  private:
-  OdDbObjectId m_object;
+  OdDbDatabase& m_database;
   int m_waits;
-  std::function<bool()> m_isDue;
 };
 
-// Whichever of three components raises while its results are stored, the others are stored.
-TEST_F(BarePassTest, AComponentThatRaisesWhenItIsStoredFailsAlone) {
-  const OdDbObjectId block = hole(L"H", 10.0);
-  const EditResult made[] = {insert(block, 50.0, 50.0), insert(block, 150.0, 50.0),
-                             insert(block, 250.0, 50.0)};
-  const auto isStored = [this](const EditResult& item) {
-    VdmComponentFeature::Placed placed;
-    return component(item.feature)->placed(placed) &&
-           placed.transform == item.created.openAs<OdDbBlockReference>()->blockTransform();
-  };
-  for (const EditResult& failing : made) {
-    int at = 0;
-    for (bool hasRaised = true; hasRaised; ++at) {
-      const double step = at % 2 == 0 ? 5.0 : -5.0;
-      for (const EditResult& item : made) move(item.created, step);
-      const OdModelerBodyPtr before = plateBody();
-      {
-        RaisingReactor reactor(component(failing.feature)->insertReactorId(), at,
-                               [&] { return plateBody() != before; });
-        ASSERT_NO_THROW(bareUpdate());
-        hasRaised = reactor.hasRaised;
-      }
-      EXPECT_TRUE(plateBody() != before && isAsFresh(m_base));
-      for (const EditResult& item : made) {
-        EXPECT_TRUE(isStored(item) || (hasRaised && item.feature == failing.feature)) << at;
-      }
-      ASSERT_TRUE(done(m_editor->update(/*force=*/true)));
-      EXPECT_TRUE(isStored(failing) && isAsFresh(m_base));
+// Whatever write of a pass fails, the solid has the cuts that are recorded, and no others.
+TEST_F(BarePassTest, AFailingWritePartsNoRecordFromItsCut) {
+  const OdDbObjectId small = hole(L"small", 20.0);
+  const EditResult cut = insert(small, 50.0, 50.0);
+  put(small, 62.0, 50.0);
+  const EditResult stud = insert(boss(L"boss", 30.0, 5.0), 70.0, 60.0);
+  const EditResult apart = insert(hole(L"apart", 12.0), 200.0, 100.0);
+  const EditResult gone = insert(hole(L"gone", 14.0), 250.0, 150.0);
+  const AssertionSink silent([](const VdmAssertion&) {});
+  int numCutApart = 0;
+  bool hasRaised = true;
+  for (int n = 1; hasRaised; ++n) {
+    const OdDbTransaction trial(m_database);
+    for (const EditResult& item : {cut, stud, apart}) move(item.created, 3.0);
+    erase(gone.created);
+    {
+      const RaisingReactor reactor(*m_database, n);
+      ASSERT_NO_THROW(bareUpdate()) << "write " << n;
+      hasRaised = reactor.hasRaised();
     }
-    EXPECT_GT(at, 1);
+    EXPECT_TRUE(isAsRecorded(m_base)) << "write " << n;
+    numCutApart += hasRaised && recordedX(apart) == 203.0 ? 1 : 0;
+    bareUpdate();
+    EXPECT_TRUE(isAsFresh(m_base)) << "after write " << n;
+    EXPECT_TRUE(isAsRecorded(m_base)) << "after write " << n;
+    EXPECT_EQ(recordedX(cut), 53.0) << "after write " << n;
+    EXPECT_TRUE(gone.feature.isErased()) << "after write " << n;
+    ASSERT_FALSE(HasFailure());
   }
+  EXPECT_GE(numCutApart, 4) << "a component whose record cannot be written fails alone";
 }
 
 // The modeller dies of one tool, behind its wall: the pass ends as if that boolean had failed.
