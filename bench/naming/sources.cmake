@@ -12,4 +12,5 @@ if(NOT TARGET vdm_naming_bench)
                         platform::modeler platform::modeler_occt platform::rx vdm::vdm_db)
   target_compile_definitions(vdm_naming_bench PRIVATE VDM_MODULE_FILE="$<TARGET_FILE:vdm_db>")
   _vdm_configure_target(vdm_naming_bench)
+  add_dependencies(vdm_naming_bench platform_modeler_occt_step)  # loaded, not linked
 endif()

@@ -42,7 +42,7 @@ OdStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> fac
 // occt_body_serialise.cpp
 OdStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result);
 
-// step_import.cpp, step_export.cpp
+// step_loading.cpp
 OdStatus importStep(const OdString& path, const OdModelerReadOptions& options,
                     OdModelerAssembly& result);
 OdStatus exportStep(const OdString& path, const OdModelerAssembly& assembly);

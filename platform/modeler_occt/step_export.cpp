@@ -27,7 +27,7 @@
 #include "platform/modeler_occt/occt_body.h"
 #include "platform/modeler_occt/occt_convert.h"
 #include "platform/modeler_occt/occt_guard.h"
-#include "platform/modeler_occt/occt_operations.h"
+#include "platform/modeler_occt/step_exchange.h"
 #include "platform/modeler_occt/step_session.h"
 
 namespace od_occt {
@@ -371,7 +371,7 @@ OdStatus writeFile(const OdString& path, const OdModelerAssembly& assembly) {
 
 }  // namespace
 
-OdStatus exportStep(const OdString& path, const OdModelerAssembly& assembly) {
+OdStatus exportStepFile(const OdString& path, const OdModelerAssembly& assembly) {
   if (OdStatus status = assembly.check(); !status.ok()) return status;
   if (assembly.roots.empty()) return fileFailure(eInvalidInput, path, "the assembly has no root");
   return guarded("export", [&] { return writeFile(path, assembly); });

@@ -11,7 +11,7 @@
 #include "platform/base/text_encoding.h"
 #include "platform/base/work_note.h"
 #include "platform/modeler_occt/occt_guard.h"
-#include "platform/modeler_occt/occt_operations.h"
+#include "platform/modeler_occt/step_exchange.h"
 #include "platform/modeler_occt/step_reader.h"
 #include "platform/modeler_occt/step_session.h"
 
@@ -239,8 +239,8 @@ OdStatus checkOptions(const OdModelerReadOptions& options) {
 
 }  // namespace
 
-OdStatus importStep(const OdString& path, const OdModelerReadOptions& options,
-                    OdModelerAssembly& result) {
+OdStatus importStepFile(const OdString& path, const OdModelerReadOptions& options,
+                        OdModelerAssembly& result) {
   if (OdStatus status = checkOptions(options); !status.ok()) return status;
   OdModelerAssembly assembly;
   if (OdStatus status = AssemblyReader(options).read(path, assembly); !status.ok()) return status;
