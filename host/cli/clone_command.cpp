@@ -274,10 +274,8 @@ Outcome cloneObject(const Drawings& drawings, const CloneOptions& options) {
 }  // namespace
 
 int runClone(const SessionSettings& settings, const CloneOptions& options) {
-  if (options.output) {
-    checkOutput(*options.output, options.input);
-    checkOutput(*options.output, options.into);
-  }
+  std::optional<OdNameClaim> claim;
+  if (options.output) claim.emplace(claimOutput(*options.output, {options.input, options.into}));
   DrawingSession runtime(settings);
   const Drawings drawings = openDrawings(runtime, options);
   const std::string file =

@@ -27,7 +27,7 @@ std::string timeStampNow() {
 
 int runExport(const SessionSettings& settings, const ExportOptions& options) {
   checkInput(options.input);
-  checkOutput(options.output, options.input);
+  const OdNameClaim claim = claimOutput(options.output, {options.input});
   const OpenedDrawing drawing(settings, options.input, DrawingSession::Access::kRead);
   OdStepReport step;
   OdStepExportOptions stepOptions;

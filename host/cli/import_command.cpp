@@ -11,7 +11,7 @@ namespace cli {
 
 int runImport(const SessionSettings& settings, const ImportOptions& options) {
   checkInput(options.input);
-  checkOutput(options.output, options.input);
+  const OdNameClaim claim = claimOutput(options.output, {options.input});
   DrawingSession runtime(settings);
   const OdDbDatabasePtr drawing = runtime.create();
   OdStepReport step;

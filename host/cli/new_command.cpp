@@ -36,7 +36,7 @@ OdDb::UnitsValue parseUnits(const std::string& text) {
 
 int runNew(const SessionSettings& settings, const NewOptions& options) {
   const OdDb::UnitsValue units = parseUnits(options.units);
-  checkOutput(options.output, "");
+  const OdNameClaim claim = claimOutput(options.output);
   DrawingSession runtime(settings);
   const OdDbDatabasePtr drawing = runtime.create();
   drawing->setINSUNITS(units);

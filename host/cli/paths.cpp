@@ -14,7 +14,7 @@ namespace cli {
 
 namespace fs = std::filesystem;
 
-void checkOutput(const OutputFile& output, const std::string& input) {
+OdNameClaim claimOutput(const OutputFile& output, std::initializer_list<std::string> inputs) {
   const fs::path path(output.path);
   std::error_code failure;
   fs::path folder = path.parent_path();
@@ -29,16 +29,24 @@ void checkOutput(const OutputFile& output, const std::string& input) {
   if (fs::exists(path, failure) && !fs::is_regular_file(path, failure)) {
     throw CliError("output " + quote(output.path) + " is not a regular file and is not replaced");
   }
-  if (!input.empty() && isSameFile(input, output.path)) {
+  for (const std::string& input : inputs) {
+    if (!isSameFile(input, output.path)) continue;
     throw CliError("output " + quote(output.path) + " is the input itself");
+  }
+  // Looked at once the name is ours: nothing gets in between from here to the writing.
+  OdNameClaim claim(output.path);
+  const int refused = claim.take();
+  if (refused == EADDRINUSE) {
+    throw CliError("output " + quote(output.path) + " is being written by another program");
   }
   if (fs::exists(path, failure) && !output.force) {
     throw CliError("output " + quote(output.path) + " exists, --force replaces it");
   }
-  if (access(folder.c_str(), W_OK) != 0) {
-    throw CliError("output " + quote(output.path) + ": the folder " + quote(folder.string()) +
-                   " cannot be written: " + std::strerror(errno));
+  if (refused != 0) {
+    throw CliError("output " + quote(output.path) +
+                   " cannot be written: " + std::strerror(refused));
   }
+  return claim;
 }
 
 void checkInput(const std::string& path) {

@@ -2,7 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
+
+#include "platform/base/new_file.h"
 
 namespace cli {
 
@@ -13,8 +16,10 @@ struct OutputFile {
 };
 
 /// Raises CliError when the output cannot be written where it is named, when it exists and is not
-/// to be replaced, or when it is the input itself (`input` may be empty).
-void checkOutput(const OutputFile& output, const std::string& input);
+/// to be replaced, when it is an input itself, or when another command is about to write it. While
+/// the result lives no other command writes there.
+[[nodiscard]] OdNameClaim claimOutput(const OutputFile& output,
+                                      std::initializer_list<std::string> inputs = {});
 
 /// Raises CliError when the file does not exist, is no file or cannot be read.
 void checkInput(const std::string& path);

@@ -10,7 +10,7 @@ namespace cli {
 
 int runRecover(const SessionSettings& settings, const RecoverOptions& options) {
   checkInput(options.input);
-  checkOutput(options.output, options.input);
+  const OdNameClaim claim = claimOutput(options.output, {options.input});
   DrawingSession runtime(settings);
   OdStringArray lost;
   const OdDbDatabasePtr drawing = withProgress("recovering " + options.input, [&] {

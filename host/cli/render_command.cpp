@@ -135,7 +135,7 @@ int runRender(const SessionSettings& settings, const RenderCommandOptions& optio
   readSize(options.size, picture);
   if (options.labels) requireModules(settings);
   checkInput(options.input);
-  checkOutput(options.output, options.input);
+  const OdNameClaim claim = claimOutput(options.output, {options.input});
   const OpenedDrawing drawing(settings, options.input, DrawingSession::Access::kRead);
   if (options.noFeatureColors && !settings.noModules) vdmu::GetFEATURECOLORS::setImpl(&colorsOff);
   std::vector<std::string> warnings;

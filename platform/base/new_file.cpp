@@ -9,7 +9,9 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,10 +19,12 @@
 #include <cerrno>
 #include <cinttypes>
 #include <climits>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <random>
 #include <string_view>
@@ -159,6 +163,44 @@ int odRenameToFreeName(const std::string& from, const std::string& to) {
   // The file system cannot do it in one step: a second name, then without the first one.
   if (::link(from.c_str(), to.c_str()) != 0) return errno;
   return ::unlink(from.c_str()) == 0 ? 0 : errno;
+}
+
+// ---- OdNameClaim
+//
+// A claim is the address of a socket in the system's abstract names, made of the folder's identity
+// and the name. One socket has an address at a time, and the system takes it back when the process
+// ends, however it ends. A file beside the place would stay there after a crash.
+
+OdNameClaim::~OdNameClaim() {
+  if (m_hold >= 0) ::close(m_hold);
+}
+
+OdNameClaim::OdNameClaim(OdNameClaim&& other) noexcept
+    : m_path(std::move(other.m_path)), m_hold(std::exchange(other.m_hold, -1)) {}
+
+int OdNameClaim::take() {
+  std::string target;
+  if (const int error = odResolveForWriting(m_path, target); error != 0) return error;
+  struct stat folder = {};
+  if (::stat(folderOf(target).c_str(), &folder) != 0) return errno;
+  if (::access(folderOf(target).c_str(), W_OK) != 0) return errno;
+  sockaddr_un address = {};
+  address.sun_family = AF_UNIX;  // a first byte of 0 makes the name an abstract one
+  const int length = std::snprintf(
+      address.sun_path + 1, sizeof address.sun_path - 1, "vdm-output-%jx-%jx-%zx",
+      static_cast<std::uintmax_t>(folder.st_dev), static_cast<std::uintmax_t>(folder.st_ino),
+      std::hash<std::string>()(nameOf(target)));
+  const int made = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  if (made < 0) return 0;  // a system without such sockets knows no claims
+  const auto size =
+      static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1) + static_cast<socklen_t>(length);
+  if (::bind(made, reinterpret_cast<const sockaddr*>(&address), size) == 0) {
+    m_hold = made;
+    return 0;
+  }
+  const int error = errno;
+  ::close(made);
+  return error == EADDRINUSE ? error : 0;
 }
 
 // ---- OdNewFile

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "platform/base/export.h"
 #include "platform/base/status.h"
@@ -42,6 +43,24 @@ class OD_API OdNewFile {
   std::string m_temporary;  // empty while there is none
   int m_hold = -1;          // the open, locked temporary file
   bool m_replaces = false;
+};
+
+/// The right to make the file at a path, for programs that first find out what lies there and write
+/// it much later: programs that ask for it in between are refused. Others are not: they meet
+/// OdNewFile::commit(). Ends with the object or its process, and leaves nothing in the folder.
+class OD_API OdNameClaim {
+ public:
+  explicit OdNameClaim(std::string path) : m_path(std::move(path)) {}
+  ~OdNameClaim();
+  OdNameClaim(OdNameClaim&& other) noexcept;
+  OdNameClaim& operator=(OdNameClaim&&) = delete;
+
+  /// 0 or an errno value: EADDRINUSE when another object or program has the right.
+  int take();
+
+ private:
+  std::string m_path;
+  int m_hold = -1;  // a bound socket; -1 while the right is not ours
 };
 
 // The steps of it, for those who write files their own way. Each returns 0 or an errno value.

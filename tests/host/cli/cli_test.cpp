@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdlib>
 
+#include "platform/base/new_file.h"
 #include "tests/host/cli/script_case.h"
 
 namespace {
@@ -134,6 +135,16 @@ TEST_F(RefusedCommand, FilesThatCannotBeUsed) {
       {"trap '' XFSZ; ulimit -f 8; vdm import $SAMPLES/assembly.step -o b.vdm", 1, "*b.vdm*"},
       {"trap '' XFSZ; ulimit -f 1; vdm export part.vdm -o b.step", 1, "*b.step*"},
   });
+}
+
+/// Of two commands that write one new file the second one is refused, however long the first takes.
+TEST_F(RefusedCommand, OutputsThatAnotherProgramIsAboutToWrite) {
+  OdNameClaim first((m_shell.folder() / "b.vdm").string());
+  ASSERT_EQ(first.take(), 0);
+  const char* const kLine = "output 'b.vdm' is being written by another program";
+  expectRefused({{"vdm new b.vdm", 1, kLine},
+                 {"vdm import $SAMPLES/plate.step -o ./b.vdm --force", 1, "output './b.vdm' is*"},
+                 {"vdm export part.vdm -o b.vdm", 1, kLine}});
 }
 
 /// The exit code tells a command that changed nothing from one whose report was lost.

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <filesystem>
 
 #include "tests/support/status_testing.h"
@@ -85,6 +86,21 @@ TEST_F(OdNewFileTest, RemovesLeftoversButNoFileThatIsBeingWritten) {
   EXPECT_TRUE(succeeded(writeTo(file("a.txt"), "again"))) << "replacing is another matter";
   fs::remove(living.temporary());
   EXPECT_EQ(m_folder.listing(), kOthers);
+}
+
+TEST_F(OdNewFileTest, ANameIsClaimedOnce) {
+  fs::create_symlink("a.txt", file("link"));
+  {
+    OdNameClaim claim(file("a.txt"));
+    ASSERT_EQ(claim.take(), 0);
+    const OdNameClaim moved = std::move(claim);
+    EXPECT_EQ(OdNameClaim(file("link")).take(), EADDRINUSE);
+    EXPECT_EQ(OdNameClaim(file("b.txt")).take(), 0);
+    EXPECT_TRUE(succeeded(writeTo(file("a.txt"), "text")));
+    EXPECT_EQ(OdNameClaim(file("a.txt")).take(), EADDRINUSE) << "writing ends no claim";
+  }
+  EXPECT_EQ(OdNameClaim(file("a.txt")).take(), 0);
+  EXPECT_EQ(m_folder.listing(), "a.txt link");
 }
 
 TEST_F(OdNewFileTest, WritesNamesOfEveryLength) {
