@@ -302,7 +302,7 @@ void OdDbAssocAction::audit(OdDbAuditInfo* info) {
         (itsClass->isDerivedFrom(OdDbAssocDependency::desc()) && id.ownerId() == objectId());
     if (isSound) continue;
     info->printError(this, L"dependency " + id.getHandle().ascii(), L"a dependency of the action",
-                     L"nothing");
+                     L"no entry");
     if (!info->fixErrors()) continue;
     removeDependency(id, /*alsoErase=*/false);
     info->errorsFixed();

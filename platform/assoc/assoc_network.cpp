@@ -306,7 +306,7 @@ void OdDbAssocNetwork::audit(OdDbAuditInfo* info) {
     if (itsClass == nullptr) continue;
     if (!itsClass->isDerivedFrom(OdDbAssocAction::desc()) || id.ownerId() != objectId()) {
       info->printError(this, L"entry " + id.getHandle().ascii(), L"an action of the network",
-                       L"nothing");
+                       L"no entry");
       if (!info->fixErrors()) continue;
       removeAction(id, /*alsoErase=*/false);
       info->errorsFixed();

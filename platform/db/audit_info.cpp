@@ -14,7 +14,8 @@ constexpr const wchar_t* kNoRemedy = L"nothing";
 void OdDbAuditInfo::printError(const OdString& name, const OdString& value,
                                const OdString& validation, const OdString& defaultValue) {
   ++m_errors;
-  m_findings.push_back({kUncoded, m_handle, name, value, validation, defaultValue});
+  const OdString remedy = defaultValue == kNoRemedy ? OdString() : defaultValue;
+  m_findings.push_back({kUncoded, m_handle, name, value, validation, remedy});
   m_lines.append(name + L": " + value + L" is not " + validation + L", " + defaultValue +
                  (m_fix ? L" is set" : L" would be set"));
 }

@@ -34,7 +34,8 @@ class OdDbAuditInfo {
   [[nodiscard]] bool fixErrors() const { return m_fix; }
   void setFixErrors(bool fixErrors) { m_fix = fixErrors; }
 
-  /// Notes one finding: what, the value found, the rule that it breaks, and what replaces it.
+  /// Notes one finding: what, the value found, the rule that it breaks, and what replaces it:
+  /// "nothing" where fixing changes nothing.
   virtual void printError(const OdString& name, const OdString& value, const OdString& validation,
                           const OdString& defaultValue);
   /// The same; the name is made of the object's class and handle.

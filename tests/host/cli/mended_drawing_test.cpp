@@ -9,11 +9,14 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "platform/assoc/assoc_network.h"
+#include "platform/assoc/assoc_variable.h"
 #include "platform/base/handle.h"
 #include "platform/db/database.h"
 #include "tests/host/cli/sarif_check.h"
 #include "tests/host/cli/script_case.h"
 #include "tests/platform/storage/store_testing.h"
+#include "tests/support/drawing_testing.h"
 
 namespace {
 
@@ -30,6 +33,7 @@ class MendedDrawing : public testing::Test {
     run("vdm component add a.vdm h hole --diameter 9");
     run("vdm insert a.vdm h --on top --at 30,30,10 --name left");
     run("vdm group a.vdm both 21 top && mv a.vdm sound.vdm");
+    addVariables(path("sound.vdm"), {L"width", L"depth"});
     m_sound = storetest::readFile(*m_factory, path("sound.vdm")).value();
     EXPECT_EQ(audit("", "sound.vdm").exitCode, 0);
   }
@@ -73,18 +77,71 @@ class MendedDrawing : public testing::Test {
     const storetest::Record copy = file.records.at(handle);
     file.records.emplace(file.records.rbegin()->first + 1, copy);
   }
+  /// Into a drawing with solids and features, by a program without their classes.
+  static void addVariables(const std::string& path, const std::vector<OdString>& names) {
+    const Runtime runtime;
+    FilingHost host;
+    OdStatus status;
+    const OdDbDatabasePtr drawing = host.readFile(OdString(path), status);
+    ASSERT_TRUE(succeeded(status));
+    const OdDbObjectId network = OdDbAssocNetwork::getInstanceFromObject(
+        drawing->getModelSpaceId(), /*createIfDoesNotExist=*/true);
+    for (const OdString& name : names) {
+      const OdDbAssocVariablePtr variable = OdDbAssocVariable::createObject();
+      const OdDbObjectId id = drawing->addOdDbObject(variable, network);
+      const auto opened = network.safeOpenAs<OdDbAssocNetwork>(OdDb::kForWrite);
+      ASSERT_EQ(opened->addAction(id, /*alsoSetAsDatabaseOwner=*/true), eOk);
+      ASSERT_EQ(variable->setName(name, /*updateReferencingExpressions=*/false), eOk);
+    }
+    ASSERT_TRUE(succeeded(drawing->save()));
+  }
+  /// Lets the references of a record that are meant lead to another object. A record begins with
+  /// its references: their number, and for each the handle and two bits for its type.
+  static void relink(std::string& data, const std::function<bool(std::uint64_t)>& isMeant,
+                     std::uint64_t to) {
+    std::size_t at = 0;
+    const auto next = [&] {
+      std::uint64_t value = 0;
+      for (unsigned shift = 0;; shift += 7) {
+        const auto byte = static_cast<unsigned char>(data.at(at++));
+        value |= std::uint64_t{byte & 0x7FU} << shift;
+        if (byte < 0x80) return value;
+      }
+    };
+    std::string relinked;
+    const auto put = [&](std::uint64_t value) {
+      for (; value >= 0x80; value >>= 7U) relinked += static_cast<char>(value | 0x80U);
+      relinked += static_cast<char>(value);
+    };
+    const std::uint64_t count = next();
+    put(count);
+    for (std::uint64_t i = 0; i < count; ++i) {
+      const std::uint64_t reference = next();
+      put(isMeant(reference >> 2U) ? to << 2U | (reference & 3U) : reference);
+    }
+    data.replace(0, at, relinked);
+  }
   /// The handle that a list of the command shows for a name.
   std::uint64_t handleOf(const std::string& command) const {
     const Outcome outcome = m_shell.run(command);
     EXPECT_EQ(outcome.output.size(), 1U) << command;
     return outcome.output.empty() ? 0 : std::stoull(outcome.output[0], nullptr, 16);
   }
-  /// The first object of a class in the sound drawing; a class is stored with its name first.
-  std::uint64_t firstOf(const std::string& className) const {
-    const auto isOfClass = [&](const auto& item) {
-      return m_sound.classes.at(item.second.classId).find(className) == 2;
+  /// A class is stored with its name first.
+  [[nodiscard]] bool isOf(const storetest::Record& record, const std::string& className) const {
+    const std::string& text = m_sound.classes.at(record.classId);
+    return text.substr(1, className.size() + 1) == static_cast<char>(className.size()) + className;
+  }
+  [[nodiscard]] std::function<bool(std::uint64_t)> ofClass(const std::string& className) const {
+    return [this, className](std::uint64_t handle) {
+      const auto found = m_sound.records.find(handle);
+      return found != m_sound.records.end() && isOf(found->second, className);
     };
-    const auto found = std::ranges::find_if(m_sound.records, isOfClass);
+  }
+  /// The first object of a class in the sound drawing.
+  std::uint64_t firstOf(const std::string& className) const {
+    const auto found = std::ranges::find_if(
+        m_sound.records, [&](const auto& item) { return isOf(item.second, className); });
     EXPECT_TRUE(found != m_sound.records.end()) << className;
     return found == m_sound.records.end() ? 0 : found->first;
   }
@@ -158,6 +215,25 @@ TEST_F(MendedDrawing, EachCodeIsFoundMendedAndSaved) {
       {"feature-incomplete", true, [&](Content& file) { file.records.erase(top); }},
       {"feature-references", true, [&](Content& file) { file.records.erase(bore); }},
       {"component-incomplete", false, [&](Content& file) { file.records.erase(kSolid); }},
+      {"reactor-of-another", true,
+       [&](Content& file) {
+         relink(file.records.at(insert).data, ofClass("VdmDbInsertReactor"),
+                firstOf("VdmDbObject"));
+       }},
+      {"reference-unneeded", true,
+       [&](Content& file) {
+         for (auto& [handle, record] : file.records) {
+           if (!isOf(record, "VdmDbPersIdReactor")) continue;
+           relink(
+               record.data, [bore](std::uint64_t target) { return target == bore; }, top);
+         }
+         relink(file.records.at(bore).data, ofClass("VdmDbPersIdReactor"), kNowhere);
+       }},
+      {"object", true,
+       [&](Content& file) {
+         std::string& data = file.records.at(firstOf("OdDbAssocVariable")).data;
+         data.replace(data.find("width"), 5, "depth");
+       }},
       {"reference-unresolved", false, nullptr, nullptr, "vdm move a.vdm left --by 0,900,0"},
   };
   for (const Row& row : rows) {
