@@ -1,10 +1,14 @@
 // Components: what inserting, moving, suppressing and erasing them does to solids and references.
+#include <algorithm>
 #include <numbers>
+#include <tuple>
 
+#include "host/modeling/tool_fit.h"
 #include "host/naming/name_feature.h"
 #include "host/naming/reference_query.h"
 #include "platform/db/block_table.h"
 #include "tests/host/modeling/modeling_testing.h"
+#include "tests/support/failing_modeler.h"
 #include "vdm_db/features/vdm_feature_manager_utils.h"
 
 using namespace vdm_host;
@@ -316,6 +320,44 @@ TEST_F(ComponentTest, AToolTakesNothingThatItsComponentDoesNotMean) {
     EXPECT_TRUE(succeeded(plateBody()->check())) << row.what;
     ASSERT_TRUE(done(m_editor->eraseObject(made.created)));
     EXPECT_NEAR(volume(), before, 1e-3) << row.what;
+  }
+}
+
+// By more than the modeller takes for coincident, also where the bore is deeper than the part.
+TEST_F(ComponentTest, AThroughToolReachesBeyondWhatItGoesThrough) {
+  for (const double thickness : {0.5, 4.0, 10.0, 1500.0}) {
+    for (const double boreDepth : {0.0, 4.0}) {
+      ToolForm form{ToolShape::kCounterbore, 6.0, 0.0, 12.0, boreDepth, {}};
+      if (boreDepth == 0.0) form.shape = ToolShape::kHole;
+      ToolReach reach;
+      const OdStatus status =
+          fitReach(box(60.0, 60.0, thickness),
+                   {form, OdGeMatrix3d::translation({30.0, 30.0, thickness}), BaseFace()}, reach);
+      ASSERT_TRUE(succeeded(status));
+      EXPECT_GT(reach.below, std::max(thickness, boreDepth) + 0.1 * form.width);
+      EXPECT_GT(reach.above, 0.1 * form.width);
+    }
+  }
+}
+
+// A face that lies in the tool's face but for the rounding of its numbers is nothing above it.
+TEST_F(ComponentTest, AToolThatCutsFromOutsideCostsNoLookAboveItsFace) {
+  const auto counting = std::make_shared<FailingModeler>(odCreateOcctModeler());
+  odSetModeler(counting);
+  const ToolForm form{ToolShape::kHole, 8.0, 0.0, 0.0, 0.0, 5.0};
+  const auto lift = [](double z) { return OdGeMatrix3d::translation({0.0, 0.0, z}); };
+  const OdModelerBodyPtr block = box(60.0, 40.0, 30.0);
+  const OdModelerBodyPtr slit = slitPart(1.0);
+  for (const double z : {0.0, 0.1, 0.7, 1000.0 / 3.0, 1e5 / 7.0}) {
+    for (const auto& [body, height, looks] :
+         {std::tuple(block, 30.0, 0), std::tuple(slit, 10.0, 1)}) {
+      ToolReach reach;
+      counting->failAt(0);
+      const OdGeMatrix3d place = OdGeMatrix3d::translation({40.0, 20.0, height + z + 0.2});
+      const OdModelerBodyPtr lifted = moved(moved(body, lift(z)), lift(0.2));
+      ASSERT_TRUE(succeeded(fitReach(lifted, {form, place, BaseFace()}, reach)));
+      EXPECT_EQ(counting->count(), looks) << "lifted by " << z;
+    }
   }
 }
 
