@@ -25,25 +25,11 @@ OdDbTextDxfFiler filerOf(const std::string& text) {
 void readGroup(OdDbTextDxfFiler& filer, int code) {
   OdBinaryData bytes;
   switch (OdResBuf::kindOf(code)) {
-    case OdResBuf::Kind::kString:
-      filer.rdString();
-      break;
-    case OdResBuf::Kind::kBool:
-      filer.rdBool();
-      break;
-    case OdResBuf::Kind::kInt8:
-      filer.rdInt8();
-      break;
-    case OdResBuf::Kind::kInt16:
-      filer.rdInt16();
-      break;
-    case OdResBuf::Kind::kInt32:
-      filer.rdInt32();
-      break;
-    case OdResBuf::Kind::kInt64:
-      filer.rdInt64();
-      break;
-    case OdResBuf::Kind::kDouble:
+#define OD_RES_BUF_PRIMITIVE(Name, Type, Argument, text) \
+  case OdResBuf::Kind::k##Name:                          \
+    filer.rd##Name();                                    \
+    break;
+#include "platform/filer/res_buf_rows.inc"
     case OdResBuf::Kind::kPoint:
       filer.rdDouble();
       break;

@@ -92,13 +92,17 @@ OdDbAssocGraph* OdDbAssocAction::graph() const {
   return m_graph;
 }
 
+void OdDbAssocAction::noteChanged() {
+  if (m_graph != nullptr) m_graph->noteChanged(m_node);
+}
+
 void OdDbAssocAction::subExistenceChanged() {
   OdDbObject::subExistenceChanged();
   if (m_graph != nullptr) return m_graph->noteChanged(m_node);
   const OdDbObjectId network = owningNetwork();
   if (!network.isResident()) return;
   auto* owner = static_cast<OdDbAssocNetwork*>(network.idRecord()->object);
-  if (owner->m_actionGraph) owner->m_actionGraph->noteListChanged();
+  owner->noteListChanged();
 }
 
 // Dependencies on the action name what has its id now.
@@ -135,7 +139,7 @@ OdResult OdDbAssocAction::addDependency(const OdDbObjectId& dependency, bool set
     added->setOwnerId(objectId());
   }
   m_dependencies.append(dependency);
-  if (m_graph != nullptr) m_graph->noteChanged(m_node);
+  noteChanged();
   return eOk;
 }
 
@@ -143,7 +147,7 @@ OdResult OdDbAssocAction::removeDependency(const OdDbObjectId& dependency, bool 
   if (!m_dependencies.contains(dependency)) return eKeyNotFound;
   assertWriteEnabled();
   m_dependencies.remove(dependency);
-  if (m_graph != nullptr) m_graph->noteChanged(m_node);
+  noteChanged();
   if (!alsoErase || dependency.isErased()) return eOk;
   const OdDbObjectPtr removed = dependency.openObject();
   if (removed.isNull()) return eOk;
@@ -192,10 +196,10 @@ OdDbObjectPtr OdDbAssocAction::subWblockClone(OdDbIdMapping& mapping, OdDbObject
 void OdDbAssocAction::cloneDefinitions(OdDbIdMapping& mapping, OdDbObject* owner,
                                        bool toOtherDatabase) const {
   if (owner == nullptr) return;
-  const OdDbObjectId target =
-      owner->isKindOf(OdDbAssocNetwork::desc())
-          ? owner->objectId()
-          : OdDbAssocNetwork::getInstanceFromObject(owner->objectId(), /*create=*/false);
+  const OdDbObjectId target = owner->isKindOf(OdDbAssocNetwork::desc())
+                                  ? owner->objectId()
+                                  : OdDbAssocNetwork::getInstanceFromObject(
+                                        owner->objectId(), /*createIfDoesNotExist=*/false);
   if (target == owningNetwork()) return;
   WaitingDefinitions own{&mapping, {}};
   const bool isOutermost = t_waiting == nullptr || t_waiting->mapping != &mapping;
@@ -224,14 +228,14 @@ void OdDbAssocAction::cloneDefinitions(OdDbIdMapping& mapping, OdDbObject* owner
   }
 }
 
-// A clone that was made for a block goes into the network of that block.
+// A clone that was made for a block joins the network of that block.
 void OdDbAssocAction::appendToOwner(OdDbIdPair& pair, OdDbObject* owner, OdDbIdMapping& mapping) {
   if (isA()->isDerivedFrom(OdDbAssocNetwork::desc())) {
     return OdDbObject::appendToOwner(pair, owner, mapping);
   }
   OdDbObjectId networkId = owner->objectId();
   if (!owner->isKindOf(OdDbAssocNetwork::desc())) {
-    networkId = OdDbAssocNetwork::getInstanceFromObject(networkId, /*create=*/true);
+    networkId = OdDbAssocNetwork::getInstanceFromObject(networkId, /*createIfDoesNotExist=*/true);
   }
   const OdDbAssocNetworkPtr network = networkId.safeOpenAs<OdDbAssocNetwork>();
   if (auto* variable = OdDbAssocVariable::cast(this).get(); variable != nullptr) {
@@ -257,27 +261,7 @@ void OdDbAssocAction::fields(Fields& fields, Self& self) {
   fields.template ids<OdDb::kHardOwnershipRef>(360, OdDbAssocIdList{self.m_dependencies});
 }
 
-void OdDbAssocAction::dwgOutFields(OdDbDwgFiler* filer) const {
-  OdDbObject::dwgOutFields(filer);
-  OdDbFieldFiling::dwgOut(filer, *this);
-}
-
-OdResult OdDbAssocAction::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = OdDbObject::dwgInFields(filer);
-  if (m_graph != nullptr) m_graph->noteChanged(m_node);
-  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
-}
-
-void OdDbAssocAction::dxfOutFields(OdDbDxfFiler* filer) const {
-  OdDbObject::dxfOutFields(filer);
-  OdDbFieldFiling::dxfOut(filer, *this);
-}
-
-OdResult OdDbAssocAction::dxfInFields(OdDbDxfFiler* filer) {
-  const OdResult result = OdDbObject::dxfInFields(filer);
-  if (m_graph != nullptr) m_graph->noteChanged(m_node);
-  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
-}
+OD_DB_DEFINE_FILING_NOTED(OdDbAssocAction, OdDbObject, noteChanged())
 
 // One value of a pass.
 void OdDbAssocAction::applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) {

@@ -3,6 +3,7 @@
 
 #include "platform/assoc/assoc_status.h"
 #include "platform/db/db_object.h"
+#include "platform/db/filing_macros.h"
 
 class OdDbAssocAction;
 class OdDbAssocGraph;
@@ -46,10 +47,6 @@ class OdDbAssocAction : public OdDbObject {
   OdResult removeDependency(const OdDbObjectId& dependency, bool alsoErase = true);
   OdResult removeAllDependencies(bool alsoErase = true);
 
-  OdResult dwgInFields(OdDbDwgFiler* filer) override;
-  void dwgOutFields(OdDbDwgFiler* filer) const override;
-  OdResult dxfInFields(OdDbDxfFiler* filer) override;
-  void dxfOutFields(OdDbDxfFiler* filer) const override;
   void appendToOwner(OdDbIdPair& pair, OdDbObject* owner, OdDbIdMapping& mapping) override;
   OdDbObjectPtr subDeepClone(OdDbIdMapping& mapping, OdDbObject* owner,
                              bool isPrimary) const override;
@@ -72,9 +69,9 @@ class OdDbAssocAction : public OdDbObject {
   friend class OdDbAssocGraph;
   friend class OdDbAssocNetwork;
   friend class OdDbAssocVariable;
-  friend struct OdDbFieldFiling;
-  template <class Fields, class Self>
-  static void fields(Fields& fields, Self& self);
+
+  /// Says to the graph, if there is one, that what it knows of this action is old.
+  void noteChanged();
   void runAlone(OdDbAssocEvaluationCallback* callback);
   void cloneDefinitions(OdDbIdMapping& mapping, OdDbObject* owner, bool toOtherDatabase) const;
 
@@ -83,4 +80,6 @@ class OdDbAssocAction : public OdDbObject {
   OdDbAssocGraph* m_graph = nullptr;  ///< of the owning network, which owns it
   OdDbObjectIdArray m_dependencies;
   OdDbAssocStatus m_status = kAssocUpToDate;  ///< what is stored; see OdDbAssocGraph
+
+  OD_DB_DECLARE_FILING()
 };

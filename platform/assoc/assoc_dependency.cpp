@@ -29,55 +29,31 @@ bool isValueOfVariable(const OdDbAssocDependency* dependency, const OdDbObjectId
 
 // Queries.
 
-OdDbObjectId OdDbAssocDependency::dependentOnObject() const {
-  assertReadEnabled();
-  return m_dependentOn;
-}
+OdDbObjectId OdDbAssocDependency::dependentOnObject() const { return read(m_dependentOn); }
 
 OdDbObjectId OdDbAssocDependency::owningAction() const {
   const OdDbObjectId owner = ownerId();
   return isOf(owner, OdDbAssocAction::desc()) ? owner : OdDbObjectId::kNull;
 }
 
-bool OdDbAssocDependency::isReadDependency() const {
-  assertReadEnabled();
-  return m_reads;
-}
+bool OdDbAssocDependency::isReadDependency() const { return read(m_reads); }
 
-bool OdDbAssocDependency::isWriteDependency() const {
-  assertReadEnabled();
-  return m_writes;
-}
+bool OdDbAssocDependency::isWriteDependency() const { return read(m_writes); }
 
 OdDbAssocStatus OdDbAssocDependency::status() const {
   assertReadEnabled();
   return !m_dependentOn.isNull() && m_dependentOn.isErased() ? kAssocErased : m_status;
 }
 
-const OdString& OdDbAssocValueDependency::valueName() const {
-  assertReadEnabled();
-  return m_name;
-}
+const OdString& OdDbAssocValueDependency::valueName() const { return read(m_name); }
 
 // Edits.
 
-void OdDbAssocDependency::setIsReadDependency(bool reads) {
-  if (reads == m_reads) return;
-  assertWriteEnabled();
-  m_reads = reads;
-}
+void OdDbAssocDependency::setIsReadDependency(bool reads) { assign(m_reads, reads); }
 
-void OdDbAssocDependency::setIsWriteDependency(bool writes) {
-  if (writes == m_writes) return;
-  assertWriteEnabled();
-  m_writes = writes;
-}
+void OdDbAssocDependency::setIsWriteDependency(bool writes) { assign(m_writes, writes); }
 
-void OdDbAssocDependency::setStatus(OdDbAssocStatus status) {
-  if (status == m_status) return;
-  assertWriteEnabled();
-  m_status = status;
-}
+void OdDbAssocDependency::setStatus(OdDbAssocStatus status) { assign(m_status, status); }
 
 // Variables know the value dependencies on them by the graph of their network; every other object
 // lists its dependencies as reactors.
@@ -203,42 +179,6 @@ void OdDbAssocValueDependency::fields(Fields& fields, Self& self) {
   fields.value(300, self.m_name);
 }
 
-void OdDbAssocDependency::dwgOutFields(OdDbDwgFiler* filer) const {
-  OdDbObject::dwgOutFields(filer);
-  OdDbFieldFiling::dwgOut(filer, *this);
-}
+OD_DB_DEFINE_FILING(OdDbAssocDependency, OdDbObject)
 
-OdResult OdDbAssocDependency::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = OdDbObject::dwgInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
-}
-
-void OdDbAssocDependency::dxfOutFields(OdDbDxfFiler* filer) const {
-  OdDbObject::dxfOutFields(filer);
-  OdDbFieldFiling::dxfOut(filer, *this);
-}
-
-OdResult OdDbAssocDependency::dxfInFields(OdDbDxfFiler* filer) {
-  const OdResult result = OdDbObject::dxfInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
-}
-
-void OdDbAssocValueDependency::dwgOutFields(OdDbDwgFiler* filer) const {
-  OdDbAssocDependency::dwgOutFields(filer);
-  OdDbFieldFiling::dwgOut(filer, *this);
-}
-
-OdResult OdDbAssocValueDependency::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = OdDbAssocDependency::dwgInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
-}
-
-void OdDbAssocValueDependency::dxfOutFields(OdDbDxfFiler* filer) const {
-  OdDbAssocDependency::dxfOutFields(filer);
-  OdDbFieldFiling::dxfOut(filer, *this);
-}
-
-OdResult OdDbAssocValueDependency::dxfInFields(OdDbDxfFiler* filer) {
-  const OdResult result = OdDbAssocDependency::dxfInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
-}
+OD_DB_DEFINE_FILING(OdDbAssocValueDependency, OdDbAssocDependency)

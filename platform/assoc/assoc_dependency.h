@@ -3,6 +3,7 @@
 
 #include "platform/assoc/assoc_status.h"
 #include "platform/db/db_object.h"
+#include "platform/db/filing_macros.h"
 
 class OdDbAssocDependency;
 using OdDbAssocDependencyPtr = OdSmartPtr<OdDbAssocDependency>;
@@ -39,19 +40,12 @@ class OdDbAssocDependency : public OdDbObject {
   /// one object have no order that means anything. A step takes constant time on variables.
   [[nodiscard]] OdDbObjectId nextDependencyOnObject() const;
 
-  OdResult dwgInFields(OdDbDwgFiler* filer) override;
-  void dwgOutFields(OdDbDwgFiler* filer) const override;
-  OdResult dxfInFields(OdDbDxfFiler* filer) override;
-  void dxfOutFields(OdDbDxfFiler* filer) const override;
   void modified(const OdDbObject* object) override;
   void erased(const OdDbObject* object, bool erasing) override;
 
  private:
   friend class OdDbAssocGraph;
   friend class OdDbAssocVariable;
-  friend struct OdDbFieldFiling;
-  template <class Fields, class Self>
-  static void fields(Fields& fields, Self& self);
   void markAction();
 
   // Small ones first: they lie in the padding of the base, and there are many dependencies.
@@ -59,6 +53,8 @@ class OdDbAssocDependency : public OdDbObject {
   bool m_writes = false;
   OdDbAssocStatus m_status = kAssocUpToDate;
   OdDbObjectId m_dependentOn;
+
+  OD_DB_DECLARE_FILING()
 };
 
 class OdDbAssocValueDependency;
@@ -74,17 +70,11 @@ class OdDbAssocValueDependency : public OdDbAssocDependency {
   /// no variable.
   [[nodiscard]] const OdString& valueName() const;
 
-  OdResult dwgInFields(OdDbDwgFiler* filer) override;
-  void dwgOutFields(OdDbDwgFiler* filer) const override;
-  OdResult dxfInFields(OdDbDxfFiler* filer) override;
-  void dxfOutFields(OdDbDxfFiler* filer) const override;
-
  private:
   friend class OdDbAssocGraph;
   friend class OdDbAssocVariable;
-  friend struct OdDbFieldFiling;
-  template <class Fields, class Self>
-  static void fields(Fields& fields, Self& self);
 
   OdString m_name;
+
+  OD_DB_DECLARE_FILING()
 };

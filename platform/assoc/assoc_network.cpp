@@ -265,27 +265,11 @@ void OdDbAssocNetwork::fields(Fields& fields, Self& self) {
   fields.template ids<OdDb::kHardOwnershipRef>(360, OdDbAssocIdList{self.m_actions});
 }
 
-void OdDbAssocNetwork::dwgOutFields(OdDbDwgFiler* filer) const {
-  OdDbAssocAction::dwgOutFields(filer);
-  OdDbFieldFiling::dwgOut(filer, *this);
-}
-
-OdResult OdDbAssocNetwork::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = OdDbAssocAction::dwgInFields(filer);
+void OdDbAssocNetwork::noteListChanged() {
   if (m_actionGraph) m_actionGraph->noteListChanged();
-  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
 }
 
-void OdDbAssocNetwork::dxfOutFields(OdDbDxfFiler* filer) const {
-  OdDbAssocAction::dxfOutFields(filer);
-  OdDbFieldFiling::dxfOut(filer, *this);
-}
-
-OdResult OdDbAssocNetwork::dxfInFields(OdDbDxfFiler* filer) {
-  const OdResult result = OdDbAssocAction::dxfInFields(filer);
-  if (m_actionGraph) m_actionGraph->noteListChanged();
-  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
-}
+OD_DB_DEFINE_FILING_NOTED(OdDbAssocNetwork, OdDbAssocAction, noteListChanged())
 
 bool OdDbAssocNetwork::hasStateOutsideFile() const {
   return m_actionGraph != nullptr || OdDbAssocAction::hasStateOutsideFile();

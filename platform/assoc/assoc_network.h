@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/assoc/assoc_action.h"
+#include "platform/db/filing_macros.h"
 
 class OdDbAssocNetwork;
 enum class OdDbAssocScope : int;
@@ -60,10 +61,6 @@ class OdDbAssocNetwork : public OdDbAssocAction {
   /// The variable of a name, without regard to case; null when there is none. Constant time.
   [[nodiscard]] OdDbObjectId variableNamed(const OdString& name) const;
 
-  OdResult dwgInFields(OdDbDwgFiler* filer) override;
-  void dwgOutFields(OdDbDwgFiler* filer) const override;
-  OdResult dxfInFields(OdDbDxfFiler* filer) override;
-  void dxfOutFields(OdDbDxfFiler* filer) const override;
   void applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) override;
   void audit(OdDbAuditInfo* info) override;
   [[nodiscard]] bool hasStateOutsideFile() const override;
@@ -75,9 +72,9 @@ class OdDbAssocNetwork : public OdDbAssocAction {
  private:
   friend class OdDbAssocAction;
   friend class OdDbAssocGraph;
-  friend struct OdDbFieldFiling;
-  template <class Fields, class Self>
-  static void fields(Fields& fields, Self& self);
+
+  /// Says to the graph, if there is one, that the list of actions changed.
+  void noteListChanged();
   OdResult evaluateFrom(const OdDbObjectId& action, OdDbAssocEvaluationCallback* callback,
                         OdDbAssocScope scope);
   void changeListed(const OdDbObjectId& action, OdUInt32 place, bool listed);
@@ -87,4 +84,6 @@ class OdDbAssocNetwork : public OdDbAssocAction {
   OdDb::UnitsValue m_lengthUnit = OdDb::kUnitsUndefined;  ///< in which the values were computed
   bool m_isTopLevel = true;
   mutable std::unique_ptr<OdDbAssocGraph> m_actionGraph;
+
+  OD_DB_DECLARE_FILING()
 };

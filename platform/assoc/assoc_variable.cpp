@@ -39,10 +39,7 @@ OdResult refuse(OdResult result, const OdString& error, OdString* errorMessage) 
 
 // Queries.
 
-const OdString& OdDbAssocVariable::name() const {
-  assertReadEnabled();
-  return m_name;
-}
+const OdString& OdDbAssocVariable::name() const { return read(m_name); }
 
 OdString OdDbAssocVariable::expression() const {
   assertReadEnabled();
@@ -50,10 +47,7 @@ OdString OdDbAssocVariable::expression() const {
   return m_expression;
 }
 
-const OdString& OdDbAssocVariable::evaluatorId() const {
-  assertReadEnabled();
-  return m_evaluatorId;
-}
+const OdString& OdDbAssocVariable::evaluatorId() const { return read(m_evaluatorId); }
 
 bool OdDbAssocVariable::isAnonymous() const {
   assertReadEnabled();
@@ -164,7 +158,7 @@ void OdDbAssocVariable::dropDependency(const OdDbObjectId& dependency) {
   setStatus(kAssocUnresolved);
 }
 
-// A clone gets a number behind its name where the name is taken.
+// A clone whose name is taken gets a number at the end of it.
 void OdDbAssocVariable::takeFreeName(const OdDbAssocNetwork& network) {
   if (isAnonymous(m_name)) return;
   const OdDbAssocGraph& graph = network.actionGraph();
@@ -377,22 +371,4 @@ void OdDbAssocVariable::fields(Fields& fields, Self& self) {
   fields.value(303, self.m_text);
 }
 
-void OdDbAssocVariable::dwgOutFields(OdDbDwgFiler* filer) const {
-  OdDbAssocAction::dwgOutFields(filer);
-  OdDbFieldFiling::dwgOut(filer, *this);
-}
-
-OdResult OdDbAssocVariable::dwgInFields(OdDbDwgFiler* filer) {
-  const OdResult result = OdDbAssocAction::dwgInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dwgIn(filer, *this) : result;
-}
-
-void OdDbAssocVariable::dxfOutFields(OdDbDxfFiler* filer) const {
-  OdDbAssocAction::dxfOutFields(filer);
-  OdDbFieldFiling::dxfOut(filer, *this);
-}
-
-OdResult OdDbAssocVariable::dxfInFields(OdDbDxfFiler* filer) {
-  const OdResult result = OdDbAssocAction::dxfInFields(filer);
-  return result == eOk ? OdDbFieldFiling::dxfIn(filer, *this) : result;
-}
+OD_DB_DEFINE_FILING(OdDbAssocVariable, OdDbAssocAction)

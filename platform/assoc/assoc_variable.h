@@ -5,6 +5,7 @@
 
 #include "platform/assoc/assoc_action.h"
 #include "platform/assoc/eval_variant.h"
+#include "platform/db/filing_macros.h"
 
 class OdDbAssocNetwork;
 struct OdDbAssocDefinition;
@@ -63,10 +64,6 @@ class OdDbAssocVariable : public OdDbAssocAction {
   [[nodiscard]] bool hasPersistentReactor(const OdDbObjectId& reactor) const override;
   [[nodiscard]] OdDbObjectIdArray getPersistentReactors() const override;
 
-  OdResult dwgInFields(OdDbDwgFiler* filer) override;
-  void dwgOutFields(OdDbDwgFiler* filer) const override;
-  OdResult dxfInFields(OdDbDxfFiler* filer) override;
-  void dxfOutFields(OdDbDxfFiler* filer) const override;
   void audit(OdDbAuditInfo* info) override;
   [[nodiscard]] std::size_t approximateSize() const override;
 
@@ -74,9 +71,6 @@ class OdDbAssocVariable : public OdDbAssocAction {
   friend class OdDbAssocAction;
   friend class OdDbAssocGraph;
   friend class OdDbAssocNetwork;
-  friend struct OdDbFieldFiling;
-  template <class Fields, class Self>
-  static void fields(Fields& fields, Self& self);
 
   void takeFreeName(const OdDbAssocNetwork& network);
   [[nodiscard]] OdResult checkNewName(const OdString& name, OdString& error) const;
@@ -96,4 +90,6 @@ class OdDbAssocVariable : public OdDbAssocAction {
   OdString m_evaluatorId;
   OdString m_text;        ///< the value of the type kDwgText
   double m_number = 0.0;  ///< the value of the other types, while there is no graph
+
+  OD_DB_DECLARE_FILING()
 };

@@ -30,8 +30,8 @@ namespace {
 /// Rounds that reactors may cause by editing variables while they hear of values.
 constexpr int kMaxRounds = 100;
 
-/// How many nodes ahead a pass asks for memory: first for the node, then for what the node leads to.
-/// One evaluation takes some 30 ns and a read of memory some 100.
+/// How many nodes ahead a pass asks for memory: first for the node, then for what the node leads
+/// to. One evaluation takes some 30 ns and a read of memory some 100.
 constexpr std::size_t kFarAhead = 16;
 constexpr std::size_t kAhead = 8;
 

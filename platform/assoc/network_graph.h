@@ -23,6 +23,7 @@
 #include "platform/assoc/assoc_status.h"
 #include "platform/assoc/edge_list.h"
 #include "platform/assoc/value_record.h"
+#include "platform/base/non_copyable.h"
 #include "platform/base/result.h"
 #include "platform/base/string.h"
 #include "platform/db/db_enums.h"
@@ -52,7 +53,7 @@ enum class OdDbAssocScope : int {
   kVariables,  ///< of no derived class
 };
 
-class OdDbAssocGraph {
+class OdDbAssocGraph : OdNonCopyable {
  public:
   using Index = OdUInt32;
   static constexpr Index kNone = ~Index{0};
@@ -73,8 +74,6 @@ class OdDbAssocGraph {
 
   explicit OdDbAssocGraph(OdDbAssocNetwork* network) : m_network(network) {}
   ~OdDbAssocGraph();
-  OdDbAssocGraph(const OdDbAssocGraph&) = delete;
-  OdDbAssocGraph& operator=(const OdDbAssocGraph&) = delete;
 
   // What objects report.
   void noteListChanged() { m_listStale = true; }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/base/export.h"
+#include "platform/base/non_copyable.h"
 #include "platform/base/status.h"
 
 /// A file under a temporary name in the folder of its place. Until commit() whatever lies at the
@@ -13,13 +14,11 @@
 ///
 /// A process that is killed leaves its temporary file. The next one that writes to the same place
 /// removes it: a temporary file that somebody still writes is locked (flock), a leftover is not.
-class OD_API OdNewFile {
+class OD_API OdNewFile : OdNonCopyable {
  public:
   /// Symbolic links of `path` are followed: the file that they lead to is replaced, they stay.
   explicit OdNewFile(std::string path);
   ~OdNewFile();
-  OdNewFile(const OdNewFile&) = delete;
-  OdNewFile& operator=(const OdNewFile&) = delete;
 
   /// Creates the empty temporary file with the permissions of the file that it will replace, and
   /// removes leftovers. Folders, devices and pipes are not replaced: eFileAccess. Other failures

@@ -9,6 +9,7 @@
 #include <locale.h>
 
 #include "platform/base/error.h"
+#include "platform/base/non_copyable.h"
 #include "platform/base/string.h"
 #include "platform/base/utf8.h"
 
@@ -26,12 +27,10 @@ struct Conversion {
 };
 
 // The thread's locale is "C" for the numbers of one call, whatever the program has set.
-class NeutralLocale {
+class NeutralLocale : OdNonCopyable {
  public:
   NeutralLocale() : m_previous(uselocale(neutral())) {}
   ~NeutralLocale() { uselocale(m_previous); }
-  NeutralLocale(const NeutralLocale&) = delete;
-  NeutralLocale& operator=(const NeutralLocale&) = delete;
 
  private:
   static locale_t neutral() {
@@ -42,15 +41,13 @@ class NeutralLocale {
 };
 
 // Reads a format from left to right and takes the arguments as they are asked for.
-class Formatter {
+class Formatter : OdNonCopyable {
  public:
   Formatter(const wchar_t* formatText, std::va_list arguments)
       : m_format(formatText), m_at(formatText) {
     va_copy(m_arguments, arguments);
   }
   ~Formatter() { va_end(m_arguments); }
-  Formatter(const Formatter&) = delete;
-  Formatter& operator=(const Formatter&) = delete;
 
   std::wstring run() {
     while (*m_at) {

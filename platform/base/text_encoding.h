@@ -6,17 +6,16 @@
 #include <string_view>
 
 #include "platform/base/export.h"
+#include "platform/base/non_copyable.h"
 #include "platform/base/string.h"
 
 /// Turns bytes in one encoding into text, strictly: no byte is replaced or skipped. Not to be used
 /// by two threads at a time.
-class OD_API OdTextDecoder {
+class OD_API OdTextDecoder : OdNonCopyable {
  public:
   /// By any common name, such as "GBK", "Shift_JIS", "windows-1252", "UTF-8".
   explicit OdTextDecoder(const OdString& encoding);
   ~OdTextDecoder();
-  OdTextDecoder(const OdTextDecoder&) = delete;
-  OdTextDecoder& operator=(const OdTextDecoder&) = delete;
 
   /// False when no encoding has that name; such a decoder decodes nothing.
   [[nodiscard]] bool isKnown() const { return m_converter != nullptr; }

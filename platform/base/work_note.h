@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/base/export.h"
+#include "platform/base/non_copyable.h"
 
 /// The notes of one supervised process, outermost first, and what it may use up. Plain memory
 /// without pointers: it lies in memory that the process shares with its supervisor, who reads it
@@ -33,15 +34,13 @@ OD_API void odNoteFileWritten() noexcept;
 
 /// One note, for a scope. Notes nest: the innermost says most exactly what is being done. Costs
 /// nothing that matters without a board.
-class OD_API OdWorkNote {
+class OD_API OdWorkNote : OdNonCopyable {
  public:
   /// UTF-8, such as "reading step file 'a.stp'"; cut where it is too long.
   explicit OdWorkNote(std::string_view text) noexcept;
   /// The same in two pieces, which are joined only when there is a board.
   OdWorkNote(std::string_view what, std::string_view subject) noexcept;
   ~OdWorkNote();
-  OdWorkNote(const OdWorkNote&) = delete;
-  OdWorkNote& operator=(const OdWorkNote&) = delete;
 
   /// Replaces the text of the innermost note of this thread.
   static void change(std::string_view what, std::string_view subject) noexcept;
@@ -59,12 +58,10 @@ struct OdWorkBudget {
 /// Holds the process to a budget for a scope, if it is supervised: a process that exceeds its time
 /// is ended by the system, and an allocation beyond its memory fails. Limits nest; an inner one
 /// never allows more than an outer one.
-class OD_API OdWorkLimit {
+class OD_API OdWorkLimit : OdNonCopyable {
  public:
   explicit OdWorkLimit(const OdWorkBudget& budget) noexcept;
   ~OdWorkLimit();
-  OdWorkLimit(const OdWorkLimit&) = delete;
-  OdWorkLimit& operator=(const OdWorkLimit&) = delete;
 
  private:
   OdWorkBoard* m_board;

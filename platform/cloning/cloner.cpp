@@ -22,6 +22,7 @@
 #include <utility>
 
 #include "platform/base/error.h"
+#include "platform/base/non_copyable.h"
 #include "platform/cloning/clone_state.h"
 #include "platform/db/database.h"
 #include "platform/db/database_impl.h"
@@ -40,27 +41,14 @@ OdString nameOf(const OdDbObject* object) {
 
 // Objects that every drawing has: one of another drawing stands for the same of this one.
 constexpr OdUInt64 kSharedRoots[] = {
-    OdDbRootHandles::kBlockTable,
-    OdDbRootHandles::kLayerTable,
-    OdDbRootHandles::kLinetypeTable,
-    OdDbRootHandles::kRegAppTable,
-    OdDbRootHandles::kNamedObjectsDictionary,
-    OdDbRootHandles::kModelSpace,
-    OdDbRootHandles::kPaperSpace,
-    OdDbRootHandles::kLayerZero,
-    OdDbRootHandles::kLinetypeByBlock,
-    OdDbRootHandles::kLinetypeByLayer,
-    OdDbRootHandles::kLinetypeContinuous,
-    OdDbRootHandles::kTextStyleTable,
-    OdDbRootHandles::kDimStyleTable,
-    OdDbRootHandles::kTextStyleStandard,
-    OdDbRootHandles::kDimStyleStandard,
+#define OD_DB_ROOT(Name, handle, Class, text) handle,
+#include "platform/db/root_object_rows.inc"
 };
 
 }  // namespace
 
 /// Counts the levels of clones, and drops what a level has stacked, also when it fails.
-class OdDbCloner::Nesting {
+class OdDbCloner::Nesting : OdNonCopyable {
  public:
   explicit Nesting(OdDbCloneState& state)
       : m_state(state), m_settled(state.settled.size()), m_owned(state.owned.size()) {
@@ -71,8 +59,6 @@ class OdDbCloner::Nesting {
     m_state.settled.resize(m_settled);
     m_state.owned.resize(m_owned);
   }
-  Nesting(const Nesting&) = delete;
-  Nesting& operator=(const Nesting&) = delete;
 
  private:
   OdDbCloneState& m_state;

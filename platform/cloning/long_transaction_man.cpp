@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "platform/base/error.h"
+#include "platform/base/non_copyable.h"
 #include "platform/cloning/cloner.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
@@ -165,20 +166,11 @@ void OdDbLongTransaction::dxfOutFields(OdDbDxfFiler* filer) const {
   OdDbFieldFiling::dxfOut(filer, groups);
 }
 
-const OdString& OdDbLongTransaction::name() const {
-  assertReadEnabled();
-  return m_name;
-}
+const OdString& OdDbLongTransaction::name() const { return read(m_name); }
 
-OdDbObjectId OdDbLongTransaction::originBlock() const {
-  assertReadEnabled();
-  return m_origin;
-}
+OdDbObjectId OdDbLongTransaction::originBlock() const { return read(m_origin); }
 
-OdDbObjectId OdDbLongTransaction::destinationBlock() const {
-  assertReadEnabled();
-  return m_destination;
-}
+OdDbObjectId OdDbLongTransaction::destinationBlock() const { return read(m_destination); }
 
 OdDbObjectIdArray OdDbLongTransaction::workSet() const {
   assertReadEnabled();
@@ -223,15 +215,13 @@ bool OdDbLongTransaction::removeFromWorkSet(const OdDbObjectId& entity) {
 // ---- Observers
 
 /// The mapping is the transaction's active one while this lives.
-class OdDbLongTransactionMan::Activation {
+class OdDbLongTransactionMan::Activation : OdNonCopyable {
  public:
   Activation(OdDbLongTransaction& transaction, OdDbIdMapping& mapping)
       : m_transaction(transaction) {
     transaction.m_activeIdMap = &mapping;
   }
   ~Activation() { m_transaction.m_activeIdMap = nullptr; }
-  Activation(const Activation&) = delete;
-  Activation& operator=(const Activation&) = delete;
 
  private:
   OdDbLongTransaction& m_transaction;
@@ -239,8 +229,8 @@ class OdDbLongTransactionMan::Activation {
 
 void OdDbLongTransactionMan::tell(OdDbLongTransaction& transaction,
                                   void (OdDbLongTransactionReactor::*event)(OdDbLongTransaction&)) {
-  const std::vector<OdDbLongTransactionReactor*> told = g_reactors;
-  for (OdDbLongTransactionReactor* reactor : told) {
+  const std::vector<OdDbLongTransactionReactor*> listeners = g_reactors;
+  for (OdDbLongTransactionReactor* reactor : listeners) {
     const bool isAttached =
         std::find(g_reactors.begin(), g_reactors.end(), reactor) != g_reactors.end();
     if (isAttached) (reactor->*event)(transaction);

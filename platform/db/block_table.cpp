@@ -34,8 +34,6 @@ OdUInt64 numberBehind(const OdString& prefix, const OdString& name) {
 OdDbObjectId OdDbBlockTable::getModelSpaceId() const { return getAt(OdString(kModelSpaceName)); }
 OdDbObjectId OdDbBlockTable::getPaperSpaceId() const { return getAt(OdString(kPaperSpaceName)); }
 
-OdRxClass* OdDbBlockTable::recordClass() const { return OdDbBlockTableRecord::desc(); }
-
 OdUInt64 OdDbBlockTable::nextNumber(const OdString& prefix) const {
   for (auto& [known, greatest] : m_numbers) {
     if (known.iEquals(prefix)) return ++greatest;

@@ -8,7 +8,7 @@
 #include "platform/db/symbol_table.h"
 
 /// The table of blocks. Model space and paper space are always there.
-class OdDbBlockTable : public OdDbSymbolTable {
+class OdDbBlockTable : public OdDbSymbolTableOf<OdDbBlockTableRecord> {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbBlockTable)
 
@@ -22,9 +22,6 @@ class OdDbBlockTable : public OdDbSymbolTable {
   /// A record with an anonymous name without a number ("*U", "*D", "*A", ...) gets one: above all
   /// that the table has with this letter, and has given out since it was loaded.
   OdDbObjectId add(OdDbSymbolTableRecord* record) override;
-
- protected:
-  [[nodiscard]] OdRxClass* recordClass() const override;
 
  private:
   [[nodiscard]] OdUInt64 nextNumber(const OdString& prefix) const;

@@ -33,15 +33,9 @@ enum Step : OdUInt8 {
 
 // The references that are cloned along list themselves with a clone; its source does not know them.
 bool filesReferences(const OdDbDwgFiler* filer) {
-  switch (filer->filerType()) {
-    case OdDbDwgFiler::kFileFiler:
-    case OdDbDwgFiler::kUndoFiler:
-    case OdDbDwgFiler::kPageFiler:
-    case OdDbDwgFiler::kBagFiler:
-      return true;
-    default:
-      return false;
-  }
+  const OdDbDwgFiler::FilerType type = filer->filerType();
+  return type == OdDbDwgFiler::kFileFiler || type == OdDbDwgFiler::kUndoFiler ||
+         type == OdDbDwgFiler::kPageFiler || type == OdDbDwgFiler::kBagFiler;
 }
 
 void writeIds(OdDbDwgFiler* filer, const OdDbObjectIdArray& ids) {
@@ -115,10 +109,7 @@ OdDbObjectIteratorPtr OdDbBlockTableRecord::newIterator(bool atBeginning, bool s
 OdDbBlockTableRecord::OdDbBlockTableRecord() = default;
 OdDbBlockTableRecord::~OdDbBlockTableRecord() = default;
 
-OdDbObjectIdArray OdDbBlockTableRecord::entityIds() const {
-  assertReadEnabled();
-  return m_entities;
-}
+OdDbObjectIdArray OdDbBlockTableRecord::entityIds() const { return read(m_entities); }
 
 bool OdDbBlockTableRecord::isEmpty() const {
   assertReadEnabled();
@@ -299,35 +290,20 @@ bool OdDbBlockTableRecord::subWorldDraw(OdGiWorldDraw* context) const {
 
 // ---- Properties
 
-OdGePoint3d OdDbBlockTableRecord::origin() const {
-  assertReadEnabled();
-  return m_origin;
-}
+OdGePoint3d OdDbBlockTableRecord::origin() const { return read(m_origin); }
 
 void OdDbBlockTableRecord::setOrigin(const OdGePoint3d& origin) {
   if (!odgeIsFinite(origin)) {
     throw OdError(eInvalidInput, OdString("origin of ") + blockText(this) + " is not finite");
   }
-  if (origin == m_origin) return;
-  assertWriteEnabled();
-  m_origin = origin;
+  assign(m_origin, origin);
 }
 
-OdString OdDbBlockTableRecord::comments() const {
-  assertReadEnabled();
-  return m_comments;
-}
+OdString OdDbBlockTableRecord::comments() const { return read(m_comments); }
 
-void OdDbBlockTableRecord::setComments(const OdString& comments) {
-  if (comments == m_comments) return;
-  assertWriteEnabled();
-  m_comments = comments;
-}
+void OdDbBlockTableRecord::setComments(const OdString& comments) { assign(m_comments, comments); }
 
-OdDb::UnitsValue OdDbBlockTableRecord::blockInsertUnits() const {
-  assertReadEnabled();
-  return m_units;
-}
+OdDb::UnitsValue OdDbBlockTableRecord::blockInsertUnits() const { return read(m_units); }
 
 void OdDbBlockTableRecord::setBlockInsertUnits(OdDb::UnitsValue units) {
   if (!oddbIsUnit(units)) {
@@ -335,9 +311,7 @@ void OdDbBlockTableRecord::setBlockInsertUnits(OdDb::UnitsValue units) {
                                      blockText(this) + ", the greatest is " +
                                      OdString(std::to_string(OdDb::kUnitsMax)));
   }
-  if (units == m_units) return;
-  assertWriteEnabled();
-  m_units = units;
+  assign(m_units, units);
 }
 
 // ---- Undo steps
@@ -445,10 +419,7 @@ void OdDbBlockTableRecord::fields(Fields& fields, Self& self) {
   fields.template ids<OdDb::kSoftPointerRef>(331, ReferenceList<Self>{self});
 }
 
-void OdDbBlockTableRecord::dwgOutFields(OdDbDwgFiler* filer) const {
-  OdDbSymbolTableRecord::dwgOutFields(filer);
-  OdDbFieldFiling::dwgOut(filer, *this);
-}
+OD_DB_DEFINE_FILING_OUT(OdDbBlockTableRecord, OdDbSymbolTableRecord)
 
 OdResult OdDbBlockTableRecord::dwgInFields(OdDbDwgFiler* filer) {
   OdResult result = OdDbSymbolTableRecord::dwgInFields(filer);
@@ -459,11 +430,6 @@ OdResult OdDbBlockTableRecord::dwgInFields(OdDbDwgFiler* filer) {
   if (result != eOk) return result;
   adoptStatus(filed, /*undoing=*/filer->filerType() == OdDbDwgFiler::kUndoFiler);
   return eOk;
-}
-
-void OdDbBlockTableRecord::dxfOutFields(OdDbDxfFiler* filer) const {
-  OdDbSymbolTableRecord::dxfOutFields(filer);
-  OdDbFieldFiling::dxfOut(filer, *this);
 }
 
 OdResult OdDbBlockTableRecord::dxfInFields(OdDbDxfFiler* filer) {

@@ -6,6 +6,7 @@
 
 #include "platform/db/chunked_order.h"
 #include "platform/db/entity.h"
+#include "platform/db/filing_macros.h"
 #include "platform/db/symbol_table_record.h"
 
 class OdDbBlockTableRecord;
@@ -109,10 +110,6 @@ class OdDbBlockTableRecord : public OdDbSymbolTableRecord {
   /// Called by the owner of external drawings; transient, not owned.
   void setXrefDatabase(OdDbDatabase* database) { m_xrefDatabase = database; }
 
-  OdResult dwgInFields(OdDbDwgFiler* filer) override;
-  void dwgOutFields(OdDbDwgFiler* filer) const override;
-  OdResult dxfInFields(OdDbDxfFiler* filer) override;
-  void dxfOutFields(OdDbDxfFiler* filer) const override;
   void applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) override;
   [[nodiscard]] std::size_t approximateSize() const override;
 
@@ -122,9 +119,6 @@ class OdDbBlockTableRecord : public OdDbSymbolTableRecord {
   bool subWorldDraw(OdGiWorldDraw* context) const override;
 
  private:
-  friend struct OdDbFieldFiling;
-  template <class Fields, class Self>
-  static void fields(Fields& fields, Self& self);
   template <class Self>
   struct EntityList;
   template <class Self>
@@ -164,4 +158,6 @@ class OdDbBlockTableRecord : public OdDbSymbolTableRecord {
   mutable std::unique_ptr<std::unordered_set<OdDbObjectId>> m_entitySet;
   mutable bool m_measuring = false;
   mutable bool m_drawing = false;
+
+  OD_DB_DECLARE_FILING()
 };

@@ -113,10 +113,7 @@ bool OdDbBlockTableRecord::isFromOverlayReference() const {
   return !m_path.isEmpty() && m_overlay;
 }
 
-OdString OdDbBlockTableRecord::pathName() const {
-  assertReadEnabled();
-  return m_path;
-}
+OdString OdDbBlockTableRecord::pathName() const { return read(m_path); }
 
 void OdDbBlockTableRecord::setPathName(const OdString& path) {
   if (path == m_path) return;
@@ -131,11 +128,7 @@ void OdDbBlockTableRecord::setPathName(const OdString& path) {
   }
 }
 
-void OdDbBlockTableRecord::setIsFromOverlayReference(bool overlay) {
-  if (overlay == m_overlay) return;
-  assertWriteEnabled();
-  m_overlay = overlay;
-}
+void OdDbBlockTableRecord::setIsFromOverlayReference(bool overlay) { assign(m_overlay, overlay); }
 
 // Whether a drawing is loaded is known by the drawing itself, whatever a record from a file says.
 OdDb::XrefStatus OdDbBlockTableRecord::xrefStatus() const {

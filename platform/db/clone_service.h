@@ -1,6 +1,7 @@
 // OdDbCloneService: what objects and drawings ask of the library that clones them.
 #pragma once
 
+#include "platform/base/non_copyable.h"
 #include "platform/base/result.h"
 #include "platform/db/database.h"
 #include "platform/db/db_enums.h"
@@ -14,11 +15,9 @@ class OdDbIdPair;
 /// The members of OdDbObject and OdDbDatabase that clone call the installed service, so that the
 /// core does not know how cloning is done. One service serves all drawings of the process; it is
 /// installed before the first drawing is made.
-class OdDbCloneService {
+class OdDbCloneService : OdNonCopyable {
  public:
   OdDbCloneService() = default;
-  OdDbCloneService(const OdDbCloneService&) = delete;
-  OdDbCloneService& operator=(const OdDbCloneService&) = delete;
 
   /// OdDbObject::deepClone and wblockClone: one object through its hook.
   virtual OdDbObjectPtr cloneObject(const OdDbObject* source, OdDbIdMapping& mapping,

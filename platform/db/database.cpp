@@ -55,32 +55,11 @@ OdDbDatabase::~OdDbDatabase() {
   if (m_impl) m_impl->closeObjects();
 }
 
-// Fixed objects.
-
-OdDbObjectId OdDbDatabase::getBlockTableId() const {
-  return m_impl->idOf(OdDbRootHandles::kBlockTable);
-}
-OdDbObjectId OdDbDatabase::getLayerTableId() const {
-  return m_impl->idOf(OdDbRootHandles::kLayerTable);
-}
-OdDbObjectId OdDbDatabase::getLinetypeTableId() const {
-  return m_impl->idOf(OdDbRootHandles::kLinetypeTable);
-}
-OdDbObjectId OdDbDatabase::getRegAppTableId() const {
-  return m_impl->idOf(OdDbRootHandles::kRegAppTable);
-}
-OdDbObjectId OdDbDatabase::getNamedObjectsDictionaryId() const {
-  return m_impl->idOf(OdDbRootHandles::kNamedObjectsDictionary);
-}
-OdDbObjectId OdDbDatabase::getModelSpaceId() const {
-  return m_impl->idOf(OdDbRootHandles::kModelSpace);
-}
-OdDbObjectId OdDbDatabase::getPaperSpaceId() const {
-  return m_impl->idOf(OdDbRootHandles::kPaperSpace);
-}
-OdDbObjectId OdDbDatabase::getLayerZeroId() const {
-  return m_impl->idOf(OdDbRootHandles::kLayerZero);
-}
+#define OD_DB_ROOT(Name, handle, Class, text)        \
+  OdDbObjectId OdDbDatabase::get##Name##Id() const { \
+    return m_impl->idOf(OdDbRootHandles::k##Name);   \
+  }
+#include "platform/db/root_object_rows.inc"
 
 // Objects.
 

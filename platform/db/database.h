@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 
+#include "platform/base/non_copyable.h"
 #include "platform/base/result.h"
 #include "platform/base/string.h"
 #include "platform/db/database_reactor.h"
@@ -25,21 +26,8 @@ using OdDbDatabasePtr = OdSmartPtr<OdDbDatabase>;
 
 /// Handles of the objects that every drawing has. Fixed for ever; new objects start at kFirstFree.
 struct OdDbRootHandles {
-  static constexpr OdUInt64 kBlockTable = 1;
-  static constexpr OdUInt64 kLayerTable = 2;
-  static constexpr OdUInt64 kLinetypeTable = 3;
-  static constexpr OdUInt64 kRegAppTable = 4;
-  static constexpr OdUInt64 kNamedObjectsDictionary = 5;
-  static constexpr OdUInt64 kModelSpace = 6;
-  static constexpr OdUInt64 kPaperSpace = 7;
-  static constexpr OdUInt64 kLayerZero = 8;
-  static constexpr OdUInt64 kLinetypeByBlock = 9;
-  static constexpr OdUInt64 kLinetypeByLayer = 10;
-  static constexpr OdUInt64 kLinetypeContinuous = 11;
-  static constexpr OdUInt64 kTextStyleTable = 12;
-  static constexpr OdUInt64 kDimStyleTable = 13;
-  static constexpr OdUInt64 kTextStyleStandard = 14;
-  static constexpr OdUInt64 kDimStyleStandard = 15;
+#define OD_DB_ROOT(Name, handle, Class, text) static constexpr OdUInt64 k##Name = handle;
+#include "platform/db/root_object_rows.inc"
   static constexpr OdUInt64 kFirstFree = 0x20;
 };
 
@@ -55,20 +43,9 @@ class OdDbDatabase : public OdRxObject {
 
   ~OdDbDatabase() override;
 
-  // Fixed objects.
-  [[nodiscard]] OdDbObjectId getBlockTableId() const;
-  [[nodiscard]] OdDbObjectId getLayerTableId() const;
-  [[nodiscard]] OdDbObjectId getLinetypeTableId() const;
-  [[nodiscard]] OdDbObjectId getRegAppTableId() const;
-  [[nodiscard]] OdDbObjectId getTextStyleTableId() const;
-  [[nodiscard]] OdDbObjectId getDimStyleTableId() const;
-  [[nodiscard]] OdDbObjectId getLinetypeByLayerId() const;
-  [[nodiscard]] OdDbObjectId getLinetypeByBlockId() const;
-  [[nodiscard]] OdDbObjectId getLinetypeContinuousId() const;
-  [[nodiscard]] OdDbObjectId getNamedObjectsDictionaryId() const;
-  [[nodiscard]] OdDbObjectId getModelSpaceId() const;
-  [[nodiscard]] OdDbObjectId getPaperSpaceId() const;
-  [[nodiscard]] OdDbObjectId getLayerZeroId() const;
+  // The objects that every drawing has, such as `OdDbObjectId getBlockTableId() const`.
+#define OD_DB_ROOT(Name, handle, Class, text) [[nodiscard]] OdDbObjectId get##Name##Id() const;
+#include "platform/db/root_object_rows.inc"
   /// Dictionary of the drawing's materials (OdDbMaterial), an entry of the named objects
   /// dictionary. A missing one is made when asked for, otherwise null.
   OdDbObjectId getMaterialDictionaryId(bool createIfNotFound = true);
@@ -214,7 +191,7 @@ class OdDbDatabase : public OdRxObject {
 };
 
 /// Guard of a transaction: aborts in its destructor unless commit() was called.
-class OdDbTransaction {
+class OdDbTransaction : OdNonCopyable {
  public:
   explicit OdDbTransaction(OdDbDatabase* database) : m_database(database) {
     m_database->startTransaction();
@@ -222,8 +199,6 @@ class OdDbTransaction {
   ~OdDbTransaction() {
     if (m_database != nullptr) m_database->abortTransaction();
   }
-  OdDbTransaction(const OdDbTransaction&) = delete;
-  OdDbTransaction& operator=(const OdDbTransaction&) = delete;
   OdResult commit() {
     OdDbDatabase* database = m_database;
     m_database = nullptr;

@@ -80,23 +80,9 @@ struct RootRow {
   bool isForStyles = false;
 };
 constexpr RootRow kRoots[] = {
-    {OdDbRootHandles::kBlockTable, L"block table", &OdDbBlockTable::desc},
-    {OdDbRootHandles::kLayerTable, L"layer table", &OdDbLayerTable::desc},
-    {OdDbRootHandles::kLinetypeTable, L"linetype table", &OdDbLinetypeTable::desc},
-    {OdDbRootHandles::kRegAppTable, L"application table", &OdDbRegAppTable::desc},
-    {OdDbRootHandles::kNamedObjectsDictionary, L"named objects", &OdDbDictionary::desc},
-    {OdDbRootHandles::kModelSpace, L"model space", &OdDbBlockTableRecord::desc},
-    {OdDbRootHandles::kPaperSpace, L"paper space", &OdDbBlockTableRecord::desc},
-    {OdDbRootHandles::kLayerZero, L"layer 0", &OdDbLayerTableRecord::desc},
-    {OdDbRootHandles::kLinetypeByBlock, L"linetype ByBlock", &OdDbLinetypeTableRecord::desc},
-    {OdDbRootHandles::kLinetypeByLayer, L"linetype ByLayer", &OdDbLinetypeTableRecord::desc},
-    {OdDbRootHandles::kLinetypeContinuous, L"linetype Continuous", &OdDbLinetypeTableRecord::desc},
-    {OdDbRootHandles::kTextStyleTable, L"text style table", &OdDbTextStyleTable::desc, true},
-    {OdDbRootHandles::kDimStyleTable, L"dimension style table", &OdDbDimStyleTable::desc, true},
-    {OdDbRootHandles::kTextStyleStandard, L"text style Standard", &OdDbTextStyleTableRecord::desc,
-     true},
-    {OdDbRootHandles::kDimStyleStandard, L"dimension style Standard",
-     &OdDbDimStyleTableRecord::desc, true},
+#define OD_DB_ROOT(Name, handle, Class, text) {handle, L##text, &Class::desc},
+#define OD_DB_STYLE_ROOT(Name, handle, Class, text) {handle, L##text, &Class::desc, true},
+#include "platform/db/root_object_rows.inc"
 };
 
 /// One check. The phases run in the order of the functions; what they find is mended at once when

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/base/array.h"
+#include "platform/base/non_copyable.h"
 #include "platform/base/string.h"
 #include "platform/db/class_table.h"
 #include "platform/db/database.h"
@@ -21,12 +22,10 @@ class OdDbHostAppServices;
 
 /// Everything that one drawing holds. Only rooms of the runtime use it; its members are in the
 /// order in which they may lean on each other.
-class OdDbDatabaseImpl {
+class OdDbDatabaseImpl : OdNonCopyable {
  public:
   OdDbDatabaseImpl(OdDbDatabase* owner, OdDbHostAppServices* host);
   ~OdDbDatabaseImpl();
-  OdDbDatabaseImpl(const OdDbDatabaseImpl&) = delete;
-  OdDbDatabaseImpl& operator=(const OdDbDatabaseImpl&) = delete;
 
   static OdDbDatabaseImpl& of(const OdDbIdRecord* idRecord) { return idRecord->database->impl(); }
 

@@ -47,22 +47,6 @@ void setObject(OdDbDatabase& database, const char* setting, const OdDbObjectId& 
 
 }  // namespace
 
-OdDbObjectId OdDbDatabase::getTextStyleTableId() const {
-  return m_impl->idOf(OdDbRootHandles::kTextStyleTable);
-}
-OdDbObjectId OdDbDatabase::getDimStyleTableId() const {
-  return m_impl->idOf(OdDbRootHandles::kDimStyleTable);
-}
-OdDbObjectId OdDbDatabase::getLinetypeByLayerId() const {
-  return m_impl->idOf(OdDbRootHandles::kLinetypeByLayer);
-}
-OdDbObjectId OdDbDatabase::getLinetypeByBlockId() const {
-  return m_impl->idOf(OdDbRootHandles::kLinetypeByBlock);
-}
-OdDbObjectId OdDbDatabase::getLinetypeContinuousId() const {
-  return m_impl->idOf(OdDbRootHandles::kLinetypeContinuous);
-}
-
 OdDbObjectId OdDbDatabase::getMaterialDictionaryId(bool createIfNotFound) {
   return namedDictionary(*this, L"MATERIALS", createIfNotFound);
 }

@@ -212,7 +212,7 @@ class OdDbObject : public OdGiDrawable {
 
   /// The value of a member, for a getter: the object must be open for read.
   template <class T>
-  const T& read(const T& member) const {
+  [[nodiscard]] const T& read(const T& member) const {
     assertReadEnabled();
     return member;
   }

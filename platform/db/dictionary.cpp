@@ -95,15 +95,9 @@ bool OdDbDictionary::isEmpty() const {
   return !m_entries.hasLive();
 }
 
-bool OdDbDictionary::isTreatElementsAsHard() const {
-  assertReadEnabled();
-  return m_hard;
-}
+bool OdDbDictionary::isTreatElementsAsHard() const { return read(m_hard); }
 
-OdDb::DuplicateRecordCloning OdDbDictionary::mergeStyle() const {
-  assertReadEnabled();
-  return m_mergeStyle;
-}
+OdDb::DuplicateRecordCloning OdDbDictionary::mergeStyle() const { return read(m_mergeStyle); }
 
 // ---- Edits
 

@@ -36,8 +36,6 @@ OdString textOf(const T&) requires(!std::is_arithmetic_v<T>) {
 
 }  // namespace
 
-OdRxClass* OdDbDimStyleTable::recordClass() const { return OdDbDimStyleTableRecord::desc(); }
-
 // A getter and a setter for each row.
 #define OD_DIM_VAR(Type, name, Name, First, Code, Check)                                           \
   Type OdDbDimStyleTableRecord::name() const { return read(m_##name); }                            \

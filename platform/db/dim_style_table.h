@@ -32,11 +32,8 @@ class OdDbDimStyleTableRecord : public OdDbSymbolTableRecord {
 };
 using OdDbDimStyleTableRecordPtr = OdSmartPtr<OdDbDimStyleTableRecord>;
 
-class OdDbDimStyleTable : public OdDbSymbolTable {
+class OdDbDimStyleTable : public OdDbSymbolTableOf<OdDbDimStyleTableRecord> {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbDimStyleTable)
-
- protected:
-  [[nodiscard]] OdRxClass* recordClass() const override;
 };
 using OdDbDimStyleTablePtr = OdSmartPtr<OdDbDimStyleTable>;

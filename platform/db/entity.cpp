@@ -7,7 +7,6 @@
 #include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "platform/db/field_list.h"
-#include "platform/db/filing_macros.h"
 #include "platform/db/layer_table.h"
 #include "platform/db/linetype_table.h"
 #include "platform/ge/finite.h"
@@ -45,10 +44,7 @@ OdDbObjectId recordOf(const OdDbDatabase* database, OdDbObjectId (OdDbDatabase::
 
 // ---- Properties
 
-OdDbObjectId OdDbEntity::layerId() const {
-  assertReadEnabled();
-  return m_layerId;
-}
+OdDbObjectId OdDbEntity::layerId() const { return read(m_layerId); }
 
 OdString OdDbEntity::layer() const {
   const OdDbLayerTableRecordPtr record = layerId().openAs<OdDbLayerTableRecord>();
@@ -70,10 +66,7 @@ void OdDbEntity::setLayer(const OdDbObjectId& id) {
     throw OdError(eWrongDatabase,
                   OdString("layer ") + id.getHandle().ascii() + " of " + entityText(this));
   }
-  if (id == m_layerId) return;
-  assertWriteEnabled();
-  m_layerId = id;
-  noteGraphicsModified();
+  change(m_layerId, id);
 }
 
 OdCmColor OdDbEntity::color() const { return read(m_color); }

@@ -5,6 +5,7 @@
 
 #include "platform/db/color.h"
 #include "platform/db/db_object.h"
+#include "platform/db/filing_macros.h"
 #include "platform/db/subent.h"
 #include "platform/ge/extents3d.h"
 #include "platform/ge/matrix3d.h"
@@ -98,11 +99,6 @@ class OdDbEntity : public OdDbObject {
   /// Marks that the picture changed: reactors hear modifiedGraphics when the entity is closed.
   void recordGraphicsModified(bool modified = true);
 
-  OdResult dwgInFields(OdDbDwgFiler* filer) override;
-  void dwgOutFields(OdDbDwgFiler* filer) const override;
-  OdResult dxfInFields(OdDbDxfFiler* filer) override;
-  void dxfOutFields(OdDbDxfFiler* filer) const override;
-
   // Hooks of the block record that takes the entity in.
   /// Raises when the block cannot take the entity; nothing has changed yet.
   virtual void subCheckAppend(const OdDbObjectId& block) const;
@@ -126,10 +122,6 @@ class OdDbEntity : public OdDbObject {
   }
 
  private:
-  friend struct OdDbFieldFiling;
-  template <class Fields, class Self>
-  static void fields(Fields& fields, Self& self);
-
   OdDbObjectId m_layerId;
   OdDbObjectId m_linetypeId;
   OdDbObjectId m_materialId;
@@ -137,4 +129,6 @@ class OdDbEntity : public OdDbObject {
   OdCmColor m_color;
   OdDb::LineWeight m_lineWeight = OdDb::kLnWtByLayer;
   OdDb::Visibility m_visibility = OdDb::kVisible;
+
+  OD_DB_DECLARE_FILING()
 };

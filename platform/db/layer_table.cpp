@@ -5,7 +5,6 @@
 
 #include "platform/base/error.h"
 #include "platform/db/field_list.h"
-#include "platform/db/filing_macros.h"
 
 OD_RX_DEFINE_DB(OdDbLayerTable, OdDbSymbolTable, L"OdDbLayerTable", 0, 0, 0, L"LAYER_TABLE",
                 OdString())
@@ -20,21 +19,14 @@ bool isLayerLineWeight(OdInt16 weight) {
 
 }  // namespace
 
-OdRxClass* OdDbLayerTable::recordClass() const { return OdDbLayerTableRecord::desc(); }
-
-OdCmColor OdDbLayerTableRecord::color() const {
-  assertReadEnabled();
-  return m_color;
-}
+OdCmColor OdDbLayerTableRecord::color() const { return read(m_color); }
 
 void OdDbLayerTableRecord::setColor(const OdCmColor& color) {
   if (color.isByLayer() || color.isByBlock()) {
     throw OdError(eInvalidInput,
                   OdString("colour method " + std::to_string(color.colorMethod()) + " of a layer"));
   }
-  if (color == m_color) return;
-  assertWriteEnabled();
-  m_color = color;
+  assign(m_color, color);
 }
 
 bool OdDbLayerTableRecord::flag(OdUInt8 mask) const {
@@ -44,9 +36,7 @@ bool OdDbLayerTableRecord::flag(OdUInt8 mask) const {
 
 void OdDbLayerTableRecord::setFlag(OdUInt8 mask, bool value) {
   const auto flags = static_cast<OdUInt8>(value ? m_flags | mask : m_flags & ~mask);
-  if (flags == m_flags) return;
-  assertWriteEnabled();
-  m_flags = flags;
+  assign(m_flags, flags);
 }
 
 bool OdDbLayerTableRecord::isFrozen() const { return flag(kFrozen); }
@@ -60,30 +50,18 @@ void OdDbLayerTableRecord::setIsHidden(bool hidden) { setFlag(kHidden, hidden); 
 bool OdDbLayerTableRecord::isPlottable() const { return !flag(kNotPlotted); }
 void OdDbLayerTableRecord::setIsPlottable(bool plottable) { setFlag(kNotPlotted, !plottable); }
 
-OdDb::LineWeight OdDbLayerTableRecord::lineWeight() const {
-  assertReadEnabled();
-  return m_lineWeight;
-}
+OdDb::LineWeight OdDbLayerTableRecord::lineWeight() const { return read(m_lineWeight); }
 
 void OdDbLayerTableRecord::setLineWeight(OdDb::LineWeight weight) {
   if (!isLayerLineWeight(weight)) {
     throw OdError(eInvalidInput, OdString("pen " + std::to_string(weight) + " of a layer"));
   }
-  if (weight == m_lineWeight) return;
-  assertWriteEnabled();
-  m_lineWeight = weight;
+  assign(m_lineWeight, weight);
 }
 
-OdDbObjectId OdDbLayerTableRecord::linetypeObjectId() const {
-  assertReadEnabled();
-  return m_linetypeId;
-}
+OdDbObjectId OdDbLayerTableRecord::linetypeObjectId() const { return read(m_linetypeId); }
 
-void OdDbLayerTableRecord::setLinetypeObjectId(const OdDbObjectId& id) {
-  if (id == m_linetypeId) return;
-  assertWriteEnabled();
-  m_linetypeId = id;
-}
+void OdDbLayerTableRecord::setLinetypeObjectId(const OdDbObjectId& id) { assign(m_linetypeId, id); }
 
 // Fields:
 //

@@ -3,6 +3,7 @@
 
 #include "platform/db/color.h"
 #include "platform/db/entity.h"
+#include "platform/db/filing_macros.h"
 #include "platform/db/symbol_table.h"
 
 /// A layer. A new one is on, thawed, unlocked, plotted, with colour index 7 and a default pen.
@@ -31,16 +32,7 @@ class OdDbLayerTableRecord : public OdDbSymbolTableRecord {
   [[nodiscard]] OdDbObjectId linetypeObjectId() const;
   void setLinetypeObjectId(const OdDbObjectId& id);
 
-  OdResult dwgInFields(OdDbDwgFiler* filer) override;
-  void dwgOutFields(OdDbDwgFiler* filer) const override;
-  OdResult dxfInFields(OdDbDxfFiler* filer) override;
-  void dxfOutFields(OdDbDxfFiler* filer) const override;
-
  private:
-  friend struct OdDbFieldFiling;
-  template <class Fields, class Self>
-  static void fields(Fields& fields, Self& self);
-
   enum Flags : OdUInt8 {
     kFrozen = 1u << 0,
     kOff = 1u << 1,
@@ -57,14 +49,13 @@ class OdDbLayerTableRecord : public OdDbSymbolTableRecord {
   OdDbObjectId m_linetypeId;
   OdDb::LineWeight m_lineWeight = OdDb::kLnWtByLwDefault;
   OdUInt8 m_flags = 0;
+
+  OD_DB_DECLARE_FILING()
 };
 using OdDbLayerTableRecordPtr = OdSmartPtr<OdDbLayerTableRecord>;
 
-class OdDbLayerTable : public OdDbSymbolTable {
+class OdDbLayerTable : public OdDbSymbolTableOf<OdDbLayerTableRecord> {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbLayerTable)
-
- protected:
-  [[nodiscard]] OdRxClass* recordClass() const override;
 };
 using OdDbLayerTablePtr = OdSmartPtr<OdDbLayerTable>;

@@ -25,8 +25,6 @@ bool isScale(double scale) { return std::isfinite(scale) && scale > 0.0; }
 
 }  // namespace
 
-OdRxClass* OdDbLinetypeTable::recordClass() const { return OdDbLinetypeTableRecord::desc(); }
-
 OdString OdDbLinetypeTableRecord::comments() const { return read(m_description); }
 
 void OdDbLinetypeTableRecord::setComments(const OdString& description) {

@@ -64,11 +64,8 @@ class OdDbLinetypeTableRecord : public OdDbSymbolTableRecord {
 };
 using OdDbLinetypeTableRecordPtr = OdSmartPtr<OdDbLinetypeTableRecord>;
 
-class OdDbLinetypeTable : public OdDbSymbolTable {
+class OdDbLinetypeTable : public OdDbSymbolTableOf<OdDbLinetypeTableRecord> {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbLinetypeTable)
-
- protected:
-  [[nodiscard]] OdRxClass* recordClass() const override;
 };
 using OdDbLinetypeTablePtr = OdSmartPtr<OdDbLinetypeTable>;

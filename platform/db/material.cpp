@@ -5,7 +5,6 @@
 
 #include "platform/base/error.h"
 #include "platform/db/field_list.h"
-#include "platform/db/filing_macros.h"
 
 OD_RX_DEFINE_DB(OdDbMaterial, OdDbObject, L"OdDbMaterial", 0, 0, 0, L"MATERIAL", OdString())
 
@@ -18,32 +17,7 @@ bool isSurfaceColor(const OdCmColor& color) { return !color.isByBlock() && !colo
 
 }  // namespace
 
-OdString OdDbMaterial::name() const {
-  assertReadEnabled();
-  return m_name;
-}
-
-void OdDbMaterial::setName(const OdString& name) {
-  if (name == m_name) return;
-  assertWriteEnabled();
-  m_name = name;
-}
-
-OdString OdDbMaterial::description() const {
-  assertReadEnabled();
-  return m_description;
-}
-
-void OdDbMaterial::setDescription(const OdString& description) {
-  if (description == m_description) return;
-  assertWriteEnabled();
-  m_description = description;
-}
-
-OdCmColor OdDbMaterial::diffuse() const {
-  assertReadEnabled();
-  return m_diffuse;
-}
+OdCmColor OdDbMaterial::diffuse() const { return read(m_diffuse); }
 
 void OdDbMaterial::setDiffuse(const OdCmColor& color) {
   if (!isSurfaceColor(color)) {
@@ -51,22 +25,14 @@ void OdDbMaterial::setDiffuse(const OdCmColor& color) {
                                           " of material ") +
                                      getDbHandle().ascii());
   }
-  if (color == m_diffuse) return;
-  assertWriteEnabled();
-  m_diffuse = color;
+  assign(m_diffuse, color);
 }
 
-double OdDbMaterial::opacity() const {
-  assertReadEnabled();
-  return m_opacity;
-}
+double OdDbMaterial::opacity() const { return read(m_opacity); }
 
 void OdDbMaterial::setOpacity(double opacity) { setFraction(m_opacity, opacity, "opacity"); }
 
-double OdDbMaterial::shininess() const {
-  assertReadEnabled();
-  return m_shininess;
-}
+double OdDbMaterial::shininess() const { return read(m_shininess); }
 
 void OdDbMaterial::setShininess(double shininess) {
   setFraction(m_shininess, shininess, "shininess");
@@ -78,9 +44,7 @@ void OdDbMaterial::setFraction(double& member, double value, const char* what) {
                                           " is not from 0 to 1, material ") +
                                      getDbHandle().ascii());
   }
-  if (value == member) return;
-  assertWriteEnabled();
-  member = value;
+  assign(member, value);
 }
 
 // Fields:
@@ -93,9 +57,7 @@ void OdDbMaterial::setFraction(double& member, double value, const char* what) {
 
 template <class Fields, class Self>
 void OdDbMaterial::fields(Fields& fields, Self& self) {
-  fields.version(1);
-  fields.value(2, self.m_name);
-  fields.value(4, self.m_description);
+  nameFields(fields, self);
   fields.value(420, self.m_diffuse, isSurfaceColor);
   fields.value(40, self.m_opacity, isFraction);
   fields.value(41, self.m_shininess, isFraction);

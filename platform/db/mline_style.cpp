@@ -24,12 +24,6 @@ OdDbMlineStyle::OdDbMlineStyle() {
   }
 }
 
-OdString OdDbMlineStyle::name() const { return read(m_name); }
-void OdDbMlineStyle::setName(const OdString& name) { assign(m_name, name); }
-OdString OdDbMlineStyle::description() const { return read(m_description); }
-void OdDbMlineStyle::setDescription(const OdString& description) {
-  assign(m_description, description);
-}
 bool OdDbMlineStyle::showMiters() const { return read(m_showMiters); }
 void OdDbMlineStyle::setShowMiters(bool show) { assign(m_showMiters, show); }
 bool OdDbMlineStyle::startSquareCap() const { return read(m_startCap); }
@@ -89,9 +83,7 @@ void OdDbMlineStyle::setElements(const OdArray<OdDbMlineElement>& elements) {
 
 template <class Fields, class Self>
 void OdDbMlineStyle::fields(Fields& fields, Self& self) {
-  fields.version(1);
-  fields.value(2, self.m_name);
-  fields.value(4, self.m_description);
+  nameFields(fields, self);
   fields.list(49, self.m_offsets, kMaxElements, [](double value) { return std::isfinite(value); });
   fields.list(420, self.m_colors, kMaxElements, isColor);
   fields.rule(

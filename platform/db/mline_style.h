@@ -2,8 +2,8 @@
 #pragma once
 
 #include "platform/db/color.h"
-#include "platform/db/db_object.h"
 #include "platform/db/filing_macros.h"
+#include "platform/db/named_style.h"
 
 /// One of the parallel lines.
 struct OdDbMlineElement {
@@ -16,7 +16,7 @@ struct OdDbMlineElement {
 
 /// A named style in the drawing's dictionary of multi-line styles. A new one has two lines, at 0.5
 /// and -0.5.
-class OdDbMlineStyle : public OdDbObject {
+class OdDbMlineStyle : public OdDbNamedStyle {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbMlineStyle)
 
@@ -24,11 +24,6 @@ class OdDbMlineStyle : public OdDbObject {
 
   OdDbMlineStyle();
 
-  [[nodiscard]] OdString name() const;
-  /// Names are given when the style is put into the dictionary; this is kept beside it.
-  void setName(const OdString& name);
-  [[nodiscard]] OdString description() const;
-  void setDescription(const OdString& description);
   /// In falling order of their offsets.
   [[nodiscard]] OdArray<OdDbMlineElement> elements() const;
   /// Sorts them. Raises eInvalidInput without an element or for an offset that is not finite,
@@ -44,8 +39,6 @@ class OdDbMlineStyle : public OdDbObject {
   void setEndSquareCap(bool cap);
 
  private:
-  OdString m_name;
-  OdString m_description;
   OdArray<double> m_offsets;
   OdArray<OdInt32> m_colors;  // packed
   OdDbObjectIdArray m_linetypes;

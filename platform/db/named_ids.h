@@ -4,6 +4,7 @@
 #include <memory>
 #include <unordered_map>
 
+#include "platform/base/non_copyable.h"
 #include "platform/base/string.h"
 #include "platform/db/chunked_order.h"
 #include "platform/filer/dwg_filer.h"
@@ -20,7 +21,7 @@ struct OdDbNamedId {
 /// skips them where it must. The table from ids to names is made when a large list is first asked
 /// for an id, and follows every change from then on. Knows nothing of opening, undo recording or
 /// owners.
-class OdDbNamedIds {
+class OdDbNamedIds : OdNonCopyable {
  public:
   struct ByName {
     static int compare(const OdDbNamedId& item, const OdString& name) {
@@ -34,8 +35,6 @@ class OdDbNamedIds {
   using Cursor = Entries::Cursor;
 
   OdDbNamedIds() = default;
-  OdDbNamedIds(const OdDbNamedIds&) = delete;
-  OdDbNamedIds& operator=(const OdDbNamedIds&) = delete;
 
   /// Null when the name has no entry; entries of erased objects count.
   [[nodiscard]] const OdDbNamedId* find(const OdString& name) const { return m_entries.find(name); }

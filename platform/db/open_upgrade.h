@@ -1,18 +1,17 @@
 // OdDbOpenUpgrade: write access to an object that is open in some other way, for a scope.
 #pragma once
 
+#include "platform/base/non_copyable.h"
 #include "platform/db/db_object.h"
 
 /// Upgrades an open object and takes that back at the end of the scope; reactors hear of changes
 /// then. The object stays open until the guard ends. Raises as OdDbObject::upgradeOpen.
-class OdDbOpenUpgrade {
+class OdDbOpenUpgrade : OdNonCopyable {
  public:
   explicit OdDbOpenUpgrade(const OdDbObject* object) : m_object(const_cast<OdDbObject*>(object)) {
     m_object->upgradeOpen();
   }
   ~OdDbOpenUpgrade() { m_object->downgradeOpen(); }
-  OdDbOpenUpgrade(const OdDbOpenUpgrade&) = delete;
-  OdDbOpenUpgrade& operator=(const OdDbOpenUpgrade&) = delete;
 
  private:
   OdDbObject* m_object;

@@ -5,5 +5,3 @@ OD_RX_DEFINE_DB(OdDbRegAppTable, OdDbSymbolTable, L"OdDbRegAppTable", 0, 0, 0, L
                 OdString())
 OD_RX_DEFINE_DB(OdDbRegAppTableRecord, OdDbSymbolTableRecord, L"OdDbRegAppTableRecord", 0, 0, 0,
                 L"APPID", OdString())
-
-OdRxClass* OdDbRegAppTable::recordClass() const { return OdDbRegAppTableRecord::desc(); }

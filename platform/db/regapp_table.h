@@ -10,11 +10,8 @@ class OdDbRegAppTableRecord : public OdDbSymbolTableRecord {
 };
 using OdDbRegAppTableRecordPtr = OdSmartPtr<OdDbRegAppTableRecord>;
 
-class OdDbRegAppTable : public OdDbSymbolTable {
+class OdDbRegAppTable : public OdDbSymbolTableOf<OdDbRegAppTableRecord> {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbRegAppTable)
-
- protected:
-  [[nodiscard]] OdRxClass* recordClass() const override;
 };
 using OdDbRegAppTablePtr = OdSmartPtr<OdDbRegAppTable>;

@@ -75,3 +75,11 @@ class OdDbSymbolTable : public OdDbObject {
 
   OdDbNamedIds m_records;
 };
+
+/// A table of records of one class. Not a run-time class: the table that derives from it names
+/// OdDbSymbolTable as its parent.
+template <class Record>
+class OdDbSymbolTableOf : public OdDbSymbolTable {
+ protected:
+  [[nodiscard]] OdRxClass* recordClass() const override { return Record::desc(); }
+};

@@ -6,7 +6,6 @@
 #include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "platform/db/field_list.h"
-#include "platform/db/filing_macros.h"
 #include "platform/db/symbol_table.h"
 
 OD_RX_DEFINE_ABSTRACT(OdDbSymbolTableRecord, OdDbObject, L"OdDbSymbolTableRecord")
@@ -46,10 +45,7 @@ bool odDbIsValidRecordName(const OdString& name) {
 
 // ---- Names
 
-OdString OdDbSymbolTableRecord::getName() const {
-  assertReadEnabled();
-  return m_name;
-}
+OdString OdDbSymbolTableRecord::getName() const { return read(m_name); }
 
 void OdDbSymbolTableRecord::setName(const OdString& name) {
   if (name == m_name) return;
@@ -85,16 +81,9 @@ bool OdDbSymbolTableRecord::isDependent() const {
   return m_name.find(L'|') > 0;
 }
 
-bool OdDbSymbolTableRecord::isResolved() const {
-  assertReadEnabled();
-  return m_resolved;
-}
+bool OdDbSymbolTableRecord::isResolved() const { return read(m_resolved); }
 
-void OdDbSymbolTableRecord::setResolved(bool resolved) {
-  if (resolved == m_resolved) return;
-  assertWriteEnabled();
-  m_resolved = resolved;
-}
+void OdDbSymbolTableRecord::setResolved(bool resolved) { assign(m_resolved, resolved); }
 
 OdResult OdDbSymbolTableRecord::subErase(bool erasing) {
   if (erasing && isFixed()) return eInvalidInput;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/db/db_object.h"
+#include "platform/db/filing_macros.h"
 
 class OdDbSymbolTableRecord;
 using OdDbSymbolTableRecordPtr = OdSmartPtr<OdDbSymbolTableRecord>;
@@ -29,10 +30,6 @@ class OdDbSymbolTableRecord : public OdDbObject {
   [[nodiscard]] bool isResolved() const;
   void setResolved(bool resolved);
 
-  OdResult dwgInFields(OdDbDwgFiler* filer) override;
-  void dwgOutFields(OdDbDwgFiler* filer) const override;
-  OdResult dxfInFields(OdDbDxfFiler* filer) override;
-  void dxfOutFields(OdDbDxfFiler* filer) const override;
   /// Refuses to erase fixed records (eInvalidInput), and to unerase a record whose name another one
   /// has got meanwhile (eDuplicateRecordName).
   OdResult subErase(bool erasing) override;
@@ -41,13 +38,12 @@ class OdDbSymbolTableRecord : public OdDbObject {
 
  private:
   friend class OdDbSymbolTable;
-  friend struct OdDbFieldFiling;
-  template <class Fields, class Self>
-  static void fields(Fields& fields, Self& self);
 
   void storeName(const OdString& name);
   [[nodiscard]] bool isFixed() const;
 
   OdString m_name;
   bool m_resolved = true;
+
+  OD_DB_DECLARE_FILING()
 };

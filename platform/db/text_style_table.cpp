@@ -31,8 +31,6 @@ bool oddbIsObliquingAngle(double radians) {
   return std::abs(radians) <= 85.0 / 180.0 * std::numbers::pi + 1e-12;
 }
 
-OdRxClass* OdDbTextStyleTable::recordClass() const { return OdDbTextStyleTableRecord::desc(); }
-
 OdString OdDbTextStyleTableRecord::fileName() const { return read(m_fileName); }
 void OdDbTextStyleTableRecord::setFileName(const OdString& fontFile) {
   assign(m_fileName, fontFile);

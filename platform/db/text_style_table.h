@@ -49,11 +49,8 @@ using OdDbTextStyleTableRecordPtr = OdSmartPtr<OdDbTextStyleTableRecord>;
 [[nodiscard]] bool oddbIsWidthFactor(double factor);
 [[nodiscard]] bool oddbIsObliquingAngle(double radians);
 
-class OdDbTextStyleTable : public OdDbSymbolTable {
+class OdDbTextStyleTable : public OdDbSymbolTableOf<OdDbTextStyleTableRecord> {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbTextStyleTable)
-
- protected:
-  [[nodiscard]] OdRxClass* recordClass() const override;
 };
 using OdDbTextStyleTablePtr = OdSmartPtr<OdDbTextStyleTable>;

@@ -1,17 +1,17 @@
 // OdDbTrial: changes of a drawing that are taken back.
 #pragma once
 
+#include "platform/base/non_copyable.h"
+
 class OdDbDatabase;
 
 /// What is changed in its scope is in memory alone and is taken back at its end, unless keep() was
 /// called. A drawing that is open for reading can be changed in it, too. Its file must not be saved
 /// meanwhile.
-class OdDbTrial {
+class OdDbTrial : OdNonCopyable {
  public:
   explicit OdDbTrial(OdDbDatabase* database);
   ~OdDbTrial();
-  OdDbTrial(const OdDbTrial&) = delete;
-  OdDbTrial& operator=(const OdDbTrial&) = delete;
 
   /// Ends the trial with its changes kept. Not for drawings that are open for reading.
   void keep();

@@ -15,6 +15,7 @@
 #include "platform/db/undo_log.h"
 
 #include "platform/base/error.h"
+#include "platform/base/non_copyable.h"
 #include "platform/db/database_impl.h"
 #include "platform/db/internal_access.h"
 #include "platform/db/object_extra.h"
@@ -127,7 +128,7 @@ OdUInt32 OdDbUndoLog::numSteps() const {
 }
 
 /// While records are applied: objects say that they are undoing, and inverses go to `to`.
-class OdDbUndoLog::Applying {
+class OdDbUndoLog::Applying : OdNonCopyable {
  public:
   Applying(OdDbUndoLog& log, Stack* to) : m_log(log) {
     m_log.nextSpan();
@@ -139,8 +140,6 @@ class OdDbUndoLog::Applying {
     m_log.chooseTarget();
     m_log.nextSpan();
   }
-  Applying(const Applying&) = delete;
-  Applying& operator=(const Applying&) = delete;
 
  private:
   OdDbUndoLog& m_log;

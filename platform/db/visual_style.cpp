@@ -22,12 +22,6 @@ bool isSound(const OdGiEdgeStyle& style) {
 
 }  // namespace
 
-OdString OdDbVisualStyle::name() const { return read(m_name); }
-void OdDbVisualStyle::setName(const OdString& name) { assign(m_name, name); }
-OdString OdDbVisualStyle::description() const { return read(m_description); }
-void OdDbVisualStyle::setDescription(const OdString& description) {
-  assign(m_description, description);
-}
 OdGiEdgeStyle OdDbVisualStyle::edgeStyle() const { return read(m_edges); }
 
 void OdDbVisualStyle::setEdgeStyle(const OdGiEdgeStyle& style) {
@@ -58,9 +52,7 @@ void OdDbVisualStyle::setEdgeStyle(const OdGiEdgeStyle& style) {
 
 template <class Fields, class Self>
 void OdDbVisualStyle::fields(Fields& fields, Self& self) {
-  fields.version(1);
-  fields.value(2, self.m_name);
-  fields.value(4, self.m_description);
+  nameFields(fields, self);
   fields.template number<OdUInt8>(280, self.m_edges.edgeModel, isEdgeModel);
   fields.value(420, self.m_edges.edgeColor);
   fields.value(290, self.m_edges.showsObscured);

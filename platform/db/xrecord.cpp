@@ -31,20 +31,10 @@ void writeGroup(OdDbDxfFiler* filer, const OdResBuf& value) {
   switch (OdResBuf::kindOf(code)) {
     case Kind::kNone:
       return;
-    case Kind::kString:
-      return filer->wrString(code, value.getString());
-    case Kind::kBool:
-      return filer->wrBool(code, value.getBool());
-    case Kind::kInt8:
-      return filer->wrInt8(code, value.getInt8());
-    case Kind::kInt16:
-      return filer->wrInt16(code, value.getInt16());
-    case Kind::kInt32:
-      return filer->wrInt32(code, value.getInt32());
-    case Kind::kInt64:
-      return filer->wrInt64(code, value.getInt64());
-    case Kind::kDouble:
-      return filer->wrDouble(code, value.getDouble());
+#define OD_RES_BUF_PRIMITIVE(Name, Type, Argument, text) \
+  case Kind::k##Name:                                    \
+    return filer->wr##Name(code, value.get##Name());
+#include "platform/filer/res_buf_rows.inc"
     case Kind::kPoint: {
       const OdGePoint3d point = value.getPoint3d();
       filer->wrDouble(code, point.x);
@@ -74,20 +64,10 @@ void readGroup(OdDbDxfFiler* filer, OdResBuf& value) {
   switch (OdResBuf::kindOf(code)) {
     case Kind::kNone:
       return;
-    case Kind::kString:
-      return value.setString(filer->rdString());
-    case Kind::kBool:
-      return value.setBool(filer->rdBool());
-    case Kind::kInt8:
-      return value.setInt8(filer->rdInt8());
-    case Kind::kInt16:
-      return value.setInt16(filer->rdInt16());
-    case Kind::kInt32:
-      return value.setInt32(filer->rdInt32());
-    case Kind::kInt64:
-      return value.setInt64(filer->rdInt64());
-    case Kind::kDouble:
-      return value.setDouble(filer->rdDouble());
+#define OD_RES_BUF_PRIMITIVE(Name, Type, Argument, text) \
+  case Kind::k##Name:                                    \
+    return value.set##Name(filer->rd##Name());
+#include "platform/filer/res_buf_rows.inc"
     case Kind::kPoint: {
       OdGePoint3d point;
       point.x = filer->rdDouble();
@@ -124,18 +104,13 @@ OdResult OdDbXrecord::setFromRbChain(const OdResBuf* chain) {
   return eOk;
 }
 
-OdDb::DuplicateRecordCloning OdDbXrecord::mergeStyle() const {
-  assertReadEnabled();
-  return m_mergeStyle;
-}
+OdDb::DuplicateRecordCloning OdDbXrecord::mergeStyle() const { return read(m_mergeStyle); }
 
 void OdDbXrecord::setMergeStyle(OdDb::DuplicateRecordCloning style) {
   if (!isMergeStyle(style)) {
     throw OdError(eInvalidInput, OdString("merge style " + std::to_string(style)));
   }
-  if (style == m_mergeStyle) return;
-  assertWriteEnabled();
-  m_mergeStyle = style;
+  assign(m_mergeStyle, style);
 }
 
 // ---- Filing

@@ -64,21 +64,16 @@ void OdDbArcAlignedText::setRightOffset(double offset) {
 }
 OdDb::ArcTextAlignment OdDbArcAlignedText::alignment() const { return read(m_alignment); }
 void OdDbArcAlignedText::setAlignment(OdDb::ArcTextAlignment alignment) {
-  if (!kIsAlignment(alignment)) oddbRaiseValue(this, "alignment", alignment);
-  change(m_alignment, alignment);
+  change(m_alignment, oddbChecked(this, "alignment", alignment, kIsAlignment));
 }
 OdDb::ArcTextPosition OdDbArcAlignedText::textPosition() const { return read(m_position); }
 void OdDbArcAlignedText::setTextPosition(OdDb::ArcTextPosition position) {
-  if (!kIsOneOfTwo(position)) oddbRaiseValue(this, "position", position);
-  change(m_position, position);
+  change(m_position, oddbChecked(this, "position", position, kIsOneOfTwo));
 }
 OdDb::ArcTextDirection OdDbArcAlignedText::textDirection() const { return read(m_direction); }
 void OdDbArcAlignedText::setTextDirection(OdDb::ArcTextDirection direction) {
-  if (!kIsOneOfTwo(direction)) oddbRaiseValue(this, "direction", direction);
-  change(m_direction, direction);
+  change(m_direction, oddbChecked(this, "direction", direction, kIsOneOfTwo));
 }
-OdDbObjectId OdDbArcAlignedText::textStyle() const { return read(m_style); }
-void OdDbArcAlignedText::setTextStyle(const OdDbObjectId& style) { change(m_style, style); }
 
 // The text occupies a ring of its height beside the arc. Its base line is the inner circle of the
 // ring when the heads point outward, else the outer one.
@@ -117,10 +112,6 @@ bool OdDbArcAlignedText::subWorldDraw(OdGiWorldDraw* context) const {
     place += width + gap;
   }
   return true;
-}
-
-OdResult OdDbArcAlignedText::getGeomExtents(OdGeExtents3d& extents) const {
-  return oddbDrawnExtents(this, extents);
 }
 
 // A flip exchanges the ends of the arc, and left and right of the text with them.

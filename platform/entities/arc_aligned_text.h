@@ -4,6 +4,7 @@
 #include "platform/db/filing_macros.h"
 #include "platform/entities/arc_chords.h"
 #include "platform/entities/planar.h"
+#include "platform/entities/textual.h"
 
 namespace OdDb {
 
@@ -23,7 +24,7 @@ enum ArcTextDirection : OdUInt8 { kArcTextOutward = 1, kArcTextInward = 2 };
 /// Characters along an arc about a centre, each upright to it. The arc runs counter-clockwise from
 /// the start to the end angle; outward texts read clockwise, from the end to the start, inward ones
 /// the other way. Always readable from the side of its normal.
-class OdDbArcAlignedText : public OdDbPlanar<OdDbEntity> {
+class OdDbArcAlignedText : public OdDbTextual<OdDbPlanar<OdDbEntity>> {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbArcAlignedText)
 
@@ -60,11 +61,6 @@ class OdDbArcAlignedText : public OdDbPlanar<OdDbEntity> {
   void setTextPosition(OdDb::ArcTextPosition position);
   [[nodiscard]] OdDb::ArcTextDirection textDirection() const;
   void setTextDirection(OdDb::ArcTextDirection direction);
-  /// Null is the style "Standard".
-  [[nodiscard]] OdDbObjectId textStyle() const;
-  void setTextStyle(const OdDbObjectId& style);
-
-  OdResult getGeomExtents(OdGeExtents3d& extents) const override;
 
  protected:
   bool subWorldDraw(OdGiWorldDraw* context) const override;
@@ -77,7 +73,6 @@ class OdDbArcAlignedText : public OdDbPlanar<OdDbEntity> {
 
   OdString m_text;
   OdGePoint3d m_center;
-  OdDbObjectId m_style;
   double m_radius = 10.0;
   double m_start = 0.0;
   double m_end = kOdDbFullTurn / 2;

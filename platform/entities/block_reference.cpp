@@ -32,15 +32,9 @@ void frameOf(const OdGeVector3d& normal, OdGeVector3d& xAxis, OdGeVector3d& yAxi
 
 // A clone's block is known only once its ids are translated; then the lists have to follow.
 bool isTranslating(const OdDbDwgFiler* filer) {
-  switch (filer->filerType()) {
-    case OdDbDwgFiler::kCopyFiler:
-    case OdDbDwgFiler::kIdXlateFiler:
-    case OdDbDwgFiler::kDeepCloneFiler:
-    case OdDbDwgFiler::kWblockCloneFiler:
-      return true;
-    default:
-      return false;
-  }
+  const OdDbDwgFiler::FilerType type = filer->filerType();
+  return type == OdDbDwgFiler::kCopyFiler || type == OdDbDwgFiler::kIdXlateFiler ||
+         type == OdDbDwgFiler::kDeepCloneFiler || type == OdDbDwgFiler::kWblockCloneFiler;
 }
 
 }  // namespace
@@ -50,10 +44,7 @@ OdDbBlockReference::~OdDbBlockReference() = default;
 
 // ---- The block
 
-OdDbObjectId OdDbBlockReference::blockTableRecord() const {
-  assertReadEnabled();
-  return m_block;
-}
+OdDbObjectId OdDbBlockReference::blockTableRecord() const { return read(m_block); }
 
 void OdDbBlockReference::setBlockTableRecord(const OdDbObjectId& block) {
   if (block.isNull()) throw OdError(eNullObjectId, OdString("block of a reference"));
@@ -114,27 +105,24 @@ void OdDbBlockReference::subAppended() {
 
 // ---- Placement
 
-OdGePoint3d OdDbBlockReference::position() const {
-  assertReadEnabled();
-  return m_position;
-}
+OdGePoint3d OdDbBlockReference::position() const { return read(m_position); }
 
 void OdDbBlockReference::setPosition(const OdGePoint3d& position) {
   if (!odgeIsFinite(position)) {
     throw OdError(eInvalidInput,
                   OdString("position of reference ") + getDbHandle().ascii() + " is not finite");
   }
-  if (position == m_position) return;
-  assertWriteEnabled();
-  m_position = position;
+  if (!assign(m_position, position)) return;
   if (m_exact) m_exact->setTranslation(position.asVector());
   noteGraphicsModified();
 }
 
-OdGeScale3d OdDbBlockReference::scaleFactors() const {
-  assertReadEnabled();
-  return m_scale;
+void OdDbBlockReference::dropShear() {
+  m_exact.reset();
+  noteGraphicsModified();
 }
+
+OdGeScale3d OdDbBlockReference::scaleFactors() const { return read(m_scale); }
 
 void OdDbBlockReference::setScaleFactors(const OdGeScale3d& scale) {
   if (!isScale(scale)) {
@@ -143,42 +131,23 @@ void OdDbBlockReference::setScaleFactors(const OdGeScale3d& scale) {
                            ", " + std::to_string(scale.sz) + " of reference ") +
                       getDbHandle().ascii());
   }
-  if (scale == m_scale) return;
-  assertWriteEnabled();
-  m_scale = scale;
-  m_exact.reset();
-  noteGraphicsModified();
+  if (assign(m_scale, scale)) dropShear();
 }
 
-double OdDbBlockReference::rotation() const {
-  assertReadEnabled();
-  return m_rotation;
-}
+double OdDbBlockReference::rotation() const { return read(m_rotation); }
 
 void OdDbBlockReference::setRotation(double angle) {
   if (!std::isfinite(angle)) {
     throw OdError(eInvalidInput, OdString("rotation " + std::to_string(angle) + " of reference ") +
                                      getDbHandle().ascii());
   }
-  if (angle == m_rotation) return;
-  assertWriteEnabled();
-  m_rotation = angle;
-  m_exact.reset();
-  noteGraphicsModified();
+  if (assign(m_rotation, angle)) dropShear();
 }
 
-OdGeVector3d OdDbBlockReference::normal() const {
-  assertReadEnabled();
-  return m_normal;
-}
+OdGeVector3d OdDbBlockReference::normal() const { return read(m_normal); }
 
 void OdDbBlockReference::setNormal(const OdGeVector3d& normal) {
-  const OdGeVector3d unit = normal.normal();
-  if (unit == m_normal) return;
-  assertWriteEnabled();
-  m_normal = unit;
-  m_exact.reset();
-  noteGraphicsModified();
+  if (assign(m_normal, normal.normal())) dropShear();
 }
 
 OdGePoint3d OdDbBlockReference::blockOrigin() const {
@@ -326,10 +295,7 @@ void OdDbBlockReference::fields(Fields& fields, Self& self) {
                    [](const OdGeMatrix3d& matrix) { return odgeIsFinite(matrix); });
 }
 
-void OdDbBlockReference::dwgOutFields(OdDbDwgFiler* filer) const {
-  OdDbEntity::dwgOutFields(filer);
-  OdDbFieldFiling::dwgOut(filer, *this);
-}
+OD_DB_DEFINE_FILING_OUT(OdDbBlockReference, OdDbEntity)
 
 OdResult OdDbBlockReference::dwgInFields(OdDbDwgFiler* filer) {
   OdResult result = OdDbEntity::dwgInFields(filer);
@@ -338,11 +304,6 @@ OdResult OdDbBlockReference::dwgInFields(OdDbDwgFiler* filer) {
   result = OdDbFieldFiling::dwgIn(filer, *this);
   if (result == eOk && isTranslating(filer)) followBlock(oldBlock);
   return result;
-}
-
-void OdDbBlockReference::dxfOutFields(OdDbDxfFiler* filer) const {
-  OdDbEntity::dxfOutFields(filer);
-  OdDbFieldFiling::dxfOut(filer, *this);
 }
 
 OdResult OdDbBlockReference::dxfInFields(OdDbDxfFiler* filer) {

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/db/entity.h"
+#include "platform/db/filing_macros.h"
 #include "platform/ge/scale3d.h"
 
 /// One occurrence of a block. The placement is a position, scale factors, a rotation and a normal,
@@ -50,10 +51,6 @@ class OdDbBlockReference : public OdDbEntity {
   /// Transformed copies of the block's entities, which are in no database.
   OdResult explode(OdRxObjectPtrArray& parts) const override;
 
-  OdResult dwgInFields(OdDbDwgFiler* filer) override;
-  void dwgOutFields(OdDbDwgFiler* filer) const override;
-  OdResult dxfInFields(OdDbDxfFiler* filer) override;
-  void dxfOutFields(OdDbDxfFiler* filer) const override;
   void subCheckAppend(const OdDbObjectId& block) const override;
   void subAppended() override;
   [[nodiscard]] std::size_t approximateSize() const override;
@@ -65,15 +62,13 @@ class OdDbBlockReference : public OdDbEntity {
   OdResult subTransformBy(const OdGeMatrix3d& transform) override;
 
  private:
-  friend struct OdDbFieldFiling;
-  template <class Fields, class Self>
-  static void fields(Fields& fields, Self& self);
-
   [[nodiscard]] OdGePoint3d blockOrigin() const;
   [[nodiscard]] OdGeMatrix3d composed() const;
   [[nodiscard]] OdGeMatrix3d placement() const;
   void setPlacement(const OdGeMatrix3d& placement);
   void decompose(const OdGeMatrix3d& placement);
+  /// After a part of the placement was set.
+  void dropShear();
   void checkNesting(const OdDbObjectId& block, const OdDbObjectId& owner) const;
   void noteInBlock(const OdDbObjectId& block, bool shows) const;
   void followBlock(const OdDbObjectId& oldBlock);
@@ -84,6 +79,8 @@ class OdDbBlockReference : public OdDbEntity {
   double m_rotation = 0.0;
   OdGeVector3d m_normal = OdGeVector3d::kZAxis;
   std::unique_ptr<OdGeMatrix3d> m_exact;  // without the block's origin
+
+  OD_DB_DECLARE_FILING()
 };
 using OdDbBlockReferencePtr = OdSmartPtr<OdDbBlockReference>;
 

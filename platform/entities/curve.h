@@ -48,3 +48,13 @@ void oddbDrawThick(OdGiWorldDraw* context, const std::vector<OdGePoint3d>& point
 void oddbExtrude(OdGeExtents3d& box, const OdGeVector3d& extrusion);
 /// The box around what an entity draws; eNotApplicable when it draws nothing.
 OdResult oddbDrawnExtents(const OdDbEntity* entity, OdGeExtents3d& extents);
+
+/// Gives a class these extents. Not a run-time class: the class that derives from it names the base
+/// as its parent.
+template <class Base>
+class OdDbBoundedByDrawing : public Base {
+ public:
+  OdResult getGeomExtents(OdGeExtents3d& extents) const override {
+    return oddbDrawnExtents(this, extents);
+  }
+};

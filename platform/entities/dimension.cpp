@@ -174,10 +174,6 @@ OdResult OdDbDimension::explode(OdRxObjectPtrArray& parts) const {
   return eOk;
 }
 
-OdResult OdDbDimension::getGeomExtents(OdGeExtents3d& extents) const {
-  return oddbDrawnExtents(this, extents);
-}
-
 OdResult OdDbDimension::subTransformBy(const OdGeMatrix3d& transform) {
   const OdDbPlaneMove move(transform, m_normal);
   const OdGePoint3d textPosition = transform * m_textPosition;

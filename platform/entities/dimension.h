@@ -2,13 +2,14 @@
 #pragma once
 
 #include "platform/db/filing_macros.h"
+#include "platform/entities/curve.h"
 #include "platform/entities/dimension_picture.h"
 #include "platform/entities/planar.h"
 #include "platform/entities/text_block.h"
 
 /// A measurement of points, drawn by a dimension style. Sizes of the style do not follow
 /// transforms; the points do, and with them the measurement. The text is always readable.
-class OdDbDimension : public OdDbPlanar<OdDbEntity> {
+class OdDbDimension : public OdDbBoundedByDrawing<OdDbPlanar<OdDbEntity>> {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbDimension)
 
@@ -36,7 +37,6 @@ class OdDbDimension : public OdDbPlanar<OdDbEntity> {
   [[nodiscard]] OdDbObjectId dimensionStyle() const;
   void setDimensionStyle(const OdDbObjectId& style);
 
-  OdResult getGeomExtents(OdGeExtents3d& extents) const override;
   /// Lines, polylines and a block of text.
   OdResult explode(OdRxObjectPtrArray& parts) const override;
   [[nodiscard]] std::size_t approximateSize() const override;

@@ -122,8 +122,7 @@ void OdDbHatch::setElevation(double elevation) {
 }
 OdDb::HatchStyle OdDbHatch::hatchStyle() const { return read(m_style); }
 void OdDbHatch::setHatchStyle(OdDb::HatchStyle style) {
-  if (!kIsStyle(style)) oddbRaiseValue(this, "style", style);
-  change(m_style, style);
+  change(m_style, oddbChecked(this, "style", style, kIsStyle));
 }
 
 // ---- Pattern

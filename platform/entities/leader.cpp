@@ -100,10 +100,6 @@ bool OdDbLeader::subWorldDraw(OdGiWorldDraw* context) const {
   return true;
 }
 
-OdResult OdDbLeader::getGeomExtents(OdGeExtents3d& extents) const {
-  return oddbDrawnExtents(this, extents);
-}
-
 OdResult OdDbLeader::subTransformBy(const OdGeMatrix3d& transform) {
   const OdDbPlaneMove move(transform, m_normal);
   if (!move.isFinite() || !oddbTransformPoints(transform, m_vertices)) return eInvalidInput;

@@ -7,7 +7,7 @@
 
 /// A run of straight lines whose first point has an arrowhead. Sizes come from a dimension style.
 /// Parameters count segments.
-class OdDbLeader : public OdDbPlanar<OdDbCurve> {
+class OdDbLeader : public OdDbBoundedByDrawing<OdDbPlanar<OdDbCurve>> {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbLeader)
 
@@ -38,7 +38,6 @@ class OdDbLeader : public OdDbPlanar<OdDbCurve> {
   OdResult getStartParam(double& parameter) const override;
   OdResult getEndParam(double& parameter) const override;
   [[nodiscard]] double length() const override;
-  OdResult getGeomExtents(OdGeExtents3d& extents) const override;
   [[nodiscard]] std::size_t approximateSize() const override;
 
  protected:

@@ -60,8 +60,7 @@ void OdDbMline::setScale(double scale) {
 }
 OdDb::MlineJustification OdDbMline::justification() const { return read(m_justification); }
 void OdDbMline::setJustification(OdDb::MlineJustification justification) {
-  if (!kIsJustification(justification)) oddbRaiseValue(this, "justification", justification);
-  change(m_justification, justification);
+  change(m_justification, oddbChecked(this, "justification", justification, kIsJustification));
 }
 OdDbObjectId OdDbMline::style() const { return read(m_style); }
 void OdDbMline::setStyle(const OdDbObjectId& style) { change(m_style, style); }
@@ -149,10 +148,6 @@ OdResult OdDbMline::explode(OdRxObjectPtrArray& parts) const {
     }
   }
   return eOk;
-}
-
-OdResult OdDbMline::getGeomExtents(OdGeExtents3d& extents) const {
-  return oddbDrawnExtents(this, extents);
 }
 
 // A flip exchanges left and right, which the sign of the scale takes up.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/db/filing_macros.h"
+#include "platform/entities/curve.h"
 #include "platform/entities/planar.h"
 
 class OdDbMlineStyle;
@@ -14,7 +15,7 @@ enum MlineJustification : OdUInt8 { kMlineTop = 0, kMlineZero = 1, kMlineBottom 
 }  // namespace OdDb
 
 /// The lines of a multi-line style along a path of straight segments, mitred at its corners.
-class OdDbMline : public OdDbPlanar<OdDbEntity> {
+class OdDbMline : public OdDbBoundedByDrawing<OdDbPlanar<OdDbEntity>> {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbMline)
 
@@ -41,7 +42,6 @@ class OdDbMline : public OdDbPlanar<OdDbEntity> {
   [[nodiscard]] OdDbObjectId style() const;
   void setStyle(const OdDbObjectId& style);
 
-  OdResult getGeomExtents(OdGeExtents3d& extents) const override;
   /// Lines.
   OdResult explode(OdRxObjectPtrArray& parts) const override;
   [[nodiscard]] std::size_t approximateSize() const override;

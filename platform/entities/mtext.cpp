@@ -48,15 +48,12 @@ void OdDbMText::setTextHeight(double height) {
 }
 OdDb::AttachmentPoint OdDbMText::attachment() const { return read(m_attachment); }
 void OdDbMText::setAttachment(OdDb::AttachmentPoint attachment) {
-  if (!oddbIsAttachment(attachment)) oddbRaiseValue(this, "attachment", attachment);
-  change(m_attachment, attachment);
+  change(m_attachment, oddbChecked(this, "attachment", attachment, oddbIsAttachment));
 }
 double OdDbMText::lineSpacingFactor() const { return read(m_spacing); }
 void OdDbMText::setLineSpacingFactor(double factor) {
   change(m_spacing, oddbChecked(this, "line spacing", factor, isSpacing));
 }
-OdDbObjectId OdDbMText::textStyle() const { return read(m_style); }
-void OdDbMText::setTextStyle(const OdDbObjectId& style) { change(m_style, style); }
 double OdDbMText::actualWidth() const { return block().width(); }
 double OdDbMText::actualHeight() const { return block().height(); }
 
@@ -73,10 +70,6 @@ OdDbTextBlock OdDbMText::block() const {
 bool OdDbMText::subWorldDraw(OdGiWorldDraw* context) const {
   block().draw(context, m_location, m_direction, m_normal.crossProduct(m_direction), m_attachment);
   return true;
-}
-
-OdResult OdDbMText::getGeomExtents(OdGeExtents3d& extents) const {
-  return oddbDrawnExtents(this, extents);
 }
 
 // A flip would turn the lines upside down or from right to left. The direction is reversed, so that

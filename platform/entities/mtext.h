@@ -4,11 +4,12 @@
 #include "platform/db/filing_macros.h"
 #include "platform/entities/planar.h"
 #include "platform/entities/text_block.h"
+#include "platform/entities/textual.h"
 
 /// A text of several lines with formats (see text_block.h) that hangs on a location by one of nine
 /// points. It is always readable from the side of its normal: a mirror image keeps the place of the
-/// block and reads from left to right.
-class OdDbMText : public OdDbPlanar<OdDbEntity> {
+/// block and reads from left to right. Width factor and slant come from its style.
+class OdDbMText : public OdDbTextual<OdDbPlanar<OdDbEntity>> {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbMText)
 
@@ -40,14 +41,10 @@ class OdDbMText : public OdDbPlanar<OdDbEntity> {
   /// Factor on the distance of lines, 0.25 to 4.
   [[nodiscard]] double lineSpacingFactor() const;
   void setLineSpacingFactor(double factor);
-  /// Null is the style "Standard". Width factor and slant come from there.
-  [[nodiscard]] OdDbObjectId textStyle() const;
-  void setTextStyle(const OdDbObjectId& style);
   /// Width and height of what is drawn, from the top of the capitals to the last base line.
   [[nodiscard]] double actualWidth() const;
   [[nodiscard]] double actualHeight() const;
 
-  OdResult getGeomExtents(OdGeExtents3d& extents) const override;
   [[nodiscard]] std::size_t approximateSize() const override;
 
  protected:
@@ -62,7 +59,6 @@ class OdDbMText : public OdDbPlanar<OdDbEntity> {
   OdString m_contents;
   OdGePoint3d m_location;
   OdGeVector3d m_direction = OdGeVector3d::kXAxis;
-  OdDbObjectId m_style;
   double m_width = 0.0;
   double m_height = 2.5;
   double m_spacing = 1.0;

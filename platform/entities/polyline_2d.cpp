@@ -14,8 +14,7 @@ constexpr auto kIsType = [](OdUInt8 number) { return number <= OdDb::k2dCubicSpl
 OdDb::Poly2dType OdDb2dPolyline::polyType() const { return read(m_type); }
 
 void OdDb2dPolyline::setPolyType(OdDb::Poly2dType type) {
-  if (!kIsType(type)) oddbRaiseValue(this, "type", type);
-  change(m_type, type);
+  change(m_type, oddbChecked(this, "type", type, kIsType));
 }
 
 void OdDb2dPolyline::appendVertex(const OdGePoint3d& position, double bulge, double startWidth,

@@ -42,13 +42,11 @@ bool OdDbText::usesAlignmentPoint() const {
 }
 OdDb::TextHorzMode OdDbText::horizontalMode() const { return read(m_horizontal); }
 void OdDbText::setHorizontalMode(OdDb::TextHorzMode mode) {
-  if (!kIsHorizontal(mode)) oddbRaiseValue(this, "horizontal mode", mode);
-  change(m_horizontal, mode);
+  change(m_horizontal, oddbChecked(this, "horizontal mode", mode, kIsHorizontal));
 }
 OdDb::TextVertMode OdDbText::verticalMode() const { return read(m_vertical); }
 void OdDbText::setVerticalMode(OdDb::TextVertMode mode) {
-  if (!kIsVertical(mode)) oddbRaiseValue(this, "vertical mode", mode);
-  change(m_vertical, mode);
+  change(m_vertical, oddbChecked(this, "vertical mode", mode, kIsVertical));
 }
 double OdDbText::height() const { return read(m_height); }
 void OdDbText::setHeight(double height) {
@@ -70,8 +68,6 @@ bool OdDbText::isMirroredInX() const { return read(m_mirroredInX); }
 void OdDbText::mirrorInX(bool mirrored) { change(m_mirroredInX, mirrored); }
 bool OdDbText::isMirroredInY() const { return read(m_mirroredInY); }
 void OdDbText::mirrorInY(bool mirrored) { change(m_mirroredInY, mirrored); }
-OdDbObjectId OdDbText::textStyle() const { return read(m_style); }
-void OdDbText::setTextStyle(const OdDbObjectId& style) { change(m_style, style); }
 
 void OdDbText::setTextDefaults(OdDbDatabase* drawing) {
   const OdDbTextStyleTableRecordPtr style =
@@ -123,10 +119,6 @@ bool OdDbText::subWorldDraw(OdGiWorldDraw* context) const {
   drawn.position += m_normal * m_thickness;
   drawn.draw(context, plain);
   return true;
-}
-
-OdResult OdDbText::getGeomExtents(OdGeExtents3d& extents) const {
-  return oddbDrawnExtents(this, extents);
 }
 
 // The axes of the characters are the base line and the slanted upright. Their images give the new

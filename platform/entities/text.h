@@ -4,6 +4,7 @@
 #include "platform/db/filing_macros.h"
 #include "platform/entities/planar.h"
 #include "platform/entities/text_line.h"
+#include "platform/entities/textual.h"
 
 namespace OdDb {
 
@@ -30,7 +31,7 @@ enum TextVertMode : OdUInt8 {
 /// A line of text. A text that is left on its base line hangs on its position; any other one hangs
 /// on its alignment point, which aligned and fitted ones reach from their position. A mirror image
 /// of a text reads backwards.
-class OdDbText : public OdDbThick<OdDbEntity> {
+class OdDbText : public OdDbTextual<OdDbThick<OdDbEntity>> {
  public:
   OD_RX_DECLARE_MEMBERS(OdDbText)
 
@@ -66,14 +67,9 @@ class OdDbText : public OdDbThick<OdDbEntity> {
   /// Upside down, reading from left to right.
   [[nodiscard]] bool isMirroredInY() const;
   void mirrorInY(bool mirrored);
-  /// Null is the style "Standard".
-  [[nodiscard]] OdDbObjectId textStyle() const;
-  void setTextStyle(const OdDbObjectId& style);
   /// Takes style, height, width factor and slant for new texts from the drawing's settings.
   void setTextDefaults(OdDbDatabase* database);
 
-  /// The box around its strokes; eNotApplicable for a text without any.
-  OdResult getGeomExtents(OdGeExtents3d& extents) const override;
   [[nodiscard]] std::size_t approximateSize() const override;
 
  protected:
@@ -89,7 +85,6 @@ class OdDbText : public OdDbThick<OdDbEntity> {
   OdString m_text;
   OdGePoint3d m_position;
   OdGePoint3d m_alignment;
-  OdDbObjectId m_style;
   double m_height = 2.5;
   double m_rotation = 0.0;
   double m_widthFactor = 1.0;

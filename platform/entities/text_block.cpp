@@ -1,7 +1,7 @@
 // A block of text with formats, laid out in lines.
 //
 // The contents are read once. Characters gather in a run that ends where the format changes, at a
-// space, or at the end of a line; a run goes to the present line when it is done. Words are runs
+// space, or at the end of a line; a run that is done joins the present line. Words are runs
 // without spaces, so a line breaks before a word that would pass the width. Groups keep a stack of
 // formats. The cost is linear in the contents.
 #include "platform/entities/text_block.h"

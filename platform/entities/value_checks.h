@@ -24,11 +24,11 @@ constexpr auto oddbIsNormal = [](const OdGeVector3d& normal) {
 /// Raises eInvalidInput naming what, the value and the entity.
 [[noreturn]] void oddbRaiseValue(const OdDbEntity* entity, const char* what, double value);
 
-/// The value when it passes the check; raises otherwise. A point is refused by its first coordinate
-/// that is not finite.
-template <class Check>
-double oddbChecked(const OdDbEntity* entity, const char* what, double value, const Check& check) {
-  if (!check(value)) oddbRaiseValue(entity, what, value);
+/// The value, a number or an enumerator, when it passes the check; raises otherwise. A point is
+/// refused by its first coordinate that is not finite.
+template <class Value, class Check>
+Value oddbChecked(const OdDbEntity* entity, const char* what, Value value, const Check& check) {
+  if (!check(value)) oddbRaiseValue(entity, what, static_cast<double>(value));
   return value;
 }
 const OdGePoint3d& oddbChecked(const OdDbEntity* entity, const char* what,

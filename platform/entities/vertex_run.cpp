@@ -1,4 +1,9 @@
 // OdDbVertexRun: what light-weight and 2D polylines share.
+//
+// Most runs have neither arcs nor widths. Their lists of bulges and widths are empty, which means
+// that all are 0. The invariant: a list is either empty or has one bulge, or two widths, for each
+// vertex. An edit that needs the numbers opens the list, which fills it with zeros, and closes it
+// again when all of them are 0; equal runs so have equal records.
 #include "platform/entities/vertex_run.h"
 
 #include <algorithm>
@@ -30,7 +35,7 @@ bool OdDbVertexRun::listsFit() const {
          (m_widths.isEmpty() || m_widths.size() == 2 * count);
 }
 
-// Lists that are empty, since all their numbers are 0, get the zeros that they stand for.
+// Lists that are empty, since all their numbers are 0, get those zeros.
 void OdDbVertexRun::openLists(bool forBulges, bool forWidths) {
   if (forBulges && m_bulges.isEmpty()) m_bulges.resize(m_points.size(), 0.0);
   if (forWidths && m_widths.isEmpty()) m_widths.resize(2 * m_points.size(), 0.0);

@@ -6,7 +6,6 @@
 
 #include "platform/base/error.h"
 #include "platform/db/field_list.h"
-#include "platform/db/filing_macros.h"
 #include "platform/ge/finite.h"
 
 OD_RX_DEFINE_DB(OdDbViewport, OdDbEntity, L"OdDbViewport", 0, 0, 0, L"VIEWPORT", OdString())

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/db/entity.h"
+#include "platform/db/filing_macros.h"
 #include "platform/ge/point2d.h"
 
 /// A rectangle on paper and the view that it shows. Paper lengths are in paper units; the view is
@@ -43,20 +44,12 @@ class OdDbViewport : public OdDbEntity {
   void setOn(bool on);
 
   OdResult getGeomExtents(OdGeExtents3d& extents) const override;
-  OdResult dwgInFields(OdDbDwgFiler* filer) override;
-  void dwgOutFields(OdDbDwgFiler* filer) const override;
-  OdResult dxfInFields(OdDbDxfFiler* filer) override;
-  void dxfOutFields(OdDbDxfFiler* filer) const override;
 
  protected:
   /// Moves, turns and scales the rectangle on paper; the view stays.
   OdResult subTransformBy(const OdGeMatrix3d& transform) override;
 
  private:
-  friend struct OdDbFieldFiling;
-  template <class Fields, class Self>
-  static void fields(Fields& fields, Self& self);
-
   OdGePoint3d m_center;
   OdGePoint3d m_viewTarget;
   OdGeVector3d m_viewDirection = OdGeVector3d::kZAxis;
@@ -67,5 +60,7 @@ class OdDbViewport : public OdDbEntity {
   double m_twist = 0.0;
   OdInt16 m_number = 0;
   bool m_on = true;
+
+  OD_DB_DECLARE_FILING()
 };
 using OdDbViewportPtr = OdSmartPtr<OdDbViewport>;

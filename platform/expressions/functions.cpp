@@ -56,7 +56,6 @@ double ceilOf(double x) noexcept { return std::ceil(snappedToWhole(x)); }
 double truncOf(double x) noexcept { return std::trunc(snappedToWhole(x)); }
 
 constexpr UnaryFunction kNoUnary = nullptr;
-constexpr BinaryFunction kNoBinary = nullptr;
 
 using Rule = FunctionRule;
 

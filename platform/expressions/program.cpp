@@ -1,4 +1,8 @@
 // Programs: evaluation and the reasons of failures.
+//
+// Evaluation keeps nothing that could explain a failure: it is what runs for every variable. Who
+// asks for a reason has the program run a second time, up to the instruction that fails, and reads
+// the operands of that instruction.
 #include "platform/expressions/program.h"
 
 #include <algorithm>

@@ -138,15 +138,15 @@ long double Scanner::preciseNumber() const {
   OdUInt64 digits = 0;
   int digitCount = 0;
   int power = 0;
-  bool isBehindPoint = false;
+  bool isAfterPoint = false;
   for (const wchar_t ch : word()) {
     if (ch == L'.') {
-      isBehindPoint = true;
+      isAfterPoint = true;
       continue;
     }
     if (!isDigit(ch) || (digits != 0 && ++digitCount == kMostDigits)) return m_number;
     digits = digits * 10 + static_cast<OdUInt64>(ch - L'0');
-    if (isBehindPoint && ++power > kMostPowers) return m_number;
+    if (isAfterPoint && ++power > kMostPowers) return m_number;
   }
   long double scale = 1.0L;
   for (int i = 0; i < power; ++i) scale *= 10.0L;

@@ -1,8 +1,14 @@
 // The parser.
+//
+// Code comes out in the order of the text, for a machine whose registers are a stack. A branch or
+// the right side of `and` is code that may be jumped over; what it computes must be where the other
+// way leaves its value. So both ways put their values into the same register before they meet:
+// inRegister() and release() around the jumps see to it.
 #include "platform/expressions/text_parser.h"
 
 #include <string>
 
+#include "platform/base/non_copyable.h"
 #include "platform/expressions/unit_library.h"
 #include "platform/expressions/words.h"
 
@@ -52,7 +58,7 @@ const TextParser::Operator* TextParser::operatorAt() const {
 // ---- Depth
 
 /// Counts the open recursions.
-class TextParser::Depth {
+class TextParser::Depth : OdNonCopyable {
  public:
   explicit Depth(TextParser& parser) : m_parser(parser) {
     if (m_parser.m_depth == kMaxDepth) {
@@ -65,8 +71,6 @@ class TextParser::Depth {
     ++m_parser.m_depth;
   }
   ~Depth() { --m_parser.m_depth; }
-  Depth(const Depth&) = delete;
-  Depth& operator=(const Depth&) = delete;
 
  private:
   TextParser& m_parser;

@@ -14,6 +14,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "platform/base/non_copyable.h"
 #include "platform/base/string.h"
 
 namespace OdExpression {
@@ -106,7 +107,7 @@ std::optional<Unit> unitOf(const Parts& parts) {
   return unit;
 }
 
-class Library {
+class Library : OdNonCopyable {
  public:
   Library() {
     ut_set_error_message_handler(ut_ignore);
@@ -122,8 +123,6 @@ class Library {
     for (ut_unit* base : m_bases) ut_free(base);
     ut_free_system(m_system);
   }
-  Library(const Library&) = delete;
-  Library& operator=(const Library&) = delete;
 
   std::optional<Unit> find(std::wstring_view word) {
     const std::lock_guard lock(m_mutex);

@@ -50,9 +50,11 @@ constexpr CodeRange kCodes[] = {
     {1070, 1070, Kind::kInt16},  {1071, 1071, Kind::kInt32},
 };
 
-constexpr const char* kKindNames[] = {"nothing", "string", "bool",      "int8",
-                                      "int16",   "int32",  "int64",     "double",
-                                      "point",   "handle", "object id", "binary"};
+constexpr const char* kKindNames[] = {
+    "nothing",
+#define OD_RES_BUF_VALUE(Held, Name, Type, Result, Argument, text) text,
+#include "platform/filer/res_buf_rows.inc"
+};
 
 const char* nameOf(Kind kind) { return kKindNames[static_cast<std::size_t>(kind)]; }
 
@@ -118,10 +120,15 @@ OdResBufPtr OdResBuf::newRb(int code) {
   return buffer;
 }
 
-OdResBufPtr OdResBuf::newRb(int code, const OdString& value) {
+template <class T>
+OdResBufPtr OdResBuf::made(int code, Kind kind, const T& value) {
   OdResBufPtr buffer = newRb(code);
-  buffer->setString(value);
+  buffer->put(kind, value);
   return buffer;
+}
+
+OdResBufPtr OdResBuf::newRb(int code, const OdString& value) {
+  return made(code, Kind::kString, value);
 }
 
 // A whole number is stored in every numeric kind that can hold it.
@@ -149,28 +156,18 @@ OdResBufPtr OdResBuf::newRb(int code, OdInt32 value) {
   return buffer;
 }
 
-OdResBufPtr OdResBuf::newRb(int code, double value) {
-  OdResBufPtr buffer = newRb(code);
-  buffer->setDouble(value);
-  return buffer;
-}
+OdResBufPtr OdResBuf::newRb(int code, double value) { return made(code, Kind::kDouble, value); }
 
 OdResBufPtr OdResBuf::newRb(int code, const OdGePoint3d& value) {
-  OdResBufPtr buffer = newRb(code);
-  buffer->setPoint3d(value);
-  return buffer;
+  return made(code, Kind::kPoint, value);
 }
 
 OdResBufPtr OdResBuf::newRb(int code, const OdDbHandle& value) {
-  OdResBufPtr buffer = newRb(code);
-  buffer->setHandle(value);
-  return buffer;
+  return made(code, Kind::kHandle, value);
 }
 
 OdResBufPtr OdResBuf::newRb(int code, const OdDbObjectId& value) {
-  OdResBufPtr buffer = newRb(code);
-  buffer->setObjectId(value);
-  return buffer;
+  return made(code, Kind::kObjectId, value);
 }
 
 void OdResBuf::setRestype(int code) {
@@ -192,7 +189,7 @@ OdResBuf* OdResBuf::setNext(const OdResBuf* next) {
   for (const OdResBuf* element = next; element != nullptr; element = element->m_next.get()) {
     if (element == this) {
       throw OdError(eCircularReference,
-                    OdString("the chain behind code " + std::to_string(next->m_code) +
+                    OdString("the chain after code " + std::to_string(next->m_code) +
                              " holds the buffer with code " + std::to_string(m_code)));
     }
   }
@@ -242,39 +239,11 @@ void OdResBuf::fillEmpty() {
   switch (kindOf(m_code)) {
     case Kind::kNone:
       break;
-    case Kind::kString:
-      m_value = OdString();
-      break;
-    case Kind::kBool:
-      m_value = false;
-      break;
-    case Kind::kInt8:
-      m_value = OdInt8{0};
-      break;
-    case Kind::kInt16:
-      m_value = OdInt16{0};
-      break;
-    case Kind::kInt32:
-      m_value = OdInt32{0};
-      break;
-    case Kind::kInt64:
-      m_value = OdInt64{0};
-      break;
-    case Kind::kDouble:
-      m_value = 0.0;
-      break;
-    case Kind::kPoint:
-      m_value = OdGePoint3d();
-      break;
-    case Kind::kHandle:
-      m_value = OdDbHandle();
-      break;
-    case Kind::kObjectId:
-      m_value = OdDbObjectId();
-      break;
-    case Kind::kBinary:
-      m_value = OdBinaryData();
-      break;
+#define OD_RES_BUF_VALUE(Held, Name, Type, Result, Argument, text) \
+  case Kind::k##Held:                                              \
+    m_value = Type();                                              \
+    break;
+#include "platform/filer/res_buf_rows.inc"
   }
 }
 
@@ -292,28 +261,10 @@ void OdResBuf::put(Kind kind, const T& value) {
   m_value = value;
 }
 
-OdString OdResBuf::getString() const { return get<OdString>(Kind::kString); }
-void OdResBuf::setString(const OdString& value) { put(Kind::kString, value); }
-bool OdResBuf::getBool() const { return get<bool>(Kind::kBool); }
-void OdResBuf::setBool(bool value) { put(Kind::kBool, value); }
-OdInt8 OdResBuf::getInt8() const { return get<OdInt8>(Kind::kInt8); }
-void OdResBuf::setInt8(OdInt8 value) { put(Kind::kInt8, value); }
-OdInt16 OdResBuf::getInt16() const { return get<OdInt16>(Kind::kInt16); }
-void OdResBuf::setInt16(OdInt16 value) { put(Kind::kInt16, value); }
-OdInt32 OdResBuf::getInt32() const { return get<OdInt32>(Kind::kInt32); }
-void OdResBuf::setInt32(OdInt32 value) { put(Kind::kInt32, value); }
-OdInt64 OdResBuf::getInt64() const { return get<OdInt64>(Kind::kInt64); }
-void OdResBuf::setInt64(OdInt64 value) { put(Kind::kInt64, value); }
-double OdResBuf::getDouble() const { return get<double>(Kind::kDouble); }
-void OdResBuf::setDouble(double value) { put(Kind::kDouble, value); }
-OdGePoint3d OdResBuf::getPoint3d() const { return get<OdGePoint3d>(Kind::kPoint); }
-void OdResBuf::setPoint3d(const OdGePoint3d& value) { put(Kind::kPoint, value); }
-OdDbHandle OdResBuf::getHandle() const { return get<OdDbHandle>(Kind::kHandle); }
-void OdResBuf::setHandle(const OdDbHandle& value) { put(Kind::kHandle, value); }
-OdDbObjectId OdResBuf::getObjectId() const { return get<OdDbObjectId>(Kind::kObjectId); }
-void OdResBuf::setObjectId(const OdDbObjectId& value) { put(Kind::kObjectId, value); }
-const OdBinaryData& OdResBuf::getBinaryChunk() const { return get<OdBinaryData>(Kind::kBinary); }
-void OdResBuf::setBinaryChunk(const OdBinaryData& value) { put(Kind::kBinary, value); }
+#define OD_RES_BUF_VALUE(Held, Name, Type, Result, Argument, text)        \
+  Result OdResBuf::get##Name() const { return get<Type>(Kind::k##Held); } \
+  void OdResBuf::set##Name(Argument value) { put<Type>(Kind::k##Held, value); }
+#include "platform/filer/res_buf_rows.inc"
 
 // ---- Filing
 //
@@ -326,20 +277,10 @@ void OdResBuf::dwgOutValue(OdDbDwgFiler* filer) const {
   switch (kindOf(m_code)) {
     case Kind::kNone:
       raiseKind(m_code, "a value to file");
-    case Kind::kString:
-      return filer->wrString(getString());
-    case Kind::kBool:
-      return filer->wrBool(getBool());
-    case Kind::kInt8:
-      return filer->wrInt8(getInt8());
-    case Kind::kInt16:
-      return filer->wrInt16(getInt16());
-    case Kind::kInt32:
-      return filer->wrInt32(getInt32());
-    case Kind::kInt64:
-      return filer->wrInt64(getInt64());
-    case Kind::kDouble:
-      return filer->wrDouble(getDouble());
+#define OD_RES_BUF_PRIMITIVE(Name, Type, Argument, text) \
+  case Kind::k##Name:                                    \
+    return filer->wr##Name(get##Name());
+#include "platform/filer/res_buf_rows.inc"
     case Kind::kPoint:
       return filer->wrPoint3d(getPoint3d());
     case Kind::kHandle:
@@ -359,20 +300,10 @@ void OdResBuf::dwgInValue(OdDbDwgFiler* filer) {
   switch (kindOf(m_code)) {
     case Kind::kNone:
       throw OdError(eCorruptData, OdString("code " + std::to_string(m_code) + " of a chain"));
-    case Kind::kString:
-      return setString(filer->rdString());
-    case Kind::kBool:
-      return setBool(filer->rdBool());
-    case Kind::kInt8:
-      return setInt8(filer->rdInt8());
-    case Kind::kInt16:
-      return setInt16(filer->rdInt16());
-    case Kind::kInt32:
-      return setInt32(filer->rdInt32());
-    case Kind::kInt64:
-      return setInt64(filer->rdInt64());
-    case Kind::kDouble:
-      return setDouble(filer->rdDouble());
+#define OD_RES_BUF_PRIMITIVE(Name, Type, Argument, text) \
+  case Kind::k##Name:                                    \
+    return set##Name(filer->rd##Name());
+#include "platform/filer/res_buf_rows.inc"
     case Kind::kPoint:
       return setPoint3d(filer->rdPoint3d());
     case Kind::kHandle:

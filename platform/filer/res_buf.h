@@ -40,17 +40,8 @@ class OdResBuf : public OdRxObject {
   /// What a code holds.
   enum class Kind : OdUInt8 {
     kNone,
-    kString,
-    kBool,
-    kInt8,
-    kInt16,
-    kInt32,
-    kInt64,
-    kDouble,
-    kPoint,
-    kHandle,
-    kObjectId,
-    kBinary
+#define OD_RES_BUF_VALUE(Held, Name, Type, Result, Argument, text) k##Held,
+#include "platform/filer/res_buf_rows.inc"
   };
 
   OdResBuf();
@@ -79,28 +70,12 @@ class OdResBuf : public OdRxObject {
   [[nodiscard]] OdResBufPtr copyChain() const;
   [[nodiscard]] bool valueEquals(const OdResBuf& other) const;
 
-  [[nodiscard]] OdString getString() const;
-  void setString(const OdString& value);
-  [[nodiscard]] bool getBool() const;
-  void setBool(bool value);
-  [[nodiscard]] OdInt8 getInt8() const;
-  void setInt8(OdInt8 value);
-  [[nodiscard]] OdInt16 getInt16() const;
-  void setInt16(OdInt16 value);
-  [[nodiscard]] OdInt32 getInt32() const;
-  void setInt32(OdInt32 value);
-  [[nodiscard]] OdInt64 getInt64() const;
-  void setInt64(OdInt64 value);
-  [[nodiscard]] double getDouble() const;
-  void setDouble(double value);
-  [[nodiscard]] OdGePoint3d getPoint3d() const;
-  void setPoint3d(const OdGePoint3d& value);
-  [[nodiscard]] OdDbHandle getHandle() const;
-  void setHandle(const OdDbHandle& value);
-  [[nodiscard]] OdDbObjectId getObjectId() const;
-  void setObjectId(const OdDbObjectId& value);
-  [[nodiscard]] const OdBinaryData& getBinaryChunk() const;
-  void setBinaryChunk(const OdBinaryData& value);
+  // The accessors of each kind, such as `OdString getString() const` and
+  // `void setString(const OdString& value)`.
+#define OD_RES_BUF_VALUE(Held, Name, Type, Result, Argument, text) \
+  [[nodiscard]] Result get##Name() const;                          \
+  void set##Name(Argument value);
+#include "platform/filer/res_buf_rows.inc"
 
   /// How an object id under a code refers: 340 to 349, 390 to 399 and 480 to 489 hard pointer, 350
   /// to 359 soft owner, 360 to 369 hard owner; soft pointer for every other code of ids.
@@ -113,8 +88,12 @@ class OdResBuf : public OdRxObject {
   static OdResBufPtr dwgInChain(OdDbDwgFiler* filer);
 
  private:
-  using Value = std::variant<std::monostate, OdString, bool, OdInt8, OdInt16, OdInt32, OdInt64,
-                             double, OdGePoint3d, OdDbHandle, OdDbObjectId, OdBinaryData>;
+  using Value = std::variant<std::monostate
+#define OD_RES_BUF_VALUE(Held, Name, Type, Result, Argument, text) , Type
+#include "platform/filer/res_buf_rows.inc"
+                             >;
+  template <class T>
+  static OdResBufPtr made(int code, Kind kind, const T& value);
   template <class T>
   const T& get(Kind kind) const;
   template <class T>

@@ -4,6 +4,7 @@
 #include <array>
 #include <span>
 
+#include "platform/base/non_copyable.h"
 #include "platform/base/string.h"
 #include "platform/ge/matrix3d.h"
 #include "platform/ge/point3d.h"
@@ -66,15 +67,13 @@ class OdGiWorldGeometry {
 };
 
 /// Guard of a pushed transform.
-class OdGiModelTransformGuard {
+class OdGiModelTransformGuard : OdNonCopyable {
  public:
   OdGiModelTransformGuard(OdGiWorldGeometry& geometry, const OdGeMatrix3d& toOuter)
       : m_geometry(geometry) {
     m_geometry.pushModelTransform(toOuter);
   }
   ~OdGiModelTransformGuard() { m_geometry.popModelTransform(); }
-  OdGiModelTransformGuard(const OdGiModelTransformGuard&) = delete;
-  OdGiModelTransformGuard& operator=(const OdGiModelTransformGuard&) = delete;
 
  private:
   OdGiWorldGeometry& m_geometry;

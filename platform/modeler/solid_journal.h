@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "platform/base/non_copyable.h"
 #include "platform/base/types.h"
 #include "platform/filer/object_id.h"
 #include "platform/ge/matrix3d.h"
@@ -44,12 +45,10 @@ struct OdSolidChange {
 ///
 /// Lives on the stack of one thread; journals end in reverse order of their beginning. A journal
 /// keeps alive the bodies that it names.
-class OdSolidJournal {
+class OdSolidJournal : OdNonCopyable {
  public:
   OdSolidJournal();
   ~OdSolidJournal();
-  OdSolidJournal(const OdSolidJournal&) = delete;
-  OdSolidJournal& operator=(const OdSolidJournal&) = delete;
 
   /// The innermost journal of this thread; null when there is none.
   static OdSolidJournal* current();

@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/base/non_copyable.h"
 #include "platform/base/types.h"
 
 namespace od_occt {
@@ -50,11 +51,9 @@ struct StepRepeated {
 /// valid as long as this object.
 ///
 /// One pass over the text; memory is the text and about forty bytes for each instance.
-class StepText {
+class StepText : OdNonCopyable {
  public:
   explicit StepText(std::string text);
-  StepText(const StepText&) = delete;
-  StepText& operator=(const StepText&) = delete;
 
   [[nodiscard]] std::string_view text() const { return m_text; }
   [[nodiscard]] std::span<const StepInstance> header() const { return m_header; }

@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+#include "platform/base/non_copyable.h"
 #include "platform/base/work_death.h"
 #include "platform/modeler_wall/wall_channel.h"
 
@@ -19,12 +20,10 @@ using MakeAnswer = std::function<Answer()>;
 
 /// A work board in memory that processes forked from here on share. Raises OdError eModelerError
 /// when there is none to be had.
-class SharedBoard {
+class SharedBoard : OdNonCopyable {
  public:
   SharedBoard();
   ~SharedBoard();
-  SharedBoard(const SharedBoard&) = delete;
-  SharedBoard& operator=(const SharedBoard&) = delete;
   [[nodiscard]] OdWorkBoard* get() const { return m_board; }
   OdWorkBoard* operator->() const { return m_board; }
 
@@ -41,13 +40,11 @@ class SharedBoard {
 /// taken for an answer of the next. Both end when the host does, since their channels close.
 ///
 /// Nothing here waits without end, whether a worker or the keeper is dead, busy or stopped.
-class WallWorker {
+class WallWorker : OdNonCopyable {
  public:
   /// Raises OdError eModelerError when there are no processes or channels to be had.
   explicit WallWorker(const MakeAnswer& makeAnswer);
   ~WallWorker();
-  WallWorker(const WallWorker&) = delete;
-  WallWorker& operator=(const WallWorker&) = delete;
 
   /// True when the next request would be the first one of its worker.
   [[nodiscard]] bool isNew() const { return !m_channel.isOpen(); }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/base/non_copyable.h"
 #include "platform/db/record_store.h"
 #include "platform/storage/file_ops.h"
 #include "platform/storage/sqlite_connection.h"
@@ -26,13 +27,11 @@ enum class TargetLock {
 
 /// A temporary file in the folder of its target. Until replaceTarget returns, the target is as it
 /// was; the destructor removes a temporary file that did not take its place.
-class FileReplacement {
+class FileReplacement : OdNonCopyable {
  public:
   /// `target` is an absolute path without symbolic links.
   FileReplacement(std::shared_ptr<const StoreEnvironment> environment, std::string target);
   ~FileReplacement();
-  FileReplacement(const FileReplacement&) = delete;
-  FileReplacement& operator=(const FileReplacement&) = delete;
 
   [[nodiscard]] const std::string& temporary() const { return m_temporary; }
 

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "platform/base/non_copyable.h"
 #include "platform/storage/bytes.h"
 #include "platform/storage/status.h"
 
@@ -26,7 +27,7 @@ constexpr std::size_t kTrailerBytes = 16;
 /// What a message shows of the name.
 constexpr std::size_t kShownNameBytes = 200;
 
-class OpenFile {
+class OpenFile : OdNonCopyable {
  public:
   /// Links are not followed, and a pipe does not make the program wait.
   explicit OpenFile(const std::string& path)
@@ -34,8 +35,6 @@ class OpenFile {
   ~OpenFile() {
     if (m_fd >= 0) ::close(m_fd);
   }
-  OpenFile(const OpenFile&) = delete;
-  OpenFile& operator=(const OpenFile&) = delete;
 
   [[nodiscard]] bool isOpen() const { return m_fd >= 0; }
   [[nodiscard]] bool read(void* target, std::size_t size, off_t offset) const {

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/base/non_copyable.h"
 #include "platform/db/record_store.h"
 
 namespace odstorage {
@@ -53,12 +54,10 @@ class Statement {
 };
 
 /// Resets a statement when the scope ends, so that no read lock outlives the call.
-class StatementScope {
+class StatementScope : OdNonCopyable {
  public:
   explicit StatementScope(Statement& statement) : m_statement(statement) {}
   ~StatementScope() { m_statement.reset(); }
-  StatementScope(const StatementScope&) = delete;
-  StatementScope& operator=(const StatementScope&) = delete;
 
  private:
   Statement& m_statement;
