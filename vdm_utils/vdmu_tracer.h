@@ -8,6 +8,7 @@
 #include "platform/base/array.h"
 #include "platform/base/export.h"
 #include "platform/base/handle.h"
+#include "platform/base/non_copyable.h"
 #include "platform/base/result.h"
 #include "platform/base/string.h"
 #include "platform/rx/rx_object.h"
@@ -17,14 +18,12 @@
 /// Off, as at first, it builds nothing. What can be put in: texts, numbers, handles, results,
 /// object ids (as handles), run-time objects (as class names), points and vectors, and arrays of
 /// these.
-class OD_API VdmuTracer {
+class OD_API VdmuTracer : OdNonCopyable {
  public:
   using Sink = std::function<void(const OdString& line)>;
 
   VdmuTracer();
   ~VdmuTracer();
-  VdmuTracer(const VdmuTracer&) = delete;
-  VdmuTracer& operator=(const VdmuTracer&) = delete;
 
   static bool isEnabled() noexcept;
   /// Lines of all threads go to the sink, one at a time; an empty sink switches tracing off. A sink
@@ -95,12 +94,10 @@ class OD_API VdmuTracer {
 };
 
 /// Indents the lines of this thread by two more characters while it lives.
-class OD_API VdmuTraceIndenter {
+class OD_API VdmuTraceIndenter : OdNonCopyable {
  public:
   VdmuTraceIndenter() noexcept;
   /// Traces `title` first, as the heading of the indented lines.
   explicit VdmuTraceIndenter(const OdString& title);
   ~VdmuTraceIndenter();
-  VdmuTraceIndenter(const VdmuTraceIndenter&) = delete;
-  VdmuTraceIndenter& operator=(const VdmuTraceIndenter&) = delete;
 };

@@ -46,24 +46,13 @@ OdResult VdmAssocUtils::getAcisEntsFSP(const OdArray<OdDbFullSubentPath>& paths,
   return call(g_methods.getAcisEntsFSP, paths, result);
 }
 
-void VdmAssocUtils::setImplSwapAssocHandles(SwapAssocHandles method) {
-  g_methods.swapAssocHandles = method;
-}
-void VdmAssocUtils::setImplMarkTrackingEnts(MarkTrackingEnts method) {
-  g_methods.markTrackingEnts = method;
-}
-void VdmAssocUtils::setImplMarkTrackingEntsByIds(MarkTrackingEntsByIds method) {
-  g_methods.markTrackingEntsByIds = method;
-}
-void VdmAssocUtils::setImplSectionAttrMethod(SetSectionAttr method) {
-  g_methods.setSectionAttr = method;
-}
-void VdmAssocUtils::setImplTransformAcisDepToVdmMethod(TransformAcisDepToVdm method) {
-  g_methods.transformAcisDepToVdm = method;
-}
-void VdmAssocUtils::setImplHandleAttrByFSPMethod(SetHandleAttrByFSP method) {
-  g_methods.setHandleAttrByFSP = method;
-}
-void VdmAssocUtils::setImplGetAcisEntsFSPMethod(GetAcisEntsFSP method) {
-  g_methods.getAcisEntsFSP = method;
-}
+#define VDM_ASSOC_SETTER(setter, Method, slot) \
+  void VdmAssocUtils::setter(Method method) { g_methods.slot = method; }
+VDM_ASSOC_SETTER(setImplSwapAssocHandles, SwapAssocHandles, swapAssocHandles)
+VDM_ASSOC_SETTER(setImplMarkTrackingEnts, MarkTrackingEnts, markTrackingEnts)
+VDM_ASSOC_SETTER(setImplMarkTrackingEntsByIds, MarkTrackingEntsByIds, markTrackingEntsByIds)
+VDM_ASSOC_SETTER(setImplSectionAttrMethod, SetSectionAttr, setSectionAttr)
+VDM_ASSOC_SETTER(setImplTransformAcisDepToVdmMethod, TransformAcisDepToVdm, transformAcisDepToVdm)
+VDM_ASSOC_SETTER(setImplHandleAttrByFSPMethod, SetHandleAttrByFSP, setHandleAttrByFSP)
+VDM_ASSOC_SETTER(setImplGetAcisEntsFSPMethod, GetAcisEntsFSP, getAcisEntsFSP)
+#undef VDM_ASSOC_SETTER

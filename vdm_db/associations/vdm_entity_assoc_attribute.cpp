@@ -76,7 +76,8 @@ OdResult EntityAssocAttribute::convertFromResBuf(OdResBuf* chain) {
 // ---- At the entity
 
 EntityAssocAttributePtr EntityAssocAttribute::readAttributeFromEntity(
-    OdString className, const OdSmartPtr<OdDbEntity>& entity) {
+    OdString className,  // NOLINT(performance-unnecessary-value-param): the interface has it so
+    const OdSmartPtr<OdDbEntity>& entity) {
   if (entity.isNull()) return {};
   const OdResBufPtr data = entity->xData(kVdmAssoc);
   if (data.isNull()) return {};

@@ -1,4 +1,9 @@
 // Features that switch entities off by a frozen layer.
+//
+// Switching off moves the entities to that layer and notes where each was; switching on moves them
+// back and forgets the notes. An entity that is on the layer already keeps its note, so that
+// switching off twice loses nothing. One entity that cannot be moved does not keep the others from
+// being moved.
 #include "vdm_db/concrete_features/vdm_suppress_feature.h"
 
 #include <algorithm>

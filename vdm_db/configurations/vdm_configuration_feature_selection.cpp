@@ -7,6 +7,7 @@
 // writes a row, so that one edit makes one selection.
 #include <utility>
 
+#include "platform/base/non_copyable.h"
 #include "vdm_db/configurations/vdm_cell_number.h"
 #include "vdm_db/configurations/vdm_configuration_feature.h"
 #include "vdm_db/configurations/vdm_configuration_results.h"
@@ -19,14 +20,12 @@ bool isSame(const OdString& a, const OdString& b) { return odStrICmp(a, b) == 0;
 }  // namespace
 
 /// The feature is deaf while this lives.
-class VdmConfigurationFeature::Applying {
+class VdmConfigurationFeature::Applying : OdNonCopyable {
  public:
   explicit Applying(bool& isApplying) : m_isApplying(isApplying), m_before(isApplying) {
     m_isApplying = true;
   }
   ~Applying() { m_isApplying = m_before; }
-  Applying(const Applying&) = delete;
-  Applying& operator=(const Applying&) = delete;
 
  private:
   bool& m_isApplying;

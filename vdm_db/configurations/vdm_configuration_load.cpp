@@ -51,7 +51,7 @@ class Loader {
   }
 
  private:
-  const OdString& at(OdUInt32 row, OdUInt32 column) const {
+  [[nodiscard]] const OdString& at(OdUInt32 row, OdUInt32 column) const {
     return m_sheet[(row - 1) * m_columns + column - 1];
   }
 

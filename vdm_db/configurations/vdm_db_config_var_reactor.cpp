@@ -14,6 +14,7 @@
 #include "platform/assoc/assoc_network.h"
 #include "platform/assoc/assoc_variable.h"
 #include "platform/base/case_compare.h"
+#include "platform/base/non_copyable.h"
 #include "vdm_db/common/vdm_class_registration.h"
 #include "vdm_db/configurations/vdm_configuration_feature.h"
 #include "vdm_db/configurations/vdm_configuration_results.h"
@@ -78,27 +79,14 @@ OdDbObjectIdArray VdmDbConfigVarReactorImpl::getDependentVariables(
   return getVariables(reactor);
 }
 
-VdmDbConfigVarReactor::VdmDbConfigVarReactor()
-    : VdmDbFeatureReactor(std::make_unique<VdmDbConfigVarReactorImpl>()) {}
-
-const VdmDbConfigVarReactorImpl& VdmDbConfigVarReactor::stateForRead() const {
-  return static_cast<const VdmDbConfigVarReactorImpl&>(implForRead());
-}
-
-VdmDbConfigVarReactorImpl& VdmDbConfigVarReactor::stateForWrite() {
-  return static_cast<VdmDbConfigVarReactorImpl&>(implForWrite());
-}
-
 /// The link is deaf while this lives.
-class VdmDbConfigVarReactor::Writing {
+class VdmDbConfigVarReactor::Writing : OdNonCopyable {
  public:
   explicit Writing(const VdmDbConfigVarReactor& link)
-      : m_link(&link), m_isWriting(static_cast<VdmDbConfigVarReactorImpl&>(link.impl()).isWriting) {
+      : m_link(&link), m_isWriting(link.state().isWriting) {
     m_before = std::exchange(m_isWriting, true);
   }
   ~Writing() { m_isWriting = m_before; }
-  Writing(const Writing&) = delete;
-  Writing& operator=(const Writing&) = delete;
 
  private:
   OdSmartPtr<const VdmDbConfigVarReactor> m_link;

@@ -48,11 +48,10 @@ class VDM_DB_EXPORT VdmDbConfigVarReactorImpl : public VdmDbFeatureReactorImpl {
 ///    variable becomes out of date.
 /// 3. A link whose variable does not have it among its persistent reactors, as after a copy of the
 ///    feature without the variable, has no variable.
-class VDM_DB_EXPORT VdmDbConfigVarReactor : public VdmDbFeatureReactor {
+class VDM_DB_EXPORT VdmDbConfigVarReactor
+    : public VdmDbFeatureReactorOf<VdmDbConfigVarReactorImpl> {
  public:
   OD_RX_DECLARE_MEMBERS(VdmDbConfigVarReactor)
-
-  VdmDbConfigVarReactor();
 
   /// Links to the variable of that name in the block. 417 when there is none, 5 when `owner` is not
   /// the carrier that owns this object.
@@ -102,8 +101,6 @@ class VDM_DB_EXPORT VdmDbConfigVarReactor : public VdmDbFeatureReactor {
  private:
   class Writing;
 
-  [[nodiscard]] const VdmDbConfigVarReactorImpl& stateForRead() const;
-  VdmDbConfigVarReactorImpl& stateForWrite();
   [[nodiscard]] OdSmartPtr<OdDbAssocVariable> openVariable(OdDb::OpenMode mode) const;
   void attach(OdDbAssocVariable& variable, bool isKey, bool isString, bool deletesVariable);
   OdResult write(double number, const OdString& text);

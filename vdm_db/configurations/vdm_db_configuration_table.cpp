@@ -36,10 +36,7 @@ VdmDbConfigurationTable::VdmDbConfigurationTable() {
 
 VdmDbConfigurationTable::~VdmDbConfigurationTable() = default;
 
-const VdmConfigurationCells& VdmDbConfigurationTable::cells() const {
-  assertReadEnabled();
-  return m_cells;
-}
+const VdmConfigurationCells& VdmDbConfigurationTable::cells() const { return read(m_cells); }
 
 void VdmDbConfigurationTable::contentChanged() {
   m_keyOrder.reset();

@@ -170,7 +170,8 @@ OdDbDwgFiler* VdmDbConstraintManager::beginStep(UndoStep step) {
 void VdmDbConstraintManager::changeState(ConstraintManagerStatus status,
                                          const ModifiedObjects& added,
                                          const ModifiedObjects& removed) {
-  const ModifiedObjects gone = removed;  // may be the set itself
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): `removed` may be the set itself
+  const ModifiedObjects gone = removed;
   if (OdDbDwgFiler* filer = beginStep(kStateStep)) {
     filer->wrInt32(m_status);
     writeIds(filer, added);

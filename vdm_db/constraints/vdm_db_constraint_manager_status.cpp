@@ -31,8 +31,7 @@ void VdmDbConstraintManager::setStatus(ConstraintManagerStatus status) {
 }
 
 VdmDbConstraintManager::ConstraintManagerStatus VdmDbConstraintManager::getStatus() const {
-  assertReadEnabled();
-  return m_status;
+  return read(m_status);
 }
 
 void VdmDbConstraintManager::notifyConstraintModify(VdmConstraint* constraint,

@@ -1,6 +1,7 @@
 // VdmDbDatabaseTransaction: guard that rolls a drawing back.
 #pragma once
 
+#include "platform/base/non_copyable.h"
 #include "platform/base/types.h"
 #include "vdm_db/common/vdm_db_export.h"
 
@@ -16,12 +17,10 @@ class OdDbDatabase;
 ///
 /// With `keepViewport` a rollback keeps the rectangle and the view that the active viewport has at
 /// the end, so that the picture does not jump.
-class VDM_DB_EXPORT VdmDbDatabaseTransaction {
+class VDM_DB_EXPORT VdmDbDatabaseTransaction : OdNonCopyable {
  public:
   VdmDbDatabaseTransaction(OdDbDatabase* database, bool keepViewport, bool useUndo);
   ~VdmDbDatabaseTransaction();
-  VdmDbDatabaseTransaction(const VdmDbDatabaseTransaction&) = delete;
-  VdmDbDatabaseTransaction& operator=(const VdmDbDatabaseTransaction&) = delete;
 
   /// The changes stay.
   void setNoAbort() { m_abort = false; }

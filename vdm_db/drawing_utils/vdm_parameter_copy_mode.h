@@ -1,6 +1,7 @@
 // VdmParameterCopyModeElevate: the host's mode of copying parameters, for a scope.
 #pragma once
 
+#include "platform/base/non_copyable.h"
 #include "platform/base/types.h"
 #include "vdm_db/common/vdm_db_export.h"
 
@@ -11,12 +12,10 @@ namespace vdmu {
 /// Sets the parameter copy mode of the drawing's host services to 3 and puts the old one back at
 /// its end. Lives on the stack of its user, within the life of the drawing. Null is legal: nothing
 /// happens then.
-class VDM_DB_EXPORT VdmParameterCopyModeElevate {
+class VDM_DB_EXPORT VdmParameterCopyModeElevate : OdNonCopyable {
  public:
   explicit VdmParameterCopyModeElevate(OdDbDatabase* database);
   ~VdmParameterCopyModeElevate();
-  VdmParameterCopyModeElevate(const VdmParameterCopyModeElevate&) = delete;
-  VdmParameterCopyModeElevate& operator=(const VdmParameterCopyModeElevate&) = delete;
 
  private:
   OdInt16 m_previous = 0;

@@ -1,6 +1,7 @@
 // Blocks of external references.
 #include "vdm_db/drawing_utils/vdm_xref_utils.h"
 
+#include "platform/base/non_copyable.h"
 #include "platform/cloning/xref_man.h"
 #include "platform/db/database.h"
 #include "vdm_db/drawing_utils/undo_recording_off.h"
@@ -10,7 +11,7 @@ namespace {
 
 /// Turns the drawing's notifications about external references off and restores them at its end.
 /// Neither change is recorded for undo.
-class XrefNotificationsOff {
+class XrefNotificationsOff : OdNonCopyable {
  public:
   explicit XrefNotificationsOff(OdDbDatabase* database)
       : m_database(database), m_previous(database->getSysVar(kSetting)) {
@@ -19,8 +20,6 @@ class XrefNotificationsOff {
     set(off);
   }
   ~XrefNotificationsOff() { set(m_previous); }
-  XrefNotificationsOff(const XrefNotificationsOff&) = delete;
-  XrefNotificationsOff& operator=(const XrefNotificationsOff&) = delete;
 
  private:
   static constexpr const wchar_t* kSetting = L"XREFNOTIFY";

@@ -1,6 +1,7 @@
 // VdmDb3dSolidFeatureColoring: feature colours beyond drawing, and the blocks that show them.
 #pragma once
 
+#include "platform/base/non_copyable.h"
 #include "platform/filer/object_id.h"
 #include "vdm_db/common/vdm_db_export.h"
 
@@ -14,12 +15,10 @@ class VDM_DB_EXPORT VdmDb3dSolidFeatureColoring {
 
   /// Writes the feature colours into the solid while it lives: calls the overwrite hook when the
   /// solid is one that would be drawn in feature colours, and then the recover hook at its end.
-  class VDM_DB_EXPORT AutoApplyColor {
+  class VDM_DB_EXPORT AutoApplyColor : OdNonCopyable {
    public:
     explicit AutoApplyColor(const OdDbObjectId& solid);
     ~AutoApplyColor();
-    AutoApplyColor(const AutoApplyColor&) = delete;
-    AutoApplyColor& operator=(const AutoApplyColor&) = delete;
 
    private:
     OdDbObjectId m_id;

@@ -44,21 +44,6 @@ OdResult VdmDbExpressionReactorImpl::subErase(VdmDbFeatureReactor* reactor) {
   return eOk;
 }
 
-VdmDbExpressionReactor::VdmDbExpressionReactor()
-    : VdmDbFeatureReactor(std::make_unique<VdmDbExpressionReactorImpl>()) {}
-
-const VdmDbExpressionReactorImpl& VdmDbExpressionReactor::stateForRead() const {
-  return static_cast<const VdmDbExpressionReactorImpl&>(implForRead());
-}
-
-VdmDbExpressionReactorImpl& VdmDbExpressionReactor::stateForWrite() {
-  return static_cast<VdmDbExpressionReactorImpl&>(implForWrite());
-}
-
-VdmDbExpressionReactorImpl& VdmDbExpressionReactor::state() const {
-  return static_cast<VdmDbExpressionReactorImpl&>(impl());
-}
-
 // ---- The property
 
 void VdmDbExpressionReactor::setPropertyName(const OdString& property) {

@@ -38,11 +38,10 @@ class VDM_DB_EXPORT VdmDbExpressionReactorImpl : public VdmDbFeatureReactorImpl 
 /// the feature's block. It is a persistent reactor of that variable; when the value or the
 /// expression changes, the feature is called with onPropertyModified(), if the reactor reacts. The
 /// value is kept in any case.
-class VDM_DB_EXPORT VdmDbExpressionReactor : public VdmDbFeatureReactor {
+class VDM_DB_EXPORT VdmDbExpressionReactor
+    : public VdmDbFeatureReactorOf<VdmDbExpressionReactorImpl> {
  public:
   OD_RX_DECLARE_MEMBERS(VdmDbExpressionReactor)
-
-  VdmDbExpressionReactor();
 
   /// The property of the feature that the expression gives.
   void setPropertyName(const OdString& property);
@@ -78,9 +77,6 @@ class VDM_DB_EXPORT VdmDbExpressionReactor : public VdmDbFeatureReactor {
   void erased(const OdDbObject* object, bool erasing) override;
 
  private:
-  [[nodiscard]] const VdmDbExpressionReactorImpl& stateForRead() const;
-  VdmDbExpressionReactorImpl& stateForWrite();
-  [[nodiscard]] VdmDbExpressionReactorImpl& state() const;
   OdDbObjectId makeVariable();
   bool takeState(const OdDbAssocVariable& variable);
 };

@@ -41,17 +41,6 @@ OdResult VdmDbPersIdReactorImpl::subErase(VdmDbFeatureReactor* reactor) {
   return eOk;
 }
 
-VdmDbPersIdReactor::VdmDbPersIdReactor()
-    : VdmDbFeatureReactor(std::make_unique<VdmDbPersIdReactorImpl>()) {}
-
-const VdmDbPersIdReactorImpl& VdmDbPersIdReactor::stateForRead() const {
-  return static_cast<const VdmDbPersIdReactorImpl&>(implForRead());
-}
-
-VdmDbPersIdReactorImpl& VdmDbPersIdReactor::stateForWrite() {
-  return static_cast<VdmDbPersIdReactorImpl&>(implForWrite());
-}
-
 // ---- Mask and tag
 
 void VdmDbPersIdReactor::setMask(int mask) { stateForWrite().mask = mask; }

@@ -30,11 +30,9 @@ class VDM_DB_EXPORT VdmDbPersIdReactorImpl : public VdmBagWithIds<VdmDbFeatureRe
 /// reference it is; the tag is an exact number that distinguishes reactors of one kind. The carrier
 /// of the feature owns it. When its last dependency is erased it calls eraseReactor() of the
 /// feature and erases itself.
-class VDM_DB_EXPORT VdmDbPersIdReactor : public VdmDbFeatureReactor {
+class VDM_DB_EXPORT VdmDbPersIdReactor : public VdmDbFeatureReactorOf<VdmDbPersIdReactorImpl> {
  public:
   OD_RX_DECLARE_MEMBERS(VdmDbPersIdReactor)
-
-  VdmDbPersIdReactor();
 
   void setMask(int mask);
   /// True when the two masks have a bit in common, and for -1 always.
@@ -64,8 +62,6 @@ class VDM_DB_EXPORT VdmDbPersIdReactor : public VdmDbFeatureReactor {
   bool doAudit() override;
 
  private:
-  [[nodiscard]] const VdmDbPersIdReactorImpl& stateForRead() const;
-  VdmDbPersIdReactorImpl& stateForWrite();
   void loseLast();
 };
 using VdmDbPersIdReactorPtr = OdSmartPtr<VdmDbPersIdReactor>;

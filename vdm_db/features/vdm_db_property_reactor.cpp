@@ -49,17 +49,6 @@ OdResult VdmDbPropertyReactorImpl::subErase(VdmDbFeatureReactor* reactor) {
   return eOk;
 }
 
-VdmDbPropertyReactor::VdmDbPropertyReactor()
-    : VdmDbFeatureReactor(std::make_unique<VdmDbPropertyReactorImpl>()) {}
-
-const VdmDbPropertyReactorImpl& VdmDbPropertyReactor::stateForRead() const {
-  return static_cast<const VdmDbPropertyReactorImpl&>(implForRead());
-}
-
-VdmDbPropertyReactorImpl& VdmDbPropertyReactor::stateForWrite() {
-  return static_cast<VdmDbPropertyReactorImpl&>(implForWrite());
-}
-
 // ---- Bindings
 
 namespace {

@@ -29,11 +29,9 @@ class VDM_DB_EXPORT VdmDbPropertyReactorImpl : public VdmDbFeatureReactorImpl {
 /// variables; when one has a value that differs from the property, the feature is called with
 /// onPropertyModified(), and a feature that does not handle the property has the number stored and
 /// all features of the block marked.
-class VDM_DB_EXPORT VdmDbPropertyReactor : public VdmDbFeatureReactor {
+class VDM_DB_EXPORT VdmDbPropertyReactor : public VdmDbFeatureReactorOf<VdmDbPropertyReactorImpl> {
  public:
   OD_RX_DECLARE_MEMBERS(VdmDbPropertyReactor)
-
-  VdmDbPropertyReactor();
 
   /// Binds a property of the feature, whose carrier `owner` is, to the variable of the name in the
   /// model space. A missing variable is made; the variable takes the present number. Nothing
@@ -48,9 +46,5 @@ class VDM_DB_EXPORT VdmDbPropertyReactor : public VdmDbFeatureReactor {
   void modified(const OdDbObject* object) override;
   /// The variable leaves the bindings.
   void erased(const OdDbObject* object, bool erasing) override;
-
- private:
-  [[nodiscard]] const VdmDbPropertyReactorImpl& stateForRead() const;
-  VdmDbPropertyReactorImpl& stateForWrite();
 };
 using VdmDbPropertyReactorPtr = OdSmartPtr<VdmDbPropertyReactor>;

@@ -191,6 +191,21 @@ OdDbFullSubentPathArray VdmFeature::getEntities(int mask, int tag) const {
 
 // ---- What reactors answer
 
+namespace {
+
+/// What the reactors answer, one after the other.
+OdDbObjectIdArray askedOf(const OdDbObjectIdArray& reactors,
+                          OdDbObjectIdArray (VdmDbFeatureReactor::*question)()) {
+  OdDbObjectIdArray all;
+  vdmVisitReactors<VdmDbFeatureReactor>(reactors, [&](VdmDbFeatureReactor* reactor) {
+    all.append((reactor->*question)());
+    return false;
+  });
+  return all;
+}
+
+}  // namespace
+
 bool VdmFeature::hasChanges(bool& needConstraintsRecalculation) const {
   assertReadable();
   needConstraintsRecalculation = false;
@@ -207,22 +222,12 @@ bool VdmFeature::hasChanges(bool& needConstraintsRecalculation) const {
 
 OdDbObjectIdArray VdmFeature::getVariables() const {
   assertReadable();
-  OdDbObjectIdArray variables;
-  vdmVisitReactors<VdmDbFeatureReactor>(m_reactors, [&variables](VdmDbFeatureReactor* reactor) {
-    variables.append(reactor->getVariables());
-    return false;
-  });
-  return variables;
+  return askedOf(m_reactors, &VdmDbFeatureReactor::getVariables);
 }
 
 OdDbObjectIdArray VdmFeature::getDependentVariables() const {
   assertReadable();
-  OdDbObjectIdArray variables;
-  vdmVisitReactors<VdmDbFeatureReactor>(m_reactors, [&variables](VdmDbFeatureReactor* reactor) {
-    variables.append(reactor->getDependentVariables());
-    return false;
-  });
-  return variables;
+  return askedOf(m_reactors, &VdmDbFeatureReactor::getDependentVariables);
 }
 
 OdDbObjectIdArray VdmFeature::getAllVariables() const {

@@ -45,6 +45,7 @@ VdmDefinitionNode::VdmDefinitionNode() : instances(kInitialBuckets) {}
 
 VdmDefinitionNode::VdmDefinitionNode(const VdmDefinitionNode& other) = default;
 
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): allocates what `other` keeps
 VdmDefinitionNode::VdmDefinitionNode(VdmDefinitionNode&& other) : VdmDefinitionNode() {
   *this = std::move(other);
 }
@@ -55,6 +56,7 @@ VdmDefinitionNode& VdmDefinitionNode::operator=(const VdmDefinitionNode& other) 
   return *this = std::move(copy);
 }
 
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): the same
 VdmDefinitionNode& VdmDefinitionNode::operator=(VdmDefinitionNode&& other) {
   if (this == &other) return *this;
   VdmProperties takenData = std::exchange(other.data, VdmProperties());

@@ -43,9 +43,9 @@ class VDM_DB_EXPORT VdmDefinitionNode {
   /// Shares values of the data and definitions of the instances.
   VdmDefinitionNode(const VdmDefinitionNode& other);
   /// `other` is empty then and can be used again; reference and flag stay with it, too.
-  VdmDefinitionNode(VdmDefinitionNode&& other);
+  VdmDefinitionNode(VdmDefinitionNode&& other);  // NOLINT: allocates what `other` keeps
   VdmDefinitionNode& operator=(const VdmDefinitionNode& other);
-  VdmDefinitionNode& operator=(VdmDefinitionNode&& other);
+  VdmDefinitionNode& operator=(VdmDefinitionNode&& other);  // NOLINT: the same
   /// Releases definitions below it from a list, so that the depth of the tree does not matter.
   ~VdmDefinitionNode();
 

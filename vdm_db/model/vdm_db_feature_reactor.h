@@ -81,3 +81,18 @@ class VDM_DB_EXPORT VdmDbFeatureReactor : public OdDbObject {
   std::unique_ptr<VdmDbFeatureReactorImpl> m_impl;
 };
 using VdmDbFeatureReactorPtr = OdSmartPtr<VdmDbFeatureReactor>;
+
+/// A reactor with a state of one class. Not a run-time class: the reactor that derives from it
+/// names VdmDbFeatureReactor as its parent.
+template <class State>
+class VDM_DB_EXPORT VdmDbFeatureReactorOf : public VdmDbFeatureReactor {
+ protected:
+  VdmDbFeatureReactorOf() : VdmDbFeatureReactor(std::make_unique<State>()) {}
+
+  // implForRead(), implForWrite() and impl() of the base, as what they are.
+  [[nodiscard]] const State& stateForRead() const {
+    return static_cast<const State&>(implForRead());
+  }
+  State& stateForWrite() { return static_cast<State&>(implForWrite()); }
+  [[nodiscard]] State& state() const { return static_cast<State&>(impl()); }
+};

@@ -96,29 +96,17 @@ OdDbObjectId VdmDbObjectDependency::getInsertId() const {
   return m_compoundId.topId();
 }
 
-const VdmCompoundObjectId& VdmDbObjectDependency::compoundId() const {
-  assertReadEnabled();
-  return m_compoundId;
-}
+const VdmCompoundObjectId& VdmDbObjectDependency::compoundId() const { return read(m_compoundId); }
 
-const OdDbSubentId& VdmDbObjectDependency::subentId() const {
-  assertReadEnabled();
-  return m_subent;
-}
+const OdDbSubentId& VdmDbObjectDependency::subentId() const { return read(m_subent); }
 
 // ---- Numbers and properties
 
-int VdmDbObjectDependency::entityTag() const {
-  assertReadEnabled();
-  return m_entityTag;
-}
+int VdmDbObjectDependency::entityTag() const { return read(m_entityTag); }
 
 void VdmDbObjectDependency::setEntityTag(int tag) { setNumber(kUndoTag, m_entityTag, tag); }
 
-OdLong VdmDbObjectDependency::bodyHash() const {
-  assertReadEnabled();
-  return m_bodyHash;
-}
+OdLong VdmDbObjectDependency::bodyHash() const { return read(m_bodyHash); }
 
 void VdmDbObjectDependency::setBodyHash(OdLong hash) { setNumber(kUndoHash, m_bodyHash, hash); }
 
@@ -129,10 +117,7 @@ void VdmDbObjectDependency::setNumber(UndoStep step, OdLong& number, OdLong valu
   number = value;
 }
 
-const VdmProperties& VdmDbObjectDependency::properties() const {
-  assertReadEnabled();
-  return m_properties;
-}
+const VdmProperties& VdmDbObjectDependency::properties() const { return read(m_properties); }
 
 VdmProperties& VdmDbObjectDependency::propertiesForWrite() {
   assertWriteEnabled();

@@ -13,6 +13,7 @@
 #include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/model/vdm_db_pers_id_manager_impl.h"
 #include "vdm_db/model/vdm_db_pers_id_manager_pe.h"
+#include "vdm_db/properties/vdm_bag_filing.h"
 
 VDM_DEFINE_DB_CLASS(VdmDbPersIdManager, OdDbObject, L"VdmDbPersIdManager", L"VdmDbPersIdManager",
                     L"model data")
@@ -137,29 +138,8 @@ void VdmDbPersIdManager::applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) {
 
 // ---- Record: the base's part, then the bag
 
-OdResult VdmDbPersIdManager::dwgInFields(OdDbDwgFiler* filer) {
-  assertWriteEnabled();
-  const OdResult result = OdDbObject::dwgInFields(filer);
-  return result == eOk ? m_impl->dwgInFields(filer) : result;
-}
-
-void VdmDbPersIdManager::dwgOutFields(OdDbDwgFiler* filer) const {
-  assertReadEnabled();
-  OdDbObject::dwgOutFields(filer);
-  m_impl->dwgOutFields(filer);
-}
-
-OdResult VdmDbPersIdManager::dxfInFields(OdDbDxfFiler* filer) {
-  assertWriteEnabled();
-  const OdResult result = OdDbObject::dxfInFields(filer);
-  return result == eOk ? m_impl->dxfInFields(filer) : result;
-}
-
-void VdmDbPersIdManager::dxfOutFields(OdDbDxfFiler* filer) const {
-  assertReadEnabled();
-  OdDbObject::dxfOutFields(filer);
-  m_impl->dxfOutFields(filer);
-}
+VDM_DEFINE_BAG_DWG_FILING(VdmDbPersIdManager, *m_impl)
+VDM_DEFINE_BAG_DXF_FILING(VdmDbPersIdManager, *m_impl)
 
 std::size_t VdmDbPersIdManager::approximateSize() const {
   return OdDbObject::approximateSize() + sizeof(*m_impl) + m_impl->dependencies.approximateSize();

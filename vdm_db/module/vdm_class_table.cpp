@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "platform/base/error.h"
+#include "platform/base/non_copyable.h"
 #include "vdm_db/associations/vdm_entity_assoc_attribute.h"
 #include "vdm_db/cloning/vdm_assoc_variable_cloning_watcher.h"
 #include "vdm_db/cloning/vdm_remapping_operation_bracket.h"
@@ -126,15 +127,13 @@ bool isOfTable(const OdRxClass* rxClass) {
 }
 
 // Releases what was registered unless all of it was.
-class RegistrationGuard {
+class RegistrationGuard : OdNonCopyable {
  public:
   explicit RegistrationGuard(const ClassRow* registered) : m_next(registered) {}
   ~RegistrationGuard() {
     if (m_next == std::end(kClassRows)) return;
     while (m_next != std::begin(kClassRows)) (--m_next)->uninit();
   }
-  RegistrationGuard(const RegistrationGuard&) = delete;
-  RegistrationGuard& operator=(const RegistrationGuard&) = delete;
 
   void registerNext() {
     m_next->init();

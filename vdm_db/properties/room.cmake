@@ -39,6 +39,7 @@ list(APPEND VDM_DB_HEADERS
   properties/vdm_trans_dwg_filer.h
 )
 list(APPEND VDM_DB_PRIVATE_HEADERS
+  properties/vdm_bag_filing.h
   properties/vdm_properties_templates.h
   properties/vdm_property_encoding.h
   properties/vdm_property_shape.h

@@ -5,6 +5,7 @@
 #include "platform/db/dictionary.h"
 #include "vdm_db/common/vdm_class_registration.h"
 #include "vdm_db/common/vdm_constants.h"
+#include "vdm_db/properties/vdm_bag_filing.h"
 
 VDM_DEFINE_DB_CLASS(VdmDbExtensionData, OdDbObject, L"VdmDbExtensionData", L"VDMDBEXTENSIONDATA",
                     L"extension data")
@@ -47,29 +48,8 @@ void VdmDbExtensionData::applyPartialUndo(OdDbDwgFiler* filer, OdRxClass* cls) {
 
 // ---- Filing: the base's part, then the bag
 
-OdResult VdmDbExtensionData::dwgInFields(OdDbDwgFiler* filer) {
-  assertWriteEnabled();
-  const OdResult result = OdDbObject::dwgInFields(filer);
-  return result == eOk ? m_impl.dwgInFields(filer) : result;
-}
-
-void VdmDbExtensionData::dwgOutFields(OdDbDwgFiler* filer) const {
-  assertReadEnabled();
-  OdDbObject::dwgOutFields(filer);
-  m_impl.dwgOutFields(filer);
-}
-
-OdResult VdmDbExtensionData::dxfInFields(OdDbDxfFiler* filer) {
-  assertWriteEnabled();
-  const OdResult result = OdDbObject::dxfInFields(filer);
-  return result == eOk ? m_impl.dxfInFields(filer) : result;
-}
-
-void VdmDbExtensionData::dxfOutFields(OdDbDxfFiler* filer) const {
-  assertReadEnabled();
-  OdDbObject::dxfOutFields(filer);
-  m_impl.dxfOutFields(filer);
-}
+VDM_DEFINE_BAG_DWG_FILING(VdmDbExtensionData, m_impl)
+VDM_DEFINE_BAG_DXF_FILING(VdmDbExtensionData, m_impl)
 
 // ---- On a host
 

@@ -5,17 +5,16 @@
 #include <utility>
 
 #include "platform/base/error.h"
+#include "platform/base/non_copyable.h"
 #include "platform/filer/dwg_filer.h"
 #include "vdm_db/properties/vdm_property_data.h"
 #include "vdm_db/properties/vdm_property_type_rows.h"
 
 // One level of values within values; raises OdError with the code beyond the limit.
-class VdmNestingGuard {
+class VdmNestingGuard : OdNonCopyable {
  public:
   explicit VdmNestingGuard(OdResult codeBeyondLimit);
   ~VdmNestingGuard();
-  VdmNestingGuard(const VdmNestingGuard&) = delete;
-  VdmNestingGuard& operator=(const VdmNestingGuard&) = delete;
 };
 
 // Reports a type of the stream that is not the expected one; `line` names the place.

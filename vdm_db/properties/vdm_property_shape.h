@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/base/non_copyable.h"
 #include "platform/base/string.h"
 #include "platform/base/types.h"
 
@@ -31,7 +32,7 @@ struct VdmPropertyShapeStep {
 // 3. There are at most kMaxShapes shared shapes. A bag beyond these limits owns a private shape,
 //    which changes with it. Its slots are in order of arrival.
 // 4. A null pointer is the shape without keys.
-class VdmPropertyShape {
+class VdmPropertyShape : OdNonCopyable {
  public:
   static constexpr OdUInt32 kNoSlot = ~OdUInt32{0};
   static constexpr OdUInt32 kMaxSharedKeys = 64;
@@ -40,8 +41,6 @@ class VdmPropertyShape {
   using Step = VdmPropertyShapeStep;
 
   explicit VdmPropertyShape(std::vector<OdString> sortedKeys);
-  VdmPropertyShape(const VdmPropertyShape&) = delete;
-  VdmPropertyShape& operator=(const VdmPropertyShape&) = delete;
 
   [[nodiscard]] OdUInt32 size() const noexcept { return static_cast<OdUInt32>(m_keys.size()); }
   [[nodiscard]] bool isShared() const noexcept { return m_index == nullptr; }

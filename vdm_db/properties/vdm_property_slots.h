@@ -5,6 +5,7 @@
 #include <new>
 #include <string_view>
 
+#include "platform/base/non_copyable.h"
 #include "platform/base/types.h"
 #include "vdm_db/common/vdm_db_export.h"
 #include "vdm_db/properties/vdm_property_data.h"
@@ -53,12 +54,10 @@ concept VdmPackedValue = std::is_same_v<T, OdString> || std::is_same_v<T, VdmArr
 //
 // Costs: access is one load of the tag and one of the word. insert() and eraseShifting() move the
 // slots after the place, eraseFilling() moves one; reserve() copies all; swap() exchanges pointers.
-class VDM_DB_EXPORT VdmPropertySlots {
+class VDM_DB_EXPORT VdmPropertySlots : OdNonCopyable {
  public:
   VdmPropertySlots() noexcept = default;
   VdmPropertySlots(VdmPropertySlots&& other) noexcept { swap(other); }
-  VdmPropertySlots(const VdmPropertySlots&) = delete;
-  VdmPropertySlots& operator=(const VdmPropertySlots&) = delete;
   ~VdmPropertySlots();
   void swap(VdmPropertySlots& other) noexcept;
 

@@ -30,12 +30,23 @@ constexpr std::array<int, 4> kIdGroups = {
 
 void TransDwgFiler::seek(OdInt64, OdDb::FilerSeekType) {}
 
-// ---- Reading
+// ---- Numbers: whatever group comes next is read
 
-bool TransDwgFiler::rdBool() {
-  m_filer->nextItem();
-  return m_filer->rdBool();
-}
+#define VDM_TRANS_NUMBER(Name, Value, code) \
+  Value TransDwgFiler::rd##Name() {         \
+    m_filer->nextItem();                    \
+    return m_filer->rd##Name();             \
+  }                                         \
+  void TransDwgFiler::wr##Name(Value value) { m_filer->wr##Name(code, value); }
+VDM_TRANS_NUMBER(Bool, bool, kBool)
+VDM_TRANS_NUMBER(Int8, OdInt8, kInt8)
+VDM_TRANS_NUMBER(UInt8, OdUInt8, kInt8)
+VDM_TRANS_NUMBER(Int16, OdInt16, kInt16)
+VDM_TRANS_NUMBER(Int32, OdInt32, kInt32)
+VDM_TRANS_NUMBER(Int64, OdInt64, kInt64)
+#undef VDM_TRANS_NUMBER
+
+// ---- Reading
 
 OdString TransDwgFiler::rdString() {
   return m_filer->nextItem() == kText ? m_filer->rdString() : OdString();
@@ -50,31 +61,6 @@ void TransDwgFiler::rdBytes(void* buffer, OdUInt32 size) {
   }
 }
 
-OdInt8 TransDwgFiler::rdInt8() {
-  m_filer->nextItem();
-  return m_filer->rdInt8();
-}
-
-OdUInt8 TransDwgFiler::rdUInt8() {
-  m_filer->nextItem();
-  return m_filer->rdUInt8();
-}
-
-OdInt16 TransDwgFiler::rdInt16() {
-  m_filer->nextItem();
-  return m_filer->rdInt16();
-}
-
-OdInt32 TransDwgFiler::rdInt32() {
-  m_filer->nextItem();
-  return m_filer->rdInt32();
-}
-
-OdInt64 TransDwgFiler::rdInt64() {
-  m_filer->nextItem();
-  return m_filer->rdInt64();
-}
-
 double TransDwgFiler::rdDouble() {
   return m_filer->nextItem() == kReal ? m_filer->rdDouble() : 0.0;
 }
@@ -85,16 +71,10 @@ OdDbHandle TransDwgFiler::rdDbHandle() {
 
 // ---- Writing
 
-void TransDwgFiler::wrBool(bool value) { m_filer->wrBool(kBool, value); }
 void TransDwgFiler::wrString(const OdString& value) { m_filer->wrString(kText, value); }
 void TransDwgFiler::wrBytes(const void* buffer, OdUInt32 size) {
   m_filer->wrBinaryChunk(kChunk, static_cast<const OdUInt8*>(buffer), size);
 }
-void TransDwgFiler::wrInt8(OdInt8 value) { m_filer->wrInt8(kInt8, value); }
-void TransDwgFiler::wrUInt8(OdUInt8 value) { m_filer->wrUInt8(kInt8, value); }
-void TransDwgFiler::wrInt16(OdInt16 value) { m_filer->wrInt16(kInt16, value); }
-void TransDwgFiler::wrInt32(OdInt32 value) { m_filer->wrInt32(kInt32, value); }
-void TransDwgFiler::wrInt64(OdInt64 value) { m_filer->wrInt64(kInt64, value); }
 void TransDwgFiler::wrDouble(double value) { m_filer->wrDouble(kReal, value); }
 void TransDwgFiler::wrDbHandle(const OdDbHandle& value) { m_filer->wrHandle(kHandle, value); }
 

@@ -9,6 +9,7 @@
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_db_sheet_metal_context_pe.h"
+#include "vdm_db/properties/vdm_bag_filing.h"
 #include "vdm_db/sheet_metal/vdm_db_isettings.h"
 #include "vdm_db/sheet_metal/vdm_db_sheet_metal_context_impl.h"
 #include "vdm_utils/vdmc_assert.h"
@@ -126,14 +127,4 @@ OdResult VdmDbSheetMetalContext::getAvailableDieWidths(OdArray<double>& widths) 
 
 // ---- Filing: the base's part, then the bag
 
-OdResult VdmDbSheetMetalContext::dwgInFields(OdDbDwgFiler* filer) {
-  assertWriteEnabled();
-  const OdResult result = OdDbObject::dwgInFields(filer);
-  return result == eOk ? m_impl->dwgInFields(filer) : result;
-}
-
-void VdmDbSheetMetalContext::dwgOutFields(OdDbDwgFiler* filer) const {
-  assertReadEnabled();
-  OdDbObject::dwgOutFields(filer);
-  m_impl->dwgOutFields(filer);
-}
+VDM_DEFINE_BAG_DWG_FILING(VdmDbSheetMetalContext, *m_impl)

@@ -2,6 +2,7 @@
 #include "vdm_db/sheet_metal/vdm_sheet_metal_context_options.h"
 
 #include "platform/assoc/assoc_variable.h"
+#include "platform/base/non_copyable.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 #include "vdm_db/parameters/vdm_variable_values.h"
@@ -33,14 +34,12 @@ OdResult VdmSheetMetalContextThicknessOption::setValue(double value) {
 namespace {
 
 // Takes a number back unless it is kept.
-class NumberGuard {
+class NumberGuard : OdNonCopyable {
  public:
   NumberGuard(double& number, double before) : m_number(number), m_before(before) {}
   ~NumberGuard() {
     if (!m_isKept) m_number = m_before;
   }
-  NumberGuard(const NumberGuard&) = delete;
-  NumberGuard& operator=(const NumberGuard&) = delete;
   OdResult keep(OdResult result) {
     m_isKept = result == eOk;
     return result;

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/base/non_copyable.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_db_feature_manager_impl.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
@@ -13,7 +14,7 @@ namespace {
 
 /// A pass over given features knows nothing of constraints. What a handed context says of them
 /// comes back after it.
-class WithoutConstraints {
+class WithoutConstraints : OdNonCopyable {
  public:
   explicit WithoutConstraints(VdmUpdateContext& context)
       : m_context(context),
@@ -23,8 +24,6 @@ class WithoutConstraints {
     m_context.constraintsWereCalculated = m_calculated;
     m_context.constraintsWereCalculatedSuccesfully = m_successful;
   }
-  WithoutConstraints(const WithoutConstraints&) = delete;
-  WithoutConstraints& operator=(const WithoutConstraints&) = delete;
 
  private:
   VdmUpdateContext& m_context;

@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "platform/base/non_copyable.h"
 #include "platform/db/database.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
@@ -29,15 +30,13 @@ OdDbObjectPtr openSheetMetalContext(OdDbDatabase* database) {
 }
 
 /// Keeps the map of the input known to the data while a pass runs: it may end right after.
-class MapOfPass {
+class MapOfPass : OdNonCopyable {
  public:
   MapOfPass(const VdmDependenciesReplacementMap*& place, const VdmDependenciesReplacementMap* map)
       : m_place(place) {
     m_place = map;
   }
   ~MapOfPass() { m_place = nullptr; }
-  MapOfPass(const MapOfPass&) = delete;
-  MapOfPass& operator=(const MapOfPass&) = delete;
 
  private:
   const VdmDependenciesReplacementMap*& m_place;
