@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "examples/run_example.h"
 #include "host/rendering/render.h"
 #include "platform/base/error.h"
 #include "platform/db/block_table_record.h"
@@ -46,31 +47,21 @@ void draw(const char* drawingPath, const std::string& picturePath) {
   const OdDbDatabasePtr drawing = openDrawing(services, drawingPath);
   rendering::RenderOptions options;
   addLabels(*drawing, options.labels);
-  const auto render = picturePath.ends_with(".svg")   ? &rendering::renderSvg
-                      : picturePath.ends_with(".glb") ? &rendering::renderGlb
-                                                      : &rendering::renderPng;
-  const std::string failure = render(*drawing, picturePath, options);
+  const std::string failure = rendering::renderFile(*drawing, picturePath, options);
   if (!failure.empty()) throw OdError(OdString(failure));
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    std::fprintf(stderr, "usage: draw_picture DRAWING PICTURE\n");
-    return 2;
-  }
-  try {
+  constexpr const char* kNames[] = {"DRAWING", "PICTURE"};
+  return runExample(argc, argv, kNames, [](std::span<char*> arguments) {
     oddbInitialize();
     odModelerInitialize();
     odInstallOcctModeler();
-    draw(argv[1], argv[2]);
+    draw(arguments[0], arguments[1]);
     odSetModeler(nullptr);
     odModelerUninitialize();
     oddbUninitialize();
-    return 0;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "draw_picture: %s\n", error.what());
-    return 1;
-  }
+  });
 }

@@ -7,6 +7,7 @@
 #include <numbers>
 #include <string>
 
+#include "examples/run_example.h"
 #include "host/rendering/render.h"
 #include "platform/base/error.h"
 #include "platform/db/block_table_record.h"
@@ -233,26 +234,17 @@ void make(const char* drawingPath, const char* picturePath) {
   options.width = 1600;
   options.height = 1000;
   options.viewDirection = OdGeVector3d::kZAxis;
-  const std::string path(picturePath);
-  const auto render = path.ends_with(".svg") ? &rendering::renderSvg : &rendering::renderPng;
-  const std::string failure = render(*drawing, path, options);
+  const std::string failure = rendering::renderFile(*drawing, picturePath, options);
   if (!failure.empty()) throw OdError(OdString(failure));
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    std::fprintf(stderr, "usage: drawn_entities DRAWING PICTURE\n");
-    return 2;
-  }
-  try {
+  constexpr const char* kNames[] = {"DRAWING", "PICTURE"};
+  return runExample(argc, argv, kNames, [](std::span<char*> arguments) {
     oddbInitialize();
-    make(argv[1], argv[2]);
+    make(arguments[0], arguments[1]);
     oddbUninitialize();
-    return 0;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "drawn_entities: %s\n", error.what());
-    return 1;
-  }
+  });
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "examples/run_example.h"
 #include "platform/base/error.h"
 #include "platform/modeler/modeler.h"
 #include "platform/modeler_occt/occt_modeler.h"
@@ -173,21 +174,14 @@ void write(const std::string& path, const OdModelerAssembly& assembly) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::fprintf(stderr, "usage: make_samples FOLDER\n");
-    return 2;
-  }
-  try {
+  constexpr const char* kNames[] = {"FOLDER"};
+  return runExample(argc, argv, kNames, [](std::span<char*> arguments) {
     odInstallOcctModeler();
-    const std::string folder = argv[1];
+    const std::string folder = arguments[0];
     write(folder + "/plate.step", makePart(L"plate", makePlate()));
     write(folder + "/assembly.step", makeAssembly());
     write(folder + "/blank.step", makePart(L"blank", makeBlank(kBlankThickness)));
     write(folder + "/blank_b.step", makePart(L"blank", makeBlank(kBlankThicknessB)));
     odSetModeler(nullptr);
-    return 0;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "make_samples: %s\n", error.what());
-    return 1;
-  }
+  });
 }

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <string>
 
+#include "examples/run_example.h"
 #include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "platform/db/host_app_services.h"
@@ -112,24 +113,17 @@ OdString modulePath() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    std::fprintf(stderr, "usage: undo_story DRAWING HANDLE\n");
-    return 2;
-  }
-  try {
+  constexpr const char* kNames[] = {"DRAWING", "HANDLE"};
+  return runExample(argc, argv, kNames, [](std::span<char*> arguments) {
     oddbInitialize();
     odModelerInitialize();
     odInstallOcctModeler();
     const OdString module = modulePath();
     odrxDynamicLinker()->loadModule(module);
-    run(argv[1], argv[2]);
+    run(arguments[0], arguments[1]);
     odrxDynamicLinker()->unloadModule(module);
     odSetModeler(nullptr);
     odModelerUninitialize();
     oddbUninitialize();
-    return 0;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "undo_story: %s\n", error.what());
-    return 1;
-  }
+  });
 }

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "bench/naming/made_body.h"
 #include "platform/modeler/modeler.h"
 #include "platform/modeler_occt/occt_bridge.h"
 

@@ -9,15 +9,14 @@
 #include <vector>
 
 #include "bench/naming/stage.h"
+#include "platform/base/non_copyable.h"
 
 namespace naming_bench {
 
-class LabelNaming {
+class LabelNaming : OdNonCopyable {
  public:
   LabelNaming();
   ~LabelNaming();
-  LabelNaming(const LabelNaming&) = delete;
-  LabelNaming& operator=(const LabelNaming&) = delete;
 
   /// Records the faces of a fresh part.
   void begin(const OdModelerBodyPtr& body);

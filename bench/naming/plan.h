@@ -3,7 +3,6 @@
 #pragma once
 
 #include <random>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -90,14 +89,6 @@ struct Plan {
 /// The part, made in another order: of features, of steps, one by one or at once.
 [[nodiscard]] OdModelerBodyPtr rebuild(const Plan& plan, Random& random);
 
-/// A body that an operation must give. Raises std::runtime_error with the modeller's text.
-template <class Call>
-OdModelerBodyPtr made(Call call) {
-  OdModelerBodyPtr result;
-  const OdStatus status = call(result);
-  if (!status.ok()) throw std::runtime_error(std::string(status.text.utf8()));
-  return result;
-}
 [[nodiscard]] OdModelerBodyPtr moved(const OdModelerBodyPtr& body, const OdGeMatrix3d& motion);
 
 }  // namespace naming_bench

@@ -3,6 +3,7 @@
 #include <array>
 #include <numeric>
 
+#include "bench/naming/made_body.h"
 #include "bench/naming/plan.h"
 #include "platform/modeler/modeler.h"
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "bench/naming/method.h"
+#include "platform/base/non_copyable.h"
 #include "platform/db/database.h"
 #include "platform/db/host_app_services.h"
 #include "platform/filer/object_id.h"
@@ -22,13 +23,11 @@ namespace naming_bench {
 
 /// The drawing runtime, the modeller, the module and the host's naming, while it lives. One in a
 /// process at a time.
-class DrawingRuntime {
+class DrawingRuntime : OdNonCopyable {
  public:
   /// Raises when the module's file cannot be loaded.
   DrawingRuntime();
   ~DrawingRuntime();
-  DrawingRuntime(const DrawingRuntime&) = delete;
-  DrawingRuntime& operator=(const DrawingRuntime&) = delete;
 };
 
 /// What bringing references up to date took.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <stdexcept>
 
 #include "bench/naming/edits.h"
 #include "bench/naming/exchange.h"

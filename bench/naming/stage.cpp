@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "bench/naming/made_body.h"
+
 namespace naming_bench {
 namespace {
 
@@ -77,25 +79,22 @@ void Stage::combine(Kind kind, const OdModelerBodyPtr& tool) {
 }
 
 void Stage::fillet(OdUInt32 edge, double radius) {
-  OdSolidChange done;
-  done.kind = OdSolidChangeKind::kBlend;
-  auto history = std::make_shared<OdModelerHistory>();
-  done.after = made([&](auto& result) {
-    return odModeler().fillet(m_part.body, {&edge, 1}, radius, result, history.get());
-  });
-  done.history = history;
-  change({Operation::Kind::kFillet, {}, nullptr, edge, radius, {}}, std::move(done));
+  blend(Operation::Kind::kFillet, &OdModeler::fillet, edge, radius);
 }
 
 void Stage::chamfer(OdUInt32 edge, double distance) {
+  blend(Operation::Kind::kChamfer, &OdModeler::chamfer, edge, distance);
+}
+
+void Stage::blend(Operation::Kind kind, Blending operation, OdUInt32 edge, double size) {
   OdSolidChange done;
   done.kind = OdSolidChangeKind::kBlend;
   auto history = std::make_shared<OdModelerHistory>();
   done.after = made([&](auto& result) {
-    return odModeler().chamfer(m_part.body, {&edge, 1}, distance, result, history.get());
+    return (odModeler().*operation)(m_part.body, {&edge, 1}, size, result, history.get());
   });
   done.history = history;
-  change({Operation::Kind::kChamfer, {}, nullptr, edge, distance, {}}, std::move(done));
+  change({kind, {}, nullptr, edge, size, {}}, std::move(done));
 }
 
 void Stage::move(const OdGeMatrix3d& motion) {

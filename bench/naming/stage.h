@@ -93,6 +93,8 @@ class Stage {
     std::vector<std::vector<OdUInt32>> before;
   };
 
+  using Blending = decltype(&OdModeler::fillet);
+  void blend(Operation::Kind kind, Blending operation, OdUInt32 edge, double size);
   void change(Operation operation, OdSolidChange change);
 
   Part& m_part;

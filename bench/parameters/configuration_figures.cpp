@@ -24,6 +24,7 @@
 
 #include "bench/naming/stopwatch.h"
 #include "platform/assoc/assoc_variable.h"
+#include "platform/base/non_copyable.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/db/host_app_services.h"
@@ -83,7 +84,7 @@ VdmStringArray makeSheet(unsigned rows, bool withTexts) {
 
 // ---- The peer for tables
 
-class SqliteTable {
+class SqliteTable : OdNonCopyable {
  public:
   explicit SqliteTable(const VdmStringArray& sheet) : m_sheet(sheet) {
     check(sqlite3_open(":memory:", &m_database));
@@ -92,8 +93,6 @@ class SqliteTable {
     sqlite3_finalize(m_find);
     sqlite3_close(m_database);
   }
-  SqliteTable(const SqliteTable&) = delete;
-  SqliteTable& operator=(const SqliteTable&) = delete;
 
   void load() {
     sqlite3_finalize(m_find);

@@ -2,15 +2,14 @@
 #pragma once
 
 #include "host/modeling/model_editor.h"
+#include "platform/base/non_copyable.h"
 #include "platform/db/host_app_services.h"
 
 /// The drawing runtime, the modeller and both modules, while it lives. One in a process at a time.
-class HostRuntime {
+class HostRuntime : OdNonCopyable {
  public:
   HostRuntime();
   ~HostRuntime();
-  HostRuntime(const HostRuntime&) = delete;
-  HostRuntime& operator=(const HostRuntime&) = delete;
 };
 
 /// A plate 10 thick from the origin, and a block that is a through hole. Needs a HostRuntime.

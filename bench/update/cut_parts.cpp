@@ -6,17 +6,13 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "bench/naming/made_body.h"
+
 namespace {
 
 constexpr double kPitch = 10.0;
 
-template <class Call>
-auto made(Call call) {
-  OdModelerBodyPtr result;
-  const OdStatus status = call(result);
-  if (!status.ok()) throw std::runtime_error(std::string(status.text.utf8()));
-  return result;
-}
+using naming_bench::made;
 
 OdModelerBodyPtr moved(const OdModelerBodyPtr& body, const OdGeVector3d& by) {
   return made(

@@ -3,6 +3,7 @@
 #include <array>
 #include <stdexcept>
 
+#include "bench/naming/made_body.h"
 #include "bench/update/component_drawing.h"
 #include "bench/update/figures.h"
 #include "platform/modeler/modeler.h"
@@ -13,13 +14,7 @@ constexpr std::size_t kColumns = 10;
 constexpr double kPitch = 30.0;
 constexpr double kDiameter = 10.0;
 
-template <class Call>
-OdModelerBodyPtr made(Call call) {
-  OdModelerBodyPtr result;
-  const OdStatus status = call(result);
-  if (!status.ok()) throw std::runtime_error(std::string(status.text.utf8()));
-  return result;
-}
+using naming_bench::made;
 
 OdModelerBodyPtr boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& body,
                          const OdModelerBodyPtr& tool) {

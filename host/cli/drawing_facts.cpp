@@ -28,17 +28,8 @@ bool isShownSolid(const OdDbObjectId& id) {
 }
 
 const char* kindName(OdModelerBodyKind kind) {
-  switch (kind) {
-    case OdModelerBodyKind::kSolid:
-      return "solid";
-    case OdModelerBodyKind::kSheet:
-      return "sheet";
-    case OdModelerBodyKind::kWire:
-      return "wire";
-    case OdModelerBodyKind::kMixed:
-      break;
-  }
-  return "mixed";
+  static constexpr const char* kNames[] = {"solid", "sheet", "wire", "mixed"};
+  return kNames[static_cast<std::size_t>(kind)];
 }
 
 BlockFacts factsOfBlock(const OdDbBlockTableRecord& block) {

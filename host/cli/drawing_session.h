@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/base/non_copyable.h"
 #include "platform/db/database.h"
 #include "platform/db/host_app_services.h"
 
@@ -26,14 +27,12 @@ struct SessionSettings {
 /// Starts the runtime and stops it again. One at a time in a process; it outlives its drawings.
 /// Failures raise CliError with one line. Drawings stay open until its end, and a drawing that is
 /// open for reading is seen as of one save; the end reports what could not be read of them all.
-class DrawingSession {
+class DrawingSession : OdNonCopyable {
  public:
   enum class Access { kRead, kWrite };
 
   explicit DrawingSession(const SessionSettings& settings);
   ~DrawingSession();
-  DrawingSession(const DrawingSession&) = delete;
-  DrawingSession& operator=(const DrawingSession&) = delete;
 
   /// A new drawing in memory.
   OdDbDatabasePtr create();

@@ -42,20 +42,15 @@ std::string shown(const Json& value) {
 }
 
 const char* wantedText(ParameterKind kind) {
-  switch (kind) {
-    case ParameterKind::kText:
-    case ParameterKind::kFile:
-      return "a text";
-    case ParameterKind::kNumber:
-      return "a number";
-    case ParameterKind::kPoint:
-      return "an array of three numbers";
-    case ParameterKind::kFlag:
-      return "true or false";
-    case ParameterKind::kTexts:
-      break;
-  }
-  return "an array of texts";
+  static constexpr const char* kTexts[] = {
+      "a text",                     // kText
+      "a text",                     // kFile
+      "a number",                   // kNumber
+      "an array of three numbers",  // kPoint
+      "true or false",              // kFlag
+      "an array of texts",          // kTexts
+  };
+  return kTexts[static_cast<std::size_t>(kind)];
 }
 
 bool isPoint(const Json& value) {

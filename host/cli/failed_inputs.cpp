@@ -13,6 +13,7 @@
 #include "host/cli/drawing_session.h"
 #include "host/cli/text_output.h"
 #include "platform/base/error.h"
+#include "platform/base/non_copyable.h"
 #include "platform/base/work_note.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/host_app_services.h"
@@ -34,14 +35,12 @@ bool isOfInterest(const OdWallFailure& failure) {
 
 /// What is written in its scope is kept for the one who looks into the failure; it is no result of
 /// the command.
-class UncountedFiles {
+class UncountedFiles : OdNonCopyable {
  public:
   UncountedFiles() : m_board(odWorkBoard()), m_written(m_board != nullptr && m_board->written) {}
   ~UncountedFiles() {
     if (m_board != nullptr) m_board->written = m_written;
   }
-  UncountedFiles(const UncountedFiles&) = delete;
-  UncountedFiles& operator=(const UncountedFiles&) = delete;
 
  private:
   OdWorkBoard* m_board;

@@ -1,10 +1,7 @@
 // `vdm render`: a picture or a model file of a drawing.
 #include "host/cli/render_command.h"
 
-#include <algorithm>
-#include <cctype>
 #include <charconv>
-#include <filesystem>
 
 #include "host/cli/model_lookup.h"
 #include "host/cli/opened_drawing.h"
@@ -18,15 +15,6 @@ namespace cli {
 
 namespace {
 
-using Writer = std::string (*)(OdDbDatabase&, const std::string&, const rendering::RenderOptions&);
-
-struct FormatRow {
-  const char* extension;
-  Writer write;
-};
-constexpr FormatRow kFormats[] = {
-    {".png", rendering::renderPng}, {".svg", rendering::renderSvg}, {".glb", rendering::renderGlb}};
-
 struct ViewRow {
   const char* name;
   double x, y, z;  ///< from the model to the eye
@@ -36,13 +24,9 @@ constexpr ViewRow kViews[] = {{"iso", 1.0, -1.0, 1.0},    {"top", 0.0, 0.0, 1.0}
                               {"back", 0.0, 1.0, 0.0},    {"right", 1.0, 0.0, 0.0},
                               {"left", -1.0, 0.0, 0.0}};
 
-Writer writerFor(const std::string& path) {
-  std::string extension = std::filesystem::path(path).extension().string();
-  std::ranges::transform(extension, extension.begin(),
-                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  for (const FormatRow& row : kFormats) {
-    if (extension == row.extension) return row.write;
-  }
+rendering::Renderer rendererFor(const std::string& path) {
+  const rendering::Renderer renderer = rendering::rendererFor(path);
+  if (renderer != nullptr) return renderer;
   throw CliError("output " + quote(path) + " ends in none of .png, .svg and .glb", kWrongUsage);
 }
 
@@ -130,7 +114,7 @@ bool colorsOff() { return false; }
 
 int runRender(const SessionSettings& settings, const RenderCommandOptions& options) {
   rendering::RenderOptions picture;
-  const Writer write = writerFor(options.output.path);
+  const rendering::Renderer write = rendererFor(options.output.path);
   picture.viewDirection = viewDirection(options.view);
   readSize(options.size, picture);
   if (options.labels) requireModules(settings);

@@ -25,17 +25,8 @@ constexpr double kShownTurn = 1e-5;
 // JSON.
 
 const char* kindName(Kind kind) {
-  switch (kind) {
-    case Kind::kBlock:
-      return "block";
-    case Kind::kInsert:
-      return "insert";
-    case Kind::kSolid:
-      return "solid";
-    case Kind::kEntity:
-      break;
-  }
-  return "entity";
+  static constexpr const char* kNames[] = {"block", "insert", "solid", "entity"};
+  return kNames[static_cast<std::size_t>(kind)];
 }
 
 Json matrixJson(const OdGeMatrix3d& matrix) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "platform/base/non_copyable.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/entities/block_reference.h"
@@ -40,7 +41,7 @@ namespace {
 
 constexpr OdUInt32 kPlacedSize = 16 + 6 * vdm_host::kToolKindCount + 6;
 
-class OpenForChange {
+class OpenForChange : OdNonCopyable {
  public:
   explicit OpenForChange(OdDbObject* object)
       : m_object(object->isWriteEnabled() ? nullptr : object) {
@@ -49,8 +50,6 @@ class OpenForChange {
   ~OpenForChange() {
     if (m_object != nullptr) m_object->downgradeOpen();
   }
-  OpenForChange(const OpenForChange&) = delete;
-  OpenForChange& operator=(const OpenForChange&) = delete;
 
  private:
   OdDbObject* m_object;

@@ -8,6 +8,7 @@
 
 #include "host/modeling/update_report.h"
 #include "platform/base/array.h"
+#include "platform/base/non_copyable.h"
 #include "platform/base/status.h"
 #include "platform/db/database.h"
 #include "platform/db/subent.h"
@@ -47,11 +48,9 @@ struct ComponentPlacement {
 /// follow. An edit that fails, or whose pass fails, rolls back all of it.
 ///
 /// A reference is a VdmDbObjectDependency; operations on edges take references or edge numbers.
-class ModelEditor {
+class ModelEditor : OdNonCopyable {
  public:
   explicit ModelEditor(OdDbDatabase* database);
-  ModelEditor(const ModelEditor&) = delete;
-  ModelEditor& operator=(const ModelEditor&) = delete;
 
   /// Each edit becomes one step of undo; true at first. Within an EditGroup the group decides.
   void setUndoSteps(bool steps) { m_undoSteps = steps; }
@@ -119,12 +118,10 @@ class ModelEditor {
 /// Many operations of one editor as one: one step of undo, all or nothing. Each operation still
 /// ends with its own pass. Aborts in its destructor unless commit() was called; an operation that
 /// failed has rolled back itself only, and the owner of the group decides about the others.
-class EditGroup {
+class EditGroup : OdNonCopyable {
  public:
   explicit EditGroup(ModelEditor& editor);
   ~EditGroup();
-  EditGroup(const EditGroup&) = delete;
-  EditGroup& operator=(const EditGroup&) = delete;
   void commit();
 
  private:

@@ -23,25 +23,15 @@ bool isSolidPhase(VdmUpdatePhase phase) {
 }  // namespace
 
 OdString toText(VdmUpdateReason reason) {
-  switch (reason) {
-    case VdmUpdateReason::kForced:
-      return OdString(L"asked for");
-    case VdmUpdateReason::kConstraint:
-      return OdString(L"constraints were solved");
-    case VdmUpdateReason::kDependencyReplaced:
-      return OdString(L"a reference was replaced");
-    case VdmUpdateReason::kDependencyCloned:
-      return OdString(L"a reference was cloned");
-    case VdmUpdateReason::kEntityTransformed:
-      return OdString(L"its solid was moved");
-    case VdmUpdateReason::kSeveralEntities:
-      return OdString(L"refers to several entities or to none");
-    case VdmUpdateReason::kInsertTransformed:
-      return OdString(L"its insert was changed");
-    case VdmUpdateReason::kEntityChanged:
-      return OdString(L"its solid was changed");
-  }
-  return {};
+  static const wchar_t* const kNames[] = {L"asked for",
+                                          L"constraints were solved",
+                                          L"a reference was replaced",
+                                          L"a reference was cloned",
+                                          L"its solid was moved",
+                                          L"refers to several entities or to none",
+                                          L"its insert was changed",
+                                          L"its solid was changed"};
+  return OdString(kNames[static_cast<std::size_t>(reason)]);
 }
 
 OdString toText(VdmUpdatePhase phase) {

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "platform/base/non_copyable.h"
 #include "platform/filer/object_id.h"
 #include "platform/ge/extents3d.h"
 #include "platform/modeler/db_3d_solid.h"
@@ -67,12 +68,10 @@ class ComponentPieces {
 ///
 /// All operations return the modeller's status; after a failure the pieces are of no use, and the
 /// caller rolls back.
-class ResidueLedger {
+class ResidueLedger : OdNonCopyable {
  public:
   ResidueLedger() = default;
   explicit ResidueLedger(PieceReader reader);
-  ResidueLedger(const ResidueLedger&) = delete;
-  ResidueLedger& operator=(const ResidueLedger&) = delete;
 
   /// A component that is at the solid already; its boxes are to be filled in.
   ComponentPieces& add(const OdDbObjectId& feature);

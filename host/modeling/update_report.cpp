@@ -27,33 +27,14 @@ void UpdateReport::addPhase(const OdString& phase, double phaseSeconds) {
 }
 
 OdString toText(FeatureOutcome outcome) {
-  switch (outcome) {
-    case FeatureOutcome::kChecked:
-      return OdString(L"up to date");
-    case FeatureOutcome::kUpdated:
-      return OdString(L"updated");
-    case FeatureOutcome::kFailed:
-      return OdString(L"failed");
-    case FeatureOutcome::kCondemned:
-      return OdString(L"erased");
-    case FeatureOutcome::kIdle:
-      return OdString(L"without effect");
-  }
-  return {};
+  static const wchar_t* const kNames[] = {L"up to date", L"updated", L"failed", L"erased",
+                                          L"without effect"};
+  return OdString(kNames[static_cast<std::size_t>(outcome)]);
 }
 
 OdString toText(SolidAction action) {
-  switch (action) {
-    case SolidAction::kHealed:
-      return OdString(L"healed");
-    case SolidAction::kRemoved:
-      return OdString(L"removed from");
-    case SolidAction::kCut:
-      return OdString(L"cut into");
-    case SolidAction::kAdded:
-      return OdString(L"added to");
-  }
-  return {};
+  static const wchar_t* const kNames[] = {L"healed", L"removed from", L"cut into", L"added to"};
+  return OdString(kNames[static_cast<std::size_t>(action)]);
 }
 
 }  // namespace vdm_host

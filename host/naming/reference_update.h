@@ -8,6 +8,7 @@
 #include "host/naming/body_motion.h"
 #include "host/naming/face_respawn.h"
 #include "host/naming/reference_record.h"
+#include "platform/base/non_copyable.h"
 #include "platform/db/subent.h"
 #include "platform/modeler/solid_journal.h"
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"
@@ -52,13 +53,11 @@ struct ReferenceUpdateReport {
 ///
 /// Needs VdmDbPersIdManagerPE to be attached (pers_id_manager_pe.h). Works within the caller's
 /// transaction; a caller that rolls that back drops the map too.
-class ReferenceUpdate {
+class ReferenceUpdate : OdNonCopyable {
  public:
   /// The map outlives this.
   explicit ReferenceUpdate(VdmDependenciesReplacementMap& map);
   ~ReferenceUpdate();
-  ReferenceUpdate(const ReferenceUpdate&) = delete;
-  ReferenceUpdate& operator=(const ReferenceUpdate&) = delete;
 
   /// The feature to which a tool body belongs, for the explanations.
   void nameTool(const OdModelerBodyPtr& tool, OdDbHandle feature);

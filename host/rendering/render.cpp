@@ -1,8 +1,12 @@
 // Pictures of drawings: PNG, SVG, and GLB models.
 #include "host/rendering/render.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cmath>
+#include <filesystem>
 #include <functional>
+#include <iterator>
 #include <new>
 
 #include "host/rendering/glb_model.h"
@@ -93,6 +97,27 @@ std::string renderGlb(OdDbDatabase& database, const std::string& path,
   return render(database, path, options, [&](const Scene& scene) {
     return encodeGlb(scene, metres > 0.0 ? metres : kMetresWithoutUnits);
   });
+}
+
+Renderer rendererFor(const std::string& path) {
+  struct Format {
+    const char* extension;
+    Renderer renderer;
+  };
+  static constexpr Format kFormats[] = {
+      {".png", renderPng}, {".svg", renderSvg}, {".glb", renderGlb}};
+  std::string extension = std::filesystem::path(path).extension().string();
+  std::ranges::transform(extension, extension.begin(),
+                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  const auto* const format = std::ranges::find(kFormats, extension, &Format::extension);
+  return format == std::end(kFormats) ? nullptr : format->renderer;
+}
+
+std::string renderFile(OdDbDatabase& database, const std::string& path,
+                       const RenderOptions& options) {
+  const Renderer renderer = rendererFor(path);
+  if (renderer != nullptr) return renderer(database, path, options);
+  return "picture '" + path + "' ends in none of .png, .svg and .glb";
 }
 
 }  // namespace rendering

@@ -62,4 +62,12 @@ struct RenderOptions {
 [[nodiscard]] std::string renderGlb(OdDbDatabase& database, const std::string& path,
                                     const RenderOptions& options = RenderOptions());
 
+using Renderer = std::string (*)(OdDbDatabase&, const std::string&, const RenderOptions&);
+/// The one of these for the extension of a file's name, in either case; null when it is none of
+/// .png, .svg and .glb.
+[[nodiscard]] Renderer rendererFor(const std::string& path);
+/// Calls that one; the result says so when there is none.
+[[nodiscard]] std::string renderFile(OdDbDatabase& database, const std::string& path,
+                                     const RenderOptions& options = RenderOptions());
+
 }  // namespace rendering

@@ -22,6 +22,7 @@
 
 #include "host/rendering/scene.h"
 #include "platform/base/error.h"
+#include "platform/base/non_copyable.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/dash_drawing.h"
 #include "platform/db/database.h"
@@ -68,14 +69,12 @@ SurfaceLook lookOf(const OdDbDisplayAttributes& attributes) {
 }
 
 /// While it lives lines are drawn without the pattern of their line type.
-class WholeLines {
+class WholeLines : OdNonCopyable {
  public:
   explicit WholeLines(bool& flag, bool isWhole = true) : m_flag(flag), m_before(flag) {
     flag = flag || isWhole;
   }
   ~WholeLines() { m_flag = m_before; }
-  WholeLines(const WholeLines&) = delete;
-  WholeLines& operator=(const WholeLines&) = delete;
 
  private:
   bool& m_flag;

@@ -13,6 +13,8 @@
 #include <csignal>
 #include <stdexcept>
 
+#include "platform/base/non_copyable.h"
+
 namespace attack {
 
 namespace {
@@ -20,7 +22,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 constexpr auto kPatience = std::chrono::seconds(60);
 
-struct Pipe {
+struct Pipe : OdNonCopyable {
   Pipe() {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
@@ -31,8 +33,6 @@ struct Pipe {
     closeEnd(read);
     closeEnd(write);
   }
-  Pipe(const Pipe&) = delete;
-  Pipe& operator=(const Pipe&) = delete;
   static void closeEnd(int& end) {
     if (end >= 0) close(end);
     end = -1;

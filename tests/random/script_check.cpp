@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/base/error.h"
+#include "platform/base/non_copyable.h"
 #include "platform/db/audit_info.h"
 #include "platform/db/database.h"
 #include "platform/db/host_app_services.h"
@@ -18,7 +19,7 @@ namespace {
 
 constexpr const char* kFile = "random_script.vdm";
 
-class ScriptPlay {
+class ScriptPlay : OdNonCopyable {
  public:
   explicit ScriptPlay(const ScriptOptions& options)
       : m_options(options),
@@ -29,8 +30,6 @@ class ScriptPlay {
     m_database = OdDbDatabasePtr();
     if (m_options.withFile) std::filesystem::remove(kFile);
   }
-  ScriptPlay(const ScriptPlay&) = delete;
-  ScriptPlay& operator=(const ScriptPlay&) = delete;
 
   std::string run() {
     try {

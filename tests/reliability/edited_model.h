@@ -7,6 +7,7 @@
 #include "host/modeling/component_feature.h"
 #include "host/modeling/model_editor.h"
 #include "host/naming/reference_query.h"
+#include "platform/base/non_copyable.h"
 #include "platform/db/host_app_services.h"
 #include "tests/host/modeling/modeling_testing.h"
 #include "tests/reliability/model_edit.h"
@@ -19,12 +20,10 @@
 void expect(bool holds, const std::string& what);
 
 /// Does edits on the drawing and on the truth. Installs a modeller that can be made to fail.
-class EditedModel {
+class EditedModel : OdNonCopyable {
  protected:
   explicit EditedModel(const ModelParts& parts);
   ~EditedModel();
-  EditedModel(const EditedModel&) = delete;
-  EditedModel& operator=(const EditedModel&) = delete;
 
   /// Any edit but undo and redo. After one that fails the truth is to be set back.
   vdm_host::EditResult apply(const ModelEdit& edit);

@@ -1,6 +1,7 @@
 // The module for the time of a test.
 #pragma once
 
+#include "platform/base/non_copyable.h"
 #include "tests/support/runtime.h"
 #include "vdm_utils/vdmc_assert.h"
 
@@ -11,12 +12,10 @@ class VdmModule : public LoadedModule {
 };
 
 /// Sends failed assertions to a function while it lives.
-class AssertionSink {
+class AssertionSink : OdNonCopyable {
  public:
   explicit AssertionSink(VdmAssertSink sink) : m_previous(setVdmAssertSink(std::move(sink))) {}
   ~AssertionSink() { setVdmAssertSink(m_previous); }
-  AssertionSink(const AssertionSink&) = delete;
-  AssertionSink& operator=(const AssertionSink&) = delete;
 
  private:
   VdmAssertSink m_previous;

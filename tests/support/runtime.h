@@ -2,15 +2,14 @@
 // that they start before its drawings and end after them.
 #pragma once
 
+#include "platform/base/non_copyable.h"
 #include "platform/base/string.h"
 
 /// Registers the classes of the drawing runtime; its end releases them.
-class Runtime {
+class Runtime : OdNonCopyable {
  public:
   Runtime();
   ~Runtime();
-  Runtime(const Runtime&) = delete;
-  Runtime& operator=(const Runtime&) = delete;
 };
 
 /// Loads a module; its end unloads it.

@@ -5,15 +5,14 @@
 #include <string>
 #include <string_view>
 
+#include "platform/base/non_copyable.h"
 #include "platform/base/string.h"
 
 /// An empty folder; its end removes it with all that it holds.
-class TestFolder {
+class TestFolder : OdNonCopyable {
  public:
   TestFolder();
   ~TestFolder();
-  TestFolder(const TestFolder&) = delete;
-  TestFolder& operator=(const TestFolder&) = delete;
 
   [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
   /// The full path of a file in it.

@@ -11,8 +11,7 @@
 #include <string>
 
 #include "platform/base/handle.h"
-#include "tests/host/cli/script_case.h"
-#include "tests/platform/storage/store_testing.h"
+#include "tests/host/cli/sample_drawing.h"
 
 namespace {
 
@@ -43,15 +42,9 @@ void flipByte(const std::string& path, const storetest::Record& record) {
   writeBytes(path, bytes);
 }
 
-class DamagedDrawing : public testing::Test {
+class DamagedDrawing : public SampleDrawingTest {
  protected:
-  DamagedDrawing() : m_shell(fs::current_path() / "damaged") {
-    run("cp $SAMPLES/plate.step . && vdm import plate.step -o a.vdm");
-    run("vdm refs add a.vdm 21 --at 60,40,10 --face --name top");
-    run("vdm component add a.vdm h hole --diameter 9");
-    run("vdm insert a.vdm h --on top --at 30,30,10 --name left");
-    run("vdm group a.vdm both 21 top && mv a.vdm sound.vdm");
-    m_sound = storetest::readFile(*m_factory, path("sound.vdm")).value();
+  DamagedDrawing() : SampleDrawingTest("damaged") {
     restore();
     for (const char* command : kCommands) {
       m_answers.push_back(m_shell.run(command));
@@ -59,17 +52,9 @@ class DamagedDrawing : public testing::Test {
     }
   }
 
-  void run(const std::string& command) { ASSERT_EQ(m_shell.run(command).exitCode, 0) << command; }
-  [[nodiscard]] std::string path(const std::string& name) const {
-    return (m_shell.folder() / name).string();
-  }
-  void restore() const {
-    fs::copy_file(path("sound.vdm"), path("a.vdm"), fs::copy_options::overwrite_existing);
-  }
   /// Changes the records as a program would that saves nonsense: checksums and digests are right.
   void save(const std::function<OdStatus(OdDbRecordStore&)>& change) const {
-    std::unique_ptr<OdDbRecordStore> store;
-    ASSERT_TRUE(succeeded(m_factory->open(path("a.vdm"), OdDbStoreOpenMode::kReadWrite, store)));
+    const std::unique_ptr<OdDbRecordStore> store = openStore();
     ASSERT_TRUE(succeeded(store->beginSave()));
     ASSERT_TRUE(succeeded(change(*store)));
     ASSERT_TRUE(succeeded(store->commitSave()));
@@ -93,9 +78,6 @@ class DamagedDrawing : public testing::Test {
     if (isNamed) ++m_reported;
   }
 
-  Shell m_shell;
-  std::unique_ptr<OdDbRecordStoreFactory> m_factory = createSqliteStoreFactory();
-  storetest::Content m_sound;
   std::vector<Outcome> m_answers;
   std::size_t m_reported = 0;
 };

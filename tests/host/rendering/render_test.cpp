@@ -171,6 +171,15 @@ TEST_F(RenderTest, TheSameDrawingGivesTheSameBytes) {
   }
 }
 
+TEST_F(RenderTest, TheExtensionSaysWhichFormatAFileHas) {
+  EXPECT_EQ(rendererFor("a.b/c.PNG"), &renderPng);
+  EXPECT_EQ(rendererFor("c.svg"), &renderSvg);
+  EXPECT_EQ(rendererFor("c.Glb"), &renderGlb);
+  for (const char* other : {"png", "a.png/b", "c.step", ""}) EXPECT_EQ(rendererFor(other), nullptr);
+  EXPECT_THAT(renderFile(*m_database, "c.bmp", m_options), HasSubstr("'c.bmp' ends in none of"));
+  EXPECT_FALSE(fs::exists("c.bmp"));
+}
+
 TEST_F(RenderTest, SvgHoldsOutlinesAndLabels) {
   addBox({0, 0, 0}, OdCmColor::fromRGB(250, 0, 0));
   m_options.width = 600;

@@ -11,7 +11,6 @@
 #include "platform/cloning/id_mapping.h"
 #include "platform/db/audit_info.h"
 #include "tests/platform/assoc/network_testing.h"
-#include "tests/support/test_folder.h"
 #include "tests/support/test_seed.h"
 
 namespace {
@@ -96,7 +95,6 @@ class RandomNetwork : public NetworkTest {
     check();
   }
 
- private:
   int pick(int count) { return std::uniform_int_distribution(0, count - 1)(engine); }
   OdDbObjectId idOf(const std::string& name) {
     return open<OdDbAssocNetwork>(network)->variableNamed(OdString(name));
@@ -222,11 +220,7 @@ class RandomNetwork : public NetworkTest {
   }
 
   void reopen() {
-    const OdString path = folder.odFile(std::to_string(++files) + ".vdm");
-    saveAs(drawing, path);
-    drawing.release();
-    drawing = read(host, path);
-    network = networkOf(drawing->getModelSpaceId());
+    NetworkTest::reopen();
     drawing->clearUndo();
     before.clear();
     after.clear();
@@ -281,8 +275,6 @@ class RandomNetwork : public NetworkTest {
   }
 
   std::mt19937 engine{freshSeed()};
-  TestFolder folder;
-  int files = 0;
   Model model;
   std::vector<Model> before;
   std::vector<Model> after;

@@ -10,6 +10,7 @@
 #include "platform/assoc/assoc_network.h"
 #include "platform/assoc/assoc_variable.h"
 #include "tests/support/drawing_testing.h"
+#include "tests/support/test_folder.h"
 
 /// A drawing in millimetres whose model space has a network.
 class NetworkTest : public DrawingVerbs, public testing::Test {
@@ -21,7 +22,7 @@ class NetworkTest : public DrawingVerbs, public testing::Test {
   }
 
   static OdDbObjectId networkOf(OdDbObjectId block) {
-    return OdDbAssocNetwork::getInstanceFromObject(block, /*create=*/true);
+    return OdDbAssocNetwork::getInstanceFromObject(block, /*createIfDoesNotExist=*/true);
   }
   /// A new variable of a network.
   static OdDbObjectId add(OdDbObjectId network, const OdString& name,
@@ -82,6 +83,17 @@ class NetworkTest : public DrawingVerbs, public testing::Test {
     return ids;
   }
 
+  /// Saves the drawing and opens it again; the network is that of the new one.
+  void reopen() {
+    const OdString path = folder.odFile(std::to_string(++files) + ".vdm");
+    saveAs(drawing, path);
+    drawing.release();
+    drawing = read(host, path);
+    network = networkOf(drawing->getModelSpaceId());
+  }
+
+  TestFolder folder;
+  int files = 0;
   FilingHost host;
   OdDbDatabasePtr drawing;
   OdDbObjectId network;

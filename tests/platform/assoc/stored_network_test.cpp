@@ -7,20 +7,11 @@
 #include "tests/support/dump_drawing.h"
 #include "tests/support/dxf_testing.h"
 #include "tests/support/stored_page.h"
-#include "tests/support/test_folder.h"
 
 namespace {
 
 class StoredNetwork : public NetworkTest {
  protected:
-  /// Saves the drawing and opens it again; the network is that of the new one.
-  void reopen() {
-    const OdString path = folder.odFile(std::to_string(++files) + ".vdm");
-    saveAs(drawing, path);
-    drawing.release();
-    drawing = read(host, path);
-    network = networkOf(drawing->getModelSpaceId());
-  }
   OdDbObjectId named(const wchar_t* name) {
     return open<OdDbAssocNetwork>(network)->variableNamed(name);
   }
@@ -48,9 +39,6 @@ class StoredNetwork : public NetworkTest {
     drawing->audit(&info);
     return info.numErrors();
   }
-
-  TestFolder folder;
-  int files = 0;
 };
 
 TEST_F(StoredNetwork, ComesBackWithValuesMarksAndLinks) {

@@ -1,6 +1,7 @@
 // Tests of what the host lends: finding of files, the mode of copying parameters, units of blocks.
 #include <filesystem>
 
+#include "platform/base/non_copyable.h"
 #include "platform/cloning/id_mapping.h"
 #include "tests/platform/db/db_testing.h"
 #include "tests/support/test_folder.h"
@@ -10,14 +11,12 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Makes a folder the current one while it lives.
-class CurrentFolder {
+class CurrentFolder : OdNonCopyable {
  public:
   explicit CurrentFolder(const fs::path& folder) : m_previous(fs::current_path()) {
     fs::current_path(folder);
   }
   ~CurrentFolder() { fs::current_path(m_previous); }
-  CurrentFolder(const CurrentFolder&) = delete;
-  CurrentFolder& operator=(const CurrentFolder&) = delete;
 
  private:
   fs::path m_previous;

@@ -66,19 +66,28 @@ TEST(ExpressionPage, VariablesAreThoseOfTheTest) {
   }
 }
 
+/// The expression in a cell of the page.
+struct CompiledCell {
+  explicit CompiledCell(const std::string& cell)
+      : compiles(compile(codeOf(cell), scope, {4, {}}, program, diagnostic)) {}
+
+  PageScope scope;
+  Program program;
+  Diagnostic diagnostic;
+  bool compiles;
+};
+
 TEST(ExpressionPage, ExamplesHaveTheirValues) {
   const auto rows = tableRows("Expression Value");
   EXPECT_GT(rows.size(), 35U);
   for (const std::vector<std::string>& row : rows) {
-    PageScope scope;
-    Program program;
-    Diagnostic diagnostic;
-    ASSERT_TRUE(compile(codeOf(row[0]), scope, {4, {}}, program, diagnostic))
-        << row[0] << diagnostic.text();
+    SCOPED_TRACE(row[0]);
+    CompiledCell cell(row[0]);
+    ASSERT_TRUE(cell.compiles) << cell.diagnostic.text();
     double value = 0.0;
-    ASSERT_TRUE(program.evaluate(PageScope::kValues, value)) << row[0];
-    EXPECT_EQ(numberText(value), row[1].c_str()) << row[0];
-    EXPECT_EQ(program.dimension().text(), row[2].c_str()) << row[0];
+    ASSERT_TRUE(cell.program.evaluate(PageScope::kValues, value));
+    EXPECT_EQ(numberText(value), row[1].c_str());
+    EXPECT_EQ(cell.program.dimension().text(), row[2].c_str());
   }
 }
 
@@ -86,13 +95,9 @@ TEST(ExpressionPage, RefusalsHaveTheirWords) {
   const auto rows = tableRows("Expression Refusal");
   EXPECT_GT(rows.size(), 10U);
   for (const std::vector<std::string>& row : rows) {
-    PageScope scope;
-    Program program;
-    Diagnostic diagnostic;
-    if (compile(codeOf(row[0]), scope, {4, {}}, program, diagnostic)) {
-      diagnostic = program.explain(PageScope::kValues);
-    }
-    EXPECT_EQ(diagnostic.text(), row[1].c_str()) << row[0];
+    CompiledCell cell(row[0]);
+    if (cell.compiles) cell.diagnostic = cell.program.explain(PageScope::kValues);
+    EXPECT_EQ(cell.diagnostic.text(), row[1].c_str()) << row[0];
   }
 }
 

@@ -36,6 +36,19 @@ class Recovery : public storetest::FolderTest {
     ASSERT_TRUE(writeFile(*m_factory, m_path, content).ok());
     m_bytes = readBytes(m_path);
   }
+  /// Writes records and saves again with those above a handle erased; what stays.
+  Content writeAndErase(std::size_t count, OdUInt64 last) {
+    const Content first = makeContent(count, 300);
+    Content second = first;
+    std::erase_if(second.records, [&](const auto& item) { return item.first > last; });
+    write(first);
+    std::unique_ptr<OdDbRecordStore> store;
+    EXPECT_TRUE(m_factory->open(m_path, OdDbStoreOpenMode::kReadWrite, store).ok());
+    EXPECT_TRUE(saveChanges(*store, first, second).ok());
+    store.reset();
+    m_bytes = readBytes(m_path);
+    return second;
+  }
   void overwritePage(std::size_t number, char value) {
     std::fill_n(m_bytes.begin() + static_cast<std::ptrdiff_t>((number - 1) * kPageSize), kPageSize,
                 value);
@@ -140,16 +153,7 @@ TEST_F(Recovery, NamesTheRecordThatIsDamaged) {
 }
 
 TEST_F(Recovery, LeavesOutWhatWasErasedBeforeTheDamage) {
-  const Content first = makeContent(300, 300);
-  Content second = first;
-  std::erase_if(second.records, [](const auto& item) { return item.first > 150; });
-  write(first);
-  {
-    std::unique_ptr<OdDbRecordStore> store;
-    ASSERT_TRUE(m_factory->open(m_path, OdDbStoreOpenMode::kReadWrite, store).ok());
-    ASSERT_TRUE(saveChanges(*store, first, second).ok());
-  }
-  m_bytes = readBytes(m_path);
+  const Content second = writeAndErase(300, 150);
   overwritePage(4, '\0');  // the root of the objects: every record must be searched for
   const CollectingSink sink = recover();
   EXPECT_TRUE(sink.content.records == second.records) << sink.lines;
@@ -185,15 +189,7 @@ TEST_F(Recovery, LosesNothingOnPagesThatAreListedAsFreeAndInUse) {
 }
 
 TEST_F(Recovery, LeavesOutErasedRowsWhereOthersAreLost) {
-  const Content first = makeContent(300, 300);
-  Content second = first;
-  std::erase_if(second.records, [](const auto& item) { return item.first > 150; });
-  write(first);
-  std::unique_ptr<OdDbRecordStore> store;
-  ASSERT_TRUE(m_factory->open(m_path, OdDbStoreOpenMode::kReadWrite, store).ok());
-  ASSERT_TRUE(saveChanges(*store, first, second).ok());
-  store.reset();
-  m_bytes = readBytes(m_path);
+  const Content second = writeAndErase(300, 150);
   m_bytes[m_bytes.find(second.records.at(0x2F).data) + 3] ^= 1;
   const CollectingSink sink = recover();
   EXPECT_FALSE(sink.content.records.contains(0x2F));

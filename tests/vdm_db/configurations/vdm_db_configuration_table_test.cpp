@@ -43,15 +43,16 @@ TEST_F(VdmDbConfigurationTableTest, LoadReportsEveryProblemAndThenChangesNothing
                  {"", "1", "2", "3", "4", "5"},
                  {"K", "1", "2", "3", "4", "5"}};
   EXPECT_EQ(loadSheet(*m_table, bad, false, &lines), 5);
-  EXPECT_EQ(lines,
-            (Lines{"2: row 1, column 1: the cell is empty",
-                   "3: row 1, column 3: \"*x\" begins with the reserved character \"*\"",
-                   "5: column 4 has no name",
-                   "4: column 6: \"a b\" is no name that a variable can have: column 2: found ' ', "
-                   "expected a letter, a digit or '_'",
-                   "6: columns 2, 5 have the same name \"Width\"",
-                   "2: row 2, column 6: the cell is empty", "2: row 3, column 1: the cell is empty",
-                   "7: rows 2, 4 have the same key \"k\""}));
+  EXPECT_EQ(
+      lines,
+      (Lines{"2: row 1, column 1: the cell is empty",
+             "3: row 1, column 3: \"*x\" begins with the reserved character \"*\"",
+             "5: column 4 has no name",
+             ("4: column 6: \"a b\" is no name that a variable can have: column 2: found ' ', "
+              "expected a letter, a digit or '_'"),
+             "6: columns 2, 5 have the same name \"Width\"",
+             "2: row 2, column 6: the cell is empty", "2: row 3, column 1: the cell is empty",
+             "7: rows 2, 4 have the same key \"k\""}));
   EXPECT_EQ(exported(*m_table), stored);
 
   lines.clear();

@@ -2,17 +2,10 @@
 #include "vdm_db/drawing_utils/vdm_block_utils.h"
 
 #include "platform/db/dictionary.h"
+#include "tests/support/array_action.h"
 #include "tests/support/reference_testing.h"
 #include "vdm_db/drawing_utils/vdm_assoc_array_utils.h"
 #include "vdm_db/drawing_utils/vdm_reactor_utils.h"
-
-/// The action that fills an array.
-class ArrayAction : public OdDbObject {
- public:
-  OD_RX_DECLARE_MEMBERS(ArrayAction)
-};
-OD_RX_DEFINE_DB(ArrayAction, OdDbObject, L"OdDbAssocArrayActionBody", 33, 55, 0, L"ARRAYACTION",
-                L"tests")
 
 namespace {
 

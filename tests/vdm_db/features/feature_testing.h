@@ -23,10 +23,10 @@ class HoleFeature : public VdmFeature {
 
   double depth = 0;
 
-  int currentEdition() const override { return edition; }
+  [[nodiscard]] int currentEdition() const override { return edition; }
   bool isRequiredDependency(int mask, int tag) override;
   void subMapProperties(VdmProperties& bag) override { bag.mapProperty<double>(L"Depth", &depth); }
-  bool canBeCloned(const OdDbIdMapping&) const override { return depth >= 0; }
+  [[nodiscard]] bool canBeCloned(const OdDbIdMapping&) const override { return depth >= 0; }
 
   static std::vector<std::pair<int, int>> asked;  ///< masks and tags of isRequiredDependency
 };
@@ -39,7 +39,7 @@ class TellingReactor : public VdmDbFeatureReactor {
   static int calls;
   static bool sound;
 
-  bool hasChanges() const override {
+  [[nodiscard]] bool hasChanges() const override {
     ++calls;
     return true;
   }

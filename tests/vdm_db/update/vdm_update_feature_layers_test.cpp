@@ -1,16 +1,9 @@
 // Solids by layer: in blocks, external drawings, long transactions and associative arrays.
 #include "platform/db/long_transaction.h"
+#include "tests/support/array_action.h"
 #include "tests/vdm_db/update/update_testing.h"
 #include "vdm_db/drawing_utils/vdm_assoc_array_utils.h"
 #include "vdm_db/features/vdm_simple_feature_interface.h"
-
-/// The action that fills an array.
-class ArrayAction : public OdDbObject {
- public:
-  OD_RX_DECLARE_MEMBERS(ArrayAction)
-};
-OD_RX_DEFINE_DB(ArrayAction, OdDbObject, L"OdDbAssocArrayActionBody", 33, 55, 0, L"ARRAYACTION",
-                L"tests")
 
 namespace {
 
