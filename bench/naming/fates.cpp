@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "platform/base/sort_unique.h"
+
 namespace naming_bench {
 
 std::vector<std::vector<OdUInt32>> faceImages(const EditTrace& edit) {
@@ -29,8 +31,7 @@ std::vector<std::vector<OdUInt32>> faceImages(const EditTrace& edit) {
     }
   }
   for (std::vector<OdUInt32>& faces : images) {
-    std::ranges::sort(faces);
-    faces.erase(std::ranges::unique(faces).begin(), faces.end());
+    odSortUnique(faces);
   }
   return images;
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "bench/naming/made_body.h"
+#include "platform/base/sort_unique.h"
 
 namespace naming_bench {
 namespace {
@@ -20,8 +21,7 @@ void follow(FaceTable& table, const OdModelerInputHistory& fates) {
       const std::vector<OdUInt32>& images = fates.faces[face - 1].images;
       now.insert(now.end(), images.begin(), images.end());
     }
-    std::ranges::sort(now);
-    now.erase(std::ranges::unique(now).begin(), now.end());
+    odSortUnique(now);
     faces = std::move(now);
   }
 }

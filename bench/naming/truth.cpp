@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "bench/naming/shape_relation.h"
+#include "platform/base/sort_unique.h"
 
 namespace naming_bench {
 namespace {
@@ -76,7 +77,7 @@ class Judgement {
       key.push_back(m_successors[static_cast<std::size_t>(carrier)]);
     }
     key = sortedKey(std::move(key));
-    if (subent.type == Type::kVertex) key.erase(std::ranges::unique(key).begin(), key.end());
+    if (subent.type == Type::kVertex) odSortUnique(key);
     return key;
   }
 

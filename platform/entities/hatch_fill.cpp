@@ -17,6 +17,8 @@
 #include <cmath>
 #include <map>
 
+#include "platform/base/sort_unique.h"
+
 namespace {
 
 struct Edge {
@@ -109,8 +111,7 @@ std::vector<double> levelsOf(const std::vector<Edge>& edges) {
       if (crossing(*sorted[i], *sorted[k], y)) levels.push_back(y);
     }
   }
-  std::ranges::sort(levels);
-  levels.erase(std::unique(levels.begin(), levels.end()), levels.end());
+  odSortUnique(levels);
   return levels;
 }
 

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "platform/base/sort_unique.h"
 #include "platform/expressions/arithmetic.h"
 #include "platform/expressions/functions.h"
 #include "platform/expressions/instruction.h"
@@ -97,8 +98,7 @@ std::vector<OdUInt32> Program::slots() const {
     add(step->bSource, step->b);
   }
   add(m_resultSource, m_resultIndex);
-  std::ranges::sort(slots);
-  slots.erase(std::unique(slots.begin(), slots.end()), slots.end());
+  odSortUnique(slots);
   return slots;
 }
 

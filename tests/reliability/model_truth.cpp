@@ -5,6 +5,7 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "platform/base/sort_unique.h"
 #include "platform/modeler/modeler.h"
 
 namespace {
@@ -121,9 +122,7 @@ std::vector<OdUInt32> ModelTruth::facesAt(const OdModelerBody& body, OdModelerSu
     const std::vector<OdUInt32>& sides = body.edge(edge).faces;
     faces.insert(faces.end(), sides.begin(), sides.end());
   }
-  std::ranges::sort(faces);
-  const auto rest = std::ranges::unique(faces);
-  faces.erase(rest.begin(), rest.end());
+  odSortUnique(faces);
   return faces;
 }
 

@@ -9,6 +9,7 @@
 // Afterwards two reactors of one feature may list the same dependencies, where faces merged. The
 // first one stays. Groups are compared as sorted lists under a hash of their members, so a feature
 // costs one look at each of its dependencies.
+#include "platform/base/sort_unique.h"
 #include "vdm_db/update/vdm_feature_update_data.h"
 
 #include <algorithm>
@@ -31,8 +32,7 @@ class SeenGroups {
   /// True when the group was not there yet.
   bool add(const OdDbObjectIdArray& ids) {
     std::vector<OdDbObjectId> group(ids.begin(), ids.end());
-    std::sort(group.begin(), group.end());
-    group.erase(std::unique(group.begin(), group.end()), group.end());
+    odSortUnique(group);
     auto [first, last] = m_groups.equal_range(hashOf(group));
     for (; first != last; ++first) {
       if (first->second == group) return false;
