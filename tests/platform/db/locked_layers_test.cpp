@@ -81,6 +81,10 @@ TEST_F(LockedLayersTest, DoNotStopServices) {
       m_database->wblockCloneObjects(ids, other->getModelSpaceId(), *across, OdDb::kDrcIgnore),
       eOk);
 
+  OdDbIdPair pair(m_line);
+  ASSERT_TRUE(across->compute(pair));
+  EXPECT_EQ(open<OdDbLine>(pair.value())->layerId().database(), other.get());
+
   OdDbObjectId editing;
   ASSERT_EQ(OdDbLongTransactionMan::checkOut(ids, addBlock(L"WORK"), L"edit", editing), eOk);
   const OdDbObjectId copy = open<OdDbLongTransaction>(editing)->workSet()[0];
@@ -98,12 +102,15 @@ TEST_F(LockedLayersTest, DoNotStopServices) {
   EXPECT_EQ(OdDbXRefMan::detach(edit<OdDbBlockTableRecord>(xref)), eOk);
   EXPECT_TRUE(inserted.isErased());
 
-  edit<OdDbBlockTableRecord>(m_space)->addPersistentReactor(m_line);
-  oddbOpenThroughLock<OdDbLine>(m_line)->addPersistentReactor(shown);
+  OdDbLinePtr lost = OdDbLine::createObject();
+  const OdDbObjectId unlisted = m_database->addOdDbObject(lost, m_space);
+  lost->setLayer(m_layer);
+  lost.release();
   OdDbAuditInfo info;
   info.setFixErrors(true);
   m_database->audit(&info);
   EXPECT_EQ(info.numErrors(), info.numFixes());
+  EXPECT_TRUE(open<OdDbBlockTableRecord>(m_space)->entityIds().contains(unlisted));
 }
 
 }  // namespace
