@@ -30,6 +30,7 @@
 #include "platform/db/layer_table.h"
 #include "platform/db/linetype_file.h"
 #include "platform/db/linetype_table.h"
+#include "platform/db/locked_layers.h"
 #include "platform/db/long_transaction.h"
 #include "platform/db/material.h"
 #include "platform/db/mline_style.h"

@@ -10,6 +10,7 @@
 #include "platform/cloning/id_mapping.h"
 #include "platform/db/block_table.h"
 #include "platform/db/entity.h"
+#include "platform/db/locked_layers.h"
 #include "platform/db/units.h"
 #include "vdm_db/features/vdm_clone_with_features.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
@@ -173,6 +174,7 @@ void convertLengths(const OdDbObjectId& source, const OdDbObjectId& clone, Outco
   const OdDb::UnitsValue to = lengthUnitsOf(*clone.safeOpenAs<OdDbEntity>());
   const double factor = oddbGetUnitsConversion(from, to);
   if (factor == 1.0) return;
+  const OdDbLockedLayerAccess access(clone.database());
   const auto entity = clone.safeOpenAs<OdDbEntity>(OdDb::kForWrite);
   const OdResult result = entity->transformBy(OdGeMatrix3d::scaling(factor));
   if (result != eOk) {

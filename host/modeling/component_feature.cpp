@@ -6,6 +6,7 @@
 #include "platform/base/non_copyable.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
+#include "platform/db/locked_layers.h"
 #include "platform/entities/block_reference.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "vdm_db/features/vdm_db_pers_id_reactor.h"
@@ -31,7 +32,7 @@ class VdmDbInsertReactorImpl : public VdmDbFeatureReactorImpl {
 
   OdResult subErase(VdmDbFeatureReactor* reactor) override {
     if (reactor->isUndoing()) return eOk;
-    const OdDbObjectPtr object = insert.openObject(OdDb::kForWrite);
+    const OdDbObjectPtr object = oddbOpenThroughLock<OdDbObject>(insert);
     if (!object.isNull()) object->removePersistentReactor(reactor->objectId());
     return eOk;
   }
@@ -79,6 +80,7 @@ VdmDbInsertReactorImpl& VdmDbInsertReactor::state() const {
 
 void VdmDbInsertReactor::watch(const OdDbObjectId& insert) {
   static_cast<VdmDbInsertReactorImpl&>(implForWrite()).insert = insert;
+  const OdDbLockedLayerAccess access(insert.database());
   insert.safeOpenObject(OdDb::kForWrite)->addPersistentReactor(objectId());
 }
 

@@ -8,6 +8,7 @@
 #include "host/modeling/model_update.h"
 #include "host/naming/reference_query.h"
 #include "platform/base/error.h"
+#include "platform/db/locked_layers.h"
 #include "platform/entities/block_reference.h"
 #include "platform/modeler/reach.h"
 #include "vdm_db/common/vdm_constants.h"
@@ -22,7 +23,16 @@ using vdmu::handleText;
 
 OdStatus refuse(const OdString& text) { return {eInvalidInput, text}; }
 
+/// Refuses an entity whose layer is locked.
+OdStatus requireUnlocked(const OdDbObjectId& id) {
+  const OdDbEntityPtr entity = id.openAs<OdDbEntity>();
+  if (entity.isNull() || !oddbIsOnLockedLayer(entity)) return {};
+  return {eOnLockedLayer, L"object " + handleText(id) + L" is on layer '" + entity->layer() +
+                              L"', which is locked"};
+}
+
 OdStatus openSolid(const OdDbObjectId& id, OdDb3dSolidPtr& solid) {
+  if (OdStatus status = requireUnlocked(id); !status.ok()) return status;
   solid = id.openAs<OdDb3dSolid>(OdDb::kForWrite);
   if (!solid.isNull()) return {};
   return refuse(L"object " + handleText(id) + L" is no solid that can be changed");
@@ -53,6 +63,7 @@ OdDbObjectId suppressLayer(const OdDbDatabase* database) {
 }
 
 OdStatus erase(const OdDbObjectId& id) {
+  if (OdStatus status = requireUnlocked(id); !status.ok()) return status;
   const OdDbObjectPtr object = id.openObject(OdDb::kForWrite);
   if (object.isNull()) return refuse(L"object " + handleText(id) + L" cannot be opened");
   const OdResult result = object->erase();
@@ -160,6 +171,7 @@ EditResult ModelEditor::suppress(const OdDbObjectId& insert) {
     const VdmComponentFeaturePtr feature =
         VdmComponentFeature::cast(VdmFeature::open(componentOf(insert), OdDb::kForWrite));
     if (feature.isNull()) return refuse(handleText(insert) + L" is no component");
+    if (OdStatus status = requireUnlocked(feature->insertId()); !status.ok()) return status;
     const OdDbBlockReferencePtr reference =
         feature->insertId().safeOpenAs<OdDbBlockReference>(OdDb::kForWrite);
     const OdDbObjectId layer = suppressLayer(m_database);
@@ -238,6 +250,7 @@ OdStatus requirePlace(const OdDbEntity& entity, const OdGeMatrix3d& transform) {
 }
 
 OdStatus transformEntity(const OdDbObjectId& entity, const OdGeMatrix3d& transform) {
+  if (OdStatus status = requireUnlocked(entity); !status.ok()) return status;
   const OdDbEntityPtr object = entity.openAs<OdDbEntity>(OdDb::kForWrite);
   if (object.isNull()) return refuse(handleText(entity) + L" is no entity");
   if (OdStatus status = requirePlace(*object, transform); !status.ok()) return status;

@@ -3,6 +3,7 @@
 
 #include "host/modeling/model_update_context.h"
 #include "host/modeling/model_update_steps.h"
+#include "platform/db/locked_layers.h"
 
 namespace vdm_host {
 namespace {
@@ -29,6 +30,7 @@ OdStatus runModelUpdate(OdDbDatabase* database, OdSolidJournal& journal, EntityC
   ModelUpdateContext context(database, journal, changes, report);
   context.isForced = scope.isForced;
   context.isForeign = scope.isForeign;
+  const OdDbLockedLayerAccess access(database);  // what depends on an edit follows it
   for (const auto step : kSteps) {
     if (OdStatus status = step(context); !status.ok()) return status;
   }

@@ -6,6 +6,7 @@
 #include "host/naming/record_bytes.h"
 #include "platform/db/database.h"
 #include "platform/db/dictionary.h"
+#include "platform/db/open_upgrade.h"
 #include "platform/db/xrecord.h"
 
 namespace vdm_host {
@@ -47,7 +48,7 @@ OdDbXrecordPtr makeStampRecord(const OdDbObjectId& solid) {
   // Solids of external drawings are not written to: their numbers count as they are.
   const OdDbObjectPtr object = solid.openObject();
   if (object.isNull() || object->database()->isReadOnly()) return {};
-  object->upgradeOpen();
+  const OdDbOpenUpgrade upgrade(object);
   const OdDbDictionaryPtr dictionary =
       object->createExtensionDictionary().openAs<OdDbDictionary>(OdDb::kForWrite);
   if (dictionary.isNull()) return {};

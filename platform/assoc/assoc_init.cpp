@@ -1,6 +1,7 @@
 // Registration of this folder's run-time classes.
 #include "platform/assoc/assoc_init.h"
 
+#include "platform/assoc/assoc_2d_constraint_group.h"
 #include "platform/assoc/assoc_dependency.h"
 #include "platform/assoc/assoc_network.h"
 #include "platform/assoc/assoc_variable.h"
@@ -10,9 +11,13 @@ namespace {
 
 // Parents before their children.
 constexpr OdRxClassRow kRows[] = {
-    odrxClassRow<OdDbEvalVariant>(),     odrxClassRow<OdDbAssocAction>(),
-    odrxClassRow<OdDbAssocNetwork>(),    odrxClassRow<OdDbAssocVariable>(),
-    odrxClassRow<OdDbAssocDependency>(), odrxClassRow<OdDbAssocValueDependency>(),
+    odrxClassRow<OdDbEvalVariant>(),
+    odrxClassRow<OdDbAssocAction>(),
+    odrxClassRow<OdDbAssocNetwork>(),
+    odrxClassRow<OdDbAssocVariable>(),
+    odrxClassRow<OdDbAssocDependency>(),
+    odrxClassRow<OdDbAssocValueDependency>(),
+    odrxClassRow<OdDbAssoc2dConstraintGroup>(),
 };
 constinit OdRxClassRows g_classes(kRows);
 

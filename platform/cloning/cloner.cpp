@@ -67,7 +67,7 @@ class OdDbCloner::Nesting : OdNonCopyable {
 };
 
 OdDbCloner::OdDbCloner(OdDbIdMapping& mapping, OdDbDwgFiler::FilerType type)
-    : m_mapping(mapping), m_state(stateOf(mapping)), m_type(type) {}
+    : m_mapping(mapping), m_state(stateOf(mapping)), m_type(type), m_access(mapping.destDb()) {}
 
 OdDbCloneState& OdDbCloner::stateOf(OdDbIdMapping& mapping) {
   if (!mapping.m_cloneState) mapping.m_cloneState = std::make_unique<OdDbCloneState>();

@@ -8,6 +8,7 @@
 #include "platform/base/result.h"
 #include "platform/cloning/id_mapping.h"
 #include "platform/db/db_object.h"
+#include "platform/db/locked_layers.h"
 
 class OdDbBlockTableRecord;
 struct OdDbCloneState;
@@ -125,5 +126,6 @@ class OdDbCloner {
   OdDbIdMapping& m_mapping;
   OdDbCloneState& m_state;
   const OdDbDwgFiler::FilerType m_type;
-  OdDbObjectId m_translating;  // the clone whose ids are being translated
+  const OdDbLockedLayerAccess m_access;  // clones may come onto locked layers
+  OdDbObjectId m_translating;            // the clone whose ids are being translated
 };

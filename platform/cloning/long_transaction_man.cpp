@@ -20,6 +20,7 @@
 #include "platform/db/dictionary.h"
 #include "platform/db/field_list.h"
 #include "platform/db/host_app_services.h"
+#include "platform/db/locked_layers.h"
 
 // Record: the fields of OdDbObject, then
 //
@@ -308,6 +309,7 @@ OdResult OdDbLongTransactionMan::checkIn(const OdDbObjectId& id, OdString* reaso
     return refuse(database, eWasErased,
                   L"long transaction " + transaction->name() + L": its block was erased", reason);
   }
+  const OdDbLockedLayerAccess access(database);
   OdDbTransaction step(database);
   const OdDbIdMappingPtr mapping = OdDbIdMapping::createObject(OdDb::kDcObjects);
   OdDbObjectIdArray copies;
@@ -343,6 +345,7 @@ OdResult OdDbLongTransactionMan::checkIn(const OdDbObjectId& id, OdString* reaso
 OdResult OdDbLongTransactionMan::discard(const OdDbObjectId& id, OdString* reason) {
   const OdDbLongTransactionPtr transaction = openRunning(id, reason);
   if (transaction.isNull()) return eWrongObjectType;
+  const OdDbLockedLayerAccess access(transaction->database());
   OdDbTransaction step(transaction->database());
   tell(*transaction, &OdDbLongTransactionReactor::discarding);
   end(*transaction);

@@ -75,8 +75,8 @@ class OdDbLongTransactionReactor {
 };
 
 /// Runs the long transactions of drawings, at most one at a time in each. Each operation is one
-/// transaction of the drawing: it happens whole or not at all. Refusals go to the optional
-/// `reason`.
+/// transaction of the drawing: it happens whole or not at all, also on locked layers. Refusals go
+/// to the optional `reason`.
 class OdDbLongTransactionMan {
  public:
   OdDbLongTransactionMan() = delete;

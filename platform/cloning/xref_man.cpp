@@ -21,6 +21,7 @@
 #include "platform/db/database.h"
 #include "platform/db/database_impl.h"
 #include "platform/db/host_app_services.h"
+#include "platform/db/locked_layers.h"
 #include "platform/db/open_upgrade.h"
 
 namespace {
@@ -291,6 +292,7 @@ OdResult OdDbXRefMan::reload(OdDbBlockTableRecord* block, OdString* reason) {
 OdResult OdDbXRefMan::detach(OdDbBlockTableRecord* block) {
   const OdResult checked = checkXref(block);
   if (checked != eOk) return checked;
+  const OdDbLockedLayerAccess access(block->database());
   OdDbTransaction transaction(block->database());
   for (const OdDbObjectId& reference : block->getBlockReferenceIds()) {
     const OdResult result = reference.safeOpenObject(OdDb::kForWrite)->erase();

@@ -26,6 +26,7 @@
 #include "platform/db/dim_style_table.h"
 #include "platform/db/layer_table.h"
 #include "platform/db/linetype_table.h"
+#include "platform/db/locked_layers.h"
 #include "platform/db/open_upgrade.h"
 #include "platform/db/owner_listing.h"
 #include "platform/db/regapp_table.h"
@@ -362,19 +363,22 @@ class Audit {
     }
   }
 
-  // False for an owner that cannot list such an object, as a table of records of another class.
+  // False for an owner that cannot list the object: a table of records of another class, a block
+  // that would contain itself. A record whose name the table cannot take gets another one.
   static bool listAgain(OdDbObjectId id, OdDbObjectId owner) {
     const OdDbObjectPtr ownerObject = owner.safeOpenObject();
     const OdDbObjectPtr object = id.safeOpenObject(OdDb::kForWrite);
     const OdString freeName = L"audit_" + id.getHandle().ascii();
     const OdDbSymbolTableRecordPtr record = OdDbSymbolTableRecord::cast(object);
-    if (!record.isNull() && !oddbEntryAt(ownerObject, record->getName()).isNull()) {
+    if (!record.isNull() && (!odDbIsValidRecordName(record->getName()) ||
+                             !oddbEntryAt(ownerObject, record->getName()).isNull())) {
       record->setName(freeName);
     }
     try {
       oddbListWithOwner(object, ownerObject, freeName);
       return true;
-    } catch (const OdError&) {
+    } catch (const OdError& error) {
+      if (error.code() != eWrongObjectType && error.code() != eCircularReference) throw;
       return false;
     }
   }
@@ -466,5 +470,6 @@ class Audit {
 void OdDbDatabase::audit(OdDbAuditInfo* info) {
   if (info == nullptr) throw OdError(eInvalidInput, L"audit needs an audit info");
   if (info->fixErrors() && isReadOnly()) throw OdError(eReadOnlyDatabase, getFilename());
+  const OdDbLockedLayerAccess access(info->fixErrors() ? this : nullptr);
   Audit(this, info).run();
 }

@@ -111,6 +111,7 @@ class OdDbDatabaseImpl : OdNonCopyable {
   OdUInt64 savedSeed = 0;
   OdUInt64 changes = 0;  ///< rises with every change
   OdUInt64 savedChanges = 0;
+  OdUInt32 lockedLayerAccesses = 0;  ///< OdDbLockedLayerAccess that live
   bool anyErased = false;
   bool allListed = true;  ///< every record of the file has its id in memory
   bool readOnly = false;

@@ -7,6 +7,7 @@
 #include "platform/base/error.h"
 #include "platform/db/database_impl.h"
 #include "platform/db/internal_access.h"
+#include "platform/db/locked_layers.h"
 #include "platform/db/object_extra.h"
 #include "platform/db/reactor_calls.h"
 
@@ -160,6 +161,9 @@ void OdDbObject::upgradeOpen() {
     throw OdError(eReadOnlyDatabase, OdDbDatabaseImpl::of(m_idRecord).filename);
   }
   assertReadEnabled();
+  if (oddbRefusesWrite(this)) {
+    throw OdError(eOnLockedLayer, OdString("object ") + getDbHandle().ascii());
+  }
   ++m_upgrades;
 }
 

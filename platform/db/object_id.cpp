@@ -4,6 +4,7 @@
 #include "platform/base/error.h"
 #include "platform/db/database_impl.h"
 #include "platform/db/db_object.h"
+#include "platform/db/locked_layers.h"
 #include "platform/db/proxy_object.h"
 
 namespace {
@@ -35,6 +36,7 @@ OdResult open(OdDbIdRecord* idRecord, OdDb::OpenMode mode, bool openErased, OdDb
   if (mode == OdDb::kForWrite) {
     if (impl.readOnly) return eReadOnlyDatabase;
     if (object->isNotifyEnabled()) return eWasOpenForNotify;
+    if (oddbRefusesWrite(object)) return eOnLockedLayer;
   }
   return eOk;
 }

@@ -37,6 +37,16 @@ bool isTranslating(const OdDbDwgFiler* filer) {
          type == OdDbDwgFiler::kDeepCloneFiler || type == OdDbDwgFiler::kWblockCloneFiler;
 }
 
+/// The block whose entities are seen: that of the external drawing for an external reference, null
+/// while it is not open.
+OdDbBlockTableRecordPtr openShown(const OdDbObjectId& id) {
+  OdDbBlockTableRecordPtr block = id.openAs<OdDbBlockTableRecord>();
+  if (block.isNull() || !block->isFromExternalReference()) return block;
+  const OdDbDatabase* external = block->xrefDatabase();
+  return external == nullptr ? OdDbBlockTableRecordPtr()
+                             : external->getModelSpaceId().openAs<OdDbBlockTableRecord>();
+}
+
 }  // namespace
 
 OdDbBlockReference::OdDbBlockReference() = default;
@@ -228,8 +238,7 @@ OdResult OdDbBlockReference::subTransformBy(const OdGeMatrix3d& transform) {
 }
 
 OdResult OdDbBlockReference::getGeomExtents(OdGeExtents3d& extents) const {
-  assertReadEnabled();
-  const OdDbBlockTableRecordPtr block = m_block.openAs<OdDbBlockTableRecord>();
+  const OdDbBlockTableRecordPtr block = openShown(blockTableRecord());
   if (block.isNull()) return eNotApplicable;
   OdGeExtents3d box;
   const OdResult result = block->getGeomExtents(box);
@@ -239,23 +248,17 @@ OdResult OdDbBlockReference::getGeomExtents(OdGeExtents3d& extents) const {
 }
 
 bool OdDbBlockReference::subWorldDraw(OdGiWorldDraw* context) const {
-  assertReadEnabled();
-  OdDbBlockTableRecordPtr block = m_block.openAs<OdDbBlockTableRecord>();
+  const OdDbBlockTableRecordPtr block = openShown(blockTableRecord());
   if (block.isNull()) return false;
   const OdGiModelTransformGuard guard(context->geometry(), blockTransform());
-  if (block->isFromExternalReference()) {
-    const OdDbDatabase* external = block->xrefDatabase();
-    if (external == nullptr) return false;
-    block = external->getModelSpaceId().openAs<OdDbBlockTableRecord>();
-    if (block.isNull()) return false;
-  }
   return block->worldDraw(context);
 }
 
+// What an external drawing holds becomes the host's by binding alone.
 OdResult OdDbBlockReference::explode(OdRxObjectPtrArray& parts) const {
   assertReadEnabled();
   const OdDbBlockTableRecordPtr block = m_block.openAs<OdDbBlockTableRecord>();
-  if (block.isNull()) return eNotApplicable;
+  if (block.isNull() || block->isFromExternalReference()) return eNotApplicable;
   const OdGeMatrix3d transform = blockTransform();
   OdRxObjectPtrArray copies;
   for (OdDbObjectIteratorPtr at = block->newIterator(); !at->done(); at->step()) {

@@ -181,8 +181,11 @@ OdResult OdDbDimension::subTransformBy(const OdGeMatrix3d& transform) {
   if (!oddbTransformPoints(transform, m_points)) return eInvalidInput;
   moveValues(move);
   m_textPosition = textPosition;
-  if (m_textRotation != 0.0) m_textRotation = move.angle(m_textRotation);
-  m_horizontal = move.angle(m_horizontal);
+  if (m_textRotation != 0.0) {
+    m_textRotation = move.angle(m_textRotation);
+    if (m_textRotation == 0.0) m_textRotation = kOdDbFullTurn / 2;  // 0 follows the line
+  }
+  m_horizontal = move.to().angleOf(move.reading(move.from().direction(m_horizontal)));
   m_normal = move.normal();
   return eOk;
 }

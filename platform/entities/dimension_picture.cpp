@@ -22,11 +22,7 @@ OdDbDimPicture::OdDbDimPicture(const OdDbDimStyleValues& style, const OdDbPlaneF
       m_textAlong(level) {}
 
 OdGeVector3d OdDbDimPicture::readable(const OdGeVector3d& along) const {
-  constexpr double kLevel = 1e-9;
-  const double right = along.dotProduct(m_level);
-  const double up = along.dotProduct(m_frame.normal().crossProduct(m_level));
-  const bool isUpsideDown = right < -kLevel || (right <= kLevel && up < 0.0);
-  return isUpsideDown ? -along : along;
+  return oddbReadsUpsideDown(along, m_level, m_frame.normal()) ? -along : along;
 }
 
 void OdDbDimPicture::addStroke(Part part, std::vector<OdGePoint3d> points) {

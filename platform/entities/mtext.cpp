@@ -72,16 +72,20 @@ bool OdDbMText::subWorldDraw(OdGiWorldDraw* context) const {
   return true;
 }
 
-// A flip would turn the lines upside down or from right to left. The direction is reversed, so that
-// up stays up, and left and right of the attachment change sides, so that the block stays in place.
+// A flip would write the characters backwards. The lines run along the image of their direction or
+// against it, whichever leaves the block as readable as it was; the attachment changes sides with
+// them, from left to right or from top to bottom, so that the block stays in place.
 OdResult OdDbMText::subTransformBy(const OdGeMatrix3d& transform) {
   const OdDbPlaneMove move(transform, m_normal);
   const OdGePoint3d location = transform * m_location;
-  const OdGeVector3d along = transform * m_direction;
+  const OdGeVector3d along = move.reading(m_direction);
   if (!move.isFinite() || !odgeIsFinite(location)) return eInvalidInput;
+  if (move.flips()) {
+    const bool isReversed = along.dotProduct(transform * m_direction) < 0.0;
+    m_attachment = isReversed ? oddbMirrored(m_attachment) : oddbTurnedOver(m_attachment);
+  }
   m_location = location;
-  m_direction = along / (move.flips() ? -along.length() : along.length());
-  if (move.flips()) m_attachment = oddbMirrored(m_attachment);
+  m_direction = along;
   m_width *= move.scale();
   m_height *= move.scale();
   m_normal = move.normal();

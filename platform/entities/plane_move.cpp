@@ -43,6 +43,14 @@ double OdDbPlaneFrame::angleOf(const OdGeVector3d& vector) const {
   return std::atan2(vector.dotProduct(m_y), vector.dotProduct(m_x));
 }
 
+bool oddbReadsUpsideDown(const OdGeVector3d& along, const OdGeVector3d& level,
+                         const OdGeVector3d& normal) {
+  constexpr double kLevel = 1e-9;
+  const double right = along.dotProduct(level);
+  const double up = along.dotProduct(normal.crossProduct(level));
+  return right < -kLevel || (right <= kLevel && up < 0.0);
+}
+
 OdDbPlaneMove::OdDbPlaneMove(const OdGeMatrix3d& transform, const OdGeVector3d& normal)
     : m_transform(transform),
       m_from(normal),
@@ -54,7 +62,18 @@ OdDbPlaneMove::OdDbPlaneMove(const OdGeMatrix3d& transform, const OdGeVector3d& 
   m_isSimilar = std::abs(x.length() - y.length()) <= kSimilar * longer &&
                 std::abs(x.dotProduct(y)) <= kSimilar * longer * longer;
   m_scale = std::sqrt(x.crossProduct(y).length());
-  m_depthScale = (transform * normal).dotProduct(m_to.normal());
+  const OdGeVector3d depth = transform * normal;
+  m_depthScale = depth.dotProduct(m_to.normal());
+  m_keepsDepth = (depth - m_to.normal() * m_depthScale).length() <= kSimilar * depth.length();
+}
+
+OdGeVector3d OdDbPlaneMove::reading(const OdGeVector3d& along) const {
+  const OdGeVector3d moved = m_transform * along;
+  const OdGeVector3d image = moved / moved.length();
+  const auto isUpsideDown = [](const OdGeVector3d& text, const OdDbPlaneFrame& frame) {
+    return oddbReadsUpsideDown(text, frame.xAxis(), frame.normal());
+  };
+  return m_flips && isUpsideDown(image, m_to) != isUpsideDown(along, m_from) ? -image : image;
 }
 
 bool OdDbPlaneMove::isFinite() const {

@@ -37,6 +37,12 @@ class OdDbPlaneFrame {
   OdGeVector3d m_normal;
 };
 
+/// Whether a text that runs along a unit vector is upside down for a reader who has `level`
+/// to the right: it reads neither from below nor from the right. The tolerance, 1e-9, is far above
+/// the rounding of unit vectors.
+[[nodiscard]] bool oddbReadsUpsideDown(const OdGeVector3d& along, const OdGeVector3d& level,
+                                       const OdGeVector3d& normal);
+
 /// What an affine, regular transform does to the planes of a normal. The new normal lies on the
 /// side to which the transform takes the old one, so a mirror image keeps what is in front in
 /// front, and turns counter-clockwise into clockwise: it flips.
@@ -56,6 +62,10 @@ class OdDbPlaneMove {
   [[nodiscard]] double scale() const { return m_scale; }
   /// Factor on lengths along the normal.
   [[nodiscard]] double depthScale() const { return m_depthScale; }
+  /// What a thickness draws stays across the planes; a shear may slant it.
+  [[nodiscard]] bool takesThickness(double thickness) const {
+    return thickness == 0.0 || m_keepsDepth;
+  }
   [[nodiscard]] bool isFinite() const;
 
   [[nodiscard]] OdGePoint2d point(const OdGePoint2d& point, double elevation) const {
@@ -70,6 +80,9 @@ class OdDbPlaneMove {
   [[nodiscard]] double angle(double angle) const {
     return m_to.angleOf(m_transform * m_from.direction(angle));
   }
+  /// The unit direction of a text that stays readable: the image of its direction, or the opposite
+  /// where the move flips and the text would turn upside down, or upright, in its plane.
+  [[nodiscard]] OdGeVector3d reading(const OdGeVector3d& along) const;
 
  private:
   OdGeMatrix3d m_transform;
@@ -79,6 +92,7 @@ class OdDbPlaneMove {
   double m_depthScale = 1.0;
   bool m_flips = false;
   bool m_isSimilar = true;
+  bool m_keepsDepth = true;
 };
 
 /// Transforms points. False, and nothing changes, when one would not be finite.

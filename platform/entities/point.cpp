@@ -87,6 +87,7 @@ bool OdDbPoint::subWorldDraw(OdGiWorldDraw* context) const {
 OdResult OdDbPoint::subTransformBy(const OdGeMatrix3d& transform) {
   const OdDbPlaneMove move(transform, m_normal);
   const OdGePoint3d position = transform * m_position;
+  if (!move.takesThickness(m_thickness)) return eCannotScaleNonUniformly;
   if (!move.isFinite() || !odgeIsFinite(position)) return eInvalidInput;
   m_position = position;
   m_rotation = move.angle(m_rotation);

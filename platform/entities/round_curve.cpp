@@ -49,7 +49,7 @@ OdResult OdDbRoundCurve::getGeomExtents(OdGeExtents3d& extents) const {
 OdResult OdDbRoundCurve::subTransformBy(const OdGeMatrix3d& transform) {
   const OdDbPlaneMove move(transform, m_normal);
   const OdGePoint3d center = transform * m_center;
-  if (!move.isSimilar()) return eCannotScaleNonUniformly;
+  if (!move.isSimilar() || !move.takesThickness(m_thickness)) return eCannotScaleNonUniformly;
   if (!move.isFinite() || !odgeIsFinite(center)) return eInvalidInput;
   moveAngles(move);
   m_center = center;

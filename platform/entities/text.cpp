@@ -129,6 +129,7 @@ OdResult OdDbText::subTransformBy(const OdGeMatrix3d& transform) {
   const OdGePoint3d position = transform * m_position;
   const OdGePoint3d alignment = transform * m_alignment;
   if (!move.isFinite() || !odgeIsFinite(position) || !odgeIsFinite(alignment)) return eInvalidInput;
+  if (!move.takesThickness(m_thickness)) return eCannotScaleNonUniformly;
   const OdGeVector3d oldX = move.from().direction(m_rotation);
   const OdGeVector3d oldY = m_normal.crossProduct(oldX);
   const double sense = m_mirroredInX != m_mirroredInY ? -1.0 : 1.0;

@@ -31,6 +31,11 @@ OdDb::AttachmentPoint oddbMirrored(OdDb::AttachmentPoint attachment) {
   return static_cast<OdDb::AttachmentPoint>(place / 3 * 3 + (2 - place % 3) + 1);
 }
 
+OdDb::AttachmentPoint oddbTurnedOver(OdDb::AttachmentPoint attachment) {
+  const int place = attachment - 1;
+  return static_cast<OdDb::AttachmentPoint>((2 - place / 3) * 3 + place % 3 + 1);
+}
+
 /// Reads contents into lines.
 class OdDbTextBlockMaker {
  public:

@@ -27,6 +27,8 @@ enum AttachmentPoint : OdUInt8 {
 }
 /// The same row with left and right exchanged.
 [[nodiscard]] OdDb::AttachmentPoint oddbMirrored(OdDb::AttachmentPoint attachment);
+/// The same column with top and bottom exchanged.
+[[nodiscard]] OdDb::AttachmentPoint oddbTurnedOver(OdDb::AttachmentPoint attachment);
 
 /// Laid out from formatted contents:
 ///

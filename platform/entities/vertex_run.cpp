@@ -326,6 +326,7 @@ OdResult OdDbVertexRun::subTransformBy(const OdGeMatrix3d& transform) {
   const OdDbPlaneMove move(transform, m_normal);
   if (!move.isFinite()) return eInvalidInput;
   if (!move.isSimilar() && (hasBulges() || hasWidth())) return eCannotScaleNonUniformly;
+  if (!move.takesThickness(m_thickness)) return eCannotScaleNonUniformly;
   if (!move.movePoints(m_points, m_elevation)) return eInvalidInput;
   m_elevation = move.elevation(m_elevation);
   m_thickness *= move.depthScale();

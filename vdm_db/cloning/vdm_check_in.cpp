@@ -2,12 +2,16 @@
 //
 // Two mappings pair the objects: forward from the objects of the origin to their
 // counterparts, which check-in has cloned from the copies, and reverse. Ownership is walked from
-// each manager and its counterpart: what both own at the same place, and of the same class, is a
-// pair, too. Then all pairs exchange their states, with references translated. So the objects of
-// the origin keep their ids, which others refer to, and have the edited contents.
+// each manager and its counterpart, and what both own becomes pairs, too: an object that was
+// checked out goes with its own copy alone, also where others before it were erased or added; of
+// the rest, the n-th of a class goes with the n-th of that class. Then all pairs exchange their
+// states, with references translated. So the objects of the origin keep their ids, which others
+// refer to, and have the edited contents.
 #include "vdm_db/cloning/vdm_check_in.h"
 
-#include <algorithm>
+#include <deque>
+#include <map>
+#include <unordered_set>
 
 #include "platform/base/error.h"
 #include "platform/cloning/state_exchange.h"
@@ -34,8 +38,10 @@ class CheckIn {
 
   void enterOriginals(const OdArray<OdDbIdPair>& pairs) {
     for (const OdDbIdPair& pair : pairs) {
+      if (pair.key().isNull()) continue;
+      m_checkedOut.insert(pair.key());
       const OdDbObjectId counterpart = vdmu::findClone(m_active, pair.value());
-      if (!pair.key().isNull() && !counterpart.isNull()) enter(pair.key(), counterpart);
+      if (!counterpart.isNull()) enter(pair.key(), counterpart);
     }
   }
 
@@ -71,25 +77,40 @@ class CheckIn {
   }
 
   void pairOwned(const OdDbIdPair& pair, std::vector<OdDbIdPair>& pairs) {
-    const OdDbObjectPtr origin = pair.key().safeOpenObject(OdDb::kForWrite);
-    const OdDbObjectPtr counterpart = pair.value().safeOpenObject(OdDb::kForWrite);
-    origin->setOdDbObjectIdsInFlux();
-    counterpart->setOdDbObjectIdsInFlux();
-    const OdDbObjectIdArray first = vdmu::getOwnerships(origin);
-    const OdDbObjectIdArray second = vdmu::getOwnerships(counterpart);
-    for (OdUInt32 i = 0; i < std::min(first.size(), second.size()); ++i) {
-      const bool isPair = !first[i].isErased() && !second[i].isErased() && first[i] != second[i] &&
-                          first[i].objectClass() == second[i].objectClass();
-      if (!isPair) continue;
-      enter(first[i], second[i]);
-      pairs.emplace_back(first[i], second[i]);
+    const OdDbObjectIdArray ofOrigin = prepare(pair.key());
+    const OdDbObjectIdArray ofCounterpart = prepare(pair.value());
+    const std::unordered_set<OdDbObjectId> owned(ofCounterpart.begin(), ofCounterpart.end());
+    std::map<const OdRxClass*, std::deque<OdDbObjectId>> unpaired;
+    for (const OdDbObjectId& id : ofCounterpart) {
+      if (vdmu::findClone(*m_reverse, id).isNull()) unpaired[id.objectClass()].push_back(id);
     }
+    for (const OdDbObjectId& id : ofOrigin) {
+      OdDbObjectId other = vdmu::findClone(*m_forward, id);
+      std::deque<OdDbObjectId>& candidates = unpaired[id.objectClass()];
+      if (other.isNull() && !m_checkedOut.contains(id) && !candidates.empty()) {
+        other = candidates.front();
+        candidates.pop_front();
+      }
+      const bool isPair = other != id && owned.contains(other) && !id.isErased() &&
+                          !other.isErased() && id.objectClass() == other.objectClass();
+      if (!isPair) continue;
+      enter(id, other);
+      pairs.emplace_back(id, other);
+    }
+  }
+
+  /// The object is about to get another state; gives what it owns.
+  static OdDbObjectIdArray prepare(const OdDbObjectId& id) {
+    const OdDbObjectPtr object = id.safeOpenObject(OdDb::kForWrite);
+    object->setOdDbObjectIdsInFlux();
+    return vdmu::getOwnerships(object);
   }
 
   const OdDbLongTransaction& m_transaction;
   const OdDbIdMapping& m_active;
   OdDbIdMappingPtr m_forward;
   OdDbIdMappingPtr m_reverse;
+  std::unordered_set<OdDbObjectId> m_checkedOut;
 };
 
 }  // namespace

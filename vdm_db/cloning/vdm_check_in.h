@@ -14,8 +14,8 @@ using VdmManagerLookup = std::function<OdDbObjectId(const OdDbObjectId& block, b
 
 /// Moves the contents of managers back when a long transaction is checked in: the manager of the
 /// origin block takes over the state of what the manager of the destination block has become, and
-/// keeps its id; so does each object that both own at the same place. What they held before goes to
-/// their counterparts, which die with the copies.
+/// keeps its id; so does each object that it owns and that was checked out with it or has a place
+/// of its own there. What they held before goes to their counterparts, which die with the copies.
 ///
 /// To be called while the transaction has an active id map; nothing happens without one. `pairs`
 /// leads from originals to their copies, as the map of the check-out did (convertIdMapToArray). A

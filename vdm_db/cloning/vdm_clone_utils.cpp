@@ -4,11 +4,16 @@
 #include <algorithm>
 #include <vector>
 
+#include "platform/assoc/assoc_2d_constraint_group.h"
+#include "platform/assoc/assoc_network.h"
+#include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "platform/db/dictionary.h"
 #include "platform/entities/block_reference.h"
 #include "platform/filer/id_filer.h"
+#include "vdm_db/drawing_utils/vdm_assoc_action_utils.h"
 #include "vdm_db/drawing_utils/vdm_dictionary_utils.h"
+#include "vdm_db/drawing_utils/vdm_handle_text.h"
 #include "vdm_db/drawing_utils/vdm_long_transaction_utils.h"
 #include "vdm_db/drawing_utils/vdm_object_id_class.h"
 #include "vdm_db/drawing_utils/vdm_xref_utils.h"
@@ -29,7 +34,7 @@ void appendCloned(OdDbIdMapping& mapping, OdArray<OdDbIdPair>& pairs, const Acce
 namespace vdmu {
 
 bool isInLongTransaction(OdDbIdMapping& mapping) {
-  return isInLongTransaction(mapping.origDb() != nullptr ? mapping.origDb() : mapping.destDb());
+  return isInLongTransaction(mapping.origDb()) || isInLongTransaction(mapping.destDb());
 }
 
 void getClonedObjectsByExactType(OdDbIdMapping& mapping, const OdRxClass* cls,
@@ -70,6 +75,20 @@ void delDatabaseDictsBeginWith(OdDbDatabase* database, const OdString& prefix) {
     }
   }
   for (const OdString& name : names) deleteDict(database, name, OdDbObjectId::kNull);
+}
+
+void transform2dConstraints(const OdDbObjectId& block, OdGeMatrix3d transform) {
+  OdDbObjectIdArray actions = getAssocActions(block);
+  for (OdUInt32 i = 0; i < actions.size(); ++i) {
+    const OdDbObjectId id = actions[i];
+    if (const auto nested = id.openAs<OdDbAssocNetwork>(); !nested.isNull()) {
+      actions.append(nested->getActions());
+    }
+    if (!isIdOf<OdDbAssoc2dConstraintGroup>(id)) continue;
+    const OdResult result =
+        id.safeOpenAs<OdDbAssoc2dConstraintGroup>(OdDb::kForWrite)->transformActionBy(transform);
+    if (result != eOk) throw OdError(result, L"2D constraint group " + handleText(id));
+  }
 }
 
 OdArray<OdDbObjectId> getOwnerships(const OdDbObject* object) {

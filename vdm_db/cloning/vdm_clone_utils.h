@@ -7,6 +7,7 @@
 #include "platform/base/string.h"
 #include "platform/cloning/id_mapping.h"
 #include "platform/filer/object_id.h"
+#include "platform/ge/matrix3d.h"
 #include "vdm_db/common/vdm_db_export.h"
 
 class OdDbDatabase;
@@ -15,8 +16,8 @@ class OdRxClass;
 
 namespace vdmu {
 
-/// A long transaction is running in the drawing that the mapping's clones come from or, when it is
-/// not set, in the one that they go to.
+/// A long transaction is running in the drawing that the mapping's clones come from, or in the one
+/// that they go to.
 [[nodiscard]] VDM_DB_EXPORT bool isInLongTransaction(OdDbIdMapping& mapping);
 
 /// Appends the pairs whose cloned object is exactly of the class, in the order of the mapping.
@@ -35,6 +36,11 @@ VDM_DB_EXPORT void putObjectsToIdMap(const std::unordered_set<OdDbObjectId>& ids
 /// Erases the dictionaries, with their entries, that are entries of the named objects dictionary
 /// under a key that begins with `prefix`, in any case. Nothing happens for an empty prefix.
 VDM_DB_EXPORT void delDatabaseDictsBeginWith(OdDbDatabase* database, const OdString& prefix);
+
+/// Takes the 2D constraint groups of a block where the matrix takes its geometry: those in its
+/// network and in networks below that. Nothing happens for an object without a network. Raises what
+/// the group refuses, as a singular matrix.
+VDM_DB_EXPORT void transform2dConstraints(const OdDbObjectId& block, OdGeMatrix3d transform);
 
 /// The ids that an object files as owned, in that order; null ones are left out.
 [[nodiscard]] VDM_DB_EXPORT OdArray<OdDbObjectId> getOwnerships(const OdDbObject* object);

@@ -12,6 +12,7 @@
 #include "platform/assoc/assoc_variable.h"
 #include "platform/base/error.h"
 #include "platform/db/database.h"
+#include "platform/db/locked_layers.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/drawing_utils/vdm_layer_utils.h"
 #include "vdm_db/drawing_utils/vdm_object_id_class.h"
@@ -36,7 +37,8 @@ OdDbObjectId suppressLayerOf(const OdDbDatabase* database) {
   });
 }
 
-/// Calls `move` for each entity, open for write, in the order of handles; the last failure.
+/// Calls `move` for each entity, open for write also on a locked layer, in the order of handles;
+/// the last failure.
 template <class Move>
 OdResult moveEntities(const std::unordered_set<OdDbObjectId>& entities, const Move& move) {
   std::vector<OdDbObjectId> ordered(entities.begin(), entities.end());
@@ -44,6 +46,7 @@ OdResult moveEntities(const std::unordered_set<OdDbObjectId>& entities, const Mo
   OdResult failure = eOk;
   for (const OdDbObjectId& id : ordered) {
     try {
+      const OdDbLockedLayerAccess access(id.database());
       const OdDbEntityPtr entity = OdDbEntity::cast(id.safeOpenObject(OdDb::kForWrite));
       if (entity.isNull()) {
         failure = eWrongObjectType;

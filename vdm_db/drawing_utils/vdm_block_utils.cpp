@@ -6,6 +6,7 @@
 #include "platform/base/error.h"
 #include "platform/db/block_table.h"
 #include "platform/db/database.h"
+#include "platform/db/locked_layers.h"
 #include "platform/db/selection_filter.h"
 #include "platform/db/units.h"
 #include "platform/entities/block_reference.h"
@@ -226,6 +227,7 @@ OdResult setEffectiveBlockRefScale(OdDbObjectId reference, const OdGeScale3d& sc
   if (!opened.isOpen()) return eWrongObjectType;
   const OdGeScale3d factors = scale * OdGeScale3d(opened.unitFactor());
   if (hasZero(factors)) return eInvalidInput;
+  if (oddbIsOnLockedLayer(opened.reference)) return eOnLockedLayer;
   const VdmOpenUpgrade upgrade(opened.reference);
   opened.reference->setScaleFactors(factors);
   return eOk;

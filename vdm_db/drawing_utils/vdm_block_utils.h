@@ -60,7 +60,8 @@ getBlockReferenceIds(const OdDbBlockTableRecord* block, bool directOnly, bool fo
 /// the block's units to the drawing's. eWrongObjectType when the reference or its block is none,
 /// eInvalidInput for a block without units and for factors within 1e-10 of 0.
 VDM_DB_EXPORT OdResult getEffectiveBlockRefScale(OdDbObjectId reference, OdGeScale3d& scale);
-/// The reverse. A block without units is taken as it is: its factors are the scale.
+/// The reverse. A block without units is taken as it is: its factors are the scale. eOnLockedLayer
+/// for a reference on a locked layer.
 VDM_DB_EXPORT OdResult setEffectiveBlockRefScale(OdDbObjectId reference, const OdGeScale3d& scale);
 
 }  // namespace vdmu

@@ -4,6 +4,7 @@
 #include "platform/base/error.h"
 #include "platform/db/database.h"
 #include "platform/db/entity.h"
+#include "platform/db/locked_layers.h"
 #include "vdm_db/common/vdm_class_registration.h"
 #include "vdm_db/drawing_utils/vdm_erase_utils.h"
 #include "vdm_db/drawing_utils/vdm_object_id_class.h"
@@ -164,7 +165,7 @@ bool VdmDbObject::isWatched() const {
 }
 
 void VdmDbObject::triggerObjectRedraw() {
-  const OdDbEntityPtr entity = implForRead().attachedEntity.openAs<OdDbEntity>(OdDb::kForWrite);
+  const OdDbEntityPtr entity = oddbOpenThroughLock<OdDbEntity>(implForRead().attachedEntity);
   if (entity.isNull()) return;
   recordStep(kUndoRedraw);
   entity->recordGraphicsModified();
@@ -224,7 +225,7 @@ void VdmDbObject::leaveManager() {
 
 void VdmDbObject::leaveEntity() {
   const OdDbObjectPtr entity =
-      m_impl->attachedEntity.openObject(OdDb::kForWrite, /*openErased=*/true);
+      oddbOpenThroughLock<OdDbObject>(m_impl->attachedEntity, /*openErased=*/true);
   if (!entity.isNull()) entity->removePersistentReactor(objectId());
 }
 

@@ -5,6 +5,7 @@
 
 #include "platform/base/non_copyable.h"
 #include "platform/db/database.h"
+#include "platform/db/locked_layers.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_db_sheet_metal_context_pe.h"
@@ -234,5 +235,7 @@ bool VdmFeatureUpdateDriver::run() {
 bool vdmRunFeatureUpdate(VdmDbFeatureManager* manager, const OdDbObjectIdArray& ids,
                          VdmFeatureUpdateInput& input) {
   if (input.data == nullptr || manager == nullptr) return false;
+  // What depends on a change follows it, also on locked layers.
+  const OdDbLockedLayerAccess access(manager->database());
   return VdmFeatureUpdateDriver(manager, ids, input).run();
 }

@@ -7,6 +7,7 @@
 #include "host/naming/name_feature.h"
 #include "host/naming/reference_query.h"
 #include "platform/db/block_table.h"
+#include "platform/db/locked_layers.h"
 #include "tests/host/modeling/modeling_testing.h"
 #include "tests/support/failing_modeler.h"
 #include "vdm_db/features/vdm_feature_manager_utils.h"
@@ -203,6 +204,26 @@ TEST_F(ComponentTest, RefusalsNameTheThingAndChangeNothing) {
   EXPECT_EQ(snapshot(), before);
   hole(L"M8", 9.0);
   EXPECT_EQ(makeHole(m_database, L"m8", {5.0, {}}, block).code, eDuplicateKey);
+}
+
+// What is on a locked layer is not edited, and follows the edits of others.
+TEST_F(ComponentTest, LockedLayersRefuseEditsAndNoConsequences) {
+  const EditResult made = insert(hole(L"M8", 9.0), 50.0, 50.0);
+  const OdDbObjectId layer = addLayer(m_database, L"Kept");
+  edit<OdDbEntity>(m_plate)->setLayer(layer);
+  edit<OdDbLayerTableRecord>(layer)->setIsLocked(true);
+  ASSERT_TRUE(done(m_editor->moveObject(made.created, {100.0, 0.0, 0.0})));
+  EXPECT_NEAR(plateBody()->face(openingFace(made.feature, 1)).origin.x, 150.0, 1e-6);
+  const auto before = snapshot();
+  const OdDbObjectId plate = m_plate;
+  for (const EditResult& refused :
+       {m_editor->moveObject(plate, {1, 0, 0}), m_editor->eraseObject(plate),
+        m_editor->replaceBody(plate, m_base)}) {
+    EXPECT_EQ(refused.status.code, eOnLockedLayer);
+    EXPECT_GE(refused.status.text.find(L"layer 'Kept', which is locked"), 0)
+        << refused.status.text.utf8();
+  }
+  EXPECT_EQ(snapshot(), before);
 }
 
 TEST_F(ComponentTest, AnInsertThatChangesNothingIsRefusedUnlessItIsWanted) {

@@ -72,6 +72,25 @@ TEST_F(OdDbAuditTest, OwnersListWhatTheyOwn) {
   EXPECT_EQ(line.ownerId(), second);
 }
 
+// A table takes a record under another name; a block that would contain itself takes nothing.
+TEST_F(OdDbAuditTest, OwnersThatCannotListAreLeft) {
+  const OdDbObjectId layers = m_drawing->getLayerTableId();
+  const OdDbObjectId nameless =
+      m_drawing->addOdDbObject(OdDbLayerTableRecord::createObject(), layers);
+  const OdDbObjectId block = addBlock(m_drawing, L"LOOP");
+  const OdDbBlockReferencePtr loop = OdDbBlockReference::createObject();
+  loop->setBlockTableRecord(block);
+  const OdDbObjectId inside = m_drawing->addOdDbObject(loop, block);
+  OdDbAuditInfo fixing(/*fixErrors=*/true);
+  m_drawing->audit(&fixing);
+  OdDbAuditInfo last;
+  m_drawing->audit(&last);
+  EXPECT_EQ(last.numErrors(), 0u);
+  EXPECT_TRUE(open<OdDbLayerTable>(layers)->has(L"audit_" + nameless.getHandle().ascii()));
+  EXPECT_NE(inside.ownerId(), block);
+  EXPECT_TRUE(open<OdDbBlockTableRecord>(inside.ownerId())->entityIds().contains(inside));
+}
+
 TEST_F(OdDbAuditTest, BlocksListExactlyTheReferencesThatShowThem) {
   const OdDbObjectId block = addBlock(m_drawing, L"PART");
   const OdDbObjectId line = addLine(m_drawing->getModelSpaceId(), 1);

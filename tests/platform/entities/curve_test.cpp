@@ -190,4 +190,21 @@ TEST_F(CurveTest, ThicknessDrawsABandAndCountsInTheExtents) {
   EXPECT_GT(drawnPoints(*line).size(), 4u);
 }
 
+// A shear would slant what a thickness draws, and no class can hold that.
+TEST_F(CurveTest, ThicknessesAreNotSlanted) {
+  OdGeMatrix3d shear;
+  shear(0, 2) = 0.5;
+  for (const double thickness : {0.0, 2.0}) {
+    const OdResult expected = thickness == 0.0 ? eOk : eCannotScaleNonUniformly;
+    const auto circle = OdDbCircle::createObject();
+    circle->setThickness(thickness);
+    EXPECT_EQ(circle->transformBy(shear), expected);
+    const auto run = OdDbPolyline::createObject();
+    run->addVertexAt(0, {0, 0});
+    run->addVertexAt(1, {1, 0});
+    run->setThickness(thickness);
+    EXPECT_EQ(run->transformBy(shear), expected);
+  }
+}
+
 }  // namespace

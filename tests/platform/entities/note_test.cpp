@@ -86,6 +86,27 @@ TEST_F(NoteTest, MirroredTextsReadBackwardsAndBlocksStayReadable) {
   EXPECT_NEAR(boxOf(block).minPoint().x, -box.maxPoint().x, 1e-9);
 }
 
+// Whichever line of its plane the mirror goes through, what was upright stays upright.
+TEST_F(NoteTest, NotesStayUprightInEveryMirror) {
+  for (const OdGePlane& mirror : {OdGePlane::kYZPlane, OdGePlane::kZXPlane, OdGePlane::kXYPlane}) {
+    const OdGeMatrix3d transform = OdGeMatrix3d::mirroring(mirror);
+    const OdDbMTextPtr block = OdDbMText::createObject();
+    block->setContents(L"HEHEH");
+    const OdGeExtents3d image = boxOf(block).transformBy(transform);
+    ASSERT_EQ(block->transformBy(transform), eOk);
+    const OdDbAlignedDimensionPtr dimension = OdDbAlignedDimension::createObject();
+    dimension->setXLine2Point({30, 0, 0});
+    dimension->setDimLinePoint({0, 10, 0});
+    dimension->setTextRotation(pi);
+    ASSERT_EQ(dimension->transformBy(transform), eOk);
+    EXPECT_NE(dimension->textRotation(), 0.0) << "0 has a meaning of its own";
+    const OdDbPlaneFrame frame(dimension->normal());
+    EXPECT_TRUE(frame.direction(dimension->horizontalRotation()).isEqualTo(frame.xAxis()));
+    EXPECT_TRUE(block->direction().isEqualTo(OdDbPlaneFrame(block->normal()).xAxis()));
+    EXPECT_TRUE(boxOf(block).isEqualTo(image, OdGeTol(1e-9)));
+  }
+}
+
 TEST_F(NoteTest, CodesAndFormatsBecomeText) {
   EXPECT_EQ(oddbPlainText(L"%%c5 %%d %%P %%65 %%065 100%%% \\U+00B5 \\U+12").text,
             OdString(L"\u23005 \u00B0 \u00B1 %%65 A 100% \u00B5 \\U+12"));

@@ -135,6 +135,31 @@ TEST_F(VdmCheckInTest, TheManagerOfTheOriginHasWhatWasEditedAndKeepsItsId) {
   }
 }
 
+// What was erased and added between does not shift what the others stand for.
+TEST_F(VdmCheckInTest, ModelObjectsStayWithTheirEntities) {
+  constrain(m_part, {m_first}, L"A");
+  constrain(m_part, {m_second}, L"B");
+  const OdDbObjectId kept = VdmDbObject::openVdmDbObject(m_second)->objectId();
+  const OdDbObjectId third = addCarrier(m_part);
+  OdDbObjectId transaction;
+  ASSERT_EQ(
+      OdDbLongTransactionMan::checkOut({m_first, m_second, third}, m_work, L"edit", transaction),
+      eOk);
+  const OdDbObjectIdArray copies = open<OdDbLongTransaction>(transaction)->workSet();
+  edit<VdmDbObject>(VdmDbObject::openVdmDbObject(copies[0])->objectId())->eraseWithSubObjects();
+  constrain(m_work, {copies[2]}, L"C");
+  ASSERT_EQ(OdDbLongTransactionMan::checkIn(transaction), eOk);
+
+  EXPECT_TRUE(VdmDbObject::openVdmDbObject(m_first).isNull());
+  EXPECT_EQ(VdmDbObject::openVdmDbObject(m_second)->objectId(), kept);
+  for (const OdDbObjectId& entity : {m_second, third}) {
+    const VdmDbObjectPtr object = VdmDbObject::openVdmDbObject(entity);
+    ASSERT_FALSE(object.isNull());
+    EXPECT_EQ(object->attachedEntityId(), entity);
+  }
+  EXPECT_EQ(findings(), 0u);
+}
+
 TEST_F(VdmCheckInTest, ALookupThatIsEmptyRaises) {
   OdDbObjectId transaction;
   ASSERT_EQ(OdDbLongTransactionMan::checkOut({m_first}, m_work, L"edit", transaction), eOk);

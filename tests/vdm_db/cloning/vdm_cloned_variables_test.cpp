@@ -1,11 +1,14 @@
 // Tests of variables of clones: which a watcher has seen, which are cleaned up, and what
 // expressions of copied blocks say.
+#include <cmath>
 #include <set>
 
+#include "platform/assoc/assoc_2d_constraint_group.h"
 #include "platform/assoc/assoc_network.h"
 #include "platform/assoc/assoc_variable.h"
 #include "tests/support/model_testing.h"
 #include "vdm_db/cloning/vdm_assoc_variable_cloning_watcher.h"
+#include "vdm_db/cloning/vdm_clone_utils.h"
 #include "vdm_db/cloning/vdm_model_cloning.h"
 #include "vdm_db/cloning/vdm_variable_cleanup.h"
 #include "vdm_db/drawing_utils/vdm_assoc_action_utils.h"
@@ -148,6 +151,31 @@ TEST_F(VdmClonedVariablesTest, WhatNothingUsesIsCleanedUpWithWhatOnlyItUses) {
   EXPECT_EQ(in(target, L"volume"), OdDbObjectId::kNull);
   vdmu::cleanUnusedVariables(m_block, 0);
   EXPECT_EQ(vdmu::getAssocActions(m_block).size(), 2u);
+}
+
+// A group moves with the geometry, and only with the whole matrix.
+TEST_F(VdmClonedVariablesTest, GroupsOf2dConstraintsAreTransformed) {
+  const auto group = OdDbAssoc2dConstraintGroup::createObject();
+  OdDbObjectId id;
+  {
+    const auto network = OdDbAssocNetwork::getInstanceFromObject(m_block, false)
+                             .openAs<OdDbAssocNetwork>(OdDb::kForWrite);
+    id = m_drawing->addOdDbObject(group, network->objectId());
+    ASSERT_EQ(network->addAction(id, /*setThisNetworkAsOwner=*/true), eOk);
+  }
+  const OdGeMatrix3d quarter = OdGeMatrix3d::translation({1, 2, 3}) * OdGeMatrix3d::scaling(2.0) *
+                               OdGeMatrix3d::rotation(std::acos(0.0), OdGeVector3d::kXAxis);
+  expectUndoable([&] { vdmu::transform2dConstraints(m_block, quarter); });
+  const OdGePlane plane = open<OdDbAssoc2dConstraintGroup>(id)->getWorkPlane();
+  EXPECT_TRUE(plane.origin().isEqualTo({1, 2, 3}));
+  EXPECT_TRUE(plane.uAxis().isEqualTo(OdGeVector3d::kXAxis));
+  EXPECT_TRUE(plane.vAxis().isEqualTo(OdGeVector3d::kZAxis)) << "a unit vector after the scaling";
+  EXPECT_EQ(raisedBy([&] { vdmu::transform2dConstraints(m_block, OdGeMatrix3d::scaling(0.0)); }),
+            eDegenerateGeometry);
+  clone({id}, addBlock(m_drawing, L"TARGET"));
+  const auto copy = open<OdDbAssoc2dConstraintGroup>(vdmu::findClone(*m_mapping, id));
+  EXPECT_EQ(copy->getWorkPlane().vAxis(), plane.vAxis());
+  EXPECT_NO_THROW(vdmu::transform2dConstraints(m_carrier, quarter));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <set>
 
 #include "platform/base/case_compare.h"
+#include "platform/base/error.h"
 #include "tests/support/dump_drawing.h"
 #include "tests/support/plain_solver.h"
 #include "tests/support/test_seed.h"
@@ -35,14 +36,18 @@ std::vector<std::string> texts(const std::vector<Paths>& all) {
   return lines;
 }
 
-/// Answers the remapping of merges as it is set.
+/// Answers the remapping of merges as it is set, or raises at the question of that number.
 class MergeSolver : public PlainSolver {
  public:
   bool dropUnmappedConstraint() override { return drops; }
-  bool skipRemapping(VdmConstraint*, OdInt32) override { return skips; }
+  bool skipRemapping(VdmConstraint*, OdInt32) override {
+    if (raisesAt-- == 0) throw OdError(eGeneralFailure, OdString(L"a solver that fails"));
+    return skips;
+  }
 
   bool drops = false;
   bool skips = false;
+  int raisesAt = -1;
 };
 
 class VdmModelCloningTest : public FeatureTest {
@@ -111,13 +116,43 @@ class VdmModelCloningTest : public FeatureTest {
   void fill(OdDbObjectId block, const std::vector<OdDbObjectId>& inner) {
     for (std::size_t i = 0; i < 2 + pick(3); ++i) addCarrier(block);
     for (std::size_t i = 0; !inner.empty() && i < pick(3); ++i) {
-      addReference(block, inner[pick(inner.size())]);
+      addReference(block, inner[pick(inner.size())], randomPlacement());
     }
     for (std::size_t i = 0; i < pick(4); ++i) addFeature(block, {randomPath(block)});
     for (std::size_t i = 0; i < pick(5); ++i) {
       addConstraint(block, {randomPath(block), randomPath(block)},
                     OdString().format(L"D_%d", static_cast<int>(pick(3))));
     }
+    addDimensions(block);
+  }
+  /// Turned, scaled unevenly, and mirrored or not.
+  OdGeMatrix3d randomPlacement() {
+    const auto factor = [&] {
+      return (pick(2) == 0 ? 1.0 : -1.0) * (0.5 + 0.25 * double(pick(5)));
+    };
+    return OdGeMatrix3d::translation({double(pick(9)), double(pick(9)), 0.0}) *
+           OdGeMatrix3d::rotation(double(pick(7)), OdGeVector3d(1, 2, 3).normal()) *
+           OdGeMatrix3d::scaling(OdGeScale3d(factor(), factor(), factor()));
+  }
+  /// Dimensions whose expressions use each other.
+  void addDimensions(OdDbObjectId block) {
+    OdString text = L"10";
+    for (std::size_t i = 0; i < pick(4); ++i) {
+      const VdmConstraintPtr made = addConstraint(
+          block, {randomPath(block)}, OdString().format(L"L%d", static_cast<int>(i)), 10);
+      if (constraintsOf(block)->setConstraintExpression(made, text) != eOk) continue;
+      text = L"2 * " + made->name();
+    }
+  }
+  static std::vector<double> valuesOf(OdDbObjectId block, std::size_t first = 0) {
+    std::vector<double> values;
+    const VdmDbConstraintManagerPtr manager = constraintsOf(block);
+    if (manager.isNull()) return values;
+    for (const VdmConstraintPtr& constraint : manager->constraints()) {
+      values.push_back(constraint->userVariable().isNull() ? 0.0 : constraint->userValue());
+    }
+    values.erase(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(first));
+    return values;
   }
 
   /// Paths of the arguments of constraints from the `first` on.
@@ -184,7 +219,16 @@ class VdmModelCloningTest : public FeatureTest {
     const std::vector<Paths> arguments = argumentsOf(source);
     const std::vector<Paths> faces = facesOf(source);
     OdDbIdMappingPtr mapping;
+    if (!arguments.empty()) {
+      const std::string before = dumpDrawing(target.database());
+      m_solver.raisesAt = static_cast<int>(pick(arguments.size()));
+      EXPECT_EQ(raisedBy([&] { (void)vdmu::cloneBlockWithModel(source, target, mapping); }),
+                eGeneralFailure);
+      EXPECT_EQ(dumpDrawing(target.database()), before);
+      mapping = nullptr;
+    }
     ASSERT_EQ(vdmu::cloneBlockWithModel(source, target, mapping), eOk);
+    EXPECT_EQ(valuesOf(target, numConstraints), valuesOf(source));
     EXPECT_EQ(argumentsOf(source), arguments);
     EXPECT_EQ(facesOf(source), faces);
     EXPECT_EQ(texts(argumentsOf(target, numConstraints)),
@@ -216,8 +260,9 @@ TEST_F(VdmModelCloningTest, CopiesOfRandomBlocksHaveTheirModelsAndUndoWhole) {
     const OdDbObjectId full = addBlock(m_drawing, L"FULL");
     fill(full, {});
     for (const OdDbObjectId& source : blocks) {
-      for (const OdDbObjectId& target : {addBlock(m_drawing, L"E" + source.getHandle().ascii()),
-                                         full, other->getModelSpaceId()}) {
+      const OdDbObjectId empty = addBlock(m_drawing, L"E" + source.getHandle().ascii());
+      const OdDbObjectId space = other->getModelSpaceId();
+      for (const OdDbObjectId& target : {empty, full, space, empty, space}) {
         OdDbDatabase& drawing = *target.database();
         const std::string before = dumpDrawing(&drawing);
         drawing.startUndoRecord();

@@ -121,6 +121,7 @@ TEST_F(VdmDbLayerHelperTest, TheOlderTrailingLayerBecomesTheTwoPresentOnes) {
     EXPECT_EQ(open<OdDbEntity>(m_carrier)->layer(), OdString(names[0])) << "entities come along";
     ASSERT_EQ(m_drawing->undo(), eOk);
     EXPECT_EQ(layer(L"VC_TRAILING_LINES"), old);
+    edit<OdDbLayerTableRecord>(old)->setIsLocked(false);
     edit<OdDbEntity>(m_carrier)->setLayer(OdString(L"0"));
     edit<OdDbLayerTableRecord>(old)->erase();
   }
