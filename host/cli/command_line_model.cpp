@@ -24,6 +24,8 @@ constexpr FamilyRow kFamilies[] = {
     {"component", "Make and list components, which cut or fill solids",
      "vdm component add plate.vdm hole9 hole --diameter 9"},
     {"feature", "List, rename, erase and check features", "vdm feature list plate.vdm"},
+    {"param", "Parameters: named values and expressions that a model follows",
+     "vdm param add plate.vdm 'width=120 mm' 'height=width / 2'"},
 };
 
 std::string upperCase(std::string text) {
@@ -160,6 +162,40 @@ void addRefsReaders(CLI::App& refs, CommandRun& line, ModelCommandLine& model) {
                 "vdm refs audit plate.vdm", runRefsAudit);
 }
 
+using ParamAction = int (*)(const SessionSettings&, const ParamOptions&);
+
+CLI::App* addParamAction(CLI::App& param, CommandRun& line, ModelCommandLine& model,
+                         const char* name, const char* purpose, const char* example,
+                         ParamAction action) {
+  CLI::App* command = addCommand(param, line, name, purpose, example);
+  addInput(command, model.param.input);
+  command->add_option("--block", model.param.block, "block that has them; model space by default")
+      ->type_name("NAME");
+  setAction(command, line, action, model.param);
+  return command;
+}
+
+void addParamReaders(CLI::App& param, CommandRun& line, ModelCommandLine& model) {
+  addParamAction(param, line, model, "list",
+                 "List parameters with values, expressions, limits and users",
+                 "vdm param list plate.vdm", runParamList);
+  CLI::App* get = addParamAction(param, line, model, "get", "Show values of parameters",
+                                 "vdm param get plate.vdm width height", runParamGet);
+  get->add_option("NAMES", model.param.names, "parameters")->required()->type_name("");
+  CLI::App* explain =
+      addParamAction(param, line, model, "explain",
+                     "Show what defines a parameter, and all that depends on it down to faces",
+                     "vdm param explain plate.vdm width", runParamExplain);
+  explain->add_option("NAME", model.param.names, "the parameter")
+      ->required()
+      ->expected(1)
+      ->type_name("");
+  addParamAction(
+      param, line, model, "check",
+      "Find parameters that are out of range, unresolved, unused, without unit, or twice",
+      "vdm param check plate.vdm", runParamCheck);
+}
+
 void addEdit(CLI::App& app, CommandRun& line, ModelCommandLine& model) {
   CLI::App* command =
       addCommand(app, line, "edit", "Run many operations from a JSON script as one: all or nothing",
@@ -213,6 +249,7 @@ void addModelCommands(CLI::App& app, CommandRun& line, ModelCommandLine& model) 
     if (isGroup) addGroupList(command, line, model, model.operations.back());
   }
   addRefsReaders(*app.get_subcommand("refs"), line, model);
+  addParamReaders(*app.get_subcommand("param"), line, model);
   addList(*app.get_subcommand("component"), line, model, "List the components of a drawing",
           "vdm component list plate.vdm", runComponentList);
   addList(*app.get_subcommand("feature"), line, model, "List the features of a drawing",

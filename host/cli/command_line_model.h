@@ -8,6 +8,7 @@
 
 #include "host/cli/command_parts.h"
 #include "host/cli/edit_command.h"
+#include "host/cli/param_command.h"
 #include "host/cli/refs_command.h"
 #include "host/cli/render_command.h"
 
@@ -28,6 +29,7 @@ struct ModelCommandLine {
   std::string listInput;
   bool listGroups = false;
   RefsOptions refs;
+  ParamOptions param;
   RenderCommandOptions render;
   std::deque<OperationLine> operations;
 };

@@ -26,8 +26,8 @@ void requireReach(const std::string& name, const std::string& value, const OdGeP
 
 std::vector<Operation> collectOperations() {
   std::vector<Operation> all;
-  for (const auto family :
-       {referenceOperations(), componentOperations(), entityOperations(), featureOperations()}) {
+  for (const auto family : {referenceOperations(), componentOperations(), entityOperations(),
+                            featureOperations(), paramOperations()}) {
     all.insert(all.end(), family.begin(), family.end());
   }
   return all;
