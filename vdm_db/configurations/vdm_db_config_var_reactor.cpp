@@ -125,7 +125,7 @@ void VdmDbConfigVarReactor::attach(OdDbAssocVariable& variable, bool isKey, bool
   state.value = variable.numericValue();
   state.isKey = isKey;
   state.isString = isString;
-  state.isEnabled = variable.expression().isEmpty();
+  state.isEnabled = true;  // until the variable announces an expression
   variable.addPersistentReactor(objectId());
 }
 
