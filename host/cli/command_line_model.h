@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "host/cli/binding_command.h"
 #include "host/cli/command_parts.h"
+#include "host/cli/config_command.h"
 #include "host/cli/edit_command.h"
 #include "host/cli/param_command.h"
 #include "host/cli/refs_command.h"
@@ -30,6 +32,8 @@ struct ModelCommandLine {
   bool listGroups = false;
   RefsOptions refs;
   ParamOptions param;
+  ConfigOptions config;
+  BindingOptions binding;
   RenderCommandOptions render;
   std::deque<OperationLine> operations;
 };

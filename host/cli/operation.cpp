@@ -26,8 +26,9 @@ void requireReach(const std::string& name, const std::string& value, const OdGeP
 
 std::vector<Operation> collectOperations() {
   std::vector<Operation> all;
-  for (const auto family : {referenceOperations(), componentOperations(), entityOperations(),
-                            featureOperations(), paramOperations()}) {
+  for (const auto family :
+       {referenceOperations(), componentOperations(), entityOperations(), featureOperations(),
+        paramOperations(), bindingOperations(), configOperations()}) {
     all.insert(all.end(), family.begin(), family.end());
   }
   return all;

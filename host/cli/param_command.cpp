@@ -6,6 +6,8 @@
 
 #include "host/cli/model_lookup.h"
 #include "host/cli/opened_drawing.h"
+#include "host/modeling/component_query.h"
+#include "host/modeling/component_size_feature.h"
 #include "host/parameters/parameter_query.h"
 #include "platform/assoc/assoc_variable.h"
 #include "vdm_db/features/vdm_feature.h"
@@ -120,11 +122,19 @@ std::string listText(const std::string& input, const std::vector<ParameterInfo>&
 
 // ---- Explaining
 
-/// References of a feature, which are what its faces are in the present bodies.
+/// References of a feature, which are what its faces are in the present bodies. A component's sizes
+/// reach the faces of all its inserts.
 std::vector<std::string> facesOf(const OdDbObjectId& carrier) {
   std::vector<std::string> faces;
   const VdmFeaturePtr feature = VdmFeature::open(carrier);
   if (feature.isNull()) return faces;
+  const auto sizes = VdmComponentSizeFeature::cast(feature.get());
+  if (!sizes.isNull()) {
+    for (const OdDbObjectId& insert : vdm_host::componentsOfBlock(sizes->blockId())) {
+      const std::string name = objectText(insert) + ": ";
+      for (const std::string& face : facesOf(insert)) faces.push_back(name + face);
+    }
+  }
   for (const OdDbObjectId& id : feature->getAllDependencies(/*filtered=*/false)) {
     const ReferenceText text = referenceText(id);
     faces.push_back(text.subent + " of " + text.solid + " (" + text.grade + ")");

@@ -5,6 +5,7 @@
 #include "host/cli/cli_error.h"
 #include "host/cli/model_lookup.h"
 #include "host/cli/operation.h"
+#include "host/cli/parameter_changes.h"
 #include "host/cli/text_output.h"
 #include "host/parameters/parameter_edit.h"
 #include "host/parameters/parameter_query.h"
@@ -17,22 +18,6 @@ namespace {
 
 using Kind = ParameterKind;
 using Assignments = std::vector<vdm_host::ParameterAssignment>;
-
-constexpr Parameter kBlockParameter = {"block", Kind::kText, false, false,
-                                       "block that has them; model space by default"};
-
-/// Runs a change of parameters as one edit with one pass, and says what it moved.
-StepResult changeParameters(Editing& editing, const OdDbObjectId& block, const char* what,
-                            std::string headline, const std::function<OdStatus()>& change) {
-  const vdm_host::ParameterSnapshot before(block);
-  vdm_host::EditResult result = editing.editor.edit(OdString(what), change);
-  requireEdited(result);
-  StepResult step;
-  step.headline = std::move(headline);
-  for (const OdString& line : before.changes()) step.notes.push_back(str(line));
-  step.report = std::move(result.report);
-  return step;
-}
 
 // ---- Limits
 

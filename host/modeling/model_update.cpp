@@ -12,6 +12,7 @@ namespace {
 constexpr OdStatus (*kSteps[])(ModelUpdateContext&) = {
     &indexFeatures,     //
     &evaluateFeatures,  //
+    &sizeComponents,    //
     &followSolids,      //
     &settleReferences,  //
     &followBaseFaces,   //

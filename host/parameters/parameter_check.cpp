@@ -23,7 +23,7 @@ void checkOne(const ParameterInfo& parameter, std::vector<ParameterFinding>& fin
   }
   if (parameter.users.isEmpty()) {
     findings.push_back({Kind::kUnused, parameter.name, OdString(L"nothing uses it")});
-  } else if (parameter.dimension == OdExpression::Dimension()) {
+  } else if (parameter.shown.unit.isEmpty()) {
     findings.push_back({Kind::kUnitless, parameter.name, valueText(parameter) + L" has no unit"});
   }
 }

@@ -2,7 +2,6 @@
 // runs the pass for all features that were touched.
 #pragma once
 
-#include <map>
 #include <vector>
 
 #include "host/parameters/parameter_limits.h"

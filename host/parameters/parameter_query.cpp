@@ -171,6 +171,9 @@ ParameterInfo describeParameter(const OdDbObjectId& id, ParameterDetail detail) 
   info.value = variable->numericValue();
   info.dimension = oddbDimensionOf(*variable);
   info.shown = shownValue(info.value, info.dimension, unitsOf(*variable));
+  if (info.shown.unit.isEmpty() && !info.isText) {
+    info.shown.unit = VdmAssocVariableExt::cast(variable.get())->unitsAsString();
+  }
   info.fault = faultOf(*variable);
   info.limits = limitsOf(*variable);
   if (detail == ParameterDetail::kValue) return info;

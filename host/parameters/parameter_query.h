@@ -22,8 +22,8 @@ struct ParameterInfo {
   bool isText = false;
   double value = 0.0;  ///< base units
   OdExpression::Dimension dimension;
-  ShownValue shown;
-  OdString fault;  ///< why it has no proper value: "cannot be evaluated"; empty when it has
+  ShownValue shown;  ///< a value without an expression has the unit of its measurement type
+  OdString fault;    ///< why it has no proper value: "cannot be evaluated"; empty when it has
   ParameterLimits limits;
   // With ParameterDetail::kAll:
   bool isExposed = false;
