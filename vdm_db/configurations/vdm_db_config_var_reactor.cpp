@@ -131,9 +131,9 @@ void VdmDbConfigVarReactor::attach(OdDbAssocVariable& variable, bool isKey, bool
 
 OdResult VdmDbConfigVarReactor::attachToVariable(const OdDbObjectId& variable, bool isKey,
                                                  bool isString) {
+  const Writing writing(*this);  // until the variable has closed, and announced its new reactor
   const OdDbAssocVariablePtr linked = variable.openAs<OdDbAssocVariable>(OdDb::kForWrite);
   if (linked.isNull()) return kVdmNoVariable;
-  const Writing writing(*this);
   attach(*linked, isKey, isString, /*deletesVariable=*/false);
   return eOk;
 }

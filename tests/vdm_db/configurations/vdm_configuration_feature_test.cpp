@@ -61,6 +61,7 @@ TEST_F(VdmConfigurationFeatureTest, WithoutAFittingRowTheFreeConfigurationIsSele
 TEST_F(VdmConfigurationFeatureTest, AValueThatAnExpressionGivesDecidesWhenTheTableIsLoaded) {
   addVariable(L"Width", 0);
   setExpression(L"Width", L"20");
+  reopen();
   ASSERT_EQ(loadSheet(kSheet), eOk);
   EXPECT_EQ(state(), "Large: Config=Large Width=20 Height=2 Material=Iron");
   EXPECT_TRUE(link(L"Width")->isEnabled());
