@@ -115,11 +115,13 @@ bool isBlankRow(const std::vector<OdString>& row) {
   return std::ranges::all_of(row, [](const OdString& cell) { return cell.isEmpty(); });
 }
 
-std::string cellText(const OdString& cell, char separator) {
+/// Quoted where a reader could take a character for something else: any separator, since a reader
+/// finds out which one is meant, and a mark at the beginning.
+std::string cellText(const OdString& cell) {
   const std::string text(cell.utf8());
-  const bool needsQuotes =
-      text.find_first_of(std::string("\"\r\n") + separator) != std::string::npos ||
-      text.starts_with(' ') || text.ends_with(' ');
+  const bool needsQuotes = text.find_first_of("\"\r\n,;\t") != std::string::npos ||
+                           text.starts_with(kMarks[0].mark) || text.starts_with(' ') ||
+                           text.ends_with(' ');
   if (!needsQuotes) return text;
   std::string quoted = "\"";
   for (const char ch : text) {
@@ -159,7 +161,7 @@ std::string writeTable(const TableSheet& sheet) {
   for (unsigned row = 0; row < sheet.rows; ++row) {
     for (unsigned column = 0; column < sheet.columns; ++column) {
       if (column > 0) text += sheet.separator;
-      text += cellText(sheet.at(row, column), sheet.separator);
+      text += cellText(sheet.at(row, column));
     }
     text += "\r\n";
   }

@@ -50,6 +50,8 @@ TEST(TableFile, WhatIsWrittenReadsBack) {
   ASSERT_TRUE(readTable("\"a,b\",\" c \"\n\"x\"\"y\",\"1\n2\"\n", sheet).ok());
   EXPECT_EQ(writeTable(sheet), "\"a,b\",\" c \"\r\n\"x\"\"y\",\"1\n2\"\r\n");
   EXPECT_EQ(read(writeTable(sheet)), "a,b| c /x\"y|1\n2");
+  ASSERT_TRUE(readTable("\"a;b;c\"\nd\n", sheet).ok());
+  EXPECT_EQ(read(writeTable(sheet)), "a;b;c/d") << "whatever separator a reader takes it for";
 }
 
 /// The cells after conversion to millimetres, or the problems.
