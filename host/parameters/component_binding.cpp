@@ -127,8 +127,7 @@ OdStatus bind(VdmFeature& feature, const Property& property, const OdString& tex
   return {};
 }
 
-/// The number of a constant text; false for an expression that uses names. Degrees where a plain
-/// number stands for an angle.
+/// The number of a constant text. A plain number for an angle is in degrees.
 OdStatus readNumber(const Property& property, const OdString& text, OdDb::UnitsValue units,
                     double& value) {
   Dimension dimension;

@@ -94,7 +94,7 @@ void forEachDefinition(const OdDbAssocVariable& variable, const Call& call) {
 }
 
 /// Depth first from a variable, each variable once; the stack is a list, since chains may be long.
-/// A variable without a name stands for the expression of a feature and is passed through.
+/// A variable without a name is the expression of a feature; it is passed through.
 template <class Neighbours>
 std::vector<ParameterLink> walkFrom(const OdDbObjectId& start, const Neighbours& neighbours) {
   std::vector<ParameterLink> found;

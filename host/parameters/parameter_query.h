@@ -50,7 +50,7 @@ struct ParameterLink {
 /// The variables that the parameter's expression needs, depth first; each once.
 [[nodiscard]] std::vector<ParameterLink> definitionsOf(const OdDbObjectId& variable);
 /// The variables and features that depend on it, likewise. Variables of expressions are passed
-/// through: the feature that has the expression stands for them.
+/// through to the feature that has the expression.
 [[nodiscard]] std::vector<ParameterLink> dependentsOf(const OdDbObjectId& variable);
 
 /// What could be wrong with a parameter.
