@@ -156,13 +156,16 @@ class Converter {
         note(row, column, text + L" may be a fraction or thousands: write a point, or no comma");
         return;
       }
+      if (factor == 1.0 && formOf(*pointed) == CellForm::kNumber) {
+        values.push_back(*pointed);  // the table reads it as it is
+        continue;
+      }
       const std::optional<double> value = valueOf(*pointed, factor);
       if (!value && !unit.isEmpty()) {
         note(row, column, L"\"" + text + L"\" is no value in " + unit);
       }
       if (!value) return;  // a column of texts
-      const bool isAsWritten = factor == 1.0 && formOf(*pointed) == CellForm::kNumber;
-      values.push_back(isAsWritten ? *pointed : vdmu::getConstExpression(*value));
+      values.push_back(vdmu::getConstExpression(*value));
     }
     for (unsigned row = 1; row < m_sheet.rows; ++row) {
       m_cells.setAt(row * m_sheet.columns + column, values[row - 1]);
