@@ -129,9 +129,10 @@ class Converter {
     constexpr int kThousands = 3;
     const std::optional<Comma> comma = decimalComma(text);
     if (m_sheet.separator == ',' || !comma) return text;
-    if (comma->digits == kThousands) return std::nullopt;
     OdString changed(text);
     changed.setAt(comma->place, L'.');
+    if (formOf(changed) == CellForm::kText) return text;  // "plate 1,250"
+    if (comma->digits == kThousands) return std::nullopt;
     return changed;
   }
 

@@ -81,6 +81,7 @@ TEST(TableUnits, NumbersAreReadInTheUnitOfTheirColumn) {
       {"k,w [mm]\nA,0.10\nB,1e1", "k|w|A|0.10|B|1e1|"},
       {"k;w [mm]\nA;12,5\nB;2,50 cm", "k|w|A|12.5|B|25|"},
       {"w [cm]\n1\n2", "w|10|20|"},
+      {"k;w\nA;plate 1,250\nB;3", "k|w|A|plate 1,250|B|3|"},
       {"k;w [mm]\nA;1,250",
        "line 2, column 2: 1,250 may be a fraction or thousands: write a point, or no comma;"},
       {"k,w [mm]\nA,wide", "line 2, column 2: \"wide\" is no value in mm;"},
