@@ -88,11 +88,19 @@ OdStatus requireDimension(const Property& property, const OdString& text,
 
 // ---- Reactors
 
+/// A copy of a feature without its block has reactors that name the variables of the original and
+/// do not hear of them. They do not count.
+bool hearsOfItsVariable(const VdmDbExpressionReactor& reactor) {
+  const auto variable = reactor.assocVariable().openAs<OdDbAssocVariable>();
+  return !variable.isNull() && variable->hasPersistentReactor(reactor.objectId());
+}
+
 OdDbObjectId reactorOf(const VdmFeature& feature, const OdString& property) {
   for (const OdDbObjectId& id : feature.reactorIds()) {
     if (id.isErased() || !vdmu::isIdOf<VdmDbExpressionReactor>(id)) continue;
     const auto reactor = id.openAs<VdmDbExpressionReactor>();
-    if (!reactor.isNull() && reactor->propertyName() == property) return id;
+    const bool isOfProperty = !reactor.isNull() && reactor->propertyName() == property;
+    if (isOfProperty && hearsOfItsVariable(*reactor)) return id;
   }
   return {};
 }
