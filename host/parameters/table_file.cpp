@@ -61,6 +61,13 @@ char separatorOf(std::string_view text) {
 
 // ---- Parsing
 
+/// Up to the end of the first line, which is LF, CR LF or CR, that included.
+std::size_t lineLength(std::string_view text) {
+  const std::size_t end = text.find_first_of("\r\n");
+  if (end == std::string_view::npos) return text.size();
+  return text.substr(end).starts_with("\r\n") ? end + 2 : end + 1;
+}
+
 class Parser {
  public:
   explicit Parser(char separator) {
@@ -74,8 +81,7 @@ class Parser {
 
   OdStatus parse(std::string_view text) {
     for (unsigned line = 1; !text.empty(); ++line) {
-      const std::size_t end = text.find('\n');
-      const std::string_view part = text.substr(0, end == std::string_view::npos ? end : end + 1);
+      const std::string_view part = text.substr(0, lineLength(text));
       text.remove_prefix(part.size());
       const bool isBlank = part.find_first_not_of("\r\n") == std::string_view::npos;
       if (isBlank && !m_isInRow) continue;

@@ -33,6 +33,7 @@ TEST(TableFile, ReadsWhatSpreadsheetsWrite) {
       {"\"a,b\",\"say \"\"hi\"\"\"\n\"two\nlines\",1", "a,b|say \"hi\"/two\nlines|1"},
       {"k,w\n\nA\n,\n", "k|w/A|"},
       {"\"k;x\",w\nA,1", "k;x|w/A|1"},
+      {"k,w\rA,1\rB,2", "k|w/A|1/B|2"},
       {"", ""},
       {"k,w\nA \"1\",2", "line 2: a quote is inside a cell that is not quoted, or not doubled"},
       {"k,w\n\"A\"1,2", "line 2: a quote is inside a cell that is not quoted, or not doubled"},
