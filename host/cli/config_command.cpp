@@ -152,7 +152,7 @@ int runConfigFind(const SessionSettings& settings, const ConfigOptions& options)
 }
 
 int runConfigExport(const SessionSettings& settings, const ConfigOptions& options) {
-  checkOutput(options.output, options.input);
+  const OdNameClaim claim = claimOutput(options.output, {options.input});
   const OpenedDrawing drawing(settings, options.input, DrawingSession::Access::kRead,
                               Modules::kRequired);
   const OdDbObjectId feature =
