@@ -9,6 +9,7 @@
 #                                           command line and machine output
 #   PNG::PNG                                pictures
 #   udunits::udunits                        units beyond those of drawings
+#   csv::csv                                tables of comma-separated values
 #   GTest::gtest_main GTest::gmock          tests
 
 find_package(ICU REQUIRED COMPONENTS uc i18n)
@@ -35,6 +36,7 @@ function(_vdm_plain_library target header library)
 endfunction()
 _vdm_plain_library(vdm::xxhash xxhash.h xxhash)
 _vdm_plain_library(udunits::udunits udunits2.h udunits2)
+_vdm_plain_library(csv::csv csv.h csv)
 # The list of units that the library reads when it is first needed.
 find_file(VDM_UNITS_FILE udunits2.xml PATH_SUFFIXES share/xml/udunits share/udunits REQUIRED)
 mark_as_advanced(VDM_UNITS_FILE)

@@ -24,6 +24,10 @@ constexpr FamilyRow kFamilies[] = {
     {"component", "Make and list components, which cut or fill solids",
      "vdm component add plate.vdm hole9 hole --diameter 9"},
     {"feature", "List, rename, erase and check features", "vdm feature list plate.vdm"},
+    {"param", "Parameters: named values and expressions that a model follows",
+     "vdm param add plate.vdm 'width=120 mm' 'height=width / 2'"},
+    {"config", "Tables of configurations: rows of values for parameters",
+     "vdm config load plate.vdm variants.csv"},
 };
 
 std::string upperCase(std::string text) {
@@ -160,6 +164,68 @@ void addRefsReaders(CLI::App& refs, CommandRun& line, ModelCommandLine& model) {
                 "vdm refs audit plate.vdm", runRefsAudit);
 }
 
+/// A command that reads what a block has.
+template <class Options>
+CLI::App* addBlockReader(CLI::App& parent, CommandRun& line, Options& options, const char* name,
+                         const char* purpose, const char* example,
+                         int (*action)(const SessionSettings&, const Options&)) {
+  CLI::App* command = addCommand(parent, line, name, purpose, example);
+  addInput(command, options.input);
+  command->add_option("--block", options.block, "block that is meant; model space by default")
+      ->type_name("NAME");
+  setAction(command, line, action, options);
+  return command;
+}
+
+void addParamReaders(CLI::App& param, CommandRun& line, ParamOptions& options) {
+  addBlockReader(param, line, options, "list",
+                 "List parameters with values, expressions, limits and users",
+                 "vdm param list plate.vdm", runParamList);
+  CLI::App* get = addBlockReader(param, line, options, "get", "Show values of parameters",
+                                 "vdm param get plate.vdm width height", runParamGet);
+  get->add_option("NAMES", options.names, "parameters")->required()->type_name("");
+  CLI::App* explain =
+      addBlockReader(param, line, options, "explain",
+                     "Show what defines a parameter, and all that depends on it down to faces",
+                     "vdm param explain plate.vdm width", runParamExplain);
+  explain->add_option("NAME", options.names, "the parameter")
+      ->required()
+      ->expected(1)
+      ->type_name("");
+  addBlockReader(
+      param, line, options, "check",
+      "Find parameters that are out of range, unresolved, unused, without unit, or twice",
+      "vdm param check plate.vdm", runParamCheck);
+}
+
+void addConfigReaders(CLI::App& config, CommandRun& line, ConfigOptions& options) {
+  CLI::App* readers[] = {
+      addBlockReader(config, line, options, "list",
+                     "List tables with their rows and linked columns", "vdm config list plate.vdm",
+                     runConfigList),
+      addBlockReader(config, line, options, "find",
+                     "Say which configuration the model is in, or the nearest and what differs",
+                     "vdm config find plate.vdm", runConfigFind),
+      addBlockReader(config, line, options, "export",
+                     "Write a table, with the headers that it was loaded with",
+                     "vdm config export plate.vdm -o variants.csv", runConfigExport)};
+  for (CLI::App* reader : readers) {
+    reader->add_option("--table", options.table, "name of the table where there are several")
+        ->type_name("NAME");
+  }
+  addOutput(readers[2], options.output, "file of comma-separated values to write")->required();
+}
+
+using BindingAction = int (*)(const SessionSettings&, const BindingOptions&);
+
+void addShow(CLI::App& parent, CommandRun& line, ModelCommandLine& model, const char* purpose,
+             const char* example, const char* what, BindingAction action) {
+  CLI::App* command = addCommand(parent, line, "show", purpose, example);
+  addInput(command, model.binding.input);
+  addInput(command, model.binding.name, "NAME", what);
+  setAction(command, line, action, model.binding);
+}
+
 void addEdit(CLI::App& app, CommandRun& line, ModelCommandLine& model) {
   CLI::App* command =
       addCommand(app, line, "edit", "Run many operations from a JSON script as one: all or nothing",
@@ -213,10 +279,18 @@ void addModelCommands(CLI::App& app, CommandRun& line, ModelCommandLine& model) 
     if (isGroup) addGroupList(command, line, model, model.operations.back());
   }
   addRefsReaders(*app.get_subcommand("refs"), line, model);
+  addParamReaders(*app.get_subcommand("param"), line, model.param);
+  addConfigReaders(*app.get_subcommand("config"), line, model.config);
   addList(*app.get_subcommand("component"), line, model, "List the components of a drawing",
           "vdm component list plate.vdm", runComponentList);
   addList(*app.get_subcommand("feature"), line, model, "List the features of a drawing",
           "vdm feature list plate.vdm", runFeatureList);
+  addShow(*app.get_subcommand("component"), line, model,
+          "Show the sizes of a component and the expressions that give them",
+          "vdm component show plate.vdm m8", "component", runComponentShow);
+  addShow(*app.get_subcommand("feature"), line, model,
+          "Show sizes, place, angle and suppression of an insert",
+          "vdm feature show plate.vdm left", "component feature, a name or handle", runFeatureShow);
   addEdit(app, line, model);
   addRender(app, line, model);
 }

@@ -6,8 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "host/cli/binding_command.h"
 #include "host/cli/command_parts.h"
+#include "host/cli/config_command.h"
 #include "host/cli/edit_command.h"
+#include "host/cli/param_command.h"
 #include "host/cli/refs_command.h"
 #include "host/cli/render_command.h"
 
@@ -28,6 +31,9 @@ struct ModelCommandLine {
   std::string listInput;
   bool listGroups = false;
   RefsOptions refs;
+  ParamOptions param;
+  ConfigOptions config;
+  BindingOptions binding;
   RenderCommandOptions render;
   std::deque<OperationLine> operations;
 };

@@ -1,6 +1,7 @@
 // Operations on entities and bodies: move, rotate, erase, suppress, replace, round, update.
 #include <numbers>
 
+#include "host/cli/binding_operations.h"
 #include "host/cli/cli_error.h"
 #include "host/cli/drawing_facts.h"
 #include "host/cli/model_lookup.h"
@@ -76,8 +77,12 @@ StepResult erase(Editing& editing, const Arguments& arguments) {
 }
 
 StepResult suppress(Editing& editing, const Arguments& arguments) {
-  const OdDbObjectId insert = findEntity(editing.drawing, arguments.text("entity"));
   const bool off = arguments.has("off");
+  if (arguments.has("when")) {
+    if (off) throw CliError("both off and when are given", kWrongUsage);
+    return suppressWhen(editing, arguments.text("entity"), arguments.text("when"));
+  }
+  const OdDbObjectId insert = findEntity(editing.drawing, arguments.text("entity"));
   return edited(off ? editing.editor.unsuppress(insert) : editing.editor.suppress(insert),
                 (off ? "brought back " : "suppressed ") + objectText(insert), insert);
 }
@@ -174,6 +179,7 @@ constexpr Parameter kEntityParameters[] = {
 constexpr Parameter kSuppressParameters[] = {
     {"entity", Kind::kText, true, true, "component, a handle or name"},
     {"off", Kind::kFlag, false, false, "bring it back"},
+    {"when", Kind::kText, false, false, "expression: from now on while it is not 0"},
 };
 constexpr Parameter kReplaceParameters[] = {
     {"solid", Kind::kText, true, true, "solid, a handle"},

@@ -10,6 +10,7 @@
 #include "host/modeling/component_query.h"
 #include "host/naming/name_feature.h"
 #include "host/naming/subent_name.h"
+#include "platform/db/block_table.h"
 #include "platform/db/block_table_record.h"
 #include "platform/entities/block_reference.h"
 #include "platform/modeler/db_3d_solid.h"
@@ -129,6 +130,14 @@ OdDbObjectId findEntity(OdDbDatabase& drawing, const std::string& text) {
   const auto component = VdmComponentFeature::cast(VdmFeature::open(feature).get());
   if (component.isNull()) throw CliError(objectText(feature) + " has no insert");
   return component->insertId();
+}
+
+OdDbObjectId findBlock(const OdDbDatabase& drawing, const std::string& name) {
+  if (name.empty()) return drawing.getModelSpaceId();
+  const auto table = drawing.getBlockTableId().safeOpenAs<OdDbBlockTable>();
+  const OdDbObjectId block = table->getAt(OdString(name));
+  if (block.isNull()) throw CliError("there is no block " + quote(name));
+  return block;
 }
 
 OdDbObjectId findComponentBlock(OdDbDatabase& drawing, const std::string& text) {

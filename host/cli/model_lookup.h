@@ -23,6 +23,8 @@ OdDbObjectId findReference(OdDbDatabase& drawing, const std::string& text);
 OdDbObjectId findFeature(OdDbDatabase& drawing, const std::string& text);
 /// An entity by its handle, or the insert of the component that has the handle or name.
 OdDbObjectId findEntity(OdDbDatabase& drawing, const std::string& text);
+/// A block by its name; model space for an empty one.
+OdDbObjectId findBlock(const OdDbDatabase& drawing, const std::string& name);
 /// The block of a component by its name.
 OdDbObjectId findComponentBlock(OdDbDatabase& drawing, const std::string& text);
 

@@ -27,7 +27,8 @@ void requireReach(const std::string& name, const std::string& value, const OdGeP
 std::vector<Operation> collectOperations() {
   std::vector<Operation> all;
   for (const auto family :
-       {referenceOperations(), componentOperations(), entityOperations(), featureOperations()}) {
+       {referenceOperations(), componentOperations(), entityOperations(), featureOperations(),
+        paramOperations(), bindingOperations(), configOperations()}) {
     all.insert(all.end(), family.begin(), family.end());
   }
   return all;

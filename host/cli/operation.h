@@ -106,6 +106,9 @@ struct Operation {
 [[nodiscard]] std::span<const Operation> componentOperations();
 [[nodiscard]] std::span<const Operation> entityOperations();
 [[nodiscard]] std::span<const Operation> featureOperations();
+[[nodiscard]] std::span<const Operation> paramOperations();
+[[nodiscard]] std::span<const Operation> bindingOperations();
+[[nodiscard]] std::span<const Operation> configOperations();
 
 /// CliError for an edit that did not go through: the status, and which features failed.
 void requireEdited(const vdm_host::EditResult& result);

@@ -60,14 +60,6 @@ void readSize(const std::string& text, rendering::RenderOptions& options) {
                  kWrongUsage);
 }
 
-OdDbObjectId blockNamed(const OdDbDatabase& drawing, const std::string& name) {
-  if (name.empty()) return {};
-  const auto table = drawing.getBlockTableId().safeOpenAs<OdDbBlockTable>();
-  const OdDbObjectId block = table->getAt(OdString(name));
-  if (block.isNull()) throw CliError("there is no block " + quote(name));
-  return block;
-}
-
 // Labels.
 
 /// Certain references are dark, decided ones orange.
@@ -123,7 +115,7 @@ int runRender(const SessionSettings& settings, const RenderCommandOptions& optio
   const OpenedDrawing drawing(settings, options.input, DrawingSession::Access::kRead);
   if (options.noFeatureColors && !settings.noModules) vdmu::GetFEATURECOLORS::setImpl(&colorsOff);
   std::vector<std::string> warnings;
-  picture.block = blockNamed(*drawing, options.block);
+  picture.block = options.block.empty() ? OdDbObjectId() : findBlock(*drawing, options.block);
   picture.warnings = &warnings;
   if (options.labels) addLabels(*drawing, picture.block, picture);
   withProgress("drawing " + options.output.path, [&] {

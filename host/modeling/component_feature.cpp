@@ -260,4 +260,5 @@ void VdmComponentFeature::subMapProperties(VdmProperties& bag) {
   bag.mapProperty<VdmLongArray>(OdString(L"ToolStamp"), &m_toolStamp);
   bag.mapProperty<OdLong>(OdString(L"State"), &m_state);
   bag.mapProperty(OdString(L"Layer"), &m_layerId, OdDb::kSoftPointerRef);
+  m_sizes.map(bag);
 }

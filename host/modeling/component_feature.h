@@ -3,9 +3,11 @@
 
 #include <array>
 #include <map>
+#include <optional>
 #include <vector>
 
 #include "host/modeling/residues.h"
+#include "host/modeling/stored_sizes.h"
 #include "platform/ge/matrix3d.h"
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/features/vdm_feature_impl.h"
@@ -56,6 +58,10 @@ using VdmDbInsertReactorPtr = OdSmartPtr<VdmDbInsertReactor>;
 ///   ToolStamp            2 x 32 bits: what the tools were when they were applied
 ///   State                0 nothing applied, 1 applied, 2 suppressed
 ///   Layer                id of the layer to which the insert returns from suppression
+///   SizeNames, Sizes     sizes of the insert's own, in place of those of its component
+///
+/// Values of parameters reach it through reactors of expressions, by the properties of
+/// propertyValue().
 class VdmComponentFeature : public VdmFeature {
  public:
   VDM_DECLARE_FEATURE_MEMBERS(VdmComponentFeature)
@@ -84,7 +90,6 @@ class VdmComponentFeature : public VdmFeature {
   [[nodiscard]] OdModelerBodyPtr piece(vdm_host::ToolKind kind) const;
   /// A residue that was stored does not open any more.
   [[nodiscard]] bool hasLostPiece() const;
-  [[nodiscard]] OdDbObjectId layerBeforeSuppression() const { return m_layerId; }
   /// The insert's reactor; null when it was erased.
   [[nodiscard]] OdDbObjectId insertReactorId() const;
   /// The insert's reactor and the residues.
@@ -92,6 +97,14 @@ class VdmComponentFeature : public VdmFeature {
   [[nodiscard]] OdDbObjectIdArray baseFaceDependencies() const;
   /// By the number of the tool's face.
   [[nodiscard]] std::map<int, OdDbObjectIdArray> openingDependencies() const;
+  /// Sizes that the insert has in place of those of its component.
+  [[nodiscard]] vdm_host::ComponentSizes sizes() const { return m_sizes.all(); }
+  [[nodiscard]] bool hasOwnSizes() const { return !m_sizes.isEmpty(); }
+  /// "X", "Y", "Z" (drawing units), "Angle" (radians) and "Suppress" (0 or 1) of the insert, and
+  /// sizes of its own; nothing for what it does not have.
+  [[nodiscard]] std::optional<double> propertyValue(const OdString& name) const;
+  /// The insert lies on the layer of suppressed ones.
+  [[nodiscard]] bool isSuppressed() const;
   /// Name of the insert's block; empty when that does not open.
   [[nodiscard]] OdString componentName() const;
 
@@ -105,13 +118,21 @@ class VdmComponentFeature : public VdmFeature {
   void setPlaced(const Placed& placed);
   /// Drops references to an opening's face that stand for the face of another opening.
   void dropOpening(int toolFace, const OdDbObjectIdArray& dependencies);
-  void setLayerBeforeSuppression(const OdDbObjectId& layer) { m_layerId = layer; }
+  /// Moves the insert to the layer of suppressed ones, or back to where it was.
+  void setSuppressed(bool suppressed);
+  /// The component's size is that of its block again.
+  void dropSize(const OdString& name);
+  /// Moves the insert, suppresses it, or notes a size of its own; the next pass does the rest.
+  OdResult onPropertyModified(const OdString& key, double value) override;
 
   [[nodiscard]] const OdArray<int>& masks() const override;
   void subMapProperties(VdmProperties& bag) override;
   [[nodiscard]] int currentEdition() const override { return 1; }
 
  private:
+  /// The next pass has something to do.
+  void noteChanged();
+
   OdDbObjectId m_solidId;
   OdDbObjectId m_insertId;
   std::array<OdDbObjectId, vdm_host::kToolKindCount> m_pieceIds;
@@ -119,5 +140,6 @@ class VdmComponentFeature : public VdmFeature {
   VdmLongArray m_toolStamp;
   OdLong m_state = kStateNew;
   OdDbObjectId m_layerId;
+  vdm_host::StoredSizes m_sizes;
 };
 using VdmComponentFeaturePtr = OdSmartPtr<VdmComponentFeature>;

@@ -169,7 +169,7 @@ void ComponentHandler::planAt(const VdmComponentFeature& feature, Work& work) {
     return;
   }
   work.now = insert->blockTransform();
-  work.toolStamp = m_tools.of(insert->blockTableRecord()).stamp;
+  work.toolStamp = m_tools.of(insert->blockTableRecord(), feature).stamp;
   const bool isForced =
       m_helper.context() != nullptr && m_helper.context()->takeForced(work.feature);
   const bool isCurrent = work.heals && work.wasPlaced && work.toolStamp == feature.toolStamp() &&
@@ -212,7 +212,9 @@ void ComponentHandler::sampleFaces(const VdmComponentFeature& feature, Work& wor
 bool ComponentHandler::addTools(const OdDbObjectId& feature, VdmOpeningEntities& entities) {
   Work* work = findWork(feature);
   if (work == nullptr || !work->applies) return false;
-  const BlockTools& tools = m_tools.of(entities.insert->blockTableRecord());
+  const VdmComponentFeaturePtr component = openComponent(feature);
+  if (component.isNull()) return false;
+  const BlockTools& tools = m_tools.of(entities.insert->blockTableRecord(), *component);
   if (totalFaces(tools) == 0) {
     const OdString text(L"its block has no solids for subtracting or uniting");
     return fail(feature, {eNotApplicable, text});
@@ -246,7 +248,9 @@ OdStatus ComponentHandler::makeTools(Work& work, const BlockTools& tools) {
 
 void ComponentHandler::addGrossTools(const OdDbObjectId& feature, const OdDbBlockReference& insert,
                                      const OdDbObjectId& solid) {
-  const BlockTools& tools = m_tools.of(insert.blockTableRecord());
+  const VdmComponentFeaturePtr component = openComponent(feature);
+  if (component.isNull()) return;
+  const BlockTools& tools = m_tools.of(insert.blockTableRecord(), *component);
   for (const ToolKind kind : kToolKinds) {
     for (const OdModelerBodyPtr& body : tools.of(kind)) {
       OdModelerBodyPtr placed;

@@ -103,7 +103,7 @@ OdStatus ComponentHandler::doAnew(ComponentPieces& pieces) {
   work.oldFaces = openingFacesOf(*component);
   work.pieceIsLost = component->hasLostPiece();
   pieces.heals = true;
-  OdStatus status = makeTools(work, m_tools.of(insert->blockTableRecord()));
+  OdStatus status = makeTools(work, m_tools.of(insert->blockTableRecord(), *component));
   addWork(std::move(work));
   return status;
 }

@@ -1,12 +1,11 @@
 // Makers of components: blocks whose solids cut or fill the solid at which they are inserted.
 #include "host/modeling/component_library.h"
 
-#include <algorithm>
-#include <cmath>
 #include <functional>
 #include <vector>
 
 #include "host/modeling/component_kind.h"
+#include "host/modeling/component_sizes.h"
 #include "host/modeling/step_solids.h"
 #include "host/modeling/tool_form.h"
 #include "platform/base/error.h"
@@ -24,36 +23,6 @@ namespace {
 
 using Bodies = std::vector<OdModelerBodyPtr>;
 constexpr const wchar_t* kKindKey = L"ComponentKind";
-
-/// Length of stored tools that go through everything, in diagonals of what is in model space. Each
-/// cut makes one of the length that its body needs.
-constexpr double kThroughDiagonals = 2.0;
-/// And at least that many diameters, for parts that come later.
-constexpr double kThroughDiameters = 100.0;
-
-OdStatus refuse(const wchar_t* form, double a, double b) {
-  OdString text;
-  text.format(form, a, b);
-  return {eInvalidInput, text};
-}
-
-bool isLength(double value) { return std::isfinite(value) && value > 0.0; }
-
-OdStatus checkLength(const wchar_t* name, double value) {
-  if (isLength(value)) return {};
-  OdString text;
-  text.format(L"%ls is %g: a length above 0 is needed", name, value);
-  return {eInvalidInput, text};
-}
-
-double throughDepth(OdDbDatabase* database, double diameter) {
-  OdGeExtents3d box;
-  const OdDbBlockTableRecordPtr space =
-      database->getModelSpaceId().safeOpenAs<OdDbBlockTableRecord>();
-  const bool hasBox = space->getGeomExtents(box) == eOk;
-  const double diagonal = hasBox ? box.diagonal().length() : 0.0;
-  return std::max(kThroughDiagonals * diagonal, kThroughDiameters * diameter);
-}
 
 // Off, since tools are not part of what they make.
 OdDbObjectId toolLayer(const OdDbDatabase* database, ComponentRole role) {
@@ -100,14 +69,19 @@ OdStatus makeBlock(OdDbDatabase* database, const OdString& name, const wchar_t* 
   });
 }
 
-// A component of one cutting tool. The block shows a tool with its clearance; each cut makes one
+// A component of one tool. The block shows a cutting one with its clearance; each cut makes one
 // that fits its place.
-OdStatus makeCutting(OdDbDatabase* database, const OdString& name, const wchar_t* kind,
-                     const ToolForm& form, double depth, OdDbObjectId& block) {
+OdStatus makeBuiltIn(OdDbDatabase* database, const OdString& name, const wchar_t* kind,
+                     const ToolForm& form, OdDbObjectId& block) {
+  OdStatus status = checkForm(form);
   OdModelerBodyPtr tool;
-  OdStatus status = makeTool(form, {depth, form.clearance()}, tool);
+  if (status.ok()) {
+    status = makeTool(form, {storedDepth(database, form), form.clearance()}, tool);
+  }
   if (!status.ok()) return status;
-  return makeBlock(database, name, kind, ComponentRole::kSubtract, {tool}, block, &form);
+  const ComponentRole role =
+      form.shape == ToolShape::kBoss ? ComponentRole::kUnite : ComponentRole::kSubtract;
+  return makeBlock(database, name, kind, role, {tool}, block, &form);
 }
 
 }  // namespace
@@ -123,54 +97,27 @@ OdString componentKind(const OdDbObjectId& block) {
 
 OdStatus makeHole(OdDbDatabase* database, const OdString& name, const HoleSize& size,
                   OdDbObjectId& block) {
-  OdStatus status = checkLength(L"the diameter", size.diameter);
-  if (status.ok() && size.depth) status = checkLength(L"the depth", *size.depth);
-  if (!status.ok()) return status;
-  const double depth = size.depth.value_or(throughDepth(database, size.diameter));
   const ToolForm form{ToolShape::kHole, size.diameter, 0.0, 0.0, 0.0, size.depth};
-  return makeCutting(database, name, L"Hole", form, depth, block);
+  return makeBuiltIn(database, name, L"Hole", form, block);
 }
 
 OdStatus makeCounterbore(OdDbDatabase* database, const OdString& name, const CounterboreSize& size,
                          OdDbObjectId& block) {
-  OdStatus status = checkLength(L"the diameter", size.diameter);
-  if (status.ok()) status = checkLength(L"the bore's depth", size.boreDepth);
-  if (status.ok() && size.depth) status = checkLength(L"the depth", *size.depth);
-  if (!status.ok()) return status;
-  if (!isLength(size.boreDiameter) || size.boreDiameter <= size.diameter) {
-    return refuse(L"the bore's diameter %g is not more than the hole's diameter %g",
-                  size.boreDiameter, size.diameter);
-  }
-  const double depth = size.depth.value_or(throughDepth(database, size.boreDiameter));
-  if (depth <= size.boreDepth) {
-    return refuse(L"the depth %g is not more than the bore's depth %g", depth, size.boreDepth);
-  }
   const ToolForm form{ToolShape::kCounterbore, size.diameter,  0.0,
                       size.boreDiameter,       size.boreDepth, size.depth};
-  return makeCutting(database, name, L"Counterbore", form, depth, block);
+  return makeBuiltIn(database, name, L"Counterbore", form, block);
 }
 
 OdStatus makeSlot(OdDbDatabase* database, const OdString& name, const SlotSize& size,
                   OdDbObjectId& block) {
-  OdStatus status = checkLength(L"the width", size.width);
-  if (status.ok() && size.depth) status = checkLength(L"the depth", *size.depth);
-  if (!status.ok()) return status;
-  if (!isLength(size.length) || size.length <= size.width) {
-    return refuse(L"the length %g is not more than the width %g", size.length, size.width);
-  }
-  const double depth = size.depth.value_or(throughDepth(database, size.width));
   const ToolForm form{ToolShape::kSlot, size.width, size.length, 0.0, 0.0, size.depth};
-  return makeCutting(database, name, L"Slot", form, depth, block);
+  return makeBuiltIn(database, name, L"Slot", form, block);
 }
 
 OdStatus makeBoss(OdDbDatabase* database, const OdString& name, const BossSize& size,
                   OdDbObjectId& block) {
-  OdStatus status = checkLength(L"the diameter", size.diameter);
-  if (status.ok()) status = checkLength(L"the height", size.height);
-  OdModelerBodyPtr tool;
-  if (status.ok()) status = odModeler().cylinder(0.5 * size.diameter, size.height, tool);
-  if (!status.ok()) return status;
-  return makeBlock(database, name, L"Boss", ComponentRole::kUnite, {tool}, block);
+  const ToolForm form{ToolShape::kBoss, size.diameter, 0.0, 0.0, 0.0, size.height};
+  return makeBuiltIn(database, name, L"Boss", form, block);
 }
 
 OdStatus makeFromBlock(OdDbDatabase* database, const OdString& blockName, ComponentRole role,

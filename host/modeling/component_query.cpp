@@ -43,6 +43,17 @@ OdDbObjectId componentOf(const OdDbObjectId& insertOrFeature) {
   return {};
 }
 
+OdDbObjectIdArray componentsOfBlock(const OdDbObjectId& block) {
+  OdDbObjectIdArray components;
+  const OdDbBlockTableRecordPtr record = block.openAs<OdDbBlockTableRecord>();
+  if (record.isNull()) return components;
+  for (const OdDbObjectId& insert : record->getBlockReferenceIds()) {
+    const OdDbObjectId component = componentOf(insert);
+    if (!component.isNull()) components.append(component);
+  }
+  return components;
+}
+
 OdUInt32 resolvedIndexOf(const OdDbObjectId& reference) {
   const VdmDbObjectDependencyPtr dependency = reference.openAs<VdmDbObjectDependency>();
   if (dependency.isNull() || isUnresolvedIndex(dependency->subentId().index())) return 0;

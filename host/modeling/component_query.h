@@ -13,6 +13,8 @@ namespace vdm_host {
 [[nodiscard]] OdDbObjectIdArray featureManagers(OdDbDatabase* database);
 /// Components that work on the solid, in the order in which they were made.
 [[nodiscard]] OdDbObjectIdArray componentsOfSolid(const OdDbObjectId& solid);
+/// Components whose inserts show the block.
+[[nodiscard]] OdDbObjectIdArray componentsOfBlock(const OdDbObjectId& block);
 /// The component of an insert, or the id itself when it is one; null when there is none.
 [[nodiscard]] OdDbObjectId componentOf(const OdDbObjectId& insertOrFeature);
 /// Number of the subentity that a reference stands for; 0 when it is unresolved or does not open.

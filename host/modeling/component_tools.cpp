@@ -7,6 +7,7 @@
 // stamp with a probability of about 2^-64.
 #include "host/modeling/component_tools.h"
 
+#include "host/modeling/component_sizes.h"
 #include "platform/base/error.h"
 #include "platform/db/block_table_record.h"
 #include "platform/modeler/db_3d_solid.h"
@@ -41,6 +42,31 @@ void readTools(const VdmSolidOccurrences& occurrences, std::vector<OdModelerBody
   }
 }
 
+/// Null when there are several or none.
+OdModelerBodyPtr onlyTool(const BlockTools& tools) {
+  const std::size_t total = tools.bodies[0].size() + tools.bodies[1].size();
+  if (total != 1) return nullptr;
+  return tools.bodies[0].empty() ? tools.bodies[1].front() : tools.bodies[0].front();
+}
+
+void require(const OdStatus& status) {
+  if (!status.ok()) throw OdError(status.code, status.text);
+}
+
+/// The same tool with other sizes, which its stamp tells from the shared one.
+BlockTools withOwnSizes(const BlockTools& shared, const ComponentSizes& sizes,
+                        const OdDbDatabase* database) {
+  BlockTools own = shared;
+  require(withSizes(*shared.form, sizes, *own.form));
+  OdModelerBodyPtr body;
+  require(makeTool(*own.form, {storedDepth(database, *own.form), own.form->clearance()}, body));
+  for (auto& bodies : own.bodies) {
+    if (!bodies.empty()) bodies.front() = body;
+  }
+  own.stamp = mixed(shared.stamp, body->fingerprint());
+  return own;
+}
+
 }  // namespace
 
 const BlockTools& ComponentTools::of(const OdDbObjectId& block) {
@@ -55,10 +81,21 @@ const BlockTools& ComponentTools::of(const OdDbObjectId& block) {
             tools.stamp);
   VdmProperties bag;
   const OdDbBlockTableRecordPtr record = block.openAs<OdDbBlockTableRecord>();
-  if (tools.bodies[0].size() == 1 && !record.isNull() && bag.readFromDbObject(record.get())) {
-    tools.form = readToolForm(bag, *tools.bodies[0].front());
+  if (!record.isNull() && bag.readFromDbObject(record.get())) {
+    if (const OdModelerBodyPtr only = onlyTool(tools)) tools.form = readToolForm(bag, *only);
   }
   return tools;
+}
+
+const BlockTools& ComponentTools::of(const OdDbObjectId& block,
+                                     const VdmComponentFeature& component) {
+  const BlockTools& shared = of(block);
+  const ComponentSizes sizes = component.sizes();
+  if (sizes.empty() || !shared.form) return shared;
+  const auto known = m_ownTools.find(component.objectId());
+  if (known != m_ownTools.end()) return known->second;
+  BlockTools own = withOwnSizes(shared, sizes, block.database());
+  return m_ownTools.emplace(component.objectId(), std::move(own)).first->second;
 }
 
 }  // namespace vdm_host

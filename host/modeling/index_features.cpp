@@ -1,5 +1,6 @@
 // A step of the update: which features the drawing has.
 #include "host/modeling/component_query.h"
+#include "host/modeling/component_size_feature.h"
 #include "host/modeling/feature_handler.h"
 #include "host/modeling/model_update_context.h"
 #include "host/modeling/model_update_steps.h"
@@ -18,8 +19,11 @@ OdStatus indexFeatures(ModelUpdateContext& context) {
       if (feature->isA() != std::exchange(known, feature->isA())) {
         context.hasFollowers |= followsEntities(known);
       }
+      if (known == VdmComponentSizeFeature::desc()) context.sizeFeatures.append(featureId);
       const VdmComponentFeaturePtr component = VdmComponentFeature::cast(feature.get());
-      if (!component.isNull()) context.components[component->solidId()].append(featureId);
+      if (component.isNull()) continue;
+      context.components[component->solidId()].append(featureId);
+      if (component->hasOwnSizes()) context.sizedInserts.append(featureId);
     }
   }
   return {};

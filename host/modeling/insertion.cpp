@@ -27,17 +27,6 @@ constexpr double kOnFace = 1e-4;
 
 OdStatus refuse(const OdString& text) { return {eInvalidInput, text}; }
 
-OdGeMatrix3d frameAt(const OdGePoint3d& point, const OdGeVector3d& direction, double rotation) {
-  const OdGeVector3d z = direction.normal();
-  // As drawings choose the axes of a plane: the world's y unless the plane is nearly level.
-  constexpr double kLevel = 1.0 / 64.0;
-  const bool isLevel = std::abs(z.x) < kLevel && std::abs(z.y) < kLevel;
-  const OdGeVector3d x =
-      (isLevel ? OdGeVector3d::kYAxis : OdGeVector3d::kZAxis).crossProduct(z).normal();
-  const OdGeMatrix3d frame = OdGeMatrix3d::coordSystem(point, x, z.crossProduct(x), z);
-  return frame * OdGeMatrix3d::rotation(rotation, OdGeVector3d::kZAxis);
-}
-
 // The face that was named or in which the point lies; 0 for a point in no face that has a
 // direction.
 OdStatus findFace(const OdModelerBody& body, const ComponentPlacement& placement, OdUInt32& face) {
@@ -67,6 +56,18 @@ OdStatus outwardNormal(const OdModelerBody& body, OdUInt32 face, const OdGePoint
 }
 
 }  // namespace
+
+OdGeMatrix3d componentFrame(const OdGePoint3d& point, const OdGeVector3d& direction,
+                            double rotation) {
+  const OdGeVector3d z = direction.normal();
+  // As drawings choose the axes of a plane: the world's y unless the plane is nearly level.
+  constexpr double kLevel = 1.0 / 64.0;
+  const bool isLevel = std::abs(z.x) < kLevel && std::abs(z.y) < kLevel;
+  const OdGeVector3d x =
+      (isLevel ? OdGeVector3d::kYAxis : OdGeVector3d::kZAxis).crossProduct(z).normal();
+  const OdGeMatrix3d frame = OdGeMatrix3d::coordSystem(point, x, z.crossProduct(x), z);
+  return frame * OdGeMatrix3d::rotation(rotation, OdGeVector3d::kZAxis);
+}
 
 OdStatus makeInsertion(OdDbDatabase* database, const OdDbObjectId& block,
                        const ComponentPlacement& placement, OdDbObjectId& insert,
@@ -100,7 +101,7 @@ OdStatus makeInsertion(OdDbDatabase* database, const OdDbObjectId& block,
   const OdDbObjectId space = solid->ownerId();
   insert = space.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite)->appendOdDbEntity(reference);
   reference->setBlockTableRecord(block);
-  reference->setBlockTransform(frameAt(placement.point, direction, placement.rotation));
+  reference->setBlockTransform(componentFrame(placement.point, direction, placement.rotation));
   reference.release();
 
   const bool isNamed = !placement.name.isEmpty();

@@ -5,6 +5,11 @@
 
 namespace vdm_host {
 
+/// The place of a component: its point, its z axis out of the material, turned about that axis
+/// (radians).
+[[nodiscard]] OdGeMatrix3d componentFrame(const OdGePoint3d& point, const OdGeVector3d& direction,
+                                          double rotation);
+
 /// Makes the block reference, its feature and the reference to the base face; nothing is cut yet.
 /// Errors name the object and the values.
 OdStatus makeInsertion(OdDbDatabase* database, const OdDbObjectId& block,

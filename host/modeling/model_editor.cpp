@@ -11,9 +11,7 @@
 #include "platform/db/locked_layers.h"
 #include "platform/entities/block_reference.h"
 #include "platform/modeler/reach.h"
-#include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/drawing_utils/vdm_handle_text.h"
-#include "vdm_db/drawing_utils/vdm_layer_utils.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 
 namespace vdm_host {
@@ -55,11 +53,6 @@ OdStatus resolveEdges(std::span<const OdDbObjectId> references, OdDbObjectId& so
     edges.push_back(static_cast<OdUInt32>(subent.index()));
   }
   return edges.empty() ? refuse(OdString(L"there is no edge")) : OdStatus();
-}
-
-// Takes the layer from the table, or makes it: on, so that what lies on it can be picked.
-OdDbObjectId suppressLayer(const OdDbDatabase* database) {
-  return vdmu::findOrAddLayer(database, kVdmSuppressLayer, [](OdDbLayerTableRecord&) {});
 }
 
 OdStatus erase(const OdDbObjectId& id) {
@@ -172,13 +165,7 @@ EditResult ModelEditor::suppress(const OdDbObjectId& insert) {
         VdmComponentFeature::cast(VdmFeature::open(componentOf(insert), OdDb::kForWrite));
     if (feature.isNull()) return refuse(handleText(insert) + L" is no component");
     if (OdStatus status = requireUnlocked(feature->insertId()); !status.ok()) return status;
-    const OdDbBlockReferencePtr reference =
-        feature->insertId().safeOpenAs<OdDbBlockReference>(OdDb::kForWrite);
-    const OdDbObjectId layer = suppressLayer(m_database);
-    if (reference->layerId() == layer) return {};
-    feature->getDbObject()->assertWriteEnabled();
-    feature->setLayerBeforeSuppression(reference->layerId());
-    reference->setLayer(layer);
+    feature->setSuppressed(true);
     return {};
   });
 }
@@ -186,13 +173,9 @@ EditResult ModelEditor::suppress(const OdDbObjectId& insert) {
 EditResult ModelEditor::unsuppress(const OdDbObjectId& insert) {
   return edit(OdString(L"unsuppress"), [&]() -> OdStatus {
     const VdmComponentFeaturePtr feature =
-        VdmComponentFeature::cast(VdmFeature::open(componentOf(insert)).get());
+        VdmComponentFeature::cast(VdmFeature::open(componentOf(insert), OdDb::kForWrite));
     if (feature.isNull()) return refuse(handleText(insert) + L" is no component");
-    const OdDbBlockReferencePtr reference =
-        feature->insertId().safeOpenAs<OdDbBlockReference>(OdDb::kForWrite);
-    if (reference->layer().iCompare(kVdmSuppressLayer) != 0) return {};
-    const OdDbObjectId back = feature->layerBeforeSuppression();
-    reference->setLayer(back.openObject().isNull() ? m_database->getLayerZeroId() : back);
+    feature->setSuppressed(false);
     return {};
   });
 }

@@ -13,6 +13,7 @@ namespace {
 constexpr OdStatus (*kSteps[])(ModelUpdateContext&) = {
     &indexFeatures,     //
     &evaluateFeatures,  //
+    &sizeComponents,    //
     &followSolids,      //
     &settleReferences,  //
     &followBaseFaces,   //

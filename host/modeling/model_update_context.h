@@ -43,7 +43,9 @@ class ModelUpdateContext final : public VdmUpdateHost {
   // What features there are.
   OdDbObjectIdArray managers;
   std::unordered_map<OdDbObjectId, OdDbObjectIdArray> components;  ///< by solid
-  bool hasFollowers = false;  ///< some feature may follow changes of entities by itself
+  OdDbObjectIdArray sizeFeatures;  ///< of components with dimensions that expressions give
+  OdDbObjectIdArray sizedInserts;  ///< components with sizes of their own
+  bool hasFollowers = false;       ///< some feature may follow changes of entities by itself
 
   // What the steps found out.
   std::vector<OdDbObjectId> replacedSolids;

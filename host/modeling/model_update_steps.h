@@ -14,6 +14,8 @@ OdStatus indexFeatures(ModelUpdateContext& context);
 /// Has features that wait for it evaluate themselves. The one place where an update computes
 /// variables: before anything reads them.
 OdStatus evaluateFeatures(ModelUpdateContext& context);
+/// Components whose dimensions expressions give get their tools; their inserts are due then.
+OdStatus sizeComponents(ModelUpdateContext& context);
 /// Solids that were moved take their components along; stored pieces of components lose what direct
 /// booleans did, and take in what blends of their rims took away; components of replaced bodies are
 /// to be cut anew.

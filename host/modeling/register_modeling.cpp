@@ -5,6 +5,7 @@
 
 #include "host/modeling/component_handler.h"
 #include "host/modeling/component_interface.h"
+#include "host/modeling/component_size_feature.h"
 #include "host/modeling/update_helper.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_db_naming_policy_pe.h"
@@ -102,6 +103,7 @@ void registerModeling() {
   if (registrations()++ > 0) return;
   VdmDbInsertReactor::rxInit();
   VdmComponentFeature::rxInit();
+  VdmComponentSizeFeature::rxInit();
   VdmComponentInterface::rxInit();
   for (const ExtensionRow& row : kExtensions) row.target()->addX(row.protocol(), row.make());
   registerFeatureHandler(VdmComponentFeature::desc(), &makeComponentHandler);
@@ -118,6 +120,7 @@ void unregisterModeling() {
     row->target()->delX(row->protocol());
   }
   VdmComponentInterface::rxUninit();
+  VdmComponentSizeFeature::rxUninit();
   VdmComponentFeature::rxUninit();
   VdmDbInsertReactor::rxUninit();
 }

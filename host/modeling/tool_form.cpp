@@ -74,6 +74,8 @@ OdStatus makeTool(const ToolForm& form, const ToolReach& reach, OdModelerBodyPtr
       return counterbore(form, reach, result);
     case ToolShape::kSlot:
       return slot(form.width, form.length, -reach.below, reach.above, result);
+    case ToolShape::kBoss:
+      return cylinder(form.width, 0.0, form.depth.value_or(0.0), result);
   }
   return {eInvalidInput, OdString(L"there is no such tool")};
 }
@@ -101,7 +103,7 @@ std::optional<ToolForm> readToolForm(const VdmProperties& bag, const OdModelerBo
       !bag.getProperty(OdString(kPrintKey), print) || print != halvesOf(tool.fingerprint())) {
     return std::nullopt;
   }
-  constexpr double kLastShape = 2.0;
+  constexpr double kLastShape = 3.0;
   const double shape = values[0];
   if (!(shape >= 0.0 && shape <= kLastShape)) return std::nullopt;
   ToolForm form{static_cast<ToolShape>(static_cast<int>(shape)),

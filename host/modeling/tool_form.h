@@ -1,4 +1,4 @@
-// ToolForm: a cutting tool of a built-in component, which is made anew for each place.
+// ToolForm: the tool of a built-in component; one that cuts is made anew for each place.
 #pragma once
 
 #include <optional>
@@ -9,7 +9,7 @@
 
 namespace vdm_host {
 
-enum class ToolShape { kHole = 0, kCounterbore = 1, kSlot = 2 };  ///< numbers are stored
+enum class ToolShape { kHole = 0, kCounterbore = 1, kSlot = 2, kBoss = 3 };  ///< numbers are stored
 
 /// How far a tool reaches from the face in which it is placed, along its axis.
 struct ToolReach {
@@ -17,14 +17,17 @@ struct ToolReach {
   double above = 0.0;
 };
 
-/// What a cutting tool is, apart from how far it reaches. Lengths in the units of its block.
+/// What a tool is, apart from how far it reaches. Lengths in the units of its block.
 struct ToolForm {
   ToolShape shape = ToolShape::kHole;
-  double width = 0.0;         ///< diameter of hole and counterbore's hole; width of the slot
+  double width = 0.0;         ///< diameter of hole, counterbore's hole and boss; width of the slot
   double length = 0.0;        ///< of the slot, over all
   double boreDiameter = 0.0;  ///< of the counterbore
   double boreDepth = 0.0;
-  std::optional<double> depth;  ///< from the face; without one it goes through everything below
+  /// From the face; without one it goes through everything below. The height of a boss.
+  std::optional<double> depth;
+
+  friend bool operator==(const ToolForm&, const ToolForm&) = default;
 
   /// The widest that it is at the face.
   [[nodiscard]] double widthAtFace() const;
@@ -32,8 +35,8 @@ struct ToolForm {
   [[nodiscard]] double clearance() const;
 };
 
-/// The tool, its axis along z and its face at z = 0. Faces have the same numbers whatever the
-/// reach; `reach.below` is more than the bore's depth.
+/// The tool, its axis along z and its face at z = 0; a boss has its height whatever the reach.
+/// Faces have the same numbers whatever the reach; `reach.below` is more than the bore's depth.
 OdStatus makeTool(const ToolForm& form, const ToolReach& reach, OdModelerBodyPtr& result);
 /// What the tool takes up from z = `from` to z = `to` if it is as there as it is at its face.
 OdStatus makeOpening(const ToolForm& form, double from, double to, OdModelerBodyPtr& result);

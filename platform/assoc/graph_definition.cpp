@@ -9,6 +9,7 @@
 #include "platform/assoc/assoc_network.h"
 #include "platform/assoc/assoc_variable.h"
 #include "platform/assoc/network_graph.h"
+#include "platform/assoc/variable_dimension.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/db/open_upgrade.h"
@@ -94,6 +95,17 @@ void OdDbAssocGraph::checkUnits() {
 OdExpression::Dimension OdDbAssocGraph::dimensionOf(Index node) const {
   return m_nodes[node].has(kCompiled) ? m_nodes[node].program.dimension()
                                       : OdExpression::Dimension();
+}
+
+OdExpression::Dimension OdDbAssocGraph::dimensionOfVariable(const OdDbAssocVariable& variable) {
+  OdDbAssocGraph* network = variable.graph();
+  if (network == nullptr) return {};
+  network->compileNeeded(variable.m_node);
+  return network->dimensionOf(variable.m_node);
+}
+
+OdExpression::Dimension oddbDimensionOf(const OdDbAssocVariable& variable) {
+  return OdDbAssocGraph::dimensionOfVariable(variable);
 }
 
 void OdDbAssocGraph::compileNeeded(Index node) {

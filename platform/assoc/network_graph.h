@@ -110,6 +110,9 @@ class OdDbAssocGraph : OdNonCopyable {
   [[nodiscard]] bool isBroken(Index node) const { return m_nodes[node].has(kBroken); }
   /// The insertion unit of the block that has the network.
   [[nodiscard]] OdDb::UnitsValue presentUnit() const;
+  /// What the value of a variable measures; see oddbDimensionOf().
+  [[nodiscard]] static OdExpression::Dimension dimensionOfVariable(
+      const OdDbAssocVariable& variable);
   /// Why a node cannot be compiled; empty when it can.
   [[nodiscard]] OdString faultOf(Index node);
   [[nodiscard]] std::size_t memoryBytes() const;

@@ -113,15 +113,15 @@ void VdmDbConfigVarReactor::attach(OdDbAssocVariable& variable, bool isKey, bool
   state.value = variable.numericValue();
   state.isKey = isKey;
   state.isString = isString;
-  state.isEnabled = variable.expression().isEmpty();
+  state.isEnabled = true;  // until the variable announces an expression
   variable.addPersistentReactor(objectId());
 }
 
 OdResult VdmDbConfigVarReactor::attachToVariable(const OdDbObjectId& variable, bool isKey,
                                                  bool isString) {
+  const Writing writing(*this);  // until the variable has closed, and announced its new reactor
   const OdDbAssocVariablePtr linked = variable.openAs<OdDbAssocVariable>(OdDb::kForWrite);
   if (linked.isNull()) return kVdmNoVariable;
-  const Writing writing(*this);
   attach(*linked, isKey, isString, /*deletesVariable=*/false);
   return eOk;
 }

@@ -41,8 +41,9 @@ class VDM_DB_EXPORT VdmDbConfigVarReactorImpl : public VdmDbFeatureReactorImpl {
 /// values of the chosen row to the variable and calls onPropertyModified() of the feature when
 /// somebody else changes the variable.
 ///
-/// 1. A variable that has an expression is driven by something else: its link is not enabled until
-///    the expression is removed, which writing a value does.
+/// 1. A variable that gets an expression is driven by something else: its link is not enabled until
+///    the expression is removed, which writing a value does. A new link is enabled whatever the
+///    variable has, so that its value takes part when a table is loaded.
 /// 2. A variable has no texts. The link of a column of texts keeps the text itself, and the number
 ///    of its variable changes between 0 and 1 with every write, so that whatever depends on the
 ///    variable becomes out of date.

@@ -2,6 +2,7 @@
 #include "vdm_db/parameters/vdm_variable_values.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 #include "platform/assoc/expression_parser.h"
@@ -35,7 +36,8 @@ double getValueAsDouble(const OdDbAssocVariable* variable) {
 int getValueAsInt(const OdDbEvalVariant* value) {
   constexpr double kLeast = std::numeric_limits<int>::min();
   constexpr double kGreatest = std::numeric_limits<int>::max();
-  return static_cast<int>(std::clamp(getValueAsDouble(value), kLeast, kGreatest));
+  const double number = getValueAsDouble(value);
+  return static_cast<int>(std::isnan(number) ? kNoNumber : std::clamp(number, kLeast, kGreatest));
 }
 
 bool isStringType(const OdDbEvalVariant* value) {

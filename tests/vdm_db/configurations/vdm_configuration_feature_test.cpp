@@ -58,6 +58,17 @@ TEST_F(VdmConfigurationFeatureTest, WithoutAFittingRowTheFreeConfigurationIsSele
   EXPECT_EQ(edit()->setConfiguration(L"Small"), 5);
 }
 
+TEST_F(VdmConfigurationFeatureTest, AValueThatAnExpressionGivesDecidesWhenTheTableIsLoaded) {
+  addVariable(L"Width", 0);
+  setExpression(L"Width", L"20");
+  reopen();
+  ASSERT_EQ(loadSheet(kSheet), eOk);
+  EXPECT_EQ(state(), "Large: Config=Large Width=20 Height=2 Material=Iron");
+  EXPECT_TRUE(link(L"Width")->isEnabled());
+  setExpression(L"Width", L"10 + 20");
+  EXPECT_FALSE(link(L"Width")->isEnabled());
+}
+
 // A lone column of numbers: the configurations are the numbers, and no variable shows their names.
 TEST_F(VdmConfigurationFeatureTest, AColumnWithoutKeysSelectsByItsValues) {
   ASSERT_EQ(loadSheet({{"Width"}, {"10"}, {"20"}}, true, /*promote=*/true), eOk);

@@ -110,6 +110,44 @@ TEST_F(VdmVariableReactors, PropertiesFollowVariables) {
   EXPECT_TRUE(open<OdDbAssocVariable>(named(L"other"))->getPersistentReactors().isEmpty());
 }
 
+/// A host's reactor that sets another variable as soon as something is undone.
+class SetsOnUndo : public OdDbObjectReactor {
+ public:
+  explicit SetsOnUndo(OdDbObjectId variable) : m_variable(variable) {}
+  void modifyUndone(const OdDbObject*) override {
+    vdmu::setConstExpression(m_variable.openAs<OdDbAssocVariable>(OdDb::kForWrite).get(),
+                             ++m_value);
+  }
+
+ private:
+  OdDbObjectId m_variable;
+  double m_value = 50;
+};
+
+TEST_F(VdmVariableReactors, NothingReactsWhileUndoing) {
+  const OdDbObjectId property = addReactor<VdmDbPropertyReactor>();
+  const OdDbObjectId expression = addReactor<VdmDbExpressionReactor>();
+  EXPECT_EQ(bind(property, L"Width", L"width"), eOk);
+  edit<VdmDbExpressionReactor>(expression)->setPropertyName(L"Depth");
+  EXPECT_EQ(edit<VdmDbExpressionReactor>(expression)->setExpression(L"5", true), eOk);
+  const OdDbObjectId own = open<VdmDbExpressionReactor>(expression)->assocVariable();
+  const OdDbObjectId other = named(L"other");
+  heard();
+  m_drawing->disableUndoRecording(false);
+  for (const OdDbObjectId& variable : {named(L"width"), own}) {
+    m_drawing->startUndoRecord();
+    set(other, vdmu::getValueAsDouble(open<OdDbAssocVariable>(other).get()) + 1);
+    SetsOnUndo host(variable);
+    const OdDbObjectPtr watched = other.openObject();
+    watched->addReactor(&host);
+    ASSERT_EQ(m_drawing->undo(), eOk);
+    watched->removeReactor(&host);
+    EXPECT_EQ(vdmu::getValueAsDouble(open<OdDbAssocVariable>(variable).get()), 51);
+    EXPECT_TRUE(heard().empty());
+  }
+  EXPECT_EQ(number(L"Width"), 7.0);
+}
+
 TEST_F(VdmVariableReactors, ExpressionsGiveProperties) {
   const OdDbObjectId base = named(L"base", L"4");
   OdDbObjectId id = addReactor<VdmDbExpressionReactor>();

@@ -1,4 +1,6 @@
 // Variables of a block: values, names, walks, evaluation.
+#include <cmath>
+
 #include "platform/assoc/assoc_dependency.h"
 #include "platform/assoc/assoc_network.h"
 #include "platform/base/case_compare.h"
@@ -41,6 +43,7 @@ TEST_F(VdmVariableUtils, ValuesOfVariants) {
   EXPECT_EQ(vdmu::getValueAsDouble(whole.get()), 7.0);
   EXPECT_EQ(vdmu::getValueAsDouble(text.get()), -1.0);
   EXPECT_EQ(vdmu::getValueAsInt(text.get()), -1);
+  EXPECT_EQ(vdmu::getValueAsInt(OdDbEvalVariant::init(std::nan("")).get()), -1);
   EXPECT_EQ(vdmu::getAsString(text.get()), L"M8");
   EXPECT_EQ(vdmu::getAsString(whole.get()), L"7");
   EXPECT_FALSE(vdmu::isStringType(whole.get()));
