@@ -64,6 +64,8 @@ class VDM_DB_EXPORT VdmDbPersIdReactor : public VdmDbFeatureReactor {
   bool doAudit() override;
 
  private:
+  friend class VdmFeatureReadAhead;
+
   [[nodiscard]] const VdmDbPersIdReactorImpl& stateForRead() const;
   VdmDbPersIdReactorImpl& stateForWrite();
   void loseLast();
