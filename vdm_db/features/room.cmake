@@ -23,6 +23,7 @@ list(APPEND VDM_DB_SOURCES
   features/vdm_feature_look.cpp
   features/vdm_feature_manager_utils.cpp
   features/vdm_feature_pe.cpp
+  features/vdm_feature_read_ahead.cpp
   features/vdm_feature_references.cpp
   features/vdm_matching_faces.cpp
   features/vdm_naming_service.cpp
@@ -66,5 +67,6 @@ list(APPEND VDM_DB_PRIVATE_HEADERS
   features/vdm_feature_index.h
   features/vdm_feature_look.h
   features/vdm_feature_reactor_walk.h
+  features/vdm_feature_read_ahead.h
   features/vdm_resident_classes.h
 )

@@ -81,6 +81,8 @@ class VDM_DB_EXPORT VdmDbFeatureData : public OdDbObject {
   void subClose() override;
 
  private:
+  friend class VdmFeatureReadAhead;
+
   void invalidateNamesOfManager() const;
   void refileManager() const;
   OdResult eraseOwnObjects();

@@ -62,6 +62,8 @@ class VDM_DB_EXPORT VdmDbPersIdReactor : public VdmDbFeatureReactorOf<VdmDbPersI
   bool doAudit() override;
 
  private:
+  friend class VdmFeatureReadAhead;
+
   void loseLast();
 };
 using VdmDbPersIdReactorPtr = OdSmartPtr<VdmDbPersIdReactor>;

@@ -209,6 +209,7 @@ class VDM_DB_EXPORT VdmFeature : public OdRxObject {
   friend class VdmDbFeatureManager;
   friend class VdmDbFeatureManagerTransaction;
   friend class VdmFeatureLook;
+  friend class VdmFeatureReadAhead;
   friend class VdmFeatureUpdateData;
 
   /// Raises OdError(eNotOpenForRead) unless there is a carrier that is open for read.

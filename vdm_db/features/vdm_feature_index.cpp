@@ -17,7 +17,9 @@
 #include "vdm_db/features/vdm_feature_index.h"
 
 #include <algorithm>
+#include <array>
 
+#include "vdm_db/features/vdm_feature_read_ahead.h"
 #include "vdm_db/references/vdm_indexed_ids.h"
 
 namespace {
@@ -123,7 +125,13 @@ void VdmFeatureIndex::markUnknown(Slot slot) {
 void VdmFeatureIndex::lookAtUnknown() {
   std::vector<Slot> unknown;
   unknown.swap(m_unknown);
-  for (const Slot slot : unknown) lookAt(slot);
+  std::array<OdDbObjectId, VdmFeatureReadAhead::kPortion> ahead;
+  for (std::size_t first = 0; first < unknown.size(); first += ahead.size()) {
+    const std::size_t count = std::min(ahead.size(), unknown.size() - first);
+    for (std::size_t i = 0; i < count; ++i) ahead[i] = feature(unknown[first + i]);
+    VdmFeatureReadAhead::read({ahead.data(), count});
+    for (std::size_t i = 0; i < count; ++i) lookAt(unknown[first + i]);
+  }
   m_notes.skipNews();
 }
 

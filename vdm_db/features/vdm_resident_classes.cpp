@@ -18,12 +18,17 @@ bool isOneOf(const OdRxClass* cls, std::initializer_list<OdRxClass*> classes) {
 void VdmResidentClasses::find(const VdmIndexedIds& features,
                               std::initializer_list<OdRxClass*> classes, OdDbObjectIdArray& found) {
   forgetWhatEnded(features);
-  for (Row& row : m_rows) row.isWanted = isOneOf(row.cls, classes);
+  OdUInt32 numWanted = 0;
+  for (Row& row : m_rows) {
+    row.isWanted = isOneOf(row.cls, classes);
+    if (row.isWanted) numWanted += row.numSeen;
+  }
+  found.reserve(numWanted);
   const OdDbObjectIdArray& ids = features.ids();
   m_seen.resize(ids.size());
   constexpr OdUInt32 kAhead = 24;  // records that are under way from memory
   for (OdUInt32 i = 0; i < ids.size(); ++i) {
-    if (i + kAhead < ids.size()) __builtin_prefetch(ids[i + kAhead].idRecord());
+    if (i + kAhead < ids.size()) __builtin_prefetch(&ids[i + kAhead].idRecord()->object);
     const OdDbIdRecord* idRecord = ids[i].idRecord();
     if (idRecord == nullptr || idRecord->object == nullptr) continue;
     if (idRecord->has(OdDbIdRecord::kErased)) continue;
@@ -56,6 +61,7 @@ bool VdmResidentClasses::isWanted(const OdDbObject* object, Seen& seen, Classes 
   if (cls == nullptr) return false;
   if (feature == nullptr) return isOneOf(cls, classes);
   seen = {object, rowOf(cls, classes)};
+  ++m_rows[seen.row].numSeen;
   return m_rows[seen.row].isWanted;
 }
 

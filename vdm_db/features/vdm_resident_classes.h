@@ -33,7 +33,8 @@ class VdmResidentClasses {
   struct Row {
     OdString name;
     const OdRxClass* cls;
-    bool isWanted;
+    bool isWanted = false;
+    OdUInt32 numSeen = 0;
   };
 
   using Classes = std::initializer_list<OdRxClass*>;

@@ -18,6 +18,8 @@ namespace {
 
 using IdSet = VdmDependenciesReplacementMap::IdSet;
 
+constexpr std::size_t kFewTransformed = 4;
+
 OdDbObjectIdArray inHandleOrder(OdDbObjectIdArray ids) {
   std::sort(ids.begin(), ids.end(), vdmu::ObjectIdLess());
   return ids;
@@ -115,6 +117,13 @@ OdDbObjectIdArray VdmDependenciesReplacementMap::modifiedEnts() const {
 
 const VdmDependenciesReplacementMap::TransformedData*
 VdmDependenciesReplacementMap::findTransformedObject(const OdDbObjectId& id) const {
+  // The hash of an id reads its record, which is far away mostly; an edit moves few objects.
+  if (m_transformed.size() <= kFewTransformed) {
+    for (const auto& [object, data] : m_transformed) {
+      if (object == id) return &data;
+    }
+    return nullptr;
+  }
   const auto entry = m_transformed.find(id);
   return entry == m_transformed.end() ? nullptr : &entry->second;
 }

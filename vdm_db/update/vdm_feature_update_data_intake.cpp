@@ -2,11 +2,13 @@
 #include "vdm_db/update/vdm_feature_update_data.h"
 
 #include <algorithm>
+#include <span>
 
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_db_pers_id_reactor.h"
 #include "vdm_db/features/vdm_feature.h"
 #include "vdm_db/features/vdm_feature_reactor_walk.h"
+#include "vdm_db/features/vdm_feature_read_ahead.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/references/vdm_dependencies_replacement_map.h"
@@ -65,7 +67,13 @@ bool VdmFeatureUpdateData::init(const OdDbObjectIdArray& ids,
   if (ids.isEmpty()) return false;
   m_replacementMap = &map;
   if (force) m_featureIds.reserve(m_featureIds.size() + ids.size());
-  for (const OdDbObjectId& id : ids) takeIn(id, force);
+  const std::span<const OdDbObjectId> all(ids.begin(), ids.size());
+  constexpr std::size_t kPortion = VdmFeatureReadAhead::kPortion;
+  for (std::size_t first = 0; first < all.size(); first += kPortion) {
+    const auto portion = all.subspan(first, std::min(kPortion, all.size() - first));
+    VdmFeatureReadAhead::read(portion);
+    for (const OdDbObjectId& id : portion) takeIn(id, force);
+  }
   if (m_helper) collectByEntity();
   return true;
 }
