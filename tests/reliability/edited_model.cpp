@@ -67,7 +67,8 @@ void EditedModel::addBlocks() {
     std::vector<OdModelerBodyPtr> cuts = all.of(ToolKind::kCut);
     // What is meant ends at the face; what is above it is a matter of the place.
     const ToolReach reach{all.form ? all.form->depth.value_or(1000.0) : 0.0, 0.0};
-    expect(!all.form || makeTool(*all.form, reach, cuts.front()).ok(), "a tool cannot be made");
+    const bool isFitted = all.form && !cuts.empty();
+    expect(!isFitted || makeTool(*all.form, reach, cuts.front()).ok(), "a tool cannot be made");
     m_truth.blocks.push_back({id.getHandle(), std::move(cuts), all.of(ToolKind::kFill)});
   }
 }
