@@ -20,6 +20,7 @@ constexpr OdStatus (*kSteps[])(ModelUpdateContext&) = {
     &separateOpenings,  //
     &dropUnwatched,     //
     &reportReferences,  //
+    &reportSolids,      //
 };
 
 }  // namespace
