@@ -257,10 +257,6 @@ bool solidsAreSound(const TopoDS_Shape& shape) {
   return true;
 }
 
-}  // namespace
-
-namespace {
-
 // The faces at which an operation that worked on some edges can have written traces: those of the
 // edges, and new ones.
 std::vector<bool> facesAt(const TopTools_MapOfShape& edges, const Topology& now,
