@@ -46,6 +46,12 @@ OdModelerBodyPtr plateOf(OdModeler& modeler, std::size_t faces) {
   return cutFrom(modeler, plate, tools);
 }
 
+OdModelerBodyPtr pinBetweenHoles(OdModeler& modeler, std::size_t number) {
+  const OdModelerBodyPtr pin =
+      made([&](auto& result) { return modeler.cylinder(1.5, 12.0, result); });
+  return moved(pin, {kPitch * (static_cast<double>(number) + 1.5), 1.5 * kPitch, -1.0});
+}
+
 void addFiles(OdModeler& modeler, std::vector<CutPart>& parts) {
   constexpr OdUInt32 kFewFaces = 150;
   const char* folder = std::getenv("VDM_STEP_DIR");

@@ -16,6 +16,8 @@ OdModelerBodyPtr cutFrom(OdModeler& modeler, const OdModelerBodyPtr& base,
                          const std::vector<OdModelerBodyPtr>& tools);
 /// A plate with through holes in a square grid, `faces` - 6 of them.
 OdModelerBodyPtr plateOf(OdModeler& modeler, std::size_t faces);
+/// A pin through such a plate, in the middle of four holes; the first ones lie in its first row.
+OdModelerBodyPtr pinBetweenHoles(OdModeler& modeler, std::size_t number);
 /// Appends the bodies of some hundred faces out of the STEP files of the folder VDM_STEP_DIR, if
 /// one is named.
 void addFiles(OdModeler& modeler, std::vector<CutPart>& parts);

@@ -21,12 +21,13 @@ struct Figure {
 struct FigureOptions {
   std::vector<std::size_t> features = {1000, 10000, 100000};
   std::vector<std::size_t> cuts = {100, 300};
+  std::vector<std::size_t> holes = {10, 100, 400, 1000};
   std::size_t rounds = 15;
-  bool peers = true;  ///< resolve: name and solve with the peer too; far the most of the time
+  bool peers = true;  ///< moves, resolve: the peers too; by far the most of the time
 };
 
-/// A plate with 100 holes: one is moved; the pass against the modeller's own time, the edit against
-/// healing and cutting that one hole with the modeller alone.
+/// Plates with many holes: one is moved; the pass against the modeller's own time, the edit against
+/// healing and cutting that one hole with the modeller alone, which looks at the whole body.
 std::vector<Figure> measureMoves(const FigureOptions& options);
 /// Passes in which features have nothing to do, and listing features, against a function solver.
 std::vector<Figure> measureIdlePasses(const FigureOptions& options);
@@ -36,6 +37,10 @@ std::vector<Figure> measureResolving(const FigureOptions& options);
 /// The check of a cut's outcome against the cut, on plates of 300 to 635 faces and on the parts in
 /// the folder VDM_STEP_DIR.
 std::vector<Figure> measureChecks(const FigureOptions& options);
+
+/// A small hole cut into plates of 300 to 3,000 faces and into the parts in the folder
+/// VDM_STEP_DIR: by the faces that it concerns, against the same cut of the whole body.
+std::vector<Figure> measureCuts(const FigureOptions& options);
 
 /// The reach of a tool at its place against the cut that it makes there, on plates of 300 and 635
 /// faces: in the open, where boxes decide, and in a slit, where a boolean does.

@@ -1,7 +1,7 @@
 // Measures update passes and persistent references, each figure against a peer in the same run.
 //
-//   vdm_bench_update [--only moves|idle|resolve|wall|checks|fits] [--features N,N,...]
-//                    [--cuts N,N,...] [--rounds N] [--peers 0|1]
+//   vdm_bench_update [--only moves|cuts|idle|resolve|wall|checks|fits] [--holes N,N,...]
+//                    [--features N,N,...] [--cuts N,N,...] [--rounds N] [--peers 0|1]
 #include <cstdio>
 #include <exception>
 #include <optional>
@@ -17,9 +17,10 @@ struct TaskRow {
   const char* name;
   std::vector<Figure> (*measure)(const FigureOptions& options);
 };
-constexpr TaskRow kTasks[] = {{"moves", measureMoves},       {"idle", measureIdlePasses},
-                              {"resolve", measureResolving}, {"wall", measureWall},
-                              {"checks", measureChecks},     {"fits", measureFits}};
+constexpr TaskRow kTasks[] = {{"moves", measureMoves},     {"cuts", measureCuts},
+                              {"idle", measureIdlePasses}, {"resolve", measureResolving},
+                              {"wall", measureWall},       {"checks", measureChecks},
+                              {"fits", measureFits}};
 
 struct Arguments {
   FigureOptions figures;
@@ -43,6 +44,8 @@ std::optional<Arguments> parse(int argc, char** argv) {
       result.only = value;
     } else if (name == "--features") {
       result.figures.features = numbers(value);
+    } else if (name == "--holes") {
+      result.figures.holes = numbers(value);
     } else if (name == "--cuts") {
       result.figures.cuts = numbers(value);
     } else if (name == "--rounds") {

@@ -1,26 +1,27 @@
-// One hole moved among a hundred: what the pass costs beside the modeller, and what the edit costs
-// beside healing and cutting that one hole with the modeller alone.
-#include <array>
+// One hole moved among many: what the pass costs beside the modeller, and what the edit costs
+// beside healing and cutting that one hole with the modeller alone, which looks at the whole body.
+#include <algorithm>
+#include <cmath>
 #include <stdexcept>
 
 #include "bench/naming/made_body.h"
 #include "bench/update/component_drawing.h"
 #include "bench/update/figures.h"
 #include "platform/modeler/modeler.h"
+#include "platform/modeler_occt/occt_modeler.h"
 
 namespace {
 
-constexpr std::size_t kColumns = 10;
 constexpr double kPitch = 30.0;
 constexpr double kDiameter = 10.0;
 
 using naming_bench::made;
 
-OdModelerBodyPtr boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& body,
-                         const OdModelerBodyPtr& tool) {
+OdModelerBodyPtr boolean(OdModeler& modeler, OdModelerBooleanKind kind,
+                         const OdModelerBodyPtr& body, const OdModelerBodyPtr& tool) {
   OdModelerHistory history;
   return made([&](auto& result) {
-    return odModeler().boolean(kind, body, {&tool, 1}, result, &history);
+    return modeler.boolean(kind, body, {&tool, 1}, result, &history);
   });
 }
 
@@ -46,77 +47,115 @@ void require(const vdm_host::EditResult& result) {
   if (!result.ok()) throw std::runtime_error(std::string(result.status.text.utf8()));
 }
 
-/// The peers: the hole at `from` healed and a new one cut at `to`, on the same body.
-double pieceAndCut(const OdModelerBodyPtr& body, const OdGePoint3d& from, const OdGePoint3d& to) {
-  const OdModelerBodyPtr piece = cylinderAt(from, 0.0, 10.0);
-  const OdModelerBodyPtr tool = cylinderAt(to, -1.0, 12.0);
+struct Move {
+  OdModelerBodyPtr before;
+  OdGePoint3d from;
+  OdGePoint3d to;
+};
+
+/// The peers: the hole healed and a new one cut, on the same body.
+double pieceAndCut(OdModeler& modeler, const Move& move) {
+  const OdModelerBodyPtr piece = cylinderAt(move.from, 0.0, 10.0);
+  const OdModelerBodyPtr tool = cylinderAt(move.to, -1.0, 12.0);
   return secondsOf([&] {
-    const auto healed = boolean(OdModelerBooleanKind::kUnite, body, piece);
-    (void)boolean(OdModelerBooleanKind::kSubtract, healed, tool);
+    const auto healed = boolean(modeler, OdModelerBooleanKind::kUnite, move.before, piece);
+    (void)boolean(modeler, OdModelerBooleanKind::kSubtract, healed, tool);
   });
 }
 
-double removeAndCut(const OdModelerBodyPtr& body, const OdGePoint3d& from, const OdGePoint3d& to) {
-  const OdUInt32 wall = wallAt(*body, from);
-  const OdModelerBodyPtr tool = cylinderAt(to, -1.0, 12.0);
+double removeAndCut(OdModeler& modeler, const Move& move) {
+  const OdUInt32 wall = wallAt(*move.before, move.from);
+  const OdModelerBodyPtr tool = cylinderAt(move.to, -1.0, 12.0);
   return secondsOf([&] {
     OdModelerHistory history;
     const auto healed = made([&](auto& result) {
-      return odModeler().removeFaces(body, {&wall, 1}, result, &history);
+      return modeler.removeFaces(move.before, {&wall, 1}, result, &history);
     });
-    (void)boolean(OdModelerBooleanKind::kSubtract, healed, tool);
+    (void)boolean(modeler, OdModelerBooleanKind::kSubtract, healed, tool);
   });
+}
+
+/// A plate with many holes, each of them an insert.
+class Plate {
+ public:
+  explicit Plate(std::size_t holes)
+      : m_columns(static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(holes))))),
+        m_drawing(kPitch * static_cast<double>(m_columns), kPitch * static_cast<double>(m_columns),
+                  kDiameter),
+        m_editor(m_drawing.database) {
+    for (std::size_t i = 0; i < holes; ++i) {
+      m_places.emplace_back(kPitch * (static_cast<double>(i % m_columns) + 0.5),
+                            kPitch * (static_cast<double>(i / m_columns) + 0.5), 10.0);
+      const auto result = m_editor.insertComponent(
+          m_drawing.hole, m_drawing.at(m_places[i].x, m_places[i].y, m_drawing.topFace()));
+      require(result);
+      m_inserts.push_back(result.created);
+    }
+  }
+
+  /// Moves one of the holes; gives the seconds of the edit and its report.
+  double move(std::size_t round, const OdGeVector3d& by, vdm_host::UpdateReport& report,
+              Move& what) {
+    const std::size_t chosen = (37 * round + 11) % m_inserts.size();
+    what = {m_drawing.plateBody(), m_places[chosen], m_places[chosen] + by};
+    m_places[chosen] += by;
+    return secondsOf([&] {
+      const auto result = m_editor.moveObject(m_inserts[chosen], by);
+      require(result);
+      report = result.report;
+    });
+  }
+
+ private:
+  std::size_t m_columns;
+  ComponentDrawing m_drawing;
+  vdm_host::ModelEditor m_editor;
+  std::vector<OdDbObjectId> m_inserts;
+  std::vector<OdGePoint3d> m_places;
+};
+
+void measureMovesAmong(std::size_t holes, const FigureOptions& options,
+                       std::vector<Figure>& figures) {
+  constexpr std::size_t kPeerRounds = 5;
+  constexpr double kMs = 1e3;
+  Plate plate(holes);
+  std::vector<Move> moves;
+  std::vector<double> passes;
+  std::vector<double> modeler;
+  std::vector<double> edits;
+  for (std::size_t round = 0; round < options.rounds; ++round) {
+    // There and back, so that no hole comes near another one.
+    const double step = (round / holes) % 2 == 0 ? 1.0 : -1.0;
+    vdm_host::UpdateReport report;
+    edits.push_back(plate.move(round, {4.0 * step, 3.0 * step, 0.0}, report, moves.emplace_back()));
+    passes.push_back(report.passSeconds - report.modelerSeconds);
+    modeler.push_back(report.modelerSeconds);
+  }
+  const std::string name = "one hole of " + std::to_string(holes) + " moved, ";
+  figures.push_back({name + "the pass but for the modeller", "the modeller within that pass",
+                     kMs * medianOf(passes), kMs * medianOf(modeler), "ms"});
+  if (!options.peers) {
+    figures.push_back({name + "the whole edit", "", kMs * medianOf(edits), 0.0, "ms"});
+    return;
+  }
+  // Apart from the edits: in between they would drive the drawing out of the caches.
+  const auto whole = odCreateOcctModeler({OdOcctReach::kWhole, {}});
+  std::vector<double> pieces;
+  std::vector<double> removals;
+  for (std::size_t i = 0; i < std::min(moves.size(), kPeerRounds); ++i) {
+    pieces.push_back(pieceAndCut(*whole, moves[i]));
+    removals.push_back(removeAndCut(*whole, moves[i]));
+  }
+  figures.push_back({name + "the whole edit", "piece united, tool cut (modeller alone)",
+                     kMs * medianOf(edits), kMs * medianOf(pieces), "ms"});
+  figures.push_back({name + "the whole edit", "faces removed, tool cut (modeller alone)",
+                     kMs * medianOf(edits), kMs * medianOf(removals), "ms"});
 }
 
 }  // namespace
 
 std::vector<Figure> measureMoves(const FigureOptions& options) {
-  ComponentDrawing drawing(kPitch * kColumns, kPitch * kColumns, kDiameter);
-  vdm_host::ModelEditor editor(drawing.database);
-  std::vector<OdDbObjectId> inserts;
-  std::vector<OdGePoint3d> places;
-  for (std::size_t i = 0; i < kColumns * kColumns; ++i) {
-    places.emplace_back(kPitch * (static_cast<double>(i % kColumns) + 0.5),
-                        kPitch * (static_cast<double>(i / kColumns) + 0.5), 10.0);
-    const auto result = editor.insertComponent(
-        drawing.hole, drawing.at(places.back().x, places.back().y, drawing.topFace()));
-    require(result);
-    inserts.push_back(result.created);
-  }
-
-  struct Move {
-    OdModelerBodyPtr before;
-    OdGePoint3d from;
-    OdGePoint3d to;
-  };
-  std::vector<Move> moves;
-  std::vector<double> passes;
-  std::vector<double> modeler;
-  std::vector<double> edits;
-  const OdGeVector3d by(4.0, 3.0, 0.0);
-  for (std::size_t round = 0; round < options.rounds; ++round) {
-    const std::size_t chosen = (37 * round + 11) % inserts.size();
-    moves.push_back({drawing.plateBody(), places[chosen], places[chosen] + by});
-    places[chosen] += by;
-    edits.push_back(secondsOf([&] {
-      const auto result = editor.moveObject(inserts[chosen], by);
-      require(result);
-      passes.push_back(result.report.passSeconds - result.report.modelerSeconds);
-      modeler.push_back(result.report.modelerSeconds);
-    }));
-  }
-  // Apart from the edits: in between they would drive the drawing out of the caches.
-  std::vector<double> pieces;
-  std::vector<double> removals;
-  for (const Move& move : moves) {
-    pieces.push_back(pieceAndCut(move.before, move.from, move.to));
-    removals.push_back(removeAndCut(move.before, move.from, move.to));
-  }
-  constexpr double kMs = 1e3;
-  return {{"one hole of 100 moved, the pass but for the modeller", "the modeller within that pass",
-           kMs * medianOf(passes), kMs * medianOf(modeler), "ms"},
-          {"one hole of 100 moved, the whole edit", "piece united, tool cut (modeller alone)",
-           kMs * medianOf(edits), kMs * medianOf(pieces), "ms"},
-          {"one hole of 100 moved, the whole edit", "faces removed, tool cut (modeller alone)",
-           kMs * medianOf(edits), kMs * medianOf(removals), "ms"}};
+  std::vector<Figure> figures;
+  for (const std::size_t holes : options.holes) measureMovesAmong(holes, options, figures);
+  return figures;
 }

@@ -145,6 +145,16 @@ bool isWorthALine(const vdm_host::ReadingReport& reading, bool explain) {
   return explain || reading.readings > 1 || reading.text != L"nothing moved";
 }
 
+std::string solidWorkLine(const vdm_host::SolidWorkReport& work) {
+  const std::string solid = "solid " + handleOf(work.solid) + ": ";
+  if (!work.wholeBecause.isEmpty()) {
+    return solid + "the modeller looked at all of its " + counted(work.numFaces, "face") + ", " +
+           str(work.wholeBecause);
+  }
+  return solid + "the modeller looked at " + std::to_string(work.numFacesSeen) + " of " +
+         counted(work.numFaces, "face");
+}
+
 std::string updateText(const UpdateReport& report, bool explain) {
   const bool tellsReadings = std::ranges::any_of(
       report.readings, [explain](const auto& reading) { return isWorthALine(reading, explain); });
@@ -168,6 +178,9 @@ std::string updateText(const UpdateReport& report, bool explain) {
   text += "  took " + milliseconds(report.seconds) + ", of that " +
           milliseconds(report.modelerSeconds) + " in the modeller, in " +
           counted(report.numRounds, "round") + "\n";
+  for (const vdm_host::SolidWorkReport& work : report.solidWork) {
+    text += bullet(solidWorkLine(work));
+  }
   for (const vdm_host::PhaseReport& phase : report.phases) {
     if (phase.seconds < kShownSeconds) continue;
     text += bullet(str(phase.phase) + ": " + milliseconds(phase.seconds));
@@ -207,6 +220,13 @@ Json referenceJson(const ReferenceReport& report) {
           {"needs_attention", isLoss(report)}};
 }
 
+Json solidWorkJson(const vdm_host::SolidWorkReport& work) {
+  return {{"solid", handleOf(work.solid)},
+          {"faces_seen", work.wholeBecause.isEmpty() ? work.numFacesSeen : work.numFaces},
+          {"faces", work.numFaces},
+          {"whole_because", str(work.wholeBecause)}};
+}
+
 Json updateJson(const UpdateReport& report) {
   Json features = Json::array();
   for (const FeatureReport& feature : report.features) features.push_back(featureJson(feature));
@@ -218,14 +238,21 @@ Json updateJson(const UpdateReport& report) {
                         {"motion", str(reading.text)},
                         {"readings", reading.readings}});
   }
+  Json solids = Json::array();
+  for (const auto& work : report.solidWork) solids.push_back(solidWorkJson(work));
   Json phases = Json::array();
   for (const vdm_host::PhaseReport& phase : report.phases) {
     phases.push_back({{"phase", str(phase.phase)}, {"seconds", phase.seconds}});
   }
-  return {{"features", std::move(features)}, {"skipped", report.numSkipped},
-          {"rounds", report.numRounds},      {"references", std::move(references)},
-          {"readings", std::move(readings)}, {"phases", std::move(phases)},
-          {"seconds", report.seconds},       {"modeler_seconds", report.modelerSeconds},
+  return {{"features", std::move(features)},
+          {"skipped", report.numSkipped},
+          {"rounds", report.numRounds},
+          {"references", std::move(references)},
+          {"readings", std::move(readings)},
+          {"solids", std::move(solids)},
+          {"phases", std::move(phases)},
+          {"seconds", report.seconds},
+          {"modeler_seconds", report.modelerSeconds},
           {"sound", isSoundPass(report)}};
 }
 

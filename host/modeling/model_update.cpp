@@ -22,6 +22,7 @@ constexpr OdStatus (*kSteps[])(ModelUpdateContext&) = {
     &separateOpenings,  //
     &dropUnwatched,     //
     &reportReferences,  //
+    &reportSolids,      //
 };
 
 }  // namespace

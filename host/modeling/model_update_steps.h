@@ -35,5 +35,7 @@ OdStatus separateOpenings(ModelUpdateContext& context);
 OdStatus dropUnwatched(ModelUpdateContext& context);
 /// Enters in the report what became of references.
 OdStatus reportReferences(ModelUpdateContext& context);
+/// Enters in the report how much of each solid the modeller looked at.
+OdStatus reportSolids(ModelUpdateContext& context);
 
 }  // namespace vdm_host

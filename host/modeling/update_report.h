@@ -50,6 +50,14 @@ struct ReferenceReport {
   OdDbObjectIdArray replacedBy;  ///< references that replaced it, when it was erased
 };
 
+/// A boolean on a solid of the drawing: how much of its body the modeller looked at.
+struct SolidWorkReport {
+  OdDbObjectId solid;
+  OdUInt32 numFacesSeen = 0;  ///< faces near the tools; not counted where all were looked at
+  OdUInt32 numFaces = 0;      ///< of the body before
+  OdString wholeBecause;      ///< why all were looked at; empty where these faces were enough
+};
+
 struct PhaseReport {
   OdString phase;
   double seconds = 0.0;
@@ -68,6 +76,7 @@ struct UpdateReport {
   OdUInt32 numRounds = 0;               ///< passes until nothing was new
   std::vector<ReferenceReport> references;
   std::vector<ReadingReport> readings;
+  std::vector<SolidWorkReport> solidWork;  ///< in the order in which it was done
   std::vector<PhaseReport> phases;  ///< summed over all rounds, in the order of first appearance
   double seconds = 0.0;             ///< of the whole edit
   double passSeconds = 0.0;         ///< of that, after the change itself

@@ -4,6 +4,7 @@
 #include <map>
 #include <vector>
 
+#include "platform/base/string.h"
 #include "platform/base/types.h"
 #include "platform/modeler/subentity.h"
 
@@ -33,10 +34,17 @@ struct OdModelerInputHistory {
   [[nodiscard]] const OdModelerFate* find(OdModelerSubent subent) const;
 };
 
+/// How much of its first input an operation looked at, for reports.
+struct OdModelerEffort {
+  OdUInt32 numFaces = 0;  ///< faces that took part; 0 where that was not counted
+  OdString wholeBecause;  ///< why it looked at the whole bodies; empty where it need not
+};
+
 /// History of one operation: inputs[0] is the body that was changed, the others are its tools in
 /// the order in which they were given.
 struct OdModelerHistory {
   std::vector<OdModelerInputHistory> inputs;
+  OdModelerEffort effort;
 
   /// Marker of each old face of an input, with the markers of its images; deleted faces are there
   /// with no image. An input that does not exist gives an empty table.

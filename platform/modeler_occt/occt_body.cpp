@@ -14,6 +14,7 @@
 #include "platform/modeler/body_envelope.h"
 #include "platform/modeler_occt/occt_bridge.h"
 #include "platform/modeler_occt/occt_convert.h"
+#include "platform/modeler_occt/occt_face_boxes.h"
 #include "platform/modeler_occt/occt_guard.h"
 #include "platform/modeler_occt/occt_recognise.h"
 
@@ -92,16 +93,24 @@ const TopTools_IndexedMapOfShape& Topology::map(OdModelerSubentType type) const 
   }
 }
 
-void normaliseFlags(const TopoDS_Shape& shape) {
-  TopTools_IndexedMapOfShape all;
-  TopExp::MapShapes(shape, all);
-  for (int i = 1; i <= all.Extent(); ++i) {
-    const Handle(TopoDS_TShape)& part = all(i).TShape();
-    // Bodies share parts: write only where something changes.
-    if (part->Free()) part->Free(false);
-    if (part->Modified()) part->Modified(false);
-    if (part->Checked()) part->Checked(false);
-  }
+namespace {
+
+void normaliseNew(const TopoDS_Shape& shape, const Topology* known, TopTools_MapOfShape& seen) {
+  if (known != nullptr && shape.ShapeType() == TopAbs_FACE && known->faces.Contains(shape)) return;
+  if (!seen.Add(shape)) return;
+  const Handle(TopoDS_TShape)& part = shape.TShape();
+  // Bodies share parts: write only where something changes.
+  if (part->Free()) part->Free(false);
+  if (part->Modified()) part->Modified(false);
+  if (part->Checked()) part->Checked(false);
+  for (TopoDS_Iterator it(shape); it.More(); it.Next()) normaliseNew(it.Value(), known, seen);
+}
+
+}  // namespace
+
+void normaliseFlags(const TopoDS_Shape& shape, const Topology* known) {
+  TopTools_MapOfShape seen;
+  normaliseNew(shape, known, seen);
 }
 
 Body::Body(const TopoDS_Shape& shape, OdModelerBodyAttributes attributes, BodyOrigin origin)
@@ -224,8 +233,56 @@ OdGeExtents3d Body::extents() const {
   return *m_extents;
 }
 
-OdModelerMassProperties Body::massProperties() const {
+const std::vector<Bnd_Box>& Body::faceBoxes() const {
+  const Topology& topo = topology();
   const std::scoped_lock lock(m_mutex);
+  if (m_faceBoxesReady) return m_faceBoxes;
+  m_faceBoxes.resize(extent(topo.faces));
+  for (OdUInt32 i = 0; i < extent(topo.faces); ++i) {
+    Bnd_Box& box = m_faceBoxes[i];
+    if (box.IsVoid()) box = boxOfFace(TopoDS::Face(topo.faces(static_cast<int>(i) + 1)));
+  }
+  m_faceBoxesReady = true;
+  return m_faceBoxes;
+}
+
+void Body::adoptFrom(const Body& other) {
+  const TopTools_IndexedMapOfShape& theirs = other.topology().faces;
+  const TopTools_IndexedMapOfShape& ours = topology().faces;
+  const std::scoped_lock lock(other.m_mutex);
+  if (other.m_faceBoxesReady) m_faceBoxes.resize(extent(ours));
+  if (other.m_measures && !other.m_measures->faces.empty()) {
+    m_measures = BodyMeasures{other.m_measures->origin, {}};
+    m_measures->faces.resize(extent(ours));
+  }
+  for (int i = 1; i <= ours.Extent(); ++i) {
+    const int known = theirs.FindIndex(ours(i));
+    if (known == 0) continue;
+    const auto to = static_cast<std::size_t>(i - 1);
+    const auto from = static_cast<std::size_t>(known - 1);
+    if (other.m_faceBoxesReady) m_faceBoxes[to] = other.m_faceBoxes[from];
+    if (m_measures && theirs(known).IsEqual(ours(i))) {
+      m_measures->faces[to] = other.m_measures->faces[from];
+    }
+  }
+}
+
+namespace {
+
+// Near the body, so that differences of volumes lose no digits.
+gp_Pnt someOrigin(const Topology& topology) {
+  if (topology.vertices.IsEmpty()) return {};
+  return BRep_Tool::Pnt(TopoDS::Vertex(topology.vertices(1)));
+}
+
+}  // namespace
+
+OdModelerMassProperties Body::massProperties() const {
+  const Topology& topo = topology();
+  const std::scoped_lock lock(m_mutex);
+  if (m_mass) return *m_mass;
+  if (!m_measures) m_measures.emplace().origin = someOrigin(topo);
+  m_mass = massByFaces(m_shape, topo, *m_measures);
   if (!m_mass) m_mass = measureMass(m_shape);
   return *m_mass;
 }
@@ -291,6 +348,9 @@ OdModelerBodyPtr Body::withAttributes(OdModelerBodyAttributes attributes) const 
   result->m_topology = m_topology;
   result->m_topologyReady.store(m_topology.get(), std::memory_order_release);
   result->m_fingerprint = m_fingerprint;
+  result->m_faceBoxes = m_faceBoxes;
+  result->m_faceBoxesReady = m_faceBoxesReady;
+  result->m_measures = m_measures;
   OdModelerEnvelope stored;
   // The geometry that was written once need not be written again.
   if (!m_bytes.isEmpty() && odReadEnvelope({m_bytes.asArrayPtr(), m_bytes.size()}, stored).ok()) {
@@ -309,11 +369,13 @@ std::size_t Body::approximateSize() const {
 }
 
 std::shared_ptr<const Body> bodyOf(const TopoDS_Shape& shape, OdModelerBodyAttributes attributes,
-                                   BodyOrigin origin) {
+                                   BodyOrigin origin, const Body* known) {
   const TopoDS_Shape content = unwrapped(shape);
   if (content.IsNull()) return nullptr;
-  normaliseFlags(content);
-  return std::make_shared<const Body>(content, std::move(attributes), std::move(origin));
+  normaliseFlags(content, known != nullptr ? &known->topology() : nullptr);
+  const auto body = std::make_shared<Body>(content, std::move(attributes), std::move(origin));
+  if (known != nullptr) body->adoptFrom(*known);
+  return body;
 }
 
 const Body& asOcct(const OdModelerBody& body) {

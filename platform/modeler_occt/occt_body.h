@@ -1,8 +1,10 @@
 // A body of the runtime that holds an Open CASCADE shape.
 #pragma once
 
+#include <Bnd_Box.hxx>
 #include <TopTools_IndexedDataMapOfShapeListOfShape.hxx>
 #include <TopTools_IndexedMapOfShape.hxx>
+#include <TopTools_MapOfShape.hxx>
 #include <TopoDS_Shape.hxx>
 #include <atomic>
 #include <mutex>
@@ -11,6 +13,7 @@
 #include <vector>
 
 #include "platform/modeler/body.h"
+#include "platform/modeler_occt/occt_face_measures.h"
 
 class GProp_GProps;
 
@@ -47,6 +50,11 @@ class Body final : public OdModelerBody {
 
   const TopoDS_Shape& shape() const { return m_shape; }
   const Topology& topology() const;
+  /// A box around each face, by index - 1: as wide as subentExtents, kept with the body.
+  const std::vector<Bnd_Box>& faceBoxes() const;
+  /// Takes over what is known of the faces of another body that this one has too. Before the body
+  /// is shared.
+  void adoptFrom(const Body& other);
   /// BodyOrigin::leftApart.
   [[nodiscard]] bool isLeftApart() const { return m_leftApart; }
 
@@ -99,12 +107,17 @@ class Body final : public OdModelerBody {
   mutable std::optional<OdUInt64> m_fingerprint;
   mutable std::optional<OdGeExtents3d> m_extents;
   mutable std::optional<OdModelerMassProperties> m_mass;
+  mutable std::vector<Bnd_Box> m_faceBoxes;  // void ones are not known yet
+  mutable bool m_faceBoxesReady = false;
+  mutable std::optional<BodyMeasures> m_measures;
   mutable OdBinaryData m_bytes;  // the stored form
 };
 
-/// The body of a shape, as odBodyFromOcct makes it.
+/// The body of a shape, as odBodyFromOcct makes it. `known` is a body that may have some of its
+/// faces, or null.
 std::shared_ptr<const Body> bodyOf(const TopoDS_Shape& shape,
-                                   OdModelerBodyAttributes attributes = {}, BodyOrigin origin = {});
+                                   OdModelerBodyAttributes attributes = {}, BodyOrigin origin = {},
+                                   const Body* known = nullptr);
 
 /// The interface's body as ours; raises OdError eNotThatKindOfClass for another modeller's.
 const Body& asOcct(const OdModelerBody& body);
@@ -121,15 +134,21 @@ OdModelerMassProperties measureMass(const TopoDS_Shape& shape);
 void measureArea(const TopoDS_Shape& shape, GProp_GProps& result);
 /// eModelerInvalidBody with the first fault, or ok.
 OdStatus checkShape(const TopoDS_Shape& shape);
-/// The same for the outcome of an operation on a base, at about the cost of what the operation
-/// changed. Laws: over the whole body, shells close, are connected and oriented, each edge is used
-/// once in either sense, solids are well formed, and boundaries close in the parameters of their
-/// faces; the geometry of faces of the base that are there as they were is not looked at; in a face
-/// that is not, boundaries that were the base's are sound by themselves and towards each other, and
-/// are checked against those that are not where their boxes meet.
+/// Whether the outcome of an operation on a base is plainly sound: true means that it is, by the
+/// laws of checkOutcome; false that the full check has to decide. `edges` are those that the
+/// operation worked on, null for all: boundaries of other faces are as they were.
+[[nodiscard]] bool isPlainlySound(const Body& outcome, const Body& base,
+                                  const TopTools_MapOfShape* edges = nullptr);
+/// The same as checkShape for the outcome of an operation on a base, at about the cost of what the
+/// operation changed. Laws: over the whole body, shells close, are connected and oriented, each
+/// edge is used once in either sense, solids are well formed, and boundaries close in the
+/// parameters of their faces; the geometry of faces of the base that are there as they were is not
+/// looked at; in a face that is not, boundaries that were the base's are sound by themselves and
+/// towards each other, and are checked against those that are not where their boxes meet.
 OdStatus checkOutcome(const Body& outcome, const Body& base);
 
-/// Resets the flags of all parts of a shape that depend on how it was made and not on what it is.
-void normaliseFlags(const TopoDS_Shape& shape);
+/// Resets the flags of all parts of a shape that depend on how it was made and not on what it is;
+/// those of the faces of `known`, which may be null, are reset already.
+void normaliseFlags(const TopoDS_Shape& shape, const Topology* known = nullptr);
 
 }  // namespace od_occt

@@ -25,7 +25,11 @@ const TopoDS_Shape& Body::part(OdModelerSubent subent) const {
 
 OdGeExtents3d Body::subentExtents(OdModelerSubent subent) const {
   Bnd_Box box;
-  BRepBndLib::Add(part(subent), box, /*useTriangulation=*/Standard_False);
+  if (subent.type == OdModelerSubentType::kFace && hasSubent(subent)) {
+    box = faceBoxes()[subent.index - 1];
+  } else {
+    BRepBndLib::Add(part(subent), box, /*useTriangulation=*/Standard_False);
+  }
   if (box.IsVoid() || box.IsOpen()) return {};
   return {toPoint(box.CornerMin()), toPoint(box.CornerMax())};
 }

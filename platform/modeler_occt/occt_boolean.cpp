@@ -1,6 +1,8 @@
 // Booleans of solids, with their history.
 //
-// A boolean runs in five steps:
+// First the faces near the tools are tried alone (occt_local_split.h, occt_local_boolean.h). Where
+// they do not decide, for reasons that the history names, a boolean looks at the whole bodies, in
+// five steps:
 //   1. intersect: all inputs are divided where they meet;
 //   2. select: the operation keeps the parts that it asks for;
 //   3. join (occt_simplify.h): faces of one surface and edges of one curve that the operation
@@ -32,6 +34,8 @@
 #include "platform/modeler_occt/occt_guard.h"
 #include "platform/modeler_occt/occt_history.h"
 #include "platform/modeler_occt/occt_kept_cut.h"
+#include "platform/modeler_occt/occt_local_boolean.h"
+#include "platform/modeler_occt/occt_local_split.h"
 #include "platform/modeler_occt/occt_operations.h"
 #include "platform/modeler_occt/occt_removed_part.h"
 #include "platform/modeler_occt/occt_simplify.h"
@@ -157,9 +161,10 @@ bool isDone(const Operation& operation) { return operation.IsDone() && !operatio
 /// One boolean of a base, the first input, and tools, the others.
 class Combination {
  public:
-  Combination(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs, KeptCut& kept,
-              bool wantsHistory)
+  Combination(OdModelerBooleanKind kind, std::span<const OdModelerBodyPtr> inputs,
+              const Options& options, KeptCut& kept, bool wantsHistory)
       : m_kind(kind),
+        m_options(options),
         m_inputs(inputs),
         m_needsHistory(wantsHistory || std::ranges::any_of(inputs, hasColors)),
         m_kept(kept),
@@ -167,6 +172,14 @@ class Combination {
 
   /// `fates` stays empty where neither the caller nor the attributes need it.
   OdStatus run(OdModelerBodyPtr& result, OdModelerHistory& fates) {
+    if (m_options.reach == OdOcctReach::kLocal && runLocally(result, fates)) return {};
+    OdStatus status = runWhole(result, fates);
+    fates.effort.wholeBecause = m_whyWhole;
+    return status;
+  }
+
+ private:
+  OdStatus runWhole(OdModelerBodyPtr& result, OdModelerHistory& fates) {
     OdStatus first;
     for (const Attempt& way : kAttempts) {
       OdStatus status = guarded(nameOf(m_kind), [&] { return attempt(way, result, fates); });
@@ -180,7 +193,31 @@ class Combination {
     return first;
   }
 
- private:
+  // False where the operation must look at the whole bodies, or the modeller fails.
+  bool runLocally(OdModelerBodyPtr& result, OdModelerHistory& fates) {
+    LocalResult local;
+    const OdStatus status = guarded(nameOf(m_kind), [&]() -> OdStatus {
+      OdStatus split;
+      if (!m_known.local) split = splitLocally(m_inputs, m_options, m_known.local);
+      if (!split.ok()) return split;
+      return booleanLocally(m_kind, m_inputs, *m_known.local, m_options, m_needsHistory, local);
+    });
+    if (m_known.local && m_kind == OdModelerBooleanKind::kIntersect) {
+      FinishedBoolean kept;
+      kept.local = m_known.local;
+      m_kept.keep(m_inputs, std::move(kept));
+    }
+    if (!status.ok()) {
+      m_whyWhole = status.text;
+      return false;
+    }
+    fates = std::move(local.history);
+    fates.effort.numFaces = static_cast<OdUInt32>(m_known.local->region.faces.size());
+    result = local.body->withAttributes(m_needsHistory ? inheritAttributes(m_inputs, fates)
+                                                       : namedAsBase());
+    return true;
+  }
+
   OdStatus attempt(const Attempt& way, OdModelerBodyPtr& result, OdModelerHistory& fates) {
     FinishedBoolean done;
     if (canUseKnown(way)) {
@@ -223,7 +260,8 @@ class Combination {
 
   OdStatus finish(Operation& operation, const Attempt& way, OdModelerBodyPtr& result,
                   OdModelerHistory& fates) {
-    const Simplified outcome = simplified(operation, m_inputs, way.faces, way.unifyEdges);
+    const Simplified outcome = simplified({operation.Shape(), operation.History()}, m_inputs,
+                                          nullptr, way.faces, way.unifyEdges);
     const std::shared_ptr<const Body> plain =
         bodyOf(remains(outcome.shape, allSolid(m_inputs)), {}, {outcome.leftApart, {}});
     if (!plain || plain->numFaces() + plain->numEdges() == 0) {
@@ -249,22 +287,24 @@ class Combination {
   }
 
   OdModelerBooleanKind m_kind;
+  const Options& m_options;
   std::span<const OdModelerBodyPtr> m_inputs;
   bool m_needsHistory;
   KeptCut& m_kept;
   FinishedBoolean m_known;  // the cut of these inputs, if it was kept
+  OdString m_whyWhole;
 };
 
 }  // namespace
 
 OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
-                 std::span<const OdModelerBodyPtr> tools, KeptCut& kept, OdModelerBodyPtr& result,
-                 OdModelerHistory* history) {
+                 std::span<const OdModelerBodyPtr> tools, const Options& options, KeptCut& kept,
+                 OdModelerBodyPtr& result, OdModelerHistory* history) {
   std::vector<OdModelerBodyPtr> inputs{base};
   inputs.insert(inputs.end(), tools.begin(), tools.end());
   if (OdStatus status = checkInputs(kind, inputs); !status.ok()) return status;
   OdModelerHistory fates;
-  OdStatus status = Combination(kind, inputs, kept, history != nullptr).run(result, fates);
+  OdStatus status = Combination(kind, inputs, options, kept, history != nullptr).run(result, fates);
   if (status.ok() && history != nullptr) *history = std::move(fates);
   return status;
 }

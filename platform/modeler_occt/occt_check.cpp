@@ -20,7 +20,6 @@
 // judges. Its laws are with the declaration (occt_body.h). It costs one visit of each use of an
 // edge and two points of its trace, beside the changed faces.
 #include <BRepAdaptor_Surface.hxx>
-#include <BRepBndLib.hxx>
 #include <BRepCheck_Analyzer.hxx>
 #include <BRepCheck_ListOfStatus.hxx>
 #include <BRepCheck_Solid.hxx>
@@ -41,13 +40,13 @@
 #include <vector>
 
 #include "platform/modeler_occt/occt_body.h"
+#include "platform/modeler_occt/occt_face_boxes.h"
 
 namespace od_occt {
 namespace {
 
 struct Boundary {
   TopoDS_Shape wire;
-  Bnd_Box box;
   std::vector<OdUInt32> bounded;  ///< faces that it bounded before; none when it is new
 };
 
@@ -58,12 +57,11 @@ std::vector<OdUInt32> inCommon(const std::vector<OdUInt32>& a, const std::vector
 }
 
 Boundary boundaryOf(const TopoDS_Shape& wire, const Topology& before) {
-  Boundary boundary{wire, {}, {}};
-  BRepBndLib::Add(wire, boundary.box, /*useTriangulation=*/Standard_False);
+  Boundary boundary{wire, {}};
   bool isFirst = true;
   for (TopoDS_Iterator it(wire); it.More(); it.Next(), isFirst = false) {
     const int edge = before.edges.FindIndex(it.Value());
-    if (edge == 0) return {wire, boundary.box, {}};
+    if (edge == 0) return {wire, {}};
     const std::vector<OdUInt32>& faces = before.facesOfEdge[static_cast<std::size_t>(edge - 1)];
     boundary.bounded = isFirst ? faces : inCommon(boundary.bounded, faces);
   }
@@ -74,6 +72,8 @@ Boundary boundaryOf(const TopoDS_Shape& wire, const Topology& before) {
 // none is new. The whole face when its old boundaries come from different faces, since nothing is
 // known of how they lie to each other.
 TopoDS_Shape concerned(const TopoDS_Shape& face, const Topology& before) {
+  const bool isPlane =
+      BRepAdaptor_Surface(TopoDS::Face(face), Standard_False).GetType() == GeomAbs_Plane;
   std::vector<Boundary> boundaries;
   Bnd_Box fresh;
   std::vector<OdUInt32> origin;
@@ -82,7 +82,7 @@ TopoDS_Shape concerned(const TopoDS_Shape& face, const Topology& before) {
     if (it.Value().ShapeType() != TopAbs_WIRE) return face;
     const Boundary& boundary = boundaries.emplace_back(boundaryOf(it.Value(), before));
     if (boundary.bounded.empty()) {
-      fresh.Add(boundary.box);
+      fresh.Add(boxOfLoop(it.Value(), isPlane));
       continue;
     }
     origin = hasKnown ? inCommon(origin, boundary.bounded) : boundary.bounded;
@@ -96,7 +96,9 @@ TopoDS_Shape concerned(const TopoDS_Shape& face, const Topology& before) {
     return part;
   }
   for (const Boundary& boundary : boundaries) {
-    if (boundary.bounded.empty() || !boundary.box.IsOut(fresh)) builder.Add(part, boundary.wire);
+    if (boundary.bounded.empty() || !boxOfLoop(boundary.wire, isPlane).IsOut(fresh)) {
+      builder.Add(part, boundary.wire);
+    }
   }
   return part;
 }
@@ -168,8 +170,9 @@ bool closes(const TopoDS_Shape& boundary, const TopoDS_Face& face, const Paramet
 }
 
 // A plane has one place for each point: its boundaries close as their edges meet.
-bool boundariesClose(const Topology& now) {
+bool boundariesClose(const Topology& now, const std::vector<bool>& isLookedAt) {
   for (int i = 1; i <= now.faces.Extent(); ++i) {
+    if (!isLookedAt[static_cast<std::size_t>(i - 1)]) continue;
     const TopoDS_Face face = TopoDS::Face(now.faces(i).Oriented(TopAbs_FORWARD));
     const ParameterTolerance near(face);
     if (near.isPlane()) continue;
@@ -254,15 +257,41 @@ bool solidsAreSound(const TopoDS_Shape& shape) {
   return true;
 }
 
+// The faces at which an operation that worked on some edges can have written traces: those of the
+// edges, and new ones.
+std::vector<bool> facesAt(const TopTools_MapOfShape& edges, const Topology& now,
+                          const Topology& before) {
+  std::vector<bool> isLookedAt;
+  for (int i = 1; i <= now.faces.Extent(); ++i) {
+    isLookedAt.push_back(!before.faces.Contains(now.faces(i)));
+  }
+  for (TopTools_MapOfShape::Iterator it(edges); it.More(); it.Next()) {
+    const int edge = now.edges.FindIndex(it.Value());
+    if (edge == 0) continue;
+    for (const OdUInt32 face : now.facesOfEdge[static_cast<std::size_t>(edge - 1)]) {
+      isLookedAt[face - 1] = true;
+    }
+  }
+  return isLookedAt;
+}
+
 }  // namespace
+
+bool isPlainlySound(const Body& outcome, const Body& base, const TopTools_MapOfShape* edges) {
+  if (outcome.kind() != OdModelerBodyKind::kSolid || !shellsAreSound(outcome.shape()) ||
+      !solidsAreSound(outcome.shape())) {
+    return false;
+  }
+  const Topology& now = outcome.topology();
+  const std::vector<bool> isLookedAt =
+      edges != nullptr ? facesAt(*edges, now, base.topology())
+                       : std::vector<bool>(static_cast<std::size_t>(now.faces.Extent()), true);
+  return boundariesClose(now, isLookedAt) && facesAreSound(now, base.topology());
+}
 
 // The full check decides where the quick one refuses, and names the fault.
 OdStatus checkOutcome(const Body& outcome, const Body& base) {
-  const bool isSound = outcome.kind() == OdModelerBodyKind::kSolid &&
-                       shellsAreSound(outcome.shape()) && solidsAreSound(outcome.shape()) &&
-                       boundariesClose(outcome.topology()) &&
-                       facesAreSound(outcome.topology(), base.topology());
-  return isSound ? OdStatus() : checkShape(outcome.shape());
+  return isPlainlySound(outcome, base) ? OdStatus() : checkShape(outcome.shape());
 }
 
 }  // namespace od_occt

@@ -46,7 +46,8 @@ OdModelerFate fateOf(Operation& operation, const TopoDS_Shape& old, OdModelerSub
   for (const TopoDS_Shape& shape : operation.Modified(old)) add(shape);
   fate.changed = !fate.images.empty();
   // Some operations call a part deleted that is in the result as it was: what is there is there.
-  if (fate.images.empty() && parts.Contains(old)) add(old);
+  const int same = fate.images.empty() ? parts.FindIndex(old) : 0;
+  if (same != 0) fate.images.push_back(static_cast<OdUInt32>(same));
   for (const TopoDS_Shape& shape : operation.Generated(old)) {
     const OdModelerSubent found = findSubent(result, shape);
     if (found.index != 0) fate.generated.push_back(found);

@@ -15,6 +15,7 @@ FinishedBoolean::FinishedBoolean(FinishedBoolean&& other) noexcept = default;
 FinishedBoolean& FinishedBoolean::operator=(FinishedBoolean&& other) noexcept {
   operation = std::move(other.operation);
   intersections = std::move(other.intersections);
+  local = std::move(other.local);
   return *this;
 }
 

@@ -13,7 +13,10 @@ class BRepAlgoAPI_BooleanOperation;
 
 namespace od_occt {
 
-/// A boolean operation that has run, with the intersections that it works on.
+struct LocalSplit;
+
+/// A boolean operation that has run, with the intersections that it works on, or the split that the
+/// next one can start from.
 struct FinishedBoolean {
   FinishedBoolean();
   ~FinishedBoolean();
@@ -23,6 +26,7 @@ struct FinishedBoolean {
   // The operation refers to the intersections and is destroyed before them.
   std::unique_ptr<BOPAlgo_PaveFiller> intersections;
   std::unique_ptr<BRepAlgoAPI_BooleanOperation> operation;
+  std::shared_ptr<const LocalSplit> local;
 };
 
 /// Keeps one subtraction between two calls of a modeller, which owns it.

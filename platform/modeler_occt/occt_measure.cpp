@@ -6,16 +6,21 @@
 #include <BRepCheck_ListOfStatus.hxx>
 #include <BRepCheck_Result.hxx>
 #include <BRepGProp.hxx>
+#include <BRepGProp_Domain.hxx>
+#include <BRepGProp_Face.hxx>
+#include <BRepGProp_Vinert.hxx>
 #include <BRep_Tool.hxx>
 #include <Bnd_Box.hxx>
 #include <GProp_GProps.hxx>
 #include <TopExp.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopoDS.hxx>
+#include <TopoDS_Iterator.hxx>
 #include <string>
 
 #include "platform/modeler_occt/occt_body.h"
 #include "platform/modeler_occt/occt_convert.h"
+#include "platform/modeler_occt/occt_face_measures.h"
 #include "platform/modeler_occt/occt_guard.h"
 
 namespace od_occt {
@@ -108,16 +113,86 @@ OdGeExtents3d measureExtents(const TopoDS_Shape& shape) {
   return {toPoint(box.CornerMin()), toPoint(box.CornerMax())};
 }
 
+namespace {
+
+void addArea(const TopoDS_Face& face, GProp_GProps& result) {
+  GProp_GProps part;
+  if (isElementary(face)) {
+    BRepGProp::SurfaceProperties(face, part);
+  } else {
+    BRepGProp::SurfaceProperties(face, part, kIntegralAccuracy);
+  }
+  result.Add(part);
+}
+
+void setVolume(const GProp_GProps& volume, OdModelerMassProperties& result) {
+  result.volume = volume.Mass();
+  result.centroid = toPoint(volume.CentreOfMass());
+  const gp_Mat inertia = volume.MatrixOfInertia();
+  for (std::size_t r = 0; r < 3; ++r) {
+    for (std::size_t c = 0; c < 3; ++c) {
+      result.inertia[r][c] = inertia(static_cast<int>(r) + 1, static_cast<int>(c) + 1);
+    }
+  }
+}
+
+std::shared_ptr<const FaceMeasures> measuresOf(const TopoDS_Face& face, const gp_Pnt& origin) {
+  auto measures = std::make_shared<FaceMeasures>();
+  addArea(face, measures->area);
+  BRepGProp_Face surface(face);
+  BRepGProp_Vinert volume;
+  volume.SetLocation(origin);
+  if (BRep_Tool::NaturalRestriction(face)) {
+    volume.Perform(surface, kIntegralAccuracy);
+  } else {
+    BRepGProp_Domain domain(face);
+    volume.Perform(surface, domain, kIntegralAccuracy);
+  }
+  measures->volume = volume;
+  return measures;
+}
+
+// Every use of a face is that of its number, in a closed shell of a solid.
+bool isSumOfFaces(const TopoDS_Shape& shape, const Topology& topology) {
+  int uses = 0;
+  for (TopExp_Explorer shell(shape, TopAbs_SHELL); shell.More(); shell.Next()) {
+    if (!shell.Current().Closed()) return false;
+    for (TopoDS_Iterator it(shell.Current()); it.More(); it.Next(), ++uses) {
+      const int number = topology.faces.FindIndex(it.Value());
+      if (number == 0 || !topology.faces(number).IsEqual(it.Value())) return false;
+    }
+  }
+  return uses != 0 && uses == topology.faces.Extent() &&
+         !TopExp_Explorer(shape, TopAbs_SHELL, TopAbs_SOLID).More();
+}
+
+}  // namespace
+
 void measureArea(const TopoDS_Shape& shape, GProp_GProps& result) {
   for (TopExp_Explorer it(shape, TopAbs_FACE); it.More(); it.Next()) {
-    GProp_GProps part;
-    if (isElementary(TopoDS::Face(it.Current()))) {
-      BRepGProp::SurfaceProperties(it.Current(), part);
-    } else {
-      BRepGProp::SurfaceProperties(it.Current(), part, kIntegralAccuracy);
-    }
-    result.Add(part);
+    addArea(TopoDS::Face(it.Current()), result);
   }
+}
+
+std::optional<OdModelerMassProperties> massByFaces(const TopoDS_Shape& shape,
+                                                   const Topology& topology,
+                                                   BodyMeasures& measures) {
+  if (!isSumOfFaces(shape, topology)) return std::nullopt;
+  GProp_GProps area;
+  GProp_GProps volume(measures.origin);
+  measures.faces.resize(static_cast<std::size_t>(topology.faces.Extent()));
+  for (std::size_t i = 0; i < measures.faces.size(); ++i) {
+    if (!measures.faces[i]) {
+      const TopoDS_Face& face = TopoDS::Face(topology.faces(static_cast<int>(i) + 1));
+      measures.faces[i] = measuresOf(face, measures.origin);
+    }
+    area.Add(measures.faces[i]->area);
+    volume.Add(measures.faces[i]->volume);
+  }
+  OdModelerMassProperties result;
+  result.area = area.Mass();
+  setVolume(volume, result);
+  return result;
 }
 
 OdModelerMassProperties measureMass(const TopoDS_Shape& shape) {
@@ -128,14 +203,7 @@ OdModelerMassProperties measureMass(const TopoDS_Shape& shape) {
   if (TopExp_Explorer(shape, TopAbs_SOLID).More()) {
     GProp_GProps volume;
     BRepGProp::VolumeProperties(shape, volume, kIntegralAccuracy, /*OnlyClosed=*/Standard_True);
-    result.volume = volume.Mass();
-    result.centroid = toPoint(volume.CentreOfMass());
-    const gp_Mat inertia = volume.MatrixOfInertia();
-    for (std::size_t r = 0; r < 3; ++r) {
-      for (std::size_t c = 0; c < 3; ++c) {
-        result.inertia[r][c] = inertia(static_cast<int>(r) + 1, static_cast<int>(c) + 1);
-      }
-    }
+    setVolume(volume, result);
     return result;
   }
   if (result.area > 0.0) {

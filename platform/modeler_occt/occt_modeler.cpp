@@ -4,6 +4,7 @@
 #include <Message.hxx>
 #include <Message_Messenger.hxx>
 #include <Standard_Version.hxx>
+#include <utility>
 
 #include "platform/modeler_occt/occt_kept_cut.h"
 #include "platform/modeler_occt/occt_operations.h"
@@ -13,6 +14,8 @@ namespace {
 
 class Modeler final : public OdModeler {
  public:
+  explicit Modeler(Options options) : m_options(std::move(options)) {}
+
   [[nodiscard]] OdString name() const override {
     return OdString(L"Open CASCADE " OCC_VERSION_COMPLETE);
   }
@@ -47,7 +50,7 @@ class Modeler final : public OdModeler {
   OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
                    std::span<const OdModelerBodyPtr> tools, OdModelerBodyPtr& result,
                    OdModelerHistory* history) override {
-    return od_occt::boolean(kind, base, tools, m_keptCut, result, history);
+    return od_occt::boolean(kind, base, tools, m_options, m_keptCut, result, history);
   }
   OdStatus fillet(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges, double radius,
                   OdModelerBodyPtr& result, OdModelerHistory* history) override {
@@ -59,7 +62,7 @@ class Modeler final : public OdModeler {
   }
   OdStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
                        OdModelerBodyPtr& result, OdModelerHistory* history) override {
-    return od_occt::removeFaces(body, faces, result, history);
+    return od_occt::removeFaces(body, faces, m_options, result, history);
   }
   OdStatus compound(std::span<const OdModelerBodyPtr> bodies, OdModelerBodyPtr& result) override {
     return od_occt::compound(bodies, result);
@@ -76,13 +79,16 @@ class Modeler final : public OdModeler {
   }
 
  private:
+  Options m_options;
   KeptCut m_keptCut;
 };
 
 }  // namespace
 }  // namespace od_occt
 
-std::shared_ptr<OdModeler> odCreateOcctModeler() { return std::make_shared<od_occt::Modeler>(); }
+std::shared_ptr<OdModeler> odCreateOcctModeler(OdOcctOptions options) {
+  return std::make_shared<od_occt::Modeler>(std::move(options));
+}
 
 void odMakeOcctModeler(std::shared_ptr<OdModeler>& result) {
   // Callers get a status; console lines of the modeller would only spoil the program's output.

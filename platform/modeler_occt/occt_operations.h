@@ -4,10 +4,19 @@
 #include <span>
 
 #include "platform/modeler/modeler.h"
+#include "platform/modeler_occt/occt_modeler.h"
 
 namespace od_occt {
 
 class KeptCut;
+using Options = OdOcctOptions;
+
+/// The status of a local operation that leaves its work to the whole bodies.
+inline OdStatus declined(const wchar_t* reason) { return {eNotApplicable, OdString(reason)}; }
+/// Says that a step of a local operation begins.
+inline void beginLocalStep(const Options& options, std::string_view step) {
+  if (options.onLocalStep) options.onLocalStep(step);
+}
 
 // occt_primitives.cpp
 OdStatus makeBox(double dx, double dy, double dz, OdModelerBodyPtr& result);
@@ -25,8 +34,8 @@ OdStatus revolve(const OdModelerProfile& profile, const OdGePoint3d& axisPoint,
 
 // occt_boolean.cpp
 OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
-                 std::span<const OdModelerBodyPtr> tools, KeptCut& kept, OdModelerBodyPtr& result,
-                 OdModelerHistory* history);
+                 std::span<const OdModelerBodyPtr> tools, const Options& options, KeptCut& kept,
+                 OdModelerBodyPtr& result, OdModelerHistory* history);
 OdStatus compound(std::span<const OdModelerBodyPtr> bodies, OdModelerBodyPtr& result);
 
 // occt_blend.cpp
@@ -37,7 +46,7 @@ OdStatus chamfer(const OdModelerBodyPtr& body, std::span<const OdUInt32> edges, 
 
 // occt_remove_faces.cpp
 OdStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
-                     OdModelerBodyPtr& result, OdModelerHistory* history);
+                     const Options& options, OdModelerBodyPtr& result, OdModelerHistory* history);
 
 // occt_body_serialise.cpp
 OdStatus deserialise(const OdBinaryData& bytes, OdModelerBodyPtr& result);

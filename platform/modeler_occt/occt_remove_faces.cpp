@@ -1,11 +1,13 @@
 // Taking faces off a body and closing it again, with the history.
 //
-// The modeller extends the neighbours of the faces and trims them where they meet. Where they do
+// Faces that end in holes of others are a matter of dropping loops (occt_drop_loops.h). Else the
+// modeller extends the neighbours of the faces and trims them where they meet. Where they do
 // not meet it leaves the faces in place and only warns; a warning is a failure here, so that a
 // success always means that the faces are off.
 #include <BRepAlgoAPI_Defeaturing.hxx>
 
 #include "platform/modeler_occt/occt_body.h"
+#include "platform/modeler_occt/occt_drop_loops.h"
 #include "platform/modeler_occt/occt_guard.h"
 #include "platform/modeler_occt/occt_history.h"
 #include "platform/modeler_occt/occt_operations.h"
@@ -46,9 +48,17 @@ OdStatus defeature(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces
 }  // namespace
 
 OdStatus removeFaces(const OdModelerBodyPtr& body, std::span<const OdUInt32> faces,
-                     OdModelerBodyPtr& result, OdModelerHistory* history) {
+                     const Options& options, OdModelerBodyPtr& result, OdModelerHistory* history) {
   if (OdStatus status = checkFaces(body, faces); !status.ok()) return status;
-  return guarded(kName, [&] { return defeature(body, faces, result, history); });
+  OdString whyWhole;
+  if (options.reach == OdOcctReach::kLocal) {
+    OdStatus local = guarded(kName, [&] { return dropLoops(body, faces, result, history); });
+    if (local.ok()) return local;
+    whyWhole = local.text;
+  }
+  OdStatus status = guarded(kName, [&] { return defeature(body, faces, result, history); });
+  if (status.ok() && history != nullptr) history->effort.wholeBecause = whyWhole;
+  return status;
 }
 
 }  // namespace od_occt

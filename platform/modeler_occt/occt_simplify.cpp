@@ -25,7 +25,6 @@
 #include "platform/modeler_occt/occt_simplify.h"
 
 #include <BRepAdaptor_Surface.hxx>
-#include <BRepAlgoAPI_BooleanOperation.hxx>
 #include <BRepTools_ReShape.hxx>
 #include <BRep_Builder.hxx>
 #include <BRep_Tool.hxx>
@@ -37,6 +36,7 @@
 #include <TopoDS.hxx>
 #include <TopoDS_Iterator.hxx>
 #include <TopoDS_Vertex.hxx>
+#include <numeric>
 #include <vector>
 
 #include "platform/modeler_occt/occt_body.h"
@@ -76,30 +76,39 @@ bool partsOneBorder(const Topology& topology, std::size_t vertex) {
 
 // Visits what the boolean made of a part of an input.
 template <class Visit>
-void visitImages(BRepAlgoAPI_BooleanOperation& operation, const TopoDS_Shape& part,
+void visitImages(const Handle(BRepTools_History) & history, const TopoDS_Shape& part,
                  const Visit& visit) {
-  const TopTools_ListOfShape& images = operation.Modified(part);
+  const TopTools_ListOfShape& images = history->Modified(part);
   if (images.IsEmpty()) visit(part);
   for (const TopoDS_Shape& image : images) visit(image);
+}
+
+std::vector<OdUInt32> numbersTo(std::size_t last) {
+  std::vector<OdUInt32> numbers(last);
+  std::iota(numbers.begin(), numbers.end(), OdUInt32{1});
+  return numbers;
 }
 
 /// Edges at which faces are not to be joined, and vertices at which edges are not.
 class Borders {
  public:
-  explicit Borders(BRepAlgoAPI_BooleanOperation& operation) : m_operation(operation) {}
+  explicit Borders(Handle(BRepTools_History) history) : m_history(std::move(history)) {}
 
-  void keepOfBase(const Topology& base) {
-    for (std::size_t edge = 0; edge < base.facesOfEdge.size(); ++edge) {
-      if (!partsOneSurface(base, edge)) continue;
-      visitImages(m_operation, base.edges(static_cast<int>(edge) + 1),
+  void keepOfBase(const Topology& base, const std::vector<OdUInt32>& edges,
+                  const std::vector<OdUInt32>& vertices) {
+    for (const OdUInt32 edge : edges) {
+      if (!partsOneSurface(base, edge - 1)) continue;
+      visitImages(m_history, base.edges(static_cast<int>(edge)),
                   [this](const TopoDS_Shape& image) { keepEdge(image); });
     }
-    for (std::size_t vertex = 0; vertex < base.edgesOfVertex.size(); ++vertex) {
-      if (!partsOneBorder(base, vertex)) continue;
-      visitImages(m_operation, base.vertices(static_cast<int>(vertex) + 1),
+    for (const OdUInt32 vertex : vertices) {
+      if (!partsOneBorder(base, vertex - 1)) continue;
+      visitImages(m_history, base.vertices(static_cast<int>(vertex)),
                   [this](const TopoDS_Shape& image) { m_kept.Add(image); });
     }
   }
+
+  void keepAll(const TopTools_MapOfShape& shapes) { m_kept.Unite(shapes); }
 
   /// Edges that continue a kept border, directly or through others.
   void keepOfTool(const Topology& tool) {
@@ -107,7 +116,7 @@ class Borders {
     TopTools_ListOfShape open;
     for (std::size_t edge = 0; edge < tool.facesOfEdge.size(); ++edge) {
       if (!partsOneSurface(tool, edge)) continue;
-      visitImages(m_operation, tool.edges(static_cast<int>(edge) + 1),
+      visitImages(m_history, tool.edges(static_cast<int>(edge) + 1),
                   [&open](const TopoDS_Shape& image) { open.Append(image); });
     }
     for (bool found = true; found;) {
@@ -149,7 +158,7 @@ class Borders {
            m_ends.Contains(TopExp::LastVertex(TopoDS::Edge(edge)));
   }
 
-  BRepAlgoAPI_BooleanOperation& m_operation;
+  Handle(BRepTools_History) m_history;
   TopTools_MapOfShape m_kept;
   TopTools_MapOfShape m_ends;  // of the edges that are kept
 };
@@ -232,20 +241,24 @@ void Simplified::advance(const TopoDS_Shape& now, const Handle(BRepTools_History
   kept = images;
 }
 
-Simplified simplified(BRepAlgoAPI_BooleanOperation& operation,
-                      std::span<const OdModelerBodyPtr> inputs, FacesToJoin faces,
-                      bool unifyEdges) {
-  if (faces == FacesToJoin::kNone) return {operation.Shape(), operation.History(), {}, true};
-  Borders borders(operation);
+Simplified simplified(const OperationOutcome& operation, std::span<const OdModelerBodyPtr> inputs,
+                      const PartOfBase* part, FacesToJoin faces, bool unifyEdges) {
+  if (faces == FacesToJoin::kNone) return {operation.shape, operation.history, {}, true};
+  Borders borders(operation.history);
   const Body& base = asOcct(*inputs.front());
-  if (!base.isLeftApart()) borders.keepOfBase(base.topology());
+  if (!base.isLeftApart()) {
+    const Topology& all = base.topology();
+    borders.keepOfBase(all, part != nullptr ? part->edges : numbersTo(all.facesOfEdge.size()),
+                       part != nullptr ? part->vertices : numbersTo(all.edgesOfVertex.size()));
+  }
   for (const OdModelerBodyPtr& tool : inputs.subspan(1)) {
     borders.keepOfTool(asOcct(*tool).topology());
   }
+  if (part != nullptr) borders.keepAll(part->kept);
   const bool onlyPlanes = faces == FacesToJoin::kPlanes;
-  if (onlyPlanes) borders.keepOfCurves(operation.Shape());
-  Simplified outcome{operation.Shape(), new BRepTools_History, borders.kept(), onlyPlanes};
-  outcome.history->Merge(operation.History());
+  if (onlyPlanes) borders.keepOfCurves(operation.shape);
+  Simplified outcome{operation.shape, new BRepTools_History, borders.kept(), onlyPlanes};
+  outcome.history->Merge(operation.history);
   if (!onlyPlanes) joinCurved(outcome);
   unify(outcome, unifyEdges);
   return outcome;

@@ -5,10 +5,9 @@
 #include <TopTools_MapOfShape.hxx>
 #include <TopoDS_Shape.hxx>
 #include <span>
+#include <vector>
 
 #include "platform/modeler/body.h"
-
-class BRepAlgoAPI_BooleanOperation;
 
 namespace od_occt {
 
@@ -25,11 +24,26 @@ struct Simplified {
 
 enum class FacesToJoin { kNone, kPlanes, kAll };
 
-/// Joins faces of one surface, and edges of one curve, that meet in the outcome of the operation.
+/// What an operation made of its inputs. A part of an input that the history does not know is as it
+/// was.
+struct OperationOutcome {
+  TopoDS_Shape shape;
+  Handle(BRepTools_History) history;
+};
+
+/// The part of the base that an outcome has, where it does not have all of it.
+struct PartOfBase {
+  std::vector<OdUInt32> edges;     ///< indices in the base
+  std::vector<OdUInt32> vertices;  ///< indices in the base
+  TopTools_MapOfShape kept;        ///< edges and vertices that the rest of the base has too
+};
+
+/// Joins faces of one surface, and edges of one curve, that meet in the outcome of an operation.
 /// Faces that were side by side in the base stay apart: a part that was imported with a cylinder in
 /// two halves keeps them. So do those of a tool whose border continues such a border, as in a piece
-/// that was cut out and is put back. With FacesToJoin::kNone the outcome stays as it is.
-Simplified simplified(BRepAlgoAPI_BooleanOperation& operation,
-                      std::span<const OdModelerBodyPtr> inputs, FacesToJoin faces, bool unifyEdges);
+/// that was cut out and is put back. With FacesToJoin::kNone the outcome stays as it is. `part` is
+/// null for an outcome with the whole base.
+Simplified simplified(const OperationOutcome& operation, std::span<const OdModelerBodyPtr> inputs,
+                      const PartOfBase* part, FacesToJoin faces, bool unifyEdges);
 
 }  // namespace od_occt

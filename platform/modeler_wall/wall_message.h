@@ -39,7 +39,12 @@ void fields(auto& message, Maybe<OdModelerFate> auto& fate) {
 void fields(auto& message, Maybe<OdModelerInputHistory> auto& input) {
   message(input.faces, input.edges, input.vertices);
 }
-void fields(auto& message, Maybe<OdModelerHistory> auto& history) { message(history.inputs); }
+void fields(auto& message, Maybe<OdModelerEffort> auto& effort) {
+  message(effort.numFaces, effort.wholeBecause);
+}
+void fields(auto& message, Maybe<OdModelerHistory> auto& history) {
+  message(history.inputs, history.effort);
+}
 void fields(auto& message, Maybe<OdModelerFaceMesh> auto& mesh) {
   message(mesh.points, mesh.normals, mesh.triangles);
 }
