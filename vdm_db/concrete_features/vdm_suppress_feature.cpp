@@ -121,9 +121,7 @@ OdString VdmSuppressFeature::name() const {
 OdResult VdmSuppressFeature::setName(const OdString& name) {
   if (const auto variable = variableId().openAs<OdDbAssocVariable>(OdDb::kForWrite);
       !variable.isNull()) {
-    const bool wasAnonymous = variable->isAnonymous();
-    const OdResult result = variable->setName(name, /*updateReferencingExpressions=*/true);
-    if (result != eOk && !wasAnonymous) return result;
+    return variable->setName(name, /*updateReferencingExpressions=*/true);
   }
   return VdmFeature::setName(name);
 }
@@ -161,9 +159,8 @@ OdResult VdmSuppressFeature::setFrozenLayer() {
   if (layer.isNull()) return kVdmNotSuppressing;
   carrier->assertWriteEnabled();
   const OdResult result = moveEntities(getTopEntities(), [&](const OdDbEntityPtr& entity) {
-    const OdDbTypedId key(entity->objectId(), OdDb::kSoftPointerRef);
-    const bool isKept = entity->layerId() == layer && m_entityLayers.contains(key);
-    if (!isKept) m_entityLayers[key] = {entity->layerId(), OdDb::kSoftPointerRef};
+    m_entityLayers[{entity->objectId(), OdDb::kSoftPointerRef}] = {entity->layerId(),
+                                                                   OdDb::kSoftPointerRef};
     entity->setLayer(layer);
   });
   updateFeaturesOfBlock();
