@@ -116,7 +116,7 @@ class FaceReader {
                                                const SignatureLevel& level);
   [[nodiscard]] std::size_t countFeatures(const Field& field) const;
 
-  [[nodiscard]] bool isFeature(const Field& field) const;
+  [[nodiscard]] bool isMostOfTheBody(const Field& field) const;
 
   [[nodiscard]] bool isWithinReach(const Field& field) const;
 

@@ -99,7 +99,8 @@ bool FaceReader::takeBestField() {
   std::vector<Field> fields;
   for (const OdGeVector3d& by : votedVectors()) fields.push_back(fieldOf(by));
   std::erase_if(fields, [this](const Field& f) {
-    return !isWithinReach(f) || (countFeatures(f) < 2 && !isFeature(f));
+    const bool says = countFeatures(f) >= 2 || f.landings.size() >= kFacesOfFeature;
+    return !says || !isWithinReach(f) || isMostOfTheBody(f);
   });
   std::ranges::stable_sort(fields, std::ranges::greater(),
                            [](const Field& f) { return f.landings.size(); });
@@ -212,13 +213,13 @@ std::size_t FaceReader::countFeatures(const Field& field) const {
   return std::max(most, countGroups(std::move(faces), m_scene.oldFaces));
 }
 
-// One feature, and not the body itself.
-bool FaceReader::isFeature(const Field& field) const {
+// What moves most of the body moves the body: that is another reading.
+bool FaceReader::isMostOfTheBody(const Field& field) const {
   double all = 0.0;
   double moved = 0.0;
   for (const SubentSignature& face : m_old) all += face.size;
   for (const Landing& one : field.landings) moved += old(one.old).size;
-  return field.landings.size() >= kFacesOfFeature && 2.0 * moved <= all;
+  return 2.0 * moved > all;
 }
 
 // What moves farther than it extends may as well have been mirrored or made anew.

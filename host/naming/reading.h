@@ -48,7 +48,8 @@ struct FaceReading {
 ///      went to its end;
 ///   3. faces that are displaced by one vector, or stretched with the body's box, and lie exactly
 ///      where that puts them, are the same, when it explains two features or three faces, no other
-///      vector explains as much, and it is no longer than what it moves;
+///      vector explains as much, it is no longer than what it moves, and that is at most half of
+///      the body;
 ///   4. what lies on the old surface and overlaps the old face is what is left of it; where that is
 ///      several faces that all lie within the old one, it is split. Such a rest outranks every face
 ///      on another surface;
