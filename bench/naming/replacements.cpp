@@ -204,7 +204,8 @@ OdGeMatrix3d someMotion(Random& random) {
 bool displace(EditScene& scene) {
   const OdGeMatrix3d motion =
       at(between(scene.random, 40.0, 300.0), between(scene.random, -300.0, -40.0), 0.0);
-  // What a turn maps elsewhere cannot be told; what only a mirror does can.
+  // A name that a half turn of the part maps to another one is ambiguous. One that only a mirror
+  // image maps to another one has an answer, since the part was moved and not mirrored.
   scene.meaning.anywhere = true;
   std::erase_if(scene.before.symmetry, [](const OdGeMatrix3d& m) { return m.det() < 0.0; });
   scene.plan().placement = motion * scene.plan().placement;

@@ -176,7 +176,7 @@ class OdDbAssocGraph : OdNonCopyable {
     OdDbAssocEvaluationCallback* const callback;
     const bool isDrawingHeard;             ///< the drawing has reactors
     std::vector<OdDbValueRecord> changed;  ///< as they were
-    std::vector<OdDbObjectId> told;        ///< their reactors are called
+    std::vector<OdDbObjectId> told;        ///< variables whose reactors the pass calls
     std::vector<OdDbObjectId> actions;     ///< that are no variables, in order
     std::vector<Index> evaluated;          ///< for the callback
   };

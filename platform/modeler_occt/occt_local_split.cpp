@@ -111,7 +111,7 @@ class Division {
     return isClear;
   }
 
-  // The piece of the base stands for that of the tool as well.
+  // Two pieces that coincide are kept once: the piece of the base takes the place of the tool's.
   bool addCoincident(const TopoDS_Face& toolFace, FacePiece& ofBase) {
     const std::optional<bool> alike = areAlike(ofBase.face, toolFace);
     if (!alike || ofBase.coincides) return false;

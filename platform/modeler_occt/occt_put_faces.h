@@ -16,9 +16,9 @@ struct FaceChanges {
 };
 
 /// The solids of a shape with their faces changed, in the order of the shape. Shells and faces that
-/// do not change stay the very same. A cavity that loses all faces is gone. Empty unless all
-/// changes are in one shell, and where the outer shell of a solid loses all. New faces are oriented
-/// as they are given.
+/// do not change stay the very same. A cavity that loses all its faces is filled: the solid has no
+/// shell for it any more. Empty unless all changes are in one shell, and where the outer shell of a
+/// solid loses all its faces. New faces are oriented as they are given.
 [[nodiscard]] std::optional<TopoDS_Shape> withChangedFaces(const TopoDS_Shape& shape,
                                                            const FaceChanges& changes);
 

@@ -2,11 +2,11 @@
 //
 // Two mappings pair the objects: forward from the objects of the origin to their
 // counterparts, which check-in has cloned from the copies, and reverse. Ownership is walked from
-// each manager and its counterpart, and what both own becomes pairs, too: an object that was
-// checked out goes with its own copy alone, also where others before it were erased or added; of
-// the rest, the n-th of a class goes with the n-th of that class. Then all pairs exchange their
-// states, with references translated. So the objects of the origin keep their ids, which others
-// refer to, and have the edited contents.
+// each manager and its counterpart, and what both own is paired, too. An object that was checked
+// out is paired with its own copy and with nothing else, also where others before it were erased or
+// added. Of the rest, the n-th object of a class is paired with the n-th of that class. Then all
+// pairs exchange their states, with references translated. So the objects of the origin keep their
+// ids, which others refer to, and have the edited contents.
 #include "vdm_db/cloning/vdm_check_in.h"
 
 #include <deque>

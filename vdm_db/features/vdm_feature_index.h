@@ -17,7 +17,7 @@ class VdmIndexedIds;
 /// which features refer to it. So a pass looks at the features that its input leads to, and at
 /// those that are never left out, instead of at all.
 ///
-/// The index answers with too many features rather than with too few: whoever asks looks at each of
+/// The index answers with too many features rather than with too few: the pass looks at each of
 /// them as if there were no index. It is in memory only, belongs to the manager, and is filled at
 /// its first use. It learns of edits in two ways. The manager's list has a stamp; with another one
 /// the lists are compared from the first difference on. Carriers, reactors and dependencies note

@@ -24,7 +24,7 @@ class VdmFeatureLook {
   /// Why a feature may take part whatever the input of the pass says.
   enum Trait : OdUInt16 {
     kLiving = 1 << 0,        ///< it opens; no reason by itself, and the lowest bit
-    kUnknown = 1 << 1,       ///< something could not be told: any pass may take it
+    kUnknown = 1 << 1,       ///< what it depends on is not known: any pass may take it
     kSeveral = 1 << 2,       ///< its dependencies lead to several entities, or to none
     kAsked = 1 << 3,         ///< only hasChanges() knows whether it has changes
     kChanged = 1 << 4,       ///< hasChanges() is true, until something of it changes

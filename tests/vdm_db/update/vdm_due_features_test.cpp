@@ -58,7 +58,7 @@ class ToldInterface : public VdmSimpleFeatureInterface {
   }
 };
 
-/// Its opening is known to nobody but itself.
+/// It promises nothing about its insert: every pass has to ask it.
 class UntoldInterface : public ToldInterface {
  public:
   OD_RX_DECLARE_MEMBERS(UntoldInterface)
