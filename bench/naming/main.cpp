@@ -2,8 +2,8 @@
 // is known from the construction, scripted edits, and several ways of naming judged against the
 // truth (laws of judging: judge.h; of the truth: truth.h).
 //
-//   vdm_bench_naming [--seed N] [--models N] [--repeats N] [--references N]
-//                    [--edit NAME] [--family NAME] [--method NAME] [--json] [--explain]
+//   vdm_bench_naming [--seed N] [--models N] [--repeats N] [--sequences N]
+//                    [--references N] [--edit NAME] [--family NAME] [--method NAME] [--json] [--explain]
 //
 // With the environment variable VDM_STEP_DIR the STEP parts of that folder take part.
 // Exit code: 0; 1 when a reference of the drawing is wrong; 2 for wrong usage.
@@ -43,6 +43,8 @@ std::optional<Arguments> parse(int argc, char** argv) {
       result.run.modelsPerFamily = std::stoul(value);
     } else if (name == "--repeats") {
       result.run.repeats = std::stoul(value);
+    } else if (name == "--sequences") {
+      result.run.sequences = std::stoul(value);
     } else if (name == "--references") {
       result.run.references = std::stoul(value);
     } else if (name == "--edit") {

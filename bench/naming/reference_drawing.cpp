@@ -76,11 +76,11 @@ DrawingRuntime::DrawingRuntime() {
   odModelerInitialize();
   odInstallOcctModeler();
   odrxDynamicLinker()->loadModule(VDM_MODULE_FILE);
-  vdm_host::registerNaming();
+  odrxDynamicLinker()->loadModule(VDM_HOST_MODULE_FILE);
 }
 
 DrawingRuntime::~DrawingRuntime() {
-  vdm_host::unregisterNaming();
+  odrxDynamicLinker()->unloadModule(VDM_HOST_MODULE_FILE);
   odrxDynamicLinker()->unloadModule(VDM_MODULE_FILE);
   odModelerUninitialize();
   oddbUninitialize();
@@ -204,10 +204,14 @@ OdDbObjectIdArray ReferenceDrawing::dependencies() const {
 }
 
 Answer ReferenceDrawing::answer(std::size_t reference) const {
+  return answerOf(m_references[reference]);
+}
+
+Answer answerOf(const OdDbObjectIdArray& dependencies) {
   Answer answer;
   std::set<OdModelerSubent> named;
   bool ambiguous = false;
-  for (const OdDbObjectId& id : m_references[reference]) {
+  for (const OdDbObjectId& id : dependencies) {
     const vdm_host::ResolvedReference now = vdm_host::resolveReference(id);
     if (!answer.note.empty()) answer.note += ", ";
     answer.note += vdm_host::gradeName(now.grade).utf8();

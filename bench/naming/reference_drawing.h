@@ -30,6 +30,9 @@ class DrawingRuntime : OdNonCopyable {
   ~DrawingRuntime();
 };
 
+/// What dependencies that stand for one reference lead to.
+[[nodiscard]] Answer answerOf(const OdDbObjectIdArray& dependencies);
+
 /// What bringing references up to date took.
 struct SettleCost {
   double seconds = 0.0;

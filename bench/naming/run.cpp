@@ -5,6 +5,7 @@
 #include <array>
 #include <stdexcept>
 
+#include "bench/naming/component_classes.h"
 #include "bench/naming/edits.h"
 #include "bench/naming/exchange.h"
 #include "bench/naming/families.h"
@@ -74,12 +75,21 @@ class Benchmark {
       for (const FileBody& file : readStepFolder(m_options.stepFolder)) runFile(file);
     }
     for (const Model& model : models) runReplacements(model);
+    runComponents();
     return std::move(m_result);
   }
 
  private:
   static bool isLeftOut(const std::string& only, const std::string& name) {
     return !only.empty() && only != name;
+  }
+
+  // What only the references of a drawing can follow.
+  void runComponents() {
+    const auto ours = std::ranges::find(m_result.methods, makeReferenceMethod()->name());
+    if (ours == m_result.methods.end()) return;
+    playComponents(m_options, m_result.methods.size(),
+                   static_cast<std::size_t>(ours - m_result.methods.begin()), m_result, m_progress);
   }
 
   void runModel(const Model& model) {

@@ -14,6 +14,7 @@ struct RunOptions {
   std::uint64_t seed = 1;
   std::size_t modelsPerFamily = 2;
   std::size_t repeats = 1;      ///< of each edit on each model
+  std::size_t sequences = 0;    ///< of each class of edits of components
   std::size_t references = 60;  ///< at most so many a case, drawn from all subentities
   std::string onlyEdit;         ///< empty: all
   std::string onlyFamily;
