@@ -1,9 +1,9 @@
 // Features that switch entities off by a frozen layer.
 //
 // Switching off moves the entities to that layer and notes where each was; switching on moves them
-// back and forgets the notes. An entity that is on the layer already keeps its note, so that
-// switching off twice loses nothing. One entity that cannot be moved does not keep the others from
-// being moved.
+// back and forgets the notes. The note is the layer that the entity is on, also where that is the
+// frozen layer itself: an entity of two such features is noted there by the second. One entity that
+// cannot be moved does not keep the others from being moved.
 #include "vdm_db/concrete_features/vdm_suppress_feature.h"
 
 #include <algorithm>
@@ -18,7 +18,6 @@
 #include "vdm_db/drawing_utils/vdm_object_id_class.h"
 #include "vdm_db/features/vdm_db_feature_manager.h"
 #include "vdm_db/features/vdm_feature_results.h"
-#include "vdm_db/parameters/vdm_variable_names.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
 VDM_DEFINE_FEATURE_CLASS(VdmSuppressFeature, VdmGroupFeature, L"VdmSuppressFeature")
@@ -76,25 +75,23 @@ void VdmSuppressFeature::init(const OdDbFullSubentPathArray& paths) {
 
 // ---- The expression
 
-VdmDbExpressionReactorPtr VdmSuppressFeature::expressionReactor(OdDb::OpenMode mode) const {
+VdmDbExpressionReactorPtr VdmSuppressFeature::expressionReactor() const {
   for (const OdDbObjectId& id : reactorIds()) {
-    if (vdmu::isIdOf<VdmDbExpressionReactor>(id)) return id.openAs<VdmDbExpressionReactor>(mode);
+    if (vdmu::isIdOf<VdmDbExpressionReactor>(id)) return id.openAs<VdmDbExpressionReactor>();
   }
   return {};
 }
 
-// A name that no variable can have, or another one has, leaves the variable anonymous or numbered.
+// A name that no variable can have, or another one has, leaves the variable anonymous.
 void VdmSuppressFeature::makeExpression() {
-  if (expressionReactor().isNull()) addReactor(VdmDbExpressionReactor::desc(), /*mask=*/-1);
-  const VdmDbExpressionReactorPtr reactor = expressionReactor(OdDb::kForWrite);
+  const auto reactor = addReactor(VdmDbExpressionReactor::desc(), /*mask=*/-1)
+                           .openAs<VdmDbExpressionReactor>(OdDb::kForWrite);
   if (reactor.isNull()) return;
-  const bool isNew = reactor->assocVariable().isNull();
   reactor->setPropertyName(kVdmSuppress);
   reactor->setInitialValue(kSuppressedValue);
   reactor->setExpression(kVdmSuppressOn, /*reacts=*/true);
-  if (isNew) {
-    reactor->renameVariable(vdmu::generateVariableName(reactor->blockId(), VdmFeature::name()));
-  }
+  reactor->renameVariable(VdmFeature::name());
+  reactor->setExpression(kVdmSuppressOn, /*reacts=*/true);
 }
 
 OdDbObjectId VdmSuppressFeature::variableId() const {
@@ -109,13 +106,15 @@ OdString VdmSuppressFeature::suppressExpression() const {
 
 OdResult VdmSuppressFeature::setSuppressExpression(const OdString& text) {
   const auto variable = variableId().openAs<OdDbAssocVariable>(OdDb::kForWrite);
-  return variable.isNull() ? kVdmNoFeature : variable->setExpression(text);
+  return variable.isNull() ? kVdmNoFeature
+                           : variable->setExpression(text, OdString::kEmpty,
+                                                     /*checkForCyclicalDependencies=*/false,
+                                                     /*updateDependenciesOnOtherVariables=*/true);
 }
 
 OdString VdmSuppressFeature::name() const {
   const auto variable = variableId().openAs<OdDbAssocVariable>();
-  const bool hasName = !variable.isNull() && !variable->isAnonymous();
-  return hasName ? variable->name() : VdmFeature::name();
+  return variable.isNull() ? VdmFeature::name() : variable->name();
 }
 
 OdResult VdmSuppressFeature::setName(const OdString& name) {

@@ -13,20 +13,21 @@
 /// entities are on the layer "*SUPPRESS", which is off and frozen, and the feature keeps their
 /// former layers. The update pass leaves inserts on that layer out of the solids. The value of an
 /// expression switches it: suppressed outside the interval from -1e-10 to 1e-10. The expression is
-/// that of a variable, which has the feature's name where a variable can have it, and belongs to
-/// the first VdmDbExpressionReactor of the feature.
+/// that of a variable, which belongs to the first VdmDbExpressionReactor of the feature and gives
+/// it its name.
 class VDM_DB_EXPORT VdmSuppressFeature : public VdmGroupFeature {
  public:
   VDM_DECLARE_FEATURE_MEMBERS(VdmSuppressFeature)
 
   using VdmGroupFeature::init;
-  /// Replaces what the group binds, and suppresses it, with the expression "1".
+  /// Replaces what the group binds, and suppresses it, with the expression "1" of a new variable,
+  /// which gets the feature's name. A variable that cannot have that name remains anonymous.
   void init(const OdDbFullSubentPathArray& paths) override;
 
-  /// That of the variable, unless it is anonymous.
+  /// That of the variable, also where it is anonymous; the feature's own without one.
   [[nodiscard]] OdString name() const override;
-  /// Renames the variable, too. Refused, with nothing changed: what OdDbAssocVariable::setName
-  /// refuses, unless the variable is anonymous.
+  /// Names the variable; the feature itself without one. Refused, with nothing changed: what
+  /// OdDbAssocVariable::setName refuses.
   OdResult setName(const OdString& name) override;
 
   /// By the value of the expression; by the status without one.
@@ -55,8 +56,7 @@ class VDM_DB_EXPORT VdmSuppressFeature : public VdmGroupFeature {
   void subMapProperties(VdmProperties& bag) override;
 
  private:
-  [[nodiscard]] OdSmartPtr<VdmDbExpressionReactor> expressionReactor(
-      OdDb::OpenMode mode = OdDb::kForRead) const;
+  [[nodiscard]] OdSmartPtr<VdmDbExpressionReactor> expressionReactor() const;
   void makeExpression();
   void updateFeaturesOfBlock() const;
 

@@ -7,16 +7,17 @@
 
 namespace {
 
-bool isDigit(char ch) { return ch >= '0' && ch <= '9'; }
 bool isHexDigit(char ch) {
   const char lower = static_cast<char>(ch | 0x20);
-  return isDigit(ch) || (lower >= 'a' && lower <= 'f');
+  return (ch >= '0' && ch <= '9') || (lower >= 'a' && lower <= 'f');
 }
 
-// The library's conversion also takes words ("inf") and a sign of its own; neither may begin here.
+// The library's conversion takes a sign of its own, which may not begin here, and words ("inf",
+// "nan") in hexadecimal, too.
 bool readWhole(std::string_view digits, std::chars_format format, double& value) {
-  const auto isFirst = format == std::chars_format::hex ? isHexDigit : isDigit;
-  if (digits.empty() || (!isFirst(digits[0]) && digits[0] != '.')) return false;
+  if (digits.empty() || digits[0] == '-') return false;
+  const bool isHex = format == std::chars_format::hex;
+  if (isHex && !isHexDigit(digits[0]) && digits[0] != '.') return false;
   const char* const end = digits.data() + digits.size();
   double number = 0;
   const auto [stop, error] = std::from_chars(digits.data(), end, number, format);

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "platform/base/non_copyable.h"
-#include "vdm_db/configurations/vdm_cell_number.h"
 #include "vdm_db/configurations/vdm_configuration_feature.h"
 #include "vdm_db/configurations/vdm_configuration_results.h"
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"
@@ -140,13 +139,14 @@ OdResult VdmConfigurationFeature::setConfiguration(const OdString& name) {
 
 // ---- Following the variables
 
-// The column gets the variable's new name unless another column has it.
+// A column has the name of its variable, which may be another one from the start, unless another
+// column has it.
 void VdmConfigurationFeature::followRename(VdmDbConfigVarReactor& link) {
-  const OdString name = link.takeNewVariableName();
-  const TablePtr table = openTable();
-  if (name.isEmpty() || table.isNull()) return;
+  const OdString name = link.takeVariableName();
   const OdString column = link.name();
-  if (table->hasColumn(name) && !isSame(column, name)) return;
+  if (name.isEmpty() || name == column) return;
+  const TablePtr table = openTable();
+  if (table.isNull() || (table->hasColumn(name) && !isSame(column, name))) return;
   {
     const VdmOpenUpgrade upgrade(table);
     table->setColumnName(column, name);
@@ -193,9 +193,8 @@ OdString VdmConfigurationFeature::generateConfigurationName() const {
   const auto isFree = [&](const OdString& name) {
     return table.isNull() || !table->findKey(name).has_value();
   };
-  if (!shown.isEmpty() && !isSame(shown, m_free) && isFree(shown)) return shown;
-  OdString base = table.isNull() ? OdString() : table->keyColumnName();
-  if (base.find(L'*') == 0) base = base.mid(1);
+  if (!key.isNull() && !isSame(shown, m_free) && isFree(shown)) return shown;
+  const OdString base = table.isNull() ? OdString() : table->keyColumnName();
   OdString name;
   unsigned number = table.isNull() ? 0 : table->getRowCount();
   do {
@@ -206,16 +205,15 @@ OdString VdmConfigurationFeature::generateConfigurationName() const {
 
 OdResult VdmConfigurationFeature::saveConfiguration(const OdString& name) {
   assertWritable();
-  const OdString key = vdmTrimmedCell(name);
-  if (key.isEmpty() || isSame(key, m_free)) return kVdmNotFound;
+  if (name.isEmpty() || isSame(name, m_free)) return kVdmNotFound;
   const RowMap values = presentValues();
   {
     const TablePtr table = openTable(OdDb::kForWrite);
     if (table.isNull()) return kVdmTableEmpty;
-    const OdResult result = table->insertRow(table->getRowCount(), key, values);
+    const OdResult result = table->insertRow(table->getRowCount(), name, values);
     if (result != eOk) return result;
   }
-  return noteSelected(key, /*writeName=*/true);
+  return noteSelected(name, /*writeName=*/true);
 }
 
 OdResult VdmConfigurationFeature::removeConfiguration(const OdString& name) {

@@ -27,22 +27,26 @@
 namespace {
 
 constexpr double kSameNumber = 1e-10;  // numbers this close, the bound included, agree
-constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();  // agrees with none
+// Agrees with no finite number: it is sought where no cell can agree, in classes and in columns
+// that hold neither numbers nor texts.
+constexpr double kNoClass = std::numeric_limits<double>::infinity();
 // Counters have the width of the numbers that are compared.
 constexpr OdInt64 kOut = OdInt64{1} << 40;
 constexpr OdUInt32 kBlock = 1024;  // rows; their counters take 8 kB
 
-// Adds `weight` to the count of each value that is not within the bound.
+// Adds `weight` to the count of each value whose difference is above the bound. The difference of
+// what is not a number is above nothing, and neither is that of infinity and itself.
 void countDisagreements(const double* values, OdUInt32 count, double sought, double bound,
                         OdInt64 weight, OdInt64* counts) {
   for (OdUInt32 i = 0; i < count; ++i) {
-    counts[i] += std::abs(values[i] - sought) <= bound ? 0 : weight;
+    counts[i] += std::abs(values[i] - sought) > bound ? weight : 0;
   }
 }
 
 // Both numbers were decimal texts once, and each was rounded by up to half a unit in its last
 // place: 10.0000000001 - 10 is above 1e-10 as doubles are.
 double boundFor(double sought) {
+  if (!std::isfinite(sought)) return kSameNumber;
   return kSameNumber + std::abs(sought) * std::numeric_limits<double>::epsilon();
 }
 
@@ -57,7 +61,7 @@ VdmConfigurationMatch::VdmConfigurationMatch(const VdmConfigurationCells& cells)
     }
     const bool isNumeric = cells.columnTypes[column] == VdmConfigurationCells::kNumeric;
     Column& arranged = m_columns.emplace_back();
-    arranged.values.resize(cells.rows(), kNoNumber);
+    arranged.values.resize(cells.rows(), 0.0);
     for (OdUInt32 row = 0; isNumeric && row < cells.rows(); ++row) {
       arranged.values[row] = cells.numbers[cells.rowStart(row) + column];
     }
@@ -92,12 +96,12 @@ VdmConfigurationMatch::Column VdmConfigurationMatch::arrangeTexts(
   return arranged;
 }
 
-// The number that agreeing cells hold, or one that agrees with none.
+// The number that agreeing cells hold.
 double VdmConfigurationMatch::soughtValue(const VdmConfigurationCells& cells,
                                           const VdmConfigurationRule& rule) const {
-  if (cells.columnTypes[rule.column] != VdmConfigurationCells::kString) {
-    return std::isfinite(rule.number) ? rule.number : kNoNumber;
-  }
+  const OdLong type = cells.columnTypes[rule.column];
+  if (type == VdmConfigurationCells::kNumeric) return rule.number;
+  if (type != VdmConfigurationCells::kString) return kNoClass;
   const std::vector<OdUInt32>& classes = m_columns[rule.column].firstOfClass;
   const auto textOf = [&](OdUInt32 row) -> const OdString& {
     return cells.texts[cells.rowStart(row) + rule.column];
@@ -106,7 +110,7 @@ double VdmConfigurationMatch::soughtValue(const VdmConfigurationCells& cells,
       classes.begin(), classes.end(), *rule.text,
       [&](OdUInt32 row, const OdString& text) { return odStrICmp(textOf(row), text) < 0; });
   const bool isKnown = place != classes.end() && odStrICmp(textOf(*place), *rule.text) == 0;
-  return isKnown ? static_cast<double>(place - classes.begin()) : kNoNumber;
+  return isKnown ? static_cast<double>(place - classes.begin()) : kNoClass;
 }
 
 OdArray<unsigned> VdmConfigurationMatch::rowsThatFit(const VdmConfigurationCells& cells,

@@ -162,9 +162,11 @@ bool VdmDbConfigVarReactor::isStringType() const { return stateForRead().isStrin
 bool VdmDbConfigVarReactor::isEnabled() const { return stateForRead().isEnabled; }
 OdString VdmDbConfigVarReactor::stringValue() const { return stateForRead().text; }
 
-OdString VdmDbConfigVarReactor::takeNewVariableName() {
+OdString VdmDbConfigVarReactor::takeVariableName() {
   const OdDbAssocVariablePtr variable = openVariable(OdDb::kForRead);
-  if (variable.isNull() || variable->name() == stateForRead().variableName) return {};
+  if (variable.isNull() || variable->name() == stateForRead().variableName) {
+    return stateForRead().variableName;
+  }
   const VdmOpenUpgrade upgrade(this);
   return stateForWrite().variableName = variable->name();
 }
@@ -195,31 +197,23 @@ OdResult VdmDbConfigVarReactor::getVariableValue(OdString& text, double& number)
   return eOk;
 }
 
-OdResult VdmDbConfigVarReactor::setVariableValue(double number) {
-  return write(number, stateForRead().text);
-}
-
 OdResult VdmDbConfigVarReactor::setVariableValue(const OdString& text) {
-  const VdmDbConfigVarReactorImpl& state = stateForRead();
-  if (!state.isString) return kVdmNotFound;
-  return write(state.value < 0.5 ? 1.0 : 0.0, text);
+  if (!stateForRead().isString) return kVdmNotFound;
+  VdmDbConfigVarReactorImpl& state = stateForWrite();
+  state.text = text;
+  return setVariableValue(state.value < 0.5 ? 1.0 : 0.0);
 }
 
 // The state is complete before the variable closes, which is when others hear of the change.
-OdResult VdmDbConfigVarReactor::write(double number, const OdString& text) {
-  if (!std::isfinite(number)) return eInvalidInput;
+OdResult VdmDbConfigVarReactor::setVariableValue(double number) {
   VdmDbConfigVarReactorImpl& state = stateForWrite();
   const Writing writing(*this);
   const OdDbAssocVariablePtr variable = openVariable(OdDb::kForWrite);
   if (variable.isNull()) return kVdmNoVariable;
-  OdResult result = eOk;
-  if (!variable->expression().isEmpty()) result = variable->setExpression(OdString());
-  if (result == eOk) result = variable->setValue(OdDbEvalVariant::init(number));
-  if (result != eOk) return result;
   state.isEnabled = true;
   state.value = number;
-  state.text = text;
-  return eOk;
+  const OdResult result = variable->setExpression(OdString());
+  return result == eOk ? variable->setValue(OdDbEvalVariant::init(number)) : result;
 }
 
 VdmDbConfigVarReactorPtr VdmDbConfigVarReactor::of(const OdDbAssocVariable* variable,
@@ -280,12 +274,25 @@ void VdmDbConfigVarReactor::erased(const OdDbObject* object, bool erasing) {
   const VdmDbConfigVarReactorImpl& state = stateForRead();
   if (!erasing || object->isUndoing() || object->objectId() != state.variable) return;
   const VdmOpenUpgrade upgrade(this);
-  {
-    const VdmFeaturePtr feature = ownerId().openAs<VdmFeature>(OdDb::kForWrite);
-    const int mask = state.isKey ? kKeyMask : kColumnMask;
-    if (!feature.isNull()) feature->eraseReactor(objectId(), mask, /*tag=*/0);
-  }
-  if (!isErased()) erase();
+  leaveFeature();
+  if (!isErased()) erase();  // what is open for notification does not open for the feature
+}
+
+void VdmDbConfigVarReactor::leaveFeature() {
+  const VdmFeaturePtr feature = ownerId().openAs<VdmFeature>(OdDb::kForWrite);
+  const int mask = stateForRead().isKey ? kKeyMask : kColumnMask;
+  if (!feature.isNull()) feature->eraseReactor(objectId(), mask, /*tag=*/0);
+}
+
+// The feature erases what it takes out of its list; a link that ends already refuses that.
+OdResult VdmDbConfigVarReactor::subErase(bool erasing) {
+  if (m_isEnding) return eWasErased;
+  const OdResult result = VdmDbFeatureReactor::subErase(erasing);
+  if (result != eOk || !erasing || isUndoing()) return result;
+  m_isEnding = true;
+  leaveFeature();
+  m_isEnding = false;
+  return result;
 }
 
 bool VdmDbConfigVarReactor::doAudit() { return !variable().isNull(); }

@@ -80,14 +80,14 @@ class VDM_DB_EXPORT VdmDbConfigVarReactor
   OdResult getVariableValue(OdString& text, double& number) const;
   /// Law 2. 5 for a column of numbers, 417 without a variable.
   OdResult setVariableValue(const OdString& text);
-  /// eInvalidInput for a number that is not finite, 417 without a variable.
+  /// The result of the variable, which refuses a number that is not finite; 417 without a variable.
   OdResult setVariableValue(double number);
   /// The text that was last seen or written.
   [[nodiscard]] OdString stringValue() const;
 
-  /// The name of the variable when it is not the one that was last seen, which it becomes; empty
-  /// otherwise.
-  [[nodiscard]] OdString takeNewVariableName();
+  /// The name of the variable, which becomes the one that was last seen; that one without a
+  /// variable.
+  [[nodiscard]] OdString takeVariableName();
 
   /// The link among the persistent reactors of a variable, the first one; null without one.
   [[nodiscard]] static OdSmartPtr<VdmDbConfigVarReactor> of(const OdDbAssocVariable* variable,
@@ -98,14 +98,18 @@ class VDM_DB_EXPORT VdmDbConfigVarReactor
   void modified(const OdDbObject* object) override;
   /// False without a variable.
   bool doAudit() override;
+  /// The feature takes the link out of its list.
+  OdResult subErase(bool erasing) override;
 
  private:
   class Writing;
 
   [[nodiscard]] OdSmartPtr<OdDbAssocVariable> openVariable(OdDb::OpenMode mode) const;
   void attach(OdDbAssocVariable& variable, bool isKey, bool isString, bool deletesVariable);
-  OdResult write(double number, const OdString& text);
+  void leaveFeature();
   /// Whether the value is another one than was last seen; it is noted.
   bool takeChange(const OdDbAssocVariable& variable);
+
+  bool m_isEnding = false;
 };
 using VdmDbConfigVarReactorPtr = OdSmartPtr<VdmDbConfigVarReactor>;

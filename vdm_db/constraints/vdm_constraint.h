@@ -144,9 +144,9 @@ class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
  protected:
   friend class VdmDbConstraintManager;
 
-  /// Makes the variable that carries name and value, and gives its id. Null, with nothing changed,
-  /// without a name, for a constraint that is not parametric or has a variable, and for a name that
-  /// no variable can have.
+  /// Makes the variable that carries name and value, and gives its id; it is anonymous where no
+  /// variable can have the name. Null, with nothing changed, without a name, and for a constraint
+  /// that is not parametric or has a variable.
   OdDbObjectId createVariable();
   /// Sets "softVersion" and "exType" to what a reader must understand.
   void decideLowestSoftVersionCode();

@@ -40,7 +40,7 @@ OdDbObjectIdArray VdmDbExpressionReactorImpl::getVariables(const VdmDbFeatureRea
 OdResult VdmDbExpressionReactorImpl::subErase(VdmDbFeatureReactor* reactor) {
   if (reactor->isUndoing()) return eOk;
   vdmDetachFromVariable(variable, {reactor->objectId()});
-  vdmRemoveUnusedVariable(variable);
+  vdmRemoveVariable(variable);
   return eOk;
 }
 
@@ -76,21 +76,18 @@ OdDbObjectId VdmDbExpressionReactor::makeVariable() {
 OdResult VdmDbExpressionReactor::setExpression(const OdString& text, bool reacts,
                                                OdString* errorMessage) {
   VdmDbExpressionReactorImpl& own = stateForWrite();
+  own.expression.empty();
   const bool isNew = own.variable.openAs<OdDbAssocVariable>().isNull();
   const OdDbObjectId id = isNew ? makeVariable() : own.variable;
-  OdResult result = kVdmNoFeature;
-  if (const auto variable = id.openAs<OdDbAssocVariable>(OdDb::kForWrite); !variable.isNull()) {
-    result = variable->setExpression(text, OdString::kEmpty,
-                                     /*checkForCyclicalDependencies=*/true,
-                                     /*updateDependenciesOnOtherVariables=*/true, errorMessage);
-    if (result == eOk) {
-      own.variable = id;
-      own.reacts = reacts;
-      own.expression = variable->expression();
-      if (!variable->hasPersistentReactor(objectId())) variable->addPersistentReactor(objectId());
-    }
-  }
-  if (isNew && result != eOk) vdmu::removeVariable(id);
+  const auto variable = id.openAs<OdDbAssocVariable>(OdDb::kForWrite);
+  if (variable.isNull()) return kVdmNoFeature;
+  const OdResult result =
+      variable->setExpression(text, OdString::kEmpty, /*checkForCyclicalDependencies=*/true,
+                              /*updateDependenciesOnOtherVariables=*/true, errorMessage);
+  own.expression = variable->expression();
+  own.variable = id;
+  own.reacts = reacts;
+  if (!variable->hasPersistentReactor(objectId())) variable->addPersistentReactor(objectId());
   return result;
 }
 
@@ -169,5 +166,5 @@ void VdmDbExpressionReactor::erased(const OdDbObject* object, bool erasing) {
     const VdmFeaturePtr feature = ownerId().openAs<VdmFeature>(OdDb::kForWrite);
     if (!feature.isNull()) feature->eraseReactor(objectId(), /*mask=*/0, /*tag=*/0);
   }
-  if (!isErased()) erase();
+  if (!isErased()) erase();  // what is open for notification does not open for the feature
 }

@@ -29,7 +29,7 @@ class VDM_DB_EXPORT VdmDbExpressionReactorImpl : public VdmDbFeatureReactorImpl 
   OdDbEvalVariantPtr lastValue;
   OdString lastExpression;
 
-  /// Takes the reactor off the variable, which ends with it unless something else uses it.
+  /// Takes the reactor off the variable, which ends with it unless a configuration gives it a text.
   OdResult subErase(VdmDbFeatureReactor* reactor) override;
   [[nodiscard]] OdDbObjectIdArray getVariables(const VdmDbFeatureReactor* reactor) override;
 };
@@ -54,8 +54,9 @@ class VDM_DB_EXPORT VdmDbExpressionReactor
   [[nodiscard]] double value() const;
 
   /// Sets the expression of the variable. A missing variable is made in the block's network, with
-  /// an anonymous name. Refused, with the expression as it was: the results of
-  /// OdDbAssocVariable::setExpression; 417 for a feature that is in no block.
+  /// an anonymous name; it remains when it refuses the expression. Returns the result of
+  /// OdDbAssocVariable::setExpression, which leaves the expression as it was where it refuses one;
+  /// 417 for a feature that is in no block.
   OdResult setExpression(const OdString& text, bool reacts, OdString* errorMessage = nullptr);
   /// Empty without a variable.
   [[nodiscard]] OdString expression() const;

@@ -44,7 +44,7 @@ OdResult VdmDbPropertyReactorImpl::subErase(VdmDbFeatureReactor* reactor) {
   m_properties.getProperty(kVdmDeleteOnErase, deletes);
   for (const OdDbObjectId& variable : getVariables(reactor)) {
     vdmDetachFromVariable(variable, {reactor->objectId(), reactor->ownerId()});
-    if (deletes) vdmRemoveUnusedVariable(variable);
+    if (deletes) vdmRemoveVariable(variable);
   }
   return eOk;
 }
@@ -71,7 +71,6 @@ OdResult VdmDbPropertyReactor::setProperty(OdDbObject* owner, const OdString& pr
   const auto variable = id.openAs<OdDbAssocVariable>(OdDb::kForWrite);
   if (variable.isNull()) return eInvalidKey;
   const OdResult result = vdmu::setConstExpression(variable.get(), number);
-  if (result != eOk) return result;
   const OdDbObjectId before = getPropertyVariable(property);
   stateForWrite().variables[property] = {id, OdDb::kSoftPointerRef};
   for (const OdDbObjectId& reactor : {objectId(), owner->objectId()}) {
@@ -80,7 +79,7 @@ OdResult VdmDbPropertyReactor::setProperty(OdDbObject* owner, const OdString& pr
   if (before != id && !stateForRead().isOf(before)) {
     vdmDetachFromVariable(before, {objectId(), owner->objectId()});
   }
-  return eOk;
+  return result;
 }
 
 OdStringArray VdmDbPropertyReactor::getProperties() const {

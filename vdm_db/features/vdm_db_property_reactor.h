@@ -19,8 +19,8 @@ class VDM_DB_EXPORT VdmDbPropertyReactorImpl : public VdmDbFeatureReactorImpl {
   std::map<OdString, OdDbTypedId> variables;  ///< by property
 
   [[nodiscard]] bool isOf(const OdDbObjectId& variable) const;
-  /// Takes the reactor and the feature's carrier off the variables. With "deleteOnErase" those that
-  /// nobody else uses end with it.
+  /// Takes the reactor and the feature's carrier off the variables. With "deleteOnErase" they end
+  /// with it, unless a configuration gives them a text.
   OdResult subErase(VdmDbFeatureReactor* reactor) override;
   [[nodiscard]] OdDbObjectIdArray getVariables(const VdmDbFeatureReactor* reactor) override;
 };
@@ -34,9 +34,9 @@ class VDM_DB_EXPORT VdmDbPropertyReactor : public VdmDbFeatureReactorOf<VdmDbPro
   OD_RX_DECLARE_MEMBERS(VdmDbPropertyReactor)
 
   /// Binds a property of the feature, whose carrier `owner` is, to the variable of the name in the
-  /// model space. A missing variable is made; the variable takes the present number. Nothing
-  /// changes for a property that is no number (eKeyNotFound), and when the model space takes no
-  /// variable of that name (eInvalidKey) or the variable does not take the number.
+  /// model space. A missing variable is made, anonymous where it cannot have the name; the variable
+  /// takes the present number. Returns the result of vdmu::setConstExpression, with the property
+  /// bound in any case. Nothing changes for a property that is no number (eKeyNotFound).
   OdResult setProperty(OdDbObject* owner, const OdString& property, const OdString& variableName);
   /// The bound properties, in the order of their names.
   [[nodiscard]] OdStringArray getProperties() const;

@@ -9,13 +9,6 @@ namespace {
 
 constexpr double kSameNumber = 1e-10;
 
-bool isUsed(const OdDbAssocVariable* variable) {
-  for (const OdDbObjectId& reactor : variable->getPersistentReactors()) {
-    if (vdmu::assocVariableReactorIsValid(reactor.openObject().get())) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 bool vdmIsOtherNumber(double a, double b) { return a - b > kSameNumber || a - b < -kSameNumber; }
@@ -26,14 +19,13 @@ void vdmDetachFromVariable(const OdDbObjectId& id, std::initializer_list<OdDbObj
   for (const OdDbObjectId& reactor : reactors) variable->removePersistentReactor(reactor);
 }
 
-void vdmRemoveUnusedVariable(const OdDbObjectId& id) {
+void vdmRemoveVariable(const OdDbObjectId& id) {
+  OdString text;
+  if (vdmAskRole(VdmVariableRoles::installed().hasStringValue, id, text)) return;
   {
-    const auto variable = id.openAs<OdDbAssocVariable>();
-    OdString text;
-    if (variable.isNull() || isUsed(variable.get()) ||
-        vdmAskRole(VdmVariableRoles::installed().hasStringValue, id, text)) {
-      return;
-    }
+    const auto variable = id.openAs<OdDbAssocVariable>(OdDb::kForWrite);
+    if (variable.isNull()) return;
+    variable->removeAllDependencies(/*alsoErase=*/true);
   }
   vdmu::removeVariable(id);
 }

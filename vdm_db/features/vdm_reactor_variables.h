@@ -10,6 +10,6 @@
 /// Takes the persistent reactors off a variable. Nothing happens when it does not open.
 void vdmDetachFromVariable(const OdDbObjectId& variable,
                            std::initializer_list<OdDbObjectId> reactors);
-/// Removes a variable from its network and erases it, unless something uses it still or a
-/// configuration binds a text to it.
-void vdmRemoveUnusedVariable(const OdDbObjectId& variable);
+/// Removes a variable from its network and erases it with its dependencies, also where expressions
+/// use it still. Only one that a configuration gives a text remains.
+void vdmRemoveVariable(const OdDbObjectId& variable);

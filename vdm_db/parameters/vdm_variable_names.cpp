@@ -72,14 +72,10 @@ OdDbObjectId getAssocVariable(OdDbObjectId block, const OdString& name, bool cre
   const OdDbObjectId made = addVariable(shown);
   const auto variable = made.openAs<OdDbAssocVariable>(OdDb::kForWrite);
   if (variable.isNull()) return OdDbObjectId::kNull;
-  if (variable->setName(name, /*updateReferencingExpressions=*/false) == eOk &&
-      variable->setExpression(expression, OdString::kEmpty,
-                              /*checkForCyclicalDependencies=*/false,
-                              /*updateDependenciesOnOtherVariables=*/false) == eOk) {
-    return made;
-  }
-  removeVariable(made);
-  return OdDbObjectId::kNull;
+  variable->setName(name, /*updateReferencingExpressions=*/false);
+  variable->setExpression(expression, OdString::kEmpty, /*checkForCyclicalDependencies=*/false,
+                          /*updateDependenciesOnOtherVariables=*/false);
+  return made;
 }
 
 OdDbObjectId addVariable(OdDbObjectId block) {

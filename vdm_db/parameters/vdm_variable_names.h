@@ -25,8 +25,9 @@ VDM_DB_EXPORT void getVariableNames(OdDbObjectId block, std::set<OdString>& name
                                                                       const OdString& base);
 
 /// The variable of the name in the block, or in the block that it shows of an external drawing.
-/// With `create` a missing one is made, with the expression. Null when there is none, and when the
-/// network takes no variable of that name or not with that expression; nothing is left of it then.
+/// With `create` a missing one is made and returned, whether or not it takes the name and the
+/// expression: one that refuses the name remains anonymous, one that refuses the expression has
+/// none. Null when there is none, and for an object that has no network.
 VDM_DB_EXPORT OdDbObjectId getAssocVariable(OdDbObjectId block, const OdString& name, bool create,
                                             const OdString& expression);
 /// Makes a variable without a name in the network of the block, which is made when it is missing.

@@ -99,6 +99,15 @@ TEST_F(VdmGroupFeatureTest, AnExpressionSwitchesSuppression) {
     EXPECT_EQ(layerOf(m_carrier), value != 3.0 ? L"*SUPPRESS" : L"Parts");
   }
   EXPECT_EQ(suppress(OdDb::kForWrite)->setName(L"count"), eDuplicateKey);
+  // The name is taken: the second one's variable is anonymous, and that is what the feature shows.
+  const auto second =
+      feature<VdmSuppressFeature>(add<VdmSuppressFeature>({m_other}), OdDb::kForWrite);
+  const OdDbObjectId own = second->variableId();
+  EXPECT_EQ(second->name(), L"*" + own.getHandle().ascii());
+  // Each binding adds a reactor; the first one remains the feature's.
+  second->init({face(m_other, 2)});
+  EXPECT_EQ(second->reactors().size(), 3U);
+  EXPECT_EQ(second->variableId(), own);
   EXPECT_EQ(suppress(OdDb::kForWrite)->setName(L"Off"), eOk);
   reopenWith({&id, &variable});
   EXPECT_EQ(suppress()->name(), L"Off");

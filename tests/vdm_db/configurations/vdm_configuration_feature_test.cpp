@@ -78,7 +78,7 @@ TEST_F(VdmConfigurationFeatureTest, AColumnWithoutKeysSelectsByItsValues) {
   EXPECT_EQ(setNumber(variable(L"Width"), 15), eOk);
   EXPECT_EQ(state(), "Custom: Width=15");
   EXPECT_EQ(edit()->setConfiguration(L"10"), 4);
-  EXPECT_EQ(feature()->generateConfigurationName(), L"Width_3");
+  EXPECT_EQ(feature()->generateConfigurationName(), L"*Width_3");
   EXPECT_EQ(edit()->saveConfiguration(L"15"), eOk);
   EXPECT_EQ(state(), "15: Width=15");
 }
@@ -198,7 +198,7 @@ TEST_F(VdmConfigurationFeatureTest, RowsAreSavedAndRemovedByName) {
   EXPECT_EQ(feature()->generateConfigurationName(), L"Config_4");
   setNumber(variable(L"Width"), 12);
   EXPECT_EQ(edit()->saveConfiguration(L"CUSTOM"), 5);
-  EXPECT_EQ(edit()->saveConfiguration(L" "), 5);
+  EXPECT_EQ(edit()->saveConfiguration(L""), 5);
   EXPECT_EQ(edit()->saveConfiguration(L"wide"), 27);
   EXPECT_EQ(edit()->saveConfiguration(L"Config_4"), eOk);
   EXPECT_EQ(state(), "Config_4: Config=Config_4 Width=12 Height=1 Material=Steel");
@@ -328,6 +328,10 @@ TEST_F(VdmConfigurationFeatureTest, LinksEndWithTheirVariablesAndMadeVariablesWi
   EXPECT_EQ(feature()->selectedConfiguration(), L"Large");
   EXPECT_EQ(edit()->linkColumn(addVariable(L"choice", 0), L"Config", true), eOk);
   EXPECT_EQ(state(), "Large: Width=20 Height=2 Material=Iron choice=Large");
+  const OdDbObjectIdArray links = feature()->reactors();
+  expectUndoable(*m_drawing, everything,
+                 [&] { change<OdDbObject>(link(L"Height")->objectId())->erase(); });
+  EXPECT_EQ(feature()->reactors().size(), links.size() - 1) << "the feature has dropped it";
 
   expectUndoable(*m_drawing, everything, [&] { change<VdmDbFeatureData>(m_feature)->erase(); });
   EXPECT_TRUE(table.isErased());

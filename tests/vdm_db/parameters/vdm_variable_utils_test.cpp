@@ -103,13 +103,13 @@ TEST_F(VdmVariableUtils, NamesAndLookUp) {
   vdmu::getVariableNames(m_modelSpace, names);
   EXPECT_EQ(names, (std::set<OdString>{L"*5", L"LENGTH", L"LENGTH_1"}));
 
-  // Refused: nothing is left.
-  EXPECT_TRUE(add(L"2 + 2", L"1").isNull());
-  EXPECT_TRUE(add(L"bad", L"1 +").isNull());
-  EXPECT_EQ(open<OdDbAssocNetwork>(OdDbAssocNetwork::getInstanceFromObject(m_modelSpace, false))
-                ->getActions()
-                .size(),
-            3u);
+  // Made and returned, whatever it takes of its name and its expression.
+  const auto unnamed = open<OdDbAssocVariable>(add(L"2 + 2", L"4"));
+  EXPECT_TRUE(unnamed->isAnonymous());
+  EXPECT_EQ(unnamed->expression(), L"4");
+  const auto undefined = open<OdDbAssocVariable>(add(L"bad", L"1 +"));
+  EXPECT_EQ(undefined->name(), L"bad");
+  EXPECT_TRUE(undefined->expression().isEmpty());
   EXPECT_TRUE(
       vdmu::getAssocVariable(m_carrier.database()->getLayerZeroId(), L"x", false, L"").isNull());
 }
