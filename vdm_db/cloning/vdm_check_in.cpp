@@ -2,15 +2,12 @@
 //
 // Two mappings pair the objects: forward from the objects of the origin to their
 // counterparts, which check-in has cloned from the copies, and reverse. Ownership is walked from
-// each manager and its counterpart, and what both own is paired, too. An object that was checked
-// out is paired with its own copy and with nothing else, also where others before it were erased or
-// added. Of the rest, the n-th object of a class is paired with the n-th of that class. Then all
-// pairs exchange their states, with references translated. So the objects of the origin keep their
-// ids, which others refer to, and have the edited contents.
+// each manager and its counterpart, and what both own is paired by position. Then all pairs
+// exchange their states, with references translated. So the objects of the origin keep their ids,
+// which others refer to, and have the edited contents.
 #include "vdm_db/cloning/vdm_check_in.h"
 
-#include <deque>
-#include <map>
+#include <algorithm>
 #include <unordered_set>
 
 #include "platform/base/error.h"
@@ -39,7 +36,6 @@ class CheckIn {
   void enterOriginals(const OdArray<OdDbIdPair>& pairs) {
     for (const OdDbIdPair& pair : pairs) {
       if (pair.key().isNull()) continue;
-      m_checkedOut.insert(pair.key());
       const OdDbObjectId counterpart = vdmu::findClone(m_active, pair.value());
       if (!counterpart.isNull()) enter(pair.key(), counterpart);
     }
@@ -76,26 +72,20 @@ class CheckIn {
     return made;
   }
 
+  // The n-th that one of them owns is paired with the n-th of the other. Two of different classes
+  // cannot exchange their states.
   void pairOwned(const OdDbIdPair& pair, std::vector<OdDbIdPair>& pairs) {
     const OdDbObjectIdArray ofOrigin = prepare(pair.key());
     const OdDbObjectIdArray ofCounterpart = prepare(pair.value());
-    const std::unordered_set<OdDbObjectId> owned(ofCounterpart.begin(), ofCounterpart.end());
-    std::map<const OdRxClass*, std::deque<OdDbObjectId>> unpaired;
-    for (const OdDbObjectId& id : ofCounterpart) {
-      if (vdmu::findClone(*m_reverse, id).isNull()) unpaired[id.objectClass()].push_back(id);
-    }
-    for (const OdDbObjectId& id : ofOrigin) {
-      OdDbObjectId other = vdmu::findClone(*m_forward, id);
-      std::deque<OdDbObjectId>& candidates = unpaired[id.objectClass()];
-      if (other.isNull() && !m_checkedOut.contains(id) && !candidates.empty()) {
-        other = candidates.front();
-        candidates.pop_front();
-      }
-      const bool isPair = other != id && owned.contains(other) && !id.isErased() &&
-                          !other.isErased() && id.objectClass() == other.objectClass();
-      if (!isPair) continue;
+    const OdUInt32 count = std::min(ofOrigin.size(), ofCounterpart.size());
+    for (OdUInt32 i = 0; i < count; ++i) {
+      const OdDbObjectId id = ofOrigin[i];
+      const OdDbObjectId other = ofCounterpart[i];
+      if (id.isNull() || other.isNull() || id == other) continue;
       enter(id, other);
-      pairs.emplace_back(id, other);
+      const bool canExchange =
+          !id.isErased() && !other.isErased() && id.objectClass() == other.objectClass();
+      if (canExchange && m_walked.insert(id).second) pairs.emplace_back(id, other);
     }
   }
 
@@ -110,7 +100,7 @@ class CheckIn {
   const OdDbIdMapping& m_active;
   OdDbIdMappingPtr m_forward;
   OdDbIdMappingPtr m_reverse;
-  std::unordered_set<OdDbObjectId> m_checkedOut;
+  std::unordered_set<OdDbObjectId> m_walked;  // a damaged drawing may have a circle
 };
 
 }  // namespace

@@ -29,6 +29,16 @@ void appendCloned(OdDbIdMapping& mapping, OdArray<OdDbIdPair>& pairs, const Acce
   }
 }
 
+/// Keeps the ids that are filed as owned, null ones as well.
+class OwnedObjectsCollectFiler : public OdDbIdFiler {
+ public:
+  using OdDbIdFiler::OdDbIdFiler;
+  OdArray<OdDbObjectId> owned;
+
+  void wrSoftOwnershipId(const OdDbObjectId& id) override { owned.append(id); }
+  void wrHardOwnershipId(const OdDbObjectId& id) override { owned.append(id); }
+};
+
 }  // namespace
 
 namespace vdmu {
@@ -92,14 +102,10 @@ void transform2dConstraints(const OdDbObjectId& block, OdGeMatrix3d transform) {
 }
 
 OdArray<OdDbObjectId> getOwnerships(const OdDbObject* object) {
-  OdArray<OdDbObjectId> owned;
-  if (object == nullptr) return owned;
-  OdDbIdFiler filer(object->database());
+  if (object == nullptr) return {};
+  OwnedObjectsCollectFiler filer(object->database());
   object->dwgOutFields(&filer);
-  for (const OdDbFiledId& filed : filer.ids()) {
-    if (OdDb::isOwnership(filed.type) && !filed.id.isNull()) owned.append(filed.id);
-  }
-  return owned;
+  return filer.owned;
 }
 
 }  // namespace vdmu

@@ -42,7 +42,7 @@ VDM_DB_EXPORT void delDatabaseDictsBeginWith(OdDbDatabase* database, const OdStr
 /// the group refuses, as a singular matrix.
 VDM_DB_EXPORT void transform2dConstraints(const OdDbObjectId& block, OdGeMatrix3d transform);
 
-/// The ids that an object files as owned, in that order; null ones are left out.
+/// The ids that an object files as owned, in that order, null ones included.
 [[nodiscard]] VDM_DB_EXPORT OdArray<OdDbObjectId> getOwnerships(const OdDbObject* object);
 
 }  // namespace vdmu

@@ -12,9 +12,17 @@
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"
 #include "vdm_db/model/vdm_db_object.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
+#include "vdm_db/model/vdm_db_pers_id_manager.h"
 #include "vdm_db/references/vdm_path_utils.h"
+#include "vdm_utils/vdmc_assert.h"
 
 namespace vdmu {
+
+namespace {
+
+constexpr const char* kSource = "vdm_db/vdm_constraint_cleanup";
+
+}  // namespace
 
 // ---- Unused dependencies and model objects
 
@@ -62,7 +70,11 @@ void cleanupVdmDbObjects(VdmDbConstraintManager* manager, const OdDbObjectIdArra
   manager->dropFromRegistry(dropped);
   for (const OdDbObjectId& id : std::as_const(dropped)) {
     const auto object = id.openAs<VdmDbObject>(OdDb::kForWrite);
-    if (!object.isNull()) object->eraseWithSubObjects();
+    if (object.isNull()) continue;
+    const OdDbObjectId csm =
+        VdmDbPersIdManager::getInstance(object->attachedEntityId().ownerId(), /*create=*/false);
+    VDM_ASSERT_AT(!csm.isNull(), kSource, __LINE__);
+    object->eraseWithSubObjects();
   }
 }
 

@@ -123,11 +123,13 @@ bool VdmDbConstraintManager::takeOut(VdmConstraint* constraint) {
   assertWriteEnabled();
   if (constraint == nullptr) return false;
   const auto held = m_constraints.find(constraint->nodeId());
-  if (held == m_constraints.end() || held->second.get() != constraint) return false;
+  if (held == m_constraints.end()) return false;
   if (m_status == kSolvedWithChanges) changeState(kPartlyModified, {}, {});
   const VdmConstraintPtr kept(constraint);
   removeVariable(constraint->userVariable());
   constraint->setOwner(OdDbObjectId::kNull);
+  held->second->setOwner(
+      OdDbObjectId::kNull);  // another one, when that of another manager is given
   m_constraints.erase(held);
   return true;
 }

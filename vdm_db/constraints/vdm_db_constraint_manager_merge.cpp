@@ -7,9 +7,9 @@
 // rolled back here; the caller's transaction does that. The source is erased last, so that until
 // then everything can be found from it.
 //
-// The set of merged objects belongs to the whole clone and holds objects of other blocks, too: a
-// manager takes those that the source owns and those whose entities lie in its block. It takes them
-// in rising handle order, so that the same drawings give the same names. Each constraint, argument
+// The set of merged objects belongs to the whole clone, and a manager takes all of them, also those
+// that another one has registered. It takes them in rising handle order, so that the same drawings
+// give the same names. Each constraint, argument
 // and object is dealt with once, and free numbers for names are looked up instead of counted: the
 // cost is linear but for those look-ups, which cost a logarithm.
 #include <algorithm>
@@ -64,11 +64,11 @@ Arguments argumentsOf(const VdmConstraint& constraint, VdmMergeContext& context)
     const OdDbObjectId owner = argument.dependency.ownerId();
     const bool isReached = !argument.dependency.openAs<VdmDbObjectDependency>().isNull() &&
                            !owner.openAs<VdmDbObject>().isNull();
-    if (!isReached) {
+    if (isReached) {
+      context.mergedObjects.insert(owner);
+    } else {
       arguments.areReached = false;
-      break;
     }
-    context.mergedObjects.insert(owner);
   }
   return arguments;
 }
@@ -183,13 +183,13 @@ struct VdmDbConstraintManager::Merge {
                            : object->append(OdDbFullSubentPath(mapped, path.subentId()));
   }
 
-  /// A name without a variable stays where it is free. A variable always gets a name of its number
-  /// here: that of its constraint is among those that are taken.
+  /// A name without a variable stays where it is free, and so does one that the constraint itself
+  /// knows its variable by. Any other variable gets a name of its number.
   void renameMoved(vdmu::VdmTakenNames& taken) const {
     for (const VdmConstraintPtr& constraint : moved) {
       const OdString name = constraint->name();
-      if (name.isEmpty()) continue;
       if (hasVariable(*constraint)) {
+        if (name == constraint->m_name) continue;
         taken.erase(name);
       } else if (taken.insert(name)) {
         continue;
@@ -225,10 +225,7 @@ struct VdmDbConstraintManager::Merge {
     for (const OdDbObjectId& id : ids) {
       if (target.m_vdmDbObjects.contains(id)) continue;
       const auto object = id.openAs<VdmDbObject>(OdDb::kForWrite);
-      const bool isOfSource = !object.isNull() && object->ownerId() == source.objectId();
-      if (object.isNull() || (!isOfSource && object->attachedEntityId().ownerId() != block)) {
-        continue;
-      }
+      if (object.isNull()) continue;
       const OdString stem = vdmu::removeNumericSuffix(object->name());
       int& next = nexts.try_emplace(odToUpper(stem), 1).first->second;
       object->setName(vdmu::takeNumberedName(stem, taken, next));
@@ -242,7 +239,7 @@ struct VdmDbConstraintManager::Merge {
     source.dropFromRegistry(left);
     for (const OdDbObjectId& id : left) {
       const auto object = id.openAs<VdmDbObject>(OdDb::kForWrite);
-      if (!object.isNull() && object->ownerId() == source.objectId()) object->eraseWithSubObjects();
+      if (!object.isNull() && object->ownerId() != target.objectId()) object->eraseWithSubObjects();
     }
     context.replaced[source.objectId()] = target.objectId();
     if (const OdDbObjectId reactor = source.variableReactor(/*create=*/false); !reactor.isNull()) {

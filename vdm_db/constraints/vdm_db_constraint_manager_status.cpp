@@ -13,7 +13,6 @@
 
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 #include "vdm_db/drawing_utils/vdm_open_upgrade.h"
-#include "vdm_db/model/vdm_db_object_dependency.h"
 #include "vdm_db/references/vdm_path_utils.h"
 
 namespace {
@@ -46,17 +45,11 @@ void VdmDbConstraintManager::notifyConstraintModify(VdmConstraint* constraint,
   }
 }
 
-// An argument that refers to nothing adds a null id, one that cannot be resolved adds none.
+// An argument that refers to nothing adds a null id, one that cannot be resolved adds none. One of
+// another class raises.
 void VdmDbConstraintManager::markArgumentsModified(const VdmConstraint& constraint) {
   ModifiedObjects added;
-  for (const OdDbObjectId& argument : constraint.argumentIds()) {
-    OdDbFullSubentPath path;
-    if (!argument.isNull()) {
-      const auto dependency = argument.openAs<VdmDbObjectDependency>();
-      if (dependency.isNull() || dependency->getLinkObject(path, false) == vdmu::ePathInvalid) {
-        continue;
-      }
-    }
+  for (const OdDbFullSubentPath& path : constraint.getArguments()) {
     const OdDbObjectId object = vdmu::getInsertId(path);
     if (!m_modifiedObjects.contains(object)) added.insert(object);
   }

@@ -369,6 +369,30 @@ TEST_F(VdmManagerMergeTest, ConstraintsMoveToTheClonesUnderFreeNames) {
             eNullPointer);
 }
 
+// A lost argument drops its constraint, and the objects of the others move. So do objects that
+// another manager has merged. What the source lists and the target does not own ends.
+TEST_F(VdmManagerMergeTest, EveryMergedObjectMovesAndTheRestEnds) {
+  const OdDbObjectId reached = addCarrier(m_block), left = addCarrier(m_block);
+  addConstraint(m_block, {face(m_origin, 3), face(reached, 1)}, L"");
+  for (int i = 0; i < 2; ++i) addConstraint(m_block, {face(reached, 2)}, L"");
+  edit<VdmDbObject>(VdmDbObject::openVdmDbObject(m_origin)->objectId())->eraseWithSubObjects();
+  const OdDbObjectId elsewhere = addBlock(m_drawing, L"ELSEWHERE");
+  addConstraint(elsewhere, {face(addCarrier(elsewhere), 1)}, L"x");
+  const OdDbObjectId foreign = constraintsOf(elsewhere)->vdmDbObjects()[0];
+  m_merged.insert(foreign);
+  const OdDbObjectId ending = edit<VdmDbConstraintManager>(m_source)->getVdmDbObject(left);
+  edit<VdmDbObject>(ending)->setOwnerId(foreign.ownerId());
+  merge(/*keepAll=*/true);
+  const OdArray<VdmConstraintPtr> all = constraintsOf(m_modelSpace)->constraints();
+  ASSERT_EQ(all.size(), 2u);
+  EXPECT_EQ(all[0]->name(), L"");
+  EXPECT_EQ(all[1]->name(), L"_2") << "two without a name have the same one";
+  const OdDbObjectId moved = VdmDbObject::openVdmDbObject(reached)->objectId();
+  EXPECT_EQ(m_merged, (std::unordered_set<OdDbObjectId>{foreign, moved}));
+  for (const OdDbObjectId& id : m_merged) EXPECT_EQ(id.ownerId(), m_constraints);
+  EXPECT_TRUE(ending.isErased());
+}
+
 TEST_F(VdmManagerMergeTest, WhatCannotBeMappedStaysOrIsDroppedAsTheHostSays) {
   const struct {
     bool drops;

@@ -139,7 +139,7 @@ TEST_F(VdmConstraintTest, ArgumentsThatCannotBeResolvedAreLeftOut) {
   EXPECT_EQ(constraint->getExtArguments().size(), 1u);
   EXPECT_FALSE(constraint->isValid());
   arguments[1].dependency = line;
-  constraint->setDependencies(arguments);
+  EXPECT_THROW(constraint->setDependencies(arguments), OdError_NotThatKindOfClass);
   EXPECT_THROW(static_cast<void>(constraint->isValid()), OdError_NotThatKindOfClass);
 }
 

@@ -2,6 +2,7 @@
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 
 #include "tests/vdm_db/constraints/constraint_testing.h"
+#include "vdm_db/constraints/vdm_constraint_manager_services.h"
 
 namespace {
 
@@ -67,6 +68,23 @@ TEST_F(VdmDbConstraintManagerTest, StatusFollowsEvents) {
   setStatus(Manager::kSolvedWithChanges);
   editManager()->removeConstraint(constraint);
   EXPECT_NE(status(), Manager::kSolvedWithChanges);
+}
+
+// The node id decides, also that of a constraint of another manager. A model object that ends asks
+// for the persistent ids of its block, which this one has none of.
+TEST_F(VdmDbConstraintManagerTest, RemovesByNodeId) {
+  const VdmConstraintPtr own = addConstraint(3, {newLine()});
+  const OdDbObjectId block = addBlock(m_drawing, L"OTHER");
+  const auto other = edit<Manager>(Manager::getInstance(block, /*create=*/true));
+  VdmConstraintManagerServices services;
+  const VdmExtendedPathArray arguments{argument(addCarrier(block))};
+  const VdmConstraintPtr foreign = other->addConstraint(3, arguments, services, L"F", false);
+  editManager()->removeConstraint(foreign);
+  EXPECT_EQ(manager()->constraintsCount(), 0u);
+  EXPECT_TRUE(own->owner().isNull() && foreign->owner().isNull());
+  m_assertions.clear();
+  other->removeAllConstraints();
+  EXPECT_EQ(m_assertions, std::vector<std::string>{"!csm.isNull()"});
 }
 
 TEST_F(VdmDbConstraintManagerTest, ArgumentsComeAndGo) {
