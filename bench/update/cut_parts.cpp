@@ -52,6 +52,12 @@ OdModelerBodyPtr pinBetweenHoles(OdModeler& modeler, std::size_t number) {
   return moved(pin, {kPitch * (static_cast<double>(number) + 1.5), 1.5 * kPitch, -1.0});
 }
 
+OdModelerBodyPtr pinAt(const OdGePoint3d& point, double diameter) {
+  const OdModelerBodyPtr pin =
+      made([&](auto& result) { return odModeler().cylinder(diameter / 2.0, 12.0, result); });
+  return moved(pin, {point.x, point.y, point.z - 11.0});
+}
+
 void addFiles(OdModeler& modeler, std::vector<CutPart>& parts) {
   constexpr OdUInt32 kFewFaces = 150;
   const char* folder = std::getenv("VDM_STEP_DIR");

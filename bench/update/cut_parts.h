@@ -18,6 +18,8 @@ OdModelerBodyPtr cutFrom(OdModeler& modeler, const OdModelerBodyPtr& base,
 OdModelerBodyPtr plateOf(OdModeler& modeler, std::size_t faces);
 /// A pin through such a plate, in the middle of four holes; the first ones lie in its first row.
 OdModelerBodyPtr pinBetweenHoles(OdModeler& modeler, std::size_t number);
+/// An upright pin through a plate 10 thick whose top has the point.
+OdModelerBodyPtr pinAt(const OdGePoint3d& point, double diameter);
 /// Appends the bodies of some hundred faces out of the STEP files of the folder VDM_STEP_DIR, if
 /// one is named.
 void addFiles(OdModeler& modeler, std::vector<CutPart>& parts);

@@ -21,6 +21,7 @@ struct Figure {
 struct FigureOptions {
   std::vector<std::size_t> features = {1000, 10000, 100000};
   std::vector<std::size_t> cuts = {100, 300};
+  std::vector<std::size_t> inserts = {25, 100, 400, 1000};
   std::vector<std::size_t> holes = {10, 100, 400, 1000};
   std::size_t rounds = 15;
   bool peers = true;  ///< moves, resolve: the peers too; by far the most of the time
@@ -45,6 +46,10 @@ std::vector<Figure> measureCuts(const FigureOptions& options);
 /// The reach of a tool at its place against the cut that it makes there, on plates of 300 and 635
 /// faces: in the open, where boxes decide, and in a slit, where a boolean does.
 std::vector<Figure> measureFits(const FigureOptions& options);
+
+/// Many inserts as one pass: on one plate against one cut with all tools by the modeller alone, and
+/// into 100 solids against the cuts alone.
+std::vector<Figure> measureScripts(const FigureOptions& options);
 
 /// A cut behind the wall of platform/modeler_wall against the same cut without it, on plates of 300
 /// and 700 faces and on the parts in the folder VDM_STEP_DIR.

@@ -114,6 +114,7 @@ void addSettledFeatures(ComponentDrawing& drawing, std::size_t count) {
   constexpr std::size_t kPerPlate = 100;
   const OdUInt32 top = drawing.topFace();
   OdDbObjectId plate = drawing.plate;
+  vdm_host::ComponentTools tools;
   for (std::size_t i = 0; i < count; ++i) {
     if (i != 0 && i % kPerPlate == 0) plate = drawing.addPlate();
     OdDbObjectId insert;
@@ -122,8 +123,12 @@ void addSettledFeatures(ComponentDrawing& drawing, std::size_t count) {
     auto placement = drawing.at(place, place, top);
     placement.solid = plate;
     placement.name = OdString(("h" + std::to_string(i)).c_str());
-    const OdStatus status =
-        vdm_host::makeInsertion(drawing.database, drawing.hole, placement, insert, feature);
+    const vdm_host::ComponentInsert insertion{drawing.hole, placement};
+    vdm_host::InsertionPlace where;
+    OdStatus status = vdm_host::placeInsertion(insertion, tools, where);
+    if (status.ok()) {
+      status = vdm_host::makeInsertion(drawing.database, insertion, where, insert, feature);
+    }
     if (!status.ok()) throw std::runtime_error(std::string(status.text.utf8()));
     const auto component = VdmComponentFeature::cast(VdmFeature::open(feature));
     const OdDbObjectId reactor = component->insertReactorId();

@@ -1,7 +1,8 @@
 // Measures update passes and persistent references, each figure against a peer in the same run.
 //
-//   vdm_bench_update [--only moves|cuts|idle|resolve|wall|checks|fits] [--holes N,N,...]
-//                    [--features N,N,...] [--cuts N,N,...] [--rounds N] [--peers 0|1]
+//   vdm_bench_update [--only moves|cuts|idle|resolve|wall|checks|fits|scripts] [--holes N,N,...]
+//                    [--inserts N,N,...] [--features N,N,...] [--cuts N,N,...] [--rounds N]
+//                    [--peers 0|1]
 #include <cstdio>
 #include <exception>
 #include <optional>
@@ -20,7 +21,7 @@ struct TaskRow {
 constexpr TaskRow kTasks[] = {{"moves", measureMoves},     {"cuts", measureCuts},
                               {"idle", measureIdlePasses}, {"resolve", measureResolving},
                               {"wall", measureWall},       {"checks", measureChecks},
-                              {"fits", measureFits}};
+                              {"fits", measureFits},       {"scripts", measureScripts}};
 
 struct Arguments {
   FigureOptions figures;
@@ -46,6 +47,8 @@ std::optional<Arguments> parse(int argc, char** argv) {
       result.figures.features = numbers(value);
     } else if (name == "--holes") {
       result.figures.holes = numbers(value);
+    } else if (name == "--inserts") {
+      result.figures.inserts = numbers(value);
     } else if (name == "--cuts") {
       result.figures.cuts = numbers(value);
     } else if (name == "--rounds") {

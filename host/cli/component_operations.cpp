@@ -181,26 +181,61 @@ vdm_host::ComponentPlacement placementOf(Editing& editing, const Arguments& argu
   return placement;
 }
 
-StepResult insertComponent(Editing& editing, const Arguments& arguments) {
-  const std::string component = arguments.text("component");
-  const OdDbObjectId block = findComponentBlock(editing.drawing, component);
-  const vdm_host::ComponentPlacement placement = placementOf(editing, arguments);
+vdm_host::ComponentInsert insertOf(Editing& editing, const Arguments& arguments) {
+  vdm_host::ComponentInsert insert;
+  insert.block = findComponentBlock(editing.drawing, arguments.text("component"));
+  insert.placement = placementOf(editing, arguments);
   if (const std::string name = arguments.text("name"); !name.empty()) {
     requireFreeName(editing.drawing, name);
   }
-  vdm_host::EditResult result = editing.editor.insertComponent(block, placement);
-  requireEdited(result);
+  return insert;
+}
+
+StepResult insertedStep(const Arguments& arguments, const vdm_host::ComponentPlacement& placement,
+                        vdm_host::EditResult result) {
   const VdmFeaturePtr feature = VdmFeature::open(result.feature);
   StepResult step;
-  step.headline = "inserted " + quote(component) + " into " + solidText(placement.solid) + " at " +
-                  pointText(placement.point) + ": insert " + handleOf(result.created) +
-                  ", feature " + quote(feature.isNull() ? "" : feature->name().utf8());
+  step.headline = "inserted " + quote(arguments.text("component")) + " into " +
+                  solidText(placement.solid) + " at " + pointText(placement.point) + ": insert " +
+                  handleOf(result.created) + ", feature " +
+                  quote(feature.isNull() ? "" : feature->name().utf8());
   step.values = {{"insert", handleOf(result.created)},
                  {"feature", handleOf(result.feature)},
                  {"name", feature.isNull() ? "" : str(feature->name())},
                  {"solid", handleOf(placement.solid)}};
   step.report = std::move(result.report);
   return step;
+}
+
+StepResult insertComponent(Editing& editing, const Arguments& arguments) {
+  const vdm_host::ComponentInsert insert = insertOf(editing, arguments);
+  vdm_host::EditResult result = editing.editor.insertComponent(insert.block, insert.placement);
+  requireEdited(result);
+  return insertedStep(arguments, insert.placement, std::move(result));
+}
+
+/// The middle of a reference depends on what was cut before.
+bool dependsOnBody(const Arguments& arguments) { return !arguments.has("at"); }
+
+std::vector<StepResult> insertRow(Editing& editing, std::span<const Arguments> row) {
+  std::vector<vdm_host::ComponentInsert> inserts;
+  const auto next = [&]() -> std::optional<vdm_host::ComponentInsert> {
+    if (inserts.size() == row.size()) return {};
+    const Arguments& arguments = row[inserts.size()];
+    if (!inserts.empty() && dependsOnBody(arguments)) return {};
+    try {
+      inserts.push_back(insertOf(editing, arguments));
+    } catch (const CliError&) {  // raised again when its turn comes to run alone
+      return {};
+    }
+    return inserts.back();
+  };
+  std::vector<StepResult> steps;
+  for (vdm_host::EditResult& result : editing.editor.insertRow(next)) {
+    const std::size_t i = steps.size();
+    steps.push_back(insertedStep(row[i], inserts[i].placement, std::move(result)));
+  }
+  return steps;
 }
 
 constexpr Parameter kAddParameters[] = {
@@ -234,7 +269,7 @@ constexpr Operation kOperations[] = {
      "vdm component add plate.vdm m8 counterbore --diameter 9 --bore 15 --bore-depth 8.5",
      kAddParameters, addComponent, /*updates=*/false},
     {"insert", "Insert a component at a solid", "vdm insert plate.vdm m8 --on 21 --at 30,20,10",
-     kInsertParameters, insertComponent},
+     kInsertParameters, insertComponent, /*updates=*/true, insertRow},
 };
 
 }  // namespace

@@ -94,6 +94,10 @@ struct Operation {
   std::span<const Parameter> parameters;
   StepResult (*run)(Editing&, const Arguments&);
   bool updates = true;  ///< ends with an update pass
+  /// Does several steps with one update pass: the first ones of those given, as many as do not need
+  /// each other's outcome. Gives their results, those of run() one by one; none, and the drawing as
+  /// before, where that cannot be. Null for operations whose steps are done one by one.
+  std::vector<StepResult> (*runRow)(Editing&, std::span<const Arguments>) = nullptr;
 };
 
 /// All operations, family by family.

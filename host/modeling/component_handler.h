@@ -109,13 +109,15 @@ class ComponentHandler final : public FeatureHandler {
   [[nodiscard]] OdDbObjectIdArray componentsAt(const OdDbObjectId& solid) const;
   void fillSite(Site& site);
   OdStatus widen(Site& site);
+  static bool mayMeetOthers(const Work& work);
   static bool meets(const Work& work, ComponentPieces& stays);
   OdStatus doAnew(ComponentPieces& pieces);
   OdStatus healSite(Site& site);
   static OdStatus healWithoutResidue(const Work& work, OdDb3dSolid& solid);
   OdStatus addFills(Site& site);
   OdStatus fitTools(const Site& site);
-  OdStatus fitTool(const OdModelerBodyPtr& body, const Work& work, Tool& tool);
+  std::vector<const Tool*> takeOwn(Tools& waiting) const;
+  OdStatus fitTool(const FaceBoxes& faces, const Work& work, Tool& tool);
 
   // Results.
   bool storePieces();

@@ -10,6 +10,7 @@
 // what each reference stands for. Then faces without a reference get one, and the new residues and
 // placements are stored.
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 #include "host/modeling/component_handler.h"
@@ -32,6 +33,14 @@ OdModelerBodyPtr bodyOf(const OdDbObjectId& solid) {
 
 VdmComponentFeaturePtr openForWrite(const OdDbObjectId& feature) {
   return openComponent(feature, OdDb::kForWrite);
+}
+
+// For texts: what is as good as 0 is 0.
+OdGePoint3d withoutNoise(const OdGePoint3d& point) {
+  const auto plain = [](double value) {
+    return std::abs(value) <= OdGeTol::kDefault.equalPoint() ? 0.0 : value;
+  };
+  return {plain(point.x), plain(point.y), plain(point.z)};
 }
 
 void noteBasePlane(const VdmComponentFeature& feature, VdmComponentFeature::Placed& placed) {
@@ -281,12 +290,14 @@ void ComponentHandler::noteWithoutEffect(const Work& work) {
   const OdGeVector3d at = work.now.translation();
   const OdModelerBodyPtr body = bodyOf(work.solid);
   const OdGeExtents3d box = body ? body->extents() : OdGeExtents3d();
+  const OdGePoint3d low = withoutNoise(box.minPoint());
+  const OdGePoint3d high = withoutNoise(box.maxPoint());
   OdString text;
   text.format(
       L"at (%g, %g, %g) it changes nothing: solid %ls reaches from (%g, %g, %g) to "
       L"(%g, %g, %g)",
-      at.x, at.y, at.z, OdString(work.solid.getHandle().ascii()).c_str(), box.minPoint().x,
-      box.minPoint().y, box.minPoint().z, box.maxPoint().x, box.maxPoint().y, box.maxPoint().z);
+      at.x, at.y, at.z, OdString(work.solid.getHandle().ascii()).c_str(), low.x, low.y, low.z,
+      high.x, high.y, high.z);
   m_helper.context()->recorder.noteIdle(work.feature, text);
 }
 

@@ -67,13 +67,19 @@ void ComponentHandler::fillSite(Site& site) {
 
 OdStatus ComponentHandler::widen(Site& site) {
   for (std::size_t i = 0; i < m_work.size(); ++i) {
-    if (m_work[i].solid != site.solid) continue;
+    if (m_work[i].solid != site.solid || !mayMeetOthers(m_work[i])) continue;
     for (ComponentPieces& pieces : site.ledger.components()) {
       if (pieces.heals || !meets(m_work[i], pieces)) continue;
       if (OdStatus status = doAnew(pieces); !status.ok()) return status;
     }
   }
   return {};
+}
+
+bool ComponentHandler::mayMeetOthers(const Work& work) {
+  return work.heals || std::ranges::any_of(work.tools, [](const Tool& tool) {
+           return tool.kind == ToolKind::kFill;
+         });
 }
 
 // Whether a component that stays meets what is added or taken away with the work: a piece that was
@@ -159,20 +165,22 @@ OdStatus ComponentHandler::fitTools(const Site& site) {
   const OdDb3dSolidPtr solid = site.solid.openAs<OdDb3dSolid>();
   const OdModelerBodyPtr body = solid.isNull() ? nullptr : solid->body();
   if (!body) return {};
+  std::optional<FaceBoxes> faces;
   for (Work& work : m_work) {
     if (work.solid != site.solid) continue;
     for (Tool& tool : work.tools) {
       if (!tool.form) continue;
-      if (OdStatus status = fitTool(body, work, tool); !status.ok()) return status;
+      if (!faces) faces.emplace(body);
+      if (OdStatus status = fitTool(*faces, work, tool); !status.ok()) return status;
     }
   }
   return {};
 }
 
-OdStatus ComponentHandler::fitTool(const OdModelerBodyPtr& body, const Work& work, Tool& tool) {
+OdStatus ComponentHandler::fitTool(const FaceBoxes& faces, const Work& work, Tool& tool) {
   ToolReach reach;
   OdModelerBodyPtr made;
-  OdStatus status = fitReach(body, {*tool.form, work.now, work.base}, reach);
+  OdStatus status = fitReach(faces, {*tool.form, work.now, work.base}, reach);
   if (status.ok()) status = makeTool(*tool.form, reach, made);
   if (status.ok()) status = made->transformed(work.now, tool.body);
   if (!status.ok()) return status;
@@ -181,31 +189,42 @@ OdStatus ComponentHandler::fitTool(const OdModelerBodyPtr& body, const Work& wor
   return {};
 }
 
-bool ComponentHandler::checkTools(const OdDb3dSolidPtr& solid, Tools& waiting, Tools& tools) {
-  std::vector<OdDbObjectId> features;
-  std::vector<OdModelerBodyPtr> bodies;
-  Tools own;
+// Takes the tools of components out of those that wait, in the order of the work: queues have none.
+std::vector<const ComponentHandler::Tool*> ComponentHandler::takeOwn(Tools& waiting) const {
+  std::vector<const Tool*> own;
   Tools others;
   for (const OdDb3dSolidPtr& tool : waiting) {
     const auto found = m_toolOf.find(tool.get());
     if (found == m_toolOf.end()) {
       others.append(tool);
-      continue;
+    } else {
+      own.push_back(&found->second);
     }
-    features.push_back(found->second.feature);
-    bodies.push_back(found->second.body);
-    own.append(tool);
   }
   waiting.swap(others);
-  if (own.isEmpty()) return true;
+  std::ranges::sort(own, {}, [this](const Tool* tool) {
+    return std::pair(m_workIndex.at(tool->feature), tool->firstFace);
+  });
+  return own;
+}
+
+bool ComponentHandler::checkTools(const OdDb3dSolidPtr& solid, Tools& waiting, Tools& tools) {
+  const std::vector<const Tool*> own = takeOwn(waiting);
+  if (own.empty()) return true;
+  std::vector<OdDbObjectId> features;
+  std::vector<OdModelerBodyPtr> bodies;
+  for (const Tool* tool : own) {
+    features.push_back(tool->feature);
+    bodies.push_back(tool->body);
+  }
 
   // The pieces are taken in before the cuts are made.
   Site& site = siteOf(solid->objectId());
   OdStatus status = site.ledger.takeCuts(solid->body(), features, bodies);
   if (!status.ok()) return fail(features.front(), std::move(status));
   Tools cutting;
-  for (OdUInt32 i = 0; i < own.size(); ++i) {
-    if (site.ledger.find(features[i])->hasPiece(ToolKind::kCut)) cutting.append(own[i]);
+  for (const Tool* tool : own) {
+    if (site.ledger.find(tool->feature)->hasPiece(ToolKind::kCut)) cutting.append(tool->queued);
   }
   if (cutting.isEmpty()) return true;
 

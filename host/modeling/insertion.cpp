@@ -11,7 +11,6 @@
 
 #include "host/modeling/component_feature.h"
 #include "host/modeling/component_kind.h"
-#include "host/modeling/component_tools.h"
 #include "host/naming/subent_name.h"
 #include "platform/db/block_table_record.h"
 #include "platform/entities/block_reference.h"
@@ -20,10 +19,6 @@
 
 namespace vdm_host {
 namespace {
-
-// How far a point may be from the face in which it is said to lie, as a part of the body's
-// diagonal: what a user types with four digits.
-constexpr double kOnFace = 1e-4;
 
 OdStatus refuse(const OdString& text) { return {eInvalidInput, text}; }
 
@@ -69,62 +64,65 @@ OdGeMatrix3d componentFrame(const OdGePoint3d& point, const OdGeVector3d& direct
   return frame * OdGeMatrix3d::rotation(rotation, OdGeVector3d::kZAxis);
 }
 
-OdStatus makeInsertion(OdDbDatabase* database, const OdDbObjectId& block,
-                       const ComponentPlacement& placement, OdDbObjectId& insert,
-                       OdDbObjectId& feature) {
+OdStatus placeInsertion(const ComponentInsert& component, ComponentTools& tools,
+                        InsertionPlace& place) {
+  const ComponentPlacement& placement = component.placement;
   const OdDb3dSolidPtr solid = placement.solid.openAs<OdDb3dSolid>();
   const OdString solidText = placement.solid.getHandle().ascii();
   if (solid.isNull()) return refuse(L"object " + solidText + L" is no solid");
   const OdModelerBodyPtr body = solid->body();
   if (!body) return refuse(L"solid " + solidText + L" is empty");
-  ComponentTools tools;
-  const BlockTools& blockTools = tools.of(block);
+  const BlockTools& blockTools = tools.of(component.block);
   if (blockTools.bodies[0].empty() && blockTools.bodies[1].empty()) {
-    return refuse(L"block " + OdString(block.getHandle().ascii()) + L" is no component");
+    return refuse(L"block " + OdString(component.block.getHandle().ascii()) + L" is no component");
   }
   if (placement.direction && placement.direction->isZeroLength()) {
     return refuse(OdString(L"the direction has no length"));
   }
-
-  OdUInt32 face = 0;
   OdGeVector3d direction;
-  OdStatus status = findFace(*body, placement, face);
+  OdStatus status = findFace(*body, placement, place.face);
   if (status.ok() && placement.direction) {
     direction = *placement.direction;
   } else if (status.ok()) {
-    status = outwardNormal(*body, face, placement.point, direction);
+    status = outwardNormal(*body, place.face, placement.point, direction);
   }
   if (!status.ok()) return status;
+  place.frame = componentFrame(placement.point, direction, placement.rotation);
+  return {};
+}
 
+OdStatus makeInsertion(OdDbDatabase* database, const ComponentInsert& component,
+                       const InsertionPlace& place, OdDbObjectId& insert, OdDbObjectId& feature) {
+  const ComponentPlacement& placement = component.placement;
   OdDbBlockReferencePtr reference = OdDbBlockReference::createObject();
   reference->setDatabaseDefaults(database);
-  const OdDbObjectId space = solid->ownerId();
+  const OdDbObjectId space = placement.solid.safeOpenObject()->ownerId();
   insert = space.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite)->appendOdDbEntity(reference);
-  reference->setBlockTableRecord(block);
-  reference->setBlockTransform(componentFrame(placement.point, direction, placement.rotation));
+  reference->setBlockTableRecord(component.block);
+  reference->setBlockTransform(place.frame);
   reference.release();
 
   const bool isNamed = !placement.name.isEmpty();
   const OdDbObjectId managerId = VdmDbFeatureManager::getInstance(space, /*create=*/true);
   feature = managerId.safeOpenAs<VdmDbFeatureManager>(OdDb::kForWrite)
                 ->createFeatureData(VdmComponentFeature::desc(),
-                                    isNamed ? placement.name : componentKind(block),
+                                    isNamed ? placement.name : componentKind(component.block),
                                     /*numberGiven=*/!isNamed, /*trim=*/true);
-  const VdmComponentFeaturePtr component =
+  const VdmComponentFeaturePtr object =
       VdmComponentFeature::cast(VdmFeature::open(feature, OdDb::kForWrite));
-  if (component.isNull()) {
+  if (object.isNull()) {
     return {eModelerError, OdString(L"the feature cannot be made: its class is not loaded")};
   }
-  component->getDbObject()->assertWriteEnabled();
-  component->bind(placement.solid, insert);
-  if (face == 0) return {};
-  const OdDbFullSubentPath base(placement.solid, OdDbSubentId(OdDb::kFaceSubentType, face));
+  object->getDbObject()->assertWriteEnabled();
+  object->bind(placement.solid, insert);
+  if (place.face == 0) return {};
+  const OdDbFullSubentPath base(placement.solid, OdDbSubentId(OdDb::kFaceSubentType, place.face));
   OdDbFullSubentPathArray paths;
   paths.append(base);
   OdArray<VdmFeatureGroupFaces> groups;
   groups.append(VdmFeatureGroupFaces(VdmComponentFeature::kBaseFaceMask, paths,
                                      VdmComponentFeature::kBaseFaceTag));
-  component->init(groups);
+  object->init(groups);
   return {};
 }
 

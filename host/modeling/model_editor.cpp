@@ -4,6 +4,7 @@
 #include <chrono>
 
 #include "host/modeling/component_query.h"
+#include "host/modeling/insert_row.h"
 #include "host/modeling/insertion.h"
 #include "host/modeling/model_update.h"
 #include "host/naming/reference_query.h"
@@ -146,7 +147,14 @@ EditResult ModelEditor::insertComponent(const OdDbObjectId& block,
                                         const ComponentPlacement& placement) {
   OdDbObjectId insert;
   OdDbObjectId feature;
-  const auto make = [&] { return makeInsertion(m_database, block, placement, insert, feature); };
+  const auto make = [&] {
+    const ComponentInsert component{block, placement};
+    ComponentTools tools;
+    InsertionPlace place;
+    OdStatus status = placeInsertion(component, tools, place);
+    if (status.ok()) status = makeInsertion(m_database, component, place, insert, feature);
+    return status;
+  };
   const auto accept = [&](UpdateReport& report) -> OdStatus {
     const FeatureReport& own = report.feature(feature);
     if (own.outcome != FeatureOutcome::kIdle || placement.acceptsNoEffect) return {};
@@ -157,6 +165,18 @@ EditResult ModelEditor::insertComponent(const OdDbObjectId& block,
   result.created = insert;
   result.feature = feature;
   return result;
+}
+
+std::vector<EditResult> ModelEditor::insertRow(
+    const std::function<std::optional<ComponentInsert>()>& next) {
+  InsertRow row(m_database);
+  const auto make = [&]() -> OdStatus {
+    for (auto insert = next(); insert && row.add(*insert);) insert = next();
+    return row.isEmpty() ? refuse(OdString(L"no component can be inserted")) : OdStatus();
+  };
+  const auto accept = [&row](UpdateReport& report) { return row.accept(report); };
+  const EditResult all = edit(OdString(L"insert"), make, accept);
+  return all.ok() ? row.results(all.report) : std::vector<EditResult>();
 }
 
 EditResult ModelEditor::suppress(const OdDbObjectId& insert) {

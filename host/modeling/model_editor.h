@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "host/modeling/update_report.h"
 #include "platform/base/array.h"
@@ -43,6 +44,12 @@ struct ComponentPlacement {
   bool acceptsNoEffect = false;
 };
 
+/// A component, by its block, and where it is to be inserted.
+struct ComponentInsert {
+  OdDbObjectId block;
+  ComponentPlacement placement;
+};
+
 /// Each edit runs in one transaction of the drawing, under a journal of the solids it touches, and
 /// ends with the update pass: components are healed away and cut anew where they moved, references
 /// follow. An edit that fails, or whose pass fails, rolls back all of it.
@@ -57,6 +64,13 @@ class ModelEditor : OdNonCopyable {
 
   // Components.
   EditResult insertComponent(const OdDbObjectId& block, const ComponentPlacement& placement);
+  /// Inserts components with one pass for all of them: those that `next` gives, which is asked
+  /// until it gives none or one that needs the outcome of an earlier one (insert_row.h); that one
+  /// is left to the caller. The results and reports are those of insertComponent one by one, in
+  /// order. Empty, and the drawing as before, where they could not be: a component fails or has no
+  /// effect, other features or references are concerned. The caller then tries fewer of them.
+  [[nodiscard]] std::vector<EditResult> insertRow(
+      const std::function<std::optional<ComponentInsert>()>& next);
   /// By moving its insert to the layer "*SUPPRESS", and back to where it was. Accepts the insert or
   /// the feature.
   EditResult suppress(const OdDbObjectId& insert);
@@ -115,8 +129,8 @@ class ModelEditor : OdNonCopyable {
   bool m_inGroup = false;
 };
 
-/// Many operations of one editor as one: one step of undo, all or nothing. Each operation still
-/// ends with its own pass. Aborts in its destructor unless commit() was called; an operation that
+/// Many operations of one editor as one: one step of undo, all or nothing. Each operation ends with
+/// its own pass. Aborts in its destructor unless commit() was called; an operation that
 /// failed has rolled back itself only, and the owner of the group decides about the others.
 class EditGroup : OdNonCopyable {
  public:

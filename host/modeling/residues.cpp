@@ -20,6 +20,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/modeling/box_index.h"
+
 namespace vdm_host {
 namespace {
 
@@ -31,6 +33,12 @@ OdStatus combine(OdModelerBooleanKind kind, const OdModelerBodyPtr& a, const OdM
   if (status.code == eDegenerateGeometry) status = {};
   if (status.ok()) result = std::move(made);
   return status;
+}
+
+BoxIndex boxesOf(std::span<const OdModelerBodyPtr> bodies) {
+  BoxIndex boxes;
+  for (std::size_t i = 0; i < bodies.size(); ++i) boxes.add(bodies[i]->extents(), i);
+  return boxes;
 }
 
 }  // namespace
@@ -173,14 +181,11 @@ OdStatus ResidueLedger::takeLoners(const OdModelerBodyPtr& before,
     }
     return {};
   }
+  const BoxIndex boxes = boxesOf(loners);
   std::vector<std::vector<OdModelerBodyPtr>> parts(loners.size());
   for (const OdModelerBodyPtr& part : all->solids()) {
-    const OdGeExtents3d box = part->extents();
-    for (std::size_t i = 0; i < loners.size(); ++i) {
-      if (!overlap(box, loners[i]->extents())) continue;
-      parts[i].push_back(part);
-      break;
-    }
+    const std::vector<std::size_t> owners = boxes.meeting(part->extents());
+    if (!owners.empty()) parts[owners.front()].push_back(part);
   }
   for (std::size_t i = 0; i < loners.size() && status.ok(); ++i) {
     if (parts[i].size() == 1) {
@@ -198,11 +203,9 @@ OdStatus ResidueLedger::takeCuts(const OdModelerBodyPtr& before,
   // Tools that meet no other, and where they are in the list.
   std::vector<std::size_t> apart;
   std::vector<OdModelerBodyPtr> loners;
+  const BoxIndex boxes = boxesOf(tools);
   for (std::size_t i = 0; i < tools.size(); ++i) {
-    const auto meets = [&](const OdModelerBodyPtr& other) {
-      return other != tools[i] && overlap(tools[i]->extents(), other->extents());
-    };
-    if (std::ranges::any_of(tools, meets)) continue;
+    if (boxes.meeting(tools[i]->extents()).size() > 1) continue;
     apart.push_back(i);
     loners.push_back(tools[i]);
   }

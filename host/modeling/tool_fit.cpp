@@ -59,22 +59,18 @@ std::optional<double> heightOfBase(const ToolPlace& tool, const OdGeMatrix3d& to
 
 class Fit {
  public:
-  Fit(const OdModelerBodyPtr& body, const ToolPlace& tool)
-      : m_body(body),
+  Fit(const FaceBoxes& faces, const ToolPlace& tool)
+      : m_faces(faces),
         m_tool(tool),
         m_toTool(tool.place.inverse()),
         m_clearance(tool.form.clearance()),
         m_base(heightOfBase(tool, m_toTool)),
-        m_from(m_base.value_or(0.0)) {
-    for (OdUInt32 face = 1; face <= body->numFaces(); ++face) {
-      m_boxes.push_back(body->subentExtents({OdModelerSubentType::kFace, face}));
-      if (m_boxes.back().isValidExtents()) m_whole.addExt(m_boxes.back());
-    }
-  }
+        m_from(m_base.value_or(0.0)) {}
 
   [[nodiscard]] double below() const {
     if (m_tool.form.depth) return *m_tool.form.depth;
-    const double deepest = m_whole.isValidExtents() ? alongAxis(m_whole, m_toTool).low : 0.0;
+    const OdGeExtents3d& whole = m_faces.whole();
+    const double deepest = whole.isValidExtents() ? alongAxis(whole, m_toTool).low : 0.0;
     return std::max(-deepest, m_tool.form.boreDepth) + m_clearance;
   }
 
@@ -86,7 +82,7 @@ class Fit {
     if (status.ok()) status = continued->transformed(m_tool.place, opening);
     if (!status.ok() || !mayMeet(*opening)) return status;
     OdModelerBodyPtr met;
-    status = commonOf(m_body, opening, met);
+    status = commonOf(m_faces.body(), opening, met);
     if (!status.ok() || !met) return status;
     Span rim{m_from, m_from};
     double beyond = above;
@@ -112,13 +108,11 @@ class Fit {
   // A plane face lies in the bottom of the opening, and so do others of its plane.
   [[nodiscard]] bool mayMeet(const OdModelerBody& opening) const {
     const OdGeExtents3d box = opening.extents();
-    if (alongAxis(m_whole, m_toTool).high <= m_from + kAtFace * m_clearance) return false;
-    for (OdUInt32 face = 1; face <= m_body->numFaces(); ++face) {
-      if (!overlap(m_boxes[face - 1], box)) continue;
-      const Span span = alongAxis(m_boxes[face - 1], m_toTool);
-      if (span.high > m_from + kAtFace * m_clearance) return true;
-    }
-    return false;
+    const double atFace = m_from + kAtFace * m_clearance;
+    if (alongAxis(m_faces.whole(), m_toTool).high <= atFace) return false;
+    return std::ranges::any_of(m_faces.near(box), [&](std::size_t face) {
+      return alongAxis(m_faces.of(face), m_toTool).high > atFace;
+    });
   }
   [[nodiscard]] std::optional<Span> spanOf(const OdModelerBodyPtr& piece) const {
     OdModelerBodyPtr own;
@@ -128,22 +122,32 @@ class Fit {
     return Span{box.minPoint().z, box.maxPoint().z};
   }
 
-  const OdModelerBodyPtr& m_body;
+  const FaceBoxes& m_faces;
   const ToolPlace& m_tool;
   OdGeMatrix3d m_toTool;
   double m_clearance;
   std::optional<double> m_base;  // height of the plane face
   double m_from;                 // height from which the tool is above its face
-  std::vector<OdGeExtents3d> m_boxes;
-  OdGeExtents3d m_whole;
 };
 
 }  // namespace
 
-OdStatus fitReach(const OdModelerBodyPtr& body, const ToolPlace& tool, ToolReach& reach) {
-  Fit fit(body, tool);
+FaceBoxes::FaceBoxes(const OdModelerBodyPtr& body) : m_body(body) {
+  for (OdUInt32 face = 1; face <= body->numFaces(); ++face) {
+    m_boxes.push_back(body->subentExtents({OdModelerSubentType::kFace, face}));
+    m_index.add(m_boxes.back(), face - 1);
+    m_whole.addExt(m_boxes.back());
+  }
+}
+
+OdStatus fitReach(const FaceBoxes& faces, const ToolPlace& tool, ToolReach& reach) {
+  Fit fit(faces, tool);
   reach.below = fit.below();
   return fit.above(reach.above);
+}
+
+OdStatus fitReach(const OdModelerBodyPtr& body, const ToolPlace& tool, ToolReach& reach) {
+  return fitReach(FaceBoxes(body), tool, reach);
 }
 
 }  // namespace vdm_host

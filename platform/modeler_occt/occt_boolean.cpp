@@ -1,8 +1,8 @@
 // Booleans of solids, with their history.
 //
-// First the faces near the tools are tried alone (occt_local_split.h, occt_local_boolean.h). Where
-// they do not decide, for reasons that the history names, a boolean looks at the whole bodies, in
-// five steps:
+// Bodies that lie apart are united as they are (occt_unite_apart.h). Otherwise the faces near the
+// tools are tried alone (occt_local_split.h, occt_local_boolean.h). Where they do not decide, for
+// reasons that the history names, a boolean looks at the whole bodies, in five steps:
 //   1. intersect: all inputs are divided where they meet;
 //   2. select: the operation keeps the parts that it asks for;
 //   3. join (occt_simplify.h): faces of one surface and edges of one curve that the operation
@@ -21,6 +21,7 @@
 #include <BRepAlgoAPI_Common.hxx>
 #include <BRepAlgoAPI_Cut.hxx>
 #include <BRepAlgoAPI_Fuse.hxx>
+#include <BRepTools_History.hxx>
 #include <BRep_Builder.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopTools_ListOfShape.hxx>
@@ -39,6 +40,7 @@
 #include "platform/modeler_occt/occt_operations.h"
 #include "platform/modeler_occt/occt_removed_part.h"
 #include "platform/modeler_occt/occt_simplify.h"
+#include "platform/modeler_occt/occt_unite_apart.h"
 
 namespace od_occt {
 namespace {
@@ -295,6 +297,20 @@ class Combination {
   OdString m_whyWhole;
 };
 
+// Null where the bodies meet, or may meet, or the modeller fails.
+OdModelerBodyPtr unitedApart(std::span<const OdModelerBodyPtr> inputs, OdModelerHistory& fates) {
+  OdModelerBodyPtr result;
+  const OdStatus status = guarded("unite", [&]() -> OdStatus {
+    const std::shared_ptr<const Body> whole = uniteApart(inputs);
+    if (!whole) return {};
+    const Handle(BRepTools_History) nothingChanged = new BRepTools_History;
+    fates = collectHistory(*nothingChanged, inputs, *whole);
+    result = whole->withAttributes(inheritAttributes(inputs, fates));
+    return {};
+  });
+  return status.ok() ? result : nullptr;
+}
+
 }  // namespace
 
 OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
@@ -304,7 +320,16 @@ OdStatus boolean(OdModelerBooleanKind kind, const OdModelerBodyPtr& base,
   inputs.insert(inputs.end(), tools.begin(), tools.end());
   if (OdStatus status = checkInputs(kind, inputs); !status.ok()) return status;
   OdModelerHistory fates;
-  OdStatus status = Combination(kind, inputs, options, kept, history != nullptr).run(result, fates);
+  const bool mayBeApart =
+      kind == OdModelerBooleanKind::kUnite && options.reach == OdOcctReach::kLocal;
+  // What is kept stays for the cut with what is united here.
+  const OdModelerBodyPtr apart = mayBeApart ? unitedApart(inputs, fates) : nullptr;
+  OdStatus status;
+  if (apart) {
+    result = apart;
+  } else {
+    status = Combination(kind, inputs, options, kept, history != nullptr).run(result, fates);
+  }
   if (status.ok() && history != nullptr) *history = std::move(fates);
   return status;
 }

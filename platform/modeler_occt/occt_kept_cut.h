@@ -38,17 +38,20 @@ struct FinishedBoolean {
 /// Why the kept cut is right: it is given out for the same input bodies only, by identity and in
 /// their order. Bodies never change, and they are held, so that no other body can come to lie at
 /// the address of one of them. A subtraction within the modeller's own tolerance depends on nothing
-/// else.
+/// else. A split depends on the solids of the tools alone: it also serves tools that are the very
+/// same solids in one body, as those that were united because they lie apart.
 ///
 /// It lives until the next boolean of the modeller, which takes or drops it, and so holds the
-/// memory of one operation at most. Safe to use from several threads: the boolean of another thread
-/// drops what is kept, which costs time and never changes a result.
+/// memory of one operation at most; only a union of bodies that lie apart leaves it. Safe to use
+/// from several threads: the boolean of another thread drops what is kept, which costs time and
+/// never changes a result.
 class KeptCut {
  public:
   /// Replaces what is kept. `cut` is the subtraction of the other inputs from the first one, not
   /// simplified.
   void keep(std::span<const OdModelerBodyPtr> inputs, FinishedBoolean cut);
-  /// The kept cut of these inputs; empty when there is none. Nothing is kept afterwards.
+  /// The kept cut of these inputs, or its split for the same solids in other bodies; empty when
+  /// there is none. Nothing is kept afterwards.
   [[nodiscard]] FinishedBoolean take(std::span<const OdModelerBodyPtr> inputs);
 
  private:
