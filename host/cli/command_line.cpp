@@ -20,6 +20,7 @@
 #include "host/cli/export_command.h"
 #include "host/cli/import_command.h"
 #include "host/cli/info_command.h"
+#include "host/cli/inspect_command.h"
 #include "host/cli/new_command.h"
 #include "host/cli/property_text.h"
 #include "host/cli/props_command.h"
@@ -38,6 +39,7 @@ struct CommandLine : CommandRun {
   NewOptions newDrawing;
   ImportOptions importStep;
   InfoOptions info;
+  InspectOptions inspect;
   TreeOptions tree;
   PropsOptions props;
   std::string propsValue;
@@ -120,6 +122,37 @@ void addReaders(CLI::App& app, CommandLine& line) {
                               "vdm dump before.vdm > before.txt");
   addInput(dump, line.dump.input);
   setAction(dump, line, runDump, line.dump);
+}
+
+/// A command that looks into the solids of a drawing.
+CLI::App* addInspector(CLI::App& app, CommandLine& line, const char* name, const char* purpose,
+                       const char* example,
+                       int (*action)(const SessionSettings&, const InspectOptions&)) {
+  CLI::App* command = addCommand(app, line, name, purpose, example);
+  addInput(command, line.inspect.input);
+  command
+      ->add_option("SOLID", line.inspect.solid, "solid, a name or handle; all of them by default")
+      ->type_name("");
+  setAction(command, line, action, line.inspect);
+  return command;
+}
+
+void addInspectors(CLI::App& app, CommandLine& line) {
+  CLI::App* selecting[] = {
+      addInspector(app, line, "faces", "List faces with kind, size, place and names",
+                   "vdm faces plate.vdm --where 'plane & normal=z & highest'", runFaces),
+      addInspector(app, line, "edges", "List edges with kind, size, place and names",
+                   "vdm edges plate.vdm --where 'of top & convex'", runEdges),
+      addInspector(app, line, "vertices", "List vertices with their places and names",
+                   "vdm vertices plate.vdm --where 'near 10,20,0'", runVertices)};
+  for (CLI::App* command : selecting) {
+    command->add_option("--where", line.inspect.where, "selector: show only what it chooses")
+        ->type_name("SELECTOR");
+  }
+  CLI::App* holes =
+      addInspector(app, line, "holes", "Recognise holes, slots and pockets with sizes and patterns",
+                   "vdm holes plate.vdm --csv", runHoles);
+  holes->add_flag("--csv", line.inspect.csv, "print comma-separated values");
 }
 
 using PropsAction = int (*)(const SessionSettings&, const PropsOptions&);
@@ -319,6 +352,7 @@ int runCommandLine(int argc, char** argv) {
   addNew(app, line);
   addImport(app, line);
   addReaders(app, line);
+  addInspectors(app, line);
   addProps(app, line);
   addExport(app, line);
   addKeepers(app, line);

@@ -7,6 +7,7 @@
 #include "host/cli/model_lookup.h"
 #include "host/cli/new_name.h"
 #include "host/cli/operation.h"
+#include "host/cli/subent_choice.h"
 #include "host/cli/text_lines.h"
 #include "host/modeling/component_library.h"
 #include "platform/db/block_table_record.h"
@@ -135,10 +136,19 @@ OdGePoint3d middleOf(const OdModelerBody& body, OdModelerSubent subent) {
   return body.vertex(subent.index).point;
 }
 
-bool isSolidHandle(OdDbDatabase& drawing, const std::string& text) {
+bool isSolid(OdDbDatabase& drawing, const std::string& text) {
   OdDbHandle handle;
   return featuresNamed(drawing, text).empty() && OdDbHandle::parse(text.c_str(), handle) &&
          !drawing.getOdDbObjectId(handle).openAs<OdDb3dSolid>().isNull();
+}
+
+void placeOnSubent(const OdDbObjectId& solid, OdModelerSubent subent,
+                   vdm_host::ComponentPlacement& placement) {
+  placement.solid = solid;
+  if (subent.type == OdModelerSubentType::kFace) {
+    placement.face = OdDbSubentId(OdDb::kFaceSubentType, subent.index);
+  }
+  placement.point = middleOf(*bodyOfSolid(solid), subent);
 }
 
 /// Solid, face and middle of the reference that receives the component.
@@ -153,17 +163,19 @@ void placeOnReference(Editing& editing, const std::string& on,
   placement.solid = found.solid;
   const OdDbSubentId& subent = found.path.subentId();
   if (subent.type() == OdDb::kNullSubentType) return;
-  if (subent.type() == OdDb::kFaceSubentType) placement.face = subent;
-  placement.point = middleOf(
-      *bodyOfSolid(found.solid),
-      {static_cast<OdModelerSubentType>(subent.type()), static_cast<OdUInt32>(subent.index())});
+  placeOnSubent(
+      found.solid,
+      {static_cast<OdModelerSubentType>(subent.type()), static_cast<OdUInt32>(subent.index())},
+      placement);
 }
 
 vdm_host::ComponentPlacement placementOf(Editing& editing, const Arguments& arguments) {
   vdm_host::ComponentPlacement placement;
   const std::string on = arguments.text("on");
-  const bool isSolid = isSolidHandle(editing.drawing, on);
-  if (isSolid) {
+  if (isSubentChoice(on)) {
+    const SubentChoice choice = chooseSubents(editing.drawing, on);
+    placeOnSubent(choice.solid, onlyOne(choice.subents, on), placement);
+  } else if (isSolid(editing.drawing, on)) {
     placement.solid = findSolid(editing.drawing, on);
     if (!arguments.has("at")) {
       throw CliError("no point (at) is given on solid " + on, kWrongUsage);
@@ -255,7 +267,8 @@ constexpr Parameter kAddParameters[] = {
 };
 constexpr Parameter kInsertParameters[] = {
     {"component", Kind::kText, true, true, "name of the component"},
-    {"on", Kind::kText, false, true, "solid (handle), or reference (name or handle)"},
+    {"on", Kind::kText, false, true,
+     "solid (handle), reference (name or handle), f_12, or a selector: 'face: highest'"},
     {"at", Kind::kPoint, false, false, "point; the middle of the reference by default"},
     {"direction", Kind::kPoint, false, false,
      "out of the material; the normal of the face by default"},

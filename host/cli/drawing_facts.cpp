@@ -5,6 +5,7 @@
 
 #include "host/cli/find_object.h"
 #include "host/cli/text_lines.h"
+#include "host/modeling/component_library.h"
 #include "platform/base/error.h"
 #include "platform/db/block_table.h"
 #include "platform/db/layer_table.h"
@@ -130,6 +131,27 @@ DrawingFacts gatherFacts(OdDbDatabase& drawing) {
   facts.units = unitsName(drawing);
   facts.unitsSymbol = str(oddbUnitsSymbol(drawing.getINSUNITS()));
   return facts;
+}
+
+std::vector<OdDbObjectId> shownSolids(OdDbDatabase& drawing) {
+  std::vector<OdDbObjectId> solids;
+  drawing.forEachId([&solids](OdDbObjectId id) {
+    if (isShownSolid(id)) solids.push_back(id);
+    return true;
+  });
+  return solids;
+}
+
+std::vector<OdDbObjectId> partSolids(OdDbDatabase& drawing) {
+  std::vector<OdDbObjectId> tools;
+  for (const vdm_host::ComponentInfo& component : vdm_host::listComponents(&drawing)) {
+    tools.push_back(component.block);
+  }
+  std::vector<OdDbObjectId> solids = shownSolids(drawing);
+  std::erase_if(solids, [&tools](const OdDbObjectId& solid) {
+    return std::ranges::find(tools, solid.ownerId()) != tools.end();
+  });
+  return solids;
 }
 
 DrawingCounts countDrawing(OdDbDatabase& drawing) {

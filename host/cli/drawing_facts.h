@@ -61,6 +61,11 @@ struct DrawingCounts {
 };
 [[nodiscard]] DrawingCounts countDrawing(OdDbDatabase& drawing);
 
+/// The solids of all blocks, in rising handle order; those that features own are no part of them.
+[[nodiscard]] std::vector<OdDbObjectId> shownSolids(OdDbDatabase& drawing);
+/// Those of them that are parts, not tools in the blocks of components.
+[[nodiscard]] std::vector<OdDbObjectId> partSolids(OdDbDatabase& drawing);
+
 /// Unit of the coordinates of an entity: that of its block, or of the drawing where the block has
 /// none of its own.
 [[nodiscard]] OdDb::UnitsValue lengthUnitsOf(const OdDbEntity& entity);

@@ -7,9 +7,11 @@
 #include "host/cli/model_lookup.h"
 #include "host/cli/operation.h"
 #include "host/cli/paths.h"
+#include "host/cli/subent_choice.h"
 #include "host/cli/text_lines.h"
 #include "host/modeling/step_solids.h"
 #include "host/naming/dependencies_into.h"
+#include "host/naming/subent_name.h"
 
 namespace cli {
 
@@ -122,35 +124,70 @@ StepResult replace(Editing& editing, const Arguments& arguments) {
   return step;
 }
 
-std::vector<OdDbObjectId> edgesOf(Editing& editing, const Arguments& arguments) {
-  std::vector<OdDbObjectId> edges;
-  for (const std::string& text : arguments.texts("edges")) {
-    edges.push_back(findReference(editing.drawing, text));
+/// Edges of one solid.
+struct ChosenEdges {
+  OdDbObjectId solid;
+  std::vector<OdUInt32> edges;  ///< each once
+
+  void add(const OdDbObjectId& its, OdModelerSubent subent, const std::string& text) {
+    if (subent.type != OdModelerSubentType::kEdge) {
+      throw CliError(quote(text) + " is " + str(vdm_host::subentName(subent)) + ", no edge");
+    }
+    if (!solid.isNull() && solid != its) {
+      throw CliError(quote(text) + " lies on solid " + solidText(its) + ", the edges before on " +
+                     solidText(solid));
+    }
+    solid = its;
+    if (std::ranges::find(edges, subent.index) == edges.end()) edges.push_back(subent.index);
   }
-  return edges;
+};
+
+void addReferenceTo(ChosenEdges& chosen, const OdDbObjectId& reference, const std::string& text) {
+  const vdm_host::ResolvedReference found = vdm_host::resolveReference(reference);
+  if (!found.resolved()) {
+    throw CliError("reference " + quote(text) + " is " + str(vdm_host::gradeName(found.grade)) +
+                   (found.note.isEmpty() ? "" : ": " + str(found.note)));
+  }
+  const OdDbSubentId& subent = found.path.subentId();
+  chosen.add(
+      found.solid,
+      {static_cast<OdModelerSubentType>(subent.type()), static_cast<OdUInt32>(subent.index())},
+      text);
+}
+
+ChosenEdges edgesOf(Editing& editing, const Arguments& arguments) {
+  ChosenEdges chosen;
+  for (const std::string& text : arguments.texts("edges")) {
+    if (!isSubentChoice(text)) {
+      addReferenceTo(chosen, findReference(editing.drawing, text), text);
+      continue;
+    }
+    const SubentChoice choice = chooseSubents(editing.drawing, text);
+    for (const OdModelerSubent subent : choice.subents) chosen.add(choice.solid, subent, text);
+  }
+  return chosen;
 }
 
 /// An operation that replaces edges of a solid by faces, and the words of its headline.
 struct BlendKind {
-  EditResult (vdm_host::ModelEditor::*run)(std::span<const OdDbObjectId> edges, double size);
+  EditResult (vdm_host::ModelEditor::*run)(const OdDbObjectId& solid,
+                                           std::span<const OdUInt32> edges, double size);
   const char* size;  ///< the parameter
   const char* done;
   const char* by;
 };
-constexpr BlendKind kFillet{&vdm_host::ModelEditor::filletReferences, "radius", "rounded",
+constexpr BlendKind kFillet{&vdm_host::ModelEditor::filletEdges, "radius", "rounded",
                             "with radius"};
-constexpr BlendKind kChamfer{&vdm_host::ModelEditor::chamferReferences, "distance", "chamfered",
-                             "by"};
+constexpr BlendKind kChamfer{&vdm_host::ModelEditor::chamferEdges, "distance", "chamfered", "by"};
 
 template <const BlendKind& kind>
 StepResult blend(Editing& editing, const Arguments& arguments) {
-  const std::vector<OdDbObjectId> edges = edgesOf(editing, arguments);
+  const ChosenEdges chosen = edgesOf(editing, arguments);
   const double size = arguments.number(kind.size);
-  const OdDbObjectId solid = vdm_host::resolveReference(edges.front()).solid;
-  return edited((editing.editor.*kind.run)(edges, size),
-                std::string(kind.done) + " " + counted(edges.size(), "edge") + " of " +
-                    solidText(solid) + " " + kind.by + " " + roundedNumber(size),
-                solid);
+  return edited((editing.editor.*kind.run)(chosen.solid, chosen.edges, size),
+                std::string(kind.done) + " " + counted(chosen.edges.size(), "edge") + " of " +
+                    solidText(chosen.solid) + " " + kind.by + " " + roundedNumber(size),
+                chosen.solid);
 }
 
 StepResult update(Editing& editing, const Arguments& arguments) {
@@ -182,16 +219,18 @@ constexpr Parameter kSuppressParameters[] = {
     {"when", Kind::kText, false, false, "expression: from now on while it is not 0"},
 };
 constexpr Parameter kReplaceParameters[] = {
-    {"solid", Kind::kText, true, true, "solid, a handle"},
+    {"solid", Kind::kText, true, true, "solid, a name or handle"},
     {"file", Kind::kFile, true, true, "STEP file with one solid"},
     kEncodingParameter,
 };
 constexpr Parameter kFilletParameters[] = {
-    {"edges", Kind::kTexts, true, true, "references to edges of one solid, names or handles"},
+    {"edges", Kind::kTexts, true, true,
+     "edges of one solid: names of references, e_3, or selectors: 'edge: of top & convex'"},
     {"radius", Kind::kNumber, false, true, "of the rounding"},
 };
 constexpr Parameter kChamferParameters[] = {
-    {"edges", Kind::kTexts, true, true, "references to edges of one solid, names or handles"},
+    {"edges", Kind::kTexts, true, true,
+     "edges of one solid: names of references, e_3, or selectors: 'edge: of top & convex'"},
     {"distance", Kind::kNumber, false, true, "from the edge"},
 };
 constexpr Parameter kUpdateParameters[] = {

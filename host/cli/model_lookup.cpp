@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "host/cli/cli_error.h"
+#include "host/cli/drawing_facts.h"
 #include "host/cli/find_object.h"
 #include "host/cli/text_lines.h"
 #include "host/modeling/component_library.h"
@@ -40,6 +41,24 @@ OdDbObjectId featureNamed(OdDbDatabase& drawing, const std::string& name) {
 bool isSuppressed(const VdmFeature* feature) {
   const auto* component = dynamic_cast<const VdmComponentFeature*>(feature);
   return component != nullptr && component->state() == VdmComponentFeature::kStateSuppressed;
+}
+
+/// The one solid whose body has the name; null when there is none.
+OdDbObjectId solidNamed(OdDbDatabase& drawing, const std::string& name) {
+  std::vector<OdDbObjectId> found;
+  const OdString wanted(name);
+  for (const OdDbObjectId& id : shownSolids(drawing)) {
+    const OdDb3dSolidPtr solid = id.openAs<OdDb3dSolid>();
+    OdModelerBodyPtr body;
+    if (solid.isNull() || !solid->getBody(body).ok() || !body) continue;
+    if (body->attributes().name == wanted) found.push_back(id);
+  }
+  if (found.size() > 1) {
+    throw CliError(counted(found.size(), "solid") + " have the name " + quote(name) +
+                   ", the first two are " + handleOf(found[0]) + " and " + handleOf(found[1]) +
+                   ", use a handle");
+  }
+  return found.empty() ? OdDbObjectId() : found.front();
 }
 
 bool isHandle(const std::string& text) {
@@ -82,7 +101,13 @@ std::vector<OdDbObjectId> featuresNamed(OdDbDatabase& drawing, const std::string
 }
 
 OdDbObjectId findSolid(OdDbDatabase& drawing, const std::string& text) {
-  const OdDbObjectPtr object = openByHandle(drawing, text, OdDb::kForRead);
+  OdDbHandle handle;
+  const bool isHandled = OdDbHandle::parse(text.c_str(), handle) &&
+                         !drawing.getOdDbObjectId(handle).openAs<OdDb3dSolid>().isNull();
+  if (!isHandled) {
+    if (const OdDbObjectId named = solidNamed(drawing, text); !named.isNull()) return named;
+  }
+  const OdDbObjectPtr object = openNamed(drawing, text, "solid");
   if (!object->isKindOf(OdDb3dSolid::desc())) refuseKind(*object, "a solid");
   return object->objectId();
 }

@@ -5,6 +5,7 @@
 #include "host/cli/model_lookup.h"
 #include "host/cli/new_name.h"
 #include "host/cli/operation.h"
+#include "host/cli/subent_choice.h"
 #include "host/cli/text_lines.h"
 #include "host/naming/name_feature.h"
 #include "host/naming/subent_name.h"
@@ -39,37 +40,37 @@ OdModelerSubentType wantedType(const Arguments& arguments) {
   return type;
 }
 
-OdModelerSubent chosenSubent(const OdModelerBody& body, const std::string& solid,
+OdModelerSubent chosenSubent(OdDbDatabase& drawing, const OdDbObjectId& solid,
                              const Arguments& arguments) {
-  const std::string name = arguments.text("subentity");
-  if (arguments.has("at") == !name.empty()) {
-    throw CliError(name.empty() ? "neither a subentity such as f_12 nor a point (at) is given"
-                                : "both " + quote(name) + " and a point (at) are given",
-                   kWrongUsage);
+  const std::string choice = arguments.text("subentity");
+  if (arguments.has("at") == !choice.empty()) {
+    throw CliError(
+        choice.empty()
+            ? "neither a subentity such as f_12 or 'face: highest' nor a point (at) is given"
+            : "both " + quote(choice) + " and a point (at) are given",
+        kWrongUsage);
   }
-  OdModelerSubent subent;
   const OdModelerSubentType type = wantedType(arguments);
-  if (name.empty()) {
-    const double tolerance = kNear * body.extents().diagonal().length();
-    requireModelled(vdm_host::findSubentNear(body, arguments.point("at"), type, tolerance, subent));
+  if (choice.empty()) {
+    const OdModelerBodyPtr body = bodyOfSolid(solid);
+    const double tolerance = kNear * body->extents().diagonal().length();
+    OdModelerSubent subent;
+    requireModelled(
+        vdm_host::findSubentNear(*body, arguments.point("at"), type, tolerance, subent));
     return subent;
   }
-  if (!vdm_host::parseSubentName(OdString(name), subent)) {
-    throw CliError("subentity " + quote(name) + " is none of f_<number>, e_<number>, v_<number>",
+  if (!isSubentChoice(choice)) {
+    throw CliError("subentity " + quote(choice) +
+                       " is none of f_<number>, e_<number>, v_<number>, and no selector such as "
+                       "'face: plane & highest'",
                    kWrongUsage);
   }
-  if (!body.hasSubent(subent)) {
-    throw CliError("solid " + solid + " has no " + name + ": it has " +
-                   counted(body.numFaces(), "face") + ", " + counted(body.numEdges(), "edge") +
-                   " and " + std::to_string(body.numVertices()) + " vertices");
-  }
-  return subent;
+  return onlyOne(chooseSubents(drawing, solid, choice), choice);
 }
 
 StepResult addReference(Editing& editing, const Arguments& arguments) {
   const OdDbObjectId solid = findSolid(editing.drawing, arguments.text("solid"));
-  const OdModelerBodyPtr body = bodyOfSolid(solid);
-  const OdModelerSubent subent = chosenSubent(*body, solidText(solid), arguments);
+  const OdModelerSubent subent = chosenSubent(editing.drawing, solid, arguments);
   const std::string name = arguments.text("name");
   if (arguments.has("name")) {
     requireFreeName(editing.drawing, name);
@@ -140,8 +141,9 @@ StepResult removeReference(Editing& editing, const Arguments& arguments) {
 }
 
 constexpr Parameter kAddParameters[] = {
-    {"solid", Kind::kText, true, true, "solid, a handle"},
-    {"subentity", Kind::kText, true, false, "f_12, e_3 or v_7, as lists and errors name them"},
+    {"solid", Kind::kText, true, true, "solid, a name or handle"},
+    {"subentity", Kind::kText, true, false,
+     "f_12, e_3 or v_7, as lists name them, or a selector: 'face: plane & highest'"},
     {"at", Kind::kPoint, false, false, "what lies at this point instead"},
     {"face", Kind::kFlag, false, false, "a face, where several things lie at the point"},
     {"edge", Kind::kFlag, false, false, "an edge"},

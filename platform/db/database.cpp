@@ -15,8 +15,6 @@
 OD_RX_DEFINE_ABSTRACT(OdDbDatabase, OdRxObject, L"OdDbDatabase")
 OD_RX_DEFINE_ABSTRACT(OdDbDatabaseReactor, OdRxObject, L"OdDbDatabaseReactor")
 
-namespace {}
-
 // The inside.
 
 OdDbDatabaseImpl::OdDbDatabaseImpl(OdDbDatabase* owner, OdDbHostAppServices* host)

@@ -200,7 +200,7 @@ TEST_F(RefusedCommand, EditsOfModels) {
   prepare("vdm component add part.vdm h hole --diameter 9");
   prepare("cp part.vdm far.vdm && vdm move far.vdm 21 --by 0,0,-9e7");
   expectRefused({
-      {"vdm refs add part.vdm 21", 2, "neither a subentity such as f_12 nor a point*"},
+      {"vdm refs add part.vdm 21", 2, "neither a subentity such as f_12 or *nor a point*"},
       {"vdm refs add part.vdm 21 f_99", 1, "solid 21 'plate' has no f_99: it has 10 faces, *"},
       {"vdm refs add part.vdm 21 x_1", 2, "subentity 'x_1' is none of f_<number>, *"},
       {"vdm refs add part.vdm 21 f_1 --name top", 1, "name 'top' is taken by feature 'top' (*)"},

@@ -54,6 +54,11 @@ class OdDbDatabaseReactorTest : public CoreTest {
     database->addReactor(&m_recorder);
     database->startUndoRecord();
   }
+  /// The drawing outlives the recorder.
+  void TearDown() override {
+    if (!database.isNull()) database->removeReactor(&m_recorder);
+    CoreTest::TearDown();
+  }
 
   OdStaticRxObject<Recorder> m_recorder;
 };
