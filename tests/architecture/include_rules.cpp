@@ -217,8 +217,8 @@ std::vector<FolderRule> makeFolderRules() {
   std::vector<std::string_view> everything;
   for (const FolderRule& rule : table) everything.push_back(rule.folder);
   addRooms(table, everything,
-           {"host/supervision", "host/naming", "host/modeling", "host/parameters", "host/rendering",
-            "host/module", "host/cli"});
+           {"host/supervision", "host/naming", "host/inspect", "host/modeling", "host/parameters",
+            "host/rendering", "host/module", "host/cli"});
   return table;
 }
 
