@@ -73,3 +73,15 @@ OdUInt32 ComponentDrawing::topFace() const {
   }
   return best;
 }
+
+std::vector<vdm_host::EditResult> insertTogether(
+    vdm_host::ModelEditor& editor, const std::vector<vdm_host::ComponentInsert>& inserts) {
+  auto next = inserts.begin();
+  std::vector<vdm_host::EditResult> results =
+      editor.insertRow([&]() -> std::optional<vdm_host::ComponentInsert> {
+        if (next == inserts.end()) return {};
+        return *next++;
+      });
+  if (results.size() != inserts.size()) throw std::runtime_error("the inserts are not one row");
+  return results;
+}

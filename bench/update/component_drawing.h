@@ -28,3 +28,7 @@ struct ComponentDrawing {
   /// The number of the plane face that looks up and lies highest.
   [[nodiscard]] OdUInt32 topFace() const;
 };
+
+/// Inserts all of them with one pass. Raises std::runtime_error where they are not one row.
+std::vector<vdm_host::EditResult> insertTogether(
+    vdm_host::ModelEditor& editor, const std::vector<vdm_host::ComponentInsert>& inserts);

@@ -83,12 +83,14 @@ class Plate {
         m_drawing(kPitch * static_cast<double>(m_columns), kPitch * static_cast<double>(m_columns),
                   kDiameter),
         m_editor(m_drawing.database) {
+    const OdUInt32 top = m_drawing.topFace();
+    std::vector<vdm_host::ComponentInsert> inserts;
     for (std::size_t i = 0; i < holes; ++i) {
       m_places.emplace_back(kPitch * (static_cast<double>(i % m_columns) + 0.5),
                             kPitch * (static_cast<double>(i / m_columns) + 0.5), 10.0);
-      const auto result = m_editor.insertComponent(
-          m_drawing.hole, m_drawing.at(m_places[i].x, m_places[i].y, m_drawing.topFace()));
-      require(result);
+      inserts.push_back({m_drawing.hole, m_drawing.at(m_places[i].x, m_places[i].y, top)});
+    }
+    for (const auto& result : insertTogether(m_editor, inserts)) {
       m_inserts.push_back(result.created);
     }
   }
