@@ -226,8 +226,10 @@ StepResult insertComponent(Editing& editing, const Arguments& arguments) {
   return insertedStep(arguments, insert.placement, std::move(result));
 }
 
-/// The middle of a reference depends on what was cut before.
-bool dependsOnBody(const Arguments& arguments) { return !arguments.has("at"); }
+/// The middle of a reference depends on what was cut before, and so does what a selector chooses.
+bool dependsOnBody(const Arguments& arguments) {
+  return !arguments.has("at") || isSubentChoice(arguments.text("on"));
+}
 
 std::vector<StepResult> insertRow(Editing& editing, std::span<const Arguments> row) {
   std::vector<vdm_host::ComponentInsert> inserts;
