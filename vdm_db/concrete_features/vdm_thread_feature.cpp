@@ -1,8 +1,6 @@
 // Features that record a thread.
 #include "vdm_db/concrete_features/vdm_thread_feature.h"
 
-#include <cmath>
-
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/features/vdm_db_feature_data.h"
 #include "vdm_db/features/vdm_feature_results.h"
@@ -37,7 +35,7 @@ double VdmThreadFeature::size(const OdString& key) const {
 }
 
 OdResult VdmThreadFeature::setSize(const OdString& key, double size) {
-  if (!std::isfinite(size) || size < 0) return kVdmValueRefused;
+  if (size < 0) return kVdmValueRefused;
   bagForWrite().setProperty(key, size);
   return eOk;
 }

@@ -7,7 +7,7 @@
 
 /// Records a thread: the faces that it is cut into (mask 1), the edges where it begins (mask 2),
 /// and its sizes in drawing units. The sizes are in the carrier's bag alone. Setters of sizes
-/// refuse what is negative or not finite with the result 5, and nothing changes then.
+/// refuse what is negative with the result 5, and nothing changes then.
 class VDM_DB_EXPORT VdmThreadFeature : public VdmFeature {
  public:
   VDM_DECLARE_FEATURE_MEMBERS(VdmThreadFeature)

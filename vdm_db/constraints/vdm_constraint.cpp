@@ -1,7 +1,6 @@
 // Constraints: their arguments and properties, and the signals of their changes.
 #include "vdm_db/constraints/vdm_constraint.h"
 
-#include <cmath>
 #include <utility>
 
 #include "platform/base/error.h"
@@ -131,12 +130,6 @@ bool VdmConstraint::isAngularDimension() const {
 
 void VdmConstraint::setUserValue(double value) {
   if (!isParametric()) return;
-  if (!std::isfinite(value)) {
-    OdString text;
-    text.format(L"value %g of constraint %ls, present value %g", value, m_name.c_str(),
-                m_userValue);
-    throw OdError(eInvalidInput, text);
-  }
   change([&] { m_userValue = value; });
 }
 

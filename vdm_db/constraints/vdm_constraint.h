@@ -80,8 +80,7 @@ class VDM_DB_EXPORT VdmConstraint : public OdRxObject {
   [[nodiscard]] bool isLinearDimension() const;
   [[nodiscard]] bool isAngularDimension() const;
   [[nodiscard]] double userValue() const { return m_userValue; }
-  /// Nothing happens unless the constraint is parametric. Raises eInvalidInput for a value that is
-  /// not finite.
+  /// Nothing happens unless the constraint is parametric.
   void setUserValue(double value);
   /// Id of the variable that carries the value; null without one.
   [[nodiscard]] OdDbObjectId userVariable() const;

@@ -5,10 +5,14 @@
 #include <array>
 #include <iterator>
 
+#include "platform/db/block_table.h"
+#include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
 #include "platform/db/dictionary.h"
 #include "platform/db/layer_table.h"
 #include "platform/db/linetype_table.h"
+#include "platform/db/locked_layers.h"
+#include "platform/db/open_upgrade.h"
 #include "platform/db/visual_style.h"
 #include "vdm_db/drafting/vdm_db_istandard_line_type_loader.h"
 #include "vdm_db/drafting/vdm_drafting_layers.h"
@@ -88,6 +92,20 @@ void copySettings(OdDbLayerTableRecord& to, const OdDbLayerTableRecord& from) {
   to.setIsLocked(from.isLocked());
 }
 
+void moveEntities(OdDbDatabase* database, const OdDbObjectId& from, const OdDbObjectId& to) {
+  const OdDbLockedLayerAccess access(database);
+  const auto blocks = database->getBlockTableId().safeOpenAs<OdDbBlockTable>();
+  for (const auto block = blocks->newIterator(); !block->done(); block->step()) {
+    const auto record = block->getRecordId().safeOpenAs<OdDbBlockTableRecord>();
+    for (const auto it = record->newIterator(); !it->done(); it->step()) {
+      const auto entity = it->objectId().openAs<OdDbEntity>();
+      if (entity.isNull() || entity->layerId() != from) continue;
+      const OdDbOpenUpgrade upgrade(entity);
+      entity->setLayer(to);
+    }
+  }
+}
+
 }  // namespace
 
 OdDbObjectId VdmDbLayerHelper::getLayer(Type type, const OdString& name, const OdString& style,
@@ -112,11 +130,12 @@ OdDbObjectId VdmDbLayerHelper::getLayer(Type type, const OdString& name, const O
       });
   const OdString* older = olderLayerOf(type, name);
   if (created && older != nullptr) copyLayerSettings(name, *older);
+  if (created && isTrailing(name)) removeTrailingLayer();
   return layer;
 }
 
 // Law 3. Null when there is no older layer, and when one of the present layers is there: that one
-// may have entities of its own, and the older layer keeps its.
+// may have entities of its own.
 OdDbObjectId VdmDbLayerHelper::adoptTrailingLayer(const OdString& name) {
   const OdDbLayerTablePtr table = openLayers(m_database);
   if (table.isNull() || table->has(VM_MECHANICAL_DRAFTING_VIS_TRAIL_GEOMETRY) ||
@@ -131,6 +150,14 @@ OdDbObjectId VdmDbLayerHelper::adoptTrailingLayer(const OdString& name) {
       vdmu::findOrAddLayer(m_database, VM_MECHANICAL_DRAFTING_HID_TRAIL_GEOMETRY,
                            [&](OdDbLayerTableRecord& record) { copySettings(record, *older); });
   return name.iCompare(VM_MECHANICAL_DRAFTING_HID_TRAIL_GEOMETRY) == 0 ? hidden : older->objectId();
+}
+
+void VdmDbLayerHelper::removeTrailingLayer() {
+  const OdDbLayerTablePtr table = openLayers(m_database);
+  const OdDbObjectId older = table->getAt(VC_MECHANICAL_MODELING_TRAILING_LINE_GEOMETRY);
+  if (older.isNull()) return;
+  moveEntities(m_database, older, table->getAt(VM_MECHANICAL_DRAFTING_VIS_TRAIL_GEOMETRY));
+  older.safeOpenObject(OdDb::kForWrite)->erase();
 }
 
 OdResult VdmDbLayerHelper::copyLayerSettings(const OdString& to, const OdString& from) {

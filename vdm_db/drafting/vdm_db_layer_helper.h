@@ -18,7 +18,8 @@ class OdDbDatabase;
 /// 3. The older layer of trailing lines becomes the two present ones: it is renamed to
 ///    "VM_Trailing_Visible", so that its entities come along, and "VM_Trailing_Hidden" is made with
 ///    the same settings. Both are there after the first of them was asked for. Where one of them
-///    was there before, the older layer stays and the other one takes over its settings.
+///    was there before, the other one takes over the settings, the entities move to
+///    "VM_Trailing_Visible", and the older layer is erased.
 class VDM_DB_EXPORT VdmDbLayerHelper {
  public:
   /// What a layer holds. Callers may use other numbers, too: for those no older layer is known.
@@ -54,6 +55,7 @@ class VDM_DB_EXPORT VdmDbLayerHelper {
 
  private:
   OdDbObjectId adoptTrailingLayer(const OdString& name);
+  void removeTrailingLayer();
 
   OdDbDatabase* m_database;
 };

@@ -109,7 +109,6 @@ OdResult VdmDbSheetMetalContext::loadBendTable(OdArray<OdString>& cells) {
       name.isEmpty() ? OdString() : drawing->appServices()->findFile(name, drawing);
   const auto extension = VdmDbSheetMetalContextPE::cast(this);
   if (extension.isNull()) return kVdmNoSource;
-  if (path.isEmpty()) return eFileNotFound;
   const OdResult result = extension->loadBendTable(this, path);
   extension->getBendTable(cells);
   return result;

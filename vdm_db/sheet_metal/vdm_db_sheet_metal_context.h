@@ -57,8 +57,8 @@ class VDM_DB_EXPORT VdmDbSheetMetalContext : public OdDbObject, public VdmSheetM
   // ---- Bend tables of the host
 
   /// Finds the bend table of the unfolding option as the host finds files, has the host load it,
-  /// and gives its cells. 417 without a drawing or a VdmDbSheetMetalContextPE, eFileNotFound when
-  /// there is no such file.
+  /// and gives its cells. The path is empty when there is no such file, and the result is what the
+  /// host says. 417 without a drawing or a VdmDbSheetMetalContextPE.
   OdResult loadBendTable(OdArray<OdString>& cells);
   /// Widths of the vee dies in the loaded table, in rising order. 417 without a
   /// VdmDbSheetMetalContextPE or a table.

@@ -202,7 +202,7 @@ OdResult VdmSheetMetalContextUnfoldingOption::setKFactorValue(double value) {
 }
 
 OdResult VdmSheetMetalContextUnfoldingOption::setRelativeBendDeduction(double value) {
-  if (!(value <= kMaxRelativeBendDeduction)) return kVdmOutOfRange;
+  if (value > kMaxRelativeBendDeduction) return kVdmOutOfRange;
   m_fields.relativeBendDeduction = value;
   return eOk;
 }

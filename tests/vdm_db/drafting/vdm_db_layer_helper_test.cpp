@@ -125,11 +125,15 @@ TEST_F(VdmDbLayerHelperTest, TheOlderTrailingLayerBecomesTheTwoPresentOnes) {
     edit<OdDbEntity>(m_carrier)->setLayer(OdString(L"0"));
     edit<OdDbLayerTableRecord>(old)->erase();
   }
-  // One of the present layers has entities of its own: the older one keeps its.
+  // One of the present layers is there: the older one is erased, and its entities move.
   (void)getLayer(9, names[0]);
   const OdDbObjectId old = addOldLayer(L"VC_TRAILING_LINES");
-  EXPECT_EQ(settingsOf(getLayer(10, names[1])), kOldSettings);
-  EXPECT_EQ(layer(L"VC_TRAILING_LINES"), old);
+  edit<OdDbEntity>(m_carrier)->setLayer(old);
+  OdDbObjectId made;
+  expectUndoable([&] { made = getLayer(10, names[1]); });
+  EXPECT_EQ(settingsOf(made), kOldSettings);
+  EXPECT_TRUE(old.isErased() && layer(L"VC_TRAILING_LINES").isNull());
+  EXPECT_EQ(open<OdDbEntity>(m_carrier)->layer(), OdString(names[0]));
   EXPECT_EQ(settingsOf(layer(names[0])), kNewSettings);
 }
 

@@ -151,11 +151,12 @@ TEST_F(VdmDbSheetMetalContextTest, BendTablesComeOfTheHost) {
   const OdSmartPtr<BendTables> host(new BendTables, kOdRxObjAttach);
   Sheet::desc()->addX(VdmDbSheetMetalContextPE::desc(), host);
   reopenSheet();
-  EXPECT_EQ(sheet()->loadBendTable(cells), eFileNotFound) << "no path";
   editSheet()->optionForWriteUnfolding().setBendTableRelativePath(L"steel.csv");
-  EXPECT_EQ(sheet()->loadBendTable(cells), eFileNotFound);
-  writeBytes(m_folder.file("steel.csv"), "");
   EXPECT_EQ(sheet()->loadBendTable(cells), eCorruptData) << "what the host says";
+  EXPECT_TRUE(host->loaded.empty()) << "no such file";
+  cells.clear();
+  writeBytes(m_folder.file("steel.csv"), "");
+  EXPECT_EQ(sheet()->loadBendTable(cells), eCorruptData);
   EXPECT_EQ(host->loaded, m_folder.file("steel.csv"));
   EXPECT_EQ(cells, OdArray<OdString>{L"cell"});
   EXPECT_EQ(sheet()->getAvailableDieWidths(widths), eOk);

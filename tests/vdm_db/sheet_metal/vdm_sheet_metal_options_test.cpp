@@ -282,6 +282,8 @@ TEST_F(VdmSheetMetalOptions, RefusalsLeaveTheValueAndHemsReportThem) {
   EXPECT_EQ(context->optionForWriteThickness().setValue(kNan), 5);
   EXPECT_EQ(context->optionForWriteUnfolding().setDieWidthValue(kNan), 5);
   EXPECT_EQ(context->optionForWriteUnfolding().setKFactorValue(1.0000001), 5);
+  EXPECT_EQ(context->optionForWriteUnfolding().setRelativeBendDeduction(10.5), 5);
+  EXPECT_EQ(context->optionForWriteUnfolding().setRelativeBendDeduction(kNan), eOk);
   EXPECT_EQ(context->optionForWriteUnfolding().setRelativeBendDeduction(-100.0), eOk);
   EXPECT_EQ(context->optionForWriteUnfolding().setRelativeBendDeduction(2.4), eOk);
   EXPECT_EQ(valuesOf(*context), newSheet());
