@@ -289,6 +289,24 @@ TEST_F(VdmDueFeaturesTest, ManyChangesBetweenPassesLoseNone) {
   EXPECT_EQ(m_numLookedAt, 1U);
 }
 
+// Each exchange makes the other feature the one that depends on what changed.
+TEST_F(VdmDueFeaturesTest, FeaturesAreLookedAtWhenTheirObjectsExchangeIds) {
+  const auto dependency = [](const OdDbObjectId& id) {
+    return VdmFeature::open(id)->getAllDependencies(/*filtered=*/false)[0];
+  };
+  const auto reactor = [](const OdDbObjectId& id) { return VdmFeature::open(id)->reactorIds()[0]; };
+  const std::function<OdDbObjectId(const OdDbObjectId&)> exchanged[] = {
+      dependency, reactor, [](const OdDbObjectId& id) { return id; }};
+  m_host.changed.append(m_entities[0]);
+  for (const auto& of : exchanged) {
+    const OdDbObjectId a = add(DueFeature::desc(), {face(m_entities[0], 1)});
+    const OdDbObjectId b = add(DueFeature::desc(), {face(m_entities[1], 2)});
+    EXPECT_EQ(pass(), "");
+    edit<OdDbObject>(of(a))->swapIdWith(of(b));
+    EXPECT_EQ(pass(), "");
+  }
+}
+
 /// Random edits of features and of everything that decides about their parts in passes.
 class VdmDueFeaturesRandomTest : public VdmDueFeaturesTest {
  protected:
