@@ -13,6 +13,7 @@
 #include "host/cli/audit_command.h"
 #include "host/cli/cli_error.h"
 #include "host/cli/clone_command.h"
+#include "host/cli/command_line_batch.h"
 #include "host/cli/command_line_model.h"
 #include "host/cli/command_parts.h"
 #include "host/cli/compact_command.h"
@@ -52,6 +53,7 @@ struct CommandLine : CommandRun {
   OutputFile cloneOutput;
   CompactOptions compact;
   ModelCommandLine model;
+  BatchOptions batch;
 };
 
 /// Help texts that fit the width of all human output.
@@ -358,6 +360,7 @@ int runCommandLine(int argc, char** argv) {
   addKeepers(app, line);
   addClone(app, line);
   addModelCommands(app, line, line.model);
+  addBatch(app, line, line.batch);
   std::vector<std::string> readFaults;
   line.settings.readFaults = &readFaults;
   const int code = outcomeOf([&] { return parseAndRun(app, line, argc, argv); }, app);

@@ -104,11 +104,16 @@ bool colorsOff() { return false; }
 
 }  // namespace
 
+rendering::RenderOptions lookOf(const std::string& size, const std::string& view) {
+  rendering::RenderOptions look;
+  look.viewDirection = viewDirection(view);
+  readSize(size, look);
+  return look;
+}
+
 int runRender(const SessionSettings& settings, const RenderCommandOptions& options) {
-  rendering::RenderOptions picture;
   const rendering::Renderer write = rendererFor(options.output.path);
-  picture.viewDirection = viewDirection(options.view);
-  readSize(options.size, picture);
+  rendering::RenderOptions picture = lookOf(options.size, options.view);
   if (options.labels) requireModules(settings);
   checkInput(options.input);
   const OdNameClaim claim = claimOutput(options.output, {options.input});

@@ -5,6 +5,7 @@
 
 #include "host/cli/drawing_session.h"
 #include "host/cli/paths.h"
+#include "host/rendering/render.h"
 
 namespace cli {
 
@@ -17,6 +18,9 @@ struct RenderCommandOptions {
   bool labels = false;
   bool noFeatureColors = false;
 };
+
+/// Size "1280x960" and view ("iso", "top", "2,-3,1") of a picture; CliError for wrong usage.
+[[nodiscard]] rendering::RenderOptions lookOf(const std::string& size, const std::string& view);
 
 /// kNotSound when something could not be drawn.
 int runRender(const SessionSettings& settings, const RenderCommandOptions& options);

@@ -3,12 +3,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 #include "host/modeling/component_feature.h"
 #include "host/modeling/component_query.h"
 #include "host/modeling/stored_sizes.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
+#include "platform/entities/block_reference.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 
@@ -75,6 +77,26 @@ OdDbObjectId onlyTool(const OdDbObjectId& block) {
   return (isCut ? cuts : fills).begin()->first;
 }
 
+/// Of model space without inserts of tools: a tool whose length followed from that of its inserts
+/// would grow whenever it is made anew.
+OdGeExtents3d boxOfParts(const OdDbDatabase* database) {
+  OdGeExtents3d box;
+  std::map<OdDbObjectId, bool> isTool;  // by block
+  const auto space = database->getModelSpaceId().safeOpenAs<OdDbBlockTableRecord>();
+  for (const OdDbObjectId& id : space->entityIds()) {
+    const auto entity = id.isErased() ? OdDbEntityPtr() : id.openAs<OdDbEntity>();
+    if (entity.isNull()) continue;
+    if (const auto insert = OdDbBlockReference::cast(entity); !insert.isNull()) {
+      const auto [known, isNew] = isTool.emplace(insert->blockTableRecord(), false);
+      if (isNew) known->second = formOf(known->first).has_value();
+      if (known->second) continue;
+    }
+    OdGeExtents3d its;
+    if (entity->getGeomExtents(its) == eOk) box.addExt(its);
+  }
+  return box;
+}
+
 void markInserts(const OdDbObjectId& block) {
   for (const OdDbObjectId& id : componentsOfBlock(block)) {
     const VdmComponentFeaturePtr component = VdmComponentFeature::cast(VdmFeature::open(id).get());
@@ -113,11 +135,7 @@ double storedDepth(const OdDbDatabase* database, const ToolForm& form) {
   constexpr double kThroughDiameters = 100.0;
   constexpr double kThroughBores = 2.0;
   if (form.depth) return *form.depth;
-  OdGeExtents3d box;
-  const OdDbBlockTableRecordPtr space =
-      database->getModelSpaceId().safeOpenAs<OdDbBlockTableRecord>();
-  const bool hasBox = space->getGeomExtents(box) == eOk;
-  const double diagonal = hasBox ? box.diagonal().length() : 0.0;
+  const double diagonal = boxOfParts(database).diagonal().length();
   return std::max({kThroughDiagonals * diagonal, kThroughDiameters * form.widthAtFace(),
                    kThroughBores * form.boreDepth});
 }

@@ -2,14 +2,17 @@
 #include "host/parameters/parameter_edit.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <unordered_map>
 
+#include "host/parameters/configurations.h"
 #include "host/parameters/parameter_query.h"
 #include "host/parameters/unit_text.h"
 #include "platform/assoc/assoc_network.h"
 #include "platform/assoc/variable_dimension.h"
 #include "platform/base/error.h"
+#include "platform/base/sort_unique.h"
 #include "vdm_db/configurations/vdm_configuration_feature.h"
 #include "vdm_db/parameters/vdm_assoc_variable_ext.h"
 #include "vdm_db/parameters/vdm_variable_evaluation.h"
@@ -101,6 +104,61 @@ OdStatus assignAll(const OdDbObjectId& block, std::vector<ParameterAssignment> w
   return {};
 }
 
+// ---- Several values of one table
+
+/// Gives a linked parameter again what the assignment gave it, past the configuration. False when
+/// it still has that.
+bool holdValue(const OdDbObjectId& id, const ParameterAssignment& given, OdStatus& status) {
+  constexpr double kSame = 1e-10;  // as tables compare
+  const auto variable = id.safeOpenAs<OdDbAssocVariable>();
+  const auto link = VdmDbConfigVarReactor::of(variable.get(), OdDb::kForWrite);
+  double value = 0;
+  if (link->isStringType()) {
+    if (link->stringValue() == given.expression) return false;
+    static_cast<void>(link->setVariableValue(given.expression));
+  } else if (becomesValue(*variable, given.expression, value)) {
+    if (std::abs(vdmu::getValueAsDouble(variable.get()) - value) <= kSame) return false;
+    static_cast<void>(link->setVariableValue(value));
+  } else {
+    if (!variable->expression().isEmpty()) return false;
+    status = assign(id, given.name, given.expression);
+  }
+  return true;
+}
+
+/// The row that has all present values becomes the selected one; none where there is no such row.
+void selectFittingRow(const OdDbObjectId& id) {
+  const ConfigurationState state = configurationState(id);
+  const std::vector<std::size_t> nearest = nearestRows(state);
+  const bool fits = !nearest.empty() && state.rows[nearest.front()].numDifferences == 0;
+  const auto feature = id.safeOpenAs<VdmConfigurationFeature>(OdDb::kForWrite);
+  const OdString name = fits ? state.rows[nearest.front()].name : feature->freeConfiguration();
+  feature->setSelectedConfiguration(name);
+  const auto key = feature->keyVariable().openAs<OdDbAssocVariable>();
+  if (key.isNull()) return;
+  static_cast<void>(VdmConfigurationFeature::setStringValue(key.get(), name, /*select=*/false));
+}
+
+/// A configuration that finds a row for one value writes the other values of the row. Those that
+/// the same edit gives must hold all the same.
+OdStatus holdValues(const OdDbObjectId& block,
+                    const std::vector<ParameterAssignment>& assignments) {
+  OdStatus status;
+  std::vector<OdDbObjectId> tables;
+  for (const ParameterAssignment& given : assignments) {
+    const OdDbObjectId id = findParameter(block, given.name);
+    const auto variable = id.safeOpenAs<OdDbAssocVariable>();
+    if (!VdmConfigurationFeature::isLinked(variable.get(), /*nonKeyOnly=*/true)) continue;
+    const auto table = VdmConfigurationFeature::getFeature(variable.get(), OdDb::kForRead);
+    if (table.isNull() || !holdValue(id, given, status)) continue;
+    if (!status.ok()) return status;
+    tables.push_back(table->objectId());
+  }
+  odSortUnique(tables);
+  for (const OdDbObjectId& table : tables) selectFittingRow(table);
+  return status;
+}
+
 OdStatus requireOnce(const std::vector<ParameterAssignment>& assignments) {
   for (std::size_t i = 0; i < assignments.size(); ++i) {
     for (std::size_t k = 0; k < i; ++k) {
@@ -152,6 +210,7 @@ OdStatus setParameters(const OdDbObjectId& block,
     }
   }
   if (status.ok()) status = assignAll(block, assignments);
+  if (status.ok() && assignments.size() > 1) status = holdValues(block, assignments);
   return status.ok() ? computeParameters(block) : status;
 }
 

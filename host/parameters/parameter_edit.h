@@ -22,7 +22,8 @@ struct ParameterAssignment {
 /// Gives parameters of the block expressions, all or none, as if at once: an expression may use
 /// what another assignment changes, and the order does not matter. A plain number
 /// for a parameter that measures something is in the unit in which it is shown. A constant for a
-/// parameter that a configuration drives becomes its value, so that the configuration follows it. A
+/// parameter that a configuration drives becomes its value, so that the configuration follows it;
+/// a row that it then selects writes no parameter that the same edit sets. A
 /// parameter of texts takes the expression as its text. Then all variables are computed. The status
 /// names the parameter and what is wrong: a name that is not there, an expression that does not
 /// compile, a cycle, a value that breaks a limit, an expression without a value.

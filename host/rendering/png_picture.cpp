@@ -56,28 +56,6 @@ void drawLabels(Raster& raster, const View& view, const RenderColor& background)
   }
 }
 
-std::string encode(const std::vector<std::uint8_t>& pixels, int width, int height) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  image.width = static_cast<png_uint_32>(width);
-  image.height = static_cast<png_uint_32>(height);
-  image.format = PNG_FORMAT_RGB;
-  png_alloc_size_t size = 0;
-  const int rowStride = width * 3;
-  std::string bytes;
-  if (png_image_write_to_memory(&image, nullptr, &size, 0, pixels.data(), rowStride, nullptr) !=
-      0) {
-    bytes.resize(size);
-    if (png_image_write_to_memory(&image, bytes.data(), &size, 0, pixels.data(), rowStride,
-                                  nullptr) != 0) {
-      bytes.resize(size);
-      return bytes;
-    }
-  }
-  throw OdError(eOutOfMemory, OdString("picture of " + std::to_string(width) + " by " +
-                                       std::to_string(height) + " pixels: " + image.message));
-}
-
 }  // namespace
 
 std::string encodePng(const Scene& scene, const RenderOptions& options) {
@@ -89,7 +67,48 @@ std::string encodePng(const Scene& scene, const RenderOptions& options) {
                 raster.line(from, to, kEdgeWidth * view.factor, view.lineBias(), color);
               });
   drawLabels(raster, view, options.background);
-  return encode(raster.pixels(view.factor), options.width, options.height);
+  return encodePixels({options.width, options.height, raster.pixels(view.factor)});
+}
+
+std::string encodePixels(const PixelPicture& picture) {
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  image.width = static_cast<png_uint_32>(picture.width);
+  image.height = static_cast<png_uint_32>(picture.height);
+  image.format = PNG_FORMAT_RGB;
+  png_alloc_size_t size = 0;
+  const void* pixels = picture.pixels.data();
+  const int rowStride = picture.width * 3;
+  std::string bytes;
+  if (png_image_write_to_memory(&image, nullptr, &size, 0, pixels, rowStride, nullptr) != 0) {
+    bytes.resize(size);
+    if (png_image_write_to_memory(&image, bytes.data(), &size, 0, pixels, rowStride, nullptr) !=
+        0) {
+      bytes.resize(size);
+      return bytes;
+    }
+  }
+  throw OdError(eOutOfMemory,
+                OdString("picture of " + std::to_string(picture.width) + " by " +
+                         std::to_string(picture.height) + " pixels: " + image.message));
+}
+
+PixelPicture readPng(const std::string& path) {
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  PixelPicture picture;
+  if (png_image_begin_read_from_file(&image, path.c_str()) != 0) {
+    image.format = PNG_FORMAT_RGB;
+    picture.width = static_cast<int>(image.width);
+    picture.height = static_cast<int>(image.height);
+    picture.pixels.resize(PNG_IMAGE_SIZE(image));
+    if (png_image_finish_read(&image, nullptr, picture.pixels.data(), 0, nullptr) != 0) {
+      return picture;
+    }
+  }
+  const std::string why = image.message;
+  png_image_free(&image);
+  throw OdError(OdString("picture '" + path + "': " + why));
 }
 
 }  // namespace rendering

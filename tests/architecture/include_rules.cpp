@@ -218,7 +218,7 @@ std::vector<FolderRule> makeFolderRules() {
   for (const FolderRule& rule : table) everything.push_back(rule.folder);
   addRooms(table, everything,
            {"host/supervision", "host/naming", "host/inspect", "host/modeling", "host/parameters",
-            "host/rendering", "host/module", "host/cli"});
+            "host/rendering", "host/batch", "host/module", "host/cli"});
   return table;
 }
 
