@@ -123,7 +123,8 @@ class ComponentHandler final : public FeatureHandler {
   bool storePieces();
   static void storePiecesOf(ComponentPieces& pieces);
   void settleReferences();
-  void addRespawns(ReferenceUpdate& update, const BodyLineage& lineage, const Work& work) const;
+  void addRespawns(ReferenceUpdate& update, const BodyLineage& lineage, const Work& work);
+  [[nodiscard]] const Work& twinOf(const Work& work);
   void referToOpenings(const BodyLineage& lineage);
   static bool referToOpening(VdmDbFeatureManagerTransaction& transaction,
                              const BodyLineage& lineage, const Work& work);
@@ -133,6 +134,7 @@ class ComponentHandler final : public FeatureHandler {
   void storeAppliedOf(const Work& work);
   void storeHealedOf(const Work& work);
   void noteWithoutEffect(const Work& work);
+  [[nodiscard]] static OdGeExtents3d boxOfToolFace(const Work& work, int toolFace);
   [[nodiscard]] static ToolFaces toolFaces(const BodyLineage& lineage, const Work& work);
 
   UpdateHelper& m_helper;

@@ -105,7 +105,7 @@ void ComponentHandler::storePiecesOf(ComponentPieces& pieces) {
 // Names the tools, and for each face of an opening what it was before and what it is now. A face of
 // a tool that left nothing in the old body, or leaves nothing now, has an entry all the same.
 void ComponentHandler::addRespawns(ReferenceUpdate& update, const BodyLineage& lineage,
-                                   const Work& work) const {
+                                   const Work& work) {
   const OdDbHandle feature = work.feature.getHandle();
   FaceRespawn respawn;
   respawn.feature = feature;
@@ -113,14 +113,17 @@ void ComponentHandler::addRespawns(ReferenceUpdate& update, const BodyLineage& l
   std::map<int, std::vector<OdUInt32>> oldFaces;
   for (const auto& [toolFace, face] : work.oldFaces) oldFaces[toolFace].push_back(face);
   std::map<int, std::vector<OdUInt32>> newFaces;
-  for (auto& [toolFace, faces] : toolFaces(lineage, work)) {
+  for (auto& [toolFace, faces] : toolFaces(lineage, twinOf(work))) {
     oldFaces.try_emplace(toolFace);
     newFaces[toolFace] = std::move(faces);
   }
+  // All of its births end here, also those that no reference stands for.
+  update.addRespawn(work.solid, respawn);
   for (const Tool& tool : work.tools) update.nameTool(tool.body, feature);
   for (const auto& [toolFace, faces] : oldFaces) {
     respawn.toolFace = static_cast<OdUInt32>(toolFace);
     respawn.newFaces = newFaces[toolFace];
+    respawn.toolBox = boxOfToolFace(work, toolFace);
     respawn.oldFace = 0;
     if (faces.empty() && !respawn.newFaces.empty()) update.addRespawn(work.solid, respawn);
     for (const OdUInt32 face : faces) {
@@ -199,6 +202,33 @@ bool ComponentHandler::referToOpening(VdmDbFeatureManagerTransaction& transactio
     isExtended |= !missing.empty();
   }
   return isExtended;
+}
+
+// The component that cuts for this one: itself, but where its only tool takes away nothing because
+// an equal one is in the very same place.
+const ComponentHandler::Work& ComponentHandler::twinOf(const Work& work) {
+  ComponentPieces* pieces = siteOf(work.solid).ledger.find(work.feature);
+  if (work.tools.size() != 1 || work.tools[0].kind != ToolKind::kCut || pieces == nullptr ||
+      pieces->hasPiece(ToolKind::kCut)) {
+    return work;
+  }
+  const auto isTwin = [&](const Work& other) {
+    return &other != &work && other.solid == work.solid && other.tools.size() == 1 &&
+           other.tools[0].kind == ToolKind::kCut &&
+           other.tools[0].body->fingerprint() == work.tools[0].body->fingerprint() &&
+           siteOf(work.solid).ledger.find(other.feature)->hasPiece(ToolKind::kCut);
+  };
+  const auto twin = std::ranges::find_if(m_work, isTwin);
+  return twin == m_work.end() ? work : *twin;
+}
+
+OdGeExtents3d ComponentHandler::boxOfToolFace(const Work& work, int toolFace) {
+  for (const Tool& tool : work.tools) {
+    const int face = toolFace - tool.firstFace;
+    if (face < 1 || face > static_cast<int>(tool.body->numFaces())) continue;
+    return tool.body->subentExtents({OdModelerSubentType::kFace, static_cast<OdUInt32>(face)});
+  }
+  return {};
 }
 
 ComponentHandler::ToolFaces ComponentHandler::toolFaces(const BodyLineage& lineage,

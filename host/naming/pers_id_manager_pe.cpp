@@ -4,7 +4,9 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "host/naming/birth_matcher.h"
 #include "host/naming/body_signature.h"
+#include "host/naming/dependencies_into.h"
 #include "host/naming/name_feature.h"
 #include "host/naming/reference_update.h"
 #include "host/naming/solid_stamp.h"
@@ -32,6 +34,7 @@ class SolidsOfPaths {
   struct Row {
     OdModelerBodyPtr body;
     OdGeMatrix3d toFrame;  ///< from where the solid is to where signatures are taken
+    FaceBirths births;
   };
 
   const Row& of(const OdDbObjectId& solid) {
@@ -50,6 +53,7 @@ class SolidsOfPaths {
       stamp.write(id);
     }
     if (!stamp.frame.isSingular()) row.toFrame = stamp.frame.inverse();
+    row.births = presentBirths(id, *row.body).faces;
   }
 
   std::unordered_map<OdDbObjectId, Row> m_rows;
@@ -66,9 +70,36 @@ VdmDbObjectDependencyPtr makeDependency(const OdDbFullSubentPath& path, SolidsOf
   ReferenceRecord record;
   record.signature = signatureOf(*row.body, subent).movedBy(row.toFrame);
   record.lastIndex = subent.index;
+  record.births = birthsAt(*row.body, row.births, subent);
   record.addStep({LineageCause::kCreated, ReferenceGrade::kExact, 0, subent.index, 1, {}});
   record.writeTo(*dependency);
   return dependency;
+}
+
+// Whether a reference that is there already means what a new one on its path would.
+bool isBornAsNew(const OdDbObjectId& id, const OdDbFullSubentPath& path, SolidsOfPaths& solids) {
+  if (!vdmu::isSubentPath(path)) return true;
+  const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
+  ReferenceRecord record;
+  if (dependency.isNull() || !record.readFrom(*dependency) || record.births.empty()) return true;
+  const SolidsOfPaths::Row& row = solids.of(vdmu::getLeafId(path));
+  return !row.body || record.births == birthsAt(*row.body, row.births, subentOf(path));
+}
+
+// Openings that have merged may have several references on one path, of which each has births of
+// its own.
+OdDbObjectId findBornAsNew(const OdDbObjectId& first, const OdDbFullSubentPath& path,
+                           SolidsOfPaths& solids) {
+  if (first.isNull() || isBornAsNew(first, path, solids)) return first;
+  for (const OdDbObjectId& id : dependenciesInto(vdmu::getInsertId(path))) {
+    if (id.ownerId() != first.ownerId()) continue;
+    const VdmDbObjectDependencyPtr other = id.openAs<VdmDbObjectDependency>();
+    if (other.isNull() || other->subentId() != path.subentId()) continue;
+    OdDbFullSubentPath present;
+    if (other->getLinkObject(present, /*openErased=*/false) != vdmu::ePathOk) continue;
+    if (present == path && isBornAsNew(id, path, solids)) return id;
+  }
+  return {};
 }
 
 int& registrations() {
@@ -99,13 +130,14 @@ void PersIdManagerExtension::findExisting(VdmDbPersIdManager* manager,
                                           const OdDbFullSubentPathArray& paths,
                                           OdDbObjectIdArray& ids) {
   ids.clear();
+  SolidsOfPaths solids;
   for (const OdDbFullSubentPath& path : paths) {
     const VdmDbObjectPtr object = VdmDbObject::openVdmDbObject(vdmu::getInsertId(path));
     OdDbObjectId found;
     if (!object.isNull()) found = object->getPersIdDependency(path);
     // One that a later manager of another block made is not ours to give away.
     if (found.ownerId() != manager->objectId()) found = OdDbObjectId::kNull;
-    ids.append(found);
+    ids.append(findBornAsNew(found, path, solids));
   }
 }
 

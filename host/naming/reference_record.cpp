@@ -28,12 +28,38 @@ constexpr std::size_t kUsualSize = 256;  // bytes of a record, most of them
 // Bits of the record's and of the signature's flags.
 constexpr OdUInt8 kHasBirth = 1;
 constexpr OdUInt8 kHasSignature = 2;
+constexpr OdUInt8 kHasBirths = 4;
 constexpr OdUInt8 kInward = 1;
 constexpr OdUInt8 kClosed = 2;
 
 const OdString& lineageKey() {
   static const OdString key(L"lineage");
   return key;
+}
+
+void writeBirths(ByteWriter& out, const std::vector<BirthSet>& births) {
+  out.varint(births.size());
+  for (const BirthSet& set : births) {
+    out.varint(set.size());
+    for (const FaceBirth& birth : set) {
+      out.varint(birth.maker);
+      out.varint(birth.key);
+    }
+  }
+}
+
+std::vector<BirthSet> readBirths(ByteReader& in) {
+  std::vector<BirthSet> births;
+  const OdUInt32 sets = in.number();
+  for (OdUInt32 i = 0; i < sets && in.good(); ++i) {
+    BirthSet& set = births.emplace_back();
+    const OdUInt32 count = in.number();
+    for (OdUInt32 k = 0; k < count && in.good(); ++k) {
+      const OdUInt32 maker = in.number();
+      set.push_back({maker, in.number()});
+    }
+  }
+  return births;
 }
 
 void writeSignature(ByteWriter& out, const SubentSignature& s) {
@@ -105,15 +131,17 @@ void ReferenceRecord::addStep(const LineageStep& step) {
 std::vector<char> ReferenceRecord::encode() const {
   ByteWriter out(kUsualSize);
   const bool hasSignature = signature.type != OdModelerSubentType::kNull;
-  out.byte(kRules);
+  out.byte(births.empty() ? kFirstRules : kRules);
   out.byte(static_cast<OdUInt8>(grade));
   out.byte(static_cast<unsigned>(birth.isOfTool() ? kHasBirth : 0) |
-           static_cast<unsigned>(hasSignature ? kHasSignature : 0));
+           static_cast<unsigned>(hasSignature ? kHasSignature : 0) |
+           static_cast<unsigned>(births.empty() ? 0 : kHasBirths));
   out.varint(lastIndex);
   if (birth.isOfTool()) {
     out.varint(birth.feature);
     out.varint(birth.toolFace);
   }
+  if (!births.empty()) writeBirths(out, births);
   if (hasSignature) writeSignature(out, signature);
   out.varint(stepCount);
   out.byte(steps.size());
@@ -123,7 +151,8 @@ std::vector<char> ReferenceRecord::encode() const {
 
 bool ReferenceRecord::decode(const std::vector<char>& bytes, OdModelerSubentType type) {
   ByteReader in(bytes.data(), bytes.size());
-  if (in.byte() != kRules) return false;
+  const OdUInt8 rules = in.byte();
+  if (rules < kFirstRules || rules > kRules) return false;
   ReferenceRecord read;
   const OdUInt8 storedGrade = in.byte();
   if (storedGrade >= kReferenceGradeCount) return false;
@@ -134,6 +163,7 @@ bool ReferenceRecord::decode(const std::vector<char>& bytes, OdModelerSubentType
     read.birth.feature = in.varint();
     read.birth.toolFace = in.number();
   }
+  if ((flags & kHasBirths) != 0) read.births = readBirths(in);
   if ((flags & kHasSignature) != 0) read.signature = readSignature(in, type);
   read.stepCount = in.number();
   const OdUInt8 kept = in.byte();

@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "host/naming/face_births.h"
 #include "host/naming/reference_grade.h"
 #include "host/naming/subent_signature.h"
 #include "platform/base/handle.h"
@@ -50,11 +51,13 @@ struct LineageBirth {
 /// The record under the key "lineage" (a blob) in the dependency's properties. The coordinates of
 /// its signature are those of the solid when it was where SolidStamp::frame is the identity.
 ///
-///   rules      uint8     1; a record of later rules is kept and counts as "no signature"
+///   rules      uint8     2; a record of later rules is kept and counts as "no signature". One of
+///                        rules 1 has no births and gets them with the next decision
 ///   grade      uint8
-///   flags      uint8     1 birth, 2 signature
+///   flags      uint8     1 birth, 2 signature, 4 births
 ///   lastIndex  varint    the number it had last
 ///   birth      varint feature handle, varint tool face
+///   births     varint sets, of each varint count, of each birth varint maker (SolidBirths), key
 ///   signature  uint8 kind, uint8 inward and closed (1, 2), varint bounds, uint32 neighbours,
 ///              float64 size, radius, minorRadius, halfAngle, place xyz, anchor xyz, direction xyz
 ///   count      varint    all steps that there were
@@ -63,12 +66,15 @@ struct LineageBirth {
 ///
 /// Numbers are little-endian; a varint has seven bits a byte, low ones first.
 struct ReferenceRecord {
-  static constexpr OdUInt8 kRules = 1;
+  static constexpr OdUInt8 kRules = 2;
+  static constexpr OdUInt8 kFirstRules = 1;
   static constexpr std::size_t kKeptSteps = 8;
 
   ReferenceGrade grade = ReferenceGrade::kExact;
   OdUInt32 lastIndex = 0;
   LineageBirth birth;
+  /// One set for a face, one for each face at an edge or vertex; none when not known.
+  std::vector<BirthSet> births;
   SubentSignature signature;  ///< type null when there is none
   OdUInt32 stepCount = 0;
   std::vector<LineageStep> steps;

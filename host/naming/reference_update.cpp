@@ -58,6 +58,7 @@ void ReferenceUpdate::Impl::settleSolid(const OdDbObjectId& id, const BodyLineag
   solid.before = lineage.bodyBefore(id);
   solid.now = lineage.bodyAfter(id);
   solid.stamp = SolidStamp::read(id);
+  solid.births = SolidBirths::read(id);
   m_report.looked += solid.dependencies.size();
   m_map.appendModifiedEnt(id);
   // References are settled against the body that they were settled against before, or not at all.
@@ -69,6 +70,7 @@ void ReferenceUpdate::Impl::settleSolid(const OdDbObjectId& id, const BodyLineag
     decideLost(solid);
   } else if (numbersHold && trace) {
     solid.stamp.operations += trace->operations;
+    if (!solid.births.areOf(*solid.before)) solid.births.begin(*solid.before);
     decideByLineage(solid, *trace);
     solid.stamp.frame = trace->motion * solid.stamp.frame;
   } else if (numbersHold) {
@@ -82,6 +84,7 @@ void ReferenceUpdate::Impl::settleSolid(const OdDbObjectId& id, const BodyLineag
   if (solid.now) solid.stamp.fingerprint = solid.now->fingerprint();
   apply(solid);
   solid.stamp.write(id);
+  if (solid.now) solid.births.write(id);
 }
 
 ReferenceUpdateReport ReferenceUpdate::Impl::settleByStamp(const OdDbObjectId& id) {
@@ -91,6 +94,7 @@ ReferenceUpdateReport ReferenceUpdate::Impl::settleByStamp(const OdDbObjectId& i
   Solid solid;
   solid.id = id;
   solid.stamp = SolidStamp::read(id);
+  solid.births = SolidBirths::read(id);
   if (solid.stamp.fingerprint == 0) return {};
   if (!entity->getBody(solid.now).ok()) return {};
   if (solid.now && solid.now->fingerprint() == solid.stamp.fingerprint) return {};
@@ -106,6 +110,7 @@ ReferenceUpdateReport ReferenceUpdate::Impl::settleByStamp(const OdDbObjectId& i
   m_map.appendModifiedEnt(id);
   apply(solid);
   solid.stamp.write(id);
+  if (solid.now) solid.births.write(id);
   finish();
   return std::move(m_report);
 }

@@ -138,12 +138,24 @@ void ReferenceUpdate::Impl::writeRecords(Solid& solid) {
       writeSplit(solid, decision);
       continue;
     }
-    if (decision.match.grade == ReferenceGrade::kExact) continue;
+    if (decision.match.grade == ReferenceGrade::kExact) {
+      if (decision.cause == LineageCause::kReplaced) writeNewBirths(decision);
+      continue;
+    }
     const ReferenceRecord record = recordOf(decision.dependency);
     const OdUInt32 image = decision.match.images.empty() ? 0 : decision.match.images.front();
     writeRecord(decision.dependency, decision, record, image, solid);
     report(solid, decision, record.grade);
   }
+}
+
+// An exact decision is no step, but the part gave its faces new births.
+void ReferenceUpdate::Impl::writeNewBirths(const Decision& decision) {
+  const VdmDbObjectDependencyPtr dependency = openDependency(decision.dependency, OdDb::kForWrite);
+  ReferenceRecord record;
+  if (dependency.isNull() || !record.readFrom(*dependency)) return;
+  record.births = decision.births;
+  record.writeTo(*dependency);
 }
 
 void ReferenceUpdate::Impl::writeRecord(const OdDbObjectId& id, const Decision& decision,
@@ -153,6 +165,7 @@ void ReferenceUpdate::Impl::writeRecord(const OdDbObjectId& id, const Decision& 
   record.addStep({decision.cause, decision.match.grade, decision.old.index, image,
                   static_cast<OdUInt32>(decision.match.images.size()), decision.feature});
   if (decision.birth) record.birth = *decision.birth;
+  if (!decision.births.empty()) record.births = decision.births;
   record.lastIndex = image != 0 ? image : decision.old.index;
   const OdGeMatrix3d& frame = solid.stamp.frame;
   if (image != 0 && !frame.isSingular()) {
@@ -190,6 +203,9 @@ void ReferenceUpdate::Impl::writeSplit(Solid& solid, const Decision& decision) {
   part.match.grade = ReferenceGrade::kSplit;
   part.cause = decision.birth ? decision.cause : LineageCause::kSplit;
   for (OdUInt32 i = 0; i < parts.size(); ++i) {
+    if (decision.cause == LineageCause::kReplaced) {
+      part.births = birthsAt(*solid.now, solid.births.faces, {decision.old.type, images[i]});
+    }
     writeRecord(parts[i], part, record, images[i], solid);
   }
   if (parts.isEmpty()) {

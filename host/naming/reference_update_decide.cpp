@@ -1,9 +1,9 @@
 // ReferenceUpdate: what the references of a solid mean in its new body.
 //
-// The idea: for each reference the strongest evidence that there is decides, and only that: the row
-// of its opening, then the history, then (for a replaced body) the geometry of both bodies, then
-// the signature in its record. Weaker evidence never overrules a stronger one, so a reference that
-// the history calls lost is not rescued by something that merely looks like it.
+// The idea: for each reference the strongest evidence that there is decides, and only that: its
+// births and the history, then (for a replaced body) the geometry of both bodies, then the
+// signature in its record. Weaker evidence never overrules a stronger one, so a reference that the
+// history calls lost is not rescued by something that merely looks like it.
 //
 // Deciding changes nothing but numbers. In a large solid nearly every reference only gets another
 // number: that is done at once, in portions. All else is collected in Solid::decisions and carried
@@ -69,14 +69,16 @@ struct ReferenceUpdate::Impl::LineageWork {
       : solid(changed),
         trace(way),
         lineage(changed.before, changed.now, way),
-        respawn(rows, *changed.before, *changed.now, lineage),
+        history(changed.id, changed.births, *changed.before, *changed.now, way, lineage, rows),
+        births(*changed.before, *changed.now, history, lineage),
         claims(*changed.now),
         moves(changed.id) {}
 
   Solid& solid;
   const BodyTrace& trace;
   LineageMatcher lineage;
-  RespawnMatcher respawn;
+  BirthHistory history;
+  BirthMatcher births;
   Claims claims;
   LinkMoves moves;
 };
@@ -99,7 +101,10 @@ void ReferenceUpdate::Impl::decideByLineage(Solid& solid, const BodyTrace& trace
   const std::span<const FaceRespawn> openings =
       rows == respawns.end() ? std::span<const FaceRespawn>() : rows->second;
   // Nothing but a motion: the numbers stay, and nothing can have come back.
-  if (trace.operations == 0 && openings.empty()) return;
+  if (trace.operations == 0 && openings.empty()) {
+    solid.births.fingerprint = solid.now->fingerprint();
+    return;
+  }
   LineageWork work(solid, trace, openings);
   const OdDbObjectIdArray& ids = std::as_const(solid.dependencies);
   const std::span<const OdDbObjectId> all(ids.begin(), ids.size());
@@ -115,9 +120,9 @@ void ReferenceUpdate::Impl::decideByLineage(Solid& solid, const BodyTrace& trace
 
 // Most references: nothing touched what they lead to, only the number can have changed.
 bool ReferenceUpdate::Impl::isOnlyRenumbered(LineageWork& work, const Reference& reference) {
-  if (reference.old.index == 0 || work.respawn.touches(reference.old)) return false;
+  if (reference.old.index == 0) return false;
   const OdUInt32 image = work.lineage.untouched(reference.old);
-  if (image == 0) return false;
+  if (image == 0 || !work.births.isSteady(reference.old, image)) return false;
   claim(work, reference.dependency, {reference.old.type, image});
   renumber(work.moves, reference, image);
   return true;
@@ -125,12 +130,8 @@ bool ReferenceUpdate::Impl::isOnlyRenumbered(LineageWork& work, const Reference&
 
 void ReferenceUpdate::Impl::decideOne(LineageWork& work, const Reference& reference) {
   Decision decision = decisionFor(reference, causeOf(work.trace));
-  if (reference.old.index == 0) {
-    decideUnresolved(work, decision);
-    if (decision.match.images.empty()) return;
-  } else {
-    decideResolved(work, decision);
-  }
+  decideByBirths(work, decision);
+  if (reference.old.index == 0 && decision.match.images.empty()) return;
   for (const OdUInt32 image : decision.match.images) {
     claim(work, reference.dependency, {reference.old.type, image});
   }
@@ -161,38 +162,50 @@ void ReferenceUpdate::Impl::noteMeeting(const OdDbObjectId& first, const OdDbObj
                                         const OdDbObjectId& solid, OdModelerSubent subent) {
   for (const OdDbObjectId& id : {first, other}) {
     m_meetings.push_back({id, solid, subent});
-    m_managers[id.ownerId().getHandle()] = id.ownerId();
   }
 }
 
-void ReferenceUpdate::Impl::decideResolved(LineageWork& work, Decision& decision) const {
-  decision.feature = m_feature;
-  if (std::optional<RespawnMatch> found = work.respawn.match(decision.old)) {
-    decision.match = std::move(found->match);
-    decision.birth = found->birth;
-    decision.feature = found->birth.feature;
-    decision.cause = found->closed ? LineageCause::kHealed : LineageCause::kRespawned;
-  } else {
-    decision.match = work.lineage.match(decision.old);
-  }
-}
-
-// A reference that led nowhere: its opening may be cut again, or its subentity may be there again.
-void ReferenceUpdate::Impl::decideUnresolved(LineageWork& work, Decision& decision) {
+// What a reference remembers of its births. A record of older rules has none: they are those of
+// what it leads to, or of the one face of a tool that it names.
+BornReference ReferenceUpdate::Impl::bornReference(LineageWork& work, const Reference& reference) {
+  BornReference born;
+  born.old = reference.old;
   ReferenceRecord record;
-  const VdmDbObjectDependencyPtr dependency = openDependency(decision.dependency);
-  if (dependency.isNull() || !record.readFrom(*dependency)) return;
-  const SubentSignature wanted =
-      record.signature.movedBy(work.trace.motion * work.solid.stamp.frame);
-  if (std::optional<RespawnMatch> found = work.respawn.comeBack(record.birth, wanted)) {
-    decision.match = std::move(found->match);
-    decision.cause = LineageCause::kRespawned;
-    decision.feature = found->birth.feature;
-    return;
+  const VdmDbObjectDependencyPtr dependency = openDependency(reference.dependency);
+  if (!dependency.isNull()) (void)record.readFrom(*dependency);
+  born.births = std::move(record.births);
+  if (!born.births.empty()) {
+    work.births.addLateBirths(born);
+  } else if (reference.old.index != 0) {
+    born.births = work.births.birthsBefore(reference.old);
   }
-  decision.match = work.lineage.findNew(wanted);
-  decision.cause = LineageCause::kFoundAgain;
-  if (!decision.match.images.empty()) decision.match.grade = ReferenceGrade::kBySignature;
+  FaceBirth maker = work.births.redoneBirth(born.births);
+  if (born.births.empty() && record.birth.isOfTool()) {
+    maker = {work.solid.births.makerOf(work.solid.id, record.birth.feature), record.birth.toolFace};
+    if (reference.old.type == Type::kFace) born.births = {{maker}};
+  }
+  if (reference.old.index == 0 && record.signature.type != Type::kNull) {
+    born.record =
+        record.signature.movedBy(work.history.motionOf(maker.maker) * work.solid.stamp.frame);
+  }
+  return born;
+}
+
+void ReferenceUpdate::Impl::decideByBirths(LineageWork& work, Decision& decision) const {
+  const BornReference born = bornReference(work, decision);
+  decision.feature = m_feature;
+  decision.match = work.births.match(born);
+  const bool isFoundAgain = decision.match.grade == ReferenceGrade::kBySignature;
+  decision.births = isFoundAgain
+                        ? work.births.birthsNow({decision.old.type, decision.match.images.front()})
+                        : born.births;
+  if (isFoundAgain || decision.old.index == 0) decision.cause = LineageCause::kFoundAgain;
+  const FaceBirth redone = work.births.redoneBirth(born.births);
+  if (redone.maker == 0) return;
+  const OdDbHandle feature = work.solid.births.featureOf(redone.maker);
+  decision.birth = LineageBirth{feature, redone.key};
+  decision.feature = feature;
+  decision.cause = decision.match.images.empty() ? LineageCause::kHealed : LineageCause::kRespawned;
 }
 
 // Calls visit(dependency, decision) for each reference to a subentity; nothing is decided yet.
@@ -205,16 +218,33 @@ void ReferenceUpdate::Impl::forEachSubent(const Solid& solid, const Visit& visit
   }
 }
 
+// A replaced body ends all births, and its faces get new ones. What an opening left in the old body
+// may be the part's own in the new one, or be cut again: a reference to it remembers both.
+void ReferenceUpdate::Impl::noteNewBirths(const Solid& solid, Decision& decision) {
+  if (decision.match.images.size() != 1) return;
+  ReferenceRecord record;
+  const VdmDbObjectDependencyPtr dependency = openDependency(decision.dependency);
+  if (!dependency.isNull()) (void)record.readFrom(*dependency);
+  decision.births =
+      birthsAt(*solid.now, solid.births.faces, {decision.old.type, decision.match.images.front()});
+  if (decision.old.type != Type::kFace || record.births.size() != 1) return;
+  for (const FaceBirth& birth : record.births.front()) {
+    if (birth.maker != 0) addBirths(decision.births.front(), {&birth, 1});
+  }
+}
+
 void ReferenceUpdate::Impl::decideBySignature(Solid& solid) {
   const BodyMatch match = matchBySignature(*solid.before, *solid.now);
   m_report.readings.push_back({solid.id, match.motion, match.readings});
   solid.stamp.frame = match.motion.matrix * solid.stamp.frame;
+  solid.births.begin(*solid.now);
   // The old body says nothing of references that led nowhere in it: these go by their records.
   std::vector<Decision> unresolved;
   std::vector<SubentSignature> wanted;
   forEachSubent(solid, [&](const VdmDbObjectDependency& dependency, Decision decision) {
     if (decision.old.index != 0) {
       decision.match = match.of(decision.old);
+      noteNewBirths(solid, decision);
       solid.decisions.push_back(std::move(decision));
       return;
     }
@@ -228,12 +258,14 @@ void ReferenceUpdate::Impl::decideBySignature(Solid& solid) {
   for (std::size_t i = 0; i < matches.size(); ++i) {
     if (matches[i].images.empty()) continue;
     unresolved[i].match = std::move(matches[i]);
+    noteNewBirths(solid, unresolved[i]);
     solid.decisions.push_back(std::move(unresolved[i]));
   }
 }
 
 // The old body is not there: each reference is looked for by the signature in its record.
 void ReferenceUpdate::Impl::decideByRecords(Solid& solid) {
+  solid.births.begin(*solid.now);
   std::vector<SubentSignature> wanted;
   forEachSubent(solid, [&](const VdmDbObjectDependency& dependency, Decision decision) {
     ReferenceRecord record;
@@ -244,6 +276,7 @@ void ReferenceUpdate::Impl::decideByRecords(Solid& solid) {
   std::vector<SubentMatch> matches = matchSignatures(wanted, *solid.now);
   for (std::size_t i = 0; i < matches.size(); ++i) {
     solid.decisions[i].match = std::move(matches[i]);
+    noteNewBirths(solid, solid.decisions[i]);
   }
   // A reference that stays unresolved keeps its record.
   std::erase_if(solid.decisions, [](const Decision& decision) {

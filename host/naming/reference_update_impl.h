@@ -7,12 +7,14 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/naming/birth_matcher.h"
 #include "host/naming/body_lineage.h"
 #include "host/naming/lineage_matcher.h"
 #include "host/naming/reference_update.h"
-#include "host/naming/respawn_matcher.h"
 #include "host/naming/solid_stamp.h"
 #include "vdm_db/model/vdm_db_object_dependency.h"
+
+class VdmDbPersIdManager;
 
 namespace vdm_host {
 
@@ -29,6 +31,7 @@ struct Decision : Reference {
   LineageCause cause = LineageCause::kBoolean;
   OdDbHandle feature;
   std::optional<LineageBirth> birth;
+  std::vector<BirthSet> births;  ///< to be remembered; none leaves what is
 };
 
 /// Null when it cannot be opened.
@@ -60,6 +63,7 @@ class ReferenceUpdate::Impl {
     OdModelerBodyPtr before;
     OdModelerBodyPtr now;
     SolidStamp stamp;
+    SolidBirths births;  ///< of `before` at first, of `now` in the end
     OdDbObjectIdArray dependencies;
     std::vector<Decision> decisions;  ///< those that change something
   };
@@ -112,12 +116,13 @@ class ReferenceUpdate::Impl {
   void decideOne(LineageWork& work, const Reference& reference);
   void claim(LineageWork& work, const OdDbObjectId& dependency, OdModelerSubent subentNow);
   void decideBySignature(Solid& solid);
+  static void noteNewBirths(const Solid& solid, Decision& decision);
   void decideByRecords(Solid& solid);
   void decideLost(Solid& solid);
   template <class Visit>
   static void forEachSubent(const Solid& solid, const Visit& visit);
-  void decideResolved(LineageWork& work, Decision& decision) const;
-  static void decideUnresolved(LineageWork& work, Decision& decision);
+  void decideByBirths(LineageWork& work, Decision& decision) const;
+  static BornReference bornReference(LineageWork& work, const Reference& reference);
 
   bool isManaged(const OdDbObjectId& dependency);
   void noteMeeting(const OdDbObjectId& first, const OdDbObjectId& other, const OdDbObjectId& solid,
@@ -131,6 +136,7 @@ class ReferenceUpdate::Impl {
   void writeRecords(Solid& solid);
   void writeSplit(Solid& solid, const Decision& decision);
   [[nodiscard]] OdDbObjectIdArray splitByManager(const Decision& decision);
+  static void writeNewBirths(const Decision& decision);
   static void writeRecord(const OdDbObjectId& id, const Decision& decision,
                           const ReferenceRecord& from, OdUInt32 image, const Solid& solid);
   void report(const Solid& solid, const Decision& decision, ReferenceGrade before);
@@ -138,6 +144,8 @@ class ReferenceUpdate::Impl {
 
   // Merging.
   void finish();
+  void noteMerges();
+  void finishManager(VdmDbPersIdManager& manager);
   void sortMeetings();
   void writeMerged();
   void reportMerged(const Meeting& meeting, const OdDbObjectIdArray& by, ReferenceGrade before);

@@ -471,6 +471,7 @@ TEST(VdmReferenceRecord, BytesComeBackAndDamageIsRefused) {
   record.signature.type = Type::kFace;
   record.signature.radius = 4.5;
   record.signature.place = {1, 2, 3};
+  record.births = {{{0, 7}}, {{1, 3}, {2, 300}}};
   for (OdUInt32 i = 1; i <= 20; ++i) {
     record.addStep({LineageCause::kBoolean, ReferenceGrade::kByLineage, i, 1000 * i, 1, 7});
   }
@@ -478,6 +479,7 @@ TEST(VdmReferenceRecord, BytesComeBackAndDamageIsRefused) {
   ReferenceRecord back;
   ASSERT_TRUE(back.decode(bytes, Type::kFace));
   EXPECT_EQ(back.encode(), bytes);
+  EXPECT_EQ(back.births, record.births);
   EXPECT_EQ(back.steps.size(), ReferenceRecord::kKeptSteps);
   EXPECT_EQ(back.stepCount, 20u);
   EXPECT_EQ(back.steps.front().from, 1u) << "the first step stays";
@@ -486,7 +488,7 @@ TEST(VdmReferenceRecord, BytesComeBackAndDamageIsRefused) {
     EXPECT_FALSE(back.decode({bytes.begin(), bytes.begin() + static_cast<int>(size)}, Type::kFace));
   }
   std::vector<char> later = bytes;
-  later[0] = 2;
+  later[0] = ReferenceRecord::kRules + 1;
   EXPECT_FALSE(back.decode(later, Type::kFace));
 }
 
