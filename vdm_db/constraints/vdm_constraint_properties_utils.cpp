@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include "platform/base/error.h"
 #include "vdm_db/common/vdm_constants.h"
 #include "vdm_db/constraints/vdm_constraint.h"
 #include "vdm_db/parameters/vdm_assoc_variable_ext.h"
@@ -140,6 +139,9 @@ bool isMeasuredArgument(int argument) { return argument == 0 || argument == 1; }
 const OdString& measureKey(int argument) {
   return argument == 0 ? kVdmMeasureMode0 : kVdmMeasureMode1;
 }
+bool hasMeasureKey(const VdmConstraint* constraint, int argument, OdLong& number) {
+  return isMeasuredArgument(argument) && getNumber(constraint, measureKey(argument), number);
+}
 
 void eraseMeasurementModes(VdmConstraint* constraint) {
   constraint->removeProperty(kVdmMeasureMode0);
@@ -187,10 +189,9 @@ bool setMeasurementModes(VdmConstraint* constraint, const MeasurementMode* modes
 bool getMeasurementMode(const VdmConstraint* constraint, int argument, MeasurementMode& mode) {
   if (constraint == nullptr) return false;
   mode = kMeasureDefault;
-  if (!isMeasuredArgument(argument)) return false;
   OdLong number = 0;
   OdString circle;
-  if (getNumber(constraint, measureKey(argument), number)) {
+  if (hasMeasureKey(constraint, argument, number)) {
     mode = static_cast<MeasurementMode>(number);
     return true;
   }
@@ -247,12 +248,16 @@ bool getGeometryDriven(const VdmConstraint* constraint) {
   return !extension.isNull() && extension->isGeometryDriven();
 }
 
-void setGeometryDriven(VdmConstraint* constraint, bool driven) {
+bool setGeometryDriven(VdmConstraint* constraint, bool driven) {
+  if (constraint == nullptr) return false;
   const VdmAssocVariableExtPtr extension = extensionOf(constraint, OdDb::kForWrite);
   if (extension.isNull()) {
-    throw OdError(OdString("Constraint variable is not an extended variable."));
+    vdmcCallAssert("VDMC_FAIL", OdString("Constraint variable is not an extended variable."),
+                   kSource, __LINE__);
+    return false;
   }
   extension->setGeometryDriven(driven);
+  return true;
 }
 
 }  // namespace VdmConstraintPropertiesUtils

@@ -48,7 +48,7 @@ VDM_DB_EXPORT bool getAlignmentFromDrawing(const VdmConstraint* constraint,
 // ---- What of the arguments 0 and 1 is measured
 //
 // Each has a key of its own, "MM0" and "MM1", except when setMeasurementModes sets both to the
-// central point: then there is the key "Circle measure mode" alone, and answers for both.
+// central point: then there is the key "Circle measure mode" alone, and answers for any argument.
 
 VDM_DB_EXPORT bool setMeasurementMode(VdmConstraint* constraint, int argument,
                                       MeasurementMode mode);
@@ -77,7 +77,8 @@ VDM_DB_EXPORT bool getArraySetSize(const VdmConstraint* constraint, int& size);
 
 /// False without a variable.
 [[nodiscard]] VDM_DB_EXPORT bool getGeometryDriven(const VdmConstraint* constraint);
-/// Raises OdError "Constraint variable is not an extended variable." without a variable.
-VDM_DB_EXPORT void setGeometryDriven(VdmConstraint* constraint, bool driven);
+/// Without a variable that is reported as an assertion "VDMC_FAIL" with the message "Constraint
+/// variable is not an extended variable.", and the answer is false.
+VDM_DB_EXPORT bool setGeometryDriven(VdmConstraint* constraint, bool driven);
 
 }  // namespace VdmConstraintPropertiesUtils

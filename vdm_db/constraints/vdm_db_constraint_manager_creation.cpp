@@ -38,15 +38,22 @@ VdmConstraintPtr VdmDbConstraintManager::makeConstraint(OdLong type, const OdStr
   addConstraint(constraint);
   constraint->setOwner(objectId());
   const auto pe = VdmDbConstraintManagerPE::cast(this);
-  if (!pe.isNull()) {
+  if (pe.isNull()) return constraint;
+  try {
     OdString generated;
     constraint->setName(pe->generateConstraintName(generated, this, constraint, name, flag));
+  } catch (...) {
+    removeConstraint(constraint);
+    throw;
   }
   return constraint;
 }
 
+// The variable is made first: making it takes its value, which has 12 digits, into the constraint.
 void VdmDbConstraintManager::setFirstValue(VdmConstraint* constraint, double value) {
-  if (constraint->isParametric()) setConstraintValue(constraint, value);
+  if (!constraint->isParametric()) return;
+  ensureVariable(constraint);
+  setConstraintValue(constraint, value);
 }
 
 VdmConstraintPtr VdmDbConstraintManager::addConstraint(int type, const VdmExtendedPathArray& args,

@@ -72,7 +72,7 @@ bool VdmDbSheetMetalContext::isThicknessVariable(const OdDbAssocVariable* variab
   if (variable == nullptr) return false;
   const auto context = getInstance(variable->objectThatOwnsNetworkInstance(), /*create=*/false)
                            .openAs<VdmDbSheetMetalContext>();
-  return !context.isNull() && context->getThicknessParameter() == variable->objectId();
+  return !context.isNull() && context->implForRead().thicknessVariable() == variable->objectId();
 }
 
 // ---- Reactions. The context is open for notification.

@@ -25,6 +25,7 @@ class TestSolver : public OdStaticRxObject<VdmDbConstraintManagerPE> {
   }
   OdString generateConstraintName(OdString& name, VdmDbConstraintManager*, VdmConstraint*,
                                   const OdString& wanted, bool) override {
+    if (raises) throw OdError(eGeneralFailure);
     return name = wanted;
   }
   bool skipRemapping(VdmConstraint*, OdInt32) override { return false; }
@@ -46,6 +47,7 @@ class TestSolver : public OdStaticRxObject<VdmDbConstraintManagerPE> {
 
   OdStringArray removed;
   int invalidations = 0;
+  bool raises = false;  ///< instead of giving a name
   OdLong angularType = -1;
   VdmConstraintOrientationProperties offers;
   AlignmentOrientation drawnAlignment = kAlignmentNotSpecified;

@@ -88,7 +88,8 @@ TEST_F(VdmServicesTest, ABatchSharesEntitiesAndPaths) {
   const OdDbObjectId inBlock = addLine(block);
   EXPECT_EQ(m_services.appendConstraint(3, {argument(a), origin(), argument(b)}, 1.0, L"P", false),
             L"P");
-  EXPECT_EQ(m_services.appendConstraint(10, {argument(b), argument(a)}, 2.5, L"Q", false), L"Q");
+  EXPECT_EQ(m_services.appendConstraint(10, {argument(b), argument(a)}, 1.0 / 3, L"Q", false),
+            L"Q");
   EXPECT_EQ(m_services.appendConstraint(3, {argument(inBlock)}, 0.0, L"R", false), L"R");
   EXPECT_EQ(last()->getArgumentsCount(), 0u) << "as yet";
   m_services.createConstraints();
@@ -99,7 +100,7 @@ TEST_F(VdmServicesTest, ABatchSharesEntitiesAndPaths) {
   EXPECT_EQ(first[0].dependency, second[1].dependency);
   EXPECT_EQ(first[2].dependency, second[0].dependency);
   EXPECT_TRUE(first[1].isDefaultGeometry && first[1].dependency.isNull());
-  EXPECT_EQ(last()->userValue(), 2.5);
+  EXPECT_EQ(last()->userValue(), 1.0 / 3) << "more digits than its variable has";
   EXPECT_EQ(m_services.paths, (OdDbFullSubentPathArray{face(a, 1), face(b, 1), face(inBlock, 1)}));
   EXPECT_EQ(placeOf(m_services.dependencies[1]), face(b, 1));
   EXPECT_EQ(m_services.attached, 1);
@@ -117,11 +118,14 @@ TEST_F(VdmServicesTest, AllOfABatchOrNone) {
     services.appendConstraint(3, {argument(newLine())}, 0.0, L"P", false);
     services.appendConstraint(10, {argument(m_other), extra}, 1.0, L"Q", false);
     EXPECT_EQ(nodeIds().size(), 3u);
+    const OdDbObjectId variable = last()->userVariable();
+    EXPECT_FALSE(variable.isErased());
     try {
       services.createConstraints();
     } catch (const OdError&) {
     }
     EXPECT_EQ(nodeIds(), std::vector<OdULong>{1});
+    EXPECT_TRUE(variable.isErased());
     EXPECT_EQ(registry().size(), 1u);
     EXPECT_EQ(services.updates, 0);
     services.removeConstraints();  // nothing is left to remove
@@ -131,6 +135,8 @@ TEST_F(VdmServicesTest, AllOfABatchOrNone) {
   refused([](TestServices& services) { services.answer = eInvalidInput; }, origin());
   refused([](TestServices& services) { services.raises = true; }, origin());
   refused([](TestServices& services) { services.wantUpdate(); }, astray);
+  m_solver.raises = true;
+  EXPECT_THROW(m_services.appendConstraint(3, {argument(newLine())}, 0.0, L"R", false), OdError);
   EXPECT_EQ(nodeIds(), std::vector<OdULong>{1});
 }
 

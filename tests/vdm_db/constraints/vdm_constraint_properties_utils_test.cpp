@@ -75,12 +75,12 @@ TEST_F(VdmConstraintSides, MeasurementModesHaveTwoForms) {
   EXPECT_TRUE(setBoth(2, 2));
   EXPECT_EQ(text(L"Circle measure mode"), L"MM_CentralPoint");
   EXPECT_EQ(number(L"softVersion"), -1) << "readers of all versions know it";
-  for (const int argument : {0, 1}) {
+  for (const int argument : {0, 1, 2}) {
     EXPECT_TRUE(getMeasurementMode(m_constraint.get(), argument, mode));
     EXPECT_EQ(mode, kMeasureCentralPoint);
   }
-  EXPECT_FALSE(getMeasurementMode(m_constraint.get(), 2, mode));
   EXPECT_TRUE(setMeasurementMode(m_constraint, 0, kMeasureCentralPoint));
+  EXPECT_FALSE(getMeasurementMode(m_constraint.get(), 2, mode));
   EXPECT_EQ(number(L"MM0"), 2);
   EXPECT_EQ(text(L"Circle measure mode"), L"none");
   EXPECT_TRUE(setBoth(1, 0));

@@ -107,11 +107,14 @@ TEST_F(VdmConstraintVariables, KnowWhatTheyMeasure) {
   EXPECT_FALSE(isLinear(angle));
   EXPECT_TRUE(VdmAssocVariableExt::cast(variable(angle))->isAngularDimension());
   EXPECT_FALSE(VdmConstraintPropertiesUtils::getGeometryDriven(width.get()));
-  VdmConstraintPropertiesUtils::setGeometryDriven(width, true);
+  EXPECT_TRUE(VdmConstraintPropertiesUtils::setGeometryDriven(width, true));
   EXPECT_TRUE(VdmConstraintPropertiesUtils::getGeometryDriven(width.get()));
   const VdmConstraintPtr plain = addConstraint(3, {newLine()});
   EXPECT_FALSE(VdmConstraintPropertiesUtils::getGeometryDriven(plain.get()));
-  EXPECT_THROW(VdmConstraintPropertiesUtils::setGeometryDriven(plain, true), OdError);
+  EXPECT_FALSE(VdmConstraintPropertiesUtils::setGeometryDriven(nullptr, true));
+  EXPECT_TRUE(m_assertions.empty());
+  EXPECT_FALSE(VdmConstraintPropertiesUtils::setGeometryDriven(plain, true));
+  EXPECT_EQ(m_assertions, std::vector<std::string>{"VDMC_FAIL"});
 }
 
 TEST_F(VdmConstraintVariables, EndTogether) {

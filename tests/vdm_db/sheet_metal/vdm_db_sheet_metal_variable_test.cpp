@@ -49,6 +49,9 @@ TEST_F(VdmDbSheetMetalVariable, BothSidesStayEqual) {
   EXPECT_EQ(vdmu::getAssocVariable(m_modelSpace, L"_sm_thickness", false, L""), id);
   EXPECT_EQ(open<OdDbAssocVariable>(id)->expression(), L"2");
   EXPECT_TRUE(Sheet::isThicknessVariable(open<OdDbAssocVariable>(id).get()));
+  edit<OdDbAssocVariable>(id)->removePersistentReactor(m_context);
+  EXPECT_TRUE(Sheet::isThicknessVariable(open<OdDbAssocVariable>(id).get())) << "by its id alone";
+  edit<OdDbAssocVariable>(id)->addPersistentReactor(m_context);
   isDue();
 
   expectUndoable([&] { EXPECT_EQ(setOption(3.5), eOk); });
