@@ -152,7 +152,7 @@ OdDbObjectIdArray VdmDbFeatureManager::getFeatures(
     std::initializer_list<OdRxClass*> classes) const {
   const VdmDbFeatureManagerImpl& state = implForRead();
   OdDbObjectIdArray found;
-  if (classes.size() != 0) m_impl->residentClasses.find(state.features, classes, found);
+  if (classes.size() != 0) m_impl->residentClasses.find(database(), state.features, classes, found);
   return found;
 }
 

@@ -172,6 +172,51 @@ TEST_F(VdmDbFeatureManagerTest, ClassesAreFoundWithoutAnOpen) {
   redirect(m_features.idRecord(), &OdDbIdRecord::clear);
 }
 
+// What is remembered of the list agrees with a walk over its records, whatever happens to them.
+TEST_F(VdmDbFeatureManagerTest, ClassesAreFoundAfterAnythingThatCarriersGoThrough) {
+  OdDbObjectIdArray ids;
+  const auto expectFound = [&](const char* when) {
+    for (OdRxClass* cls : {HoleFeature::desc(), VdmFeature::desc()}) {
+      OdDbObjectIdArray expected;
+      for (const OdDbObjectId& id : manager(OdDb::kForRead)->featureIds()) {
+        if (!id.isResident() || id.isErased()) continue;
+        if (cls == VdmFeature::desc() || id.openAs<HoleFeature>().get() != nullptr) {
+          expected.append(id);
+        }
+      }
+      const VdmDbFeatureManagerPtr features = manager(OdDb::kForRead);
+      EXPECT_EQ(features->getFeatures({cls}), expected) << when;
+      EXPECT_EQ(features->getFeatures({cls}), expected) << when << ", asked again";
+    }
+  };
+  for (int i = 0; i < 20; ++i) {
+    ids.append(i % 2 == 0 ? addHole()
+                          : manager()->createFeatureData(VdmFeature::desc(), L"", false, false));
+    expectFound("one more");
+  }
+  m_drawing->startUndoRecord();
+  {
+    const auto carrier = edit<VdmDbFeatureData>(ids[3]);
+    expectFound("open for write");
+    carrier->erase();
+    expectFound("erased and open");
+  }
+  expectFound("erased");
+  ASSERT_EQ(m_drawing->undo(), eOk);
+  expectFound("back");
+  ASSERT_EQ(m_drawing->redo(), eOk);
+  expectFound("erased again");
+  edit<VdmDbFeatureData>(ids[4])->swapIdWith(ids[5]);
+  expectFound("exchanged");
+  reopenWith({&ids[6], &ids[7]});
+  expectFound("read from a file");
+  EXPECT_FALSE(VdmFeature::open(ids[6]).isNull());
+  expectFound("one in memory");
+  m_drawing->startUndoRecord();
+  edit<VdmDbFeatureData>(ids[6])->erase();
+  expectFound("that one erased");
+}
+
 TEST_F(VdmDbFeatureManagerTest, EachStepIsUndoneByteForByte) {
   expectUndoable([this] { addHole(); });
   expectUndoable([this] {
