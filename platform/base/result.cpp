@@ -16,7 +16,6 @@ constexpr std::array kRows = {
 #define OD_RESULT(number, enumerator, text) ResultRow{number, #enumerator, text},
 #include "platform/base/result_rows.inc"
 #undef OD_RESULT
-    ResultRow{1092, "eOnLockedLayer", "the entity is on a locked layer"},  // locked_layers.h
 };
 
 // Sorted by number, which also proves that no number is given twice.

@@ -16,7 +16,7 @@ OD_RX_DEFINE_DB(OdDbDimStyleTableRecord, OdDbSymbolTableRecord, L"OdDbDimStyleTa
 namespace {
 
 // Checks of the rows.
-constexpr OdDbAnyValue isAny;
+constexpr OdDbAnyValue kIsAny;
 bool isNumber(double value) { return std::isfinite(value); }
 bool isSize(double value) { return std::isfinite(value) && value >= 0.0; }
 bool isFactor(double value) { return std::isfinite(value) && value > 0.0; }

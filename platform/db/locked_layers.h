@@ -1,16 +1,12 @@
-// Locked layers: what keeps their entities from being changed, and the ways through.
+// Locked layers: what keeps their entities from being changed, and the ways through. An entity on a
+// locked layer does not open for write: openObject() gives null, safeOpenObject() and upgradeOpen()
+// raise eOnLockedLayer. It can be read, and what was open for write before can be finished.
 #pragma once
 
-#include "platform/base/result.h"
 #include "platform/db/db_object.h"
 
 class OdDbDatabase;
 class OdDbEntity;
-
-/// An entity on a locked layer does not open for write: openObject() gives null, safeOpenObject()
-/// and upgradeOpen() raise this. It can be read, and what was open for write before can be
-/// finished.
-inline constexpr OdResult eOnLockedLayer = static_cast<OdResult>(1092);
 
 /// While it lives, entities of the drawing open for write whatever their layer. For services that
 /// keep a drawing consistent (cloning, mending, updating of what depends on a change), not for the

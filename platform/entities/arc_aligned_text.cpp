@@ -8,6 +8,7 @@
 #include "platform/db/text_style_table.h"
 #include "platform/entities/curve.h"
 #include "platform/entities/plane_move.h"
+#include "platform/entities/property_rows.h"
 #include "platform/entities/text_line.h"
 #include "platform/gi/stroke_font.h"
 
@@ -24,16 +25,10 @@ constexpr auto kIsOneOfTwo = [](OdUInt8 number) { return number == 1 || number =
 
 }  // namespace
 
-OdString OdDbArcAlignedText::textString() const { return read(m_text); }
-void OdDbArcAlignedText::setTextString(const OdString& text) { change(m_text, text); }
-OdGePoint3d OdDbArcAlignedText::center() const { return read(m_center); }
-void OdDbArcAlignedText::setCenter(const OdGePoint3d& center) {
-  change(m_center, oddbChecked(this, "centre", center));
-}
-double OdDbArcAlignedText::radius() const { return read(m_radius); }
-void OdDbArcAlignedText::setRadius(double radius) {
-  change(m_radius, oddbChecked(this, "radius", radius, oddbIsLength));
-}
+OD_DB_PROPERTY(OdDbArcAlignedText, OdString, textString, setTextString, m_text)
+OD_DB_CHECKED_PROPERTY(OdDbArcAlignedText, OdGePoint3d, center, setCenter, m_center, "centre")
+OD_DB_CHECKED_PROPERTY(OdDbArcAlignedText, double, radius, setRadius, m_radius, "radius",
+                       oddbIsLength)
 double OdDbArcAlignedText::startAngle() const { return read(m_start); }
 void OdDbArcAlignedText::setStartAngle(double angle) {
   change(m_start, oddbNormalAngle(oddbChecked(this, "start angle", angle, oddbIsNumber)));
@@ -42,38 +37,22 @@ double OdDbArcAlignedText::endAngle() const { return read(m_end); }
 void OdDbArcAlignedText::setEndAngle(double angle) {
   change(m_end, oddbNormalAngle(oddbChecked(this, "end angle", angle, oddbIsNumber)));
 }
-double OdDbArcAlignedText::textSize() const { return read(m_size); }
-void OdDbArcAlignedText::setTextSize(double height) {
-  change(m_size, oddbChecked(this, "height", height, oddbIsLength));
-}
-double OdDbArcAlignedText::xScale() const { return read(m_xScale); }
-void OdDbArcAlignedText::setXScale(double factor) {
-  change(m_xScale, oddbChecked(this, "width factor", factor, oddbIsWidthFactor));
-}
-double OdDbArcAlignedText::offsetFromArc() const { return read(m_offset); }
-void OdDbArcAlignedText::setOffsetFromArc(double offset) {
-  change(m_offset, oddbChecked(this, "offset", offset, oddbIsWidth));
-}
-double OdDbArcAlignedText::leftOffset() const { return read(m_left); }
-void OdDbArcAlignedText::setLeftOffset(double offset) {
-  change(m_left, oddbChecked(this, "left offset", offset, oddbIsNumber));
-}
-double OdDbArcAlignedText::rightOffset() const { return read(m_right); }
-void OdDbArcAlignedText::setRightOffset(double offset) {
-  change(m_right, oddbChecked(this, "right offset", offset, oddbIsNumber));
-}
-OdDb::ArcTextAlignment OdDbArcAlignedText::alignment() const { return read(m_alignment); }
-void OdDbArcAlignedText::setAlignment(OdDb::ArcTextAlignment alignment) {
-  change(m_alignment, oddbChecked(this, "alignment", alignment, kIsAlignment));
-}
-OdDb::ArcTextPosition OdDbArcAlignedText::textPosition() const { return read(m_position); }
-void OdDbArcAlignedText::setTextPosition(OdDb::ArcTextPosition position) {
-  change(m_position, oddbChecked(this, "position", position, kIsOneOfTwo));
-}
-OdDb::ArcTextDirection OdDbArcAlignedText::textDirection() const { return read(m_direction); }
-void OdDbArcAlignedText::setTextDirection(OdDb::ArcTextDirection direction) {
-  change(m_direction, oddbChecked(this, "direction", direction, kIsOneOfTwo));
-}
+OD_DB_CHECKED_PROPERTY(OdDbArcAlignedText, double, textSize, setTextSize, m_size, "height",
+                       oddbIsLength)
+OD_DB_CHECKED_PROPERTY(OdDbArcAlignedText, double, xScale, setXScale, m_xScale, "width factor",
+                       oddbIsWidthFactor)
+OD_DB_CHECKED_PROPERTY(OdDbArcAlignedText, double, offsetFromArc, setOffsetFromArc, m_offset,
+                       "offset", oddbIsWidth)
+OD_DB_CHECKED_PROPERTY(OdDbArcAlignedText, double, leftOffset, setLeftOffset, m_left, "left offset",
+                       oddbIsNumber)
+OD_DB_CHECKED_PROPERTY(OdDbArcAlignedText, double, rightOffset, setRightOffset, m_right,
+                       "right offset", oddbIsNumber)
+OD_DB_CHECKED_PROPERTY(OdDbArcAlignedText, OdDb::ArcTextAlignment, alignment, setAlignment,
+                       m_alignment, "alignment", kIsAlignment)
+OD_DB_CHECKED_PROPERTY(OdDbArcAlignedText, OdDb::ArcTextPosition, textPosition, setTextPosition,
+                       m_position, "position", kIsOneOfTwo)
+OD_DB_CHECKED_PROPERTY(OdDbArcAlignedText, OdDb::ArcTextDirection, textDirection, setTextDirection,
+                       m_direction, "direction", kIsOneOfTwo)
 
 // The text occupies a ring of its height beside the arc. Its base line is the inner circle of the
 // ring when the heads point outward, else the outer one.

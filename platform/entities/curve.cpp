@@ -21,13 +21,23 @@ bool OdDbCurve::isClosed() const {
   return getStartPoint(start) == eOk && getEndPoint(end) == eOk && start.isEqualTo(end);
 }
 
+OdResult OdDbCurve::getStartParam(double& parameter) const {
+  assertReadEnabled();
+  double end = 0.0;
+  return getRange(parameter, end);
+}
+
+OdResult OdDbCurve::getEndParam(double& parameter) const {
+  assertReadEnabled();
+  double start = 0.0;
+  return getRange(start, parameter);
+}
+
 OdResult OdDbCurve::getPointAtParam(double parameter, OdGePoint3d& point) const {
   assertReadEnabled();
   double start = 0.0;
   double end = 0.0;
-  OdResult result = getStartParam(start);
-  if (result == eOk) result = getEndParam(end);
-  if (result != eOk) return result;
+  if (const OdResult result = getRange(start, end); result != eOk) return result;
   const double slack = (end - start) * kParameterSlack;
   if (!(parameter >= start - slack && parameter <= end + slack)) return eInvalidInput;
   point = pointAt(std::clamp(parameter, start, end));

@@ -13,8 +13,9 @@ class OdDbCurve : public OdDbEntity {
 
   /// The end is the start.
   [[nodiscard]] virtual bool isClosed() const;
-  virtual OdResult getStartParam(double& parameter) const = 0;
-  virtual OdResult getEndParam(double& parameter) const = 0;
+  /// eDegenerateGeometry for a curve that has no place at all.
+  OdResult getStartParam(double& parameter) const;
+  OdResult getEndParam(double& parameter) const;
   /// In coordinates of the block. eInvalidInput outside of start and end; 1e-9 of that range beyond
   /// either is taken for it.
   OdResult getPointAtParam(double parameter, OdGePoint3d& point) const;
@@ -29,6 +30,8 @@ class OdDbCurve : public OdDbEntity {
  protected:
   bool subWorldDraw(OdGiWorldDraw* context) const override;
 
+  /// The parameters of start and end.
+  virtual OdResult getRange(double& start, double& end) const = 0;
   /// The point at a parameter within the curve.
   [[nodiscard]] virtual OdGePoint3d pointAt(double parameter) const = 0;
   /// Appends what chords() says.

@@ -9,6 +9,7 @@
 #include "platform/entities/line.h"
 #include "platform/entities/mtext.h"
 #include "platform/entities/polyline.h"
+#include "platform/entities/property_rows.h"
 #include "platform/gi/world_draw.h"
 
 OD_RX_DEFINE_ABSTRACT(OdDbDimension, OdDbEntity, L"OdDbDimension")
@@ -47,20 +48,14 @@ void OdDbDimension::setPoint(OdUInt32 index, const char* what, const OdGePoint3d
   noteGraphicsModified();
 }
 
-OdString OdDbDimension::dimensionText() const { return read(m_text); }
-void OdDbDimension::setDimensionText(const OdString& text) { change(m_text, text); }
+OD_DB_PROPERTY(OdDbDimension, OdString, dimensionText, setDimensionText, m_text)
 bool OdDbDimension::isUsingDefaultTextPosition() const { return read(m_usualPlace); }
 void OdDbDimension::useDefaultTextPosition() { change(m_usualPlace, true); }
-double OdDbDimension::textRotation() const { return read(m_textRotation); }
-void OdDbDimension::setTextRotation(double angle) {
-  change(m_textRotation, oddbChecked(this, "text rotation", angle, oddbIsNumber));
-}
-double OdDbDimension::horizontalRotation() const { return read(m_horizontal); }
-void OdDbDimension::setHorizontalRotation(double angle) {
-  change(m_horizontal, oddbChecked(this, "horizontal rotation", angle, oddbIsNumber));
-}
-OdDbObjectId OdDbDimension::dimensionStyle() const { return read(m_style); }
-void OdDbDimension::setDimensionStyle(const OdDbObjectId& style) { change(m_style, style); }
+OD_DB_CHECKED_PROPERTY(OdDbDimension, double, textRotation, setTextRotation, m_textRotation,
+                       "text rotation", oddbIsNumber)
+OD_DB_CHECKED_PROPERTY(OdDbDimension, double, horizontalRotation, setHorizontalRotation,
+                       m_horizontal, "horizontal rotation", oddbIsNumber)
+OD_DB_PROPERTY(OdDbDimension, OdDbObjectId, dimensionStyle, setDimensionStyle, m_style)
 
 OdGePoint3d OdDbDimension::textPosition() const {
   if (!isUsingDefaultTextPosition()) return m_textPosition;

@@ -6,6 +6,7 @@
 
 #include "platform/base/error.h"
 #include "platform/db/field_list.h"
+#include "platform/entities/property_rows.h"
 
 OD_RX_DEFINE_DB(OdDbEllipse, OdDbCurve, L"OdDbEllipse", 0, 0, 0, L"ELLIPSE", OdString())
 
@@ -67,18 +68,13 @@ void OdDbEllipse::set(const OdGePoint3d& center, const OdGeVector3d& normal,
   change(m_end, end);
 }
 
-OdGePoint3d OdDbEllipse::center() const { return read(m_center); }
-void OdDbEllipse::setCenter(const OdGePoint3d& center) {
-  change(m_center, oddbChecked(this, "centre", center));
-}
+OD_DB_CHECKED_PROPERTY(OdDbEllipse, OdGePoint3d, center, setCenter, m_center, "centre")
 OdGeVector3d OdDbEllipse::majorAxis() const { return read(m_major); }
 OdGeVector3d OdDbEllipse::minorAxis() const {
   return m_normal.crossProduct(read(m_major)) * m_ratio;
 }
-double OdDbEllipse::radiusRatio() const { return read(m_ratio); }
-void OdDbEllipse::setRadiusRatio(double ratio) {
-  change(m_ratio, oddbChecked(this, "radius ratio", ratio, isRatio));
-}
+OD_DB_CHECKED_PROPERTY(OdDbEllipse, double, radiusRatio, setRadiusRatio, m_ratio, "radius ratio",
+                       isRatio)
 double OdDbEllipse::startParam() const { return read(m_start); }
 double OdDbEllipse::endParam() const { return read(m_end); }
 double OdDbEllipse::startAngle() const { return angleAtParam(startParam()); }
@@ -104,13 +100,9 @@ void OdDbEllipse::setNormal(const OdGeVector3d& normal) {
   change(m_normal, unit);
 }
 
-OdResult OdDbEllipse::getStartParam(double& parameter) const {
-  parameter = startParam();
-  return eOk;
-}
-
-OdResult OdDbEllipse::getEndParam(double& parameter) const {
-  parameter = endParam();
+OdResult OdDbEllipse::getRange(double& start, double& end) const {
+  start = startParam();
+  end = endParam();
   return eOk;
 }
 

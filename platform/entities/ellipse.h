@@ -41,14 +41,13 @@ class OdDbEllipse : public OdDbPlanar<OdDbCurve> {
   /// The major axis is turned with the normal; raises eInvalidInput when they are parallel then.
   void setNormal(const OdGeVector3d& normal);
 
-  OdResult getStartParam(double& parameter) const override;
-  OdResult getEndParam(double& parameter) const override;
   /// By Simpson's rule over 256 pieces; within 1e-9 of itself for ratios from 0.05.
   [[nodiscard]] double length() const override;
   OdResult getGeomExtents(OdGeExtents3d& extents) const override;
 
  protected:
   OdResult subTransformBy(const OdGeMatrix3d& transform) override;
+  OdResult getRange(double& start, double& end) const override;
   [[nodiscard]] OdGePoint3d pointAt(double parameter) const override;
   void addChords(double deviation, std::vector<OdGePoint3d>& points) const override;
 

@@ -10,6 +10,7 @@
 #include "platform/db/field_list.h"
 #include "platform/entities/arc_chords.h"
 #include "platform/entities/curve.h"
+#include "platform/entities/property_rows.h"
 #include "platform/gi/world_draw.h"
 
 OD_RX_DEFINE_DB(OdDbHatch, OdDbEntity, L"OdDbHatch", 0, 0, 0, L"HATCH", OdString())
@@ -116,14 +117,10 @@ void OdDbHatch::removeLoopAt(OdUInt32 index) {
   noteGraphicsModified();
 }
 
-double OdDbHatch::elevation() const { return read(m_elevation); }
-void OdDbHatch::setElevation(double elevation) {
-  change(m_elevation, oddbChecked(this, "elevation", elevation, oddbIsNumber));
-}
-OdDb::HatchStyle OdDbHatch::hatchStyle() const { return read(m_style); }
-void OdDbHatch::setHatchStyle(OdDb::HatchStyle style) {
-  change(m_style, oddbChecked(this, "style", style, kIsStyle));
-}
+OD_DB_CHECKED_PROPERTY(OdDbHatch, double, elevation, setElevation, m_elevation, "elevation",
+                       oddbIsNumber)
+OD_DB_CHECKED_PROPERTY(OdDbHatch, OdDb::HatchStyle, hatchStyle, setHatchStyle, m_style, "style",
+                       kIsStyle)
 
 // ---- Pattern
 

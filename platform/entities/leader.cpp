@@ -10,6 +10,7 @@
 #include "platform/entities/arrowhead.h"
 #include "platform/entities/dimension_style_values.h"
 #include "platform/entities/plane_move.h"
+#include "platform/entities/property_rows.h"
 #include "platform/gi/world_draw.h"
 
 OD_RX_DEFINE_DB(OdDbLeader, OdDbCurve, L"OdDbLeader", 0, 0, 0, L"LEADER", OdString())
@@ -44,26 +45,15 @@ void OdDbLeader::setVertexAt(OdUInt32 index, const OdGePoint3d& point) {
   noteGraphicsModified();
 }
 
-bool OdDbLeader::hasArrowHead() const { return read(m_arrow); }
-void OdDbLeader::enableArrowHead(bool enabled) { change(m_arrow, enabled); }
-bool OdDbLeader::hasHookLine() const { return read(m_hookLine); }
-void OdDbLeader::enableHookLine(bool enabled) { change(m_hookLine, enabled); }
-OdDbObjectId OdDbLeader::annotationObjId() const { return read(m_annotation); }
-void OdDbLeader::attachAnnotation(const OdDbObjectId& annotation) {
-  change(m_annotation, annotation);
-}
-OdDbObjectId OdDbLeader::dimensionStyle() const { return read(m_style); }
-void OdDbLeader::setDimensionStyle(const OdDbObjectId& style) { change(m_style, style); }
+OD_DB_PROPERTY(OdDbLeader, bool, hasArrowHead, enableArrowHead, m_arrow)
+OD_DB_PROPERTY(OdDbLeader, bool, hasHookLine, enableHookLine, m_hookLine)
+OD_DB_PROPERTY(OdDbLeader, OdDbObjectId, annotationObjId, attachAnnotation, m_annotation)
+OD_DB_PROPERTY(OdDbLeader, OdDbObjectId, dimensionStyle, setDimensionStyle, m_style)
 
-OdResult OdDbLeader::getStartParam(double& parameter) const {
+OdResult OdDbLeader::getRange(double& start, double& end) const {
   if (numVertices() < 2) return eDegenerateGeometry;
-  parameter = 0.0;
-  return eOk;
-}
-
-OdResult OdDbLeader::getEndParam(double& parameter) const {
-  if (numVertices() < 2) return eDegenerateGeometry;
-  parameter = numVertices() - 1;
+  start = 0.0;
+  end = numVertices() - 1;
   return eOk;
 }
 

@@ -35,14 +35,14 @@ class OdDbLeader : public OdDbBoundedByDrawing<OdDbPlanar<OdDbCurve>> {
   [[nodiscard]] OdDbObjectId dimensionStyle() const;
   void setDimensionStyle(const OdDbObjectId& style);
 
-  OdResult getStartParam(double& parameter) const override;
-  OdResult getEndParam(double& parameter) const override;
   [[nodiscard]] double length() const override;
   [[nodiscard]] std::size_t approximateSize() const override;
 
  protected:
   bool subWorldDraw(OdGiWorldDraw* context) const override;
   OdResult subTransformBy(const OdGeMatrix3d& transform) override;
+  /// eDegenerateGeometry for a run without a segment.
+  OdResult getRange(double& start, double& end) const override;
   [[nodiscard]] OdGePoint3d pointAt(double parameter) const override;
   void addChords(double deviation, std::vector<OdGePoint3d>& points) const override;
 

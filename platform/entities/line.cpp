@@ -14,14 +14,9 @@ void OdDbLine::setEndPoint(const OdGePoint3d& point) {
   change(m_end, oddbChecked(this, "end", point));
 }
 
-OdResult OdDbLine::getStartParam(double& parameter) const {
-  assertReadEnabled();
-  parameter = 0.0;
-  return eOk;
-}
-
-OdResult OdDbLine::getEndParam(double& parameter) const {
-  parameter = length();
+OdResult OdDbLine::getRange(double& start, double& end) const {
+  start = 0.0;
+  end = length();
   return eOk;
 }
 

@@ -17,13 +17,12 @@ class OdDbLine : public OdDbThick<OdDbCurve> {
   void setStartPoint(const OdGePoint3d& point);
   void setEndPoint(const OdGePoint3d& point);
 
-  OdResult getStartParam(double& parameter) const override;
-  OdResult getEndParam(double& parameter) const override;
   [[nodiscard]] double length() const override;
   OdResult getGeomExtents(OdGeExtents3d& extents) const override;
 
  protected:
   OdResult subTransformBy(const OdGeMatrix3d& transform) override;
+  OdResult getRange(double& start, double& end) const override;
   [[nodiscard]] OdGePoint3d pointAt(double parameter) const override;
   void addChords(double deviation, std::vector<OdGePoint3d>& points) const override;
   [[nodiscard]] OdGeVector3d extrusion() const override { return m_normal * m_thickness; }

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "platform/db/field_list.h"
+#include "platform/entities/property_rows.h"
 
 OD_RX_DEFINE_DB(OdDbAlignedDimension, OdDbDimension, L"OdDbAlignedDimension", 0, 0, 0,
                 L"DIMENSION_ALIGNED", OdString())
@@ -38,10 +39,8 @@ OdGeVector3d OdDbRotatedDimension::along() const {
   return OdDbPlaneFrame(normal()).direction(m_rotation);
 }
 
-double OdDbRotatedDimension::rotation() const { return read(m_rotation); }
-void OdDbRotatedDimension::setRotation(double angle) {
-  change(m_rotation, oddbChecked(this, "rotation", angle, oddbIsNumber));
-}
+OD_DB_CHECKED_PROPERTY(OdDbRotatedDimension, double, rotation, setRotation, m_rotation, "rotation",
+                       oddbIsNumber)
 
 // Fields of both begin with those of a dimension. Its points: first, second, a point of the line.
 //

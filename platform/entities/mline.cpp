@@ -11,6 +11,7 @@
 #include "platform/entities/curve.h"
 #include "platform/entities/line.h"
 #include "platform/entities/plane_move.h"
+#include "platform/entities/property_rows.h"
 #include "platform/gi/world_draw.h"
 
 OD_RX_DEFINE_DB(OdDbMline, OdDbEntity, L"OdDbMline", 0, 0, 0, L"MLINE", OdString())
@@ -52,18 +53,11 @@ bool OdDbMline::removeLastSeg(OdGePoint3d& last) {
 }
 
 OdGePoint3d OdDbMline::vertexAt(OdUInt32 index) const { return read(m_vertices)[index]; }
-bool OdDbMline::closedMline() const { return read(m_closed); }
-void OdDbMline::setClosedMline(bool closed) { change(m_closed, closed); }
-double OdDbMline::scale() const { return read(m_scale); }
-void OdDbMline::setScale(double scale) {
-  change(m_scale, oddbChecked(this, "scale", scale, kIsScale));
-}
-OdDb::MlineJustification OdDbMline::justification() const { return read(m_justification); }
-void OdDbMline::setJustification(OdDb::MlineJustification justification) {
-  change(m_justification, oddbChecked(this, "justification", justification, kIsJustification));
-}
-OdDbObjectId OdDbMline::style() const { return read(m_style); }
-void OdDbMline::setStyle(const OdDbObjectId& style) { change(m_style, style); }
+OD_DB_PROPERTY(OdDbMline, bool, closedMline, setClosedMline, m_closed)
+OD_DB_CHECKED_PROPERTY(OdDbMline, double, scale, setScale, m_scale, "scale", kIsScale)
+OD_DB_CHECKED_PROPERTY(OdDbMline, OdDb::MlineJustification, justification, setJustification,
+                       m_justification, "justification", kIsJustification)
+OD_DB_PROPERTY(OdDbMline, OdDbObjectId, style, setStyle, m_style)
 
 // For each vertex the way from there to a line that is 1 to the left of the path. At a corner it
 // halves the angle, and its length is one by the cosine of half the turn.

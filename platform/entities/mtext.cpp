@@ -6,6 +6,7 @@
 #include "platform/db/text_style_table.h"
 #include "platform/entities/curve.h"
 #include "platform/entities/plane_move.h"
+#include "platform/entities/property_rows.h"
 
 OD_RX_DEFINE_DB(OdDbMText, OdDbEntity, L"OdDbMText", 0, 0, 0, L"MTEXT", OdString())
 
@@ -15,13 +16,9 @@ bool isSpacing(double factor) { return factor >= 0.25 && factor <= 4.0; }
 
 }  // namespace
 
-OdString OdDbMText::contents() const { return read(m_contents); }
-void OdDbMText::setContents(const OdString& contents) { change(m_contents, contents); }
+OD_DB_PROPERTY(OdDbMText, OdString, contents, setContents, m_contents)
 OdString OdDbMText::text() const { return block().plainText(); }
-OdGePoint3d OdDbMText::location() const { return read(m_location); }
-void OdDbMText::setLocation(const OdGePoint3d& location) {
-  change(m_location, oddbChecked(this, "location", location));
-}
+OD_DB_CHECKED_PROPERTY(OdDbMText, OdGePoint3d, location, setLocation, m_location, "location")
 OdGeVector3d OdDbMText::direction() const { return read(m_direction); }
 void OdDbMText::setDirection(const OdGeVector3d& direction) {
   const OdGeVector3d flat = direction - normal() * direction.dotProduct(m_normal);
@@ -38,22 +35,13 @@ void OdDbMText::setNormal(const OdGeVector3d& normal) {
   OdDbPlanar::setNormal(normal);
   setRotation(angle);
 }
-double OdDbMText::width() const { return read(m_width); }
-void OdDbMText::setWidth(double width) {
-  change(m_width, oddbChecked(this, "width", width, oddbIsWidth));
-}
-double OdDbMText::textHeight() const { return read(m_height); }
-void OdDbMText::setTextHeight(double height) {
-  change(m_height, oddbChecked(this, "height", height, oddbIsLength));
-}
-OdDb::AttachmentPoint OdDbMText::attachment() const { return read(m_attachment); }
-void OdDbMText::setAttachment(OdDb::AttachmentPoint attachment) {
-  change(m_attachment, oddbChecked(this, "attachment", attachment, oddbIsAttachment));
-}
-double OdDbMText::lineSpacingFactor() const { return read(m_spacing); }
-void OdDbMText::setLineSpacingFactor(double factor) {
-  change(m_spacing, oddbChecked(this, "line spacing", factor, isSpacing));
-}
+OD_DB_CHECKED_PROPERTY(OdDbMText, double, width, setWidth, m_width, "width", oddbIsWidth)
+OD_DB_CHECKED_PROPERTY(OdDbMText, double, textHeight, setTextHeight, m_height, "height",
+                       oddbIsLength)
+OD_DB_CHECKED_PROPERTY(OdDbMText, OdDb::AttachmentPoint, attachment, setAttachment, m_attachment,
+                       "attachment", oddbIsAttachment)
+OD_DB_CHECKED_PROPERTY(OdDbMText, double, lineSpacingFactor, setLineSpacingFactor, m_spacing,
+                       "line spacing", isSpacing)
 double OdDbMText::actualWidth() const { return block().width(); }
 double OdDbMText::actualHeight() const { return block().height(); }
 

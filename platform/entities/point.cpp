@@ -9,6 +9,7 @@
 #include "platform/entities/arc_chords.h"
 #include "platform/entities/curve.h"
 #include "platform/entities/plane_move.h"
+#include "platform/entities/property_rows.h"
 #include "platform/gi/world_draw.h"
 
 OD_RX_DEFINE_DB(OdDbPoint, OdDbEntity, L"OdDbPoint", 0, 0, 0, L"POINT", OdString())
@@ -41,14 +42,9 @@ double settingOf(const OdDbDatabase* drawing, const char* name, double otherwise
 
 }  // namespace
 
-OdGePoint3d OdDbPoint::position() const { return read(m_position); }
-void OdDbPoint::setPosition(const OdGePoint3d& position) {
-  change(m_position, oddbChecked(this, "position", position));
-}
-double OdDbPoint::ecsRotation() const { return read(m_rotation); }
-void OdDbPoint::setEcsRotation(double angle) {
-  change(m_rotation, oddbChecked(this, "rotation", angle, oddbIsNumber));
-}
+OD_DB_CHECKED_PROPERTY(OdDbPoint, OdGePoint3d, position, setPosition, m_position, "position")
+OD_DB_CHECKED_PROPERTY(OdDbPoint, double, ecsRotation, setEcsRotation, m_rotation, "rotation",
+                       oddbIsNumber)
 
 OdResult OdDbPoint::getGeomExtents(OdGeExtents3d& extents) const {
   OdGeExtents3d box;

@@ -2,25 +2,14 @@
 #include "platform/entities/round_curve.h"
 
 #include "platform/entities/ellipse.h"
+#include "platform/entities/property_rows.h"
 
-OdGePoint3d OdDbRoundCurve::center() const { return read(m_center); }
-void OdDbRoundCurve::setCenter(const OdGePoint3d& center) {
-  change(m_center, oddbChecked(this, "centre", center));
-}
-double OdDbRoundCurve::radius() const { return read(m_radius); }
-void OdDbRoundCurve::setRadius(double radius) {
-  change(m_radius, oddbChecked(this, "radius", radius, oddbIsLength));
-}
+OD_DB_CHECKED_PROPERTY(OdDbRoundCurve, OdGePoint3d, center, setCenter, m_center, "centre")
+OD_DB_CHECKED_PROPERTY(OdDbRoundCurve, double, radius, setRadius, m_radius, "radius", oddbIsLength)
 
-OdResult OdDbRoundCurve::getStartParam(double& parameter) const {
-  assertReadEnabled();
-  parameter = startOf();
-  return eOk;
-}
-
-OdResult OdDbRoundCurve::getEndParam(double& parameter) const {
-  assertReadEnabled();
-  parameter = startOf() + sweepOf();
+OdResult OdDbRoundCurve::getRange(double& start, double& end) const {
+  start = startOf();
+  end = start + sweepOf();
   return eOk;
 }
 

@@ -18,8 +18,6 @@ class OdDbRoundCurve : public OdDbThick<OdDbCurve> {
   /// Raises eInvalidInput for a radius that is not positive and finite.
   void setRadius(double radius);
 
-  OdResult getStartParam(double& parameter) const override;
-  OdResult getEndParam(double& parameter) const override;
   [[nodiscard]] double length() const override;
   OdResult getGeomExtents(OdGeExtents3d& extents) const override;
 
@@ -28,6 +26,7 @@ class OdDbRoundCurve : public OdDbThick<OdDbCurve> {
   OdResult subTransformBy(const OdGeMatrix3d& transform) override;
   /// An ellipse.
   [[nodiscard]] OdDbEntityPtr subMoreGeneral() const override;
+  OdResult getRange(double& start, double& end) const override;
   [[nodiscard]] OdGePoint3d pointAt(double parameter) const override;
   void addChords(double deviation, std::vector<OdGePoint3d>& points) const override;
   [[nodiscard]] OdGeVector3d extrusion() const override { return m_normal * m_thickness; }

@@ -2,16 +2,15 @@
 #include "platform/entities/round_dimension.h"
 
 #include "platform/db/field_list.h"
+#include "platform/entities/property_rows.h"
 
 OD_RX_DEFINE_DB(OdDbRadialDimension, OdDbDimension, L"OdDbRadialDimension", 0, 0, 0,
                 L"DIMENSION_RADIAL", OdString())
 OD_RX_DEFINE_DB(OdDbDiametricDimension, OdDbDimension, L"OdDbDiametricDimension", 0, 0, 0,
                 L"DIMENSION_DIAMETRIC", OdString())
 
-double OdDbRoundDimension::leaderLength() const { return read(m_leader); }
-void OdDbRoundDimension::setLeaderLength(double length) {
-  change(m_leader, oddbChecked(this, "leader length", length, oddbIsWidth));
-}
+OD_DB_CHECKED_PROPERTY(OdDbRoundDimension, double, leaderLength, setLeaderLength, m_leader,
+                       "leader length", oddbIsWidth)
 
 void OdDbRoundDimension::addRadialLine(OdDbDimPicture& picture, const OdGePoint3d& from,
                                        const OdGePoint3d& on) const {

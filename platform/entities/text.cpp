@@ -8,6 +8,7 @@
 #include "platform/db/text_style_table.h"
 #include "platform/entities/curve.h"
 #include "platform/entities/plane_move.h"
+#include "platform/entities/property_rows.h"
 #include "platform/gi/stroke_font.h"
 #include "platform/gi/world_draw.h"
 
@@ -27,47 +28,26 @@ constexpr double kUp[] = {0.0, -kDescender, 0.5, 1.0};
 
 }  // namespace
 
-OdString OdDbText::textString() const { return read(m_text); }
-void OdDbText::setTextString(const OdString& text) { change(m_text, text); }
-OdGePoint3d OdDbText::position() const { return read(m_position); }
-void OdDbText::setPosition(const OdGePoint3d& position) {
-  change(m_position, oddbChecked(this, "position", position));
-}
-OdGePoint3d OdDbText::alignmentPoint() const { return read(m_alignment); }
-void OdDbText::setAlignmentPoint(const OdGePoint3d& point) {
-  change(m_alignment, oddbChecked(this, "alignment point", point));
-}
+OD_DB_PROPERTY(OdDbText, OdString, textString, setTextString, m_text)
+OD_DB_CHECKED_PROPERTY(OdDbText, OdGePoint3d, position, setPosition, m_position, "position")
+OD_DB_CHECKED_PROPERTY(OdDbText, OdGePoint3d, alignmentPoint, setAlignmentPoint, m_alignment,
+                       "alignment point")
 bool OdDbText::usesAlignmentPoint() const {
   return read(m_horizontal) != OdDb::kTextLeft || m_vertical != OdDb::kTextBase;
 }
-OdDb::TextHorzMode OdDbText::horizontalMode() const { return read(m_horizontal); }
-void OdDbText::setHorizontalMode(OdDb::TextHorzMode mode) {
-  change(m_horizontal, oddbChecked(this, "horizontal mode", mode, kIsHorizontal));
-}
-OdDb::TextVertMode OdDbText::verticalMode() const { return read(m_vertical); }
-void OdDbText::setVerticalMode(OdDb::TextVertMode mode) {
-  change(m_vertical, oddbChecked(this, "vertical mode", mode, kIsVertical));
-}
-double OdDbText::height() const { return read(m_height); }
-void OdDbText::setHeight(double height) {
-  change(m_height, oddbChecked(this, "height", height, oddbIsLength));
-}
-double OdDbText::rotation() const { return read(m_rotation); }
-void OdDbText::setRotation(double angle) {
-  change(m_rotation, oddbChecked(this, "rotation", angle, oddbIsNumber));
-}
-double OdDbText::widthFactor() const { return read(m_widthFactor); }
-void OdDbText::setWidthFactor(double factor) {
-  change(m_widthFactor, oddbChecked(this, "width factor", factor, oddbIsWidthFactor));
-}
-double OdDbText::oblique() const { return read(m_oblique); }
-void OdDbText::setOblique(double angle) {
-  change(m_oblique, oddbChecked(this, "slant", angle, oddbIsObliquingAngle));
-}
-bool OdDbText::isMirroredInX() const { return read(m_mirroredInX); }
-void OdDbText::mirrorInX(bool mirrored) { change(m_mirroredInX, mirrored); }
-bool OdDbText::isMirroredInY() const { return read(m_mirroredInY); }
-void OdDbText::mirrorInY(bool mirrored) { change(m_mirroredInY, mirrored); }
+OD_DB_CHECKED_PROPERTY(OdDbText, OdDb::TextHorzMode, horizontalMode, setHorizontalMode,
+                       m_horizontal, "horizontal mode", kIsHorizontal)
+OD_DB_CHECKED_PROPERTY(OdDbText, OdDb::TextVertMode, verticalMode, setVerticalMode, m_vertical,
+                       "vertical mode", kIsVertical)
+OD_DB_CHECKED_PROPERTY(OdDbText, double, height, setHeight, m_height, "height", oddbIsLength)
+OD_DB_CHECKED_PROPERTY(OdDbText, double, rotation, setRotation, m_rotation, "rotation",
+                       oddbIsNumber)
+OD_DB_CHECKED_PROPERTY(OdDbText, double, widthFactor, setWidthFactor, m_widthFactor, "width factor",
+                       oddbIsWidthFactor)
+OD_DB_CHECKED_PROPERTY(OdDbText, double, oblique, setOblique, m_oblique, "slant",
+                       oddbIsObliquingAngle)
+OD_DB_PROPERTY(OdDbText, bool, isMirroredInX, mirrorInX, m_mirroredInX)
+OD_DB_PROPERTY(OdDbText, bool, isMirroredInY, mirrorInY, m_mirroredInY)
 
 void OdDbText::setTextDefaults(OdDbDatabase* drawing) {
   const OdDbTextStyleTableRecordPtr style =

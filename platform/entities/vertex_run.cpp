@@ -13,6 +13,7 @@
 #include "platform/base/error.h"
 #include "platform/entities/arc.h"
 #include "platform/entities/line.h"
+#include "platform/entities/property_rows.h"
 #include "platform/gi/world_draw.h"
 
 namespace {
@@ -148,12 +149,9 @@ void OdDbVertexRun::setConstantWidth(double width) {
 
 bool OdDbVertexRun::hasBulges() const { return !read(m_bulges).isEmpty(); }
 bool OdDbVertexRun::hasWidth() const { return !read(m_widths).isEmpty(); }
-double OdDbVertexRun::elevation() const { return read(m_elevation); }
-void OdDbVertexRun::setElevation(double elevation) {
-  change(m_elevation, oddbChecked(this, "elevation", elevation, oddbIsNumber));
-}
-bool OdDbVertexRun::isClosed() const { return read(m_closed); }
-void OdDbVertexRun::setClosed(bool closed) { change(m_closed, closed); }
+OD_DB_CHECKED_PROPERTY(OdDbVertexRun, double, elevation, setElevation, m_elevation, "elevation",
+                       oddbIsNumber)
+OD_DB_PROPERTY(OdDbVertexRun, bool, isClosed, setClosed, m_closed)
 
 OdUInt32 OdDbVertexRun::numSegments() const {
   const OdUInt32 count = numVerts();
@@ -189,15 +187,10 @@ double OdDbVertexRun::segmentLength(OdUInt32 segment) const {
   return arc.radius * std::abs(arc.sweep);
 }
 
-OdResult OdDbVertexRun::getStartParam(double& parameter) const {
+OdResult OdDbVertexRun::getRange(double& start, double& end) const {
   if (numSegments() == 0) return eDegenerateGeometry;
-  parameter = 0.0;
-  return eOk;
-}
-
-OdResult OdDbVertexRun::getEndParam(double& parameter) const {
-  if (numSegments() == 0) return eDegenerateGeometry;
-  parameter = numSegments();
+  start = 0.0;
+  end = numSegments();
   return eOk;
 }
 

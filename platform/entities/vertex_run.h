@@ -44,9 +44,6 @@ class OdDbVertexRun : public OdDbThick<OdDbCurve> {
   /// Segments that are drawn; 0 for fewer than two vertices.
   [[nodiscard]] OdUInt32 numSegments() const;
 
-  OdResult getStartParam(double& parameter) const override;
-  /// eDegenerateGeometry for a run without a segment; so getEndParam().
-  OdResult getEndParam(double& parameter) const override;
   [[nodiscard]] double length() const override;
   OdResult getGeomExtents(OdGeExtents3d& extents) const override;
   /// Lines and arcs.
@@ -58,6 +55,8 @@ class OdDbVertexRun : public OdDbThick<OdDbCurve> {
   /// eCannotScaleNonUniformly for a run with arcs or widths under a transform that is not similar
   /// in its plane.
   OdResult subTransformBy(const OdGeMatrix3d& transform) override;
+  /// eDegenerateGeometry for a run without a segment.
+  OdResult getRange(double& start, double& end) const override;
   [[nodiscard]] OdGePoint3d pointAt(double parameter) const override;
   void addChords(double deviation, std::vector<OdGePoint3d>& points) const override;
   [[nodiscard]] OdGeVector3d extrusion() const override { return m_normal * m_thickness; }

@@ -53,7 +53,6 @@ std::uint64_t localSize(std::uint64_t payloadSize) {
 }
 
 // ---- Columns
-// -------------------------------------------------------------------------------------
 
 struct Column {
   std::uint64_t type = 0;
@@ -109,7 +108,6 @@ std::size_t takeColumns(std::string_view payload, std::array<Column, kMaxColumns
 }  // namespace
 
 // ---- TreePage
-// ------------------------------------------------------------------------------------
 
 TreePage::TreePage(const std::uint8_t* bytes, std::uint32_t number)
     : m_bytes(bytes), m_start(number == 1 ? kFileHeaderBytes : 0) {
@@ -159,7 +157,6 @@ bool TreePage::leafCell(std::size_t index, LeafCell& cell) const {
 }
 
 // ---- Rows
-// ----------------------------------------------------------------------------------------
 
 bool decodeRow(std::int64_t key, std::string_view payload, StoredRow& row) {
   std::array<Column, kMaxColumns> columns;

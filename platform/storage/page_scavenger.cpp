@@ -100,7 +100,6 @@ void PageScavenger::lostSpan(std::uint32_t number, const char* why, KeySpan keys
 }
 
 // ---- Phase 1: trees
-// ------------------------------------------------------------------------------
 
 void PageScavenger::walkTrees() {
   for (const Root& root : kRoots) {
@@ -198,7 +197,6 @@ bool PageScavenger::readPayload(const TreePage::LeafCell& cell) {
 }
 
 // ---- Phase 2: pages without a tree
-// ---------------------------------------------------------------
 
 void PageScavenger::searchLostPages() {
   m_free = listFreePages();
@@ -250,7 +248,6 @@ std::vector<std::uint32_t> PageScavenger::listFreePages() const {
 }
 
 // ---- Phase 3: free pages that may be in use
-// ---------------------------------------------------------------
 
 /// Orders what the trees lost, and makes one span of those that overlap.
 void PageScavenger::sortLostRows() {
@@ -290,7 +287,6 @@ void PageScavenger::searchFreePages() {
 }
 
 // ---- What was found
-// ---------------------------------------------------------------------
 
 /// Keeps one row per key: the one of the best origin, from the earliest page.
 void PageScavenger::sortRows() {

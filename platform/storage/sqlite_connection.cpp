@@ -81,7 +81,6 @@ constexpr const char* kFreshPragmas =
 }  // namespace
 
 // ---- Statement
-// -----------------------------------------------------------------------------------
 
 int Statement::prepare(sqlite3* connection, std::string_view sql) {
   sqlite3_stmt* statement = nullptr;
@@ -114,7 +113,6 @@ std::string_view Statement::bytes(int column) const {
 }
 
 // ---- Connection
-// ----------------------------------------------------------------------------------
 
 OdStatus Connection::open(const std::string& path, ConnectionMode mode,
                           const ConnectionOptions& options) {

@@ -39,7 +39,6 @@ SqliteStore::SqliteStore(std::shared_ptr<const StoreEnvironment> environment, Od
 SqliteStore::~SqliteStore() { closeConnection(); }
 
 // ---- Helpers
-// -------------------------------------------------------------------------------------
 
 OdStatus SqliteStore::fail(OdResult code, const std::string& what) const {
   return failure(code, m_path, what);
@@ -70,7 +69,6 @@ OdStatus SqliteStore::checkUnchanged() {
 }
 
 // ---- Single records
-// ------------------------------------------------------------------------------
 
 OdStatus SqliteStore::readRecord(OdUInt64 handle, OdDbRecordView& record) {
   record = {};
@@ -160,7 +158,6 @@ OdStatus SqliteStore::readRecordHeader(OdUInt64 handle, OdUInt32& classId, OdUIn
 }
 
 // ---- All records
-// ---------------------------------------------------------------------------------
 
 /// Steps through all rows of `sql` in rising handle order. `visit(row)` returns false to stop and
 /// reports failures through its status argument. The statement is the walk's own, so that a

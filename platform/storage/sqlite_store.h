@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -15,6 +16,9 @@
 #include "platform/storage/sqlite_connection.h"
 
 namespace odstorage {
+
+/// What a save that fails was doing, for messages.
+inline constexpr std::string_view kSaving = "saving";
 
 /// An open drawing file. Three forms:
 ///

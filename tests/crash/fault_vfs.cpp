@@ -37,7 +37,6 @@ Verdict judge(FileEvent event) {
 }
 
 // ---- Files below SQLite
-// --------------------------------------------------------------------------
 
 struct FaultFile {
   sqlite3_file base;
@@ -156,7 +155,6 @@ const char* faultVfsName() {
 }
 
 // ---- Whole files
-// ---------------------------------------------------------------------------------
 
 int FaultFileOps::createExclusive(const std::string& path) {
   if (judge({Kind::kCreate, path}) == Verdict::kFail) return ENOSPC;

@@ -22,56 +22,46 @@ VdmBlob blob(const EditContext& context, std::size_t size) {
 }
 
 // A value of any type under the key; one of another type that stands there is replaced.
-void setValue(const EditContext& context, VdmProperties& bag, const OdString& key) {
+bool setValue(const EditContext& context, VdmProperties& bag, const OdString& key) {
   RandomSource& random = context.random();
   bag.removeProperty(key);
   switch (random.below(12)) {
     case 0:
-      bag.setProperty(key, context.text());
-      break;
+      return bag.setProperty(key, context.text());
     case 1:
-      bag.setProperty(key, static_cast<OdLong>(random.next()));
-      break;
+      return bag.setProperty(key, static_cast<OdLong>(random.next()));
     case 2:
-      bag.setProperty(key, random.coordinate());
-      break;
+      return bag.setProperty(key, random.coordinate());
     case 3:
-      bag.setProperty(key, random.chance(50));
-      break;
+      return bag.setProperty(key, random.chance(50));
     case 4:
-      bag.setProperty(key, static_cast<signed char>(random.next()));
-      break;
+      return bag.setProperty(key, static_cast<signed char>(random.next()));
     case 5:
-      bag.setProperty(key, context.pick(OdDbObject::desc()).getHandle());
-      break;
+      return bag.setProperty(key, context.pick(OdDbObject::desc()).getHandle());
     case 6: {
       const OdDbTypedId id = typedId(context);
-      bag.setProperty(key, id.id, id.type);
-      break;
+      return bag.setProperty(key, id.id, id.type);
     }
     case 7:
-      bag.setProperty(key, VdmDoubleArray{0.5, random.coordinate()});
-      break;
+      return bag.setProperty(key, VdmDoubleArray{0.5, random.coordinate()});
     case 8: {
       VdmTypedIdArray ids;
       for (std::size_t count = random.below(4); count > 0; --count) ids.append(typedId(context));
-      bag.setProperty(key, ids);
-      break;
+      return bag.setProperty(key, ids);
     }
     case 9:
-      bag.setProperty(key, std::map<OdString, OdDbTypedId>{{context.name(), typedId(context)},
-                                                           {context.name(), typedId(context)}});
-      break;
+      return bag.setProperty(key,
+                             std::map<OdString, OdDbTypedId>{{context.name(), typedId(context)},
+                                                             {context.name(), typedId(context)}});
     case 10: {
       VdmPropertyArray values;
       values.append(VdmPropertyData::create(context.text()));
       values.append(VdmPropertyDataPtr());
       values.append(VdmPropertyData::create(VdmStringArray{context.name(), OdString()}));
-      bag.setProperty(key, values);
-      break;
+      return bag.setProperty(key, values);
     }
     default:
-      bag.setProperty(key, blob(context, random.below(40)));
+      return bag.setProperty(key, blob(context, random.below(40)));
   }
 }
 
@@ -96,8 +86,7 @@ bool changeBagObject(const EditContext& context) {
     bag.removeProperty(key);
     return true;
   }
-  setValue(context, bag, context.name());
-  return true;
+  return setValue(context, bag, context.name());
 }
 
 // Beside an object: in its extended data, or above a size in its extension dictionary.

@@ -26,13 +26,7 @@ class InjectedFailures : public ModelingTest {
   }
   ~InjectedFailures() override { std::filesystem::remove(kFile); }
 
-  EditResult placeSlot() {
-    ComponentPlacement placement;
-    placement.solid = m_plate;
-    placement.point = {55.0, 52.0, 10.0};
-    placement.direction = OdGeVector3d::kZAxis;
-    return m_editor->insertComponent(m_slot, placement);
-  }
+  EditResult placeSlot() { return insertAt(m_slot, {55.0, 52.0, 10.0}, OdGeVector3d::kZAxis); }
   [[nodiscard]] std::string dump() const { return dumpDrawing(m_database.get()); }
   /// What is in a file of the drawing.
   std::string saved() {

@@ -59,7 +59,7 @@ class ModelPlay : private EditedModel {
  private:
   // ---- Laws
 
-  std::string dump() const { return dumpDrawing(m_database.get()); }
+  [[nodiscard]] std::string dump() const { return dumpDrawing(m_database.get()); }
 
   // Law 1: an edit that worked.
   void settleStep(const EditResult& result) {

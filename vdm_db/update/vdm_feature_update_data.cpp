@@ -54,7 +54,7 @@ void VdmFeatureUpdateData::clear() {
   cleared.m_helper = m_helper;
   cleared.m_handedContext = m_handedContext;
   cleared.m_ownContext.observer = m_ownContext.observer;
-  *this = std::move(cleared);
+  *this = cleared;
 }
 
 // ---- Gathering

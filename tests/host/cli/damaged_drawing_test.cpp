@@ -45,7 +45,7 @@ void flipByte(const std::string& path, const storetest::Record& record) {
 class DamagedDrawing : public SampleDrawingTest {
  protected:
   DamagedDrawing() : SampleDrawingTest("damaged") {
-    restore();
+    begin("sound.vdm");
     for (const char* command : kCommands) {
       m_answers.push_back(m_shell.run(command));
       EXPECT_EQ(m_answers.back().exitCode, 0) << command;
@@ -54,7 +54,7 @@ class DamagedDrawing : public SampleDrawingTest {
 
   /// Changes the records as a program would that saves nonsense: checksums and digests are right.
   void save(const std::function<OdStatus(OdDbRecordStore&)>& change) const {
-    const std::unique_ptr<OdDbRecordStore> store = openStore();
+    const std::unique_ptr<OdDbRecordStore> store = open("a.vdm");
     ASSERT_TRUE(succeeded(store->beginSave()));
     ASSERT_TRUE(succeeded(change(*store)));
     ASSERT_TRUE(succeeded(store->commitSave()));
@@ -107,7 +107,7 @@ TEST_F(DamagedDrawing, NoCommandTakesUnreadableForAbsent) {
       if (number++ % step != 0) continue;
       SCOPED_TRACE(std::string(what) + ", record " +
                    std::string(OdDbHandle(damaged).ascii().utf8()));
-      restore();
+      begin("sound.vdm");
       damage();
       for (std::size_t i = 0; i < std::size(kCommands); ++i) expectHonest(i);
     }

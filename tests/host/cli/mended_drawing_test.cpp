@@ -1,52 +1,57 @@
 // `vdm audit --fix` on files: what it finds, mends and saves, for each code that a file can be made
-// to have, and what it does when it cannot save.
+// to have and the page lists, and what it does when it cannot save.
 #include <gtest/gtest.h>
 
 #include <unistd.h>
 
-#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 
 #include "platform/assoc/assoc_network.h"
 #include "platform/assoc/assoc_variable.h"
 #include "platform/base/handle.h"
 #include "platform/db/database.h"
+#include "tests/host/cli/sample_drawing.h"
 #include "tests/host/cli/sarif_check.h"
-#include "tests/host/cli/script_case.h"
-#include "tests/platform/storage/store_testing.h"
 #include "tests/support/drawing_testing.h"
 
 namespace {
 
-namespace fs = std::filesystem;
 using namespace cli_testing;
 using nlohmann::json;
 using storetest::Content;
 
-class MendedDrawing : public testing::Test {
+class MendedDrawing : public SampleDrawingTest {
  protected:
-  MendedDrawing() : m_shell(fs::current_path() / "mended") {
-    run("cp $SAMPLES/plate.step . && vdm import plate.step -o a.vdm");
-    run("vdm refs add a.vdm 21 --at 60,40,10 --face --name top");
-    run("vdm component add a.vdm h hole --diameter 9");
-    run("vdm insert a.vdm h --on top --at 30,30,10 --name left");
-    run("vdm group a.vdm both 21 top && mv a.vdm sound.vdm");
+  MendedDrawing() : SampleDrawingTest("mended") {
     addVariables(path("sound.vdm"), {L"width", L"depth"});
-    m_sound = storetest::readFile(*m_factory, path("sound.vdm")).value();
+    m_sound = contentOf("sound.vdm");
     EXPECT_EQ(audit("", "sound.vdm").exitCode, 0);
   }
 
   struct Audit {
     int exitCode = -1;
     json report;
+    /// Each finding is there once and says, where its code is that one, whether it can be mended.
+    void expectSaid(const std::string& code, bool isMendable) const {
+      std::set<std::string> texts;
+      for (const json& finding : report["list"]) {
+        EXPECT_TRUE(texts.insert(finding["code"].dump() + finding["text"].dump()).second)
+            << finding;
+        if (finding["code"] == code) {
+          EXPECT_EQ(finding["fix"] != "", isMendable) << finding;
+        }
+      }
+    }
     [[nodiscard]] bool has(const std::string& code) const {
       return std::ranges::any_of(report["list"],
                                  [&](const json& finding) { return finding["code"] == code; });
     }
   };
-  Audit audit(const std::string& options, const std::string& name = "a.vdm") const {
+  [[nodiscard]] Audit audit(const std::string& options, const std::string& name = "a.vdm") const {
     const Outcome outcome = m_shell.run("vdm audit " + name + " --json " + options);
     EXPECT_TRUE(outcome.errors.empty()) << testing::PrintToString(outcome.errors);
     std::string text;
@@ -54,24 +59,12 @@ class MendedDrawing : public testing::Test {
     return {outcome.exitCode, json::parse(text, nullptr, /*allow_exceptions=*/false)};
   }
 
-  void run(const std::string& command) { ASSERT_EQ(m_shell.run(command).exitCode, 0) << command; }
-  [[nodiscard]] std::string path(const std::string& name) const {
-    return (m_shell.folder() / name).string();
-  }
-  void restore() const {
-    fs::copy_file(path("sound.vdm"), path("a.vdm"), fs::copy_options::overwrite_existing);
-  }
-  std::unique_ptr<OdDbRecordStore> open() const {
-    std::unique_ptr<OdDbRecordStore> store;
-    EXPECT_TRUE(succeeded(m_factory->open(path("a.vdm"), OdDbStoreOpenMode::kReadWrite, store)));
-    return store;
-  }
   /// Saves the sound drawing with other records, under right checksums.
   void damage(const std::function<void(Content&)>& change) const {
-    restore();
+    begin("sound.vdm");
     Content after = m_sound;
     change(after);
-    EXPECT_TRUE(succeeded(saveChanges(*open(), m_sound, after)));
+    EXPECT_TRUE(succeeded(saveChanges(*open("a.vdm"), m_sound, after)));
   }
   static void addCopy(Content& file, std::uint64_t handle) {
     const storetest::Record copy = file.records.at(handle);
@@ -90,7 +83,7 @@ class MendedDrawing : public testing::Test {
       const OdDbAssocVariablePtr variable = OdDbAssocVariable::createObject();
       const OdDbObjectId id = drawing->addOdDbObject(variable, network);
       const auto opened = network.safeOpenAs<OdDbAssocNetwork>(OdDb::kForWrite);
-      ASSERT_EQ(opened->addAction(id, /*alsoSetAsDatabaseOwner=*/true), eOk);
+      ASSERT_EQ(opened->addAction(id, /*setThisNetworkAsOwner=*/true), eOk);
       ASSERT_EQ(variable->setName(name, /*updateReferencingExpressions=*/false), eOk);
     }
     ASSERT_TRUE(succeeded(drawing->save()));
@@ -122,7 +115,7 @@ class MendedDrawing : public testing::Test {
     data.replace(0, at, relinked);
   }
   /// The handle that a list of the command shows for a name.
-  std::uint64_t handleOf(const std::string& command) const {
+  [[nodiscard]] std::uint64_t handleOf(const std::string& command) const {
     const Outcome outcome = m_shell.run(command);
     EXPECT_EQ(outcome.output.size(), 1U) << command;
     return outcome.output.empty() ? 0 : std::stoull(outcome.output[0], nullptr, 16);
@@ -139,7 +132,7 @@ class MendedDrawing : public testing::Test {
     };
   }
   /// The first object of a class in the sound drawing.
-  std::uint64_t firstOf(const std::string& className) const {
+  [[nodiscard]] std::uint64_t firstOf(const std::string& className) const {
     const auto found = std::ranges::find_if(
         m_sound.records, [&](const auto& item) { return isOf(item.second, className); });
     EXPECT_TRUE(found != m_sound.records.end()) << className;
@@ -155,10 +148,6 @@ class MendedDrawing : public testing::Test {
     EXPECT_EQ(compareLines({"vdm: " + line}, outcome.errors, words), "");
     EXPECT_TRUE(readBytes(path("a.vdm")) == before);
   }
-
-  Shell m_shell;
-  std::unique_ptr<OdDbRecordStoreFactory> m_factory = createSqliteStoreFactory();
-  Content m_sound;
 };
 
 TEST_F(MendedDrawing, EachCodeIsFoundMendedAndSaved) {
@@ -179,6 +168,8 @@ TEST_F(MendedDrawing, EachCodeIsFoundMendedAndSaved) {
   const Row rows[] = {
       {"no-objects", true, [](Content& file) { file.records.clear(); }},
       {"root-missing", true, [&](Content& file) { file.records.erase(modelSpace); }},
+      {"root-missing", true,
+       [](Content& file) { file.records.erase(OdDbRootHandles::kTextStyleStandard); }},
       {"root-wrong", false,
        [](Content& file) {
          file.records.at(OdDbRootHandles::kPaperSpace) =
@@ -186,6 +177,8 @@ TEST_F(MendedDrawing, EachCodeIsFoundMendedAndSaved) {
        }},
       {"handle-seed", true,
        [](Content& file) { file.variables["HANDSEED"] = std::string("\x22\0\0\0\0\0\0\0", 8); }},
+      {"handle-seed", true,
+       [](Content& file) { file.variables["HANDSEED"] = std::string(8, '\x7f'); }},
       {"record-unreadable", false, nullptr, "UPDATE objects SET sum=sum+1 WHERE handle=8"},
       {"file-damaged", false, nullptr,
        "DELETE FROM objects WHERE handle=(SELECT max(handle) FROM objects)"},
@@ -207,6 +200,7 @@ TEST_F(MendedDrawing, EachCodeIsFoundMendedAndSaved) {
       // Copies under other handles: of a solid, of a reference to a
       // block, and of a dictionary, which comes with what it owns.
       {"owner-lists-not", true, [&](Content& file) { addCopy(file, kSolid); }},
+      {"owner-lists-not", true, [&](Content& file) { addCopy(file, OdDbRootHandles::kLayerZero); }},
       {"block-reference-unlisted", true, [&](Content& file) { addCopy(file, insert); }},
       {"owner-twice", true,
        [](Content& file) { addCopy(file, OdDbRootHandles::kNamedObjectsDictionary); }},
@@ -236,7 +230,17 @@ TEST_F(MendedDrawing, EachCodeIsFoundMendedAndSaved) {
        }},
       {"reference-unresolved", false, nullptr, nullptr, "vdm move a.vdm left --by 0,900,0"},
   };
+  damage([](Content& file) {  // of the time before the styles
+    for (const OdUInt64 handle :
+         {OdDbRootHandles::kTextStyleTable, OdDbRootHandles::kDimStyleTable,
+          OdDbRootHandles::kTextStyleStandard, OdDbRootHandles::kDimStyleStandard}) {
+      file.records.erase(handle);
+    }
+  });
+  EXPECT_EQ(audit("").report["findings"], 0);
+  std::set<std::string> tested;
   for (const Row& row : rows) {
+    tested.insert(row.code);
     SCOPED_TRACE(row.code);
     damage(row.change ? row.change : [](Content&) {});
     if (row.sql != nullptr) storetest::executeSql(path("a.vdm"), row.sql);
@@ -247,6 +251,7 @@ TEST_F(MendedDrawing, EachCodeIsFoundMendedAndSaved) {
     const Audit found = audit("");
     EXPECT_EQ(found.exitCode, 3);
     EXPECT_TRUE(found.has(row.code)) << found.report["list"].dump(1);
+    found.expectSaid(row.code, row.isMendable);
     EXPECT_TRUE(readBytes(path("a.vdm")) == before) << "looking changed the file";
 
     const Outcome log = m_shell.run("vdm audit a.vdm --sarif > log.sarif");
@@ -267,6 +272,12 @@ TEST_F(MendedDrawing, EachCodeIsFoundMendedAndSaved) {
       EXPECT_GT(fixed.report["mended"], 0);
     }
   }
+  std::set<std::string> listed;
+  std::ifstream page(VDM_AUDIT_PAGE);
+  for (std::string line; std::getline(page, line);) {
+    if (line.starts_with("| `")) listed.insert(line.substr(3, line.find('`', 3) - 3));
+  }
+  EXPECT_EQ(listed, tested);
 }
 
 TEST_F(MendedDrawing, AFixThatCannotBeSavedChangesNothing) {

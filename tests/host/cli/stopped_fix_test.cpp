@@ -13,14 +13,12 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "platform/base/handle.h"
 #include "platform/db/database.h"
-#include "tests/host/cli/script_case.h"
+#include "tests/host/cli/sample_drawing.h"
 #include "tests/host/cli/stopped_command.h"
-#include "tests/platform/storage/store_testing.h"
 
 namespace {
 
@@ -31,12 +29,10 @@ using Store = std::unique_ptr<OdDbRecordStore>;
 
 constexpr const char* kFix = "audit a.vdm --fix --wait 0";
 
-std::unique_ptr<OdDbRecordStoreFactory> makeFactory() {
-  OdSqliteStoreOptions options;
-  options.lockTimeoutMs = 0;
-  options.commitTimeoutMs = 0;
+OdSqliteStoreOptions storeOptions() {
+  OdSqliteStoreOptions options = impatientStores();
   options.readersHoldOneState = true;
-  return createSqliteStoreFactory(options);
+  return options;
 }
 
 /// One whole line of that pattern.
@@ -48,17 +44,16 @@ bool isLine(const std::string& text, const char* pattern) {
 
 /// A drawing in two states, the second of them saved by the other process; both lack an object
 /// that every drawing has.
-class StoppedFix : public testing::Test {
+class StoppedFix : public StoppedCommandTest {
  protected:
-  StoppedFix() : m_shell(fs::current_path() / "stopped_fix") {
+  StoppedFix() : StoppedCommandTest("stopped_fix", storeOptions()) {
     run("cp $SAMPLES/plate.step . && vdm import plate.step -o a.vdm && cp a.vdm old.vdm");
     run("vdm refs add a.vdm 21 --at 60,40,10 --face --name top && mv a.vdm new.vdm");
     for (const char* state : {"old.vdm", "new.vdm"}) {
       const Content sound = contentOf(state);
       Content bad = sound;
       bad.records.erase(OdDbRootHandles::kPaperSpace);
-      Store store = open(path(state), OdDbStoreOpenMode::kReadWrite);
-      EXPECT_TRUE(succeeded(saveChanges(*store, sound, bad)));
+      EXPECT_TRUE(succeeded(saveChanges(*open(state), sound, bad)));
     }
     m_old = contentOf("old.vdm");
     m_new = contentOf("new.vdm");
@@ -67,16 +62,6 @@ class StoppedFix : public testing::Test {
     EXPECT_FALSE(m_oldMended == m_old || m_newMended == m_new || m_oldMended == m_newMended);
   }
 
-  void run(const std::string& command) { ASSERT_EQ(m_shell.run(command).exitCode, 0) << command; }
-  [[nodiscard]] std::string path(const std::string& name) const {
-    return (m_shell.folder() / name).string();
-  }
-  void begin(const char* state) const {
-    fs::copy_file(path(state), path("a.vdm"), fs::copy_options::overwrite_existing);
-  }
-  [[nodiscard]] Content contentOf(const std::string& name) const {
-    return storetest::readFile(*m_factory, path(name)).value();
-  }
   [[nodiscard]] Content mended(const char* state) const {
     begin(state);
     StoppedCommand fix(m_shell, kFix);
@@ -84,18 +69,6 @@ class StoppedFix : public testing::Test {
     EXPECT_EQ(fix.finish(), 0) << fix.errors();
     return contentOf("a.vdm");
   }
-  /// None when the command holds the file.
-  [[nodiscard]] Store open(const std::string& file, OdDbStoreOpenMode mode) const {
-    Store store;
-    const OdStatus status = m_factory->open(OdString(file), mode, store);
-    EXPECT_TRUE(status.ok() || status.code == eFileLocked) << textOf(status);
-    return store;
-  }
-
-  Shell m_shell;
-  std::unique_ptr<OdDbRecordStoreFactory> m_factory = makeFactory();
-  Content m_old;
-  Content m_new;
   Content m_oldMended;
   Content m_newMended;
 };
@@ -115,17 +88,12 @@ TEST_F(StoppedFix, MendsThePresentStateOrLeavesThatOfTheOtherProcess) {
   using Mode = OdDbStoreOpenMode;
   const auto openFor = [this](Mode mode) {
     return [this, mode](Store& store) {
-      store = open(path("a.vdm"), mode);
+      store = open("a.vdm", mode);
       return store != nullptr;
     };
   };
-  const auto save = [this](Store& store) {
-    const OdStatus status = saveChanges(*store, m_old, m_new);
-    EXPECT_TRUE(status.ok() || status.code == eFileLocked) << textOf(status);
-    return status.ok();
-  };
   const auto openAndSave = [&](Store& store) {
-    const bool saved = openFor(Mode::kReadWrite)(store) && save(store);
+    const bool saved = openFor(Mode::kReadWrite)(store) && save(*store);
     store.reset();
     return saved;
   };
@@ -138,7 +106,7 @@ TEST_F(StoppedFix, MendsThePresentStateOrLeavesThatOfTheOtherProcess) {
   const Order orders[] = {
       {"saves", "is never refused", openAndSave, nothing, m_new},
       {"holds the write lock and saves", "vdm: *a.vdm: *locked by another program",
-       openFor(Mode::kReadWrite), [&](Store& store) { EXPECT_TRUE(save(store)); }, m_new},
+       openFor(Mode::kReadWrite), [&](Store& store) { EXPECT_TRUE(save(*store)); }, m_new},
       {"reads", "vdm: *a.vdm: saving failed: another program still reads*",
        openFor(Mode::kReadOnly), nothing, m_old},
       {"replaces the file", "vdm: *a.vdm: saving failed: the file was *replaced*", replace, nothing,

@@ -7,12 +7,10 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <optional>
 #include <string>
 
-#include "tests/host/cli/script_case.h"
+#include "tests/host/cli/sample_drawing.h"
 #include "tests/host/cli/stopped_command.h"
-#include "tests/platform/storage/store_testing.h"
 
 namespace {
 
@@ -46,17 +44,9 @@ struct Answer {
   friend bool operator==(const Answer&, const Answer&) = default;
 };
 
-/// Stores that refuse at once what another one has locked.
-std::unique_ptr<OdDbRecordStoreFactory> makeFactory() {
-  OdSqliteStoreOptions options;
-  options.lockTimeoutMs = 0;
-  options.commitTimeoutMs = 0;
-  return createSqliteStoreFactory(options);
-}
-
-class StoppedReader : public testing::Test {
+class StoppedReader : public StoppedCommandTest {
  protected:
-  StoppedReader() : m_shell(fs::current_path() / "stopped") {
+  StoppedReader() : StoppedCommandTest("stopped", impatientStores()) {
     run("cp $SAMPLES/plate.step . && vdm import plate.step -o a.vdm");
     run("vdm refs add a.vdm 21 --at 60,40,10 --face --name top");
     run("vdm component add a.vdm h hole --diameter 9");
@@ -68,20 +58,13 @@ class StoppedReader : public testing::Test {
     m_old = contentOf("old.vdm");
     m_new = contentOf("new.vdm");
     begin("old.vdm");
-    EXPECT_TRUE(save());  // the size of the file is a part of what commands show
+    EXPECT_TRUE(save(*open("a.vdm")));  // the size of the file is a part of what commands show
     fs::rename(path("a.vdm"), path("new.vdm"));
   }
 
-  void run(const std::string& command) { ASSERT_EQ(m_shell.run(command).exitCode, 0) << command; }
-  [[nodiscard]] std::string path(const std::string& name) const {
-    return (m_shell.folder() / name).string();
-  }
-  [[nodiscard]] storetest::Content contentOf(const std::string& name) const {
-    return storetest::readFile(*m_factory, path(name)).value();
-  }
-  /// The drawing is as in that file, and nothing of an earlier command is left.
-  void begin(const char* state) const {
-    fs::copy_file(path(state), path("a.vdm"), fs::copy_options::overwrite_existing);
+  /// Nothing of an earlier command is left.
+  void beginAnew(const char* state) const {
+    begin(state);
     for (const char* name : {"out.step", "out.svg"}) fs::remove(path(name));
   }
   Answer finish(const ReadingCommand& command, StoppedCommand& process) const {
@@ -90,24 +73,11 @@ class StoppedReader : public testing::Test {
     return {exitCode, process.output(), written};
   }
   Answer answerOf(const ReadingCommand& command, const char* state) {
-    begin(state);
+    beginAnew(state);
     StoppedCommand process(m_shell, command.line);
     EXPECT_FALSE(process.start(0));
     return finish(command, process);
   }
-  /// False when the reader holds the file.
-  bool save() {
-    std::unique_ptr<OdDbRecordStore> store;
-    EXPECT_TRUE(succeeded(m_factory->open(path("a.vdm"), OdDbStoreOpenMode::kReadWrite, store)));
-    const OdStatus status = saveChanges(*store, m_old, m_new);
-    EXPECT_TRUE(status.ok() || status.code == eFileLocked) << textOf(status);
-    return status.ok();
-  }
-
-  Shell m_shell;
-  std::unique_ptr<OdDbRecordStoreFactory> m_factory = makeFactory();
-  storetest::Content m_old;
-  storetest::Content m_new;
 };
 
 TEST_F(StoppedReader, AnswersFromOneState) {
@@ -121,10 +91,10 @@ TEST_F(StoppedReader, AnswersFromOneState) {
     std::size_t stops = 0;
     std::size_t saves = 0;
     for (std::size_t at = 1;; at += step) {
-      begin("old.vdm");
+      beginAnew("old.vdm");
       StoppedCommand process(m_shell, command.line);
       const bool isStopped = process.start(at);
-      const bool saved = isStopped && save();
+      const bool saved = isStopped && save(*open("a.vdm"));
       const Answer answer = finish(command, process);
       EXPECT_TRUE(answer == before || (saved && answer == after))
           << "step " << at << ": exit " << answer.exitCode << "\n"
@@ -135,7 +105,7 @@ TEST_F(StoppedReader, AnswersFromOneState) {
     }
     EXPECT_GT(stops, 8 / step);
     EXPECT_LT(saves, stops) << "the reader held no lock";
-    EXPECT_TRUE(save()) << "the reader left a lock";
+    EXPECT_TRUE(save(*open("a.vdm"))) << "the reader left a lock";
   }
 }
 

@@ -129,25 +129,16 @@ TEST_F(FollowerTest, EveryEditOfTheSolidReachesTheFeatureOnce) {
   const OdDbObjectId follower = follow({face(m_block, 1)});
   const OdDbObjectId bystander = follow({face(m_plate, 1)});
   const OdDbObjectId tool = addSolid(box(10.0, 10.0, 10.0, {-5.0, -5.0, 135.0}));
-  const OdUInt32 edge = 3;
+  const std::vector<OdUInt32> edges = {3};
   struct Edit {
     const char* name;
     std::function<EditResult()> run;
   };
   const std::vector<Edit> edits = {
-      {"move",
-       [&] {
-         return m_editor->moveObject(m_block, {1.0, 2.0, 0.0});
-       }},
+      {"move", [&] { return m_editor->moveObject(m_block, OdGeVector3d(1.0, 2.0, 0.0)); }},
       {"rotate", [&] { return m_editor->rotateObject(m_block, OdGeVector3d::kZAxis, 0.1); }},
-      {"fillet",
-       [&] {
-         return m_editor->filletEdges(m_block, {&edge, 1}, 2.0);
-       }},
-      {"chamfer",
-       [&] {
-         return m_editor->chamferEdges(m_block, {&edge, 1}, 1.0);
-       }},
+      {"fillet", [&] { return m_editor->filletEdges(m_block, edges, 2.0); }},
+      {"chamfer", [&] { return m_editor->chamferEdges(m_block, edges, 1.0); }},
       {"boolean",
        [&] {
          return m_editor->booleanSolid(OdModelerBooleanKind::kSubtract, m_block, tool, true);

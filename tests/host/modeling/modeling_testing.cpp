@@ -44,6 +44,15 @@ OdDbObjectId ModelingTest::boss(const std::wstring& name, double diameter, doubl
   return block;
 }
 
+EditResult ModelingTest::insertAt(const OdDbObjectId& block, const OdGePoint3d& point,
+                                  std::optional<OdGeVector3d> direction) {
+  ComponentPlacement placement;
+  placement.solid = m_plate;
+  placement.point = point;
+  placement.direction = direction;
+  return m_editor->insertComponent(block, placement);
+}
+
 EditResult ModelingTest::insert(const OdDbObjectId& block, double x, double y, double z) {
   ComponentPlacement placement;
   placement.solid = m_plate;

@@ -3,6 +3,7 @@
 
 #include <map>
 #include <memory>
+#include <numbers>
 #include <string>
 #include <vector>
 
@@ -31,9 +32,16 @@ class ModelingTest : public virtual SolidRuntime,
   OdDbObjectId boss(const std::wstring& name, double diameter, double height);
   /// Inserts at a point of the plate's top; fails the test when that cannot be done.
   vdm_host::EditResult insert(const OdDbObjectId& block, double x, double y, double z = 10.0);
+  /// Inserts at a point of the plate, along the normal there by default.
+  vdm_host::EditResult insertAt(const OdDbObjectId& block, const OdGePoint3d& point,
+                                std::optional<OdGeVector3d> direction = {});
   void put(const OdDbObjectId& block, double x, double y) { (void)insert(block, x, y); }
   static testing::AssertionResult done(const vdm_host::EditResult& result);
 
+  /// Volume of a round hole.
+  [[nodiscard]] static double drilled(double diameter, double depth) {
+    return 0.25 * std::numbers::pi * diameter * diameter * depth;
+  }
   [[nodiscard]] OdModelerBodyPtr plateBody() const { return solid(m_plate)->body(); }
   [[nodiscard]] double volume() const { return plateBody()->massProperties().volume; }
   [[nodiscard]] OdUInt32 numFaces() const { return plateBody()->numFaces(); }

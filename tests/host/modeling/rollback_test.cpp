@@ -24,12 +24,8 @@ TEST_F(RollbackTest, EveryFailingBooleanLeavesTheDrawingAsItWas) {
   const EditResult stud = insert(boss(L"boss", 30.0, 5.0), 60.0, 60.0);
   const auto before = snapshot();
   const std::vector<std::function<EditResult()>> edits = {
-      [&] {
-        return m_editor->moveObject(first.created, {3.0, 0.0, 0.0});
-      },
-      [&] {
-        return m_editor->moveObject(stud.created, {0.0, -3.0, 0.0});
-      },
+      [&] { return m_editor->moveObject(first.created, OdGeVector3d(3.0, 0.0, 0.0)); },
+      [&] { return m_editor->moveObject(stud.created, OdGeVector3d(0.0, -3.0, 0.0)); },
       [&] { return m_editor->eraseObject(first.created); },
   };
   for (const auto& edit : edits) {
@@ -219,11 +215,7 @@ TEST_F(WalledPassTest, APassOutlivesItsModeller) {
 TEST_F(RollbackTest, ACutThatLeavesNothingIsRefused) {
   const OdDbObjectId block = hole(L"huge", 900.0);
   const auto before = snapshot();
-  ComponentPlacement placement;
-  placement.solid = m_plate;
-  placement.point = {150.0, 100.0, 10.0};
-  const EditResult result = m_editor->insertComponent(block, placement);
-  EXPECT_FALSE(result.ok());
+  EXPECT_FALSE(insertAt(block, {150.0, 100.0, 10.0}).ok());
   EXPECT_EQ(snapshot(), before);
 }
 

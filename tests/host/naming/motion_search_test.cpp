@@ -86,13 +86,13 @@ TEST_F(VdmMotionSearch, OfSeveralTheOneThatMovesVeryLittleIsTaken) {
 
 TEST_F(VdmMotionSearch, MirrorsTurnsAndScalingsAreFoundApart) {
   const OdModelerBodyPtr before = drilled(unequalHoles());
-  const OdGeMatrix3d motions_[] = {
+  const OdGeMatrix3d moves[] = {
       OdGeMatrix3d::mirroring(OdGePlane(OdGePoint3d(400.0, 0.0, 0.0), OdGeVector3d::kXAxis)),
       OdGeMatrix3d::rotation(std::numbers::pi / 3.0, OdGeVector3d::kZAxis, {500.0, 0.0, 0.0}),
       OdGeMatrix3d::scaling(25.4),
       OdGeMatrix3d::scaling(1.02, {150.0, 100.0, 5.0}),
   };
-  for (const OdGeMatrix3d& motion : motions_) {
+  for (const OdGeMatrix3d& motion : moves) {
     EXPECT_TRUE(isOnly(motions(before, moved(before, motion)), motion));
   }
 }

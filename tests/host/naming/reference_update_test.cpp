@@ -1,18 +1,16 @@
 // References in a drawing through cuts, moves, closed and reopened holes, replaced bodies.
 #include "host/naming/reference_update.h"
 
-#include <filesystem>
 #include <functional>
 
 #include "host/naming/pers_id_manager_pe.h"
 #include "host/naming/reference_query.h"
 #include "host/naming/subent_name.h"
-#include "platform/db/block_table.h"
-#include "platform/entities/block_reference.h"
 #include "platform/modeler/db_3d_solid.h"
 #include "tests/host/naming/naming_fixture.h"
 #include "tests/support/module_testing.h"
 #include "tests/support/solid_drawing_testing.h"
+#include "tests/support/test_folder.h"
 #include "vdm_db/constraints/vdm_db_constraint_manager.h"
 #include "vdm_db/features/vdm_db_pers_id_reactor.h"
 #include "vdm_db/model/vdm_db_object.h"
@@ -29,7 +27,7 @@ class NamingRuntime : public virtual SolidRuntime, public virtual VdmModule {
   ~NamingRuntime() { unregisterNaming(); }
 };
 
-class VdmReferenceUpdate : public NamingRuntime, public NamingTest {
+class VdmReferenceUpdate : public NamingRuntime, public DrawingVerbs, public NamingTest {
  protected:
   VdmReferenceUpdate() : m_drawing(m_services.createDatabase()) {
     prepareBlock(m_drawing->getModelSpaceId());
@@ -41,9 +39,9 @@ class VdmReferenceUpdate : public NamingRuntime, public NamingTest {
   }
   OdDbObjectId addSolid(const OdModelerBodyPtr& body, OdDbObjectId block = {}) const {
     if (block.isNull()) block = m_drawing->getModelSpaceId();
-    OdDb3dSolidPtr entity = OdDb3dSolid::createObject();
+    const OdDb3dSolidPtr entity = OdDb3dSolid::createObject();
     entity->setBody(body);
-    return block.safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite)->appendOdDbEntity(entity);
+    return addTo(block, entity);
   }
   static OdDb3dSolidPtr solid(const OdDbObjectId& id, OdDb::OpenMode mode = OdDb::kForWrite) {
     return id.safeOpenAs<OdDb3dSolid>(mode);
@@ -408,32 +406,20 @@ TEST_F(VdmReferenceUpdate, BodiesReplacedWithAndWithoutAJournal) {
 }
 
 TEST_F(VdmReferenceUpdate, PathsThroughBlockReferencesAndStoredDrawings) {
-  OdDbBlockTableRecordPtr block = OdDbBlockTableRecord::createObject();
-  block->setName(L"PART");
-  const OdDbObjectId blockId =
-      m_drawing->getBlockTableId().safeOpenAs<OdDbBlockTable>(OdDb::kForWrite)->add(block);
-  block = nullptr;
-  const OdDbObjectId entity = addSolid(plate(), blockId);
-  OdDbBlockReferencePtr insert = OdDbBlockReference::createObject();
-  insert->setBlockTableRecord(blockId);
-  const OdDbObjectId insertId = m_drawing->getModelSpaceId()
-                                    .safeOpenAs<OdDbBlockTableRecord>(OdDb::kForWrite)
-                                    ->appendOdDbEntity(insert);
-  insert = nullptr;
+  const OdDbObjectId block = addBlock(m_drawing, L"PART");
+  const OdDbObjectId entity = addSolid(plate(), block);
   const OdGePoint3d at(300, 100, 5);
-  OdDbObjectIdArray ids{insertId, entity};
+  OdDbObjectIdArray ids{addReference(m_drawing->getModelSpaceId(), block), entity};
   const OdDbObjectId ref = refer(OdDbFullSubentPath(
       ids, OdDbSubentId(OdDb::kFaceSubentType, faceAt(*bodyOfSolid(entity), at))));
   cutSolid(entity, drills(3, 3));
   EXPECT_TRUE(leadsTo(ref, at));
-  const std::filesystem::path file = std::filesystem::absolute("references.vdm");
-  std::filesystem::remove(file);
-  ASSERT_TRUE(m_drawing->saveAs(OdString(file.c_str())).ok());
+  const TestFolder folder;
+  saveAs(m_drawing, folder.odFile("references.vdm"));
   const OdDbHandle handle = ref.getHandle();
   m_drawing = nullptr;
-  OdStatus status;
-  m_drawing = m_services.readFile(OdString(file.c_str()), status);
-  ASSERT_FALSE(m_drawing.isNull()) << status.text.utf8();
+  m_drawing = read(m_services, folder.odFile("references.vdm"));
+  ASSERT_FALSE(m_drawing.isNull());
   const OdDbObjectId stored = m_drawing->getOdDbObjectId(handle);
   EXPECT_TRUE(leadsTo(stored, at));
   EXPECT_EQ(listReferences(m_drawing).size(), 1u);

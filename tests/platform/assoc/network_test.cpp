@@ -90,8 +90,7 @@ TEST_F(Network, EvaluatesWhatChangedOnceAfterItsDefinitions) {
   const OdDbObjectId a = add(L"a", L"b + 1");
   const OdDbObjectId c = add(L"c", L"a * B + 1 in");
   EXPECT_DOUBLE_EQ(value(c), 31.4);
-  ASSERT_EQ(evaluate(), eOk);
-  EXPECT_EQ(status(network), kAssocUpToDate);
+  EXPECT_EQ(evaluatedStatus(network), kAssocUpToDate);
   EXPECT_EQ(used(c), (std::vector{a, b}));
   EXPECT_EQ(users(b), (std::vector{a, c}));
   EXPECT_EQ(OdDbAssocDependency::getFirstDependencyOnObject(b), dependencies(a)[0]);
@@ -117,8 +116,7 @@ TEST_F(Network, EvaluatesWhatChangedOnceAfterItsDefinitions) {
   EXPECT_DOUBLE_EQ(value(d), 5.0);
   EXPECT_EQ(status(a), kAssocUpToDate);
   EXPECT_EQ(status(c), kAssocChangedTransitively);
-  ASSERT_EQ(evaluate(), eOk);
-  EXPECT_DOUBLE_EQ(value(c), 45.4);
+  EXPECT_DOUBLE_EQ(evaluated(c), 45.4);
 }
 
 TEST_F(Network, RefusesCyclesNamingThemAndChangesNothing) {
@@ -134,8 +132,7 @@ TEST_F(Network, RefusesCyclesNamingThemAndChangesNothing) {
   EXPECT_EQ(statesOf(*drawing), before);
   EXPECT_EQ(set(b, L"7"), "");
   EXPECT_EQ(set(a, L"c * 2"), "") << "without the old edge there is no cycle";
-  ASSERT_EQ(evaluate(), eOk);
-  EXPECT_DOUBLE_EQ(value(a), 16.0);
+  EXPECT_DOUBLE_EQ(evaluated(a), 16.0);
   EXPECT_EQ(used(b).size(), 0U);
 }
 
@@ -148,64 +145,24 @@ TEST_F(Network, ChecksDimensionsOfReadersToo) {
   const std::string error = set(w, L"90 deg");
   EXPECT_NE(error.find("total = area + 1 cm^2"), std::string::npos) << error;
   EXPECT_EQ(set(w, L"10"), "") << "a plain number takes any dimension";
-  ASSERT_EQ(evaluate(), eOk);
-  EXPECT_DOUBLE_EQ(value(sum), 200.0);
+  EXPECT_DOUBLE_EQ(evaluated(sum), 200.0);
   drawing->setINSUNITS(OdDb::kUnitsCentimeters);
-  ASSERT_EQ(evaluate(), eOk);
-  EXPECT_DOUBLE_EQ(value(sum), 101.0) << "lengths are in the units of the block";
+  EXPECT_DOUBLE_EQ(evaluated(sum), 101.0) << "lengths are in the units of the block";
 }
 
-TEST_F(Network, RenamesItsReadersOrBreaksThemVisibly) {
+TEST_F(Network, NewNamesAreFreeAndValid) {
   const OdDbObjectId a = add(L"a", L"5");
   const OdDbObjectId b = add(L"b", L"a + A * 2");
-  const OdDbObjectId c = add(L"c", L"b");
-  ASSERT_EQ(evaluate(), eOk);
-  EXPECT_EQ(edit<OdDbAssocVariable>(a)->setName(L"length", true), eOk);
+  const auto rename = [&](const wchar_t* name) {
+    return edit<OdDbAssocVariable>(a)->setName(name, /*updateReferencingExpressions=*/true);
+  };
+  EXPECT_EQ(rename(L"length"), eOk);
   EXPECT_EQ(expression(b), "length + length * 2");
-  EXPECT_EQ(edit<OdDbAssocVariable>(a)->setName(L"B", true), eDuplicateKey);
-  EXPECT_EQ(edit<OdDbAssocVariable>(a)->setName(L"a b", true), eInvalidKey);
-  EXPECT_EQ(edit<OdDbAssocVariable>(a)->setName(L"*x", true), eInvalidKey) << "it is in use";
-  EXPECT_EQ(set(a, L"6"), "");
-  ASSERT_EQ(evaluate(), eOk);
-  EXPECT_DOUBLE_EQ(value(c), 18.0);
-
+  EXPECT_EQ(rename(L"B"), eDuplicateKey);
+  EXPECT_EQ(rename(L"a b"), eInvalidKey);
+  EXPECT_EQ(rename(L"*x"), eInvalidKey) << "it is in use";
   EXPECT_EQ(edit<OdDbAssocVariable>(a)->setName(L"other", false), eOk);
   EXPECT_EQ(status(b), kAssocUnresolved);
-  ASSERT_EQ(evaluate(), eOk);
-  EXPECT_EQ(status(c), kAssocFailedToEvaluate);
-  EXPECT_DOUBLE_EQ(value(c), 18.0) << "the last value stays";
-  EXPECT_EQ(edit<OdDbAssocVariable>(a)->setName(L"LENGTH", false), eOk);
-  EXPECT_EQ(set(a, L"7"), "");
-  ASSERT_EQ(evaluate(), eOk);
-  EXPECT_DOUBLE_EQ(value(c), 21.0) << "the name is there again";
-}
-
-TEST_F(Network, ErasingLeavesReadersUnresolvedAndUndoMendsThem) {
-  const OdDbObjectId a = add(L"a", L"5");
-  const OdDbObjectId b = add(L"b", L"a + 1");
-  const OdDbObjectId c = add(L"c", L"b / (a - 5)");
-  ASSERT_EQ(evaluate(), eOk);
-  EXPECT_EQ(status(c), kAssocFailedToEvaluate);
-  drawing->startUndoRecord();
-  const auto before = statesOf(*drawing);
-  EXPECT_EQ(edit<OdDbAssocNetwork>(network)->removeAction(a), eOk);
-  EXPECT_EQ(status(b), kAssocUnresolved);
-  EXPECT_EQ(status(c), kAssocUnresolved);
-  EXPECT_TRUE(open<OdDbAssocNetwork>(network)->variableNamed(L"a").isNull());
-  ASSERT_EQ(evaluate(), eOk);
-  ASSERT_EQ(drawing->undo(), eOk);
-  EXPECT_EQ(statesOf(*drawing), before);
-  EXPECT_EQ(status(b), kAssocUpToDate);
-  EXPECT_EQ(set(a, L"7"), "");
-  ASSERT_EQ(evaluate(), eOk);
-  EXPECT_DOUBLE_EQ(value(c), 4.0);
-  EXPECT_EQ(status(c), kAssocUpToDate);
-
-  // A new variable of the name serves as well.
-  EXPECT_EQ(edit<OdDbAssocVariable>(a)->erase(), eOk);
-  add(L"A", L"9");
-  ASSERT_EQ(evaluate(), eOk);
-  EXPECT_DOUBLE_EQ(value(c), 2.5);
 }
 
 TEST_F(Network, ReactorsHearOfNewValuesOnly) {
@@ -227,8 +184,7 @@ TEST_F(Network, ReactorsHearOfNewValuesOnly) {
   // What a reactor writes in its reaction is evaluated as well.
   Listener::written = d;
   EXPECT_EQ(setValue(a, 10), eOk);
-  ASSERT_EQ(evaluate(), eOk);
-  EXPECT_DOUBLE_EQ(value(f), 12.0);
+  EXPECT_DOUBLE_EQ(evaluated(f), 12.0);
   EXPECT_EQ(status(network), kAssocUpToDate);
 }
 
@@ -349,7 +305,8 @@ TEST(ExpressionParser, TellsConstantsFromFormulas) {
 TEST_F(Network, TopLevelNetworksAreEvaluatedTogether) {
   const OdDbObjectId block = addBlock(drawing, L"part");
   const auto made = [](OdDbObjectId owner, bool isTopLevel, const wchar_t* key) {
-    return OdDbAssocNetwork::getInstanceFromObject(owner, /*create=*/true, isTopLevel, key);
+    return OdDbAssocNetwork::getInstanceFromObject(owner, /*createIfDoesNotExist=*/true, isTopLevel,
+                                                   key);
   };
   const OdDbObjectId erased = addBlock(drawing, L"erased");
   const OdDbObjectId networks[] = {network, networkOf(block), made(block, true, L"SECOND"),

@@ -54,6 +54,15 @@ class NetworkTest : public DrawingVerbs, public testing::Test {
   }
   OdResult evaluate() { return evaluate(network); }
   static double value(OdDbObjectId id) { return open<OdDbAssocVariable>(id)->numericValue(); }
+  /// The value and the status once everything is evaluated.
+  double evaluated(OdDbObjectId id) {
+    EXPECT_EQ(evaluate(), eOk);
+    return value(id);
+  }
+  OdDbAssocStatus evaluatedStatus(OdDbObjectId id) {
+    EXPECT_EQ(evaluate(), eOk);
+    return status(id);
+  }
   static OdDbAssocStatus status(OdDbObjectId id) { return open<OdDbAssocAction>(id)->status(); }
   static std::string expression(OdDbObjectId id) {
     return std::string(open<OdDbAssocVariable>(id)->expression().utf8());

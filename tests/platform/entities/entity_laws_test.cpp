@@ -97,28 +97,6 @@ TEST_P(EntityLaws, TransformsUndoRedoAndCloneKeepEveryByte) {
   EXPECT_EQ(info.numErrors(), 0u);
 }
 
-// What is drawn moves as the points of the drawing do. Texts in a mirror stay readable, so that
-// their boxes move and not their strokes.
-TEST_P(EntityLaws, DrawingsFollowTransforms) {
-  for (const OdGeMatrix3d& transform :
-       {similarity(sample().is(EntitySample::kRigid) ? 1.0 : 1.7), mirror()}) {
-    const OdDbEntityPtr entity = sample().make();
-    std::vector<OdGePoint3d> before = drawnPoints(*entity);
-    ASSERT_FALSE(before.empty());
-    ASSERT_EQ(entity->transformBy(transform), eOk);
-    const std::vector<OdGePoint3d> after = drawnPoints(*entity);
-    for (OdGePoint3d& point : before) point = transform * point;
-    const bool isMirrored = transform.det() < 0.0;
-    if (!isMirrored && !sample().is(EntitySample::kUnordered)) {
-      EXPECT_LT(distance(before, after), kNear);
-    }
-    if (isMirrored && (sample().is(EntitySample::kReadable) || sample().is(EntitySample::kRigid))) {
-      continue;
-    }
-    EXPECT_LT(distance(boxOf(before), boxOf(after)), 1e-3 * boxOf(before).diagonal().length());
-  }
-}
-
 TEST_P(EntityLaws, InverseTransformsAndSecondMirrorsBringEverythingBack) {
   for (const OdGeMatrix3d& transform : {similarity(), mirror(), uneven()}) {
     const OdDbEntityPtr entity = sample().make();

@@ -36,7 +36,7 @@ class OdModelerStepLosses : public OdModelerStep {
   }
 
   // A file that says that the shapes of two of its products are in others.
-  OdString withExternals(const std::string& first, const std::string& second) const {
+  [[nodiscard]] OdString withExternals(const std::string& first, const std::string& second) const {
     OdModelerAssembly made;
     made.products = {{L"unit", L"u", {}, {{1, {}, L"1", {}}, {2, {}, L"2", {}}, {2, {}, L"3", {}}}},
                      {L"alpha", L"a", {box(1.0, 1.0, 1.0)}, {}},

@@ -8,7 +8,7 @@ using namespace std::string_literals;
 class OdModelerStepNames : public OdModelerStep {
  protected:
   // A file whose product and face have the name as its writer put it.
-  OdString fileNamed(const std::string& bytes) const {
+  [[nodiscard]] OdString fileNamed(const std::string& bytes) const {
     OdModelerBodyAttributes attributes;
     attributes.faceNames[1] = L"THE-FACE";
     OdModelerAssembly made = part(box(1.0, 2.0, 3.0)->withAttributes(attributes));

@@ -64,7 +64,7 @@ class Recovery : public storetest::FolderTest {
     return sink;
   }
   /// Number of records that start in the page. Roots keep remains of rows that moved elsewhere.
-  std::size_t recordsInPage(std::size_t number) const {
+  [[nodiscard]] std::size_t recordsInPage(std::size_t number) const {
     const std::string_view page(m_bytes.data() + (number - 1) * kPageSize, kPageSize);
     return static_cast<std::size_t>(
         std::count_if(m_content.records.begin(), m_content.records.end(), [&](const auto& item) {
@@ -74,7 +74,7 @@ class Recovery : public storetest::FolderTest {
   }
 
   /// The leaves of the tree of objects: the children of its root.
-  std::vector<std::uint32_t> objectLeaves() const {
+  [[nodiscard]] std::vector<std::uint32_t> objectLeaves() const {
     const std::size_t root = 3 * kPageSize;
     std::vector<std::uint32_t> leaves;
     for (std::size_t cell = 0; cell < numberAt(root + 3, 2); ++cell) {
@@ -97,7 +97,7 @@ class Recovery : public storetest::FolderTest {
     putNumber(36, count + 1);
   }
   /// Big-endian, as all numbers of the file.
-  std::uint32_t numberAt(std::size_t offset, std::size_t size) const {
+  [[nodiscard]] std::uint32_t numberAt(std::size_t offset, std::size_t size) const {
     std::uint32_t value = 0;
     for (std::size_t i = 0; i < size; ++i) {
       value = (value << 8U) | static_cast<unsigned char>(m_bytes[offset + i]);

@@ -130,7 +130,6 @@ TEST_F(Refusals, RecordsThatWereTamperedWithAreNamed) {
 }
 
 // ---- Files beside a drawing
-// --------------------------------------------------------------------
 
 std::string bigEndianText(std::uint32_t value) {
   std::string text;

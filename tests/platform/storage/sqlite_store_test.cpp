@@ -110,7 +110,6 @@ TEST_F(SqliteStore, RefusesWhatIsBeyondTheLimits) {
 }
 
 // ---- Several programs
-// ----------------------------------------------------------------------------
 
 TEST_F(SqliteStore, SecondWriterIsRefusedAndReadersAreNot) {
   const Content content = makeContent(10, 100);
@@ -203,7 +202,6 @@ TEST_F(SqliteStore, WriterOfAMovedReplacedOrDeletedFileSavesNothing) {
 }
 
 // ---- Save-as and compaction
-// ----------------------------------------------------------------------
 
 /// Through a link, which stays; who reads the old file keeps its state.
 TEST_F(SqliteStore, ReplacesAFileOnlyOnCommitAndKeepsItsPermissions) {

@@ -6,20 +6,17 @@
 
 #include "platform/db/audit_info.h"
 #include "tests/support/model_testing.h"
+#include "tests/support/plain_solver.h"
 
-/// Types from 10 on are parametric. Counts what it hears, and answers with what is set.
-class TestSolver : public OdStaticRxObject<VdmDbConstraintManagerPE> {
+/// Counts what it hears, and answers with what is set.
+class TestSolver : public PlainSolver {
  public:
-  bool isParametric(const VdmConstraint* constraint) override { return constraint->type() >= 10; }
   bool isLinearDimension(const VdmConstraint* constraint) override {
     return isParametric(constraint) && !isAngularDimension(constraint);
   }
   bool isAngularDimension(const VdmConstraint* constraint) override {
     return constraint->type() == angularType;
   }
-  bool attachmentWanted() override { return false; }
-  void reservedOperationA() override {}
-  bool dropUnmappedConstraint() override { return false; }
   void constraintsRemoved(const OdStringArray& names, const OdDbObjectId&) override {
     removed = names;
   }
@@ -28,9 +25,7 @@ class TestSolver : public OdStaticRxObject<VdmDbConstraintManagerPE> {
     if (raises) throw OdError(eGeneralFailure);
     return name = wanted;
   }
-  bool skipRemapping(VdmConstraint*, OdInt32) override { return false; }
   void invalidateTCCache(OdDbDatabase*) override { ++invalidations; }
-  void reservedOperationB() override {}
   bool getAlignmentFromDrawing(const VdmConstraint*, AlignmentOrientation& alignment) override {
     alignment = drawnAlignment;
     return alignment != kAlignmentNotSpecified;

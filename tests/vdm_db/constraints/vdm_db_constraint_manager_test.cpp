@@ -31,45 +31,6 @@ TEST_F(VdmDbConstraintManagerTest, StandsInItsBlockAndUnderTheRoot) {
   EXPECT_EQ(open<Manager>(root)->getStatus(), Manager::kFullyModified);
 }
 
-TEST_F(VdmDbConstraintManagerTest, StatusFollowsEvents) {
-  const OdDbObjectId line = newLine();
-  const VdmConstraintPtr constraint = addConstraint(3, {line});
-  const auto change = [&] { constraint->setEnabled(true); };
-  const auto modify = [&] { manager()->notifyAboutModifications(line, true); };
-  const auto finish = [&] { manager()->notifyAboutModifications(line, false); };
-  const auto after = [this](Manager::ConstraintManagerStatus from, auto event) {
-    setStatus(Manager::kFullyModified);  // empties the set
-    setStatus(from);
-    event();
-    return status();
-  };
-  for (const auto from : {Manager::kUpToDate, Manager::kSolvedWithChanges}) {
-    EXPECT_EQ(after(from, change), Manager::kPartlyModified);
-    EXPECT_EQ(manager()->getModifiedObjects(), OdDbObjectIdArray{line});
-    EXPECT_EQ(after(from, modify), Manager::kPartlyModified);
-  }
-  for (const auto from : {0, 1, 2}) {
-    EXPECT_EQ(after(Manager::ConstraintManagerStatus(from), finish), Manager::kUpToDate);
-  }
-  EXPECT_EQ(
-      after(Manager::kPartlyModified, [&] { modify(), setStatus(Manager::kSolvedWithChanges); }),
-      Manager::kSolvedWithChanges);
-  EXPECT_EQ(manager()->getModifiedObjects().size(), 1u) << "both states have a set";
-  const std::function<void()> events[] = {change, modify, finish};
-  for (const auto& event : events) {
-    EXPECT_EQ(after(Manager::kNotEvaluated, event), Manager::kFullyModified);
-  }
-  EXPECT_TRUE(manager()->getModifiedObjects().isEmpty());
-
-  after(Manager::kUpToDate, modify);
-  manager()->notifyAboutModifications(newLine(), true);
-  finish();
-  EXPECT_EQ(status(), Manager::kPartlyModified) << "another one is left";
-  setStatus(Manager::kSolvedWithChanges);
-  editManager()->removeConstraint(constraint);
-  EXPECT_NE(status(), Manager::kSolvedWithChanges);
-}
-
 // The node id decides, also that of a constraint of another manager. A model object that ends asks
 // for the persistent ids of its block, which this one has none of.
 TEST_F(VdmDbConstraintManagerTest, RemovesByNodeId) {

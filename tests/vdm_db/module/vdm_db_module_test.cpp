@@ -32,92 +32,83 @@ struct ClassRow {
   const wchar_t* application;
 };
 
+constexpr const wchar_t* kFeaturesData = L"Vantrel|Description: features data";
+constexpr const wchar_t* kFeaturesReactor = L"Vantrel|Description: features reactor";
+constexpr const wchar_t* kConstraintsData = L"Vantrel|Description: 3D constraints data";
+
+// Rows of classes that are registered under their own names: those that can be made but are not
+// filed, those that cannot be made, and those that are filed under a DXF name.
+#define PLAIN(Class, parent)                                              \
+  {                                                                       \
+    [] { return Class::desc(); }, L"" #Class, L"" #parent, true, L"", L"" \
+  }
+#define ABSTRACT(Class, parent)                                            \
+  {                                                                        \
+    [] { return Class::desc(); }, L"" #Class, L"" #parent, false, L"", L"" \
+  }
+#define FILED(Class, parent, dxfName, application)                                        \
+  {                                                                                       \
+    [] { return Class::desc(); }, L"" #Class, L"" #parent, true, L"" dxfName, application \
+  }
+
 // In the order of registration.
 const std::vector<ClassRow> kClassRows = {
     {[] { return VdmConstraint::desc(); }, L"VdmDbConstraint", L"OdRxObject", true, L"", L""},
-    {[] { return VdmDbConstraintManager::desc(); }, L"VdmDbConstraintManager", L"OdDbObject", true,
-     L"VDMDBCONSTRAINTMANAGER", L"Vantrel|Description: 3D constraints data"},
-    {[] { return VdmDbConstraintManagerPE::desc(); }, L"VdmDbConstraintManagerPE", L"OdRxObject",
-     false, L"", L""},
-    {[] { return VdmDbFeatureData::desc(); }, L"VdmDbFeatureData", L"OdDbObject", true,
-     L"VDMDBFEATUREDATA", L"Vantrel|Description: features data"},
-    {[] { return VdmDbFeatureManager::desc(); }, L"VdmDbFeatureManager", L"OdDbObject", true,
-     L"VDMDBFEATUREMANAGER", L"Vantrel|Description: features data"},
-    {[] { return VdmDbFeatureManagerPE::desc(); }, L"VdmDbFeatureManagerPE", L"OdRxObject", false,
-     L"", L""},
-    {[] { return VdmDbFeatureManagerTransaction::desc(); }, L"VdmDbFeatureManagerTransaction",
-     L"OdRxObject", true, L"", L""},
-    {[] { return VdmDbObjectDependency::desc(); }, L"VdmDbObjectDependency", L"OdDbObject", true,
-     L"VDMDBOBJECTDEPENDENCY", L"Vantrel|Description: 3D constraints data"},
-    {[] { return VdmDbObject::desc(); }, L"VdmDbObject", L"OdDbObject", true, L"VDMOBJECT",
-     L"VdmModule|Description: Vantrel Driving Dimension"},
-    {[] { return VdmDbObjectPE::desc(); }, L"VdmDbObjectPE", L"OdRxObject", false, L"", L""},
-    {[] { return VdmDbPersIdManager::desc(); }, L"VdmDbPersIdManager", L"OdDbObject", true,
-     L"VdmDbPersIdManager", L"Vantrel|Description: model data"},
-    {[] { return VdmDbPersIdManagerPE::desc(); }, L"VdmDbPersIdManagerPE", L"OdRxObject", false,
-     L"", L""},
-    {[] { return VdmDbSheetMetalContext::desc(); }, L"VdmDbSheetMetalContext", L"OdDbObject", true,
-     L"VDMDBSHEETMETALCONTEXT", L"Vantrel|Description: features data"},
-    {[] { return VdmDbSheetMetalContextPE::desc(); }, L"VdmDbSheetMetalContextPE", L"OdRxObject",
-     false, L"", L""},
-    {[] { return VdmDbSheetMetalContextMaterialPE::desc(); }, L"VdmDbSheetMetalContextMaterialPE",
-     L"OdRxObject", false, L"", L""},
-    {[] { return VdmFeature::desc(); }, L"VdmFeature", L"OdRxObject", true, L"", L""},
-    {[] { return VdmFeatureColorPE::desc(); }, L"VdmFeatureColorPE", L"OdRxObject", false, L"",
-     L""},
-    {[] { return VdmFeaturePE::desc(); }, L"VdmFeaturePE", L"OdRxObject", false, L"", L""},
-    {[] { return VdmFeatureExternalPE::desc(); }, L"VdmFeatureExternalPE", L"OdRxObject", false,
-     L"", L""},
-    {[] { return VdmGroupFeature::desc(); }, L"VdmGroupFeature", L"VdmFeature", true, L"", L""},
-    {[] { return VdmDiffFeature::desc(); }, L"VdmDiffFeature", L"VdmGroupFeature", true, L"", L""},
-    {[] { return VdmSuppressFeature::desc(); }, L"VdmSuppressFeature", L"VdmGroupFeature", true,
-     L"", L""},
-    {[] { return VdmDbFeatureReactor::desc(); }, L"VdmDbFeatureReactor", L"OdDbObject", true,
-     L"VDMDBFEATUREREACTOR", L"Vantrel|Description: features reactor"},
-    {[] { return VdmDbPersIdReactor::desc(); }, L"VdmDbPersIdReactor", L"VdmDbFeatureReactor", true,
-     L"VDMDBPERSIDREACTOR", L"Vantrel|Description: features reactor"},
-    {[] { return VdmDbPropertyReactor::desc(); }, L"VdmDbPropertyReactor", L"VdmDbFeatureReactor",
-     true, L"VDMDBPROPERTYREACTOR", L"Vantrel|Description: features reactor"},
-    {[] { return VdmDbExpressionReactor::desc(); }, L"VdmDbExpressionReactor",
-     L"VdmDbFeatureReactor", true, L"VDMDBEXPRESSIONREACTOR",
-     L"Vantrel|Description: features reactor"},
-    {[] { return VdmDbNamingPolicyPE::desc(); }, L"VdmDbNamingPolicyPE", L"OdRxObject", false, L"",
-     L""},
+    FILED(VdmDbConstraintManager, OdDbObject, "VDMDBCONSTRAINTMANAGER", kConstraintsData),
+    ABSTRACT(VdmDbConstraintManagerPE, OdRxObject),
+    FILED(VdmDbFeatureData, OdDbObject, "VDMDBFEATUREDATA", kFeaturesData),
+    FILED(VdmDbFeatureManager, OdDbObject, "VDMDBFEATUREMANAGER", kFeaturesData),
+    ABSTRACT(VdmDbFeatureManagerPE, OdRxObject),
+    PLAIN(VdmDbFeatureManagerTransaction, OdRxObject),
+    FILED(VdmDbObjectDependency, OdDbObject, "VDMDBOBJECTDEPENDENCY", kConstraintsData),
+    FILED(VdmDbObject, OdDbObject, "VDMOBJECT",
+          L"VdmModule|Description: Vantrel Driving Dimension"),
+    ABSTRACT(VdmDbObjectPE, OdRxObject),
+    FILED(VdmDbPersIdManager, OdDbObject, "VdmDbPersIdManager", L"Vantrel|Description: model data"),
+    ABSTRACT(VdmDbPersIdManagerPE, OdRxObject),
+    FILED(VdmDbSheetMetalContext, OdDbObject, "VDMDBSHEETMETALCONTEXT", kFeaturesData),
+    ABSTRACT(VdmDbSheetMetalContextPE, OdRxObject),
+    ABSTRACT(VdmDbSheetMetalContextMaterialPE, OdRxObject),
+    PLAIN(VdmFeature, OdRxObject),
+    ABSTRACT(VdmFeatureColorPE, OdRxObject),
+    ABSTRACT(VdmFeaturePE, OdRxObject),
+    ABSTRACT(VdmFeatureExternalPE, OdRxObject),
+    PLAIN(VdmGroupFeature, VdmFeature),
+    PLAIN(VdmDiffFeature, VdmGroupFeature),
+    PLAIN(VdmSuppressFeature, VdmGroupFeature),
+    FILED(VdmDbFeatureReactor, OdDbObject, "VDMDBFEATUREREACTOR", kFeaturesReactor),
+    FILED(VdmDbPersIdReactor, VdmDbFeatureReactor, "VDMDBPERSIDREACTOR", kFeaturesReactor),
+    FILED(VdmDbPropertyReactor, VdmDbFeatureReactor, "VDMDBPROPERTYREACTOR", kFeaturesReactor),
+    FILED(VdmDbExpressionReactor, VdmDbFeatureReactor, "VDMDBEXPRESSIONREACTOR", kFeaturesReactor),
+    ABSTRACT(VdmDbNamingPolicyPE, OdRxObject),
     {[] { return VdmDbVariableReactor::desc(); }, L"VdmVariableReactor", L"OdDbObject", true,
      L"VDMVARIABLEREACTOR", L"Vantrel|Description: 3D constraints data"},
-    {[] { return VdmPropertiesPE::desc(); }, L"VdmPropertiesPE", L"OdRxObject", false, L"", L""},
-    {[] { return VdmDbExtensionData::desc(); }, L"VdmDbExtensionData", L"OdDbObject", true,
-     L"VDMDBEXTENSIONDATA", L"Vantrel|Description: extension data"},
-    {[] { return VdmThreadFeature::desc(); }, L"VdmThreadFeature", L"VdmFeature", true, L"", L""},
-    {[] { return VdmTrackingFeature::desc(); }, L"VdmTrackingFeature", L"VdmFeature", true, L"",
-     L""},
-    {[] { return VdmDraftingGroupFeature::desc(); }, L"VdmDraftingGroupFeature", L"VdmFeature",
-     true, L"", L""},
-    {[] { return VdmUpdateFeatureInterface::desc(); }, L"VdmUpdateFeatureInterface",
-     L"VdmFeaturePE", false, L"", L""},
-    {[] { return VdmDbAssemblyPE::desc(); }, L"VdmDbAssemblyPE", L"OdRxObject", false, L"", L""},
-    {[] { return VdmAssocVariableExt::desc(); }, L"VdmAssocVariableExt", L"OdRxObject", true, L"",
-     L""},
-    {[] { return VdmCVUnitInterface::desc(); }, L"VdmCVUnitInterface", L"OdRxObject", false, L"",
-     L""},
-    {[] { return VdmDbISettings::desc(); }, L"VdmDbISettings", L"OdRxObject", false, L"", L""},
+    ABSTRACT(VdmPropertiesPE, OdRxObject),
+    FILED(VdmDbExtensionData, OdDbObject, "VDMDBEXTENSIONDATA",
+          L"Vantrel|Description: extension data"),
+    PLAIN(VdmThreadFeature, VdmFeature),
+    PLAIN(VdmTrackingFeature, VdmFeature),
+    PLAIN(VdmDraftingGroupFeature, VdmFeature),
+    ABSTRACT(VdmUpdateFeatureInterface, VdmFeaturePE),
+    ABSTRACT(VdmDbAssemblyPE, OdRxObject),
+    PLAIN(VdmAssocVariableExt, OdRxObject),
+    ABSTRACT(VdmCVUnitInterface, OdRxObject),
+    ABSTRACT(VdmDbISettings, OdRxObject),
     {[] { return vdmu::VdmRemappingOperationBracket::desc(); }, L"VdmRemappingOperationBracket",
      L"OdRxObject", false, L"", L""},
-    {[] { return VdmDbConfigurationTable::desc(); }, L"VdmDbConfigurationTable", L"OdDbObject",
-     true, L"VDMDBCONFIGURATIONTABLE", L"Vantrel|Description: configurations data"},
-    {[] { return VdmConfigurationFeature::desc(); }, L"VdmConfigurationFeature", L"VdmFeature",
-     true, L"", L""},
-    {[] { return VdmDbConfigVarReactor::desc(); }, L"VdmDbConfigVarReactor", L"VdmDbFeatureReactor",
-     true, L"VDMDBCONFIGVARREACTOR", L"Vantrel|Description: features reactor"},
+    FILED(VdmDbConfigurationTable, OdDbObject, "VDMDBCONFIGURATIONTABLE",
+          L"Vantrel|Description: configurations data"),
+    PLAIN(VdmConfigurationFeature, VdmFeature),
+    FILED(VdmDbConfigVarReactor, VdmDbFeatureReactor, "VDMDBCONFIGVARREACTOR", kFeaturesReactor),
     {[] { return vdm_assoc::EntityAssocAttribute::desc(); }, L"EntityAssocAttribute", L"OdRxObject",
      true, L"", L""},
-    {[] { return VdmDbTrailingLinePE::desc(); }, L"VdmDbTrailingLinePE", L"OdRxObject", false, L"",
-     L""},
-    {[] { return vdmu::AssocVariableCloningWatcher::desc(); }, L"vdmu::AssocVariableCloningWatcher",
-     L"OdDbDatabaseReactor", true, L"", L""},
-    {[] { return VdmSimpleFeatureInterface::desc(); }, L"VdmSimpleFeatureInterface",
-     L"VdmUpdateFeatureInterface", false, L"", L""},
+    ABSTRACT(VdmDbTrailingLinePE, OdRxObject),
+    PLAIN(vdmu::AssocVariableCloningWatcher, OdDbDatabaseReactor),
+    ABSTRACT(VdmSimpleFeatureInterface, VdmUpdateFeatureInterface),
 };
+#undef PLAIN
+#undef ABSTRACT
+#undef FILED
 
 std::vector<OdRxClass*> registered() {
   std::vector<OdRxClass*> classes;

@@ -14,7 +14,7 @@ class ScriptedInterface : public VdmUpdateFeatureInterface {
  public:
   OD_RX_DECLARE_MEMBERS(ScriptedInterface)
 
-  OpeningFaces openingFaces() const override { return script().opening; }
+  [[nodiscard]] OpeningFaces openingFaces() const override { return script().opening; }
   bool prepareUpdateData(VdmFeatureUpdateData&, bool) override { return false; }
   bool removeSubents(VdmFeatureSubentsToRemove& record, const OdDbFullSubentPathArray&) override {
     return script().removeSubents && script().removeSubents(record);
@@ -30,17 +30,17 @@ class ScriptedInterface : public VdmUpdateFeatureInterface {
   VdmSolidOccurrences uniteSolids(const OdDbObjectId& block, bool forWrite) override {
     return getAdditionsOnDedicatedLayer(block, forWrite);
   }
-  bool needsBaseFaces() const override { return script().needsBaseFaces; }
+  [[nodiscard]] bool needsBaseFaces() const override { return script().needsBaseFaces; }
   bool isRequiredDependency(int, int) override { return false; }
   bool isReactorFiltered(const VdmDbPersIdReactor* reactor) const override {
     return reactor->hasTag(script().filteredTag);
   }
-  OdDbObjectIdArray ownObjectIds() const override { return script().ownIds; }
-  bool erasesOwnObjects() const override { return false; }
+  [[nodiscard]] OdDbObjectIdArray ownObjectIds() const override { return script().ownIds; }
+  [[nodiscard]] bool erasesOwnObjects() const override { return false; }
   void onDeepClone(OdDbIdMapping&, OdDbObject*, OdDbObject*, bool) const override {}
   void onWblockClone(OdDbIdMapping&, OdDbObject*, OdDbObject*, bool) const override {}
-  OdString componentName() const override { return Scene::current->componentName; }
-  OdString extensionValue() const override { return L"value"; }
+  [[nodiscard]] OdString componentName() const override { return Scene::current->componentName; }
+  [[nodiscard]] OdString extensionValue() const override { return L"value"; }
   void applyExtension(OdDbObject* object, const OdString&) override {
     Scene::current->applied.append(object->objectId());
   }
@@ -50,7 +50,7 @@ class ScriptedInterface : public VdmUpdateFeatureInterface {
   }
 
  private:
-  Script& script() const { return Scene::current->scripts[objectId()]; }
+  [[nodiscard]] Script& script() const { return Scene::current->scripts[objectId()]; }
 };
 OD_RX_DEFINE(ScriptedInterface, VdmUpdateFeatureInterface, L"TestScriptedInterface")
 

@@ -69,7 +69,7 @@ class ScriptedFeature : public VdmFeature {
   }
 
  private:
-  Script& script() const { return Scene::current->scripts[objectId()]; }
+  [[nodiscard]] Script& script() const { return Scene::current->scripts[objectId()]; }
 };
 
 class TestHelper : public VdmFeatureUpdateDataHelper {

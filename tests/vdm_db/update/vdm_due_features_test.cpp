@@ -48,7 +48,7 @@ class MoodyFeature : public DueFeature {
 class ToldInterface : public VdmSimpleFeatureInterface {
  public:
   OD_RX_DECLARE_MEMBERS(ToldInterface)
-  OpeningFaces openingFaces() const override {
+  [[nodiscard]] OpeningFaces openingFaces() const override {
     const auto& own = static_cast<const DueFeature&>(*feature());
     return {own.insert, own.insert, {}};
   }
@@ -76,13 +76,15 @@ class FlagReactor : public VdmDbFeatureReactor {
  public:
   OD_RX_DECLARE_MEMBERS(FlagReactor)
   FlagReactor() : VdmDbFeatureReactor(std::make_unique<FlagReactorImpl>()) {}
-  bool hasChanges() const override { return (flags() & 1) != 0; }
-  bool needConstraintsRecalculation() const override { return (flags() & 2) != 0; }
-  bool changesAreStored() const override { return true; }
+  [[nodiscard]] bool hasChanges() const override { return (flags() & 1) != 0; }
+  [[nodiscard]] bool needConstraintsRecalculation() const override { return (flags() & 2) != 0; }
+  [[nodiscard]] bool changesAreStored() const override { return true; }
   void setFlags(OdLong flags) { static_cast<FlagReactorImpl&>(implForWrite()).flags = flags; }
 
  private:
-  OdLong flags() const { return static_cast<const FlagReactorImpl&>(implForRead()).flags; }
+  [[nodiscard]] OdLong flags() const {
+    return static_cast<const FlagReactorImpl&>(implForRead()).flags;
+  }
 };
 
 std::function<void()> DueFeature::onPrepare;
@@ -100,14 +102,14 @@ namespace {
 struct ListingHost : VdmUpdateHost {
   OdDbObjectIdArray changed;
   bool keepsList = true;
-  bool hasChangedEntities() const override { return !changed.isEmpty(); }
-  bool concerns(const VdmFeature&, const OdDbObjectId& entity) const override {
+  [[nodiscard]] bool hasChangedEntities() const override { return !changed.isEmpty(); }
+  [[nodiscard]] bool concerns(const VdmFeature&, const OdDbObjectId& entity) const override {
     return changed.contains(entity);
   }
-  std::optional<std::size_t> numChangedEntities() const override {
+  [[nodiscard]] std::optional<std::size_t> numChangedEntities() const override {
     return keepsList ? std::optional<std::size_t>(changed.size()) : std::nullopt;
   }
-  OdDbObjectId changedEntity(std::size_t number) const override {
+  [[nodiscard]] OdDbObjectId changedEntity(std::size_t number) const override {
     return changed[static_cast<OdUInt32>(number)];
   }
 };
@@ -116,7 +118,7 @@ struct Listener : VdmUpdateObserver {
   OdDbObjectIdArray taken;
   OdUInt32 numSkipped = 0;  ///< looked at
   OdUInt32 numPassedOver = 0;
-  bool hearsEachSkipped() const override { return false; }
+  [[nodiscard]] bool hearsEachSkipped() const override { return false; }
   void featureTaken(const OdDbObjectId& id, VdmUpdateReason) override { taken.append(id); }
   void featureSkipped(const OdDbObjectId&) override { ++numSkipped; }
   void featuresPassedOver(OdUInt32 count) override { numPassedOver += count; }
@@ -321,7 +323,7 @@ class VdmDueFeaturesRandomTest : public VdmDueFeaturesTest {
   OdDbObjectId anyDependency() { return anyOf(chance(15) ? m_lost : listed()); }
   OdDbObjectId anyEntity() { return anyOf(m_entities); }
   OdDbFullSubentPath anyPath() {
-    const auto index = static_cast<OdGsMarker>(1 + upTo(2));
+    const OdGsMarker index = OdGsMarker{1} + upTo(2);
     if (chance(85)) return face(anyEntity(), index);
     return {OdDbObjectIdArray{m_insert, m_inner}, OdDbSubentId(OdDb::kFaceSubentType, index)};
   }

@@ -106,8 +106,8 @@ TEST_F(VdmFeatureUpdateDataTest, FeaturesAreTakenForTheFirstCause) {
 /// A host that knows of one changed entity.
 struct ChangingHost : VdmUpdateHost {
   OdDbObjectId changed;
-  bool hasChangedEntities() const override { return !changed.isNull(); }
-  bool concerns(const VdmFeature&, const OdDbObjectId& entity) const override {
+  [[nodiscard]] bool hasChangedEntities() const override { return !changed.isNull(); }
+  [[nodiscard]] bool concerns(const VdmFeature&, const OdDbObjectId& entity) const override {
     return entity == changed;
   }
 };

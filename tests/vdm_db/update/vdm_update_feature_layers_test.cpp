@@ -42,7 +42,7 @@ TEST_F(VdmUpdateFeatureLayersTest, SolidsCountByTheirLayer) {
     EXPECT_EQ(names, OdStringArray({L"VC_SUBTRACT", L"BIM_SUBTRACT", L"VC_UNITE", L"BIM_UNITE"}));
   }
   struct Hiding : OdStaticRxObject<VdmSimpleFeatureInterface> {
-    OdStringArray layersToHide() const override { return {L"MINE"}; }
+    [[nodiscard]] OdStringArray layersToHide() const override { return {L"MINE"}; }
   };
   EXPECT_EQ(Hiding().layersToShowOnInsert(), OdStringArray({L"MINE"})) << "what it hides";
   EXPECT_TRUE(bound->layersToShow().isEmpty() && bound->layersToHideOnInsert().isEmpty());
