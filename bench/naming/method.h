@@ -20,9 +20,9 @@ struct Answer {
 class NamingMethod {
  public:
   virtual ~NamingMethod() = default;
-  virtual const char* name() const = 0;
+  [[nodiscard]] virtual const char* name() const = 0;
   /// Whether it can name several subentities for one, and is held to naming all.
-  virtual bool namesAllParts() const { return false; }
+  [[nodiscard]] virtual bool namesAllParts() const { return false; }
 
   /// A fresh part with references to subentities of its body.
   virtual void begin(const OdModelerBodyPtr& body, std::span<const OdModelerSubent> references) = 0;

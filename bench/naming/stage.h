@@ -64,7 +64,7 @@ class Stage {
  public:
   explicit Stage(Part& part) : m_part(part) { begin(); }
 
-  const OdModelerBodyPtr& body() const { return m_part.body; }
+  [[nodiscard]] const OdModelerBodyPtr& body() const { return m_part.body; }
   Part& part() { return m_part; }
 
   /// Starts a new trace at the present body.

@@ -44,8 +44,8 @@ class NamedBody {
  public:
   NamedBody(const Plan& plan, OdModelerBodyPtr body);
 
-  const OdModelerBody& body() const { return *m_body; }
-  const std::vector<Carrier>& carriers() const { return m_carriers; }
+  [[nodiscard]] const OdModelerBody& body() const { return *m_body; }
+  [[nodiscard]] const std::vector<Carrier>& carriers() const { return m_carriers; }
   /// Position of a face's carrier; -1 for a face that the plan does not have.
   [[nodiscard]] int carrierOfFace(OdUInt32 face) const { return m_faces[face - 1]; }
   /// The carriers that meet in a subentity, rising; a seam has its carrier twice.

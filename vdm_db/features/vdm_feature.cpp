@@ -163,7 +163,7 @@ void VdmFeature::notifyEntities() const {
     const VdmDbObjectDependencyPtr dependency = id.openAs<VdmDbObjectDependency>();
     if (dependency.isNull()) continue;
     const VdmDbObjectPtr entity = VdmDbObject::openVdmDbObject(dependency->getInsertId());
-    if (!entity.isNull()) entity->notifyAboutModifications(/*checkWatched=*/true);
+    if (!entity.isNull()) entity->notifyAboutModifications(/*modified=*/true);
   }
 }
 

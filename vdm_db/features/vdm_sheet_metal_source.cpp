@@ -28,24 +28,24 @@ class Sheet {
  public:
   explicit Sheet(const OdDbObjectId& context) {
     readContext(context, [this](const VdmProperties& bag) {
-      bag.getProperty(kVdmThickness, thickness);
-      bag.getProperty(kBendRadius, bendRadius);
-      bag.getProperty(kBendRadiusType, bendRadiusType);
+      bag.getProperty(kVdmThickness, m_thickness);
+      bag.getProperty(kBendRadius, m_bendRadius);
+      bag.getProperty(kBendRadiusType, m_bendRadiusType);
     });
   }
   friend bool operator==(const Sheet& a, const Sheet& b) {
-    return isSame(a.thickness, b.thickness) && isSame(a.absoluteRadius(), b.absoluteRadius());
+    return isSame(a.m_thickness, b.m_thickness) && isSame(a.absoluteRadius(), b.absoluteRadius());
   }
 
  private:
   // A radius of type 0 is a ratio of the thickness.
-  double absoluteRadius() const {
-    return bendRadiusType == 0 ? bendRadius * thickness : bendRadius;
+  [[nodiscard]] double absoluteRadius() const {
+    return m_bendRadiusType == 0 ? m_bendRadius * m_thickness : m_bendRadius;
   }
 
-  double thickness = 0;  // drawing units
-  double bendRadius = 0;
-  OdLong bendRadiusType = 0;
+  double m_thickness = 0;  // drawing units
+  double m_bendRadius = 0;
+  OdLong m_bendRadiusType = 0;
 };
 
 }  // namespace

@@ -139,7 +139,7 @@ class RegistrationGuard : OdNonCopyable {
     m_next->init();
     ++m_next;
   }
-  bool isDone() const { return m_next == std::end(kClassRows); }
+  [[nodiscard]] bool isDone() const { return m_next == std::end(kClassRows); }
 
  private:
   const ClassRow* m_next;

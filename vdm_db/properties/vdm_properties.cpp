@@ -123,7 +123,8 @@ VdmPropertyDataPtr VdmProperties::getProperty(const OdString& key) const {
 
 bool VdmProperties::setProperty(const OdString& key, const VdmPropertyDataPtr& value) {
   if (value.isNull()) return removeProperty(key);
-  const VdmPropertyDataPtr kept(value);  // may be the bag's own pointer
+  // May be the bag's own pointer.
+  const VdmPropertyDataPtr kept(value);  // NOLINT(performance-unnecessary-copy-initialization)
   m_slots.putBoxed(findOrAddSlot(key), kept);
   return true;
 }

@@ -79,7 +79,8 @@ bool VdmProperties::mapProperty(const OdString& key, T* variable) {
 template <VdmPropertyValue T>
 bool VdmProperties::mapProperty(const OdString& key, T* variable,
                                 const std::type_identity_t<T>& defaultValue) {
-  const T kept(defaultValue);  // may be the variable itself
+  // May be the variable itself.
+  const T kept(defaultValue);  // NOLINT(performance-unnecessary-copy-initialization)
   getProperty(key, *variable);
   mapTo(key, new VdmPropertyDataMappingWithDefault<T>(variable, kept));
   return true;

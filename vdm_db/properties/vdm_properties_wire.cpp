@@ -75,7 +75,7 @@ class VdmPropertiesWriter {
       if (isFiled(slot)) m_selected[m_count++] = slot;
     }
   }
-  bool isFiled(OdUInt32 slot) const {
+  [[nodiscard]] bool isFiled(OdUInt32 slot) const {
     if (m_bag.m_slots.isNull(slot)) return false;
     return (m_config & VdmProperties::kSparse) == 0 || !m_bag.m_slots.isBoxed(slot) ||
            m_bag.m_slots.boxed(slot)->isOutOfDate();
@@ -227,14 +227,14 @@ class VdmPropertiesReader {
   // The version of the file is tested and not kept.
   OdResult checkVersion() {
     if (m_filer->rdInt8() != kVersionType) return eNotApplicable;
-    const int fileVersion = m_filer->rdInt8();
+    const OdInt8 fileVersion = m_filer->rdInt8();
     const int bagVersion = m_bag.version();
     const bool isAbove = bagVersion == 0 ? fileVersion > kVersionAccepted
                                          : bagVersion > 0 && fileVersion > bagVersion;
     return isAbove ? eNotApplicable : eOk;
   }
 
-  OdUInt32 findSlot(const OdString& key) const {
+  [[nodiscard]] OdUInt32 findSlot(const OdString& key) const {
     const VdmPropertyShape* shape = m_bag.m_shape;
     if (shape == nullptr || shape->isBehindAll(key)) return VdmPropertyShape::kNoSlot;
     return shape->find(key);

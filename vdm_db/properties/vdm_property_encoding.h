@@ -215,9 +215,12 @@ template <class Make>
 VdmPropertyData* vdmMakeByNumber(OdInt8 number, Make make) {
   return [&]<class... T>(std::tuple<T...>*) {
     VdmPropertyData* made = nullptr;
-    ((static_cast<OdInt8>(vdmElementType<T>()) == number &&
-      (made = make.template operator()<T>(), true)) ||
-     ...);
+    const auto take = [&made, &make]<class One>() {
+      made = make.template operator()<One>();
+      return true;
+    };
+    (void)((static_cast<OdInt8>(vdmElementType<T>()) == number && take.template operator()<T>()) ||
+           ...);
     return made;
   }(static_cast<VdmElementTypes*>(nullptr));
 }

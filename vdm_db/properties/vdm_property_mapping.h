@@ -14,9 +14,9 @@ class VdmPropertyDataMapping final : public VdmPropertyConcreteData<T> {
  public:
   explicit VdmPropertyDataMapping(T* variable) : m_variable(variable) {}
 
-  bool isMapped() const override { return true; }
+  [[nodiscard]] bool isMapped() const override { return true; }
   T& value() override { return *m_variable; }
-  const T& value() const override { return *m_variable; }
+  [[nodiscard]] const T& value() const override { return *m_variable; }
 
  private:
   T* m_variable;
@@ -29,14 +29,16 @@ class VdmPropertyDataMappingWithDefault final : public VdmPropertyConcreteData<T
   VdmPropertyDataMappingWithDefault(T* variable, const T& defaultValue)
       : m_variable(variable), m_default(defaultValue) {}
 
-  bool isMapped() const override { return true; }
-  bool isOutOfDate() const override { return !(std::as_const(*m_variable) == m_default); }
+  [[nodiscard]] bool isMapped() const override { return true; }
+  [[nodiscard]] bool isOutOfDate() const override {
+    return !(std::as_const(*m_variable) == m_default);
+  }
   bool reset() override {
     *m_variable = m_default;
     return true;
   }
   T& value() override { return *m_variable; }
-  const T& value() const override { return *m_variable; }
+  [[nodiscard]] const T& value() const override { return *m_variable; }
 
  private:
   T* m_variable;
@@ -52,10 +54,10 @@ class VdmPropertyDataMappingGetterSetter final : public VdmPropertyConcreteData<
   VdmPropertyDataMappingGetterSetter(std::function<T()> getter, std::function<void(T)> setter)
       : m_cached(), m_getter(std::move(getter)), m_setter(std::move(setter)) {}
 
-  bool isMapped() const override { return true; }
+  [[nodiscard]] bool isMapped() const override { return true; }
   void updateMapped() override { m_setter(m_cached); }
   T& value() override { return m_cached = m_getter(); }
-  const T& value() const override { return m_cached = m_getter(); }
+  [[nodiscard]] const T& value() const override { return m_cached = m_getter(); }
 
  private:
   mutable T m_cached;
@@ -75,15 +77,15 @@ class VdmPropertyDataMappingGetterSetterWithDefault final : public VdmPropertyCo
         m_default(defaultValue),
         m_cached() {}
 
-  bool isMapped() const override { return true; }
-  bool isOutOfDate() const override { return !(m_getter() == m_default); }
+  [[nodiscard]] bool isMapped() const override { return true; }
+  [[nodiscard]] bool isOutOfDate() const override { return !(m_getter() == m_default); }
   void updateMapped() override { m_setter(m_cached); }
   bool reset() override {
     m_setter(m_default);
     return true;
   }
   T& value() override { return m_cached = m_getter(); }
-  const T& value() const override { return m_cached = m_getter(); }
+  [[nodiscard]] const T& value() const override { return m_cached = m_getter(); }
 
  private:
   std::function<T()> m_getter;
@@ -99,10 +101,10 @@ class VDM_DB_EXPORT VdmPropertyDataObjectIdMapping final
  public:
   VdmPropertyDataObjectIdMapping(OdDbObjectId* variable, OdDb::ReferenceType type);
 
-  bool isMapped() const override { return true; }
+  [[nodiscard]] bool isMapped() const override { return true; }
   void updateMapped() override;
   OdDbTypedId& value() override { return m_cached; }
-  const OdDbTypedId& value() const override;
+  [[nodiscard]] const OdDbTypedId& value() const override;
 
  private:
   OdDbObjectId* m_variable;
@@ -118,10 +120,10 @@ class VDM_DB_EXPORT VdmPropertyDataObjectIdArrayMapping final
 
   void setReferenceType(OdDb::ReferenceType type) { m_type = type; }
 
-  bool isMapped() const override { return true; }
+  [[nodiscard]] bool isMapped() const override { return true; }
   void updateMapped() override;
   VdmTypedIdArray& value() override { return m_cached; }
-  const VdmTypedIdArray& value() const override;
+  [[nodiscard]] const VdmTypedIdArray& value() const override;
 
  private:
   OdDbObjectIdArray* m_variable;

@@ -98,7 +98,7 @@ class VDM_DB_EXPORT VdmPropertySlots : OdNonCopyable {
     return (tag(slot) & kPacked) != 0 && !holds<OdDbTypedId>(slot);
   }
   template <VdmPackedValue T>
-  T unpacked(OdUInt32 slot) const;
+  [[nodiscard]] T unpacked(OdUInt32 slot) const;
   [[nodiscard]] const VdmPropertyDataPtr& boxed(OdUInt32 slot) const noexcept {
     return *reinterpret_cast<const VdmPropertyDataPtr*>(word(slot));
   }
@@ -144,7 +144,7 @@ class VDM_DB_EXPORT VdmPropertySlots : OdNonCopyable {
   [[nodiscard]] OdUInt64& word(OdUInt32 slot) const noexcept { return words()[slot]; }
   // Texts and arrays are one pointer, and their words may be moved as memory.
   template <class T>
-  T& object(OdUInt32 slot) const noexcept {
+  [[nodiscard]] T& object(OdUInt32 slot) const noexcept {
     static_assert(sizeof(T) == sizeof(OdUInt64));
     return *std::launder(reinterpret_cast<T*>(&word(slot)));
   }
