@@ -115,8 +115,6 @@ const std::vector<ClassRow> kClassRows = {
      L""},
     {[] { return vdmu::AssocVariableCloningWatcher::desc(); }, L"vdmu::AssocVariableCloningWatcher",
      L"OdDbDatabaseReactor", true, L"", L""},
-    {[] { return VdmSimpleFeatureInterface::desc(); }, L"VdmSimpleFeatureInterface",
-     L"VdmUpdateFeatureInterface", false, L"", L""},
 };
 
 std::vector<OdRxClass*> registered() {
