@@ -60,11 +60,13 @@ Cleaners makeCleaners() {
   return cleaners;
 }
 
-// The cleaner of the nearest class in the table: each kind of dimension is below the class there.
-const VdmuINormalCleaner* cleanerOf(const Cleaners& cleaners, const OdRxClass* cls) {
-  for (; cls != nullptr; cls = cls->myParent()) {
+// The cleaner of the class itself. An abstract class of the table, as that of dimensions, has no
+// entities of its own: its row serves the classes below it.
+const VdmuINormalCleaner* cleanerOf(const Cleaners& cleaners, const OdRxClass* own) {
+  for (const OdRxClass* cls = own; cls != nullptr; cls = cls->myParent()) {
     const auto found = cleaners.find(cls);
-    if (found != cleaners.end()) return found->second.get();
+    if (found == cleaners.end()) continue;
+    return cls == own || cls->isAbstract() ? found->second.get() : nullptr;
   }
   return nullptr;
 }

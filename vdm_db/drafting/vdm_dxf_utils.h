@@ -22,7 +22,8 @@ constexpr double normalTolerance() { return 1e-06; }
 
 /// Projected geometry often comes with the normal -Z, and readers of other formats see it mirrored
 /// then. Turns all such entities of a block: arcs, circles, dimensions, ellipses, hatches, leaders,
-/// lines, multi-lines, points, polylines and texts. Nothing happens for what is no block.
+/// lines, multi-lines, points, polylines and texts. Every kind of dimension counts; entities of
+/// classes derived from the others stay as they are. Nothing happens for what is no block.
 VDM_DB_EXPORT void cleanUp2DEntities(const OdDbObjectId& block);
 
 }  // namespace vdmu

@@ -4,6 +4,7 @@
 #include "platform/base/error.h"
 #include "platform/db/block_table_record.h"
 #include "platform/db/database.h"
+#include "platform/db/locked_layers.h"
 #include "platform/entities/viewport.h"
 #include "vdm_db/drawing_utils/undo_recording_off.h"
 #include "vdm_db/drawing_utils/vdm_iterator_utils.h"
@@ -42,8 +43,7 @@ class KeptViewport {
   void putBack() const {
     if (m_copy.isNull()) return;
     const UndoRecordingOff off(m_database);  // until the viewport is closed
-    const OdDbViewportPtr viewport =
-        activeViewport(m_database).openAs<OdDbViewport>(OdDb::kForWrite);
+    const OdDbViewportPtr viewport = oddbOpenThroughLock<OdDbViewport>(activeViewport(m_database));
     if (viewport.isNull()) return;  // what was rolled back had created it
     copyState(m_copy, viewport);
   }

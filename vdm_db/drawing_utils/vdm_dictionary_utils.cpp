@@ -122,7 +122,8 @@ OdDbObjectId getDict(OdDbDatabase* database, const OdString& name, OdDbObjectId 
 void deleteDict(OdDbDatabase* database, const OdString& name, OdDbObjectId owner) {
   if (database == nullptr || !eraseDictionary(findParent(database, owner), name)) return;
   if (owner.isNull()) return;
-  const OdDbObjectPtr object = owner.safeOpenAs<OdDbObject>(OdDb::kForWrite);
+  const OdDbObjectPtr object = owner.safeOpenAs<OdDbObject>();
+  const VdmOpenUpgrade upgrade(object);
   object->releaseExtensionDictionary();
 }
 

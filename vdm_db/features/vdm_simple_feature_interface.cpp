@@ -3,9 +3,6 @@
 
 #include "vdm_db/features/vdm_feature.h"
 
-OD_RX_DEFINE_ABSTRACT(VdmSimpleFeatureInterface, VdmUpdateFeatureInterface,
-                      L"VdmSimpleFeatureInterface")
-
 using Interface = VdmSimpleFeatureInterface;
 
 Interface::~VdmSimpleFeatureInterface() = default;

@@ -10,10 +10,11 @@
 /// Its answers: the feature has no opening, removes no faces, cuts and fills nothing, needs no base
 /// faces, loses a reference without being erased, filters no reactor, makes no component, and is
 /// cloned as features without interface are.
+///
+/// It has no run-time class of its own: to the runtime its objects are of the class
+/// VdmUpdateFeatureInterface, and so is the parent of a class derived from it.
 class VDM_DB_EXPORT VdmSimpleFeatureInterface : public VdmUpdateFeatureInterface {
  public:
-  OD_RX_DECLARE_MEMBERS(VdmSimpleFeatureInterface)
-
   ~VdmSimpleFeatureInterface() override;
 
   [[nodiscard]] OpeningFaces openingFaces() const override;

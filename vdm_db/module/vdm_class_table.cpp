@@ -39,7 +39,6 @@
 #include "vdm_db/features/vdm_feature_color_pe.h"
 #include "vdm_db/features/vdm_feature_external_pe.h"
 #include "vdm_db/features/vdm_feature_pe.h"
-#include "vdm_db/features/vdm_simple_feature_interface.h"
 #include "vdm_db/features/vdm_update_feature_interface.h"
 #include "vdm_db/model/vdm_db_feature_reactor.h"
 #include "vdm_db/model/vdm_db_object.h"
@@ -70,7 +69,7 @@ constexpr ClassRow rowOf() {
   return {static_cast<void (*)()>(&T::rxInit), &T::rxUninit, &T::desc};
 }
 
-// In the order of registration: each parent precedes its children.
+// In the order of registration, which is fixed: each parent precedes its children.
 constexpr ClassRow kClassRows[] = {
     rowOf<VdmConstraint>(),
     rowOf<VdmDbConstraintManager>(),
@@ -117,8 +116,6 @@ constexpr ClassRow kClassRows[] = {
     rowOf<vdm_assoc::EntityAssocAttribute>(),
     rowOf<VdmDbTrailingLinePE>(),
     rowOf<vdmu::AssocVariableCloningWatcher>(),
-    // The order of those above is fixed; what is added comes after them.
-    rowOf<VdmSimpleFeatureInterface>(),
 };
 
 bool isOfTable(const OdRxClass* rxClass) {

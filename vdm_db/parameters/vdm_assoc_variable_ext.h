@@ -16,10 +16,10 @@ using VdmAssocVariableExtPtr = OdSmartPtr<VdmAssocVariableExt>;
 
 /// Attributes of one variable that its class has no place for: exposure, status in bills of
 /// material, units, range of animation. They lie in a property bag beside the variable. A wrapper
-/// is transient: it reads the bag once, so it does not see what another wrapper stores. Made of a
-/// smart pointer it keeps the variable open while it lives; made of a plain one it does not.
-/// Getters answer what the comment says when an attribute is absent or of another type. Setters
-/// store the bag and need the variable open for write.
+/// is transient: it reads the bag once, so it does not see what another wrapper stores. While it
+/// lives it keeps the variable open: in the mode of the smart pointer that it is made of, and for
+/// read when it is made of a plain one. Getters answer what the comment says when an attribute is
+/// absent or of another type. Setters store the bag and need the variable open for write.
 ///
 /// The key "units" serves two purposes: an integer is the measurement type, a text a free unit.
 class VDM_DB_EXPORT VdmAssocVariableExt : public OdRxObject {

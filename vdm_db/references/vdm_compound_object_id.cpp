@@ -162,3 +162,12 @@ OdResult VdmCompoundObjectId::dwgInFields(OdDbDwgFiler* filer, int version) {
   m_elements = elements;
   return eOk;
 }
+
+// ---- Text
+
+OdString vdmu::strCompoundObjectId(const VdmCompoundObjectId& id) {
+  const OdArray<OdDbObjectId> prefix = id.getPathPrefix();
+  OdString text = strObjectIdArray(prefix, /*markErased=*/false);
+  for (unsigned int i = prefix.size(); i < id.size(); ++i) text += L" | " + id.getHandle(i).ascii();
+  return text;
+}

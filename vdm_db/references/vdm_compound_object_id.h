@@ -82,3 +82,11 @@ class VDM_DB_EXPORT VdmCompoundObjectId {
   OdArray<OdString> m_strings;
   OdArray<Element> m_elements;
 };
+
+namespace vdmu {
+
+/// For dumps: the leading ids as strObjectIdArray writes them, then " | " and the handle in
+/// hexadecimal for each further element.
+[[nodiscard]] VDM_DB_EXPORT OdString strCompoundObjectId(const VdmCompoundObjectId& id);
+
+}  // namespace vdmu

@@ -13,6 +13,13 @@
 #include "tests/platform/entities/entity_samples.h"
 #include "tests/support/model_testing.h"
 
+// A class of another module, which is in no table.
+class ForeignCircle : public OdDbCircle {
+  OD_RX_DECLARE_MEMBERS(ForeignCircle)
+};
+OD_RX_DEFINE_DB(ForeignCircle, OdDbCircle, L"TestForeignCircle", 33, 55, 0, L"TESTFOREIGNCIRCLE",
+                L"tests")
+
 namespace {
 
 // The normal of all samples, and a turn that takes it to -Z.
@@ -63,7 +70,7 @@ bool hasOtherStrokes(const OdDbEntity& entity) {
          entity.isKindOf(OdDbDimension::desc()) || entity.isKindOf(OdDbCircle::desc());
 }
 
-class VdmDxfUtils : public ModelTest {};
+class VdmDxfUtils : public RegisteredClass<ForeignCircle>, public ModelTest {};
 
 TEST_F(VdmDxfUtils, EveryEntityTurnsOnceAndKeepsItsPicture) {
   for (const EntitySample& sample : entitySamples()) {
@@ -125,9 +132,12 @@ TEST_F(VdmDxfUtils, EntitiesThatShareTheirPlaceStayApart) {
   lone->addVertexAt(0, {3, 4});
   ids.push_back(addTo(m_modelSpace, lone));
   ids.push_back(addReference(m_modelSpace, addBlock(m_drawing, L"B")));
-  const OdDbObjectId gone = addArc(0, 3, down);
-  edit<OdDbEntity>(gone)->erase();
-  const std::string goneBefore = stateOf(gone), insertBefore = stateOf(ids.back());
+  const OdDbCirclePtr foreign = ForeignCircle::createObject();
+  foreign->setNormal(down);
+  const OdDbObjectId left[] = {ids.back(), addTo(m_modelSpace, foreign), addArc(0, 3, down)};
+  edit<OdDbEntity>(left[2])->erase();
+  std::vector<std::string> states;
+  for (const OdDbObjectId& id : left) states.push_back(stateOf(id));
 
   std::vector<std::vector<std::pair<double, double>>> before;
   for (const OdDbObjectId& id : ids) before.push_back(flat(*open<OdDbEntity>(id)));
@@ -141,8 +151,7 @@ TEST_F(VdmDxfUtils, EntitiesThatShareTheirPlaceStayApart) {
     EXPECT_EQ(arc->center(), OdGePoint3d(5, 0, i < 5 ? 2 : -2));
   }
   EXPECT_EQ(open<OdDbPolyline>(ids[8])->normal(), OdGeVector3d::kZAxis);
-  EXPECT_EQ(stateOf(gone), goneBefore);
-  EXPECT_EQ(stateOf(ids.back()), insertBefore);
+  for (std::size_t i = 0; i < states.size(); ++i) EXPECT_EQ(stateOf(left[i]), states[i]) << i;
   vdmu::cleanUp2DEntities(m_carrier);
   vdmu::cleanUp2DEntities(OdDbObjectId::kNull);
   EXPECT_TRUE(m_assertions.empty());

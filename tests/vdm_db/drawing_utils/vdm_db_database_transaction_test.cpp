@@ -1,6 +1,8 @@
 // Tests of the guard that rolls a drawing back.
 #include "vdm_db/drawing_utils/vdm_db_database_transaction.h"
 
+#include "platform/db/layer_table.h"
+#include "platform/db/locked_layers.h"
 #include "platform/entities/viewport.h"
 #include "tests/support/reference_testing.h"
 
@@ -50,19 +52,23 @@ TEST_F(VdmDbDatabaseTransactionTest, KeepsTheViewOnRequest) {
     viewport->setNumber(number);
     ids.append(addTo(space, viewport));
   }
+  edit<OdDbLayerTableRecord>(m_drawing->getLayerZeroId())->setIsLocked(true);
+  const auto setHeight = [](const OdDbObjectId& id, double height) {
+    oddbOpenThroughLock<OdDbViewport>(id)->setViewHeight(height);
+  };
   for (const bool byUndo : kByUndo) {
     for (const bool keep : {false, true}) {
       m_drawing->clearUndo();
       {
         const VdmDbDatabaseTransaction guard(m_drawing, keep, byUndo);
-        for (const OdDbObjectId& id : ids) edit<OdDbViewport>(id)->setViewHeight(42);
+        for (const OdDbObjectId& id : ids) setHeight(id, 42);
         addLine(m_modelSpace);
       }
       EXPECT_EQ(open<OdDbViewport>(ids[0])->viewHeight(), 210);
       EXPECT_EQ(open<OdDbViewport>(ids[1])->viewHeight(), keep ? 42 : 210);
       EXPECT_EQ(countEntities(m_modelSpace), 1u);
       EXPECT_FALSE(m_drawing->hasUndo());
-      edit<OdDbViewport>(ids[1])->setViewHeight(210);
+      setHeight(ids[1], 210);
     }
   }
 }

@@ -1,6 +1,7 @@
 // Tests of finding, making and deleting of objects in dictionaries.
 #include "vdm_db/drawing_utils/vdm_dictionary_utils.h"
 
+#include "platform/db/layer_table.h"
 #include "platform/db/xrecord.h"
 #include "tests/support/reference_testing.h"
 
@@ -53,6 +54,7 @@ TEST_F(VdmDictionaryUtilsTest, DictionariesByName) {
   EXPECT_NE(anew, made);
   EXPECT_TRUE(made.isErased() && entry.isErased());
   EXPECT_EQ(open<OdDbDictionary>(anew)->numEntries(), 0u);
+  edit<OdDbLayerTableRecord>(m_drawing->getLayerZeroId())->setIsLocked(true);
   vdmu::deleteDict(m_drawing, L"D", m_owner);
   EXPECT_TRUE(anew.isErased());
   EXPECT_TRUE(extension(m_owner).isNull()) << "it held nothing else";

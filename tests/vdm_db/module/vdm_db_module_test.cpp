@@ -104,7 +104,6 @@ const std::vector<ClassRow> kClassRows = {
      true, L"", L""},
     ABSTRACT(VdmDbTrailingLinePE, OdRxObject),
     PLAIN(vdmu::AssocVariableCloningWatcher, OdDbDatabaseReactor),
-    ABSTRACT(VdmSimpleFeatureInterface, VdmUpdateFeatureInterface),
 };
 #undef PLAIN
 #undef ABSTRACT

@@ -51,6 +51,8 @@ TEST_F(VdmCompoundObjectIdTest, IdsOfOtherDrawingsAreKeptAsHandles) {
   EXPECT_EQ(kindsOf(m_path), "112");
   EXPECT_EQ(m_path.getHandle(2), m_carrierHandle);
   EXPECT_EQ(m_path.getPathPrefix(), OdDbObjectIdArray({m_top, m_inner}));
+  EXPECT_EQ(vdmu::strCompoundObjectId(m_path),
+            vdmu::strObjectIdArray({m_top, m_inner}, false) + L" | " + m_carrierHandle.ascii());
   m_path.setFullPath({m_top, m_line, m_inner, m_line}, false);
   m_path.setFullPath({m_inner, m_inner}, true);  // the front only
   EXPECT_EQ(m_path.getPathPrefix(), OdDbObjectIdArray({m_inner, m_inner, m_inner, m_line}));
