@@ -3,7 +3,8 @@
 // truth (laws of judging: judge.h; of the truth: truth.h).
 //
 //   vdm_bench_naming [--seed N] [--models N] [--repeats N] [--sequences N]
-//                    [--references N] [--edit NAME] [--family NAME] [--method NAME] [--json] [--explain]
+//                    [--references N] [--edit NAME] [--family NAME] [--method NAME] [--json]
+//                    [--explain]
 //
 // With the environment variable VDM_STEP_DIR the STEP parts of that folder take part.
 // Exit code: 0; 1 when a reference of the drawing is wrong; 2 for wrong usage.
