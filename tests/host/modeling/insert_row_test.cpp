@@ -51,7 +51,7 @@ class InsertRowTest : public ModelingTest {
     return text.str();
   }
 
-  Lines describe(const EditResult& result) const {
+  [[nodiscard]] Lines describe(const EditResult& result) const {
     Lines lines{std::string(result.status.text.utf8()), std::to_string(result.ok())};
     if (!result.ok()) return lines;
     const UpdateReport& report = result.report;
@@ -77,7 +77,7 @@ class InsertRowTest : public ModelingTest {
     return lines;
   }
 
-  Lines describeBody() const {
+  [[nodiscard]] Lines describeBody() const {
     const OdModelerBodyPtr body = plateBody();
     Lines lines;
     for (OdUInt32 i = 1; i <= body->numFaces(); ++i) {
@@ -91,7 +91,7 @@ class InsertRowTest : public ModelingTest {
     return lines;
   }
 
-  Lines describeOpenings(const std::vector<OdDbObjectId>& features) const {
+  [[nodiscard]] Lines describeOpenings(const std::vector<OdDbObjectId>& features) const {
     Lines lines;
     for (const OdDbObjectId& feature : features) {
       for (const auto& [toolFace, references] : component(feature)->openingDependencies()) {

@@ -81,9 +81,10 @@ class RandomParameterClones : public ModelTest {
         manager->createFeatureData(VdmConfigurationFeature::desc(), L"Variants", false, false)
             .openAs<VdmConfigurationFeature>(OdDb::kForWrite);
     VdmuMessageCollector messages;
-    EXPECT_EQ(feature->setConfigurationTable(block, cells, 4, columns, messages,
-                                             /*createVariables=*/true, /*promote=*/false),
-              eOk);
+    EXPECT_EQ(
+        feature->setConfigurationTable(block, cells, 4, columns, messages,
+                                       /*createVariables=*/true, /*promoteSingleColumn=*/false),
+        eOk);
     if (pick(2) == 0) {
       EXPECT_EQ(feature->setConfiguration(L"row 1"), eOk);
     }
