@@ -19,7 +19,7 @@ class ModelEditor;
 
 namespace naming_bench {
 
-/// A name in the drawing and where what it stands for was born.
+/// A name in the drawing, and the births of the face or edge that has it.
 struct NamedReference {
   OdDbHandle feature;
   Birth birth;

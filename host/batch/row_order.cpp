@@ -1,6 +1,6 @@
 // The order in which rows are computed.
 //
-// The best order is a shortest path through all rows, which nobody can afford to find. Rows that
+// The best order is a shortest path through all rows, which takes too long to find. Rows that
 // are sorted column by column, back and forth, share all they can in the first columns: in a
 // product of sweeps each step then changes one value, and which column comes first decides what is
 // changed how often. Two rules for that are tried: the heaviest column first, which is best where

@@ -14,7 +14,7 @@ namespace cli {
 // the text when nothing is found, when it is something else, or when several have the name.
 
 /// A solid by its handle or by the name of its body; the handle is tried first, since names of
-/// bodies are not made to be told apart.
+/// several bodies may have one name.
 OdDbObjectId findSolid(OdDbDatabase& drawing, const std::string& text);
 /// References by the handle of one or the name that was given to it: several where it was split.
 std::vector<OdDbObjectId> findReferences(OdDbDatabase& drawing, const std::string& text);

@@ -18,7 +18,8 @@ class SolidLabels {
   /// Names of references to a subentity, then of the features that watch it; each once.
   [[nodiscard]] std::vector<std::string> of(const OdDbObjectId& solid,
                                             OdModelerSubent subent) const;
-  /// What a name stands for in a solid: a reference, or all that a feature watches there; rising.
+  /// The subentities of a solid that have a name: a reference's, or all that a feature watches;
+  /// rising.
   [[nodiscard]] std::vector<OdModelerSubent> named(const OdDbObjectId& solid,
                                                    const std::string& name) const;
 

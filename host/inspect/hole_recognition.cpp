@@ -151,7 +151,7 @@ bool isAcross(const SubentFacts& face, const AxisLine& axis) {
   return face.form == SubentForm::kPlane && isParallel(face.direction, axis.direction);
 }
 
-/// A plane across the axis on which a wall about it stands: a floor, or the shoulder between a wide
+/// A plane across the axis that ends a wall about it: a floor, or the shoulder between a wide
 /// wall and a narrow one. The plane in which a hole begins has no such wall.
 bool isFloor(Recognition& known, OdUInt32 index, const AxisLine& axis) {
   if (!isAcross(known.face(index), axis)) return false;

@@ -37,7 +37,7 @@ struct HoleFacts {
   OdGeVector3d lengthwise;      ///< unit, along the length; zero for round ones
   std::vector<HoleStep> steps;  ///< of round ones
   std::vector<OdUInt32> faces;  ///< walls and floors, rising; the first wall is `wall`
-  OdUInt32 wall = 0;            ///< the face that stands for the opening: the narrowest cylinder
+  OdUInt32 wall = 0;            ///< represents the opening: its narrowest cylinder
 };
 
 /// All openings of a body: round ones first, then slots, then pockets, each by the number of their

@@ -135,7 +135,7 @@ OdStatus nothingFound(SelectorContext& context, const SelectorNode& root, const 
   return {eKeyNotFound, OdString(message)};
 }
 
-/// eKeyNotFound for a name in the selector that stands for nothing.
+/// eKeyNotFound for a name in the selector that no subentity has.
 OdStatus checkNames(const SelectorNode& node, const SubentLookup& lookup) {
   if (node.kind == Kind::kTest && node.word->argument == SelectorArgument::kName &&
       lookup(node.name).empty()) {

@@ -15,8 +15,8 @@ namespace vdm_host {
 
 struct SelectorNode;
 
-/// The subentities of the body that a name stands for: a reference, the faces of a feature. Empty
-/// for an unknown name. Texts such as f_12 are understood without it.
+/// The subentities of the body that have a name: of a reference, or of a feature that watches them.
+/// Empty for an unknown name. Texts such as f_12 are understood without it.
 using SubentLookup = std::function<std::vector<OdModelerSubent>(const std::string& name)>;
 
 /// A parsed selector. The language is in docs/selectors.md: conditions combined by `&`, `|`, `!`

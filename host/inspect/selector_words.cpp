@@ -141,7 +141,7 @@ bool isAmong(const std::vector<OdModelerSubent>& subents, OdModelerSubent wanted
   return std::ranges::find(subents, wanted) != subents.end();
 }
 
-/// What the name stands for, and what bounds or joins it: edges of a face, faces of an edge.
+/// What has the name, and what bounds or joins it: edges of a face, faces of an edge.
 Verdict belongsTo(SelectorContext& context, const SubentFacts& facts, const SelectorNode& node) {
   for (const OdModelerSubent named : context.lookup(node.name)) {
     if (named == facts.subent) return {};
@@ -157,7 +157,7 @@ Verdict belongsTo(SelectorContext& context, const SubentFacts& facts, const Sele
   return {1.0, "it is not of " + node.name};
 }
 
-/// Meets what the name stands for at an edge (faces) or vertex (edges), and is not that itself.
+/// Meets what has the name at an edge (faces) or vertex (edges), and is not that itself.
 Verdict liesBeside(SelectorContext& context, const SubentFacts& facts, const SelectorNode& node) {
   const std::vector<OdModelerSubent> named = context.lookup(node.name);
   if (!isAmong(named, facts.subent)) {

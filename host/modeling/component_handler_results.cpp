@@ -117,7 +117,7 @@ void ComponentHandler::addRespawns(ReferenceUpdate& update, const BodyLineage& l
     oldFaces.try_emplace(toolFace);
     newFaces[toolFace] = std::move(faces);
   }
-  // All of its births end here, also those that no reference stands for.
+  // All of its births end here, also those without a reference.
   update.addRespawn(work.solid, respawn);
   for (const Tool& tool : work.tools) update.nameTool(tool.body, feature);
   for (const auto& [toolFace, faces] : oldFaces) {
@@ -163,7 +163,7 @@ void ComponentHandler::noteOpenings(const BodyLineage& lineage) const {
   }
 }
 
-// Makes references to the faces that the tools left and that no reference stands for yet.
+// Makes references to the faces that the tools left and that have no reference yet.
 void ComponentHandler::referToOpenings(const BodyLineage& lineage) {
   std::vector<const Work*> extended;
   {

@@ -11,6 +11,7 @@
 #include "host/naming/birth_history.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace vdm_host {
 
@@ -21,7 +22,8 @@ using Type = OdModelerSubentType;
 // In how many directions boxes have a length in common; none for boxes that are apart. Neighbours
 // in one plane have one.
 int commonDirections(const OdGeExtents3d& a, const OdGeExtents3d& b) {
-  constexpr double kTouch = 1e-5;
+  constexpr double kTouch =
+      1e-5;  // a hundred times the modeller's confusion: boxes are widened by it
   const OdGePoint3d low(std::max(a.minPoint().x, b.minPoint().x),
                         std::max(a.minPoint().y, b.minPoint().y),
                         std::max(a.minPoint().z, b.minPoint().z));
@@ -44,8 +46,9 @@ BirthHistory::BirthHistory(const OdDbObjectId& solid, SolidBirths& births,
                            std::span<const FaceRespawn> rows)
     : m_births(births), m_before(births.faces), m_trace(trace) {
   noteRedone(solid, rows);
+  const std::unordered_set<OdUInt32> known = m_before.makers();
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (rows[i].oldFace == 0 || m_before.knowsMaker(m_makers[i])) continue;
+    if (rows[i].oldFace == 0 || known.contains(m_makers[i])) continue;
     addBirths(m_late[rows[i].oldFace], BirthSet{{m_makers[i], rows[i].toolFace}});
   }
   takeLateBirths();

@@ -36,8 +36,10 @@ std::span<const FaceBirth> FaceBirths::of(OdUInt32 face) const {
   return std::span(m_births).subspan(m_first[face - 1], m_first[face] - m_first[face - 1]);
 }
 
-bool FaceBirths::knowsMaker(OdUInt32 maker) const {
-  return std::ranges::find(m_births, maker, &FaceBirth::maker) != m_births.end();
+std::unordered_set<OdUInt32> FaceBirths::makers() const {
+  std::unordered_set<OdUInt32> makers;
+  for (const FaceBirth& birth : m_births) makers.insert(birth.maker);
+  return makers;
 }
 
 }  // namespace vdm_host

@@ -3,6 +3,7 @@
 
 #include <compare>
 #include <span>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/base/types.h"
@@ -42,7 +43,8 @@ class FaceBirths {
   }
   /// Rising; none for a face that is not known.
   [[nodiscard]] std::span<const FaceBirth> of(OdUInt32 face) const;
-  [[nodiscard]] bool knowsMaker(OdUInt32 maker) const;
+  /// Those of all births, each once.
+  [[nodiscard]] std::unordered_set<OdUInt32> makers() const;
 
  private:
   std::vector<OdUInt32> m_first;  // of each face in m_births, and the end
